@@ -1,0 +1,31 @@
+// The calculators' 256 character codes against Unicode, one to one. Fixed tables made from data/charset.tsv.
+// Also the single-byte text operations that names need. Any thread; no state.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace numalink {
+
+// One code point for each code and back; every code has one, and no two share one.
+char32_t charsetToUnicode(std::uint8_t code);
+std::optional<std::uint8_t> charsetFromUnicode(char32_t codePoint);
+
+// A calculator text as UTF-8, without loss.
+std::string utf8FromCalculator(std::string_view calculatorText);
+
+// UTF-8 as calculator codes. Code points without a code, and broken UTF-8, go to missing (their count) and stand
+// as "?" in the result. A letter with an accent that has no code takes its plain letter, and isn't counted.
+std::string calculatorFromUtf8(std::string_view utf8, int *missing = nullptr);
+
+// A folder or standard-folder name brought into the character set and cut to 52 codes.
+std::string calculatorName(std::string_view utf8);
+
+// A to Z folded to a to z; every other code stays. The one rule by which names compare.
+std::string foldCase(std::string_view calculatorText);
+bool equalWithoutCase(std::string_view a, std::string_view b);
+bool startsWithoutCase(std::string_view text, std::string_view prefix);
+
+}  // namespace numalink

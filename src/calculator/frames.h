@@ -1,0 +1,53 @@
+// The frames that announce and carry an item, on the wire, in cas files and as first payload in the library:
+// how they are built, told apart, measured and summed. Pure; any thread. Offsets in bytes, numbers big-endian.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "calculator/item_kinds.h"
+#include "calculator/program_info.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+inline constexpr std::size_t headFrameSize = 50;       // CFX items
+inline constexpr std::size_t shortHeadFrameSize = 40;  // screen copies and all frames of the ALGEBRA family
+inline constexpr std::size_t frameNameOffset = 11;
+inline constexpr std::size_t frameNameSize = 8;
+
+enum class Family { cfx = 1, algebra = 2 };
+
+// The checksum of a frame whose last byte is its place: 0x3A minus the sum of all other bytes.
+std::uint8_t frameChecksumOf(ByteView frame);
+// Writes the last byte of the frame; an empty frame stays as it is.
+void frameChecksum(std::span<std::uint8_t> frame);
+// Whether all bytes, the checksum included, add up to 0x3A.
+bool frameIsGood(ByteView frame);
+
+// Frame, or nothing for a pair of kind and family that has none. Kinds 15 and 18 (CFX), 15 (ALGEBRA) take info;
+// 6 is the closing frame, 16 the ALGEBRA model frame.
+std::optional<Bytes> buildHeadFrame(ItemKind itemKind, Family family, const ProgramInfo &info);
+
+// bytes start at offset 1 of a frame; fewer bytes than a mark needs don't match it. Kind 0 when nothing fits.
+ItemKind classifyFrame(ByteView bytes);
+
+std::size_t headFrameLength(ItemKind itemKind);  // 40 for 7 and 8, else 50
+
+// Length of the data that a head announces, in full 64 bits (callers of the wire keep 16). Screen copies are
+// measured by their two dimensions. A head too short for its kind gives 0.
+std::uint64_t frameDataLength(ByteView frame);
+
+// At most 8 characters up to a zero byte, cut at the first 0xFF.
+std::string copyFrameName(ByteView source);
+
+// The ProgramInfo of a head of kind 15 or 18; nothing for others or a short head. Bytes 35 and 36 are kept when
+// they aren't "NL".
+std::optional<ProgramInfo> infoFromHeadFrame(ByteView frame);
+
+// Length of one plane of a picture, ':' and checksum included, and how many planes the head announces.
+std::uint64_t picturePlaneLength(ByteView head);
+std::uint64_t picturePlaneCount(ByteView head);
+
+}  // namespace numalink

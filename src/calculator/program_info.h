@@ -1,0 +1,32 @@
+// The 32 bytes that stand for a program's head in the library, and the image that follows them.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/bytes.h"
+
+namespace numalink {
+
+inline constexpr std::size_t programInfoSize = 32;
+inline constexpr std::size_t programNameLimit = 8;  // characters of a program's name or password
+inline constexpr std::size_t optionOffset = 29;     // two bytes for what stands in place of "NL"; 0 0 for "NL"
+
+struct ProgramInfo {
+    std::uint32_t imageLength = 1;  // bytes that a transmission announces
+    std::string name;               // calculator codes, at most 8
+    std::string password;           // the same
+    std::uint8_t option[2] = {0, 0};
+};
+
+// The 32 bytes as they lie in the file. Names beyond 8 codes are cut.
+Bytes encodeProgramInfo(const ProgramInfo &info);
+
+// None when there are fewer than 32 bytes. Texts without an end are cut at 8.
+std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
+
+// The token bytes of an image: behind ':' and up to the end mark, the first 0xFF or 0 at a token boundary.
+// An image that doesn't start with ':' gives its bytes from the second on all the same; an empty one nothing.
+ByteView programTokens(ByteView image);
+
+}  // namespace numalink

@@ -1,0 +1,2 @@
+// numalink-cli: the library without a window.
+int main() { return 0; }

@@ -1,0 +1,28 @@
+// The operations that the library's file needs of the system, as a table that a test can replace: by a disk in
+// memory, by one whose n-th operation fails, by one that loses what wasn't synced.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace numalink {
+
+enum class OpenResult { opened, failed, heldByAnother };
+
+struct FilePort {
+    // Opens path for reading and writing, creating it when create is set, and takes an advisory lock (flock) that
+    // goes with the open file, so that a second program fails with heldByAnother.
+    OpenResult (*openLocked)(const char *path, bool create, int &file);
+    std::int64_t (*size)(int file);  // -1 on failure
+    // How many bytes were read or written: fewer than count at the end of the file, on a full disk or on an error.
+    std::size_t (*readAt)(int file, std::uint64_t offset, void *bytes, std::size_t count);
+    std::size_t (*writeAt)(int file, std::uint64_t offset, const void *bytes, std::size_t count);
+    bool (*cut)(int file, std::uint64_t size);
+    bool (*sync)(int file);
+    void (*close)(int file);
+};
+
+extern const FilePort systemFilePort;
+extern FilePort filePort;  // systemFilePort unless a test has put in its own
+
+}  // namespace numalink

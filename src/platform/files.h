@@ -1,0 +1,20 @@
+// Whole files in and out, with the cause of a failure told apart. Any thread; no state.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/bytes.h"
+
+namespace numalink {
+
+enum class FileResult { done, missing, denied, isFolder, tooLarge, diskFull, failed };
+
+// Reads the whole of path into bytes, which is left empty unless the result is done. A file of more than
+// limit bytes is tooLarge and not read. A device or pipe gives failed, so that nothing waits for ever.
+FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t limit);
+
+// Writes beside path, syncs, and renames over it: path holds either its old content or the whole new one.
+FileResult writeWholeFile(const std::string &path, ByteView bytes);
+
+}  // namespace numalink

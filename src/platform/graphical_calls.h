@@ -1,0 +1,28 @@
+// How a worker thread has something done on the graphical thread, and how such a wait can be refused,
+// so that stopping and joining the worker never stands still.
+#pragma once
+
+#include "platform/thread_role.h"
+
+namespace numalink {
+
+using GraphicalWork = void (*)(void *arguments);
+
+// Runs work on the graphical thread and returns when it is done; at once when called there.
+// False, with nothing run, when calls from this sort of thread are refused. Any thread.
+bool graphicalCall(GraphicalWork work, void *arguments);
+
+void graphicalCallsRefuse(ThreadRole caller);  // ends its waits, ahead of joining that thread
+void graphicalCallsAccept(ThreadRole caller);
+void graphicalCallsServe();  // graphical thread: runs all that waits; the shell calls it when woken
+
+// Called on the worker's thread when work has been queued. Set once, before a worker starts.
+extern void (*graphicalWake)();
+
+// The same for a callable: graphicalRun([&] { ... }).
+template <typename Work>
+bool graphicalRun(Work work) {
+    return graphicalCall([](void *arguments) { (*static_cast<Work *>(arguments))(); }, &work);
+}
+
+}  // namespace numalink

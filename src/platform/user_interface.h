@@ -1,0 +1,57 @@
+// Everything that code below the shell may ask of the user interface.
+// The shell fills the table once at start-up, numalink-cli fills it with terminal output, a test with a recorder.
+// Every entry may be called on any thread and returns when it is done or answered.
+// No caller holds a lock across such a call: the graphical thread may need that lock to answer.
+// All wording is UTF-8.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace numalink {
+
+enum class BoxIcon { none, information, warning, error };
+enum class BoxButtons { ok, okCancel };
+enum class Answer { cancel, ok, yes, no };
+
+// A message box. A text number of 0 stands for a wording that is fixed in the program.
+struct Box {
+    int bodyNumber = 0;
+    int titleNumber = 0;
+    std::string body;
+    std::string title;
+    BoxIcon icon = BoxIcon::warning;
+    BoxButtons buttons = BoxButtons::ok;
+    std::vector<std::string> arguments;  // what stands in the places of %d and %s
+};
+
+enum class ImportAction { none = 0, oneFolder = 1, standardFolders = 2, transmit = 4 };
+
+// The question of dialog 111, with the answer in the same record.
+struct ImportQuestion {
+    std::vector<std::string> itemNames;                   // UTF-8
+    std::string folderName;                               // UTF-8, edited by the user
+    ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
+};
+
+// The three fields of the status bar.
+enum class StatusPart { progress = 0, link = 1, item = 2 };
+
+struct UserInterface {
+    Answer (*messageBox)(const Box &box);
+    void (*statusText)(StatusPart part, int textNumber, const std::string &text);  // number 0: fixed or empty
+    void (*progressRange)(int maximum);                                            // 0 empties the bar
+    void (*progressPosition)(int position);
+    void (*waitCursor)(bool on);
+    void (*refreshTree)();
+    bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
+    void (*askImport)(ImportQuestion &question);
+    Answer (*askItemExists)(const std::string &question);  // dialog 108: yes, no or cancel
+    int (*askPictureSlot)(int preset);                     // dialog 110: 1 to 6, or 0 when closed
+    void (*displayChanged)();                              // leaves a mark and returns at once
+};
+
+extern const UserInterface userInterfaceSilent;  // every entry set: does nothing, answers "cancel"
+extern UserInterface userInterface;              // silent until a front end has come up
+
+}  // namespace numalink

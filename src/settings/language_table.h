@@ -1,0 +1,39 @@
+// All wording by number. Loaded once at start-up on the graphical thread, then only read, by any thread.
+// Language files and what they give are UTF-8; calculator/charset takes a text to the calculators' characters.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace numalink {
+
+inline constexpr int languageLimit = 20;                // languages kept
+inline constexpr int languageTextCount = 200;           // text numbers 0 to 199
+inline constexpr std::size_t languagePoolSize = 65536;  // bytes of all texts together, terminators included
+
+struct LanguageRecord {
+    std::string name, author, email, date;  // at most 99 bytes each
+};
+
+// Reads every Language/*.clf of the program folder in the order of the file names. 1, or -1 when neither name was
+// found; names compare without case. What doesn't fit a limit is passed over, and the rest stays usable.
+int languageLoad(std::string_view current, std::string_view fallback);
+
+// The current language's text, else the fallback's, else "<unknown string>". Never fails, for any number.
+const std::string &languageText(int number);
+
+// One of several texts under one number: they are joined by "|" in the file; index from 0. Our own texts from 164
+// on are such lists, since the table ends at 199.
+std::string languageItem(int number, int index);
+
+int languageCount();
+const LanguageRecord &languageRecord(int index);  // 0 to languageCount() - 1
+int languageCurrent();                            // index of the current language, or -1
+
+// The text with its %d and %s replaced by the arguments in order; a missing argument leaves nothing, a surplus one
+// is dropped, "%%" is a percent sign, any other % stays. Never printf.
+std::string languageFormat(int number, const std::vector<std::string> &arguments);
+std::string formatArguments(std::string_view text, const std::vector<std::string> &arguments);
+
+}  // namespace numalink

@@ -1,0 +1,62 @@
+// The settings: a table of dotted keys and text values, read by nearly everybody, written by the settings dialog.
+// All operations may be called on any thread: one lock guards the table.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace numalink {
+
+inline constexpr std::size_t settingsSlotCount = 100;
+inline constexpr std::size_t settingsTextLimit = 99;  // characters of a key or a value
+
+namespace setting {
+inline constexpr char comPort[] = "Numalink.Settings.Communication.ComPort";
+inline constexpr char linkType[] = "Numalink.Settings.Communication.Type";
+inline constexpr char removeColor[] = "Numalink.Settings.Communication.RemoveColorInformation";
+inline constexpr char haltOnError[] = "Numalink.Settings.Emulator.HaltOnError";
+inline constexpr char displayDebug[] = "Numalink.Settings.Emulator.DisplayDebug";
+inline constexpr char fullscreen[] = "Numalink.Settings.Emulator.Fullscreen";
+inline constexpr char fillListsMatrices[] = "Numalink.Settings.Emulator.FillListsMatrices";
+inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
+inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
+inline constexpr char autoCorrect[] = "Numalink.Settings.Editor.AutoCorrect";
+inline constexpr char colorAscii[] = "Numalink.Settings.Editor.Colors.Ascii";
+inline constexpr char colorText[] = "Numalink.Settings.Editor.Colors.Text";
+inline constexpr char colorError[] = "Numalink.Settings.Editor.Colors.Error";
+inline constexpr char colorTwoByteCommand[] = "Numalink.Settings.Editor.Colors.TwoByteCommand";
+inline constexpr char colorOneByteCommand[] = "Numalink.Settings.Editor.Colors.OneByteCommand";
+inline constexpr char colorOneByteCharacter[] = "Numalink.Settings.Editor.Colors.OneByteCharacter";
+inline constexpr char colorNumbers[] = "Numalink.Settings.Editor.Colors.Numbers";
+inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment";
+inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
+inline constexpr char language[] = "Numalink.Settings.Main.Language";
+}  // namespace setting
+
+// The value of key. An unknown key is added at the end of the table with an empty value; with the table full it
+// gives "" and nothing is added.
+std::string settingsValue(std::string_view key);
+
+// The value as a decimal integer: an optional sign and the leading digits, otherwise 0. Unknown keys give 0 and
+// aren't added; digits beyond 32 bits saturate.
+std::int32_t settingsInt(std::string_view key);
+
+// Red in the low byte, green in the next, blue in the next; 0 for an unknown key or fewer than two commas.
+std::uint32_t settingsColour(std::string_view key);
+
+// False, with nothing changed, when the table is full, or key or value is too long, empty as a key, holds "<", or
+// a control character. Blanks at either end of a value go.
+bool settingsSetValue(std::string_view key, std::string_view value);
+bool settingsSetInt(std::string_view key, std::int32_t value);
+bool settingsSetColour(std::string_view key, std::uint32_t colour);
+
+// The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
+// it doesn't reach at its default. Returns false when there is a file that could not be read.
+bool settingsLoad();
+
+// Writes the whole table to settings.xml, beside and renamed over. False on failure: the caller tells.
+bool settingsSave();
+
+}  // namespace numalink

@@ -1,0 +1,97 @@
+// The library: every operation on stored items. One file, storage.dat, open and locked from storeOpen to storeClose.
+// Names are calculator codes, at most 52; longer ones are cut. Names compare with A to Z folded, nothing else.
+// All operations may be called on any thread: each holds the store's one lock for its whole length, and tells the
+// user only after it has let go. An operation that fails tells its cause itself (a box), writes nothing that it can
+// help, and leaves the library as it was.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calculator/item_kinds.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+inline constexpr std::uint32_t storeSlotCount = 2000;
+inline constexpr std::size_t storeNameLimit = 52;
+inline constexpr std::uint32_t storeNewestFormat = 1000;
+inline constexpr std::uint32_t folderOpenFlag = 1;  // bit 0 of a folder's flags
+
+// The head of a record, without its payloads.
+struct ItemEntry {
+    ItemId id = noItem;
+    ItemId parent = rootId;
+    ItemKind kind = kind::unknown;
+    std::uint32_t flags = 0;
+    std::string name;
+    std::uint32_t headSize = 0;
+    std::uint32_t dataSize = 0;
+};
+
+struct StoredItem : ItemEntry {
+    Bytes head;  // first payload
+    Bytes data;  // second payload
+};
+
+// What an add does when the name is taken under the parent.
+enum class NameTaken {
+    replaceSameKind,  // the item of the same kind and name goes, once the new one is safe; else the next free name
+    nextFreeName,     // never replaces: "ABC 2", for programs within 8 characters
+    keepBoth          // two items of one name: the temporary folder only
+};
+
+struct NewItem {
+    std::string name;
+    ItemId parent = rootId;
+    ItemKind kind = kind::unknown;
+    Bytes head;
+    Bytes data;
+    NameTaken whenTaken = NameTaken::replaceSameKind;
+    std::uint32_t flags = 0;  // folders only
+};
+
+// False when the library can't be used, with the cause told. A library that some other program holds gives false
+// after nothing but its box (text 33).
+bool storeOpen();
+// Writes the head, cuts the file at its end and lets go of it. Harmless when closed.
+void storeClose();
+bool storeIsOpen();
+bool storeWriteHead();
+// True when storeOpen found damage: sound records are usable, the rest is left as it lies.
+bool storeIsDamaged();
+
+int storeFindSlot(ItemId id);  // -1 when there is none
+std::optional<ItemEntry> storeReadEntry(ItemId id);
+// False when there is no such item, or it can't be read whole (told); item is then untouched.
+bool storeReadItem(ItemId id, StoredItem &item);
+std::vector<ItemEntry> storeListItems();                  // all, by rising id, in one hold of the lock
+std::vector<ItemEntry> storeListChildren(ItemId parent);  // by rising id
+ItemId storeNextId();
+
+// The id of the new item, or noItem when it was refused (told): a full table, no such parent folder, no room.
+// With renamed given, it tells the name under which the item came to stand.
+ItemId storeAddItem(const NewItem &item, std::string *renamed = nullptr);
+// Replaces name, parent, kind and payloads of an item that exists, under its own id, and nothing else.
+bool storeWriteItem(ItemId id, const NewItem &item);
+bool storeRewriteHead(ItemId id, ByteView head);  // in place; refused unless exactly headSize bytes
+bool storeRename(ItemId id, std::string_view name);
+bool storeMove(ItemId id, ItemId newParent);  // refused for a folder into itself or below itself
+bool storeSetFlags(ItemId id, std::uint32_t value);
+std::uint32_t storeGetFlags(ItemId id);  // 0 when there is no such item
+bool storeDelete(ItemId id);             // with all that a folder holds
+
+ItemId storeFindItem(std::string_view name, ItemId parent);  // lowest id of that name, noItem when none
+bool storeItemExists(std::string_view name, ItemId parent);
+// The name itself when it is free under parent, else the next free one, within the limit of the kind.
+std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind);
+
+// "/A/B/": folders only, by name without case. noItem when missing and not to be created; "" and "/" give rootId.
+ItemId storeResolvePath(std::string_view path, bool create);
+ItemId storeStandardFolder(ItemKind folderKind);  // found by kind, else made; noItem for kinds that are none
+ItemId storeTempFolder();                         // the folder of kind 1002, made when absent
+bool storeResetTemp();                            // deletes every folder of kind 1002 and makes one
+
+}  // namespace numalink

@@ -1,0 +1,28 @@
+// A program's text into bytes and back, and the exchange words between both. Calculator codes throughout; line
+// ends are CR LF in text. Any thread once the tables are loaded.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/bytes.h"
+
+namespace numalink {
+
+// Appends the tokens of text to tokens. -1, or the place of the first character that nothing fits; tokens then
+// holds what came before it. line, when given, is the line of that place, from 1.
+std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens, int *line = nullptr);
+
+// ':', the tokens, 0xFF. False when a character can't be converted, with the box (text 18 and the line).
+bool programFromText(std::string_view text, Bytes &image);
+
+// The text of an image as its view shows it without colours: line ends CR LF, the display command as 221 CR LF,
+// unknown bytes as "<250> " and "<127,80>".
+std::string programPlainText(ByteView image);
+
+// Exchange words of token bytes, and back. A byte without a word is written as a backslash and the byte.
+std::string wordsFromTokens(ByteView tokens);
+// -1, or the place where the words can't be read.
+std::ptrdiff_t tokensFromWords(std::string_view words, Bytes &tokens);
+
+}  // namespace numalink
