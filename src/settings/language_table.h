@@ -24,7 +24,7 @@ int languageLoad(std::string_view current, std::string_view fallback);
 const std::string &languageText(int number);
 
 // One of several texts under one number: they are joined by "|" in the file; index from 0. Our own texts from 164
-// on are such lists, since the table ends at 199.
+// on are such lists (see own_texts.h), since the table ends at 199. "<unknown string>" when there is none.
 std::string languageItem(int number, int index);
 
 int languageCount();

@@ -1,24 +1,22 @@
-// The texts of our own, from number 164 on. Each number is a list of texts joined by "|" in the language files
-// (see languageItem); the enumerators are the places in the list. Keep the order of data/language/*.txt.
+// The texts of our own, from number 164 on. The language table ends at 199, so several texts share a number, joined by
+// "|". They are written in data/language/own_texts.tsv, a row a text with all its translations; the build makes the
+// names here.
 #pragma once
+
+#include <string>
+#include <vector>
 
 namespace numalink {
 
-namespace ownText {
-inline constexpr int fileCauses = 164;      // why a file could not be read or written: FileCause
-inline constexpr int importMessages = 165;  // ImportText
-inline constexpr int storeMessages = 166;   // StoreText
-inline constexpr int treeMessages = 167;    // TreeText
-inline constexpr int menuLabels = 168;      // commands without a number of their own: MenuText
-inline constexpr int commandTips = 169;     // status tips, in the order of the command table
-inline constexpr int dialogLabels = 170;    // DialogText
-inline constexpr int shellMessages = 171;   // ShellText
-inline constexpr int linkMessages = 172;
-inline constexpr int emulatorMessages = 173;
-inline constexpr int editorMessages = 174;
-inline constexpr int exportMessages = 175;
-inline constexpr int settingsLabels = 176;
-inline constexpr int keypadLabels = 177;
-}  // namespace ownText
+// number * 100 + place in the list
+enum class OwnText : int {
+#include "settings/own_texts.inc"
+};
+
+constexpr int ownTextNumber(OwnText text) { return static_cast<int>(text) / 100; }
+constexpr int ownTextPlace(OwnText text) { return static_cast<int>(text) % 100; }
+
+// The wording in the current language, or the fallback's; %d and %s replaced in order.
+std::string ownText(OwnText text, const std::vector<std::string> &arguments = {});
 
 }  // namespace numalink

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/user_interface.h"
+#include "settings/own_texts.h"
 
 namespace numalink {
 
@@ -19,8 +20,9 @@ Answer tellUser(int bodyNumber, const std::vector<std::string> &arguments = {}, 
 // The warning box for a text number; always false, so that a failure ends in one line.
 bool failWith(int bodyNumber, const std::vector<std::string> &arguments = {});
 
-// The box for one of our own texts (languageItem), title text 2; always false.
-bool failWithItem(int number, int index, const std::vector<std::string> &arguments = {});
+// The same for a text of our own; the box's body number is the shared number.
+Answer tellUser(OwnText body, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning);
+bool failWith(OwnText body, const std::vector<std::string> &arguments = {});
 
 // A box whose title, and body when bodyNumber is 0, are fixed in the program.
 Answer tellFixed(int bodyNumber, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
@@ -28,5 +30,6 @@ Answer tellFixed(int bodyNumber, const std::string &body, const std::string &tit
 
 // A line in the status bar by text number.
 void statusLine(StatusPart part, int textNumber, const std::vector<std::string> &arguments = {});
+void statusLine(StatusPart part, OwnText text, const std::vector<std::string> &arguments = {});
 
 }  // namespace numalink

@@ -1,0 +1,112 @@
+// make_language texts.tsv own_texts.tsv own_texts.inc FOLDER: writes FOLDER/LANGUAGE.clf for each language column, and
+// the C++ list of our own texts. texts.tsv has a row a number (1 to 163); own_texts.tsv a row a text of our own, whose
+// number (164 to 199) is shared: such texts are joined by "|". Columns: number, name, then one a language, English
+// first. Refuses gaps, and translations whose %d and %s differ from the English ones.
+#include <map>
+#include <set>
+
+#include "line_reader.h"
+
+namespace {
+
+constexpr int firstOwnNumber = 164, textNumberEnd = 200;
+const std::set<int> unusedNumbers = {5, 29, 80, 94, 95};
+
+std::string placeholdersOf(const std::string &file, const tool::Line &line, const std::string &text) {
+    std::string found;
+    for (std::size_t i = 0; i + 1 <= text.size(); i++) {
+        if (text[i] != '%') continue;
+        const char which = i + 1 < text.size() ? text[i + 1] : '\0';
+        if (which != 'd' && which != 's' && which != '%') tool::fault(file, line.number, "a % that is no %d, %s or %%");
+        if (which != '%') found += which;
+        i++;
+    }
+    return found;
+}
+
+struct Row {
+    int number;
+    std::string name;
+    std::vector<std::string> texts;
+};
+
+struct Table {
+    std::vector<std::string> languages;
+    std::vector<Row> rows;
+};
+
+Table readTable(const std::string &file, bool own) {
+    Table table;
+    for (const tool::Line &line : tool::readLines(file)) {
+        if (line.text.empty() || line.text[0] == '#') continue;
+        std::vector<std::string> fields = tool::splitAt(line.text, '\t');
+        if (table.languages.empty()) {
+            table.languages.assign(fields.begin() + 2, fields.end());
+            continue;
+        }
+        if (fields.size() != table.languages.size() + 2) tool::fault(file, line.number, "a language is missing");
+        Row row{std::atoi(fields[0].c_str()), fields[1], {fields.begin() + 2, fields.end()}};
+        if (own != (row.number >= firstOwnNumber) || row.number < 1 || row.number >= textNumberEnd)
+            tool::fault(file, line.number, "number out of range");
+        for (const std::string &text : row.texts) {
+            if (text.empty() || text.find('"') != std::string::npos || (own && text.find('|') != std::string::npos))
+                tool::fault(file, line.number, "a text is empty, or holds a double quote or a bar");
+            if (placeholdersOf(file, line, text) != placeholdersOf(file, line, row.texts[0]))
+                tool::fault(file, line.number, "placeholders differ from the English ones: " + text);
+        }
+        table.rows.push_back(std::move(row));
+    }
+    return table;
+}
+
+void checkNumbers(const std::string &file, const Table &table) {
+    std::set<int> seen;
+    for (const Row &row : table.rows)
+        if (!seen.insert(row.number).second) tool::fault(file, 0, "number " + std::to_string(row.number) + " twice");
+    for (int number = 1; number < firstOwnNumber; number++)
+        if (!seen.contains(number) && !unusedNumbers.contains(number))
+            tool::fault(file, 0, "number " + std::to_string(number) + " is missing");
+}
+
+std::string languageFile(const Table &fixed, const Table &own, std::size_t column) {
+    std::map<int, std::string> texts;
+    for (const Row &row : fixed.rows) texts[row.number] = row.texts[column];
+    for (const Row &row : own.rows) {
+        std::string &text = texts[row.number];
+        text += (text.empty() ? "" : "|") + row.texts[column];
+    }
+    const std::string &name = fixed.languages[column];
+    std::string file = "[Language Info]\r\nName=" + name +
+                       "\r\nAuthor=Vesper Foundry\r\nEMail=languages@numalink.example\r\nDate=2026-11-24\r\n\r\n"
+                       "[Translation]\r\n";
+    for (const auto &[number, text] : texts) file += std::to_string(number) + "=\"" + text + "\"\r\n";
+    return file;
+}
+
+// "name = number * 100 + place," for each text of our own.
+std::string enumerators(const std::string &file, const Table &own) {
+    std::map<int, int> places;
+    std::set<std::string> names;
+    std::string list;
+    for (const Row &row : own.rows) {
+        if (!names.insert(row.name).second) tool::fault(file, 0, "name " + row.name + " twice");
+        if (places[row.number] >= 100) tool::fault(file, 0, "more than 100 texts under one number");
+        list += row.name + " = " + std::to_string(row.number * 100 + places[row.number]++) + ",\n";
+    }
+    return list;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 5) tool::fault("make_language", 0, "usage: make_language texts.tsv own_texts.tsv own_texts.inc FOLDER");
+    const Table fixed = readTable(argv[1], false);
+    const Table own = readTable(argv[2], true);
+    if (fixed.languages != own.languages) tool::fault(argv[2], 0, "the two tables differ in their languages");
+    checkNumbers(argv[1], fixed);
+    for (std::size_t column = 0; column < fixed.languages.size(); column++)
+        tool::writeFile(std::string(argv[4]) + "/" + fixed.languages[column] + ".clf",
+                        languageFile(fixed, own, column));
+    tool::writeFile(argv[3], enumerators(argv[2], own));
+    return 0;
+}
