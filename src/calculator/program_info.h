@@ -10,7 +10,7 @@ namespace numalink {
 
 inline constexpr std::size_t programInfoSize = 32;
 inline constexpr std::size_t programNameLimit = 8;  // characters of a program's name or password
-inline constexpr std::size_t optionOffset = 29;     // two bytes for what stands in place of "NL"; 0 0 for "NL"
+inline constexpr std::size_t optionOffset = 29;     // what a head has at 35 and 36; 0 0 for the usual bytes of its kind
 
 struct ProgramInfo {
     std::uint32_t imageLength = 1;  // bytes that a transmission announces
@@ -18,6 +18,9 @@ struct ProgramInfo {
     std::string password;           // the same
     std::uint8_t option[2] = {0, 0};
 };
+
+// Whether this byte and the next make one token.
+constexpr bool isTokenPrefix(std::uint8_t byte) { return byte == 0x7F || byte == 0xF7; }
 
 // The 32 bytes as they lie in the file. Names beyond 8 codes are cut.
 Bytes encodeProgramInfo(const ProgramInfo &info);
