@@ -17,7 +17,7 @@ OpenResult openLocked(const char *path, bool create, int &file) {
     // O_NONBLOCK: a pipe in the place of the library doesn't hold the program.
     const int opened = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0666);
     if (opened < 0) return OpenResult::failed;
-    struct stat facts{};
+    struct stat facts {};
     OpenResult result = OpenResult::opened;
     if (fstat(opened, &facts) != 0 || !S_ISREG(facts.st_mode)) result = OpenResult::failed;
     // flock goes with the open file itself: closing some other descriptor of it doesn't let go.
@@ -32,7 +32,7 @@ OpenResult openLocked(const char *path, bool create, int &file) {
 }
 
 std::int64_t sizeOf(int file) {
-    struct stat facts{};
+    struct stat facts {};
     return fstat(file, &facts) == 0 ? static_cast<std::int64_t>(facts.st_size) : -1;
 }
 

@@ -28,15 +28,21 @@ struct OpenFile {
 FileResult resultOfError(int error) {
     switch (error) {
         case ENOENT:
-        case ENOTDIR: return FileResult::missing;
+        case ENOTDIR:
+            return FileResult::missing;
         case EACCES:
         case EPERM:
-        case EROFS: return FileResult::denied;
-        case EISDIR: return FileResult::isFolder;
+        case EROFS:
+            return FileResult::denied;
+        case EISDIR:
+            return FileResult::isFolder;
         case ENOSPC:
-        case EDQUOT: return FileResult::diskFull;
-        case EFBIG: return FileResult::tooLarge;
-        default: return FileResult::failed;
+        case EDQUOT:
+            return FileResult::diskFull;
+        case EFBIG:
+            return FileResult::tooLarge;
+        default:
+            return FileResult::failed;
     }
 }
 
@@ -60,7 +66,7 @@ FileResult readToEnd(int file, Bytes &bytes, std::uint64_t sizeAtFirst, std::uin
 FileResult readFile(const std::string &path, Bytes &bytes, std::uint64_t limit) {
     // O_NONBLOCK: opening a pipe that nobody writes to doesn't wait.
     const OpenFile opened(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat facts{};
+    struct stat facts {};
     if (opened.file < 0 || fstat(opened.file, &facts) != 0) return resultOfError(errno);
     if (S_ISDIR(facts.st_mode)) return FileResult::isFolder;
     if (!S_ISREG(facts.st_mode)) return FileResult::failed;
@@ -90,7 +96,7 @@ std::string folderOf(const std::string &path) {
 
 // A link is written through, so that it stays one. A path that can't be resolved stays as it is.
 std::string targetOf(const std::string &path) {
-    struct stat facts{};
+    struct stat facts {};
     if (lstat(path.c_str(), &facts) != 0 || !S_ISLNK(facts.st_mode)) return path;
     char *resolved = realpath(path.c_str(), nullptr);
     if (resolved == nullptr) return path;
@@ -124,7 +130,7 @@ FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t li
 
 FileResult writeWholeFile(const std::string &path, ByteView bytes) {
     const std::string target = targetOf(path);
-    struct stat old{};
+    struct stat old {};
     const bool replaces = stat(target.c_str(), &old) == 0;
     if (replaces && S_ISDIR(old.st_mode)) return FileResult::isFolder;
     if (replaces && !S_ISREG(old.st_mode)) return FileResult::failed;
