@@ -47,7 +47,12 @@ ByteView programTokens(ByteView image) {
     const ByteView tokens = image.subspan(1);
     std::size_t end = 0;
     while (end < tokens.size() && tokens[end] != 0 && tokens[end] != 0xFF) end += isTokenPrefix(tokens[end]) ? 2 : 1;
-    return tokens.first(std::min(end, tokens.size()));
+    if (end < tokens.size()) return tokens.first(end);
+    for (const std::size_t behind : {2u, 1u}) {
+        if (tokens.size() >= behind && tokens[tokens.size() - behind] == 0xFF)
+            return tokens.first(tokens.size() - behind);
+    }
+    return tokens;
 }
 
 }  // namespace numalink

@@ -29,6 +29,7 @@ Bytes encodeProgramInfo(const ProgramInfo &info);
 std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
 
 // The token bytes of an image: behind ':' and up to the end mark, the first 0xFF or 0 at a token boundary.
+// Where no such mark stands (a prefix has taken it), the last 0xFF or the one ahead of a checksum is the end.
 // An image that doesn't start with ':' gives its bytes from the second on all the same; an empty one nothing.
 ByteView programTokens(ByteView image);
 

@@ -99,6 +99,8 @@ TEST(ProgramInfo, AnImageEndsAtATokenBoundary) {
     const Bytes image = {':', 'A', 0x7F, 0x00, 0xF7, 0xFF, 'B', 0xFF, 0x12};
     EXPECT_EQ(programTokens(image).size(), 6u);
     EXPECT_EQ(programTokens(ByteView(image).first(3)).size(), 2u) << "a prefix at the very end";
+    EXPECT_EQ(programTokens(Bytes{':', 'A', 0xF7, 0xFF, 0x12}).size(), 2u) << "a lone prefix ahead of the end mark";
+    EXPECT_EQ(programTokens(Bytes{':', 'A', 0x7F, 0xFF}).size(), 2u);
     EXPECT_TRUE(programTokens({}).empty());
 }
 
