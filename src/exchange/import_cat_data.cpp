@@ -252,7 +252,8 @@ bool readCatPicture(CatReader &reader) {
     for (const CatKey key : {CatKey::height, CatKey::width, CatKey::colors, CatKey::sheets})
         fits = fits && fitsHead(reader.number(key));
     const Bytes head = pictureHead(reader, name);
-    Planes planes{.pixels = picturePlaneLength(head) - 6, .expected = frameDataLength(head)};
+    Planes planes{.pixels = picturePlaneLength(head) - 6,
+                  .expected = picturePlaneCount(head) * picturePlaneLength(head)};
     planes.bad = !fits || planes.pixels == 0;
     for (; !atEndMark(reader);) {
         if (!planes.bad) addPlaneLine(planes, lineOf(reader));

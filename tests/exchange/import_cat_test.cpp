@@ -185,6 +185,11 @@ TEST_F(ImportCat, APictureHasItsPlanes) {
     EXPECT_EQ(Bytes(item.data.begin(), item.data.begin() + 7), (Bytes{':', 0, 1, 0, 1, 0x01, 0x23}));
     EXPECT_EQ(item.data[38 + 4], 2);
     EXPECT_EQ(std::string(item.head.begin() + 27, item.head.begin() + 32), "DRUWF");
+    EXPECT_EQ(readWith(readCat, pictureRecord("Communication SW:1|" + sizes,
+                                              "Sheet:1|Color:1|" + plane + "Sheet:1|Color:2|" + plane))
+                  .taken.size(),
+              1u)
+        << "a mark with a number in it";
     EXPECT_TRUE(readWith(readCat, pictureRecord(sizes, "Sheet:1|Color:1|" + plane + plane)).taken.empty())
         << "no second sheet line";
 }
