@@ -55,7 +55,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     ASSERT_EQ(shown.size(), 3u);
     EXPECT_EQ(shown[0], languageText(155));
     EXPECT_EQ(shown[1], languageText(155));
-    EXPECT_EQ(shown[2].rfind(languageText(100), 0), 0u) << shown[2];
+    EXPECT_EQ(shown[2].rfind(languageText(98), 0), 0u) << shown[2];
     EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 1u);
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);
