@@ -1,7 +1,8 @@
 // make_language texts.tsv own_texts.tsv own_texts.inc FOLDER: writes FOLDER/LANGUAGE.clf for each language column, and
-// the C++ list of our own texts. texts.tsv has a row a number (1 to 163); own_texts.tsv a row a text of our own, whose
-// number (164 to 199) is shared: such texts are joined by "|". Columns: number, name, then one a language, English
-// first. Refuses gaps, and translations whose %d and %s differ from the English ones.
+// the C++ list of our own texts. texts.tsv has a row a number (1 to 163, and 0 for the language's name in itself);
+// own_texts.tsv a row a text of our own, whose number (164 to 199) is shared: such texts are joined by "|". Columns:
+// number, name, then one a language, English first. Refuses gaps, translations whose %d and %s differ from the English
+// ones, menus in which two entries share a key, and texts too long for the calculators' surfaces.
 #include <map>
 #include <set>
 
@@ -9,8 +10,20 @@
 
 namespace {
 
-constexpr int firstOwnNumber = 164, textNumberEnd = 200;
+constexpr int languageNameNumber = 0, firstOwnNumber = 164, textNumberEnd = 200;
 const std::set<int> unusedNumbers = {5, 29, 80, 94, 95};
+
+// The texts of each menu: the bar, File, Item, Edit, and the editor's own. Each needs a key of its own there. (Text 10,
+// in the editor's menu too, is a toolbar label and has none.)
+const std::vector<std::vector<int>> menus = {{67, 68, 69, 163, 70, 162, 71},
+                                             {73, 74, 75, 76},
+                                             {122, 77, 78, 79, 81, 82, 83, 84, 85},
+                                             {86, 87, 88},
+                                             {7, 8, 9, 11}};
+
+// Code points that a text may have where a calculator surface or an item name takes it: the lines of the backup view,
+// and the default name, which has to fit a program.
+const std::map<int, std::size_t> widest = {{12, 24}, {13, 7}, {14, 7}, {15, 12}, {16, 10}, {19, 8}};
 
 std::string placeholdersOf(const std::string &file, const tool::Line &line, const std::string &text) {
     std::string found;
@@ -46,7 +59,7 @@ Table readTable(const std::string &file, bool own) {
         }
         if (fields.size() != table.languages.size() + 2) tool::fault(file, line.number, "a language is missing");
         Row row{std::atoi(fields[0].c_str()), fields[1], {fields.begin() + 2, fields.end()}};
-        if (own != (row.number >= firstOwnNumber) || row.number < 1 || row.number >= textNumberEnd)
+        if (own != (row.number >= firstOwnNumber) || row.number < languageNameNumber || row.number >= textNumberEnd)
             tool::fault(file, line.number, "number out of range");
         for (const std::string &text : row.texts) {
             if (text.empty() || text.find('"') != std::string::npos || (own && text.find('|') != std::string::npos))
@@ -63,9 +76,51 @@ void checkNumbers(const std::string &file, const Table &table) {
     std::set<int> seen;
     for (const Row &row : table.rows)
         if (!seen.insert(row.number).second) tool::fault(file, 0, "number " + std::to_string(row.number) + " twice");
-    for (int number = 1; number < firstOwnNumber; number++)
+    for (int number = languageNameNumber; number < firstOwnNumber; number++)
         if (!seen.contains(number) && !unusedNumbers.contains(number))
             tool::fault(file, 0, "number " + std::to_string(number) + " is missing");
+}
+
+// The letter behind the one "&" of a menu text, in lower case if it is of A to Z, or 0. "&&" is a plain "&".
+char menuKey(const std::string &text) {
+    char key = '\0';
+    for (std::size_t i = 0; i < text.size(); i++) {
+        if (text[i] != '&') continue;
+        const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+        if (next != '&' && (key != '\0' || static_cast<unsigned char>(next) < 0x21)) return '\0';
+        if (next != '&') key = next >= 'A' && next <= 'Z' ? static_cast<char>(next - 'A' + 'a') : next;
+        i++;
+    }
+    return key;
+}
+
+void checkMenus(const std::string &file, const std::map<int, std::string> &texts) {
+    for (const std::vector<int> &menu : menus) {
+        std::map<char, int> taken;
+        for (int number : menu) {
+            const char key = menuKey(texts.at(number));
+            if (key == '\0') tool::fault(file, 0, "a menu text needs one & ahead of its key: " + texts.at(number));
+            const auto [place, isNew] = taken.emplace(key, number);
+            if (!isNew) tool::fault(file, 0, texts.at(number) + " has the key of " + texts.at(place->second));
+        }
+    }
+}
+
+void checkWidths(const std::string &file, const std::map<int, std::string> &texts) {
+    for (const auto &[number, most] : widest) {
+        std::size_t points = 0;
+        for (const char byte : texts.at(number)) points += (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+        if (points > most) tool::fault(file, 0, "too long for its place: " + texts.at(number));
+    }
+}
+
+void checkPlaces(const std::string &file, const Table &table) {
+    for (std::size_t column = 0; column < table.languages.size(); column++) {
+        std::map<int, std::string> texts;
+        for (const Row &row : table.rows) texts[row.number] = row.texts[column];
+        checkMenus(file, texts);
+        checkWidths(file, texts);
+    }
 }
 
 std::string languageFile(const Table &fixed, const Table &own, std::size_t column) {
@@ -75,7 +130,7 @@ std::string languageFile(const Table &fixed, const Table &own, std::size_t colum
         std::string &text = texts[row.number];
         text += (text.empty() ? "" : "|") + row.texts[column];
     }
-    const std::string &name = fixed.languages[column];
+    const std::string name = texts.extract(languageNameNumber).mapped();
     std::string file = "[Language Info]\r\nName=" + name +
                        "\r\nAuthor=Vesper Foundry\r\nEMail=languages@numalink.example\r\nDate=2026-11-24\r\n\r\n"
                        "[Translation]\r\n";
@@ -104,6 +159,7 @@ int main(int argc, char **argv) {
     const Table own = readTable(argv[2], true);
     if (fixed.languages != own.languages) tool::fault(argv[2], 0, "the two tables differ in their languages");
     checkNumbers(argv[1], fixed);
+    checkPlaces(argv[1], fixed);
     for (std::size_t column = 0; column < fixed.languages.size(); column++)
         tool::writeFile(std::string(argv[4]) + "/" + fixed.languages[column] + ".clf",
                         languageFile(fixed, own, column));

@@ -43,7 +43,7 @@ std::uint64_t frameDataLength(ByteView frame);
 std::string copyFrameName(ByteView source);
 
 // The ProgramInfo of a head of kind 15 or 18; nothing for others or a short head. Bytes 35 and 36 are kept when
-// they aren't "NL".
+// they aren't the usual ones of the kind ("NL" for 15, two 0xFF for 18).
 std::optional<ProgramInfo> infoFromHeadFrame(ByteView frame);
 
 // Length of one plane of a picture, ':' and checksum included, and how many planes the head announces.

@@ -20,10 +20,12 @@ bool encodeValue(std::span<std::uint8_t, valueFrameSize> frame, std::uint32_t ro
 // Bytes 5 to 14 as a number; nibbles beyond 9 count as they stand.
 double decodeValue(std::span<const std::uint8_t, valueFrameSize> frame);
 
-// As "-1.5\EE+3": mantissa of 1 to 16 digits between 1 and 10, exponent unless it is 0.
+// As "-1.5\EE+3": mantissa of 1 to 16 digits between 1 and 10, exponent unless it is 0. Nothing for a value
+// that isn't finite.
 std::string formatValueText(double value);
 
-// The reverse, also plain decimals. Nothing when there is no number or it isn't finite.
+// The reverse, also plain decimals. Nothing when the text is no number from end to end (blanks at its ends aside), or
+// the number isn't finite.
 std::optional<double> parseValueText(std::string_view text);
 
 }  // namespace numalink

@@ -10,7 +10,7 @@ namespace numalink {
 
 inline constexpr std::size_t programInfoSize = 32;
 inline constexpr std::size_t programNameLimit = 8;  // characters of a program's name or password
-inline constexpr std::size_t optionOffset = 29;     // two bytes for what stands in place of "NL"; 0 0 for "NL"
+inline constexpr std::size_t optionOffset = 29;     // what a head has at 35 and 36; 0 0 for the usual bytes of its kind
 
 struct ProgramInfo {
     std::uint32_t imageLength = 1;  // bytes that a transmission announces
@@ -19,6 +19,9 @@ struct ProgramInfo {
     std::uint8_t option[2] = {0, 0};
 };
 
+// Whether this byte and the next make one token.
+constexpr bool isTokenPrefix(std::uint8_t byte) { return byte == 0x7F || byte == 0xF7; }
+
 // The 32 bytes as they lie in the file. Names beyond 8 codes are cut.
 Bytes encodeProgramInfo(const ProgramInfo &info);
 
@@ -26,6 +29,7 @@ Bytes encodeProgramInfo(const ProgramInfo &info);
 std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
 
 // The token bytes of an image: behind ':' and up to the end mark, the first 0xFF or 0 at a token boundary.
+// Where no such mark stands (a prefix has taken it), the last 0xFF or the one ahead of a checksum is the end.
 // An image that doesn't start with ':' gives its bytes from the second on all the same; an empty one nothing.
 ByteView programTokens(ByteView image);
 

@@ -46,14 +46,16 @@ std::int32_t settingsInt(std::string_view key);
 // Red in the low byte, green in the next, blue in the next; 0 for an unknown key or fewer than two commas.
 std::uint32_t settingsColour(std::string_view key);
 
-// False, with nothing changed, when the table is full, or key or value is too long, empty as a key, holds "<", or
-// a control character. Blanks at either end of a value go.
+// False, with nothing changed, when the table is full, or key or value is too long or holds "<" or a control
+// character, or when a component of the key can't be a tag: empty, with ">", "/" at either end, "?" or "!" ahead.
+// Blanks at either end of a value go.
 bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
 bool settingsSetColour(std::string_view key, std::uint32_t colour);
 
 // The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
-// it doesn't reach at its default. Returns false when there is a file that could not be read.
+// it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value
+// which was refused.
 bool settingsLoad();
 
 // Writes the whole table to settings.xml, beside and renamed over. False on failure: the caller tells.

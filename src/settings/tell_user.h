@@ -24,6 +24,11 @@ bool failWith(int bodyNumber, const std::vector<std::string> &arguments = {});
 Answer tellUser(OwnText body, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning);
 bool failWith(OwnText body, const std::vector<std::string> &arguments = {});
 
+// A language text and below it a text of our own, to which the arguments belong. The body number is the language
+// text's.
+Answer tellMore(int bodyNumber, OwnText more, const std::vector<std::string> &arguments,
+                BoxIcon icon = BoxIcon::warning);
+
 // A box whose title, and body when bodyNumber is 0, are fixed in the program.
 Answer tellFixed(int bodyNumber, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
                  BoxButtons buttons = BoxButtons::ok);

@@ -20,6 +20,10 @@ bool programFromText(std::string_view text, Bytes &image);
 // unknown bytes as "<250> " and "<127,80>".
 std::string programPlainText(ByteView image);
 
+// Appends what the exchange word at words[place] stands for and gives the characters it takes, 0 when nothing can be
+// read there. A line end, CR with or without LF, is 0x0D; a CR right behind another CR adds nothing.
+std::size_t readWord(std::string_view words, std::size_t place, Bytes &tokens);
+
 // Exchange words of token bytes, and back. A byte without a word is written as a backslash and the byte.
 std::string wordsFromTokens(ByteView tokens);
 // -1, or the place where the words can't be read.

@@ -33,6 +33,7 @@ const TokenRecord &tokenRecord(std::size_t index);
 std::string_view tokenDisplay(const TokenRecord &record);  // the glyph as one character, or displayText
 
 // Length of the token at the start of bytes, 0 when no record fits; text is then empty. Never reads past bytes.
+// text stays valid until the table is loaded anew.
 int tokenToText(ByteView bytes, std::string_view &text);
 
 // The exchange word, or nothing. tokenLength is 2 behind 0x7F and 0xF7, else 1 (also when nothing fits).

@@ -1,0 +1,58 @@
+// ProgramInfo as it lies in the library, little-endian, and the walk over an image's tokens.
+#include "calculator/program_info.h"
+
+#include <algorithm>
+
+namespace numalink {
+
+namespace {
+
+constexpr std::size_t imageLengthOffset = 4;
+constexpr std::size_t nameOffset = 8;
+constexpr std::size_t passwordOffset = 20;
+
+void putText(Bytes &head, std::size_t offset, std::string_view text) {
+    text = text.substr(0, std::min(text.find('\0'), programNameLimit));
+    std::ranges::copy(text, head.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+std::string takeText(ByteView head, std::size_t offset) {
+    const ByteView field = head.subspan(offset, programNameLimit);
+    return {field.begin(), std::ranges::find(field, 0)};
+}
+
+}  // namespace
+
+Bytes encodeProgramInfo(const ProgramInfo &info) {
+    Bytes head(programInfoSize);
+    writeLittle32(head, 0, programInfoSize);
+    writeLittle32(head, imageLengthOffset, info.imageLength);
+    putText(head, nameOffset, info.name);
+    putText(head, passwordOffset, info.password);
+    head[optionOffset] = info.option[0];
+    head[optionOffset + 1] = info.option[1];
+    return head;
+}
+
+std::optional<ProgramInfo> decodeProgramInfo(ByteView head) {
+    if (head.size() < programInfoSize) return std::nullopt;
+    return ProgramInfo{.imageLength = readLittle32(head, imageLengthOffset),
+                       .name = takeText(head, nameOffset),
+                       .password = takeText(head, passwordOffset),
+                       .option = {head[optionOffset], head[optionOffset + 1]}};
+}
+
+ByteView programTokens(ByteView image) {
+    if (image.empty()) return {};
+    const ByteView tokens = image.subspan(1);
+    std::size_t end = 0;
+    while (end < tokens.size() && tokens[end] != 0 && tokens[end] != 0xFF) end += isTokenPrefix(tokens[end]) ? 2 : 1;
+    if (end < tokens.size()) return tokens.first(end);
+    for (const std::size_t behind : {2u, 1u}) {
+        if (tokens.size() >= behind && tokens[tokens.size() - behind] == 0xFF)
+            return tokens.first(tokens.size() - behind);
+    }
+    return tokens;
+}
+
+}  // namespace numalink

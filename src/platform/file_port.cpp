@@ -1,0 +1,94 @@
+#include "platform/file_port.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint64_t offsetLimit = INT64_MAX;
+
+OpenResult openLocked(const char *path, bool create, int &file) {
+    // O_NONBLOCK: a pipe in the place of the library doesn't hold the program.
+    const int opened = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0666);
+    if (opened < 0) return OpenResult::failed;
+    struct stat facts {};
+    OpenResult result = OpenResult::opened;
+    if (fstat(opened, &facts) != 0 || !S_ISREG(facts.st_mode)) result = OpenResult::failed;
+    // flock goes with the open file itself: closing some other descriptor of it doesn't let go.
+    if (result == OpenResult::opened && flock(opened, LOCK_EX | LOCK_NB) != 0)
+        result = errno == EWOULDBLOCK ? OpenResult::heldByAnother : OpenResult::failed;
+    if (result != OpenResult::opened) {
+        close(opened);
+        return result;
+    }
+    file = opened;
+    return result;
+}
+
+std::int64_t sizeOf(int file) {
+    struct stat facts {};
+    return fstat(file, &facts) == 0 ? static_cast<std::int64_t>(facts.st_size) : -1;
+}
+
+// Calls once(place, at, rest) until all is moved, or it moves nothing more.
+template <typename Once>
+std::size_t moveAll(std::uint64_t offset, std::size_t count, Once once) {
+    std::size_t done = 0;
+    if (offset > offsetLimit || count > offsetLimit - offset) return 0;
+    while (done < count) {
+        const ssize_t moved = once(done, static_cast<off_t>(offset + done), count - done);
+        if (moved < 0 && errno == EINTR) continue;
+        if (moved <= 0) break;
+        done += static_cast<std::size_t>(moved);
+    }
+    return done;
+}
+
+std::size_t readAt(int file, std::uint64_t offset, void *bytes, std::size_t count) {
+    return moveAll(offset, count, [&](std::size_t place, off_t at, std::size_t rest) {
+        return pread(file, static_cast<std::uint8_t *>(bytes) + place, rest, at);
+    });
+}
+
+std::size_t writeAt(int file, std::uint64_t offset, const void *bytes, std::size_t count) {
+    return moveAll(offset, count, [&](std::size_t place, off_t at, std::size_t rest) {
+        return pwrite(file, static_cast<const std::uint8_t *>(bytes) + place, rest, at);
+    });
+}
+
+bool cut(int file, std::uint64_t size) {
+    int result = -1;
+    if (size > offsetLimit) return false;
+    do result = ftruncate(file, static_cast<off_t>(size));
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+bool sync(int file) {
+    int result = -1;
+    do result = fdatasync(file);
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+}  // namespace
+
+const FilePort systemFilePort = {
+    .openLocked = openLocked,
+    .size = sizeOf,
+    .readAt = readAt,
+    .writeAt = writeAt,
+    .cut = cut,
+    .sync = sync,
+    .close = [](int file) { ::close(file); },
+};
+
+FilePort filePort = systemFilePort;
+
+}  // namespace numalink

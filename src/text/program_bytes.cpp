@@ -1,0 +1,159 @@
+// The walks between text and token bytes.
+#include "text/program_bytes.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "calculator/program_info.h"
+#include "settings/settings_store.h"
+#include "settings/tell_user.h"
+#include "text/auto_correct.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint8_t lineEnd = 0x0D;
+constexpr std::uint8_t displayCommand = 0x0C;
+constexpr char displayGlyph = '\xDD';
+constexpr int textNotConverted = 18;
+
+struct TextState {
+    bool inComment = false;
+    bool inString = false;
+};
+
+// Only the first byte counts, also that of a pair.
+void follow(TextState &state, std::uint8_t firstByte) {
+    switch (firstByte) {
+        case displayCommand:
+        case ';':
+        case lineEnd:
+            state = {};
+            break;
+        case '\'':
+            state.inComment = true;
+            break;
+        case '"':
+            state.inString = !state.inString;
+            break;
+        default:
+            break;
+    }
+}
+
+// A byte, or a prefix and what follows it, that no record has.
+std::string unknownMark(ByteView tokens, std::size_t &length) {
+    const bool pair = isTokenPrefix(tokens[0]) && tokens.size() >= 2;
+    length = pair ? 2 : 1;
+    if (pair) return "<" + std::to_string(tokens[0]) + "," + std::to_string(tokens[1]) + ">";
+    return "<" + std::to_string(tokens[0]) + "> ";
+}
+
+std::string shownText(ByteView tokens, std::size_t &length) {
+    std::string_view text;
+    length = static_cast<std::size_t>(tokenToText(tokens, text));
+    if (length == 0) return unknownMark(tokens, length);
+    if (length == 1 && text == "\r") return "\r\n";
+    if (length == 1 && text == "\n") return {};
+    if (length == 1 && text == std::string_view(&displayGlyph, 1)) return std::string(text) + "\r\n";
+    return std::string(text);
+}
+
+}  // namespace
+
+std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens, int *line) {
+    const bool autoCorrect = settingsInt(setting::autoCorrect) > 0;
+    TextState state;
+    int lineNumber = 1;
+    for (std::size_t place = 0; place < text.size();) {
+        if (text[place] == '\n') {
+            place++;
+            continue;
+        }
+        const TypedToken token = textToToken(text.substr(place), state.inComment || state.inString, autoCorrect);
+        if (token.used == 0) {
+            if (line) *line = lineNumber;
+            return static_cast<std::ptrdiff_t>(place);
+        }
+        follow(state, token.byte1);
+        place += static_cast<std::size_t>(token.used);
+        if (token.byte1 == displayCommand && text.substr(place).starts_with('\r')) place++;
+        if (token.byte1 == displayCommand || token.byte1 == lineEnd) lineNumber++;
+        tokens.push_back(token.byte1);
+        if (token.length == 2) tokens.push_back(token.byte2);
+    }
+    return -1;
+}
+
+bool programFromText(std::string_view text, Bytes &image) {
+    image.assign(1, ':');
+    int line = 0;
+    if (lineFromText(text, image, &line) >= 0) {
+        tellUser(textNotConverted, {std::to_string(line)}, BoxIcon::error);
+        return false;
+    }
+    image.push_back(0xFF);
+    return true;
+}
+
+std::string programPlainText(ByteView image) {
+    std::string text;
+    for (ByteView tokens = programTokens(image); !tokens.empty();) {
+        std::size_t length = 0;
+        text += shownText(tokens, length);
+        tokens = tokens.subspan(length);
+    }
+    return text;
+}
+
+std::size_t readWord(std::string_view words, std::size_t place, Bytes &tokens) {
+    const std::string_view rest = words.substr(place);
+    if (rest.empty()) return 0;
+    if (rest[0] == '\n') return 1;
+    if (rest[0] == '\r') {
+        if (place == 0 || words[place - 1] != '\r') tokens.push_back(lineEnd);
+        return 1;
+    }
+    if (const TokenRecord *record = asciiToToken(rest)) {
+        tokens.push_back(record->byte1);
+        if (record->length == 2) tokens.push_back(record->byte2);
+        return strnlen(record->asciiText, tokenTextSize);
+    }
+    if (rest[0] != '\\' || rest.size() < 2) return 0;
+    tokens.push_back(static_cast<std::uint8_t>(rest[1]));
+    return 2;
+}
+
+std::string wordsFromTokens(ByteView tokens) {
+    std::string words;
+    while (!tokens.empty()) {
+        int tokenLength = 1;
+        const auto word = tokenToAscii(tokens, tokenLength);
+        const std::size_t length = std::min(tokens.size(), static_cast<std::size_t>(tokenLength));
+        if (tokens[0] == lineEnd) {
+            words += "\r\n";
+        } else if (word) {
+            words += *word;
+        } else {
+            for (const std::uint8_t byte : tokens.first(length)) {
+                words += '\\';
+                words += static_cast<char>(byte);
+            }
+        }
+        tokens = tokens.subspan(length);
+    }
+    return words;
+}
+
+std::ptrdiff_t tokensFromWords(std::string_view words, Bytes &tokens) {
+    for (std::size_t place = 0; place < words.size();) {
+        const std::size_t used = readWord(words, place, tokens);
+        if (used == 0) return static_cast<std::ptrdiff_t>(place);
+        place += used;
+    }
+    return -1;
+}
+
+}  // namespace numalink

@@ -1,0 +1,108 @@
+// Frames against bytes worked out by hand: heads, checksums, lengths, and the record that stands for a head.
+#include "calculator/frames.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace numalink {
+namespace {
+
+using testing::Optional;
+
+Bytes bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
+
+Bytes valueHead(std::uint8_t rows, std::uint8_t columns) {
+    Bytes head = bytesOf(std::string_view(":VAL\0MT\0\0\0\0", 11));
+    head[8] = rows;
+    head[10] = columns;
+    return head;
+}
+
+TEST(Frames, ProgramHeadOfTheCfxFamily) {
+    Bytes expected =
+        bytesOf(std::string_view(":TXT\0PG\0\0\0\x14"
+                                 "ABC",
+                                 14));
+    expected.insert(expected.end(), 21, 0xFF);
+    expected.insert(expected.end(), {'N', 'L'});
+    expected.insert(expected.end(), 12, 0xFF);
+    expected.push_back(0x16);
+    const ProgramInfo info{.imageLength = 20, .name = "ABC", .password = ""};
+    EXPECT_THAT(buildHeadFrame(kind::program, Family::cfx, info), Optional(expected));
+    EXPECT_TRUE(frameIsGood(expected));
+}
+
+TEST(Frames, FixedFramesEndInTheirKnownSums) {
+    EXPECT_EQ(buildHeadFrame(kind::modelFrame, Family::algebra, {})->back(), 0x4A);
+    EXPECT_EQ(buildHeadFrame(kind::endOfTransmission, Family::cfx, {})->back(), 0x56);
+    EXPECT_EQ(buildHeadFrame(kind::endOfTransmission, Family::algebra, {})->back(), 0x1A);
+    EXPECT_EQ(buildHeadFrame(kind::modelFrame, Family::cfx, {}), std::nullopt);
+    EXPECT_EQ(buildHeadFrame(kind::functionMemory, Family::algebra, {}), std::nullopt);
+    Bytes empty;
+    frameChecksum(empty);
+    EXPECT_TRUE(empty.empty());
+}
+
+TEST(Frames, AlgebraHeadCarriesTheLengthLessTwo) {
+    const Bytes head =
+        *buildHeadFrame(kind::program, Family::algebra, {.imageLength = 20, .name = "LONGNAME", .password = ""});
+    EXPECT_EQ(head.size(), shortHeadFrameSize);
+    EXPECT_EQ(readBig16(head, 8), 29);
+    EXPECT_EQ(copyFrameName(ByteView(head).subspan(frameNameOffset)), "LONGNAME");
+}
+
+TEST(Frames, LengthsAreNotCutToSixteenBits) {
+    EXPECT_EQ(frameDataLength(valueHead(3, 1)), 48u);
+    EXPECT_EQ(frameDataLength(valueHead(255, 255)), 255u * 255u * 16u);
+    Bytes picture(50, 0xFF);
+    std::ranges::copy(std::string_view(":IMG\0PC", 7), picture.begin());
+    EXPECT_EQ(frameDataLength(picture), 0xFFFFull * 0xFFFF * (0xFFFFull * 0xFFFF / 8 + 6));
+    EXPECT_EQ(frameDataLength(ByteView(picture).first(35)), 0u);
+    EXPECT_EQ(frameDataLength(bytesOf(":DD\x40\x80")), 1026u);
+    EXPECT_EQ(frameDataLength(bytesOf(":DC\x40\x80")), 3081u);
+    EXPECT_EQ(frameDataLength(bytesOf(":DC\x40")), 0u);
+    EXPECT_EQ(frameDataLength({}), 0u);
+}
+
+TEST(Frames, MarksNeedAllTheirBytes) {
+    EXPECT_EQ(classifyFrame(bytesOf("ENDLESS")), kind::endOfTransmission);
+    EXPECT_EQ(classifyFrame(bytesOf(std::string_view("MEM\0GM", 6))), kind::graphMemory);
+    EXPECT_EQ(classifyFrame(bytesOf(std::string_view("TXT\0P", 5))), kind::unknown);
+    EXPECT_EQ(classifyFrame(bytesOf("D")), kind::unknown);
+}
+
+TEST(Frames, HeadsOfTextItemsComeBackWhole) {
+    for (const ItemKind each : {kind::program, kind::functionMemory}) {
+        Bytes head = *buildHeadFrame(each, Family::cfx, {.imageLength = 300, .name = "NAME", .password = "12345678"});
+        const ProgramInfo usual = *infoFromHeadFrame(head);
+        EXPECT_EQ(usual.imageLength, 300u);
+        EXPECT_EQ(usual.password, "12345678");
+        EXPECT_EQ(usual.option[0], 0);
+        head[35] = 'B';
+        frameChecksum(head);
+        const Bytes stored = encodeProgramInfo(*infoFromHeadFrame(head));
+        EXPECT_THAT(buildHeadFrame(each, Family::cfx, *decodeProgramInfo(stored)), Optional(head));
+    }
+    EXPECT_EQ(infoFromHeadFrame(valueHead(1, 1)), std::nullopt);
+}
+
+TEST(ProgramInfo, TextsWithoutEndAreCut) {
+    Bytes head(programInfoSize, 'x');
+    EXPECT_EQ(decodeProgramInfo(head)->name, "xxxxxxxx");
+    EXPECT_EQ(decodeProgramInfo(ByteView(head).first(31)), std::nullopt);
+    const Bytes encoded = encodeProgramInfo({.imageLength = 0x01020304, .name = "TOO LONG A NAME", .password = ""});
+    EXPECT_EQ(encoded[16], 0) << "the ninth byte ends the name";
+    EXPECT_EQ(readLittle32(encoded, 4), 0x01020304u);
+}
+
+TEST(ProgramInfo, AnImageEndsAtATokenBoundary) {
+    const Bytes image = {':', 'A', 0x7F, 0x00, 0xF7, 0xFF, 'B', 0xFF, 0x12};
+    EXPECT_EQ(programTokens(image).size(), 6u);
+    EXPECT_EQ(programTokens(ByteView(image).first(3)).size(), 2u) << "a prefix at the very end";
+    EXPECT_EQ(programTokens(Bytes{':', 'A', 0xF7, 0xFF, 0x12}).size(), 2u) << "a lone prefix ahead of the end mark";
+    EXPECT_EQ(programTokens(Bytes{':', 'A', 0x7F, 0xFF}).size(), 2u);
+    EXPECT_TRUE(programTokens({}).empty());
+}
+
+}  // namespace
+}  // namespace numalink
