@@ -1,31 +1,24 @@
-// The speed control. Waiting sleeps, in steps of a millisecond at the least.
+// The deadline that statements and evaluations wait for.
 #include "emulator/pace.h"
-
-#include <algorithm>
-#include <cstdint>
 
 #include "platform/clock.h"
 
 namespace numalink {
 
-std::atomic<bool> fullSpeed{false};
+std::atomic<bool> fullSpeed = false;
 
 namespace {
 
-constexpr double unitMilliseconds = 0.3;
-constexpr std::uint64_t longestWait = 45;  // of the dearest call; a clock that was set back mustn't hold a run
-
-std::uint64_t deadline = 0;  // of the one active run thread
+// One run thread is active at a time, and each hands over with a wait: no lock.
+std::uint64_t paceDeadline = 0;
+constexpr std::uint64_t longestWait = paceUnits::straightLine * 3 / 10;  // milliseconds
 
 }  // namespace
 
 void paceWait(int units) {
-    std::uint64_t now = tickCount();
-    if (now < deadline) {
-        sleepMilliseconds(std::min(deadline - now, longestWait));
-        now = std::max(tickCount(), deadline);
-    }
-    deadline = now + static_cast<std::uint64_t>(units * unitMilliseconds);
+    const std::uint64_t now = tickCount();
+    if (paceDeadline > now && paceDeadline - now <= longestWait) sleepMilliseconds(paceDeadline - now);
+    paceDeadline = tickCount() + static_cast<std::uint64_t>(units) * 3 / 10;
 }
 
 }  // namespace numalink
