@@ -41,6 +41,13 @@ bool isSameLabel(const ProgramCell &left, const ProgramCell &right) {
 
 }  // namespace
 
+bool isTerminator(const ProgramCell &cell) {
+    if (cell.kind != CellKind::token) return false;
+    const std::uint8_t first = cell.token1;
+    return first == token::newLine.first || first == token::colon.first || first == token::displayTriangle.first ||
+           first == token::endOfProgram.first;
+}
+
 int findNext(const ProgramCell *cells, int at) { return walkForward(cells, at, forToken, next); }
 int findFor(const ProgramCell *cells, int at) { return walkBack(cells, at, forToken, next); }
 int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, at, whileToken, whileEnd); }
@@ -78,13 +85,9 @@ int findLabel(const ProgramCell *cells, const ProgramCell &name) {
 }
 
 int findTerminator(const ProgramCell *cells, int from) {
-    for (int i = from;; i++) {
-        if (cells[i].kind != CellKind::token) continue;
-        const std::uint8_t first = cells[i].token1;
-        if (first == token::newLine.first || first == token::colon.first || first == token::displayTriangle.first ||
-            first == token::endOfProgram.first)
-            return i;
-    }
+    int i = from;
+    while (!isTerminator(cells[i])) i++;
+    return i;
 }
 
 }  // namespace numalink

@@ -15,11 +15,11 @@ namespace numalink {
 
 namespace {
 
-constexpr double lineStep = 0.1;             // dots
-constexpr double circleStep = 0.05;          // radians
-constexpr double circleEnd = 6.2831853;      // radians
-constexpr int lineBottom = 128;              // a line's dots from there down aren't tried
-constexpr int textReach = 500 * 6;           // dots that the longest text may reach to the right
+constexpr double lineStep = 0.1;         // dots
+constexpr double circleStep = 0.05;      // radians
+constexpr double circleEnd = 6.2831853;  // radians
+constexpr int lineBottom = 128;          // a line's dots from there down aren't tried
+constexpr int textReach = 500 * 6;       // dots that the longest text may reach to the right
 constexpr int variableX = 'X' - 'A', variableY = 'Y' - 'A';
 
 Surface surface(displayWidth, displayHeight);
@@ -83,9 +83,7 @@ void putPixel(int x, int y, PixelColor color) {
     if (isOnScreen(x, y) && color < pixelColorOf(dotOf(x, y))) writeDot(x, y, color);
 }
 
-PixelColor pixelAt(int x, int y) {
-    return isOnScreen(x, y) ? pixelColorOf(dotOf(x, y)) : pixelColor::background;
-}
+PixelColor pixelAt(int x, int y) { return isOnScreen(x, y) ? pixelColorOf(dotOf(x, y)) : pixelColor::background; }
 
 void plotPoint(double x, double y, PixelColor color) {
     machine.variables[variableX] = complexReal(x);
