@@ -7,6 +7,8 @@ namespace numalink {
 
 inline constexpr int noPartner = -1;
 
+bool isTerminator(const ProgramCell &cell);  // 0x0D, 0x3A, 0x0C or 0xFF
+
 // cells ends in 0xFF. at is the cell of the statement. Results are cell indexes; noPartner when the walk runs off.
 int findNext(const ProgramCell *cells, int at);                     // For: the Next
 int findFor(const ProgramCell *cells, int at);                      // Next: the For

@@ -1,9 +1,16 @@
-// The record of one run thread and the ways out of a statement.
+// The record of one run thread, the ways out of a statement, and the look that every wait and long walk takes at
+// whether the run still goes on. Run thread.
 #pragma once
+
+#include <atomic>
 
 #include "emulator/machine.h"
 
 namespace numalink {
+
+inline constexpr int executeKey = 31;  // EXE
+
+enum class RunEnd { running, end, triangle, cursor, input, limit, memory, nothingToRun };
 
 struct RunState {
     const ProgramCell *program = nullptr;  // its cells, ending in 0xFF
@@ -22,5 +29,26 @@ enum class WayOut {
     jump,        // position is set: the loop goes on at the statement there
     programEnds  // at once, errorFlag not looked at
 };
+
+// Set by a run thread when the run ends by itself: keys, statements or memory gave out. runStart clears it.
+extern std::atomic<bool> runHalted;
+
+// Ends the run where it stands, as a stop does; the first cause counts.
+void runHalt(RunEnd cause);
+
+inline bool runGoesOn() {
+    return emulatorRunning.load(std::memory_order_relaxed) && !runHalted.load(std::memory_order_relaxed);
+}
+
+// The head of each pass of a wait: lets keyPort put in a key and gives what keyCode holds; noKeyAnyMore when the run
+// doesn't go on.
+inline constexpr int noKeyAnyMore = -1;
+int waitPassKey(RunEnd where);
+// keyCode becomes 0 unless another key than the one seen has come in between.
+void clearKey(int seen);
+// Sleeps for so long; a stop ends it.
+void waitPassSleep(std::uint64_t milliseconds);
+// The pace of a pass: at full speed it sleeps as long, since nobody is served by a processor that spins on a wait.
+void waitPassPace(int units);
 
 }  // namespace numalink
