@@ -184,6 +184,7 @@ void evaluateDim(ProgramCell *cells, int p) {
 void evaluateIdentity(ProgramCell *cells, int p) {
     if (!isNumber(cells[p + 1])) synError();
     const int size = cutToInteger(cells[p + 1].value.re);
+    if (size < 1) argError();
     MatrixDescriptor *matrix = matrixAllocate(ownedTemporarily, size, size);
     for (int i = 0; i < matrix->rows; i++) matrixElement(matrix, i, i) = 1;
     makeArray(cells[p], CellKind::matrix, matrix);

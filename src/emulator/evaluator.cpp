@@ -46,7 +46,6 @@ constexpr EvaluatorStep evaluatorSteps[] = {
 };
 static_assert(std::size(evaluatorSteps) == stepCount);
 
-constexpr StepMask allSteps = (StepMask{1} << stepCount) - 2;
 constexpr StepMask products = maskOf(Step::firstProduct) | maskOf(Step::secondProduct) | maskOf(Step::thirdProduct);
 
 void runPlainly(Stretch &stretch) {
@@ -57,14 +56,27 @@ void runPlainly(Stretch &stretch) {
     }
 }
 
-// Nothing but a step that walks leaves blanks, so that those passed by have none to compact; the two ways in which
-// blanks come from elsewhere set the bit of the step that compacts next (findSteps, callGraphFunctions).
+// A stored function may leave any cell, a token or a blank among them, and these steps bring it into the stretch: their
+// own, or that of an inner stretch.
+constexpr StepMask takingGraphFunctions =
+    maskOf(Step::subscripts) | maskOf(Step::literals) | maskOf(Step::parentheses) | maskOf(Step::graphFunctions);
+
+void findStepsBehind(Stretch &stretch, Step done) {
+    const StepMask known = stretch.pending;
+    findSteps(stretch);
+    if (stretch.hasBlanks) stretch.pending |= maskOf(Step::complexPrefix);  // compacts next
+    stretch.pending = (stretch.pending & ~((maskOf(done) << 1) - 1)) | known;
+}
+
+// Nothing but a step that walks leaves blanks, so that those passed by have none to compact.
 void runPending(Stretch &stretch) {
+    const bool hasGraphFunctions = (stretch.pending & maskOf(Step::graphFunctions)) != 0;
     while (stretch.pending != 0) {
         const EvaluatorStep &step = evaluatorSteps[std::countr_zero(stretch.pending)];
         stretch.pending &= stretch.pending - 1;
         step.run(stretch);
         if (step.compactsAfter && stretch.hasBlanks) stretch.compact();
+        if (hasGraphFunctions && (takingGraphFunctions & maskOf(step.step)) != 0) findStepsBehind(stretch, step.step);
     }
 }
 
@@ -89,7 +101,6 @@ void evaluate(ProgramCell *cells, int first, int &count) {
     if (count <= 0) return;
     Stretch stretch{cells, first, count};
     if (evaluatePlainly) {
-        stretch.pending = allSteps;
         runPlainly(stretch);
         return;
     }

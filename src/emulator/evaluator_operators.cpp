@@ -53,20 +53,11 @@ void readVariables(Stretch &stretch) {
 
 void callGraphFunctions(Stretch &stretch) {
     constexpr std::uint8_t beforeFirst = 0x13;
-    bool called = false;
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
         cell = evaluateGraphFunction(cell.token1 - beforeFirst);
-        called = true;
     }
-    if (!called) return;
-    // A function may leave any cell, a token or a blank among them.
-    const StepMask later = stretch.pending;
-    findSteps(stretch);
-    constexpr StepMask done = (maskOf(Step::graphFunctions) << 1) - 1;
-    stretch.pending = (stretch.pending & ~done) | later;
-    if (stretch.hasBlanks) stretch.pending |= maskOf(Step::complexPrefix);
 }
 
 void takeInputs(Stretch &stretch) {
