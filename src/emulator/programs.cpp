@@ -24,7 +24,8 @@ std::array<ProgramBlock, programLimit> blocks;
 int count = 0;
 std::size_t cellsUsed = 0;
 
-constexpr std::uint8_t hyphen = 0x2D, minusByte = 0x99, plusByte = 0x89, negativeByte = 0x87;
+constexpr std::uint8_t hyphen = 0x2D, shownHyphen = 0x8E;  // the second is how the first is shown as text
+constexpr std::uint8_t minusByte = 0x99, plusByte = 0x89, negativeByte = 0x87;
 constexpr int exponentDigits = 2;
 constexpr std::uint8_t secondOfNothing = 0xFF;  // behind 0x7F or 0xF7 as the last byte: no token has it
 
@@ -144,7 +145,7 @@ void markTerminators(ProgramBlock &block) {
 }
 
 std::uint8_t upperCase(char c) { return static_cast<std::uint8_t>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
-bool isHyphen(std::uint8_t c) { return c == hyphen || c == minusByte; }
+bool isHyphen(std::uint8_t c) { return c == hyphen || c == shownHyphen || c == minusByte; }
 
 }  // namespace
 
