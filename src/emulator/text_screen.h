@@ -12,7 +12,7 @@ namespace numalink {
 const Surface &textScreen();
 std::uint64_t textScreenChanges();  // grows with every write to the surface
 
-std::string textRowCodes(int row);     // the 21 characters of row 1 to 8, blanks where nothing was written
+std::string textRowCodes(int row);  // the 21 characters of row 1 to 8, blanks where nothing was written
 
 void putText(int column, int row, std::string_view text, PixelColor color);  // a character place, both from 1
 void printText(std::string_view text, PixelColor color, bool rightAligned);  // at the cursor, with line breaks

@@ -38,8 +38,9 @@ struct RunFile {
     std::vector<ProgramText> programs;
     RunScript script;
     std::string ended = "end";
-    std::map<std::string, std::vector<std::string>> sections;  // of expectations: the lines below, or the rest of the line
-    std::vector<std::string> arrays;                           // "list 1/2 = 1 2 3"
+    std::map<std::string, std::vector<std::string>>
+        sections;                     // of expectations: the lines below, or the rest of the line
+    std::vector<std::string> arrays;  // "list 1/2 = 1 2 3"
 };
 
 std::string firstWord(const std::string &line) { return line.substr(0, line.find(' ')); }
@@ -60,9 +61,9 @@ std::vector<int> codesOf(const std::string &line) {
 }
 
 bool isKeyword(const std::string &word) {
-    static const char *const all[] = {"set",  "program", "keys",    "getkey", "statements", "ended", "text", "graph", "matrix",
-                                      "shown", "dots",   "display", "vars",   "list",       "mat",   "errors", "boxes",
-                                      "row",  "mode"};
+    static const char *const all[] = {"set",   "program", "keys",  "getkey", "statements", "ended", "text",
+                                      "graph", "matrix",  "shown", "dots",   "display",    "vars",  "list",
+                                      "mat",   "errors",  "boxes", "row",    "mode"};
     for (const char *keyword : all) {
         if (word == keyword) return true;
     }
@@ -111,7 +112,8 @@ Bytes imageOf(const std::string &words) {
     while (at < words.size()) {
         const std::size_t raw = std::min(words.find("\\x{", at), words.size());
         const std::ptrdiff_t bad = tokensFromWords(words.substr(at, raw - at), image);
-        EXPECT_EQ(bad, -1) << "unreadable words: " << words.substr(at + static_cast<std::size_t>(std::max<std::ptrdiff_t>(bad, 0)));
+        EXPECT_EQ(bad, -1) << "unreadable words: "
+                           << words.substr(at + static_cast<std::size_t>(std::max<std::ptrdiff_t>(bad, 0)));
         if (raw == words.size()) break;
         const std::size_t end = words.find('}', raw);
         for (std::size_t i = raw + 3; i + 1 < end; i += 2)
@@ -302,7 +304,9 @@ void Check::variables() {
             found += (found.empty() ? "" : " ") + name + "=" + valueOf(value);
     };
     for (int i = 0; i < variableCount; i++) {
-        const std::string name = i == variableR ? "r" : i == variableTheta ? "theta" : std::string(1, static_cast<char>('A' + i));
+        const std::string name = i == variableR       ? "r"
+                                 : i == variableTheta ? "theta"
+                                                      : std::string(1, static_cast<char>('A' + i));
         add(name, machine.variables[static_cast<std::size_t>(i)], false);
     }
     add("Ans", machine.ans, false);
@@ -313,10 +317,13 @@ void Check::variables() {
 }
 
 MatrixSlot slotOf(const std::string &name, bool isList) {
-    if (!isList) return machine.matrixSlots[name == "Ans" ? static_cast<std::size_t>(matrixAnsSlot) : static_cast<std::size_t>(name[0] - 'A')];
+    if (!isList)
+        return machine.matrixSlots[name == "Ans" ? static_cast<std::size_t>(matrixAnsSlot)
+                                                 : static_cast<std::size_t>(name[0] - 'A')];
     const auto file = static_cast<std::size_t>(name[0] - '1');
     const std::string number = name.substr(2);
-    return machine.listSlots[file][number == "Ans" ? static_cast<std::size_t>(listAnsSlot) : static_cast<std::size_t>(std::stoi(number) - 1)];
+    return machine.listSlots[file][number == "Ans" ? static_cast<std::size_t>(listAnsSlot)
+                                                   : static_cast<std::size_t>(std::stoi(number) - 1)];
 }
 
 void Check::array(const std::string &line) {
@@ -326,7 +333,10 @@ void Check::array(const std::string &line) {
     std::string found = slot == nullptr ? "none" : "";
     for (int row = 0; slot != nullptr && row < slot->rows; row++) {
         for (int column = 0; column < slot->cols; column++)
-            found += (found.empty() ? "" : column == 0 && !isList ? "; " : " ") + numberOf(matrixElement(slot, column, row));
+            found += (found.empty()            ? ""
+                      : column == 0 && !isList ? "; "
+                                               : " ") +
+                     numberOf(matrixElement(slot, column, row));
     }
     const std::size_t equals = line.find("= ");
     same(words[0] + " " + words[1], equals == std::string::npos ? "" : line.substr(equals + 2), found);
