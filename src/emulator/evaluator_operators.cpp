@@ -31,7 +31,7 @@ void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
 }  // namespace
 
 const ProgramCell &Stretch::cellOrNothing(int i) const {
-    static const ProgramCell nothing;
+    static const ProgramCell nothing{};
     return i >= first && i < end() ? cells[i] : nothing;
 }
 
