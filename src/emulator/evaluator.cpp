@@ -82,17 +82,28 @@ void runPending(Stretch &stretch) {
 
 }  // namespace
 
+// Two numbers never come to stand side by side where values and cells that stand between them alternate: an operator
+// leaves one value in the place of two, and what no step knows stays. All other stretches have the implicit products.
 void findSteps(Stretch &stretch) {
     StepMask steps = 0;
+    bool alternates = true;
+    bool wasValue = false;
     for (int i = stretch.first; i < stretch.end(); i++) {
         const ProgramCell &cell = stretch.cells[i];
+        bool isValue = cell.kind == CellKind::number;
+        bool standsBetween = cell.kind == CellKind::string;
         if (cell.kind == CellKind::token) {
-            steps |= factsOf(cell).steps;
+            const TokenFacts &facts = factsOf(cell);
+            steps |= facts.steps;
+            isValue = facts.variable != nullptr;
+            standsBetween = facts.standsBetween;
         } else if (cell.kind == CellKind::blank) {
             stretch.hasBlanks = true;
         }
+        if (isValue == standsBetween || (i > stretch.first && isValue == wasValue)) alternates = false;
+        wasValue = isValue;
     }
-    if (stretch.count > 1 || stretch.hasBlanks) steps |= products;
+    if (!alternates) steps |= products;
     stretch.pending = steps;
 }
 

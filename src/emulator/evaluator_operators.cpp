@@ -31,7 +31,7 @@ void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
 }  // namespace
 
 const ProgramCell &Stretch::cellOrNothing(int i) const {
-    static const ProgramCell nothing;
+    static const ProgramCell nothing{};
     return i >= first && i < end() ? cells[i] : nothing;
 }
 
@@ -47,7 +47,9 @@ void multiplyNeighbours(Stretch &stretch) {
 
 void readVariables(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
-        if (const ComplexValue *variable = variableRef(stretch.cells[p])) makeNumber(stretch.cells[p], *variable);
+        ProgramCell &cell = stretch.cells[p];
+        if (cell.kind != CellKind::token) continue;
+        if (const ComplexValue *variable = factsOf(cell).variable) makeNumber(cell, *variable);
     }
 }
 

@@ -157,6 +157,11 @@ constexpr StructureRow structure[] = {
     {token::point, maskOf(Step::lonePoint)},
 };
 
+// A plus or minus is one of them where it stands between two values.
+constexpr StepMask binarySteps = maskOf(Step::power) | maskOf(Step::multiplication) | maskOf(Step::sign) |
+                                 maskOf(Step::addition) | maskOf(Step::relation) | maskOf(Step::logicalAnd) |
+                                 maskOf(Step::logicalOr);
+
 constexpr Token firstGraphFunction{0x14}, lastGraphFunction{0x19};
 
 Opening openingOfToken(Token token) {
@@ -178,11 +183,13 @@ TokenFacts factsOfToken(Token token) {
     for (const StructureRow &row : structure) {
         if (row.token == token) facts.steps |= row.steps;
     }
-    if (variableRef(tokenCell(token)) != nullptr) facts.steps |= maskOf(Step::variables);
+    facts.variable = variableRef(tokenCell(token));
+    if (facts.variable != nullptr) facts.steps |= maskOf(Step::variables);
     if (token.first >= firstGraphFunction.first && token.first <= lastGraphFunction.first)
         facts.steps |= maskOf(Step::graphFunctions);
     facts.opening = openingOfToken(token);
     if (facts.opening != Opening::none) facts.steps |= maskOf(Step::parentheses);
+    facts.standsBetween = (facts.steps & ~binarySteps) == 0;
     return facts;
 }
 

@@ -65,6 +65,8 @@ struct TokenFacts {
     StepMask steps = 0;                // the steps that act on it
     const OperatorRow *row = nullptr;  // of its step with an operation; plus and minus: the binary one
     Opening opening = Opening::none;
+    bool standsBetween = false;        // a binary operator, or a token that no step knows
+    ComplexValue *variable = nullptr;  // what variableRef gives
 };
 using TokenPage = std::array<TokenFacts, 256>;
 extern std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by openingTokensRefresh alone

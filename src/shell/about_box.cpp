@@ -22,7 +22,7 @@ namespace {
 constexpr int pictureWidth = 300, pictureHeight = 200;
 constexpr int bandLeft = 16, bandRight = 239;
 constexpr int webTop = 146, webBottom = 156, mailTop = 161, mailBottom = 174;
-constexpr int versionBaseline = 134;
+constexpr int versionBaseline = 190;
 
 const QString webPage = QStringLiteral("https://numalink.example/");
 const QString mailAddress = QStringLiteral("hello@numalink.example");

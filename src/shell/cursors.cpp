@@ -11,7 +11,7 @@ namespace {
 
 constexpr int cursorSize = 32;
 
-// The pointing dot of each is near the top left corner of its drawing.
+// The hot place is the one that the drawing names.
 QCursor cursorFrom(const QString &name, int hotX, int hotY) {
     const qreal scale = qGuiApp->devicePixelRatio();
     QPixmap picture(qRound(cursorSize * scale), qRound(cursorSize * scale));
@@ -27,8 +27,8 @@ QCursor cursorFrom(const QString &name, int hotX, int hotY) {
 
 }  // namespace
 
-QCursor linkCursor() { return cursorFrom(QStringLiteral("cursor-link"), 10, 2); }
-QCursor dropCursor() { return cursorFrom(QStringLiteral("cursor-drop"), 2, 2); }
-QCursor noDropCursor() { return cursorFrom(QStringLiteral("cursor-nodrop"), 2, 2); }
+QCursor linkCursor() { return cursorFrom(QStringLiteral("cursor-link"), 12, 3); }
+QCursor dropCursor() { return cursorFrom(QStringLiteral("cursor-drop"), 3, 3); }
+QCursor noDropCursor() { return cursorFrom(QStringLiteral("cursor-nodrop"), 16, 16); }
 
 }  // namespace numalink

@@ -20,7 +20,9 @@ bool askDelete(const ItemEntry &item) {
         const int count = countBelow(storeListItems(), item.id);
         body += "\n" + ownText(OwnText::folderHolds, {std::to_string(count)});
     }
-    return tellFixed(20, body, programTitle, BoxIcon::warning, BoxButtons::okCancel) == Answer::ok;
+    const Box box{
+        .bodyNumber = 20, .body = body, .title = programTitle, .buttons = BoxButtons::okCancel, .arguments = {}};
+    return userInterface.messageBox(box) == Answer::ok;
 }
 
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {

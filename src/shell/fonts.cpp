@@ -7,7 +7,7 @@ namespace numalink {
 
 namespace {
 
-constexpr int programFontPixels = 20;
+constexpr int programFontPixels = 21;  // 10.5 dots of 2 pixels
 const QString screenFace = QStringLiteral("Numalink Screen");
 
 }  // namespace

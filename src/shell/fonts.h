@@ -6,7 +6,7 @@
 namespace numalink {
 
 void loadScreenFace();  // from the program's resources; once
-QFont programFont();    // program text: the screen face, 20 pixels high, twice its dots
+QFont programFont();    // program text: the screen face, 21 pixels high, 2 pixels a dot
 QFont treeFont();       // the platform's face, and the screen face for calculator symbols
 
 }  // namespace numalink

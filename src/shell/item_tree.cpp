@@ -33,7 +33,7 @@ bool straysTold = false;  // once a run
 ItemId idOf(const QTreeWidgetItem *entry) { return entry->data(0, Qt::UserRole).toUInt(); }
 
 const char *const treeImageNames[] = {"program", "folder", "matrix", "backup",  "picture",
-                                      "screen",  "list",   "block",  "unknown", "functions"};
+                                      "screen",  "list",   "block",  "unknown", "function"};
 
 QIcon treeImage(ItemKind itemKind) {
     static std::unordered_map<int, QIcon> images;

@@ -85,6 +85,8 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     if (slot == noSlot) return Fault::absent;
     if (!fitsRecord(item)) return Fault::tooLarge;
     if (const Fault fault = parentFault(slot, item.parent); fault != Fault::none) return fault;
+    const bool becomesFolder = isFolderKind(item.kind) && !isFolderKind(storeState.slots[slot].head.kind);
+    if (becomesFolder && liesWithin(item.parent, id)) return Fault::intoItself;
     const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
     return changeRecords(marked(slot), &record, storeState.main.nextId);
 }
@@ -106,6 +108,15 @@ Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
     if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
     item = std::move(read);
     return Fault::none;
+}
+
+// The id of the next new item, or noItem when all are used up. Passed over is what a record without a folder names as
+// its parent, so that nothing comes to lie in a folder that it never was in, and the id of a record with damage.
+ItemId freshId() REQUIRES_LOCK(storeLock) {
+    ItemId id = storeState.main.nextId;
+    const auto names = [&](const Slot &slot) { return slot.head.parent == id || slot.head.id == id; };
+    while (id < noItem && std::ranges::any_of(storeState.slots, names)) id++;
+    return id;
 }
 
 // Runs one change of an existing record with the lock held, and tells its fault without it.
@@ -143,7 +154,8 @@ std::vector<ItemEntry> entriesWhere(Fits fits) {
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     id = noItem;
     if (!storeState.open) return Fault::absent;
-    if (storeState.main.nextId >= noItem) return Fault::full;
+    const ItemId newId = freshId();
+    if (newId == noItem) return Fault::full;
     if (!isFolderId(item.parent)) return Fault::noFolder;
     if (!fitsRecord(item)) return Fault::tooLarge;
     std::string name(storedName(item.name));
@@ -153,7 +165,6 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
         name = freeName(name, item.parent, item.kind);
         if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
     }
-    const ItemId newId = storeState.main.nextId;
     const NewRecord record{makeHead(item, name, newId), head, item.data};
     const Fault fault = changeRecords(marked(replaced), &record, newId + 1);
     if (fault != Fault::none) return fault;
@@ -168,8 +179,8 @@ Fault resetTemp() {
         const Slot &candidate = storeState.slots[slot];
         if (candidate.sound && candidate.head.kind == kind::temporaryFolder) markWithContents(leaving, slot);
     }
-    if (storeState.main.nextId >= noItem) return Fault::full;
-    const ItemId id = storeState.main.nextId;
+    const ItemId id = freshId();
+    if (id == noItem) return Fault::full;
     const NewItem temp{.name = "temp", .kind = kind::temporaryFolder, .head = {}, .data = {}};
     const NewRecord record{makeHead(temp, temp.name, id), {}, {}};
     return changeRecords(leaving, &record, id + 1);

@@ -49,6 +49,8 @@ void answerOpenDialog() {
             asked = true;
         }
     }
+    // The offscreen platform has no window manager that would do it.
+    if (mainWindow != nullptr && QApplication::activeModalWidget() == nullptr) mainWindow->activateWindow();
 }
 
 }  // namespace
@@ -68,7 +70,10 @@ void ShellTest::TearDown() {
 
 bool ShellTest::startProgram() {
     running = startUp();
-    if (running) QTest::qWait(1);
+    if (running) {
+        mainWindow->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(mainWindow));
+    }
     return running;
 }
 
@@ -84,7 +89,10 @@ void ShellTest::select(ItemId id) {
     QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, centreOf(id));
 }
 
-void ShellTest::typeKeys(const QString &text) { QTest::keyClicks(QApplication::focusWidget(), text); }
+void ShellTest::typeKeys(const QString &text) {
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClicks(QApplication::focusWidget(), text);
+}
 
 QPoint ShellTest::centreOf(ItemId id) {
     const QRect row = treeView->visualItemRect(treeEntryOf(id));

@@ -21,6 +21,7 @@
 #include "shell/shell_widgets.h"
 #include "shell/single_copy.h"
 #include "shell/start_up.h"
+#include "text/token_table.h"
 
 namespace numalink {
 
@@ -46,6 +47,7 @@ TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
     const ScratchFolder empty;
     const std::string program = programFolder();
     setProgramFolder(empty.path);
+    tokenTableSet({});
     setLibraryFolder(folder.path);
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(shown, (std::vector<std::string>{"Cannot find large font file", "Cannot find small font file"}));
