@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "calculator/charset.h"
 #include "calculator/number_text.h"
 #include "drawing/plane_picture.h"
 #include "emulator/arrays.h"
@@ -65,6 +66,16 @@ void loadMatrixItem(ByteView head, ByteView data) {
 void loadPictureItem(ByteView head, ByteView data) {
     if (head.size() < pictureHeadSize) return;
     if (Surface *memory = pictureMemory(head[digitOffset] - '0')) drawPicture(*memory, head, data);
+}
+
+std::vector<ItemId> itemsBeside(ItemId item) {
+    const auto entry = storeReadEntry(item);
+    if (!entry) return {};
+    std::vector<ItemEntry> siblings = storeListChildren(entry->parent);
+    std::ranges::stable_sort(siblings, {}, [](const ItemEntry &sibling) { return foldCase(sibling.name); });
+    std::vector<ItemId> order;
+    for (const ItemEntry &sibling : siblings) order.push_back(sibling.id);
+    return order;
 }
 
 bool loadRun(ItemId item, const std::vector<ItemId> &order) {

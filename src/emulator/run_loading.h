@@ -12,6 +12,9 @@ namespace numalink {
 void loadMatrixItem(ByteView head, ByteView data);
 void loadPictureItem(ByteView head, ByteView data);
 
+// The items of the folder that the item lies in, itself among them, as the tree shows them: by name.
+std::vector<ItemId> itemsBeside(ItemId item);
+
 // After machineStart: the program first, then those of its folder ahead of it nearest first, then those behind it.
 // order is the folder's items as the tree shows them. False when item is no program or can't be read.
 bool loadRun(ItemId item, const std::vector<ItemId> &order);
