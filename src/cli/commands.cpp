@@ -21,6 +21,8 @@ constexpr CommandRow commandRows[] = {
     {"import", "Import item files into a library", declareImport},
     {"list", "List the items of a library", declareList},
     {"show", "Show one item of a library", declareShow},
+    {"run", "Run a program of a library on the emulated calculator", declareRun},
+    {"eval", "Run a program given by its bytes", declareEval},
     {"tokens", "Convert between program bytes and text", declareTokens},
 };
 

@@ -16,6 +16,8 @@ using CommandRun = std::function<int()>;
 // Each declares its options on command and gives what runs once they are parsed.
 CommandRun declareImport(CLI::App &command);
 CommandRun declareList(CLI::App &command);
+CommandRun declareEval(CLI::App &command);
+CommandRun declareRun(CLI::App &command);
 CommandRun declareShow(CLI::App &command);
 CommandRun declareTokens(CLI::App &command);
 

@@ -1,0 +1,85 @@
+// Any bytes as an expression; what stands behind a byte 0xF8 are the texts of f1 and f2. By both ways of the
+// evaluator, which must leave the same cells.
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "emulator/arrays.h"
+#include "emulator/evaluator.h"
+#include "emulator/key_port.h"
+#include "emulator/pace.h"
+#include "emulator/programs.h"
+#include "text/token_table.h"
+
+using namespace numalink;
+
+namespace {
+
+constexpr std::uint8_t partEnd = 0xF8;
+constexpr std::uint8_t randomToken = 0xC1;
+
+void prepare() {
+    machine = EmulatorMachine{};
+    machineStart();
+    for (std::size_t i = 0; i < 26; i++) machine.variables[i] = complexMake(static_cast<double>(i) - 3, i == 25);
+    machine.listSlots[0][0] = matrixAllocate(ownedByVariable, 1, 3);
+    machine.matrixSlots[0] = matrixAllocate(ownedByVariable, 2, 3);
+    matrixFill(2, machine.listSlots[0][0]);
+}
+
+void loadParts(ByteView bytes) {
+    static constexpr const char *names[] = {"MAIN", "f1", "f2"};
+    programsClear();
+    Bytes image = {':'};
+    for (std::size_t i = 0; i <= bytes.size(); i++) {
+        if (i < bytes.size() && bytes[i] != partEnd) {
+            image.push_back(bytes[i]);
+            continue;
+        }
+        image.push_back(0xFF);
+        image.push_back(0);
+        if (programCount() == 3 || !programAdd(names[programCount()], image)) return;
+        image = {':'};
+    }
+}
+
+// The bits of what is left, arrays by their elements.
+std::vector<std::uint64_t> result(bool plainly) {
+    prepare();
+    std::vector<ProgramCell> cells(loadedProgram(0).cells, loadedProgram(0).cells + loadedProgram(0).cellCount);
+    int count = std::min(static_cast<int>(cells.size()) - 1, statementLimit);
+    evaluatePlainly = plainly;
+    evaluate(cells.data(), 0, count);
+    std::vector<std::uint64_t> bits = {machine.errorFlag, machine.exhausted};
+    for (int i = 0; i < count; i++) {
+        const ProgramCell &cell = cells[static_cast<std::size_t>(i)];
+        bits.push_back(static_cast<std::uint64_t>(cell.kind));
+        bits.push_back(std::bit_cast<std::uint64_t>(cell.value.re));
+        bits.push_back(std::bit_cast<std::uint64_t>(cell.value.im));
+        for (int k = 0; isArray(cell) && k < matrixSize(cell.matrix); k++)
+            bits.push_back(std::bit_cast<std::uint64_t>(matrixElements(cell.matrix)[k]));
+    }
+    return bits;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    if (tokenCount() == 0) tokenTableLoad();
+    fullSpeed = true;
+    emulatorRunning = true;
+    keyPort.getKey = [] { return 27; };
+    keyPort.beforeWaitTest = [] {
+        keyCode = 31;
+        return true;
+    };
+    const ByteView bytes(data, size);
+    loadParts(bytes);
+    if (programCount() == 0) return 0;
+    const bool repeats = std::find(data, data + size, randomToken) == data + size;  // Ran# never comes twice alike
+    const auto fast = result(false);
+    if (repeats && result(true) != fast) std::abort();
+    return 0;
+}

@@ -1,0 +1,81 @@
+// Any bytes as the programs of a folder, with a bound on statements and keys. The input is split at the bytes F7 FE,
+// which no token has: the program that is run, then SUB, f1, and so on.
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <thread>
+
+#include "drawing/dot_fonts.h"
+#include "emulator/programs.h"
+#include "emulator/runner.h"
+#include "emulator/scripted_run.h"
+#include "platform/clock.h"
+#include "platform/thread_role.h"
+#include "platform/user_interface.h"
+#include "settings/settings_store.h"
+#include "text/token_table.h"
+
+namespace {
+
+using namespace numalink;
+
+constexpr const char *names[] = {"MAIN", "SUB", "f1", "f2", "A"};
+constexpr std::size_t stringSize = 2;
+
+// A single statement may walk a line of any length: what a user would do is stop it.
+void stopSlowRuns() {
+    static std::atomic<std::uint64_t> seen = 0;
+    static std::thread watch([] {
+        std::uint64_t last = 0;
+        for (;;) {
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+            const std::uint64_t now = seen.load();
+            if (now == last && emulatorRunning) runHalt(RunEnd::limit);
+            last = now;
+        }
+    });
+    seen++;
+}
+
+void prepareOnce() {
+    static const bool prepared = [] {
+        threadRole = ThreadRole::graphical;
+        tokenTableLoad();
+        loadLargeFont();
+        loadSmallFont();
+        settingsLoad();
+        settingsSetInt(setting::fullSpeed, 1);
+        clockPort.sleepMilliseconds = [](std::uint64_t) {};
+        userInterface = userInterfaceSilent;
+        return true;
+    }();
+    (void)prepared;
+}
+
+bool loadPrograms(ByteView input) {
+    programsClear();
+    for (const char *name : names) {
+        std::size_t end = 0;
+        while (end < input.size() && !(input[end] == 0xF7 && end + 1 < input.size() && input[end + 1] == 0xFE)) end++;
+        Bytes image = {':'};
+        image.insert(image.end(), input.begin(), input.begin() + static_cast<std::ptrdiff_t>(end));
+        image.insert(image.end(), {0xFF, 0});
+        programAdd(name, image);
+        if (end == input.size()) break;
+        input = input.subspan(end + stringSize);
+    }
+    return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    prepareOnce();
+    stopSlowRuns();
+    if (size == 0) return 0;
+    settingsSetInt(setting::haltOnError, data[0] & 1);
+    settingsSetInt(setting::fillListsMatrices, data[0] >> 1 & 1);
+    const RunScript script = {.keys = {31, 27, 72, 31, 32, 31, 31, 31}, .getKeys = {31, 72}, .statementLimit = 300};
+    runScripted(script, [&] { return loadPrograms(ByteView(data, size).subspan(1)); });
+    return 0;
+}

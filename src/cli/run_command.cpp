@@ -1,0 +1,134 @@
+// numalink-cli run and eval: a program on the emulated calculator, without a window.
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+
+#include "cli/commands.h"
+#include "cli/hex_text.h"
+#include "cli/library_session.h"
+#include "cli/run_report.h"
+#include "drawing/dot_fonts.h"
+#include "emulator/programs.h"
+#include "emulator/run_loading.h"
+#include "emulator/scripted_run.h"
+#include "platform/clock.h"
+#include "settings/settings_store.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr char emulatorSettings[] = "Numalink.Settings.Emulator.";
+constexpr char evalName[] = "EVAL";
+
+struct RunCommandOptions {
+    std::string library;
+    std::string item;
+    std::string hex;
+    RunScript script;
+    std::vector<std::string> settings;  // KEY=VALUE
+    bool paced = false;
+    bool json = false;
+};
+
+std::vector<Box> boxesShown;
+Answer (*terminalBox)(const Box &box) = nullptr;
+
+void keepBoxes() {
+    boxesShown.clear();
+    terminalBox = userInterface.messageBox;
+    userInterface.messageBox = [](const Box &box) {
+        boxesShown.push_back(box);
+        return terminalBox(box);
+    };
+}
+
+// A key without a dot is one of the emulator's.
+bool useSetting(const std::string &assignment) {
+    const std::size_t equals = assignment.find('=');
+    if (equals == std::string::npos) return false;
+    std::string key = assignment.substr(0, equals);
+    if (key.find('.') == std::string::npos) key.insert(0, emulatorSettings);
+    return settingsSetValue(key, assignment.substr(equals + 1));
+}
+
+bool prepare(const RunCommandOptions &options) {
+    settingsSetInt(setting::fullSpeed, options.paced ? 0 : 1);
+    for (const std::string &assignment : options.settings) {
+        if (!useSetting(assignment)) return false;
+    }
+    loadLargeFont();
+    loadSmallFont();
+    // Keys that are there at once needn't be waited for.
+    if (!options.paced) clockPort.sleepMilliseconds = [](std::uint64_t) {};
+    keepBoxes();
+    return true;
+}
+
+int runAndPrint(const RunCommandOptions &options, const std::function<bool()> &load) {
+    if (!prepare(options)) return commandFailed("--set takes KEY=VALUE");
+    const RunReport report = runScripted(options.script, load);
+    if (options.json) {
+        std::printf("%s\n", runAsJson(report, boxesShown).dump().c_str());
+    } else {
+        std::fputs(runAsText(report).c_str(), stdout);
+    }
+    return report.ended == RunEnd::nothingToRun ? commandFailed("nothing to run") : exitDone;
+}
+
+int runItem(const RunCommandOptions &options) {
+    const LibrarySession session(options.library);
+    if (!session.open) return exitFailed;
+    const ItemId id = findItem(options.item);
+    if (id == noItem) return commandFailed("no item " + options.item);
+    return runAndPrint(options, [&] {
+        boxesShown.clear();
+        return loadRun(id, itemsBeside(id));
+    });
+}
+
+int evalBytes(const RunCommandOptions &options) {
+    const auto tokens = bytesFromHex(options.hex);
+    if (!tokens) return commandFailed("not hexadecimal: " + options.hex);
+    if (!loadTables()) return commandFailed("no token table beside the program");
+    Bytes image = {':'};
+    image.insert(image.end(), tokens->begin(), tokens->end());
+    image.insert(image.end(), {0xFF, 0});
+    return runAndPrint(options, [&] {
+        boxesShown.clear();
+        programsClear();
+        return programAdd(evalName, image);
+    });
+}
+
+void declareScript(CLI::App &command, RunCommandOptions &options) {
+    command.add_option("--keys", options.script.keys, "Key codes, one for each pass of a wait: 31,72,...")
+        ->delimiter(',');
+    command.add_option("--getkey", options.script.getKeys, "What successive reads of GetKey give: 0,31,...")
+        ->delimiter(',');
+    command.add_option("--set", options.settings, "A setting for this run, KEY=VALUE")->allow_extra_args(false);
+    command.add_option("--statements", options.script.statementLimit, "End the run after so many statements");
+    command.add_option("--repeat", options.script.repeat, "So many runs, each with the same keys")
+        ->check(CLI::PositiveNumber);
+    command.add_flag("--paced", options.paced, "At the calculator's pace");
+    command.add_flag("--json", options.json, "All that the run leaves behind as one object");
+}
+
+}  // namespace
+
+CommandRun declareRun(CLI::App &command) {
+    const auto options = std::make_shared<RunCommandOptions>();
+    command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
+    command.add_option("ITEM", options->item, "An id, or a path such as /Programs/SNAKE")->required();
+    declareScript(command, *options);
+    return [options] { return runItem(*options); };
+}
+
+CommandRun declareEval(CLI::App &command) {
+    const auto options = std::make_shared<RunCommandOptions>();
+    command.add_option("HEX", options->hex, "The program's bytes in hexadecimal")->required();
+    declareScript(command, *options);
+    return [options] { return evalBytes(*options); };
+}
+
+}  // namespace numalink

@@ -1,0 +1,138 @@
+#include "emulator/expressions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+#include "emulator/arrays.h"
+#include "emulator/evaluator.h"
+#include "emulator/key_port.h"
+#include "emulator/pace.h"
+#include "emulator/programs.h"
+#include "text/program_bytes.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+std::string digits(double value) {
+    if (std::isnan(value)) return "nan";
+    char text[40];
+    std::snprintf(text, sizeof text, "%.12g", value);
+    return text;
+}
+
+std::string textOfArray(const ProgramCell &cell) {
+    const bool isList = cell.kind == CellKind::list;
+    const MatrixDescriptor &array = *cell.matrix;
+    std::string text = isList ? "{" : "";
+    for (int row = 0; row < array.rows; row++) {
+        if (isList && row > 0) text += ",";
+        if (!isList) text += "[";
+        for (int col = 0; col < array.cols; col++)
+            text += (col > 0 ? "," : "") + digits(matrixElements(&array)[row * array.cols + col]);
+        if (!isList) text += "]";
+    }
+    return text + (isList ? "}" : array.rows == 0 ? "[]" : "");
+}
+
+std::string textOfCell(const ProgramCell &cell) {
+    char token[8];
+    switch (cell.kind) {
+        case CellKind::blank:
+            return "_";
+        case CellKind::token:
+            std::snprintf(token, sizeof token, isTwoByteLead(cell.token1) ? "<%02X%02X>" : "<%02X>", cell.token1,
+                          cell.token2);
+            return token;
+        case CellKind::number:
+            if (cell.value.im == 0) return digits(cell.value.re);
+            return digits(cell.value.re) + (cell.value.im < 0 ? "" : "+") + digits(cell.value.im) + "i";
+        case CellKind::string:
+            return "\"";
+        default:
+            return textOfArray(cell);
+    }
+}
+
+}  // namespace
+
+FreshMachine::FreshMachine() {
+    if (tokenCount() == 0 && !tokenTableLoad()) throw std::runtime_error("no casio.ptt beside the test");
+    keyPort = windowKeys;
+    fullSpeed = true;
+    emulatorRunning = true;
+    programsClear();
+    machine = EmulatorMachine{};
+    machineStart();
+    machine.errorTrace = &reports;
+}
+
+FreshMachine::~FreshMachine() {
+    machine.errorTrace = nullptr;
+    emulatorRunning = false;
+    keyPort = windowKeys;
+}
+
+Bytes imageOfWords(const std::string &words) {
+    Bytes image = {':'};
+    if (tokensFromWords(words, image) != -1) throw std::runtime_error("not exchange words: " + words);
+    image.push_back(0xFF);
+    image.push_back(0);
+    return image;
+}
+
+std::vector<ProgramCell> cellsOfWords(const std::string &words) {
+    static int loads = 0;
+    if (!programAdd("T" + std::to_string(loads++), imageOfWords(words))) throw std::runtime_error("no room");
+    const LoadedProgram &program = loadedProgram(programCount() - 1);
+    const ProgramCell *end = std::find_if(program.cells, program.cells + program.cellCount,
+                                          [](const ProgramCell &cell) { return isToken(cell, token::endOfProgram); });
+    return {program.cells, end};
+}
+
+std::string textOfCells(const ProgramCell *cells, int count) {
+    std::string text;
+    for (int i = 0; i < count; i++) text += (i > 0 ? " " : "") + textOfCell(cells[i]);
+    return text;
+}
+
+std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells) {
+    int count = static_cast<int>(cells.size());
+    evaluate(cells.data(), 0, count);
+    std::string text = textOfCells(cells.data(), count);
+    for (const char *sort : {"Syn", "Dim", "Arg", "Ma", "Go"}) {
+        if (std::ranges::any_of(fresh.reports,
+                                [&](const ErrorReport &report) { return report.text.starts_with(sort); }))
+            text += std::string(" !") + sort;
+    }
+    return text;
+}
+
+std::string evaluated(const std::string &words) {
+    const FreshMachine fresh;
+    machine.variables[0] = complexReal(5);
+    machine.variables[1] = complexMake(2, 3);
+    setMatrix('A', 2, {1, 2, 3, 4});
+    setMatrix('B', 1, {5, 6});
+    setList(1, {4, 5, 6});
+    setList(2, {7, 8, 9});
+    return evaluated(fresh, cellsOfWords(words));
+}
+
+void setList(int number, const std::vector<double> &elements) {
+    MatrixSlot &slot =
+        machine.listSlots[static_cast<std::size_t>(machine.currentFile)][static_cast<std::size_t>(number - 1)];
+    matrixRenew(ownedByVariable, slot, 1, static_cast<int>(elements.size()));
+    std::ranges::copy(elements, matrixElements(slot));
+}
+
+void setMatrix(char letter, int cols, const std::vector<double> &elements) {
+    MatrixSlot &slot = machine.matrixSlots[static_cast<std::size_t>(letter - 'A')];
+    matrixRenew(ownedByVariable, slot, cols, static_cast<int>(elements.size()) / cols);
+    std::ranges::copy(elements, matrixElements(slot));
+}
+
+}  // namespace numalink

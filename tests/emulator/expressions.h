@@ -1,0 +1,36 @@
+// Expressions in exchange words on a machine of their own, and their results as text.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "emulator/cells.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+// A fresh machine with the program folder's tokens, at full speed and running; reports are kept as a trace.
+struct FreshMachine {
+    FreshMachine();
+    ~FreshMachine();
+    FreshMachine(const FreshMachine &) = delete;
+    FreshMachine &operator=(const FreshMachine &) = delete;
+
+    std::vector<ErrorReport> reports;
+};
+
+Bytes imageOfWords(const std::string &words);
+// The cells of the words as a program has them, without the end mark.
+std::vector<ProgramCell> cellsOfWords(const std::string &words);
+
+// What is left of the cells, one blank between: 3, 1+2i, <89> for a token, {1,2} for a list, [1,2][3,4] for a matrix;
+// numbers with 12 digits. Behind them "!Syn" for each sort of report made since.
+std::string textOfCells(const ProgramCell *cells, int count);
+std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells);
+// On a machine of its own, with A = 5, B = 2+3i, Mat A [1,2][3,4], Mat B [5][6] and List 1 {4,5,6}, List 2 {7,8,9}.
+std::string evaluated(const std::string &words);
+
+void setList(int number, const std::vector<double> &elements);
+void setMatrix(char letter, int cols, const std::vector<double> &elements);
+
+}  // namespace numalink

@@ -1,0 +1,147 @@
+// Items of the folder into the machine: matrices and pictures, hostile ones too; the key table.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+
+#include "calculator/number_text.h"
+#include "emulator/arrays.h"
+#include "emulator/keypad.h"
+#include "emulator/pictures.h"
+#include "emulator/run_loading.h"
+#include "support/ui_recorder.h"
+
+namespace numalink {
+
+namespace {
+
+Bytes matrixHead(std::uint32_t rows, std::uint32_t columns, char letter) {
+    Bytes head(50);
+    writeBig16(head, 7, rows);
+    writeBig16(head, 9, columns);
+    head[15] = static_cast<std::uint8_t>(letter);
+    return head;
+}
+
+void addRecord(Bytes &data, std::uint32_t row, std::uint32_t column, double value) {
+    std::array<std::uint8_t, valueFrameSize> record{};
+    encodeValue(record, row, column, value);
+    data.insert(data.end(), record.begin(), record.end());
+}
+
+Bytes pictureHead(std::uint32_t width, std::uint32_t height, std::uint32_t planes, char digit) {
+    Bytes head(50);
+    writeBig16(head, 7, height);
+    writeBig16(head, 9, width);
+    head[18] = static_cast<std::uint8_t>(digit);
+    writeBig16(head, 32, planes);
+    writeBig16(head, 34, 1);
+    return head;
+}
+
+struct Loading : testing::Test {
+    Loading() {
+        poolReset();
+        machine.matrixSlots.fill(nullptr);
+    }
+    RecordedUi ui;
+};
+
+}  // namespace
+
+TEST_F(Loading, AMatrixTakesItsElementsByRowAndColumn) {
+    Bytes data;
+    addRecord(data, 1, 2, 5);
+    addRecord(data, 2, 1, -7);
+    addRecord(data, 9, 1, 8);  // outside: skipped
+    loadMatrixItem(matrixHead(2, 2, 'C'), data);
+    MatrixDescriptor *matrix = machine.matrixSlots[2];
+    ASSERT_NE(matrix, nullptr);
+    EXPECT_EQ(matrixElement(matrix, 1, 0), 5);
+    EXPECT_EQ(matrixElement(matrix, 0, 1), -7);
+    EXPECT_EQ(matrixElement(matrix, 0, 0), 0);
+    EXPECT_FALSE(machine.errorFlag);
+}
+
+TEST_F(Loading, ItemsThatNameNoSlotOrNoSizeArePassedOver) {
+    loadMatrixItem(matrixHead(2, 2, '['), {});
+    loadMatrixItem(matrixHead(0, 2, 'A'), {});
+    loadMatrixItem(Bytes(15), {});
+    loadPictureItem(pictureHead(128, 64, 1, '7'), Bytes(2000, 0xFF));
+    loadPictureItem(Bytes(20, '1'), Bytes(2000, 0xFF));
+    EXPECT_EQ(poolCellsUsed(), 0);
+    EXPECT_EQ(machine.matrixSlots[0], nullptr);
+    EXPECT_TRUE(uiRecord.boxes.empty());
+}
+
+TEST_F(Loading, AMatrixBeyondThePoolIsToldAndLeftOut) {
+    loadMatrixItem(matrixHead(65535, 65535, 'A'), Bytes(64));
+    EXPECT_EQ(machine.matrixSlots[0], nullptr);
+    ASSERT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, 55);
+    EXPECT_FALSE(machine.exhausted);
+}
+
+// One plane of 128 by 64, green; its first byte is the bottom of the strip at the right edge.
+TEST_F(Loading, APictureIsDrawnIntoItsMemory) {
+    Bytes data(128 * 64 / 8 + 6);
+    data[4] = 3;
+    data[5] = 0x01;
+    data[5 + 64] = 0x80;
+    loadPictureItem(pictureHead(128, 64, 1, '6'), data);
+    EXPECT_EQ(dotAt(*pictureMemory(6), 127, 63), lcdColor::green);
+    EXPECT_EQ(dotAt(*pictureMemory(6), 112, 63), lcdColor::green);
+    EXPECT_EQ(std::count(pictureMemory(6)->dots.begin(), pictureMemory(6)->dots.end(), lcdColor::green), 2);
+}
+
+TEST_F(Loading, APictureOfAnySizeIsClipped) {
+    loadPictureItem(pictureHead(65535, 65535, 65535, '1'), Bytes(5000, 0x01));
+    loadPictureItem(pictureHead(8, 0, 1, '1'), Bytes(50, 0xFF));
+    loadPictureItem(pictureHead(3, 1, 1, '1'), Bytes(4, 0xFF));
+    EXPECT_EQ(pictureMemory(1)->width, displayWidth);
+}
+
+TEST(Keypad, AClickStrictlyInsideHits) {
+    EXPECT_EQ(keyHit(2, 71), 79);
+    EXPECT_EQ(keyHit(1, 71), 0);
+    EXPECT_EQ(keyHit(20, 81), 79);
+    EXPECT_EQ(keyHit(21, 81), 0);
+    EXPECT_EQ(keyHit(105, 240), 31);
+    EXPECT_EQ(keyHit(110, 180), stopKey);
+    EXPECT_EQ(keyHit(91, 99), 38);
+    EXPECT_EQ(keyHit(118, 117), 27);
+    EXPECT_EQ(keyHit(64, 30), 0);
+}
+
+TEST(Keypad, NoTwoKeysOverlapAndAllLieOnTheSurface) {
+    EXPECT_EQ(keyFaces().size(), 50u);
+    for (const KeyFace &face : keyFaces()) {
+        const KeySize size = keySize(face.shape);
+        EXPECT_EQ(keyHit(face.x + size.width / 2, face.y + size.height / 2), face.code);
+        EXPECT_LE(face.x + size.width, keypadWidth);
+        EXPECT_EQ(keyFaceOf(face.code), &face);
+        EXPECT_STRNE(face.legend, "");
+    }
+    EXPECT_EQ(keyFaceOf(99), nullptr);
+}
+
+TEST(Keypad, TheKeyboardFollowsTheLettersOfTheKeys) {
+    EXPECT_EQ(keyCodeOf(KeyboardKey::tab), 25);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::enter), 31);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::pad0), 71);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::pad5), 63);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::padMinus), 32);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::f6), 29);
+    EXPECT_EQ(keyCodeOf(KeyboardKey::down), 37);
+    for (int letter = 0; letter < 26; letter++) {
+        const int code = keyCodeOf(static_cast<KeyboardKey>(static_cast<int>(KeyboardKey::a) + letter));
+        ASSERT_NE(keyFaceOf(code), nullptr);
+        EXPECT_EQ(std::string(keyFaceOf(code)->alpha), std::string(1, static_cast<char>('A' + letter)));
+    }
+    for (int key = 0; key < static_cast<int>(KeyboardKey::count); key++) {
+        EXPECT_NE(keyFaceOf(keyCodeOf(static_cast<KeyboardKey>(key))), nullptr);
+        EXPECT_NE(keyCodeOf(static_cast<KeyboardKey>(key)), stopKey);
+    }
+}
+
+}  // namespace numalink

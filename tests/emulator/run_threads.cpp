@@ -1,0 +1,143 @@
+// Starting and stopping at any instant: calls nested ten deep, number input open, waits, full speed and the pace.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include "drawing/dot_fonts.h"
+#include "emulator/display.h"
+#include "emulator/programs.h"
+#include "emulator/runner.h"
+#include "emulator/scripted_run.h"
+#include "platform/thread_role.h"
+#include "settings/settings_store.h"
+#include "text/program_bytes.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+Bytes imageOf(const std::string &words) {
+    Bytes image = {':'};
+    EXPECT_EQ(tokensFromWords(words, image), -1);
+    image.insert(image.end(), {0xFF, 0});
+    return image;
+}
+
+struct RunThreads : testing::Test {
+    RunThreads() {
+        threadRole = ThreadRole::graphical;
+        tokenTableLoad();
+        loadLargeFont();
+        settingsLoad();
+        settingsSetInt(setting::fullSpeed, 1);
+    }
+    ~RunThreads() override { runStop(); }
+
+    static void start(std::initializer_list<std::string> programs) {
+        machineStart();
+        programsClear();
+        int number = 0;
+        for (const std::string &words : programs) programAdd("P" + std::to_string(number++), imageOf(words));
+        ASSERT_TRUE(runStart());
+    }
+};
+
+std::string callOf(int number) { return "A+1\\->A:\\Prog \"P" + std::to_string(number) + "\""; }
+
+// The stop of a run of this program takes at most so long, whatever it waits for.
+void expectQuickStop(std::chrono::milliseconds limit) {
+    const auto before = Clock::now();
+    runStop();
+    EXPECT_LT(Clock::now() - before, limit);
+    EXPECT_FALSE(emulatorRunning);
+}
+
+}  // namespace
+
+TEST_F(RunThreads, TwoHundredStopsAtRandomInstants) {
+    std::mt19937 random(7);
+    const std::string nested[] = {callOf(1), callOf(2), callOf(3), callOf(4), callOf(5),
+                                  callOf(6), callOf(7), callOf(8), callOf(9), callOf(10)};
+    const std::string last[] = {"\\Lbl 1:A+1\\->A:\\Locate 1,1,A:\\Goto1", "?\\->B", "\"WAIT\"\\Disp",
+                                "\\Plot 1,1\\Disp", "\\ViewWindow 0,1,0,0,1,0:\\F-Line \\(-)10^8,0,1,1"};
+    std::atomic<bool> watching = true;
+    std::thread window([&] {
+        Surface seenSurface;
+        std::uint64_t seen = 0;
+        while (watching) {
+            displayCopy(seenSurface, seen);
+            keyCode = 72;
+            std::this_thread::sleep_for(std::chrono::microseconds(300));
+            keyCode = 0;
+        }
+    });
+    for (int i = 0; i < 200; i++) {
+        start({nested[0], nested[1], nested[2], nested[3], nested[4], nested[5], nested[6], nested[7], nested[8],
+               nested[9], last[static_cast<std::size_t>(i) % std::size(last)]});
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 6000));
+        runStop();
+        EXPECT_FALSE(emulatorRunning);
+        EXPECT_EQ(runEnded(), RunEnd::running);
+    }
+    watching = false;
+    window.join();
+}
+
+TEST_F(RunThreads, ARunThatIsOnIsNotStartedTwice) {
+    start({"\\Lbl 1:\\Goto1"});
+    EXPECT_FALSE(runStart());
+    runStop();
+    programsClear();
+    EXPECT_FALSE(runStart());
+    EXPECT_EQ(runEnded(), RunEnd::nothingToRun);
+}
+
+TEST_F(RunThreads, WaitsEndAtOnceWithTheRun) {
+    for (const char *words : {"?\\->A", "\\Disp", "\\Plot 1,1\\Disp", "1\\->A"}) {
+        start({words});
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        expectQuickStop(std::chrono::milliseconds(500));
+    }
+}
+
+// The triangle clears the key ahead of its wait, which tells that the program has come there.
+TEST_F(RunThreads, KeysOfTheWindowReachTheProgram) {
+    start({"\\Lbl 1:\\Getkey\\->A:A=0\\=>\\Goto1:\\Disp\\Prog \"P1\"", "7\\->B:\\Lbl 2:\\Goto2"});
+    keyCode = 42;
+    for (int i = 0; i < 500 && keyCode != 0; i++) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    keyCode = executeKey;
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    runStop();
+    EXPECT_EQ(machine.variables[0].re, 42);
+    EXPECT_EQ(machine.variables[1].re, 7);
+    EXPECT_EQ(keyCode, executeKey) << "it stays behind a wait until the key goes up";
+}
+
+// 20 passes: the assignment and its evaluation, the For's two evaluations; each pays for the one ahead of it.
+TEST_F(RunThreads, ThePaceIsWhatAStatementCosts) {
+    settingsSetInt(setting::fullSpeed, 0);
+    const auto before = Clock::now();
+    runScripted({}, [] {
+        programsClear();
+        return programAdd("P", imageOf("\\For 1\\->I \\To 20:A\\->A:\\Next"));
+    });
+    EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(80));
+}
+
+TEST_F(RunThreads, ACallWaitsLikeItsLooksWithThePaceOn) {
+    settingsSetInt(setting::fullSpeed, 0);
+    const auto before = Clock::now();
+    runScripted({}, [] {
+        programsClear();
+        return programAdd("P0", imageOf("\\Prog \"P1\":1\\->A")) && programAdd("P1", imageOf("2\\->B"));
+    });
+    EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(100));
+}
+
+}  // namespace numalink
