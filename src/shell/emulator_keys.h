@@ -1,0 +1,15 @@
+// Keys of the keyboard for a run: which key of the calculator they are. Graphical thread only.
+#pragma once
+
+class QKeyEvent;
+
+namespace numalink {
+
+// A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
+// change nothing. Always true: while a run is on, no key does anything else.
+bool emulatorKeyDown(const QKeyEvent &key);
+
+// A key went up: keyCode is cleared. The releases of auto-repeat are none.
+bool emulatorKeyUp(const QKeyEvent &key);
+
+}  // namespace numalink

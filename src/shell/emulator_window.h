@@ -1,0 +1,26 @@
+// The emulated calculator on screen: its display and key pad in place of a view, fed by a run. Graphical thread only,
+// but for displayMarked.
+#pragma once
+
+namespace numalink {
+
+// The Emulate command: starts the selected program, or stops the run.
+int emulatorToggle();
+
+// The emulator's share of leaving a view: stops the run, joins its threads and puts the surface away. Harmless when
+// none runs.
+void emulatorStop();
+bool emulatorShown();
+
+// The Save Screenshot command: the display, 128 by 64 dots, as a bitmap file.
+int saveScreenshot();
+
+// The display has changed: leaves a mark, so that the window repaints soon, at most 60 times a second. Any thread.
+void displayMarked();
+
+void makeEmulatorWindow();   // once clientArea is there
+void placeEmulatorWindow();  // over containerWindow
+void zoomEmulatorWindow();   // the zoom of the View menu has changed
+void forgetEmulatorWindow();
+
+}  // namespace numalink

@@ -1,0 +1,29 @@
+#include "shell/full_screen_layer.h"
+
+#include <QScreen>
+#include <QWidget>
+
+namespace numalink {
+
+namespace {
+
+QWidget *holder = nullptr;
+
+}  // namespace
+
+int FSDLLCreate(QWidget *window) {
+    const QScreen *screen = window->screen();
+    if (screen == nullptr || screen->size().width() < 320 || screen->size().height() < 240) return 0;
+    holder = window;
+    window->showFullScreen();
+    window->raise();
+    window->activateWindow();
+    return screen->size().width() < 640 || screen->size().height() < 480 ? 1 : 2;
+}
+
+void FSDLLDestroy() {
+    if (holder != nullptr) holder->showNormal();
+    holder = nullptr;
+}
+
+}  // namespace numalink

@@ -1,0 +1,15 @@
+// The picture of the key pad, drawn from the key table at any scale. Graphical thread only.
+#pragma once
+
+class QPainter;
+
+namespace numalink {
+
+// The whole skin in dots: 128 wide and 255 high, the rows under the display included. The painter is scaled to pixels
+// ahead; pixelsPerDot says by how much, since small legends are left out where they can't be read.
+void paintKeypad(QPainter &painter, double pixelsPerDot);
+
+// The outline of a key under the mouse; nothing for 0.
+void paintKeyOutline(QPainter &painter, int keyCode);
+
+}  // namespace numalink
