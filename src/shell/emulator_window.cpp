@@ -40,7 +40,7 @@ namespace {
 constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
 
 QWidget *emulatorWindow = nullptr;
-QPixmap skin;          // the key pad at the present scale
+QImage skin;           // the key pad at the present scale
 double skinScale = 0;  // pixels of the screen a dot, for which skin was drawn
 Surface display;       // the copy that is on screen
 std::uint64_t displaySeen = 0;
@@ -67,9 +67,10 @@ QPoint dotAtPlace(const QPointF &place) {
     return {static_cast<int>(std::floor(relative.x() / size)), static_cast<int>(std::floor(relative.y() / size))};
 }
 
-const QPixmap &skinAt(double pixelsPerDot) {
+const QImage &skinAt(double pixelsPerDot) {
     if (skinScale == pixelsPerDot) return skin;
-    skin = QPixmap(qRound(keypadWidth * pixelsPerDot), qRound(keypadHeight * pixelsPerDot));
+    skin = QImage(qRound(keypadWidth * pixelsPerDot), qRound(keypadHeight * pixelsPerDot),
+                  QImage::Format_ARGB32_Premultiplied);
     skin.fill(Qt::transparent);
     QPainter painter(&skin);
     painter.scale(pixelsPerDot, pixelsPerDot);
@@ -82,8 +83,8 @@ void paintEmulator() {
     QPainter painter(emulatorWindow);
     painter.translate(origin());
     const int size = dotPixels();
-    const QPixmap &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
-    painter.drawPixmap(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
+    const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
+    painter.drawImage(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
     const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
                        display.width * static_cast<int>(sizeof(Color)), QImage::Format_RGB32);
     painter.drawImage(QRect(0, 0, display.width * size, display.height * size), image);
@@ -212,7 +213,8 @@ void emulatorStop() {
 
 int saveScreenshot() {
     const Surface picture = displayNow();
-    saveSurface(picture);
+    const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
+    saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
     return 1;
 }
 
@@ -243,7 +245,7 @@ void zoomEmulatorWindow() {
 
 void forgetEmulatorWindow() {
     emulatorWindow = nullptr;
-    skin = QPixmap();
+    skin = QImage();
     skinScale = 0;
     forgetFullScreen();
     forgetDebugWindow();
