@@ -4,6 +4,7 @@
 #include "emulator/errors.h"
 #include "emulator/evaluator.h"
 #include "emulator/programs.h"
+#include "emulator/run_state.h"
 
 namespace numalink {
 
@@ -29,7 +30,7 @@ ProgramCell evaluateGraphFunction(int digit) {
     const ProgramCell zero = numberCell({});
     const int index = findGraphFunction(digit);
     // A stop is looked at here: functions that use each other many times over take long within one statement.
-    if (index < 0 || !emulatorRunning.load(std::memory_order_relaxed)) return zero;
+    if (index < 0 || !runGoesOn()) return zero;
     const LoadedProgram &program = loadedProgram(index);
     bool &isActive = active[digit - 1];
     if (isActive || program.cellCount > statementLimit) {

@@ -43,6 +43,7 @@ struct Loading : testing::Test {
     Loading() {
         poolReset();
         machine.matrixSlots.fill(nullptr);
+        machine.errorFlag = false;
     }
     RecordedUi ui;
 };

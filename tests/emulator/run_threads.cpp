@@ -113,10 +113,10 @@ TEST_F(RunThreads, KeysOfTheWindowReachTheProgram) {
     for (int i = 0; i < 500 && keyCode != 0; i++) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     keyCode = executeKey;
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(keyCode, executeKey) << "it stays behind a wait until the key goes up";
     runStop();
     EXPECT_EQ(machine.variables[0].re, 42);
     EXPECT_EQ(machine.variables[1].re, 7);
-    EXPECT_EQ(keyCode, executeKey) << "it stays behind a wait until the key goes up";
 }
 
 // 20 passes: the assignment and its evaluation, the For's two evaluations; each pays for the one ahead of it.
