@@ -22,6 +22,7 @@ constexpr CommandRow commandRows[] = {
     {"list", "List the items of a library", declareList},
     {"show", "Show one item of a library", declareShow},
     {"tokens", "Convert between program bytes and text", declareTokens},
+    {"write", "Store a text into a program", declareWrite},
 };
 
 }  // namespace

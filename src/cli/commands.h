@@ -18,6 +18,7 @@ CommandRun declareImport(CLI::App &command);
 CommandRun declareList(CLI::App &command);
 CommandRun declareShow(CLI::App &command);
 CommandRun declareTokens(CLI::App &command);
+CommandRun declareWrite(CLI::App &command);
 
 int runCommandLine(int argc, const char *const *argv);
 

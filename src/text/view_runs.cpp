@@ -58,6 +58,12 @@ void appendToken(ViewLine &line, ByteView token, bool isMark) {
     line.text += text;
 }
 
+void copyToken(ViewLine &target, const ViewLine &line, const ViewToken &token) {
+    const auto from = line.origins.begin() + static_cast<std::ptrdiff_t>(token.from);
+    target.text.append(line.text, token.from, token.size);
+    target.origins.insert(target.origins.end(), from, from + static_cast<std::ptrdiff_t>(token.size));
+}
+
 // Length of the token at the start, and whether it can only be shown as a mark.
 std::size_t tokenLength(ByteView tokens, bool &isMark) {
     isMark = false;
@@ -103,6 +109,8 @@ ViewToken keptTokenAt(const ViewLine &line, std::size_t place) {
     ViewToken token;
     if (from == origin::ownByte) {
         token.bytes[0] = static_cast<std::uint8_t>(line.text[place]);
+        std::string_view own;
+        if (tokenToText(bytesOf(token), own) != 1 || own != std::string_view(line.text).substr(place, 1)) return token;
         token.isKept = true;
         token.from = place;
         token.size = 1;
@@ -307,15 +315,25 @@ ViewLine shownLine(const ViewLine &line, const LineReading &reading) {
     ViewLine shown;
     for (const ViewToken &token : reading.tokens) {
         if (token.isKept) {
-            shown.text.append(line.text, token.from, token.size);
-            const auto from = line.origins.begin() + static_cast<std::ptrdiff_t>(token.from);
-            shown.origins.insert(shown.origins.end(), from, from + static_cast<std::ptrdiff_t>(token.size));
+            copyToken(shown, line, token);
         } else {
             shown.text += tokenOnView(bytesOf(token), false);
             shown.origins.resize(shown.text.size(), origin::typed);
         }
     }
     return shown;
+}
+
+ViewLine keptLine(const ViewLine &line, const LineReading &reading) {
+    ViewLine kept;
+    for (const ViewToken &token : reading.tokens) {
+        if (token.isKept) {
+            copyToken(kept, line, token);
+        } else {
+            appendToken(kept, bytesOf(token), false);
+        }
+    }
+    return kept;
 }
 
 LineBytes lineBytes(const LineReading &reading) {

@@ -77,6 +77,9 @@ LineReading readLine(const ViewLine &line, bool autoCorrect);
 // as it is.
 ViewLine shownLine(const ViewLine &line, const LineReading &reading);
 
+// The same with every token as an untouched one: what a line is once it has been stored.
+ViewLine keptLine(const ViewLine &line, const LineReading &reading);
+
 // The bytes of a line. endsInDisplay tells that its last token is the display command, which takes the line end with
 // it.
 struct LineBytes {
