@@ -10,8 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     using namespace numalink;
     static const bool loaded = loadLargeFont() && loadSmallFont();
     if (!loaded || size < 2) return 0;
-    constexpr ItemKind kinds[] = {kind::matrix,       kind::list,    kind::colourScreen, kind::monochromeScreen,
-                                  kind::picture,      kind::backup};
+    constexpr ItemKind kinds[] = {kind::matrix,           kind::list,    kind::colourScreen,
+                                  kind::monochromeScreen, kind::picture, kind::backup};
     const ItemKind itemKind = kinds[data[0] % std::size(kinds)];
     const std::size_t headSize = std::min<std::size_t>(data[1] % 64, size - 2);
     const ByteView head(data + 2, headSize);
@@ -21,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const MatrixValues matrix = matrixValuesOf(head, rest);
     const bool isTable = itemKind == kind::matrix || itemKind == kind::list;
     if (isTable && matrix.rows * matrix.columns > 2000) return 0;
-    const Surface surface = isTable ? matrixSurface(matrix, {matrix.rows, matrix.columns})
-                                    : itemSurface(itemKind, head, rest);
+    const Surface surface =
+        isTable ? matrixSurface(matrix, {matrix.rows, matrix.columns}) : itemSurface(itemKind, head, rest);
     if (surface.width < 0 || surface.height < 0 || surface.width > 16000) std::abort();
     if (surface.dots.size() < 200000) {
         if (bitmapBytes(surface).size() < bitmapHeadSize) std::abort();

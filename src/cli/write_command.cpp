@@ -24,8 +24,8 @@ struct WriteOptions {
 };
 
 bool store(StoredItem item, Bytes image) {
-    ProgramInfo info = decodeProgramInfo(item.head)
-                           .value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
+    ProgramInfo info =
+        decodeProgramInfo(item.head).value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
     info.imageLength = static_cast<std::uint32_t>(image.size());
     NewItem written;
     written.name = item.name;
