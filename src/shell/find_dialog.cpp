@@ -34,7 +34,7 @@ bool askFind() {
     dialog.setWindowTitle(textOf(149));
     auto *wanted = new QLineEdit(findText);
     wanted->setMaxLength(findLimit);
-    wanted->setFont(treeFont());
+    wanted->setFont(programFont());
     wanted->selectAll();
     auto *label = new QLabel(textOf(150));
     label->setBuddy(wanted);

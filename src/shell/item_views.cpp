@@ -115,7 +115,7 @@ void infoToStatus(const StoredItem &item) {
 
 void closeView() {
     setEditMenuEnabled(false);
-    statusLine(StatusPart::item, 0);
+    userInterface.statusText(StatusPart::item, 0, "");
     hideSymbols();
     programEdit->hide();
     lineNumberEdit->hide();
