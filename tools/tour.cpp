@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QMainWindow>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QScreen>
 #include <QTest>
 #include <QTimer>
@@ -16,9 +17,11 @@
 #include "shell/command_handler.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
+#include "shell/program_colors.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
 #include "shell/start_up.h"
+#include "shell/surface_view.h"
 #include "store/item_store.h"
 
 namespace {
@@ -98,7 +101,18 @@ int main(int argc, char **argv) {
         samples << folder.absoluteFilePath(file);
     numalink::importDropped(samples);
     takePicture("library");
+    const QColor ground = numalink::programEdit->palette().color(QPalette::Base);
+    const numalink::ColorScheme &scheme = ground.lightness() < 128 ? numalink::darkScheme : numalink::lightScheme;
+    numalink::settingsSetInt(numalink::setting::syntaxHighlighting, 1);
+    for (std::size_t i = 0; i < scheme.size(); i++)
+        numalink::settingsSetColour(numalink::programColorKeys[i], numalink::settingColour(QColor::fromRgb(scheme[i])));
     showItems();
+    numalink::setSurfaceZoom(2);
+    numalink::selectItem(firstOfKind(numalink::kind::picture));
+    takePicture("zoom");
+    numalink::setSurfaceZoom(1);
+    numalink::selectItem(firstOfKind(numalink::kind::program));
+    for (const int dialog : {40043, 40049, 40042}) numalink::handleCommand(dialog);
     numalink::menuAt(1)->popup(numalink::mainWindow->mapToGlobal(QPoint(40, 24)));
     takePicture("menu");
     numalink::menuAt(1)->close();

@@ -24,6 +24,7 @@ constexpr CommandRow commandRows[] = {
     {"run", "Run a program of a library on the emulated calculator", declareRun},
     {"eval", "Run a program given by its bytes", declareEval},
     {"tokens", "Convert between program bytes and text", declareTokens},
+    {"write", "Store a text into a program", declareWrite},
 };
 
 }  // namespace

@@ -20,6 +20,7 @@ CommandRun declareEval(CLI::App &command);
 CommandRun declareRun(CLI::App &command);
 CommandRun declareShow(CLI::App &command);
 CommandRun declareTokens(CLI::App &command);
+CommandRun declareWrite(CLI::App &command);
 
 int runCommandLine(int argc, const char *const *argv);
 

@@ -1,13 +1,16 @@
-// numalink-cli show
-#include <algorithm>
+// numalink-cli show: a program's text, or any other item as dots.
 #include <cstdio>
 #include <memory>
 
 #include "calculator/charset.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
+#include "drawing/bitmap_file.h"
+#include "drawing/dot_fonts.h"
+#include "drawing/dot_text.h"
+#include "drawing/item_picture.h"
 #include "store/item_store.h"
-#include "text/program_bytes.h"
+#include "text/view_runs.h"
 
 namespace numalink {
 
@@ -16,12 +19,39 @@ namespace {
 struct ShowOptions {
     std::string library;
     std::string item;
+    std::string bitmap;
 };
 
 void showText(ByteView image) {
-    std::string text = programPlainText(image);
-    std::erase(text, '\r');
-    std::printf("%s\n", utf8FromCalculator(text).c_str());
+    for (const ViewLine &line : viewLines(image)) std::printf("%s\n", utf8FromCalculator(line.text).c_str());
+}
+
+const char *faultWording(PictureFault fault) {
+    switch (fault) {
+        case PictureFault::tooLarge:
+            return "the head tells a size that can't be; the picture is cut";
+        case PictureFault::unknownColor:
+            return "a plane has an unknown colour and isn't drawn";
+        case PictureFault::endsEarly:
+            return "the data ends early; what there is is drawn";
+        case PictureFault::none:
+            break;
+    }
+    return nullptr;
+}
+
+int showDots(const StoredItem &item, const std::string &bitmap) {
+    loadLargeFont();
+    loadSmallFont();
+    const Surface surface = itemSurface(item.kind, item.head, item.data);
+    if (const char *wording = faultWording(pictureFault(item.kind, item.head, item.data)))
+        std::fprintf(stderr, "numalink-cli: %s\n", wording);
+    if (bitmap.empty()) {
+        std::printf("%s", dotText(surface).c_str());
+        return exitDone;
+    }
+    if (writeBitmapFile(bitmap, surface) != FileResult::done) return commandFailed(bitmap + " can't be written");
+    return exitDone;
 }
 
 int runShow(const ShowOptions &options) {
@@ -30,6 +60,8 @@ int runShow(const ShowOptions &options) {
     const ItemId id = findItem(options.item);
     StoredItem item;
     if (id == noItem || !storeReadItem(id, item)) return commandFailed("no item " + options.item);
+    if (isDrawn(item.kind)) return showDots(item, options.bitmap);
+    if (!options.bitmap.empty()) return commandFailed(options.item + " has no picture");
     if (isTextKind(item.kind)) {
         showText(item.data);
     } else {
@@ -45,6 +77,7 @@ CommandRun declareShow(CLI::App &command) {
     const auto options = std::make_shared<ShowOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
     command.add_option("ITEM", options->item, "An id, or a path such as /Programs/SNAKE")->required();
+    command.add_option("--bitmap", options->bitmap, "Draw into this BMP file instead of the terminal");
     return [options] { return runShow(*options); };
 }
 

@@ -17,6 +17,7 @@
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
 #include "shell/menus.h"
+#include "shell/program_store.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
 #include "shell/start_up.h"
@@ -33,6 +34,7 @@ QString lastFolder;  // of the file dialog, for this run
 int runRow(const Command &row) {
     if (!row.working || row.handler == nullptr) return 0;
     if (row.needsSelection && selectedItemId() == noItem) return 0;
+    if (row.storesFirst && !storeProgramFirst()) return 0;
     return row.handler();
 }
 
@@ -143,6 +145,11 @@ int deleteWithQuestion() {
     refreshTree();
     selectItem(follower);
     treeView->setFocus();
+    return 1;
+}
+
+int refreshView() {
+    if (leaveCurrentView()) handleCommand(command::openView);
     return 1;
 }
 

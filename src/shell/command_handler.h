@@ -16,6 +16,7 @@ int newFolder();
 int newProgram();
 int renameSelectedItem();
 int deleteWithQuestion();
+int refreshView();
 int toggleTree();
 int showAbout();
 

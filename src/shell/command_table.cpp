@@ -2,7 +2,11 @@
 
 #include <algorithm>
 
+#include "shell/bitmap_export.h"
 #include "shell/command_handler.h"
+#include "shell/find_dialog.h"
+#include "shell/password_dialog.h"
+#include "shell/settings_dialog.h"
 #include "shell/start_up.h"
 
 namespace numalink {
@@ -16,7 +20,7 @@ constexpr Command commands[] = {
     // id, menu, separator, text, key, tip, at start, working, selection, stores first, handler
     {command::open, file, false, 73, "Ctrl+O", OwnText::tipOpen, true, true, false, false, openFiles},
     {command::save, file, false, 74, "Ctrl+S", OwnText::tipSave, true, false, false, true, nullptr},
-    {command::settings, file, true, 75, "", OwnText::tipSettings, true, false, false, false, nullptr},
+    {command::settings, file, true, 75, "", OwnText::tipSettings, true, true, false, false, changeSettings},
     {command::exit, file, false, 76, "", OwnText::tipExit, true, true, false, false, exitProgram},
     {command::newFolder, item, false, 122, "", OwnText::tipNewFolder, true, true, false, false, newFolder},
     {command::newProgram, item, false, 77, "", OwnText::tipNewProgram, true, true, false, false, newProgram},
@@ -25,11 +29,11 @@ constexpr Command commands[] = {
     {command::transmit, item, true, 81, "F6", OwnText::tipTransmit, false, false, true, true, nullptr},
     {command::queue, item, false, 82, "F8", OwnText::tipQueue, false, false, true, true, nullptr},
     {command::emulate, item, true, 83, "F7", OwnText::tipEmulate, false, false, true, true, nullptr},
-    {command::password, item, false, 84, "", OwnText::tipPassword, false, false, true, false, nullptr},
-    {command::saveBitmap, item, true, 85, "", OwnText::tipSaveBitmap, false, false, true, false, nullptr},
-    {command::find, edit, false, 86, "Ctrl+F", OwnText::tipFind, false, false, false, false, nullptr},
-    {command::findAgain, edit, false, 87, "F3", OwnText::tipFindAgain, false, false, false, false, nullptr},
-    {command::refresh, edit, false, 88, "F5", OwnText::tipRefresh, false, false, false, false, nullptr},
+    {command::password, item, false, 84, "", OwnText::tipPassword, false, true, true, false, changePassword},
+    {command::saveBitmap, item, true, 85, "", OwnText::tipSaveBitmap, false, true, true, false, saveItemAsBitmap},
+    {command::find, edit, false, 86, "Ctrl+F", OwnText::tipFind, false, true, false, false, findInProgram},
+    {command::findAgain, edit, false, 87, "F3", OwnText::tipFindAgain, false, true, false, false, findAgain},
+    {command::refresh, edit, false, 88, "F5", OwnText::tipRefresh, false, true, false, false, refreshView},
     {command::screenshot, emulator, false, 72, "", OwnText::tipScreenshot, false, false, false, false, nullptr},
     {command::transmitQueue, communication, false, 89, "F9", OwnText::tipTransmitQueue, false, false, false, true,
      nullptr},

@@ -120,7 +120,7 @@ void refreshNow() {
             if (QTreeWidgetItem *entry = treeEntryOf(id)) entry->setExpanded(true);
         if (QTreeWidgetItem *entry = treeEntryOf(selected)) treeView->setCurrentItem(entry);
     }
-    if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) dropCurrentView();
+    if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) viewedItemGone();
     if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
     tellStrays(content.strays);
 }

@@ -1,19 +1,25 @@
 #include "shell/item_views.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QTextBlock>
 #include <algorithm>
+#include <utility>
 
 #include "calculator/program_info.h"
+#include "drawing/item_picture.h"
 #include "platform/thread_role.h"
 #include "settings/tell_user.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
+#include "shell/program_store.h"
+#include "shell/program_view.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
+#include "shell/surface_view.h"
+#include "shell/symbols_window.h"
 #include "store/item_store.h"
-#include "text/program_bytes.h"
+#include "text/token_table.h"
 
 namespace numalink {
 
@@ -22,20 +28,86 @@ ItemId viewItemId = noItem;
 
 namespace {
 
+MatrixValues matrixOnView;
+PickedCell picked;
+
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, 21);
-    programEdit->setPlainText(nameToQt(programPlainText(item.data)));
-    programEdit->moveCursor(QTextCursor::Start);
+    programToView(item.data);
+    takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
+    showSymbols();
     setEditMenuEnabled(true);
+    if (tokenCount() == 0) tellUser(OwnText::withoutTable);
 }
 
-void infoToStatus(const ItemEntry &entry, const Bytes &head) {
-    const std::string size = std::to_string(entry.dataSize);
-    const std::optional<ProgramInfo> info = isTextKind(entry.kind) ? decodeProgramInfo(head) : std::nullopt;
+// Places of a cell in the table, in dots.
+void scrollToPicked() {
+    constexpr int columnWidth = 28, rowHeight = 8, headWidth = 18, headHeight = 9;
+    const int x = picked.column == 1 ? 0 : (picked.column - 1) * columnWidth + headWidth;
+    const int y = picked.row == 1 ? 0 : (picked.row - 1) * rowHeight + headHeight;
+    showSurfacePart(x, y, columnWidth + (picked.column == 1 ? headWidth : 0),
+                    rowHeight + (picked.row == 1 ? headHeight : 0));
+}
+
+bool matrixKeys(const QKeyEvent &key) {
+    const PickedCell before = picked;
+    switch (key.key()) {
+        case Qt::Key_Left:
+            picked.column--;
+            break;
+        case Qt::Key_Right:
+            picked.column++;
+            break;
+        case Qt::Key_Up:
+            picked.row--;
+            break;
+        case Qt::Key_Down:
+            picked.row++;
+            break;
+        default:
+            return false;
+    }
+    picked.column = std::clamp(picked.column, 1, std::max(1, matrixOnView.columns));
+    picked.row = std::clamp(picked.row, 1, std::max(1, matrixOnView.rows));
+    if (picked.row != before.row || picked.column != before.column) changeSurface(matrixSurface(matrixOnView, picked));
+    scrollToPicked();
+    return true;
+}
+
+void showDrawn(const StoredItem &item) {
+    if (item.kind != kind::matrix && item.kind != kind::list) {
+        showSurface(itemSurface(item.kind, item.head, item.data), nullptr);
+        return;
+    }
+    matrixOnView = matrixValuesOf(item.head, item.data);
+    picked = {};
+    showSurface(matrixSurface(matrixOnView, picked), matrixKeys);
+}
+
+std::optional<OwnText> faultText(PictureFault fault) {
+    switch (fault) {
+        case PictureFault::tooLarge:
+            return OwnText::viewTooLarge;
+        case PictureFault::unknownColor:
+            return OwnText::viewUnknownColor;
+        case PictureFault::endsEarly:
+            return OwnText::viewEndsEarly;
+        case PictureFault::none:
+            break;
+    }
+    return std::nullopt;
+}
+
+void infoToStatus(const StoredItem &item) {
+    const std::string size = std::to_string(item.dataSize);
+    const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
+    const std::optional<OwnText> fault = faultText(pictureFault(item.kind, item.head, item.data));
     if (info && !info->password.empty()) {
         statusLine(StatusPart::item, 22, {size, utf8FromCalculator(info->password)});
+    } else if (fault) {
+        userInterface.statusText(StatusPart::item, 23, languageFormat(23, {size}) + "; " + ownText(*fault));
     } else {
         statusLine(StatusPart::item, 23, {size});
     }
@@ -44,14 +116,40 @@ void infoToStatus(const ItemEntry &entry, const Bytes &head) {
 void closeView() {
     setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, 0, "");
-    for (QWidget *widget :
-         {static_cast<QWidget *>(programEdit), static_cast<QWidget *>(lineNumberEdit), containerWindow})
-        widget->hide();
+    hideSymbols();
+    programEdit->hide();
+    lineNumberEdit->hide();
+    hideSurface();
+    matrixOnView = {};
+    picked = {};
+    forgetOpenedProgram();
     viewKind = kind::none;
     viewItemId = noItem;
 }
 
+bool leave(Leaving how) {
+    assertRole(ThreadRole::graphical);
+    if (isTextKind(viewKind) && !leaveProgram(how) && how != Leaving::atOnce) return false;
+    closeView();
+    return true;
+}
+
 }  // namespace
+
+void connectViews() {
+    connectProgramView();
+    makeSurfaceView();
+    makeSymbolsWindow();
+}
+
+void forgetViews() {
+    viewKind = kind::none;
+    viewItemId = noItem;
+    forgetProgramView();
+    forgetSurfaceView();
+    forgetSymbolsWindow();
+    forgetOpenedProgram();
+}
 
 int openSelectedItem() {
     assertRole(ThreadRole::graphical);
@@ -60,26 +158,31 @@ int openSelectedItem() {
     userInterface.waitCursor(true);
     StoredItem item;
     const bool read = storeReadItem(entry->id, item);
+    if (read) {
+        viewKind = item.kind;
+        viewItemId = item.id;
+    }
     userInterface.waitCursor(false);
     if (!read) return 1;
-    viewKind = item.kind;
-    viewItemId = item.id;
     if (isTextKind(item.kind)) showProgram(item);
-    infoToStatus(item, item.head);
+    if (isDrawn(item.kind)) showDrawn(item);
+    infoToStatus(item);
     return 1;
 }
 
-bool leaveCurrentView() {
-    assertRole(ThreadRole::graphical);
-    closeView();
-    return true;
-}
+bool leaveCurrentView() { return leave(Leaving::view); }
+bool leaveViewAtEnd() { return leave(Leaving::program); }
+bool leaveViewAtOnce() { return leave(Leaving::atOnce); }
 
 void dropCurrentView() { closeView(); }
 
+void viewedItemGone() {
+    if (!isTextKind(viewKind) || !programChanged()) closeView();
+}
+
 void itemInfoToStatus(ItemId id) {
     StoredItem item;
-    if (storeReadItem(id, item)) infoToStatus(item, item.head);
+    if (storeReadItem(id, item)) infoToStatus(item);
 }
 
 }  // namespace numalink

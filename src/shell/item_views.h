@@ -8,14 +8,22 @@ namespace numalink {
 extern ItemKind viewKind;  // kind of the item on view, kind::none when there is none
 extern ItemId viewItemId;
 
+void connectViews();
+void forgetViews();
+
 // Opens the view of the selected item. 0 with nothing selected.
 int openSelectedItem();
 
-// True when the view is gone. Must be asked before anything changes the selection or the item on view.
+// True when the view is gone. Must be asked before anything changes the selection or the item on view. An edited
+// program is stored; where that can't be, the user goes back (false) or discards the changes.
 bool leaveCurrentView();
+bool leaveViewAtEnd();   // the same at the end of the program, where the text may be kept as a draft
+bool leaveViewAtOnce();  // without a question: what can't be stored becomes a draft
 
 // The item on view has been deleted: its view goes without being stored.
 void dropCurrentView();
+// The item on view has gone while nobody looked: its view goes too, unless it holds a text that isn't stored.
+void viewedItemGone();
 
 // Size of an item, and a program's password, in the status bar.
 void itemInfoToStatus(ItemId id);

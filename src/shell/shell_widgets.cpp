@@ -15,6 +15,7 @@
 
 #include "shell/command_handler.h"
 #include "shell/fonts.h"
+#include "shell/program_edit.h"
 #include "shell/shell_texts.h"
 
 namespace numalink {
@@ -28,7 +29,7 @@ QProgressBar *progressBar = nullptr;
 QLabel *linkField = nullptr;
 QLabel *itemField = nullptr;
 QPlainTextEdit *programEdit = nullptr;
-QPlainTextEdit *lineNumberEdit = nullptr;
+QWidget *lineNumberEdit = nullptr;
 QWidget *containerWindow = nullptr;
 QToolBar *toolbar = nullptr;
 QMenu *itemMenu = nullptr;
@@ -73,14 +74,19 @@ void makeTree() {
     treeView->setUniformRowHeights(true);
 }
 
-QPlainTextEdit *makeTextView(const QString &name) {
-    auto *view = new QPlainTextEdit(clientArea);
-    view->setObjectName(name);
-    view->setFont(programFont());
-    view->setLineWrapMode(QPlainTextEdit::NoWrap);
-    view->setReadOnly(true);
-    view->hide();
-    return view;
+void makeProgramEdit() {
+    programEdit = new ProgramEdit(clientArea);
+    programEdit->setObjectName(QStringLiteral("programEdit"));
+    programEdit->setAccessibleName(textOf(147));
+    programEdit->setFont(programFont());
+    programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    programEdit->setTabChangesFocus(true);
+    programEdit->setFrameShape(QFrame::NoFrame);
+    programEdit->hide();
+    lineNumberEdit = new QWidget(clientArea);
+    lineNumberEdit->setObjectName(QStringLiteral("lineNumberEdit"));
+    lineNumberEdit->setFocusPolicy(Qt::NoFocus);
+    lineNumberEdit->hide();
 }
 
 }  // namespace
@@ -107,10 +113,7 @@ void makeClientWidgets() {
     treeToggleButton->setFocusPolicy(Qt::NoFocus);
     treeToggleButton->setAccessibleName(textOf(161).remove(QLatin1Char('&')));
     makeStatusBar();
-    programEdit = makeTextView(QStringLiteral("programEdit"));
-    lineNumberEdit = makeTextView(QStringLiteral("lineNumberEdit"));
-    lineNumberEdit->setEnabled(false);
-    lineNumberEdit->setFocusPolicy(Qt::NoFocus);
+    makeProgramEdit();
     containerWindow = new QWidget(clientArea);
     containerWindow->setObjectName(QStringLiteral("containerWindow"));
     containerWindow->hide();
@@ -132,7 +135,8 @@ void destroyWidgets() {
     statusBar = nullptr;
     progressBar = nullptr;
     linkField = itemField = nullptr;
-    programEdit = lineNumberEdit = nullptr;
+    programEdit = nullptr;
+    lineNumberEdit = nullptr;
     toolbar = nullptr;
 }
 

@@ -24,7 +24,7 @@ extern QProgressBar *progressBar;
 extern QLabel *linkField;  // status bar part 1
 extern QLabel *itemField;  // status bar part 2
 extern QPlainTextEdit *programEdit;
-extern QPlainTextEdit *lineNumberEdit;
+extern QWidget *lineNumberEdit;
 extern QWidget *containerWindow;
 extern QToolBar *toolbar;
 extern QMenu *itemMenu;

@@ -16,10 +16,12 @@
 #include "shell/label_edit.h"
 #include "shell/menus.h"
 #include "shell/message_boxes.h"
+#include "shell/program_drafts.h"
 #include "shell/shell_widgets.h"
 #include "shell/single_copy.h"
 #include "shell/stop_signals.h"
 #include "shell/tray.h"
+#include "shell/view_menu.h"
 #include "shell/window_events.h"
 #include "store/item_store.h"
 #include "text/token_table.h"
@@ -45,6 +47,9 @@ bool openLibrary() {
     return false;
 }
 
+// Once the window is alive: the questions must not hold up the start.
+void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
+
 bool showFirst() {
     mainWindow->show();
     showSplash();
@@ -61,6 +66,8 @@ constexpr StartStep startSteps[] = {
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
+    {"view menu", [] { return done(buildViewMenu); }, false},
+    {"views", [] { return done(connectViews); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"library", openLibrary, true},
@@ -71,6 +78,7 @@ constexpr StartStep startSteps[] = {
     {"large font", loadLargeFont, false},
     {"small font", loadSmallFont, false},
     {"signals", [] { return done(watchStopSignals); }, false},
+    {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
 
 bool shutting = false;
@@ -108,7 +116,7 @@ void shutDown() {
         return;
     }
     closeLabelEditor();
-    if (leaveCurrentView()) closeLibraryAndQuit();
+    if (leaveViewAtEnd()) closeLibraryAndQuit();
 }
 
 void shutDownAtOnce() {
@@ -118,7 +126,7 @@ void shutDownAtOnce() {
         if (QApplication::activeModalWidget() == dialog) break;
     }
     closeLabelEditor();
-    leaveCurrentView();
+    leaveViewAtOnce();
     closeLibraryAndQuit();
 }
 
@@ -129,6 +137,7 @@ void tearDown() {
     removeUserInterface();
     forgetMenus();
     forgetTree();
+    forgetViews();
     destroyWidgets();
 }
 

@@ -1,0 +1,70 @@
+// numalink-cli write: a text into a program, as the editor stores it.
+#include <memory>
+
+#include "calculator/program_info.h"
+#include "cli/commands.h"
+#include "cli/library_session.h"
+#include "platform/files.h"
+#include "settings/settings_store.h"
+#include "settings/tell_user.h"
+#include "store/item_store.h"
+#include "text/view_edit.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint64_t textLimit = 16u << 20;  // bytes
+constexpr int lineNotStorable = 18;
+
+struct WriteOptions {
+    std::string library;
+    std::string item;
+    std::string file;
+};
+
+bool store(StoredItem item, Bytes image) {
+    ProgramInfo info =
+        decodeProgramInfo(item.head).value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
+    info.imageLength = static_cast<std::uint32_t>(image.size());
+    NewItem written;
+    written.name = item.name;
+    written.parent = item.parent;
+    written.kind = item.kind;
+    written.head = encodeProgramInfo(info);
+    written.data = std::move(image);
+    return storeWriteItem(item.id, written);
+}
+
+int runWrite(const WriteOptions &options) {
+    Bytes file;
+    if (readWholeFile(options.file, file, textLimit) != FileResult::done)
+        return commandFailed(options.file + " can't be read");
+    const LibrarySession session(options.library);
+    if (!session.open) return exitFailed;
+    const ItemId id = findItem(options.item);
+    StoredItem item;
+    if (id == noItem || !storeReadItem(id, item)) return commandFailed("no item " + options.item);
+    if (!isTextKind(item.kind)) return commandFailed(options.item + " holds no program text");
+    const std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
+    Bytes image;
+    const int faultyLine =
+        imageOfViewLines(linesOverProgram(item.data, text), settingsInt(setting::autoCorrect) > 0, image);
+    if (faultyLine > 0) {
+        tellUser(lineNotStorable, {std::to_string(faultyLine)}, BoxIcon::error);
+        return exitFailed;
+    }
+    return store(std::move(item), std::move(image)) ? exitDone : exitFailed;
+}
+
+}  // namespace
+
+CommandRun declareWrite(CLI::App &command) {
+    const auto options = std::make_shared<WriteOptions>();
+    command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
+    command.add_option("ITEM", options->item, "An id, or a path such as /Programs/SNAKE")->required();
+    command.add_option("FILE", options->file, "The text as \"show\" prints it, UTF-8")->required();
+    return [options] { return runWrite(*options); };
+}
+
+}  // namespace numalink

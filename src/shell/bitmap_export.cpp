@@ -1,0 +1,63 @@
+#include "shell/bitmap_export.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QMainWindow>
+#include <optional>
+
+#include "drawing/bitmap_file.h"
+#include "drawing/item_picture.h"
+#include "settings/tell_user.h"
+#include "shell/item_tree.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "store/item_store.h"
+
+namespace numalink {
+
+namespace {
+
+OwnText wordingOf(FileResult result) {
+    switch (result) {
+        case FileResult::missing:
+            return OwnText::fileMissing;
+        case FileResult::denied:
+            return OwnText::fileDenied;
+        case FileResult::isFolder:
+            return OwnText::fileIsFolder;
+        case FileResult::diskFull:
+            return OwnText::fileDiskFull;
+        default:
+            return OwnText::fileFailed;
+    }
+}
+
+// A path that ends in .bmp, or nothing when cancelled. An existing file is asked for by the dialog.
+QString askBitmapPath(const QString &itemName) {
+    QFileDialog dialog(mainWindow);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilter(textOf(OwnText::filterBitmaps) + QStringLiteral(" (*.bmp)"));
+    dialog.setDefaultSuffix(QStringLiteral("bmp"));
+    dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+}  // namespace
+
+void tellFileResult(FileResult result, const std::string &path) {
+    if (result != FileResult::done) tellUser(wordingOf(result), {path}, BoxIcon::error);
+}
+
+int saveItemAsBitmap() {
+    StoredItem item;
+    if (!storeReadItem(selectedItemId(), item)) return 1;
+    const bool isPicture = item.kind == kind::picture;
+    if (!isPicture && item.kind != kind::colourScreen && item.kind != kind::monochromeScreen) return 1;
+    const Surface surface = screenSurface(item.kind, item.head, item.data);
+    const QString path = askBitmapPath(nameToQt(item.name));
+    if (path.isEmpty()) return 1;
+    tellFileResult(writeBitmapFile(QFile::encodeName(path).toStdString(), surface), path.toStdString());
+    return 1;
+}
+
+}  // namespace numalink

@@ -1,0 +1,15 @@
+// Save as bitmap: a picture or screen copy of the library into a BMP file. Graphical thread only.
+#pragma once
+
+#include <string>
+
+#include "platform/files.h"
+
+namespace numalink {
+
+int saveItemAsBitmap();  // handler of the command table: for the selected item
+
+// The box for a file that could not be written or read; nothing for done.
+void tellFileResult(FileResult result, const std::string &path);
+
+}  // namespace numalink

@@ -1,0 +1,13 @@
+// The part of the settings dialog that chooses the eight colours, with a program that shows them at once. Graphical
+// thread only.
+#pragma once
+
+class QWidget;
+
+namespace numalink {
+
+QWidget *makeColorSwatches();  // from the settings; one at a time
+void storeSwatches();          // into the settings
+void forgetSwatches();
+
+}  // namespace numalink

@@ -1,0 +1,80 @@
+#include "shell/find_dialog.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "calculator/item_kinds.h"
+#include "settings/tell_user.h"
+#include "shell/dialog_parts.h"
+#include "shell/fonts.h"
+#include "shell/item_views.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int findLimit = 49;  // characters
+constexpr int notFound = 25;
+
+QString findText;
+
+// False when cancelled, which forgets the text.
+bool askFind() {
+    QDialog dialog(mainWindow);
+    dialog.setObjectName(QStringLiteral("findDialog"));
+    dialog.setWindowTitle(textOf(149));
+    auto *wanted = new QLineEdit(findText);
+    wanted->setMaxLength(findLimit);
+    wanted->setFont(programFont());
+    wanted->selectAll();
+    auto *label = new QLabel(textOf(150));
+    label->setBuddy(wanted);
+    auto *fromStart = new QCheckBox(textOf(151));
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->addWidget(label);
+    layout->addWidget(wanted);
+    layout->addWidget(fromStart);
+    layout->addWidget(dialogButtons(&dialog));
+    dialog.setMinimumWidth(300);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    findText = accepted ? wanted->text() : QString();
+    if (accepted && fromStart->isChecked()) programEdit->moveCursor(QTextCursor::Start);
+    return accepted && !findText.isEmpty();
+}
+
+// From the end of the selection on; line feeds can't be searched for.
+void search() {
+    const QTextCursor caret = programEdit->textCursor();
+    const QTextCursor found = programEdit->document()->find(findText, caret.selectionEnd());
+    if (found.isNull()) {
+        tellFixed(notFound, {}, programTitle);
+    } else {
+        programEdit->setTextCursor(found);
+        programEdit->ensureCursorVisible();
+    }
+    programEdit->setFocus();
+}
+
+}  // namespace
+
+int findInProgram() {
+    if (isTextKind(viewKind) && askFind()) search();
+    return 1;
+}
+
+int findAgain() {
+    if (findText.isEmpty()) return findInProgram();
+    if (isTextKind(viewKind)) search();
+    return 1;
+}
+
+}  // namespace numalink

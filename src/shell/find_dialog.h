@@ -1,0 +1,10 @@
+// Find and Find again in the program on view. Graphical thread only.
+#pragma once
+
+namespace numalink {
+
+// Handlers of the command table: nothing unless a program is on view.
+int findInProgram();
+int findAgain();
+
+}  // namespace numalink

@@ -1,0 +1,8 @@
+// The password that goes out with a program. Graphical thread only.
+#pragma once
+
+namespace numalink {
+
+int changePassword();  // handler of the command table: for the selected program
+
+}  // namespace numalink

@@ -1,0 +1,39 @@
+// The program on view: opening it, telling whether it was changed, its undo, and the line numbers beside it. Graphical
+// thread only.
+#pragma once
+
+#include <QString>
+
+#include "platform/bytes.h"
+
+namespace numalink {
+
+void connectProgramView();
+void forgetProgramView();
+
+// Replaces all text by a program's. It is unchanged then, with nothing to undo and the caret at its start.
+void programToView(ByteView image);
+
+// The text on view, lines joined by a line feed.
+QString viewToText();
+
+// Whether the text differs from the one that was opened or last stored.
+bool programChanged();
+void takeReference();  // the text on view is the stored one from now on
+
+// Puts another text in the place of the one on view as an edit: lines that agree at both ends stay as they are.
+void replaceProgramText(const QString &text);
+
+// Reads and colours the line of the caret anew; the whole of it when the settings have changed.
+void recolourLine();
+void recolourProgram();
+
+void undoInProgram();
+void redoInProgram();
+
+// Puts a calculator character in at the selection, as if typed.
+void typeSymbol(char code);
+
+void updateLineNumbers();
+
+}  // namespace numalink

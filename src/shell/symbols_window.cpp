@@ -1,0 +1,102 @@
+#include "shell/symbols_window.h"
+
+#include <QCloseEvent>
+#include <QMainWindow>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QToolButton>
+#include <cstdint>
+
+#include "shell/event_hook.h"
+#include "shell/fonts.h"
+#include "shell/program_document.h"
+#include "shell/program_view.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int buttonSize = 20, firstPlace = 5, columns = 4;
+constexpr int rows = 6;
+
+// By place, from the top left; 0 leaves a place empty.
+constexpr std::uint8_t symbols[rows][columns] = {
+    {137, 153, 169, 185}, {221, 222, 134, 135}, {224, 225, 226, 227},
+    {155, 139, 150, 168}, {141, 143, 0, 0},     {205, 206, 208, 191},
+};
+
+QWidget *window = nullptr;
+bool wanted = true;
+bool placed = false;
+
+bool windowEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::Close) return false;
+    wanted = false;
+    return false;
+}
+
+void addButton(int row, int column) {
+    const std::uint8_t code = symbols[row][column];
+    if (code == 0) return;
+    const char character = static_cast<char>(code);
+    auto *button = new QToolButton(window);
+    button->setFont(programFont());
+    button->setText(qtFromCodes(std::string_view(&character, 1)));
+    button->setStyleSheet(QStringLiteral("padding: 0px"));
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAutoRaise(true);
+    button->setGeometry(firstPlace + column * buttonSize, firstPlace + row * buttonSize, buttonSize, buttonSize);
+    QObject::connect(button, &QToolButton::clicked, window, [character] { typeSymbol(character); });
+}
+
+// Beside the right edge of the program, where it covers no text.
+void placeAtFirst() {
+    if (placed) return;
+    placed = true;
+    const QPoint corner = programEdit->mapToGlobal(QPoint(programEdit->width(), 0));
+    window->move(corner - QPoint(window->width() + 24, -8));
+}
+
+}  // namespace
+
+void makeSymbolsWindow() {
+    window = new QWidget(mainWindow, Qt::Tool | Qt::WindowDoesNotAcceptFocus | Qt::CustomizeWindowHint |
+                                         Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    window->setObjectName(QStringLiteral("symbolsWindow"));
+    window->setWindowTitle(textOf(4));
+    window->setAttribute(Qt::WA_ShowWithoutActivating);
+    window->setFocusPolicy(Qt::NoFocus);
+    window->setFixedSize(2 * firstPlace + columns * buttonSize, 2 * firstPlace + rows * buttonSize);
+    for (int row = 0; row < rows; row++)
+        for (int column = 0; column < columns; column++) addButton(row, column);
+    hookEvents(window, windowEvent);
+    wanted = true;
+    placed = false;
+}
+
+void forgetSymbolsWindow() { window = nullptr; }
+
+void showSymbols() {
+    if (!wanted || programEdit->isReadOnly()) return;
+    placeAtFirst();
+    window->show();
+}
+
+void hideSymbols() {
+    if (window != nullptr) window->hide();
+}
+
+bool symbolsWanted() { return wanted; }
+
+void setSymbolsWanted(bool isWanted) {
+    wanted = isWanted;
+    if (wanted && programEdit->isVisible()) {
+        showSymbols();
+    } else {
+        hideSymbols();
+    }
+}
+
+}  // namespace numalink

@@ -1,0 +1,42 @@
+#include "shell/view_menu.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QMenu>
+
+#include "shell/command_table.h"
+#include "shell/menus.h"
+#include "shell/shell_texts.h"
+#include "shell/surface_view.h"
+#include "shell/symbols_window.h"
+
+namespace numalink {
+
+namespace {
+
+void addZoom(QMenu *menu, QActionGroup *group, const QString &text, int zoom) {
+    QAction *action = menu->addAction(text);
+    action->setCheckable(true);
+    action->setChecked(zoom == 1);
+    group->addAction(action);
+    QObject::connect(action, &QAction::triggered, menu, [zoom] { setSurfaceZoom(zoom); });
+}
+
+}  // namespace
+
+void buildViewMenu() {
+    QMenu *view = menuAt(static_cast<int>(MenuPosition::view));
+    QAction *symbols = view->addAction(textOf(OwnText::menuSymbols));
+    symbols->setObjectName(QStringLiteral("symbolsAction"));
+    symbols->setCheckable(true);
+    symbols->setChecked(symbolsWanted());
+    QObject::connect(symbols, &QAction::triggered, view, setSymbolsWanted);
+    // Its own close button changes it too.
+    QObject::connect(view, &QMenu::aboutToShow, symbols, [symbols] { symbols->setChecked(symbolsWanted()); });
+    QMenu *zoom = view->addMenu(textOf(OwnText::menuZoom));
+    auto *group = new QActionGroup(zoom);
+    for (int size = 1; size <= zoomLimit; size++) addZoom(zoom, group, QStringLiteral("&%1").arg(size), size);
+    addZoom(zoom, group, textOf(OwnText::zoomFit), zoomToFit);
+}
+
+}  // namespace numalink

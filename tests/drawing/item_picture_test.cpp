@@ -1,0 +1,96 @@
+// Items as surfaces and files: geometry, heads that lie, the report of a backup, bitmaps.
+#include "drawing/item_picture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calculator/number_text.h"
+#include "drawing/backup_picture.h"
+#include "drawing/bitmap_file.h"
+#include "drawing/dot_text.h"
+#include "settings/language_table.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+
+Bytes headOf(std::uint32_t height, std::uint32_t width) {
+    Bytes head(50);
+    writeBig16(head, 7, height);
+    writeBig16(head, 9, width);
+    return head;
+}
+
+TEST(ItemPicture, CellsOutsideOfTheTableAreLeftOut) {
+    Bytes data;
+    for (const auto &[row, column] : {std::pair(1u, 1u), std::pair(2u, 3u), std::pair(3u, 1u), std::pair(0u, 1u)}) {
+        Bytes cell(valueFrameSize);
+        ASSERT_TRUE(encodeValue(std::span(cell).first<valueFrameSize>(), row, column, row * 10.0 + column));
+        data.insert(data.end(), cell.begin(), cell.end());
+    }
+    data.push_back(1);  // half a cell
+    const MatrixValues matrix = matrixValuesOf(headOf(2, 3), data);
+    EXPECT_THAT(matrix.values, ElementsAre(11, 0, 0, 0, 0, 23));
+    EXPECT_EQ(pictureFault(kind::matrix, headOf(2, 3), data), PictureFault::endsEarly);
+    EXPECT_EQ(pictureFault(kind::matrix, headOf(1, 1), data), PictureFault::none);
+    EXPECT_EQ(pictureFault(kind::list, headOf(501, 1), data), PictureFault::tooLarge);
+    EXPECT_EQ(matrixValuesOf(headOf(60000, 2), {}).rows, 500);
+    EXPECT_EQ(matrixValuesOf({}, data).values.size(), 0u);
+    // The value at full length has room below the narrowest table.
+    EXPECT_EQ(matrixSurface(matrixValuesOf(headOf(1, 1), data), {}).width, 132);
+}
+
+TEST(ItemPicture, PicturesAreCutAtTheirLimitAndTellWhatIsWrong) {
+    Bytes head = headOf(16, 8);
+    writeBig16(head, 32, 2);
+    Bytes data(2 * (16 + 6), 0xFF);
+    data[4] = 1;
+    data[22 + 4] = 9;
+    EXPECT_EQ(pictureFault(kind::picture, head, data), PictureFault::unknownColor);
+    const Surface surface = itemSurface(kind::picture, head, data);
+    EXPECT_EQ(surface.width, 8);
+    EXPECT_EQ(dotAt(surface, 0, 0), lcdColor::orange);
+    EXPECT_EQ(itemSurface(kind::picture, headOf(60000, 60000), {}).width, 1024);
+    EXPECT_EQ(screenSurface(kind::picture, head, data).height, 64);
+    EXPECT_EQ(dotAt(screenSurface(kind::picture, head, data), 9, 0), lcdColor::background);
+}
+
+TEST(ItemPicture, BackupsListTheirPrograms) {
+    Bytes data(13 + 2 + 60);
+    const auto put = [&](std::size_t at, std::string_view text, std::size_t size) {
+        for (std::size_t i = 0; i < size; i++)
+            data[at + i] = i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0xFF;
+    };
+    // The length stands 13 bytes behind the table's start, inside the padding of the first name.
+    put(20, "GAME", 15);
+    data[35] = 16;
+    put(36, "KEY", 16);
+    put(52, "B", 15);
+    const std::size_t length = data.size() - 4;
+    data[33] = static_cast<std::uint8_t>(length);
+    data[34] = 0;
+    Bytes head(50, ' ');
+    std::vector<std::string> lines = backupLines(head, data);
+    ASSERT_EQ(lines.size(), 9u);
+    EXPECT_EQ(lines[7], "GAME        KEY");
+    EXPECT_EQ(lines[8], "B");
+    data[33] = 0;
+    EXPECT_EQ(backupLines(head, data).size(), 3u);
+    EXPECT_EQ(drawBackup(head, data).height, 24);
+    EXPECT_EQ(backupLines({}, {}).size(), 3u);
+}
+
+TEST(ItemPicture, BitmapsAreBottomUpAndPaddedToFour) {
+    Surface surface(3, 2, lcdColor::black);
+    putDot(surface, 0, 1, 0x112233);
+    const Bytes file = bitmapBytes(surface);
+    ASSERT_EQ(file.size(), 54u + 2 * 12);
+    EXPECT_EQ(readLittle32(file, 2), file.size());
+    EXPECT_EQ(readLittle32(file, 34), 24u);
+    EXPECT_THAT(Bytes(file.begin() + 54, file.begin() + 58), ElementsAre(0x33, 0x22, 0x11, 0));
+    EXPECT_EQ(dotText(surface), "\u2588\u2588\u2588\n");
+}
+
+}  // namespace
+}  // namespace numalink

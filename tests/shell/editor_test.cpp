@@ -1,0 +1,288 @@
+// The editor by key events: what is typed becomes tokens at once, untouched bytes stay, undo goes key by key.
+#include <QApplication>
+#include <QClipboard>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeWidget>
+
+#include "calculator/frames.h"
+#include "calculator/program_info.h"
+#include "settings/settings_store.h"
+#include "shell/command_handler.h"
+#include "shell/command_table.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/program_document.h"
+#include "shell/program_drafts.h"
+#include "shell/program_store.h"
+#include "shell/program_view.h"
+#include "shell/shell_fixture.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/start_up.h"
+#include "text/auto_correct.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+struct Editor : ShellTest {
+    ItemId open(const std::string &tokens) {
+        setLibraryFolder(folder.path);
+        if (!running) EXPECT_TRUE(startProgram());
+        const ItemId id = addProgram("PROG", tokens);
+        refreshTree();
+        select(id);
+        programEdit->setFocus();
+        return id;
+    }
+    // Bytes between ':' and the end mark, as the library has them.
+    static std::string stored(ItemId id) {
+        StoredItem item;
+        if (!storeReadItem(id, item) || item.data.empty()) return "none";
+        const ByteView tokens = programTokens(item.data);
+        return {tokens.begin(), tokens.end()};
+    }
+    static void key(int code, Qt::KeyboardModifiers held = {}) {
+        QTest::keyClick(programEdit, static_cast<Qt::Key>(code), held);
+    }
+    static void typeCodes(std::string_view codes) { typeText(qtFromCodes(codes)); }
+    static void typeText(const QString &text) {
+        for (const QChar character : text) {
+            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(character));
+            QApplication::sendEvent(programEdit, &press);
+        }
+    }
+    static int caret() { return programEdit->textCursor().position(); }
+};
+
+TEST_F(Editor, OpeningAloneChangesNothingAndStoresNothing) {
+    const std::string tokens =
+        "\"Score\"?\x0E"
+        "A\x0C"
+        "A or B*C\r\xFA\x7F\x03"
+        "DO";
+    const ItemId id = open(tokens);
+    EXPECT_FALSE(programChanged());
+    EXPECT_EQ(programEdit->blockCount(), 3);
+    EXPECT_EQ(caret(), 0);
+    EXPECT_FALSE(programEdit->document()->isUndoAvailable());
+    EXPECT_TRUE(leaveCurrentView());
+    StoredItem item;
+    ASSERT_TRUE(storeReadItem(id, item));
+    EXPECT_EQ(item.dataSize, tokens.size() + 2);  // no checksum place: it was never written
+}
+
+TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
+    const ItemId id = open("");
+    typeKeys(QStringLiteral("if A>1"));
+    key(Qt::Key_Return);
+    typeKeys(QStringLiteral("2->B"));
+    EXPECT_EQ(viewToText().toStdString().substr(0, 3), "If ");
+    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192B"));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192"));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2212"));
+    EXPECT_EQ(programEdit->textCursor().positionInBlock(), 2);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2"));
+    for (int step = 0; step < 3; step++)
+        QTest::keyClick(programEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192B"));
+    EXPECT_EQ(programEdit->textCursor().positionInBlock(), 3);
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_EQ(stored(id),
+              "\xF7\x00"
+              "A>1\r2\x0E"
+              "B");
+    StoredItem item;
+    ASSERT_TRUE(storeReadItem(id, item));
+    EXPECT_TRUE(frameIsGood(item.data));
+    EXPECT_EQ(decodeProgramInfo(item.head)->imageLength, item.dataSize);
+}
+
+TEST_F(Editor, EverySpellingAndDisplayTextIsReachedByKeys) {
+    open("");
+    const std::pair<const char *, const char *> spellings[] = {{"List->Mat(", "\x7F\x4A"},
+                                                               {"Mat->List(", "\x7F\x4B"},
+                                                               {"=/=", "\x11"},
+                                                               {"=>", "\x13"},
+                                                               {"->", "\x0E"},
+                                                               {"-", "\x99"},
+                                                               {"+", "\x89"},
+                                                               {"*", "\xA9"},
+                                                               {"^", "\xA8"},
+                                                               {"/", "\xB9"}};
+    const auto typed = [](std::string_view codes) {
+        key(Qt::Key_A, Qt::ControlModifier);
+        key(Qt::Key_Delete);
+        typeCodes(codes);
+        ViewLine line;
+        const Bytes bytes = lineBytes(readBlock(programEdit->document()->begin(), line)).bytes;
+        return std::string(bytes.begin(), bytes.end());
+    };
+    for (const auto &[spelling, token] : spellings) EXPECT_EQ(typed(spelling), token) << spelling;
+    int reached = 0;
+    for (std::size_t i = 0; i < tokenCount(); i += 3) {
+        const std::string text(tokenDisplay(tokenRecord(i)));
+        if (text.empty() || text == "\r") continue;
+        const TypedToken whole = textToToken(text, false, true);
+        if (whole.used != static_cast<int>(text.size())) continue;
+        std::string token(1, static_cast<char>(whole.byte1));
+        if (whole.length == 2) token += static_cast<char>(whole.byte2);
+        EXPECT_EQ(typed(text), token) << i << " " << text;
+        reached++;
+    }
+    EXPECT_GT(reached, 180);
+}
+
+TEST_F(Editor, EditsLeaveUntouchedBytesOfTheirLineAlone) {
+    const ItemId id = open("\"Score*\"A or DO\xFA\rX");
+    key(Qt::Key_End);
+    typeKeys(QStringLiteral("1"));
+    key(Qt::Key_Home);
+    typeKeys(QStringLiteral("-"));
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_EQ(stored(id),
+              "\x99\"Score*\"A or DO\xFA"
+              "1\rX");
+}
+
+TEST_F(Editor, InputMethodsSymbolsAndPasteAreConvertedToo) {
+    const ItemId id = open("*");
+    key(Qt::Key_End);
+    QInputMethodEvent commit;
+    commit.setCommitString(QStringLiteral("*"));
+    QApplication::sendEvent(programEdit, &commit);
+    auto *symbols = mainWindow->findChild<QWidget *>(QStringLiteral("symbolsWindow"));
+    ASSERT_NE(symbols, nullptr);
+    EXPECT_TRUE(symbols->isVisible());
+    const QList<QToolButton *> buttons = symbols->findChildren<QToolButton *>();
+    ASSERT_EQ(buttons.size(), 22);
+    QTest::mouseClick(buttons[3], Qt::LeftButton);  // division
+    QApplication::clipboard()->setText(QStringLiteral("1->A\nwhile A\u2265\u03C0"));
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_FALSE(symbols->isVisible());
+    EXPECT_EQ(stored(id),
+              "*\xA9\xB9"
+              "1\x0E"
+              "A\r\xF7\x08"
+              "A\x12\xD0");
+}
+
+TEST_F(Editor, CopyIsReadableAndKeepsItsBytesInsideTheProgram) {
+    const ItemId id = open(
+        "\"or*\"\x0E"
+        "A\x89"
+        "1\r");
+    key(Qt::Key_A, Qt::ControlModifier);
+    key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("\"or*\"\u2192A+1\n"));
+    key(Qt::Key_End, Qt::ControlModifier);
+    key(Qt::Key_V, Qt::ControlModifier);
+    QApplication::clipboard()->setText(QStringLiteral("\\Cls\n1\\->A"));
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_EQ(stored(id),
+              "\"or*\"\x0E"
+              "A\x89"
+              "1\r\"or*\"\x0E"
+              "A\x89"
+              "1\r");
+}
+
+TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
+    const ItemId id = open("A\rB");
+    const ItemId other = addProgram("OTHER", "X");
+    refreshTree();
+    key(Qt::Key_End, Qt::ControlModifier);
+    typeText(QStringLiteral("\u20AC1"));
+    key(Qt::Key_Home, Qt::ControlModifier);
+    for (int attempt = 0; attempt < 2; attempt++) {
+        answer(ownText(OwnText::goBack));
+        select(other);
+        ASSERT_EQ(shown.size(), static_cast<std::size_t>(attempt + 1));
+        EXPECT_EQ(shown.back(), languageFormat(18, {"2"}));
+        EXPECT_EQ(selectedItemId(), id);
+        EXPECT_EQ(caret(), 3);
+    }
+    EXPECT_EQ(stored(id), "A\rB");
+    answer(ownText(OwnText::keepDraft));
+    endProgram();
+    EXPECT_TRUE(folder.read("draft-1.txt").find("\u20AC1") != std::string::npos);
+    answer(ownText(OwnText::draftOpen));
+    ASSERT_TRUE(startProgram());
+    QTest::qWait(100);
+    EXPECT_EQ(viewToText(), QStringLiteral("A\nB\u20AC1"));
+    key(Qt::Key_End, Qt::ControlModifier);
+    key(Qt::Key_Backspace);
+    key(Qt::Key_Backspace);
+    typeKeys(QStringLiteral("2"));
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_EQ(stored(id), "A\rB2");
+    EXPECT_EQ(folder.read("draft-1.txt"), "");
+}
+
+TEST_F(Editor, SignalsKeepADraftWithoutAsking) {
+    open("A");
+    typeText(QStringLiteral("\u20AC"));
+    shutDownAtOnce();
+    tearDown();
+    running = false;
+    EXPECT_TRUE(shown.empty());
+    EXPECT_FALSE(folder.read("draft-1.txt").empty());
+}
+
+TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {
+    const ItemId id = open("A");
+    typeKeys(QStringLiteral("B"));
+    ASSERT_TRUE(storeDelete(id));
+    answer(languageText(112));
+    refreshTree();
+    QTest::qWait(50);
+    ASSERT_EQ(shown.size(), 1u);
+    const ItemId back = storeFindItem("PROG", rootId);
+    ASSERT_NE(back, noItem);
+    EXPECT_EQ(stored(back), "BA");
+}
+
+TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
+    open("AB\rXab");
+    QTimer::singleShot(
+        0, [] { QTest::keyClicks(QApplication::activeModalWidget()->findChild<QLineEdit *>(), QStringLiteral("ab")); });
+    answer(languageText(112));
+    handleCommand(command::find);
+    EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("AB"));
+    handleCommand(command::findAgain);
+    EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("ab"));
+    EXPECT_EQ(programEdit->textCursor().blockNumber(), 1);
+    answer(languageText(112));
+    handleCommand(command::findAgain);
+    EXPECT_EQ(shown.back(), languageText(25));
+    EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("ab"));
+}
+
+TEST_F(Editor, ColoursFollowTheSettings) {
+    setLibraryFolder(folder.path);
+    ASSERT_TRUE(startProgram());
+    settingsSetInt(setting::syntaxHighlighting, 1);
+    settingsSetColour(setting::colorNumbers, 0x0000C0);
+    open("A1");
+    const auto formats = programEdit->document()->begin().layout()->formats();
+    ASSERT_EQ(formats.size(), 2);
+    EXPECT_EQ(formats[1].format.foreground().color(), QColor(0xC0, 0, 0));
+    settingsSetInt(setting::syntaxHighlighting, 0);
+    recolourProgram();
+    EXPECT_TRUE(programEdit->document()->begin().layout()->formats().isEmpty());
+    EXPECT_FALSE(programEdit->document()->isUndoAvailable());
+}
+
+}  // namespace numalink

@@ -1,0 +1,237 @@
+// Bytes to lines and back, typed text among untouched bytes, and the classes of what is shown.
+#include "text/view_runs.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "text/auto_correct.h"
+#include "text/program_bytes.h"
+#include "text/token_table.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+
+Bytes imageOf(std::string_view tokens) {
+    Bytes image = {':'};
+    image.insert(image.end(), tokens.begin(), tokens.end());
+    image.push_back(0xFF);
+    return image;
+}
+
+Bytes storedAgain(const std::vector<ViewLine> &lines) {
+    std::vector<LineBytes> stored;
+    for (const ViewLine &line : lines) stored.push_back(lineBytes(readLine(line, true)));
+    return imageOfLines(stored);
+}
+
+// The bytes of one line after text has been put in at place.
+std::string afterTyping(std::string_view tokens, std::size_t place, std::string_view text) {
+    ViewLine line = viewLines(imageOf(tokens)).front();
+    line.text.insert(place, text);
+    line.origins.insert(line.origins.begin() + static_cast<std::ptrdiff_t>(place), text.size(), origin::typed);
+    const LineReading reading = readLine(line, true);
+    if (reading.faultAt >= 0) return "fault " + std::to_string(reading.faultAt);
+    const LineReading again = readLine(shownLine(line, reading), true);
+    EXPECT_EQ(lineBytes(again).bytes, lineBytes(reading).bytes) << "read anew, the line is another one";
+    const Bytes bytes = lineBytes(reading).bytes;
+    return {bytes.begin(), bytes.end()};
+}
+
+struct ViewRuns : testing::Test {
+    void SetUp() override { ASSERT_TRUE(tokenTableLoad()); }
+};
+
+// All tokens that a program can hold: every record with a display text, line ends, display commands, and bytes and
+// pairs that no record has.
+std::vector<Bytes> allTokens() {
+    std::vector<Bytes> tokens;
+    for (int byte = 1; byte < 255; byte++) {
+        if (byte != 0x7F && byte != 0xF7) tokens.push_back({static_cast<std::uint8_t>(byte)});
+    }
+    for (const int prefix : {0x7F, 0xF7}) {
+        for (int byte = 0; byte < 256; byte++)
+            tokens.push_back({static_cast<std::uint8_t>(prefix), static_cast<std::uint8_t>(byte)});
+    }
+    return tokens;
+}
+
+TEST_F(ViewRuns, GeneratedProgramsComeBackByteForByte) {
+    const std::vector<Bytes> tokens = allTokens();
+    const char *wanted = std::getenv("NUMALINK_VIEW_PROGRAMS");
+    const int programs = wanted != nullptr ? std::atoi(wanted) : 3000;
+    std::mt19937 random(2604);
+    for (int program = 0; program < programs; program++) {
+        Bytes image = {':'};
+        const std::size_t length = random() % 40;
+        for (std::size_t i = 0; i < length; i++) {
+            const Bytes &token = random() % 8 == 0 ? Bytes{static_cast<std::uint8_t>("\r\x0C\"'"[random() % 4])}
+                                                   : tokens[random() % tokens.size()];
+            image.insert(image.end(), token.begin(), token.end());
+        }
+        image.push_back(0xFF);
+        ASSERT_EQ(storedAgain(viewLines(image)), image) << "program " << program;
+        if (random() % 2 == 0) continue;
+        // The same behind a checksum, and with an edit in one line: all other lines stay.
+        image.push_back(static_cast<std::uint8_t>(random()));
+        std::vector<ViewLine> lines = viewLines(image);
+        image.pop_back();
+        ASSERT_EQ(storedAgain(lines), image);
+        ViewLine &edited = lines[random() % lines.size()];
+        const std::vector<ViewLine> before = lines;
+        edited.text += 'Z';
+        edited.origins.push_back(origin::typed);
+        for (std::size_t i = 0; i < lines.size(); i++) {
+            if (lines[i] == before[i]) continue;
+            const Bytes kept = lineBytes(readLine(before[i], true)).bytes;
+            const Bytes now = lineBytes(readLine(lines[i], true)).bytes;
+            ASSERT_GE(now.size(), 1u);
+            // A "Z" may join a neighbour of its line's last token; all ahead of that stays.
+            const std::size_t same = kept.size() < 24 ? 0 : kept.size() - 24;
+            ASSERT_TRUE(std::equal(kept.begin(), kept.begin() + static_cast<std::ptrdiff_t>(same), now.begin()));
+        }
+    }
+}
+
+TEST_F(ViewRuns, PairsThatReadOtherwiseSideBySideAreKeptApart) {
+    std::vector<std::string> displays;
+    std::vector<Bytes> shown;
+    for (const Bytes &token : allTokens()) {
+        if (token[0] == '\r' || token[0] == 0x0C) continue;
+        std::string_view text;
+        if (static_cast<std::size_t>(tokenToText(token, text)) != token.size() || text.empty()) continue;
+        shown.push_back(token);
+        displays.emplace_back(text);
+    }
+    int joined = 0;
+    const char *list = std::getenv("NUMALINK_LIST_PAIRS");
+    for (std::size_t a = 0; a < shown.size(); a += list ? 1 : 5) {
+        for (std::size_t b = a % 7; b < shown.size(); b += list ? 1 : 7) {
+            Bytes pair = shown[a];
+            pair.insert(pair.end(), shown[b].begin(), shown[b].end());
+            const std::string text = displays[a] + displays[b];
+            const ViewLine line = lineOfTokens(pair);
+            ASSERT_EQ(line.text, text);
+            ASSERT_EQ(lineBytes(readLine(line, true)).bytes, pair);
+            Bytes read;
+            lineFromText(text, read);
+            if (read == pair) continue;
+            joined++;
+            Bytes alone;
+            lineFromText(displays[a], alone);
+            Bytes second;
+            lineFromText(displays[b], second);
+            if (list && alone == shown[a] && second == shown[b])
+                std::printf("pair\t%02X%02X\t%02X%02X\t%s|%s\n", shown[a][0], shown[a].size() > 1 ? shown[a][1] : 0,
+                            shown[b][0], shown[b].size() > 1 ? shown[b][1] : 0, displays[a].c_str(),
+                            displays[b].c_str());
+        }
+        Bytes alone;
+        lineFromText(displays[a], alone);
+        if (list && alone != shown[a])
+            std::printf("alone\t%02X %02X\t%s\n", shown[a][0], shown[a].back(), displays[a].c_str());
+    }
+    EXPECT_GT(joined, 0);
+}
+
+TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
+    // Letters of a string that spell a command, a star in a string, an assignment in letters.
+    EXPECT_EQ(afterTyping("\"Score\"", 7, "A"), "\"Score\"A");
+    EXPECT_EQ(afterTyping("\"A*B\"", 1, "X"), "\"XA*B\"");
+    EXPECT_EQ(afterTyping("A or B", 6, "2"), "A or B2");
+    EXPECT_EQ(afterTyping("DO", 2, "1"), "DO1");
+    EXPECT_EQ(afterTyping("'A or B", 7, "2"), "'A or B2");
+    // Typed inside quotes, beside untouched letters: no joining.
+    EXPECT_EQ(afterTyping("\"Sce\"", 3, "o"), "\"Scoe\"");
+    EXPECT_EQ(afterTyping("\"xr\"", 2, "o"), "\"xor\"");
+    // Outside of quotes what is typed joins its neighbours.
+    EXPECT_EQ(afterTyping("Ao", 2, "r"), "A\xAA");
+    EXPECT_EQ(afterTyping("A\x99", 2, ">"), "A\x0E");
+    EXPECT_EQ(afterTyping("\xAA", 0, "x"), "\x9A");
+    EXPECT_EQ(afterTyping("", 0, "2=/=3"),
+              "2\x11"
+              "3");
+    EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"),
+              "2\x11"
+              "3");
+    EXPECT_EQ(afterTyping("", 0, "A->B"),
+              "A\x0E"
+              "B");
+}
+
+TEST_F(ViewRuns, MarksFromBytesGiveThemBackAndTypedOnesAreText) {
+    const std::string unknown =
+        "A\xFA\x7F\x03"
+        "B";
+    ViewLine line = viewLines(imageOf(unknown)).front();
+    EXPECT_EQ(line.text, "A<250> <127,3>B");
+    EXPECT_EQ(afterTyping(unknown, line.text.size(), "C"), unknown + "C");
+    EXPECT_EQ(afterTyping(unknown, 1, "C"), "AC" + unknown.substr(1));
+    EXPECT_EQ(afterTyping("A", 1, "<250> "), "A<250> ");
+    // Its blank may go, any other of its characters makes it text.
+    line.text.erase(6, 1);
+    line.origins.erase(line.origins.begin() + 6);
+    EXPECT_EQ(lineBytes(readLine(line, true)).bytes[1], 0xFA);
+    line.text.erase(3, 1);
+    line.origins.erase(line.origins.begin() + 3);
+    EXPECT_EQ(lineBytes(readLine(line, true)).bytes[1], '<');
+}
+
+TEST_F(ViewRuns, BytesBehindAnEndMarkInsideAreShownAndKept) {
+    const Bytes image = {':', 'A', 0, 'B', 0x0D, 0xFF, 'C', 0xFF, 0x77};
+    const std::vector<ViewLine> lines = viewLines(image);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].text, "A<0> <66> <13> <255> <67> ");
+    EXPECT_EQ(storedAgain(lines), Bytes(image.begin(), image.end() - 1));
+    EXPECT_EQ(viewLines({}).size(), 1u);
+    EXPECT_EQ(viewLines(imageOf("\x7F")).front().text, "<127> ");
+    EXPECT_EQ(viewLines(Bytes{':', 0xFF, 0x3B}).front().text, "");
+}
+
+TEST_F(ViewRuns, DisplayCommandsTakeTheLineEndWithThem) {
+    const std::vector<ViewLine> lines = viewLines(imageOf("A\x0C\rB\x0C"));
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0].text, "A\xDD");
+    EXPECT_EQ(lines[1].text, "");
+    EXPECT_EQ(lines[2].text, "B\xDD");
+    EXPECT_EQ(storedAgain(lines), imageOf("A\x0C\rB\x0C"));
+}
+
+TEST_F(ViewRuns, CharactersWithoutACodeAreTheFault) {
+    ViewLine line = viewLines(imageOf("AB")).front();
+    line.text += "?";
+    line.origins.push_back(origin::foreign);
+    const LineReading reading = readLine(line, true);
+    EXPECT_EQ(reading.faultAt, 2);
+    EXPECT_EQ(shownLine(line, reading), line);
+    EXPECT_THAT(colourRuns(line, reading),
+                ElementsAre(ColourRun{0, 2, RunClass::ascii}, ColourRun{2, 1, RunClass::error}));
+}
+
+std::string classesOf(std::string_view tokens) {
+    const ViewLine line = viewLines(imageOf(tokens)).front();
+    std::string classes;
+    for (const ColourRun &run : colourRuns(line, readLine(line, true)))
+        classes += std::to_string(static_cast<int>(run.runClass)) + ":" + std::to_string(run.size) + " ";
+    return classes;
+}
+
+TEST_F(ViewRuns, ClassesFollowTheRules) {
+    EXPECT_EQ(classesOf("A12.5{}"), "0:1 3:4 0:2 ");
+    EXPECT_EQ(classesOf("A\x0E"
+                        "B"),
+              "0:1 5:1 0:1 ");
+    EXPECT_EQ(classesOf("\x81\x7F\x4A"), "4:4 6:9 ");
+    EXPECT_EQ(classesOf("\"A1\x0E\"B"), "7:5 0:1 ");
+    // A ' inside quotes opens no comment; a quote inside a comment flips all the same, and the comment wins.
+    EXPECT_EQ(classesOf("\"'A\"B"), "7:4 0:1 ");
+    EXPECT_EQ(classesOf("A'\"1\x81"), "0:1 1:7 ");
+    EXPECT_EQ(classesOf("\"\xFA\"1"), "7:1 2:6 7:1 3:1 ");
+}
+
+}  // namespace
+}  // namespace numalink
