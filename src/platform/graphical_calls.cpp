@@ -21,6 +21,7 @@ std::mutex requestMutex;
 std::condition_variable requestChanged;
 std::deque<GraphicalRequest *> waitingRequests;
 std::array<bool, threadRoleCount> refused;
+int served = 0;  // requests in work, one within the other; graphical thread only
 
 bool &refusedFor(ThreadRole role) { return refused[static_cast<std::size_t>(role)]; }
 
@@ -58,12 +59,16 @@ void graphicalCallsServe() {
         waitingRequests.pop_front();
         request.started = true;
         held.unlock();
+        served++;
         request.work(request.arguments);
+        served--;
         held.lock();
         request.done = true;
         requestChanged.notify_all();
     }
 }
+
+bool graphicalCallsBusy() { return served > 0; }
 
 void graphicalCallsRefuse(ThreadRole caller) { setRefused(caller, true); }
 void graphicalCallsAccept(ThreadRole caller) { setRefused(caller, false); }

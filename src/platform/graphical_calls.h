@@ -16,6 +16,10 @@ void graphicalCallsRefuse(ThreadRole caller);  // ends its waits, ahead of joini
 void graphicalCallsAccept(ThreadRole caller);
 void graphicalCallsServe();  // graphical thread: runs all that waits; the shell calls it when woken
 
+// Graphical thread: whether it is in the midst of work for another thread, a box of it open perhaps. That thread can't
+// be joined until the work has returned.
+bool graphicalCallsBusy();
+
 // Called on the worker's thread when work has been queued. Set once, before a worker starts.
 extern void (*graphicalWake)();
 

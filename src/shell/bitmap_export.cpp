@@ -48,15 +48,19 @@ void tellFileResult(FileResult result, const std::string &path) {
     if (result != FileResult::done) tellUser(wordingOf(result), {path}, BoxIcon::error);
 }
 
+void saveSurface(const Surface &surface, const std::string &utf8Name) {
+    const QString path = askBitmapPath(toQt(utf8Name));
+    if (path.isEmpty()) return;
+    tellFileResult(writeBitmapFile(QFile::encodeName(path).toStdString(), surface), path.toStdString());
+}
+
 int saveItemAsBitmap() {
     StoredItem item;
     if (!storeReadItem(selectedItemId(), item)) return 1;
     const bool isPicture = item.kind == kind::picture;
     if (!isPicture && item.kind != kind::colourScreen && item.kind != kind::monochromeScreen) return 1;
     const Surface surface = screenSurface(item.kind, item.head, item.data);
-    const QString path = askBitmapPath(nameToQt(item.name));
-    if (path.isEmpty()) return 1;
-    tellFileResult(writeBitmapFile(QFile::encodeName(path).toStdString(), surface), path.toStdString());
+    saveSurface(surface, utf8FromCalculator(item.name));
     return 1;
 }
 

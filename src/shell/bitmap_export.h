@@ -4,8 +4,12 @@
 #include <string>
 
 #include "platform/files.h"
+#include "platform/surface.h"
 
 namespace numalink {
+
+// Asks for a file, with this name to start from, and writes the surface into it.
+void saveSurface(const Surface &surface, const std::string &utf8Name);
 
 int saveItemAsBitmap();  // handler of the command table: for the selected item
 

@@ -4,6 +4,7 @@
 
 #include "shell/bitmap_export.h"
 #include "shell/command_handler.h"
+#include "shell/emulator_window.h"
 #include "shell/find_dialog.h"
 #include "shell/password_dialog.h"
 #include "shell/settings_dialog.h"
@@ -28,13 +29,13 @@ constexpr Command commands[] = {
     {command::remove, item, false, 79, "", OwnText::tipDelete, false, true, true, false, deleteWithQuestion},
     {command::transmit, item, true, 81, "F6", OwnText::tipTransmit, false, false, true, true, nullptr},
     {command::queue, item, false, 82, "F8", OwnText::tipQueue, false, false, true, true, nullptr},
-    {command::emulate, item, true, 83, "F7", OwnText::tipEmulate, false, false, true, true, nullptr},
+    {command::emulate, item, true, 83, "F7", OwnText::tipEmulate, false, true, true, true, emulatorToggle},
     {command::password, item, false, 84, "", OwnText::tipPassword, false, true, true, false, changePassword},
     {command::saveBitmap, item, true, 85, "", OwnText::tipSaveBitmap, false, true, true, false, saveItemAsBitmap},
     {command::find, edit, false, 86, "Ctrl+F", OwnText::tipFind, false, true, false, false, findInProgram},
     {command::findAgain, edit, false, 87, "F3", OwnText::tipFindAgain, false, true, false, false, findAgain},
     {command::refresh, edit, false, 88, "F5", OwnText::tipRefresh, false, true, false, false, refreshView},
-    {command::screenshot, emulator, false, 72, "", OwnText::tipScreenshot, false, false, false, false, nullptr},
+    {command::screenshot, emulator, false, 72, "", OwnText::tipScreenshot, false, true, false, false, saveScreenshot},
     {command::transmitQueue, communication, false, 89, "F9", OwnText::tipTransmitQueue, false, false, false, true,
      nullptr},
     {command::hideTree, view, false, 161, "F11", OwnText::tipHideFiles, true, true, false, false, toggleTree},

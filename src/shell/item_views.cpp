@@ -10,6 +10,7 @@
 #include "drawing/item_picture.h"
 #include "platform/thread_role.h"
 #include "settings/tell_user.h"
+#include "shell/emulator_window.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
 #include "shell/program_store.h"
@@ -120,6 +121,7 @@ void closeView() {
     programEdit->hide();
     lineNumberEdit->hide();
     hideSurface();
+    emulatorStop();
     matrixOnView = {};
     picked = {};
     forgetOpenedProgram();
@@ -139,6 +141,7 @@ bool leave(Leaving how) {
 void connectViews() {
     connectProgramView();
     makeSurfaceView();
+    makeEmulatorWindow();
     makeSymbolsWindow();
 }
 
@@ -147,6 +150,7 @@ void forgetViews() {
     viewItemId = noItem;
     forgetProgramView();
     forgetSurfaceView();
+    forgetEmulatorWindow();
     forgetSymbolsWindow();
     forgetOpenedProgram();
 }

@@ -26,6 +26,7 @@ void addAction(const Command &row) {
     if (row.separatorAhead) menu->addSeparator();
     QAction *action = menu->addAction(textOf(row.textNumber));
     action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+    action->setAutoRepeat(false);
     action->setStatusTip(textOf(row.tip));
     action->setToolTip(textOf(row.tip));
     action->setEnabled(row.working && row.enabledAtStart);
@@ -110,6 +111,7 @@ void setEditMenuEnabled(bool enabled) {
 
 void setShortcutsEnabled(bool enabled) {
     for (const Command &row : commandTable()) {
+        if (row.id == command::emulate) continue;  // its key stops a run as well
         const QString keys = enabled ? QString::fromLatin1(row.shortcut) : QString();
         if (QAction *action = commandAction(row.id)) action->setShortcut(QKeySequence(keys));
     }

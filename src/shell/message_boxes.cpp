@@ -11,6 +11,7 @@
 
 #include "platform/graphical_calls.h"
 #include "platform/user_interface.h"
+#include "shell/emulator_window.h"
 #include "shell/import_dialog.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
@@ -106,6 +107,7 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
+    userInterface.displayChanged = displayMarked;
 }
 
 void removeUserInterface() { userInterface = userInterfaceSilent; }

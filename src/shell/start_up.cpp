@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
+#include "platform/graphical_calls.h"
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
@@ -81,6 +82,8 @@ constexpr StartStep startSteps[] = {
     {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
 
+constexpr int stopPauseMilliseconds = 10;
+
 bool shutting = false;
 
 void closeLibraryAndQuit() {
@@ -89,7 +92,8 @@ void closeLibraryAndQuit() {
     removeTrayIcon();
     stopAnsweringCopies();
     forgetStopSignals();
-    QCoreApplication::quit();
+    // Not quit(): that asks every window first, and this one only ever closes by shutDown.
+    QCoreApplication::exit(0);
 }
 
 }  // namespace
@@ -124,6 +128,11 @@ void shutDownAtOnce() {
     while (QWidget *dialog = QApplication::activeModalWidget()) {
         dialog->close();
         if (QApplication::activeModalWidget() == dialog) break;
+    }
+    // A box that a run or the link has open must have returned to it before its thread can be joined.
+    if (graphicalCallsBusy()) {
+        QTimer::singleShot(stopPauseMilliseconds, qApp, shutDownAtOnce);
+        return;
     }
     closeLabelEditor();
     leaveViewAtOnce();

@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <QTreeWidget>
 
+#include "emulator/machine.h"
 #include "platform/clock.h"
 #include "shell/command_handler.h"
 #include "shell/command_table.h"
@@ -120,6 +121,7 @@ void goTo(QTreeWidgetItem *entry) {
 }  // namespace
 
 bool treeKeyPressed(const QKeyEvent &key) {
+    if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
     if (key.key() == Qt::Key_Delete) return handleCommand(command::deleteKey) != 0;
     if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
     if (isNavigation(key.key())) {

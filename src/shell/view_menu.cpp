@@ -5,6 +5,7 @@
 #include <QMenu>
 
 #include "shell/command_table.h"
+#include "shell/emulator_window.h"
 #include "shell/menus.h"
 #include "shell/shell_texts.h"
 #include "shell/surface_view.h"
@@ -19,7 +20,10 @@ void addZoom(QMenu *menu, QActionGroup *group, const QString &text, int zoom) {
     action->setCheckable(true);
     action->setChecked(zoom == 1);
     group->addAction(action);
-    QObject::connect(action, &QAction::triggered, menu, [zoom] { setSurfaceZoom(zoom); });
+    QObject::connect(action, &QAction::triggered, menu, [zoom] {
+        setSurfaceZoom(zoom);
+        zoomEmulatorWindow();
+    });
 }
 
 }  // namespace

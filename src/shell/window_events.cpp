@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include "shell/command_handler.h"
+#include "shell/emulator_window.h"
 #include "shell/event_hook.h"
 #include "shell/main_layout.h"
 #include "shell/shell_widgets.h"
@@ -76,6 +77,7 @@ void applyLayout() {
     place(lineNumberEdit, layout.lineNumbers);
     place(programEdit, layout.program);
     place(containerWindow, layout.container);
+    placeEmulatorWindow();
 }
 
 void connectWindow() {

@@ -36,7 +36,7 @@ QAbstractButton *buttonNamed(QWidget *dialog, const std::string &text) {
 // Buttons that only choose are pressed and the next answer follows; one that closes ends the dialog.
 void answerOpenDialog() {
     QWidget *dialog = QApplication::activeModalWidget();
-    if (dialog == nullptr || current == nullptr) return;
+    if (dialog == nullptr || current == nullptr || !current->answerBoxes) return;
     current->shown.push_back(wordingOf(dialog));
     for (bool asked = false; dialog == QApplication::activeModalWidget() && !asked;) {
         const std::string next = current->answers.empty() ? "Esc" : current->answers.front();

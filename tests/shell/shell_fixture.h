@@ -38,6 +38,7 @@ struct ShellTest : testing::Test {
     std::deque<std::string> answers;
     std::vector<std::string> shown;  // the wording of each box, the title of each dialog
     bool running = false;
+    bool answerBoxes = true;
 };
 
 }  // namespace numalink

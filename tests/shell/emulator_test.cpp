@@ -1,0 +1,121 @@
+#include <QAction>
+#include <QApplication>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QTimer>
+
+#include "emulator/display.h"
+#include "emulator/keypad.h"
+#include "emulator/machine.h"
+#include "settings/settings_store.h"
+#include "shell/command_handler.h"
+#include "shell/command_table.h"
+#include "shell/emulator_window.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/menus.h"
+#include "shell/shell_fixture.h"
+#include "shell/shell_widgets.h"
+#include "shell/start_up.h"
+#include "text/program_bytes.h"
+
+namespace numalink {
+
+struct Emulator : ShellTest {
+    void SetUp() override {
+        ShellTest::SetUp();
+        ASSERT_TRUE(startProgram());
+        settingsSetInt(setting::fullSpeed, 1);
+    }
+
+    // Selects a new program of these exchange words and presses F7.
+    void run(const char *words) {
+        Bytes tokens;
+        ASSERT_EQ(tokensFromWords(words, tokens), -1);
+        program = addProgram("RUN", std::string(tokens.begin(), tokens.end()));
+        refreshTree();
+        select(program);
+        QTest::keyClick(mainWindow, Qt::Key_F7);
+        ASSERT_TRUE(emulatorRunning);
+        window = mainWindow->findChild<QWidget *>(QStringLiteral("emulatorWindow"));
+        ASSERT_TRUE(window->isVisible());
+    }
+
+    ItemId program = noItem;
+    QWidget *window = nullptr;
+};
+
+TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
+    run("Locate 1,1,\"HI\"");
+    const Surface blank(displayWidth, displayHeight);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return displayNow().dots != blank.dots; }, 3000));
+    EXPECT_FALSE(programEdit->isVisible());
+    EXPECT_TRUE(commandEnabled(command::screenshot));
+    EXPECT_TRUE(window->hasFocus());
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(programEdit->isVisible());
+    EXPECT_FALSE(commandEnabled(command::screenshot));
+    EXPECT_EQ(selectedItemId(), program);
+}
+
+TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
+    run("Lbl 1:Goto 1");
+    QTest::keyPress(window, Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(keyCode, 43);
+    QTest::keyRelease(window, Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(keyCode, 0);
+    QTest::keyPress(window, Qt::Key_Tab);
+    EXPECT_EQ(keyCode, 25);
+    QTest::keyPress(window, Qt::Key_4);
+    EXPECT_EQ(keyCode, 25) << "digits of the main block, but for 5, do nothing";
+    QTest::keyPress(window, Qt::Key_4, Qt::KeypadModifier);
+    EXPECT_EQ(keyCode, 73);
+    const QPoint origin((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1);
+    QTest::mousePress(window, Qt::LeftButton, {}, origin + QPoint(5, 75));
+    EXPECT_EQ(keyCode, 79);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, origin + QPoint(5, 75));
+    EXPECT_EQ(keyCode, 0);
+    QTest::mousePress(window, Qt::LeftButton, {}, origin + QPoint(1, 75));
+    EXPECT_EQ(keyCode, 0) << "an edge is no key";
+    QTest::keyPress(window, Qt::Key_A);
+    window->clearFocus();
+    EXPECT_EQ(keyCode, 0);
+    QTest::mouseClick(window, Qt::LeftButton, {}, origin + QPoint(110, 180));
+    EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
+}
+
+TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
+    const ItemId other = add(kind::matrix, "M");
+    run("Lbl 1:Goto 1");
+    select(other);
+    EXPECT_FALSE(emulatorRunning);
+    EXPECT_EQ(viewItemId, other);
+    select(program);
+    handleCommand(command::emulate);
+    EXPECT_TRUE(emulatorRunning);
+    endProgram();
+    EXPECT_FALSE(emulatorRunning);
+}
+
+TEST_F(Emulator, EndsAtOnceWhileABoxOfTheRunIsOpen) {
+    settingsSetInt(setting::haltOnError, 1);
+    running = false;
+    QTimer::singleShot(0, [this] { run("1,,2"); });
+    // Only the signal may close the box.
+    answerBoxes = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [] {
+        if (QApplication::activeModalWidget() != nullptr) shutDownAtOnce();
+    });
+    watch.start(50);
+    QTimer::singleShot(8000, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_FALSE(emulatorRunning);
+    EXPECT_FALSE(storeIsOpen());
+    tearDown();
+}
+
+}  // namespace numalink
