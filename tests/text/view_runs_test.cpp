@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <random>
 
+#include "settings/settings_store.h"
 #include "text/auto_correct.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
@@ -43,7 +44,10 @@ std::string afterTyping(std::string_view tokens, std::size_t place, std::string_
 }
 
 struct ViewRuns : testing::Test {
-    void SetUp() override { ASSERT_TRUE(tokenTableLoad()); }
+    void SetUp() override {
+        ASSERT_TRUE(tokenTableLoad());
+        settingsSetInt(setting::autoCorrect, 1);
+    }
 };
 
 // All tokens that a program can hold: every record with a display text, line ends, display commands, and bytes and
