@@ -46,11 +46,11 @@ const LineMemory *memoryOf(const QTextBlock &block) {
 
 // Replaces what differs between a line and what it is to show.
 void replaceDifference(const QTextBlock &block, const ViewLine &line, const ViewLine &shown) {
-    const auto sizes = std::minmax(line.text.size(), shown.text.size());
+    const std::size_t shorter = std::min(line.text.size(), shown.text.size());
     std::size_t ahead = 0;
-    while (ahead < sizes.first && line.text[ahead] == shown.text[ahead]) ahead++;
+    while (ahead < shorter && line.text[ahead] == shown.text[ahead]) ahead++;
     std::size_t behind = 0;
-    while (behind < sizes.first - ahead &&
+    while (behind < shorter - ahead &&
            line.text[line.text.size() - behind - 1] == shown.text[shown.text.size() - behind - 1])
         behind++;
     ViewLine middle;
