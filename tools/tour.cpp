@@ -12,6 +12,7 @@
 #include <QTreeWidget>
 #include <cstdio>
 
+#include "shell/about_box.h"
 #include "shell/command_handler.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
@@ -86,6 +87,7 @@ int main(int argc, char **argv) {
     QDir().mkpath(pictureFolder);
     if (!numalink::startUp()) return 1;
     takePicture("start");
+    QTest::qWait(numalink::splashMilliseconds);
     QTimer answering;
     QObject::connect(&answering, &QTimer::timeout, answerDialogs);
     answering.start(100);

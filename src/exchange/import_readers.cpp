@@ -11,6 +11,8 @@ namespace numalink {
 namespace {
 
 std::uint64_t lengthByHead(const ImportedItem &item) {
+    // By the kind, not by the mark: a text file may put a number into the byte that a mark has as 0.
+    if (item.itemKind == kind::picture) return picturePlaneCount(item.head) * picturePlaneLength(item.head);
     if (!isTextKind(item.itemKind)) return frameDataLength(item.head);
     const auto info = decodeProgramInfo(item.head);
     return info ? info->imageLength : 0;

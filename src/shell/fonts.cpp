@@ -1,6 +1,5 @@
 #include "shell/fonts.h"
 
-#include <QApplication>
 #include <QFontDatabase>
 
 namespace numalink {
@@ -8,6 +7,7 @@ namespace numalink {
 namespace {
 
 constexpr int programFontPixels = 21;  // 10.5 dots of 2 pixels
+constexpr int treeFontPixels = 12;
 const QString screenFace = QStringLiteral("Numalink Screen");
 
 }  // namespace
@@ -25,8 +25,8 @@ QFont programFont() {
 }
 
 QFont treeFont() {
-    QFont font = QApplication::font();
-    font.setFamilies({font.family(), screenFace});
+    QFont font(screenFace);
+    font.setPixelSize(treeFontPixels);
     return font;
 }
 

@@ -43,7 +43,7 @@ void infoToStatus(const ItemEntry &entry, const Bytes &head) {
 
 void closeView() {
     setEditMenuEnabled(false);
-    statusLine(StatusPart::item, 0);
+    userInterface.statusText(StatusPart::item, 0, "");
     for (QWidget *widget :
          {static_cast<QWidget *>(programEdit), static_cast<QWidget *>(lineNumberEdit), containerWindow})
         widget->hide();

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int noFile = -1;
 constexpr std::size_t copyBlockSize = 64 * 1024;  // bytes
-constexpr int copyLimit = 1000;  // damaged files kept beside the library
+constexpr int copyLimit = 1000;                   // damaged files kept beside the library
 
 enum class StepKind { write, barrier, cut };
 

@@ -87,7 +87,7 @@ TEST(Settings, AFullTableRefusesAndKeepsWhatItHas) {
     const ScratchFolder folder;
     settingsLoad();
     int added = 0;
-    while (added < 1000 && settingsSetValue("Own.Key" + std::to_string(added), "v")) added++;
+    while (added < 1000 && settingsSetValue(std::string("Own.Key").append(std::to_string(added)), "v")) added++;
     EXPECT_EQ(added, 81) << "100 slots, 19 defaults";
     EXPECT_EQ(settingsValue("Another"), "");
     EXPECT_FALSE(settingsSetValue("Another", "v"));

@@ -52,9 +52,10 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     answer("Return");
     answer("Return");
     dropFiles({"one.cat", "Two Games.CAT", "no\xC3\xBCmlaut.cat"});
-    ASSERT_EQ(shown.size(), 4u);
+    ASSERT_EQ(shown.size(), 3u);
     EXPECT_EQ(shown[0], languageText(155));
     EXPECT_EQ(shown[1], languageText(155));
+    EXPECT_EQ(shown[2].rfind(languageText(98), 0), 0u) << shown[2];
     EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 1u);
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);

@@ -235,10 +235,35 @@ TEST_F(Store, StandardFoldersAreFoundByKindAndNeverReplace) {
         EXPECT_EQ(storeStandardFolder(other), noItem);
 }
 
+TEST_F(Store, ManyItemsComeAndMoveInOneChange) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const std::vector<ItemId> ids =
+        storeAddItems({item("A", kind::program, folder, {1}, {2}), item("a", kind::list, folder, {}, {3, 4})});
+    ASSERT_THAT(ids, ElementsAre(folder + 1, folder + 2));
+    EXPECT_EQ(read(ids[1]).data, (Bytes{3, 4}));
+    EXPECT_FALSE(storeMoveItems({{ids[0], rootId}, {99, rootId}}));
+    EXPECT_FALSE(storeMoveItems({{ids[0], rootId}, {folder, rootId}}));
+    EXPECT_EQ(storeListChildren(folder).size(), 2U) << "all or none";
+    EXPECT_TRUE(storeMoveItems({{ids[0], rootId}, {ids[1], rootId}}));
+    EXPECT_EQ(storeListChildren(rootId).size(), 3U);
+    checkFile();
+    const Bytes moved = file();
+    ASSERT_TRUE(restart(moved));
+    EXPECT_EQ(read(ids[0]).parent, rootId);
+}
+
 TEST_F(Store, AFullTableRefusesButStillReplaces) {
     ASSERT_TRUE(storeOpen());
-    for (std::uint32_t i = 0; i < storeSlotCount; i++)
-        ASSERT_NE(add("P" + std::to_string(i), kind::program, rootId, {}, {1}), noItem);
+    std::vector<NewItem> many;
+    while (many.size() <= storeSlotCount)
+        many.push_back(item(std::string("P").append(std::to_string(many.size())), kind::program, rootId, {}, {1}));
+    EXPECT_THAT(storeAddItems(many), IsEmpty()) << "one too many: none of them";
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
+    EXPECT_TRUE(storeListItems().empty());
+    many.pop_back();
+    EXPECT_EQ(storeAddItems(many).size(), storeSlotCount);
+    uiRecord.lines.clear();
     EXPECT_EQ(add("one more", kind::program), noItem);
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
     const ItemId replacing = add("P0", kind::program, rootId, {}, {2});
