@@ -21,8 +21,8 @@ constexpr std::uint8_t partEnd = 0xF8;
 constexpr std::uint8_t randomToken = 0xC1;
 
 void prepare() {
-    machine = EmulatorMachine{};
-    machineStart();
+    machine = EmulatorMachine{};  // machineStart's look through the token table is done once
+    poolReset();
     for (std::size_t i = 0; i < 26; i++) machine.variables[i] = complexMake(static_cast<double>(i) - 3, i == 25);
     machine.listSlots[0][0] = matrixAllocate(ownedByVariable, 1, 3);
     machine.matrixSlots[0] = matrixAllocate(ownedByVariable, 2, 3);
@@ -67,7 +67,10 @@ std::vector<std::uint64_t> result(bool plainly) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    if (tokenCount() == 0) tokenTableLoad();
+    if (tokenCount() == 0) {
+        tokenTableLoad();
+        machineStart();
+    }
     fullSpeed = true;
     emulatorRunning = true;
     keyPort.getKey = [] { return 27; };

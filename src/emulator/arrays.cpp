@@ -21,8 +21,12 @@ constexpr int tableFullText = 54, poolFullText = 55;
 std::unique_ptr<double[]> pool;  // taken at the first run, kept to the end of the process
 int cellsUsed = 0;
 MatrixDescriptor table[matrixRowLimit];
-int rowsUsed = 0;        // rows from here on have never been in use since the reset
+int rowsUsed = 0;  // rows from here on have never been in use since the reset
+int rowsInUse = 0;
 int temporaryCount = 0;  // rows owned temporarily
+
+// What the copies not made for borrowed arrays would take: they count against the limits like copies.
+int borrowedCells = 0, borrowedRows = 0;
 
 MatrixDescriptor emptyArray;  // what an exhausted machine hands out
 double spareElement = 0;      // what a place outside of every array reads and writes
@@ -38,11 +42,23 @@ MatrixDescriptor *refuse(int textNumber) {
     return &emptyArray;
 }
 
-MatrixDescriptor *freeRow() {
-    for (int i = 0; i < rowsUsed; i++) {
-        if (table[i].owner == 0) return &table[i];
-    }
-    return rowsUsed < matrixRowLimit ? &table[rowsUsed] : nullptr;
+// The text number of what gives out with one more array of so many elements, or 0.
+int fullText(std::int64_t size) {
+    if (size > poolCellLimit - cellsUsed - borrowedCells) return poolFullText;
+    return rowsInUse + borrowedRows < matrixRowLimit ? 0 : tableFullText;
+}
+
+// A row and its cells, whose values are still to be set.
+MatrixDescriptor *takeRow(std::int32_t owner, int cols, int rows) {
+    if (const int text = fullText(std::int64_t{cols} * rows)) return refuse(text);
+    const auto isFree = [](const MatrixDescriptor &row) { return row.owner == 0; };
+    MatrixDescriptor *descriptor = std::find_if(table, table + rowsUsed, isFree);
+    rowsUsed = std::max(rowsUsed, static_cast<int>(descriptor - table) + 1);
+    rowsInUse++;
+    temporaryCount += owner == ownedTemporarily;
+    *descriptor = {cols, rows, cellsUsed, owner};
+    cellsUsed += cols * rows;
+    return descriptor;
 }
 
 }  // namespace
@@ -50,29 +66,41 @@ MatrixDescriptor *freeRow() {
 void poolReset() {
     if (pool == nullptr) pool = std::make_unique<double[]>(poolCellLimit);
     cellsUsed = 0;
-    rowsUsed = 0;
-    temporaryCount = 0;
+    rowsUsed = rowsInUse = temporaryCount = 0;
+    borrowedCells = borrowedRows = 0;
     std::fill(std::begin(table), std::end(table), MatrixDescriptor{});
 }
 
 MatrixDescriptor *matrixAllocate(std::int32_t owner, int cols, int rows) {
-    cols = std::max(cols, 0);
-    rows = std::max(rows, 0);
-    if (std::int64_t{cols} * rows > poolCellLimit - cellsUsed) return refuse(poolFullText);
-    MatrixDescriptor *descriptor = freeRow();
-    if (descriptor == nullptr) return refuse(tableFullText);
-    *descriptor = {cols, rows, cellsUsed, owner};
-    rowsUsed = std::max(rowsUsed, static_cast<int>(descriptor - table) + 1);
-    temporaryCount += owner == ownedTemporarily;
-    std::fill_n(pool.get() + cellsUsed, cols * rows, 0.0);
-    cellsUsed += cols * rows;
+    MatrixDescriptor *descriptor = takeRow(owner, std::max(cols, 0), std::max(rows, 0));
+    matrixFill(0, descriptor);
     return descriptor;
+}
+
+MatrixDescriptor *matrixCopy(std::int32_t owner, const MatrixDescriptor *source) {
+    MatrixDescriptor *copy = takeRow(owner, source->cols, source->rows);
+    if (copy != &emptyArray) std::copy_n(matrixElements(source), matrixSize(source), matrixElements(copy));
+    return copy;
+}
+
+bool matrixBorrow(const MatrixDescriptor *source) {
+    if (source->owner != ownedByVariable || fullText(matrixSize(source)) != 0) return false;
+    borrowedCells += matrixSize(source);
+    borrowedRows++;
+    return true;
+}
+
+MatrixDescriptor *matrixUnborrow(const MatrixDescriptor *source) {
+    borrowedCells -= matrixSize(source);
+    borrowedRows--;
+    return matrixCopy(ownedTemporarily, source);
 }
 
 void matrixFree(MatrixDescriptor *descriptor) {
     if (!isTableRow(descriptor) || descriptor->owner == 0) return;
     const int size = matrixSize(descriptor);
     const int next = descriptor->firstCell + size;
+    rowsInUse--;
     temporaryCount -= descriptor->owner == ownedTemporarily;
     descriptor->owner = 0;
     if (next < cellsUsed) {
@@ -107,9 +135,8 @@ void matrixFill(double value, MatrixDescriptor *descriptor) {
 
 void matrixAssign(std::int32_t owner, MatrixSlot &slot, const MatrixDescriptor *source) {
     if (slot == source) return;
-    matrixRenew(owner, slot, source->cols, source->rows);
-    if (matrixSize(slot) == matrixSize(source))  // not so when the machine is exhausted
-        std::copy_n(matrixElements(source), matrixSize(source), matrixElements(slot));
+    matrixFree(slot);
+    slot = matrixCopy(owner, source);
 }
 
 void matrixRenew(std::int32_t owner, MatrixSlot &slot, int cols, int rows) {
@@ -134,6 +161,7 @@ bool matrixAugment(std::int32_t owner, MatrixSlot &slot, const MatrixDescriptor 
 }
 
 void freeTemporaries() {
+    borrowedCells = borrowedRows = 0;
     if (temporaryCount == 0) return;
     for (int i = rowsUsed - 1; i >= 0; i--) {  // those made last first: they lie at the pool's end, where nothing moves
         if (table[i].owner == ownedTemporarily) matrixFree(&table[i]);

@@ -13,6 +13,15 @@ void poolReset();
 // and the result is an empty array outside of the table, which every operation here accepts.
 MatrixDescriptor *matrixAllocate(std::int32_t owner, int cols, int rows);
 
+// A copy with the elements of source; the same when table or pool gives out.
+MatrixDescriptor *matrixCopy(std::int32_t owner, const MatrixDescriptor *source);
+
+// An expression that only reads an element of a variable's array needs no copy of it. Borrowing counts the copy that
+// isn't made against table and pool until the next freeTemporaries, so that both give out where they would with it;
+// false when that copy wouldn't fit. Unborrowing makes it after all.
+bool matrixBorrow(const MatrixDescriptor *source);
+MatrixDescriptor *matrixUnborrow(const MatrixDescriptor *source);
+
 // Frees the row and closes the gap in the pool. A row that isn't in use, or null, is left alone.
 void matrixFree(MatrixDescriptor *descriptor);
 

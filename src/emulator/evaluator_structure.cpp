@@ -23,10 +23,20 @@ CellKind arrayKind(const ProgramCell &cell) {
     return isToken(cell, token::matrix) ? CellKind::matrix : CellKind::blank;
 }
 
-MatrixDescriptor *temporaryCopy(const MatrixDescriptor *source) {
-    MatrixSlot copy = nullptr;
-    matrixAssign(ownedTemporarily, copy, source);
-    return copy;
+// The array at p + 1 for its token at p: a copy, or, where a subscript seems to follow, the array itself for the time
+// up to the end of the subscripts (makeCopiesOfBorrowed).
+MatrixDescriptor *arrayForExpression(const Stretch &stretch, int p, MatrixDescriptor *array) {
+    const bool isSubscripted = isToken(stretch.cellOrNothing(p + 2), token::openBracket);
+    if (isSubscripted && !evaluatePlainly && matrixBorrow(array)) return array;
+    return matrixCopy(ownedTemporarily, array);
+}
+
+// Only subscripts may read a variable's own array: what they have left gets the copy that all else works on.
+void makeCopiesOfBorrowed(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        ProgramCell &cell = stretch.cells[p];
+        if (isArray(cell) && cell.matrix->owner == ownedByVariable) cell.matrix = matrixUnborrow(cell.matrix);
+    }
 }
 
 // The element that the subscript cells from p + 2 on name; 0 after a report.
@@ -214,7 +224,7 @@ void resolveArrays(Stretch &stretch) {
             dimError();
             continue;
         }
-        makeArray(stretch.cells[p], kind, temporaryCopy(*slot));
+        makeArray(stretch.cells[p], kind, arrayForExpression(stretch, p, *slot));
         stretch.blank(p + 1);
         stretch.compact();
     }
@@ -225,6 +235,7 @@ void resolveSubscripts(Stretch &stretch) {
         if (isArray(stretch.cells[p]) && isToken(stretch.cells[p + 1], token::openBracket))
             resolveSubscriptAt(stretch, p);
     }
+    makeCopiesOfBorrowed(stretch);
 }
 
 void makeLiterals(Stretch &stretch) {

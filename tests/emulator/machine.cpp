@@ -90,6 +90,19 @@ TEST(Pool, TellsOnceThatItIsFullAndHandsOutAnEmptyArray) {
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 55 / 2", "box 54 / 2"));
 }
 
+// Reading an element makes no copy, but counts as one.
+TEST(Pool, GivesOutAtTheSamePlaceWhetherCopiesAreMadeOrBorrowed) {
+    const RecordedUi ui;
+    const FreshMachine fresh;
+    matrixRenew(ownedByVariable, machine.matrixSlots[0], 128, 170);  // a third of the pool
+    EXPECT_EQ(evaluated(fresh, cellsOfWords("\\Mat A[1,1]+\\Mat A[1,2]")), "0");
+    EXPECT_FALSE(machine.exhausted);
+    freeTemporaries();
+    EXPECT_EQ(evaluated(fresh, cellsOfWords("\\Mat A[1,1]+\\Mat A[1,2]+\\Mat A[1,3]")), "0 !Arg");
+    EXPECT_TRUE(machine.exhausted);
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 55 / 2"));
+}
+
 TEST(Machine, StartsAnewButKeepsWhatOutlivesARun) {
     const FreshMachine fresh;
     machine.ans = complexReal(3);
