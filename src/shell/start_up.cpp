@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMainWindow>
+#include <QThread>
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
@@ -93,7 +94,7 @@ void closeLibraryAndQuit() {
     stopAnsweringCopies();
     forgetStopSignals();
     // Not quit(): that asks every window first, and this one only ever closes by shutDown.
-    QCoreApplication::exit(0);
+    if (QThread::currentThread()->loopLevel() > 0) QCoreApplication::exit(0);
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return displayNow().dots != blank.dots; }, 3000));
     EXPECT_FALSE(programEdit->isVisible());
     EXPECT_TRUE(commandEnabled(command::screenshot));
-    EXPECT_TRUE(window->hasFocus());
+    EXPECT_EQ(mainWindow->focusWidget(), window);
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
     EXPECT_FALSE(window->isVisible());
@@ -103,7 +103,7 @@ TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
 TEST_F(Emulator, EndsAtOnceWhileABoxOfTheRunIsOpen) {
     settingsSetInt(setting::haltOnError, 1);
     running = false;
-    QTimer::singleShot(0, [this] { run("1,,2"); });
+    QTimer::singleShot(0, [this] { run("1,,2:1"); });
     // Only the signal may close the box.
     answerBoxes = false;
     QTimer watch;
@@ -111,7 +111,9 @@ TEST_F(Emulator, EndsAtOnceWhileABoxOfTheRunIsOpen) {
         if (QApplication::activeModalWidget() != nullptr) shutDownAtOnce();
     });
     watch.start(50);
-    QTimer::singleShot(8000, [] { QCoreApplication::exit(1); });
+    QTimer limit;
+    QObject::connect(&limit, &QTimer::timeout, [] { QCoreApplication::exit(1); });
+    limit.start(8000);
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_FALSE(emulatorRunning);
     EXPECT_FALSE(storeIsOpen());
