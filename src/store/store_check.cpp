@@ -1,0 +1,102 @@
+#include "store/store_check.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+
+namespace numalink {
+
+namespace {
+
+bool recordIsSound(const Slot &slot, std::uint64_t offset, std::uint64_t fileSize) {
+    const ItemHeader &head = slot.head;
+    return slot.sound && std::memcmp(head.signature, itemSignature, sizeof itemSignature) == 0 &&
+           nameOf(head).size() <= storeNameLimit && recordSize(head) <= fileSize - std::min(offset, fileSize) &&
+           head.id > rootId && head.id != noItem;
+}
+
+// Slots of the sound records in the order that less gives.
+template <typename Key>
+std::vector<std::size_t> soundSlotsBy(const std::vector<Slot> &slots, Key key) {
+    std::vector<std::size_t> order;
+    for (std::size_t slot = 0; slot < slots.size(); slot++)
+        if (slots[slot].sound) order.push_back(slot);
+    std::ranges::stable_sort(order, {}, key);
+    return order;
+}
+
+// Of two records with one id the first in the table stays.
+void markDoubledIds(std::vector<Slot> &slots) {
+    const auto order = soundSlotsBy(slots, [&](std::size_t slot) { return slots[slot].head.id; });
+    for (std::size_t i = 1; i < order.size(); i++)
+        if (slots[order[i]].head.id == slots[order[i - 1]].head.id) slots[order[i]].sound = false;
+}
+
+// Of two records that overlap, the one that reaches over the other's head lies about its size.
+void markOverlaps(const MainHeader &main, std::vector<Slot> &slots) {
+    const auto order = soundSlotsBy(slots, [&](std::size_t slot) { return main.offsets[slot]; });
+    for (std::size_t i = 1; i < order.size(); i++) {
+        const std::size_t before = order[i - 1];
+        if (main.offsets[before] + recordSize(slots[before].head) > main.offsets[order[i]]) slots[before].sound = false;
+    }
+}
+
+std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const std::vector<Slot> &slots) {
+    std::uint64_t end = sizeof main;
+    for (std::size_t slot = 0; slot < slots.size(); slot++)
+        if (slots[slot].sound) end = std::max(end, main.offsets[slot] + recordSize(slots[slot].head));
+    std::uint32_t faults = 0;
+    if (main.itemCount > storeSlotCount) faults++;
+    if (main.endOffset < end || main.endOffset > fileSize) faults++;
+    if (main.nextId != safeNextId(main, slots)) faults++;
+    return faults;
+}
+
+// How many folders stand in a circle of parents.
+std::uint32_t countCircle(const std::vector<Slot> &slots) {
+    enum class State { unseen, onWay, done };
+    struct Folder {
+        ItemId parent;
+        State state;
+    };
+    std::map<ItemId, Folder> folders;
+    for (const Slot &slot : slots)
+        if (slot.sound && isFolderKind(slot.head.kind)) folders[slot.head.id] = {slot.head.parent, State::unseen};
+    std::uint32_t count = 0;
+    for (const auto &[start, ignored] : folders) {
+        std::vector<ItemId> way;
+        auto at = folders.find(start);
+        for (; at != folders.end() && at->second.state == State::unseen; at = folders.find(at->second.parent)) {
+            at->second.state = State::onWay;
+            way.push_back(at->first);
+        }
+        if (at != folders.end() && at->second.state == State::onWay)
+            count += static_cast<std::uint32_t>(way.end() - std::ranges::find(way, at->first));
+        for (const ItemId id : way) folders[id].state = State::done;
+    }
+    return count;
+}
+
+}  // namespace
+
+std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::uint32_t next = std::max(main.nextId, rootId + 1);
+    for (const Slot &slot : slots)
+        if (slot.sound) next = std::max(next, slot.head.id + 1);
+    return next;
+}
+
+std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots) {
+    for (std::size_t slot = 0; slot < slots.size(); slot++)
+        slots[slot].sound =
+            main.offsets[slot] >= sizeof main && recordIsSound(slots[slot], main.offsets[slot], fileSize);
+    markDoubledIds(slots);
+    markOverlaps(main, slots);
+    // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
+    if (main.itemCount > storeSlotCount)
+        while (!slots.empty() && !slots.back().sound) slots.pop_back();
+    const auto unsound = std::ranges::count(slots, false, &Slot::sound);
+    return static_cast<std::uint32_t>(unsound) + headFaults(main, fileSize, slots) + countCircle(slots);
+}
+
+}  // namespace numalink

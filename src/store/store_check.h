@@ -1,0 +1,19 @@
+// Whether what a library file holds can be right: the head record against the file's size, and the record heads
+// against it and against each other. Pure. Only store/ and its tests include this.
+#pragma once
+
+#include <vector>
+
+#include "store/store_state.h"
+
+namespace numalink {
+
+// Marks in slots what isn't sound, and gives the number of places with damage, 0 when all is well. slots holds a
+// head for each slot of main, unsound where it couldn't be read. A circle of parents counts as damage, and its
+// folders stay usable, so that they can be dragged out of it or deleted.
+std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots);
+
+// One above every id of the sound records, and at least main.nextId.
+std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots);
+
+}  // namespace numalink

@@ -1,0 +1,272 @@
+// The operations on single items: reading, adding, storing again, altering in place, deleting.
+#include <algorithm>
+#include <cstring>
+
+#include "calculator/program_info.h"
+#include "store/store_changes.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::size_t infoNameOffset = 8;  // of the name in a program's first payload
+
+ItemHeader makeHead(const NewItem &item, std::string_view name, ItemId id) {
+    ItemHeader head{};
+    std::memcpy(head.signature, itemSignature, sizeof itemSignature);
+    name.copy(head.name, storeNameLimit);
+    head.headSize = static_cast<std::uint32_t>(item.head.size());
+    head.dataSize = static_cast<std::uint32_t>(item.data.size());
+    head.kind = item.kind;
+    head.flags = isFolderKind(item.kind) ? item.flags : 0;
+    head.id = id;
+    head.parent = item.parent;
+    return head;
+}
+
+bool fitsRecord(const NewItem &item) { return item.head.size() <= UINT32_MAX && item.data.size() <= UINT32_MAX; }
+
+// The record that an add replaces, or noSlot: calculator data of the same kind and name, never a folder.
+std::size_t slotToReplace(const NewItem &item, std::string_view name) REQUIRES_LOCK(storeLock) {
+    if (item.whenTaken != NameTaken::replaceSameKind || isFolderKind(item.kind)) return noSlot;
+    return lowestSlot(
+        [&](const ItemHeader &head) { return head.kind == item.kind && isNamed(head, name, item.parent); });
+}
+
+// A program carries its name in its first payload as well, and both are to be the same.
+void renameProgram(Bytes &head, std::string_view name) {
+    if (head.size() != programInfoSize) return;
+    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
+    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
+}
+
+std::vector<bool> marked(std::size_t slot) REQUIRES_LOCK(storeLock) {
+    std::vector<bool> marks(slot == noSlot ? 0 : storeState.slots.size());
+    if (slot != noSlot) marks[slot] = true;
+    return marks;
+}
+
+// Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.
+void markWithContents(std::vector<bool> &marks, std::size_t first) REQUIRES_LOCK(storeLock) {
+    const std::vector<Slot> &slots = storeState.slots;
+    std::vector<std::size_t> open{first};
+    marks[first] = true;
+    while (!open.empty()) {
+        const ItemHeader &folder = slots[open.back()].head;
+        open.pop_back();
+        if (!isFolderKind(folder.kind)) continue;
+        for (std::size_t slot = 0; slot < slots.size(); slot++) {
+            if (marks[slot] || !slots[slot].sound || slots[slot].head.parent != folder.id) continue;
+            marks[slot] = true;
+            open.push_back(slot);
+        }
+    }
+}
+
+bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock) {
+    for (std::size_t steps = 0; steps <= storeState.slots.size(); steps++) {
+        if (id == folder) return true;
+        const std::size_t slot = slotOfId(id);
+        if (slot == noSlot) return false;
+        id = storeState.slots[slot].head.parent;
+    }
+    return false;
+}
+
+Fault parentFault(std::size_t slot, ItemId newParent) REQUIRES_LOCK(storeLock) {
+    const ItemHeader &head = storeState.slots[slot].head;
+    if (newParent == head.parent) return Fault::none;
+    if (!isFolderId(newParent)) return Fault::noFolder;
+    return isFolderKind(head.kind) && liesWithin(newParent, head.id) ? Fault::intoItself : Fault::none;
+}
+
+Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
+    const std::size_t slot = slotOfId(id);
+    if (slot == noSlot) return Fault::absent;
+    if (!fitsRecord(item)) return Fault::tooLarge;
+    if (const Fault fault = parentFault(slot, item.parent); fault != Fault::none) return fault;
+    const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
+    return changeRecords(marked(slot), &record, storeState.main.nextId);
+}
+
+Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
+    const std::size_t slot = slotOfId(id);
+    if (slot == noSlot) return Fault::absent;
+    const ItemHeader &head = storeState.slots[slot].head;
+    const std::uint64_t offset = storeState.main.offsets[slot];
+    ItemHeader inFile{};
+    StoredItem read;
+    static_cast<ItemEntry &>(read) = entryOf(head);
+    read.head.resize(head.headSize);
+    read.data.resize(head.dataSize);
+    const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
+                       storeFileRead(offset + sizeof head, read.head) &&
+                       storeFileRead(offset + sizeof head + head.headSize, read.data);
+    // Another head than the one in memory: somebody has written to the file in spite of its lock.
+    if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
+    item = std::move(read);
+    return Fault::none;
+}
+
+// Runs one change of an existing record with the lock held, and tells its fault without it.
+template <typename Change>
+bool changeItem(ItemId id, Change change) {
+    Fault fault = Fault::absent;
+    {
+        const HoldLock hold(storeLock);
+        const std::size_t slot = slotOfId(id);
+        if (slot != noSlot) fault = change(slot);
+    }
+    return storeTold(fault);
+}
+
+Fault changeNumber(std::size_t slot, std::size_t offset, std::uint32_t value) REQUIRES_LOCK(storeLock) {
+    std::uint8_t bytes[4];
+    writeLittle32(bytes, 0, value);
+    return changeInPlace(slot, offset, bytes);
+}
+
+template <typename Fits>
+std::vector<ItemEntry> entriesWhere(Fits fits) {
+    std::vector<ItemEntry> entries;
+    {
+        const HoldLock hold(storeLock);
+        for (const Slot &slot : storeState.slots)
+            if (slot.sound && fits(slot.head)) entries.push_back(entryOf(slot.head));
+    }
+    std::ranges::sort(entries, {}, &ItemEntry::id);
+    return entries;
+}
+
+}  // namespace
+
+Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
+    id = noItem;
+    if (!storeState.open) return Fault::absent;
+    if (storeState.main.nextId >= noItem) return Fault::full;
+    if (!isFolderId(item.parent)) return Fault::noFolder;
+    if (!fitsRecord(item)) return Fault::tooLarge;
+    std::string name(storedName(item.name));
+    Bytes head = item.head;
+    const std::size_t replaced = slotToReplace(item, name);
+    if (replaced == noSlot && item.whenTaken != NameTaken::keepBoth) {
+        name = freeName(name, item.parent, item.kind);
+        if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
+    }
+    const ItemId newId = storeState.main.nextId;
+    const NewRecord record{makeHead(item, name, newId), head, item.data};
+    const Fault fault = changeRecords(marked(replaced), &record, newId + 1);
+    if (fault != Fault::none) return fault;
+    id = newId;
+    if (renamed) *renamed = name;
+    return Fault::none;
+}
+
+Fault resetTemp() {
+    std::vector<bool> leaving(storeState.slots.size());
+    for (std::size_t slot = 0; slot < leaving.size(); slot++) {
+        const Slot &candidate = storeState.slots[slot];
+        if (candidate.sound && candidate.head.kind == kind::temporaryFolder) markWithContents(leaving, slot);
+    }
+    if (storeState.main.nextId >= noItem) return Fault::full;
+    const ItemId id = storeState.main.nextId;
+    const NewItem temp{.name = "temp", .kind = kind::temporaryFolder, .head = {}, .data = {}};
+    const NewRecord record{makeHead(temp, temp.name, id), {}, {}};
+    return changeRecords(leaving, &record, id + 1);
+}
+
+int storeFindSlot(ItemId id) {
+    const HoldLock hold(storeLock);
+    return static_cast<int>(slotOfId(id));
+}
+
+std::optional<ItemEntry> storeReadEntry(ItemId id) {
+    const HoldLock hold(storeLock);
+    const std::size_t slot = slotOfId(id);
+    return slot == noSlot ? std::nullopt : std::optional(entryOf(storeState.slots[slot].head));
+}
+
+bool storeReadItem(ItemId id, StoredItem &item) {
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = readItem(id, item);
+    }
+    return storeTold(fault);
+}
+
+std::vector<ItemEntry> storeListItems() {
+    return entriesWhere([](const ItemHeader &) { return true; });
+}
+
+std::vector<ItemEntry> storeListChildren(ItemId parent) {
+    return entriesWhere([&](const ItemHeader &head) { return head.parent == parent; });
+}
+
+ItemId storeNextId() {
+    const HoldLock hold(storeLock);
+    return storeState.main.nextId;
+}
+
+ItemId storeAddItem(const NewItem &item, std::string *renamed) {
+    ItemId id = noItem;
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = addItem(item, id, renamed);
+    }
+    storeTold(fault);
+    return id;
+}
+
+bool storeWriteItem(ItemId id, const NewItem &item) {
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = writeItem(id, item);
+    }
+    return storeTold(fault);
+}
+
+bool storeRewriteHead(ItemId id, ByteView head) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        if (head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
+        return head.empty() ? Fault::none : changeInPlace(slot, sizeof(ItemHeader), head);
+    });
+}
+
+bool storeRename(ItemId id, std::string_view name) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        std::uint8_t field[sizeof(ItemHeader::name)] = {};
+        std::ranges::copy(storedName(name), field);
+        return changeInPlace(slot, offsetof(ItemHeader, name), field);
+    });
+}
+
+bool storeMove(ItemId id, ItemId newParent) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        const Fault fault = parentFault(slot, newParent);
+        return fault != Fault::none ? fault : changeNumber(slot, offsetof(ItemHeader, parent), newParent);
+    });
+}
+
+bool storeSetFlags(ItemId id, std::uint32_t value) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        return changeNumber(slot, offsetof(ItemHeader, flags), value);
+    });
+}
+
+std::uint32_t storeGetFlags(ItemId id) {
+    const auto entry = storeReadEntry(id);
+    return entry ? entry->flags : 0;
+}
+
+bool storeDelete(ItemId id) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        std::vector<bool> leaving(storeState.slots.size());
+        markWithContents(leaving, slot);
+        return changeRecords(leaving, nullptr, storeState.main.nextId);
+    });
+}
+
+}  // namespace numalink

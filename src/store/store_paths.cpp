@@ -1,0 +1,124 @@
+// Finding by name and by path, and the folders that the program makes for itself.
+#include "calculator/charset.h"
+#include "settings/language_table.h"
+#include "store/store_state.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::string_view pathMark = "/";
+
+// The first folder of the table with that name under parent, or noItem.
+ItemId folderNamed(std::string_view name, ItemId parent) REQUIRES_LOCK(storeLock) {
+    for (const Slot &slot : storeState.slots)
+        if (slot.sound && isFolderKind(slot.head.kind) && isNamed(slot.head, name, parent)) return slot.head.id;
+    return noItem;
+}
+
+NewItem newFolder(std::string_view name, ItemId parent, ItemKind folderKind) {
+    NewItem folder;
+    folder.name = name;
+    folder.parent = parent;
+    folder.kind = folderKind;
+    folder.whenTaken = NameTaken::nextFreeName;
+    folder.flags = folderOpenFlag;
+    return folder;
+}
+
+// Takes the next name off the path.
+std::string_view takeComponent(std::string_view &path) {
+    const std::size_t end = path.find(pathMark);
+    const std::string_view name = path.substr(0, end);
+    path.remove_prefix(end == std::string_view::npos ? path.size() : end + 1);
+    return storedName(name);
+}
+
+Fault resolvePath(std::string_view path, bool create, ItemId &id) REQUIRES_LOCK(storeLock) {
+    id = rootId;
+    while (!path.empty()) {
+        const std::string_view name = takeComponent(path);
+        if (name.empty()) continue;  // two "/" side by side name nothing
+        const ItemId parent = id;
+        id = folderNamed(name, parent);
+        if (id != noItem) continue;
+        if (!create) return Fault::absent;
+        const Fault fault = addItem(newFolder(name, parent, kind::folder), id);
+        if (fault != Fault::none) return fault;
+    }
+    return Fault::none;
+}
+
+std::size_t slotOfKind(ItemKind itemKind) REQUIRES_LOCK(storeLock) {
+    return lowestSlot([&](const ItemHeader &head) { return head.kind == itemKind; });
+}
+
+Fault standardFolder(ItemKind folderKind, ItemId &id) REQUIRES_LOCK(storeLock) {
+    const int nameNumber = standardFolderName(folderKind);
+    if (nameNumber == 0) return Fault::absent;
+    const std::size_t slot = slotOfKind(folderKind);
+    if (slot == noSlot) return addItem(newFolder(calculatorName(languageText(nameNumber)), rootId, folderKind), id);
+    id = storeState.slots[slot].head.id;
+    return Fault::none;
+}
+
+Fault tempFolder(ItemId &id) REQUIRES_LOCK(storeLock) {
+    std::size_t slot = slotOfKind(kind::temporaryFolder);
+    if (slot == noSlot) {
+        if (const Fault fault = resetTemp(); fault != Fault::none) return fault;
+        slot = slotOfKind(kind::temporaryFolder);
+    }
+    id = storeState.slots[slot].head.id;
+    return Fault::none;
+}
+
+// The id that find gives, or noItem with the cause told once the lock is free.
+template <typename Find>
+ItemId foundOrTold(Find find) {
+    ItemId id = noItem;
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = find(id);
+    }
+    return storeTold(fault) ? id : noItem;
+}
+
+}  // namespace
+
+ItemId storeFindItem(std::string_view name, ItemId parent) {
+    const HoldLock hold(storeLock);
+    const std::size_t slot =
+        lowestSlot([&](const ItemHeader &head) { return isNamed(head, storedName(name), parent); });
+    return slot == noSlot ? noItem : storeState.slots[slot].head.id;
+}
+
+bool storeItemExists(std::string_view name, ItemId parent) { return storeFindItem(name, parent) != noItem; }
+
+std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind) {
+    const HoldLock hold(storeLock);
+    return freeName(name, parent, itemKind);
+}
+
+ItemId storeResolvePath(std::string_view path, bool create) {
+    return foundOrTold([&](ItemId &id) REQUIRES_LOCK(storeLock) { return resolvePath(path, create, id); });
+}
+
+ItemId storeStandardFolder(ItemKind folderKind) {
+    return foundOrTold([&](ItemId &id) REQUIRES_LOCK(storeLock) { return standardFolder(folderKind, id); });
+}
+
+ItemId storeTempFolder() {
+    return foundOrTold([](ItemId &id) REQUIRES_LOCK(storeLock) { return tempFolder(id); });
+}
+
+bool storeResetTemp() {
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = resetTemp();
+    }
+    return storeTold(fault);
+}
+
+}  // namespace numalink

@@ -1,0 +1,81 @@
+#include "store/store_state.h"
+
+#include "calculator/charset.h"
+#include "calculator/program_info.h"
+#include "settings/tell_user.h"
+
+namespace numalink {
+
+StoreState storeState;
+
+namespace {
+
+struct FaultText {
+    Fault fault;
+    OwnText text;
+};
+constexpr FaultText faultTexts[] = {
+    {Fault::full, OwnText::storeFull},
+    {Fault::noFolder, OwnText::storeNoFolder},
+    {Fault::intoItself, OwnText::storeIntoItself},
+    {Fault::tooLarge, OwnText::storeTooLarge},
+    {Fault::notWritten, OwnText::storeNotWritten},
+    {Fault::broken, OwnText::storeBroken},
+    {Fault::itemUnread, OwnText::storeItemUnread},
+    {Fault::notCopied, OwnText::storeNotCopied},
+};
+constexpr int textOfHeadNotWritten = 37;
+
+// How many codes a name of this kind may have.
+std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
+
+}  // namespace
+
+bool storeTold(Fault fault) {
+    if (fault == Fault::none) return true;
+    if (fault == Fault::headNotWritten) return failWith(textOfHeadNotWritten);
+    for (const FaultText &row : faultTexts)
+        if (row.fault == fault) return failWith(row.text);
+    return false;
+}
+
+std::size_t slotOfId(ItemId id) {
+    for (std::size_t slot = 0; slot < storeState.slots.size(); slot++)
+        if (storeState.slots[slot].sound && storeState.slots[slot].head.id == id) return slot;
+    return noSlot;
+}
+
+bool isFolderId(ItemId id) {
+    if (id == rootId) return true;
+    const std::size_t slot = slotOfId(id);
+    return slot != noSlot && isFolderKind(storeState.slots[slot].head.kind);
+}
+
+ItemEntry entryOf(const ItemHeader &head) {
+    return {.id = head.id,
+            .parent = head.parent,
+            .kind = head.kind,
+            .flags = head.flags,
+            .name = std::string(nameOf(head)),
+            .headSize = head.headSize,
+            .dataSize = head.dataSize};
+}
+
+std::string_view storedName(std::string_view name) { return name.substr(0, name.find('\0')).substr(0, storeNameLimit); }
+
+bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent) {
+    return head.parent == parent && head.kind != kind::temporaryFolder && equalWithoutCase(nameOf(head), name);
+}
+
+std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) {
+    name = storedName(name);
+    std::string candidate(name);
+    for (std::uint32_t number = 2;; number++) {
+        const auto taken = [&](const ItemHeader &head) { return isNamed(head, candidate, parent); };
+        if (lowestSlot(taken) == noSlot) return candidate;
+        const std::string ending = " " + std::to_string(number);
+        candidate = std::string(name.substr(0, nameLimitOf(itemKind) - ending.size())) + ending;
+    }
+}
+
+}  // namespace numalink

@@ -1,0 +1,80 @@
+// What the files of the store share: the state in memory, look-ups in it, and how an operation ends in a cause that
+// is told once the lock is free. Only store/ includes this. The caller holds storeLock throughout.
+//
+// Invariants between any two operations while the store is open:
+//   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file; main.itemCount is their number.
+//   (2) main is what the file's first 8032 bytes hold, unless opening found damage and nothing was changed since.
+//   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "platform/lock.h"
+#include "store/store_file.h"
+#include "store/store_records.h"
+
+namespace numalink {
+
+struct Slot {
+    ItemHeader head;
+    bool sound = true;  // a record with damage keeps its slot, and no operation sees it
+};
+
+struct StoreState {
+    bool open = false;
+    bool damaged = false;  // then no record is moved, and new ones go behind the end of the file
+    bool copied = false;   // the damaged file has been copied, so it may be changed
+    MainHeader main{};
+    std::vector<Slot> slots;
+};
+extern StoreState storeState GUARDED_BY(storeLock);
+
+// Why an operation was refused.
+enum class Fault {
+    none,
+    absent,  // no such item, or the store is closed: not told, the caller asked for nothing
+    full,
+    noFolder,
+    intoItself,
+    tooLarge,
+    notWritten,
+    headNotWritten,
+    broken,
+    itemUnread,
+    notCopied,
+    wrongSize
+};
+
+// True for none; else tells the cause and gives false. Called with the lock free.
+bool storeTold(Fault fault);
+
+inline constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
+
+std::size_t slotOfId(ItemId id) REQUIRES_LOCK(storeLock);
+bool isFolderId(ItemId id) REQUIRES_LOCK(storeLock);  // the root is one
+ItemEntry entryOf(const ItemHeader &head);
+
+// The sound record of the lowest id that fits, or noSlot.
+template <typename Fits>
+std::size_t lowestSlot(Fits fits) REQUIRES_LOCK(storeLock) {
+    std::size_t found = noSlot;
+    for (std::size_t slot = 0; slot < storeState.slots.size(); slot++) {
+        const Slot &candidate = storeState.slots[slot];
+        if (!candidate.sound || !fits(candidate.head)) continue;
+        if (found == noSlot || candidate.head.id < storeState.slots[found].head.id) found = slot;
+    }
+    return found;
+}
+
+// As a name lies in the file: ended at a zero byte, at most 52 codes.
+std::string_view storedName(std::string_view name);
+
+// Whether the record is seen under this name by people: the temporary folder never is.
+bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent);
+std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) REQUIRES_LOCK(storeLock);
+
+Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
+Fault resetTemp() REQUIRES_LOCK(storeLock);
+
+}  // namespace numalink
