@@ -1,6 +1,6 @@
 // The calculators' dot fonts and the tiny digits, drawn dot by dot on any surface. Loaded once on the graphical
 // thread, then only read, by any thread. Places in dots, (x, y) the top left dot of the first character. Text is
-// calculator codes. Dots outside the surface are dropped.
+// calculator codes up to the first zero. Dots outside the surface are dropped.
 #pragma once
 
 #include <string_view>
@@ -14,8 +14,9 @@ inline constexpr std::size_t largeFontSize = 8960;  // bytes of large.cft: 256 g
 inline constexpr int largeCharWidth = 5, largeCharHeight = 7, largeCharAdvance = 6;
 inline constexpr int smallCharHeight = 5, smallCharWidthLimit = 5;
 
-// From the program folder, with a box (fixed wording, title "Numalink Error") when the file is missing or damaged;
-// the table keeps what was read. A width above 5 counts as damage.
+// From the program folder, with a box (fixed wording, title "Numalink Error") and false when the file is missing or
+// damaged. Characters that weren't read are blank; a small record that ends early keeps what is there of it, and a
+// width above 5 counts as damage. A file above 1 MiB is damaged and not read.
 bool loadLargeFont();
 bool loadSmallFont();
 // The same from bytes; false when damaged.

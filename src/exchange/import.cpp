@@ -1,0 +1,2 @@
+// Import of item files: see import.h.
+#include "exchange/import.h"
