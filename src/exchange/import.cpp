@@ -1,2 +1,191 @@
-// Import of item files: see import.h.
+// From a file on disk to items in their folder: reading, telling, asking, moving.
 #include "exchange/import.h"
+
+#include <algorithm>
+
+#include "calculator/charset.h"
+#include "exchange/import_readers.h"
+#include "link/transmit_queue.h"
+#include "platform/files.h"
+#include "platform/thread_role.h"
+#include "settings/language_table.h"
+#include "settings/tell_user.h"
+#include "store/item_store.h"
+
+namespace numalink {
+
+std::string importFolderName;
+
+namespace {
+
+constexpr std::string_view catMark = "%Header Record";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr int notOpened = 93;
+constexpr int unknownType = 99;
+constexpr std::size_t messagesShown = 8;  // of one file; a spoilt file may give thousands
+constexpr std::size_t unnamedLimit = 8;
+
+using Reader = void (*)(ByteView file, const ItemSink &sink, ImportReport &report);
+
+std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char *>(bytes.data()), bytes.size()}; }
+
+// The reader for what the file begins with, or null. An editor's byte order mark goes.
+Reader readerOf(ByteView &file) {
+    std::string_view text = asText(file);
+    if (text.starts_with(byteOrderMark) && startsWithoutCase(text.substr(byteOrderMark.size()), catMark)) {
+        file = file.subspan(byteOrderMark.size());
+        return readCat;
+    }
+    if (startsWithoutCase(text, catMark)) return readCat;
+    if (text.starts_with("20")) return readFxi;
+    return text.starts_with(':') ? readCas : nullptr;
+}
+
+std::string causeOf(FileResult result, const std::string &path) {
+    switch (result) {
+        case FileResult::missing:
+            return ownText(OwnText::fileMissing, {path});
+        case FileResult::denied:
+            return ownText(OwnText::fileDenied, {path});
+        case FileResult::isFolder:
+            return ownText(OwnText::fileIsFolder, {path});
+        case FileResult::tooLarge:
+            return ownText(OwnText::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
+        default:
+            return ownText(OwnText::fileFailed, {path});
+    }
+}
+
+void showBox(int bodyNumber, const std::string &body) {
+    Box box;
+    box.bodyNumber = bodyNumber;
+    box.titleNumber = titleOfWarnings;
+    box.body = body;
+    box.title = languageText(titleOfWarnings);
+    userInterface.messageBox(box);
+}
+
+void showReport(const ImportReport &report) {
+    const std::size_t shown = std::min(report.messages.size(), messagesShown);
+    for (std::size_t i = 0; i < shown; i++) showBox(report.messages[i].bodyNumber, report.messages[i].body);
+    if (report.messages.size() > shown)
+        tellUser(OwnText::importMoreMessages, {std::to_string(report.messages.size() - shown)});
+    if (report.unknownRecords > 0)
+        statusLine(StatusPart::item, OwnText::importRecordsSkipped, {std::to_string(report.unknownRecords)});
+}
+
+// A copy of a screen has no name of its own, and a name of nothing couldn't be clicked on.
+std::string storedName(const std::string &name, const std::string &baseName) {
+    if (!name.empty()) return name;
+    const std::string other = calculatorName(baseName).substr(0, unnamedLimit);
+    return other.empty() ? "?" : other;
+}
+
+ImportReport readItems(ByteView file, Reader reader, const std::string &baseName) {
+    const ItemId folder = storeTempFolder();
+    ImportReport report;
+    if (folder == noItem) return report;
+    bool refused = false;
+    const ItemSink sink = [&](ImportedItem &item) {
+        const NewItem added{.name = storedName(item.name, baseName),
+                            .parent = folder,
+                            .kind = item.itemKind,
+                            .head = std::move(item.head),
+                            .data = std::move(item.data),
+                            .whenTaken = NameTaken::keepBoth};
+        refused = storeAddItem(added) == noItem;
+        return !refused;
+    };
+    reader(file, sink, report);
+    if (report.items == 0 && report.messages.empty() && !refused)
+        addMessage(report, OwnText::importNothing, {baseName});
+    return report;
+}
+
+void askWhereTo() {
+    const ItemId folder = storeTempFolder();
+    ImportQuestion question{.itemNames = {}, .folderName = importFolderName};
+    for (const ItemEntry &entry : storeListChildren(folder))
+        question.itemNames.push_back(utf8FromCalculator(entry.name));
+    const bool several = question.itemNames.size() >= 2;
+    question.action = several ? ImportAction::oneFolder : ImportAction::standardFolders;
+    userInterface.askImport(question);
+    if (question.action == ImportAction::none) return;
+    if (question.action == ImportAction::oneFolder) importFolderName = question.folderName;
+    finishImport(question.folderName, question.action);
+}
+
+// "/NAME/" in calculator codes; a name of nothing is the top level. Names cut at the limit.
+std::string folderPath(const std::string &folderName) {
+    const std::string name = calculatorFromUtf8(folderName).substr(0, importFolderNameLimit);
+    return name.find_first_not_of(' ') == std::string::npos ? "/" : "/" + name + "/";
+}
+
+// Every item finds a place: what has no folder of its own goes to the top level.
+ItemId standardTarget(ItemKind itemKind) {
+    const ItemId folder = storeStandardFolder(standardFolderOfKind(itemKind));
+    return folder == noItem ? rootId : folder;
+}
+
+void placeItems(const std::string &folderName, ImportAction action) {
+    const bool oneFolder = action == ImportAction::oneFolder;
+    const ItemId folder = oneFolder ? storeResolvePath(folderPath(folderName), true) : noItem;
+    bool placed = !oneFolder || folder != noItem;
+    if (placed) {
+        for (const ItemEntry &entry : storeListChildren(storeTempFolder()))
+            placed = storeMove(entry.id, oneFolder ? folder : standardTarget(entry.kind)) && placed;
+    }
+    // What could not be moved stays where the next attempt finds it.
+    if (placed) storeResetTemp();
+    userInterface.refreshTree();
+}
+
+void transmitItems() {
+    if (!transmitAvailable()) {
+        tellUser(OwnText::importNoTransmission);
+        return;
+    }
+    for (const ItemEntry &entry : storeListChildren(storeTempFolder())) {
+        if (!queueItem(entry.id)) break;
+    }
+    beginTransmit();
+}
+
+// Import shares the graphical thread with the views; a tool without a window has not set a role.
+bool onImportThread() { return threadRole == ThreadRole::graphical || threadRole == ThreadRole::unknown; }
+
+}  // namespace
+
+void importFile(const std::string &path, const std::string &baseName) {
+    assert(onImportThread());
+    if (!userInterface.leaveCurrentView() || !storeResetTemp()) return;
+    Bytes file;
+    const FileResult result = readWholeFile(path, file, importFileLimit);
+    if (result != FileResult::done) return showBox(notOpened, languageText(notOpened) + "\n" + causeOf(result, path));
+    importFolderName = baseName;
+    ByteView rest = file;
+    const Reader reader = readerOf(rest);
+    if (!reader) {
+        tellUser(unknownType);
+        return;
+    }
+    userInterface.waitCursor(true);
+    const ImportReport report = readItems(rest, reader, baseName);
+    userInterface.waitCursor(false);
+    showReport(report);
+    if (report.items > 0) askWhereTo();
+}
+
+void finishImport(const std::string &folderName, ImportAction action) {
+    assert(onImportThread());
+    if (action == ImportAction::oneFolder || action == ImportAction::standardFolders) placeItems(folderName, action);
+    if (action == ImportAction::transmit) transmitItems();
+}
+
+std::string importBaseName(const std::string &path) {
+    const std::string name = path.substr(path.find_last_of('/') + 1);
+    const std::size_t dot = name.find_last_of('.');
+    return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+}  // namespace numalink
