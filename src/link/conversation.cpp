@@ -77,15 +77,16 @@ std::size_t readHead(std::span<std::uint8_t> target, Wait wait) {
     const std::uint64_t start = serialLine.microseconds();
     const ReadLimits limits = limitsOf(wait, target.size());
     std::size_t count = 0;
-    do {
+    bool goesOn = true;
+    while (goesOn && count < target.size()) {
         const std::size_t came = readWithin(target.subspan(count), limits, start);
-        if (came == 0) break;
+        goesOn = count + came == target.size();
         const auto end = target.begin() + static_cast<std::ptrdiff_t>(count + came);
         const auto head = count > 0 ? target.begin() : std::find_if_not(target.begin(), end, isAttention);
         std::copy(head, end, target.begin());
         count = static_cast<std::size_t>(end - head);
         std::ranges::fill(target.subspan(count), std::uint8_t{0});
-    } while (count < target.size());
+    }
     return count;
 }
 

@@ -101,6 +101,7 @@ void startLinkThread() {
     if (linkThread.joinable()) {
         const bool cut = linkConversationRuns();
         stopLinkThread();
+        linkNoticeForget();
         userInterface.statusText(StatusPart::link, 0, "");
         if (cut) linkNotice(OwnText::transferStopped);
     }

@@ -12,6 +12,7 @@ constexpr std::uint64_t noticeMilliseconds = 5000;
 
 struct Notice {
     bool standing = false;
+    bool atRest = false;  // has been shown while the link was idle
     std::uint64_t since = 0;
     int number = 0;
     std::string text;  // empty for one that is shown elsewhere
@@ -34,7 +35,9 @@ void linkNotice(OwnText text, const std::vector<std::string> &arguments) {
     userInterface.statusText(StatusPart::link, shown.number, shown.text);
 }
 
-void linkNoticeShown() { keep({.standing = true, .since = tickCount(), .number = 0, .text = {}}); }
+void linkNoticeShown() { keep({.standing = true, .atRest = true, .since = tickCount(), .number = 0, .text = {}}); }
+
+void linkNoticeForget() { keep({}); }
 
 NoticeState linkNoticeState() {
     const HoldLock hold(noticeLock);
@@ -48,9 +51,11 @@ bool linkNoticeRepeat() {
     Notice shown;
     {
         const HoldLock hold(noticeLock);
+        if (!notice.standing || notice.atRest || notice.text.empty()) return false;
+        notice.atRest = true;
+        notice.since = tickCount();
         shown = notice;
     }
-    if (!shown.standing || shown.text.empty()) return false;
     userInterface.statusText(StatusPart::link, shown.number, shown.text);
     return true;
 }

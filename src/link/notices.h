@@ -15,6 +15,8 @@ void linkNoticeShown();
 
 enum class NoticeState { none, standing, over };  // over: its time has passed, told once
 NoticeState linkNoticeState();
-bool linkNoticeRepeat();  // shows the standing notice again; false when there is none
+bool linkNoticeRepeat();  // the link has come to rest: shows the standing notice once more; false when there is none
+
+void linkNoticeForget();   // ahead of a new start of the link
 
 }  // namespace numalink

@@ -7,6 +7,7 @@
 #include "link/attention.h"
 #include "link/conversation.h"
 #include "link/idle_loop.h"
+#include "link/notices.h"
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"
@@ -267,7 +268,9 @@ std::string playLineScript(const LineScript &script, PlayMode mode) {
     if (!script.fault.empty()) return script.name + ": " + script.fault;
     const ScratchFolder folder;
     PseudoTerminal terminal;
+    const std::uint64_t clock = player.clock + 10000000;
     player = Player{};
+    player.clock = clock;
     player.script = &script;
     player.mode = mode;
     player.terminal = &terminal;
@@ -276,6 +279,7 @@ std::string playLineScript(const LineScript &script, PlayMode mode) {
     installClock();
     if (!storeOpen()) return script.name + ": no library";
     setUpLibrary(script);
+    linkNoticeForget();
     conversationReset();
     conversationLineOpened();
     const unsigned baud = script.algebra ? 38400 : 9600;

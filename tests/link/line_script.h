@@ -28,6 +28,7 @@
 #include <string>
 #include <vector>
 
+#include "calculator/program_info.h"
 #include "platform/bytes.h"
 #include "store/item_store.h"
 

@@ -147,8 +147,9 @@ int run(Options options) {
             std::printf("%s: %d failures\n", own.closed ? "closed" : "ended", own.failures);
             std::fflush(stdout);
             if (options.once) break;
-            own.state = calculator::State::rest;
         }
+        own.state = calculator::State::rest;
+        own.said.clear();
     }
     stop = true;
     timer.join();
