@@ -13,9 +13,12 @@ namespace {
 
 using tool::BigEndian;
 
-constexpr int dotUnits = 100;
-constexpr int unitsPerEm = 1050, ascent = 850, descent = 200, advance = 600, leftEdge = 50;
-constexpr int capHeight = 700, smallHeight = 500;
+// 128 units a dot make a unit exactly 1/64 pixel at 21 pixels, the grain of text engines: no advance is rounded there.
+constexpr int dotUnits = 128;
+constexpr int unitsPerEm = dotUnits * 21 / 2, ascent = dotUnits * 17 / 2, descent = dotUnits * 2;
+constexpr int advance = dotUnits * 6, leftEdge = dotUnits / 2, capHeight = dotUnits * 7, smallHeight = dotUnits * 5;
+static_assert(ascent + descent == unitsPerEm);
+constexpr std::uint32_t madeAt = 3786912000U;  // 2024-01-01 in seconds since 1904; fixed, so that builds are alike
 
 const tool::Glyph hollowBox{{"#####", "#...#", "#...#", "#...#", "#...#", "#...#", "#####"}};
 
@@ -118,7 +121,7 @@ void addHeads(const Face &face, std::map<std::string, std::string> &tables) {
     const long right = leftEdge + 5 * dotUnits;
     BigEndian head;
     head.u32(0x00010000).u32(0x00010000).u32(0).u32(0x5F0F3CF5).u16(0x0001).u16(unitsPerEm);
-    head.u32(0).u32(0).u32(0).u32(0);  // made and changed: no date, so that equal sources give equal files
+    head.u32(0).u32(madeAt).u32(0).u32(madeAt);
     head.u16(leftEdge).u16(0).u16(right).u16(capHeight).u16(0).u16(10).u16(2).u16(1).u16(0);
     tables["head"] = head.bytes;
 

@@ -1,1 +1,58 @@
+// The table of commands, and the way from arguments to the one that runs.
+#include "cli/commands.h"
 
+#include <algorithm>
+#include <cstdio>
+
+#include "cli/terminal_ui.h"
+#include "platform/thread_role.h"
+
+namespace numalink {
+
+namespace {
+
+struct CommandRow {
+    const char *name;
+    const char *summary;
+    CommandRun (*declare)(CLI::App &command);
+};
+
+constexpr CommandRow commandRows[] = {
+    {"import", "Import item files into a library", declareImport},
+    {"link", "Converse with a calculator over a serial line", declareLink},
+    {"list", "List the items of a library", declareList},
+    {"show", "Show one item of a library", declareShow},
+    {"tokens", "Convert between program bytes and text", declareTokens},
+};
+
+}  // namespace
+
+int runCommandLine(int argc, const char *const *argv) {
+    threadRole = ThreadRole::graphical;
+    terminalUiInstall();
+    CLI::App app(
+        "Works on a Numalink library without a window.\nMessages go to standard error, one line each: "
+        "box BODY-TEXT-NUMBER TITLE-TEXT-NUMBER: wording.\nExit status: 0 done, 1 done with messages, 2 not done.",
+        "numalink-cli");
+    app.require_subcommand(1);
+    CommandRun chosen;
+    for (const CommandRow &row : commandRows) {
+        CLI::App *command = app.add_subcommand(row.name, row.summary);
+        const CommandRun run = row.declare(*command);
+        command->callback([&chosen, run] { chosen = run; });
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &fault) {
+        return app.exit(fault) == 0 ? exitDone : exitFailed;
+    }
+    const int status = chosen();
+    return std::max(status, terminalBoxCount() > 0 ? exitShown : exitDone);
+}
+
+int commandFailed(const std::string &wording) {
+    std::fprintf(stderr, "numalink-cli: %s\n", wording.c_str());
+    return exitFailed;
+}
+
+}  // namespace numalink

@@ -1,2 +1,4 @@
 // numalink-cli: the library without a window.
-int main() { return 0; }
+#include "cli/commands.h"
+
+int main(int argc, char **argv) { return numalink::runCommandLine(argc, argv); }

@@ -58,6 +58,7 @@ inline std::string_view restOf(const CatReader &reader) { return reader.file.sub
 std::string_view lineOf(const CatReader &reader);  // up to its CR or the file's end
 bool nextLine(CatReader &reader);                  // false, with nothing moved, when no CR lies ahead
 bool atEndMark(const CatReader &reader);           // "%end" with nothing but a line end behind it
+bool atRecordStart(const CatReader &reader);       // at the head of a line that starts a record
 bool isBlank(std::string_view line);
 std::string excerpt(std::string_view text);  // its first 50 bytes for a message
 

@@ -151,13 +151,10 @@ void transmitItems() {
     beginTransmit();
 }
 
-// Import shares the graphical thread with the views; a tool without a window has not set a role.
-bool onImportThread() { return threadRole == ThreadRole::graphical || threadRole == ThreadRole::unknown; }
-
 }  // namespace
 
 void importFile(const std::string &path, const std::string &baseName) {
-    assert(onImportThread());
+    assertRole(ThreadRole::graphical);
     if (!userInterface.leaveCurrentView() || !storeResetTemp()) return;
     Bytes file;
     const FileResult result = readWholeFile(path, file, importFileLimit);
@@ -177,7 +174,7 @@ void importFile(const std::string &path, const std::string &baseName) {
 }
 
 void finishImport(const std::string &folderName, ImportAction action) {
-    assert(onImportThread());
+    assertRole(ThreadRole::graphical);
     if (action == ImportAction::oneFolder || action == ImportAction::standardFolders) placeItems(folderName, action);
     if (action == ImportAction::transmit) transmitItems();
 }

@@ -158,6 +158,13 @@ bool atEndMark(const CatReader &reader) {
     return rest.size() == endMark.size() || rest[endMark.size()] == '\r' || rest[endMark.size()] == '\n';
 }
 
+// Inside of data it tells that the "%End" of this record is missing.
+bool atRecordStart(const CatReader &reader) {
+    if (reader.at >= reader.file.size() || reader.file[reader.at] != '%') return false;
+    const bool lineHead = reader.at == 0 || reader.file[reader.at - 1] == '\n' || reader.file[reader.at - 1] == '\r';
+    return lineHead && equalWithoutCase(lineOf(reader), recordStart);
+}
+
 // The end mark of old text files counts as nothing.
 bool isBlank(std::string_view line) {
     return line.find_first_not_of(std::string_view(" \t\n\x1A\0", 5)) == std::string_view::npos;
@@ -182,7 +189,7 @@ bool catUnreadable(CatReader &reader) {
 
 bool skipCatData(CatReader &reader) {
     while (!atEndMark(reader)) {
-        if (!nextLine(reader)) return catFormatError(reader);
+        if (atRecordStart(reader) || !nextLine(reader)) return catFormatError(reader);
     }
     return true;
 }

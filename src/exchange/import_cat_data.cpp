@@ -230,7 +230,7 @@ bool readCatText(CatReader &reader, ItemKind itemKind) {
     }
     Bytes data(1, ':');
     while (!atEndMark(reader)) {
-        if (reader.at == reader.file.size()) return catFormatError(reader);
+        if (reader.at == reader.file.size() || atRecordStart(reader)) return catFormatError(reader);
         const std::size_t used = readWord(reader.file, reader.at, data);
         if (used == 0) return catUnreadable(reader);
         reader.at += used;
@@ -256,7 +256,7 @@ bool readCatPicture(CatReader &reader) {
     planes.bad = !fits || planes.pixels == 0;
     for (; !atEndMark(reader);) {
         if (!planes.bad) addPlaneLine(planes, lineOf(reader));
-        if (!nextLine(reader)) return catFormatError(reader);
+        if (atRecordStart(reader) || !nextLine(reader)) return catFormatError(reader);
     }
     if (planes.bad || planes.data.size() != planes.expected) return sizesDiffer(reader, name);
     return deliver({kind::picture, name, head, std::move(planes.data)}, *reader.sink, *reader.report);
@@ -275,7 +275,7 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     clearTable(table);
     while (!atEndMark(reader)) {
         addValueLine(table, lineOf(reader));
-        if (!nextLine(reader)) return catFormatError(reader);
+        if (atRecordStart(reader) || !nextLine(reader)) return catFormatError(reader);
     }
     tellValues(reader, table, name);
     Bytes head = startHead(reader, {table.rows, table.columns}, name, valueFieldsEnd);

@@ -38,7 +38,7 @@ struct Groups {
 std::optional<std::size_t> findMark(ByteView file, std::size_t from, ByteView mark) {
     if (from >= file.size()) return std::nullopt;
     const ByteView rest = file.subspan(from);
-    const auto hit = std::ranges::search(rest, mark).begin();
+    const auto hit = std::search(rest.begin(), rest.end(), mark.begin(), mark.end());
     const std::size_t place = from + static_cast<std::size_t>(hit - rest.begin());
     if (hit == rest.end() || file.size() - place < searchMargin) return std::nullopt;
     return place;

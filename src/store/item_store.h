@@ -53,6 +53,11 @@ struct NewItem {
     std::uint32_t flags = 0;  // folders only
 };
 
+struct ItemMove {
+    ItemId id = noItem;
+    ItemId newParent = rootId;
+};
+
 // False when the library can't be used, with the cause told. A library that some other program holds gives false
 // after nothing but its box (text 33).
 bool storeOpen();
@@ -74,11 +79,16 @@ ItemId storeNextId();
 // The id of the new item, or noItem when it was refused (told): a full table, no such parent folder, no room.
 // With renamed given, it tells the name under which the item came to stand.
 ItemId storeAddItem(const NewItem &item, std::string *renamed = nullptr);
+// The same for many, in one change that the disk is waited for once: all of them or none. Names stay as they are, taken
+// or not, as with keepBoth. Their ids in the same order; empty when refused (told).
+std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items);
 // Replaces name, parent, kind and payloads of an item that exists, under its own id, and nothing else.
 bool storeWriteItem(ItemId id, const NewItem &item);
 bool storeRewriteHead(ItemId id, ByteView head);  // in place; refused unless exactly headSize bytes
 bool storeRename(ItemId id, std::string_view name);
 bool storeMove(ItemId id, ItemId newParent);  // refused for a folder into itself or below itself
+// Many at once, all of them or none; refused with a folder among several.
+bool storeMoveItems(const std::vector<ItemMove> &moves);
 bool storeSetFlags(ItemId id, std::uint32_t value);
 std::uint32_t storeGetFlags(ItemId id);  // 0 when there is no such item
 bool storeDelete(ItemId id);             // with all that a folder holds

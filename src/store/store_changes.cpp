@@ -44,13 +44,11 @@ bool readClosedUp(const std::vector<Gap> &gaps, std::uint32_t end, Bytes &closed
     return true;
 }
 
-Bytes bytesOf(const NewRecord &record) {
-    Bytes bytes(sizeof record.head);
-    bytes.reserve(sizeof record.head + record.firstPayload.size() + record.secondPayload.size());
-    std::memcpy(bytes.data(), &record.head, sizeof record.head);
+void appendRecord(Bytes &bytes, const NewRecord &record) {
+    const auto *head = reinterpret_cast<const std::uint8_t *>(&record.head);
+    bytes.insert(bytes.end(), head, head + sizeof record.head);
     bytes.insert(bytes.end(), record.firstPayload.begin(), record.firstPayload.end());
     bytes.insert(bytes.end(), record.secondPayload.begin(), record.secondPayload.end());
-    return bytes;
 }
 
 // Where the next record goes, -1 when the file doesn't tell. In a damaged file, whose head may lie, behind everything.
@@ -82,6 +80,24 @@ void appendSlot(StoreState &next, const NewRecord &added, std::uint32_t offset) 
     next.main.endOffset = offset + static_cast<std::uint32_t>(recordSize(added.head));
 }
 
+// Hands over the new records, which go side by side to one place, and gives their bytes.
+Fault appendRecords(StoreState &next, std::span<const NewRecord> added, Bytes &records) REQUIRES_LOCK(storeLock) {
+    if (added.empty()) return Fault::none;
+    if (next.slots.size() + added.size() > storeSlotCount) return Fault::full;
+    const std::int64_t place = placeForRecord();
+    std::uint64_t size = 0;
+    for (const NewRecord &record : added) size += recordSize(record.head);
+    if (place < 0 || static_cast<std::uint64_t>(place) + size > UINT32_MAX) return Fault::tooLarge;
+    records.reserve(static_cast<std::size_t>(size));
+    for (const NewRecord &record : added) {
+        appendSlot(next, record, static_cast<std::uint32_t>(static_cast<std::uint64_t>(place) + records.size()));
+        appendRecord(records, record);
+    }
+    changeWrite(static_cast<std::uint64_t>(place), records);
+    changeBarrier();
+    return Fault::none;
+}
+
 }  // namespace
 
 Bytes bytesOf(const MainHeader &main) {
@@ -110,32 +126,24 @@ Fault prepareChange() {
     return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
 }
 
-// The order on the disk: the new record, the head that knows it and no longer the old ones, then the records moved
+// The order on the disk: the new records, the head that knows them and no longer the old ones, then the records moved
 // together, then the head with their new places.
-Fault changeRecords(const std::vector<bool> &leaving, const NewRecord *added, std::uint32_t nextId) {
+Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId) {
     if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
     StoreState next = withoutSlots(leaving);
     next.main.nextId = nextId;
-    if (added && next.slots.size() >= storeSlotCount) return Fault::full;
     changeBegin();
-    Bytes record;
-    if (added) {
-        const std::int64_t place = placeForRecord();
-        record = bytesOf(*added);
-        if (place < 0 || static_cast<std::uint64_t>(place) + record.size() > UINT32_MAX) return Fault::tooLarge;
-        appendSlot(next, *added, static_cast<std::uint32_t>(place));
-        changeWrite(static_cast<std::uint64_t>(place), record);
-        changeBarrier();
-    }
+    Bytes records;
+    if (const Fault fault = appendRecords(next, added, records); fault != Fault::none) return fault;
     const std::vector<Gap> gaps = gapsOf(leaving);
     if (!gaps.empty() && !storeState.damaged) {
-        if (added) {
+        if (!added.empty()) {
             changeWrite(0, bytesOf(next.main));
             changeBarrier();
         }
         Bytes closedUp;
         if (!readClosedUp(gaps, storeState.main.endOffset, closedUp)) return Fault::notWritten;
-        closedUp.insert(closedUp.end(), record.begin(), record.end());
+        closedUp.insert(closedUp.end(), records.begin(), records.end());
         if (!closedUp.empty()) changeWrite(gaps.front().offset, std::move(closedUp));
         changeBarrier();
         for (std::size_t slot = 0; slot < next.slots.size(); slot++)
@@ -148,15 +156,19 @@ Fault changeRecords(const std::vector<bool> &leaving, const NewRecord *added, st
     return fault;
 }
 
-Fault changeInPlace(std::size_t slot, std::size_t offset, ByteView bytes) {
+Fault changeInPlace(std::span<const Patch> patches) {
     if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
     changeBegin();
-    changeWrite(std::uint64_t{storeState.main.offsets[slot]} + offset, Bytes(bytes.begin(), bytes.end()));
+    for (const Patch &patch : patches)
+        changeWrite(std::uint64_t{storeState.main.offsets[patch.slot]} + patch.offset, patch.bytes);
     const Fault fault = faultOf(changeCommit());
-    ItemHeader &head = storeState.slots[slot].head;
-    if (fault == Fault::none && offset + bytes.size() <= sizeof head)
-        std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + offset, bytes.data(), bytes.size());
-    return fault;
+    if (fault != Fault::none) return fault;
+    for (const Patch &patch : patches) {
+        ItemHeader &head = storeState.slots[patch.slot].head;
+        if (patch.offset + patch.bytes.size() <= sizeof head)
+            std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + patch.offset, patch.bytes.data(), patch.bytes.size());
+    }
+    return Fault::none;
 }
 
 Fault changeHead() {

@@ -2,6 +2,7 @@
 // On any fault neither the file nor the state in memory has changed. Only store/ includes this.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "store/store_state.h"
@@ -14,13 +15,18 @@ struct NewRecord {
     ByteView secondPayload;
 };
 
-// Removes the records marked in leaving (by slot; empty for none), closing the gaps, and puts added, unless null,
-// behind the last. The new record is safe before an old one goes. nextId becomes the store's next id.
-Fault changeRecords(const std::vector<bool> &leaving, const NewRecord *added, std::uint32_t nextId)
+// Removes the records marked in leaving (by slot; empty for none), closing the gaps, and puts the added ones behind the
+// last. The new records are safe before an old one goes. nextId becomes the store's next id.
+Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId)
     REQUIRES_LOCK(storeLock);
 
-// Replaces bytes of a record in place; offset counts from the record's beginning.
-Fault changeInPlace(std::size_t slot, std::size_t offset, ByteView bytes) REQUIRES_LOCK(storeLock);
+// Bytes of a record that are replaced where they lie; offset counts from the record's beginning.
+struct Patch {
+    std::size_t slot;
+    std::size_t offset;
+    Bytes bytes;
+};
+Fault changeInPlace(std::span<const Patch> patches) REQUIRES_LOCK(storeLock);
 
 Fault changeHead() REQUIRES_LOCK(storeLock);  // writes the head record
 

@@ -32,12 +32,16 @@ void markDoubledIds(std::vector<Slot> &slots) {
         if (slots[order[i]].head.id == slots[order[i - 1]].head.id) slots[order[i]].sound = false;
 }
 
-// Of two records that overlap, the one that reaches over the other's head lies about its size.
+// Of two records that overlap, the one that reaches over the other's head lies about its size. From the last on, so
+// that one which lies is no witness against those ahead of it.
 void markOverlaps(const MainHeader &main, std::vector<Slot> &slots) {
+    std::uint64_t nextStart = UINT64_MAX;
     const auto order = soundSlotsBy(slots, [&](std::size_t slot) { return main.offsets[slot]; });
-    for (std::size_t i = 1; i < order.size(); i++) {
-        const std::size_t before = order[i - 1];
-        if (main.offsets[before] + recordSize(slots[before].head) > main.offsets[order[i]]) slots[before].sound = false;
+    for (auto slot = order.rbegin(); slot != order.rend(); slot++) {
+        if (main.offsets[*slot] + recordSize(slots[*slot].head) > nextStart)
+            slots[*slot].sound = false;
+        else
+            nextStart = main.offsets[*slot];
     }
 }
 
@@ -90,8 +94,8 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
     for (std::size_t slot = 0; slot < slots.size(); slot++)
         slots[slot].sound =
             main.offsets[slot] >= sizeof main && recordIsSound(slots[slot], main.offsets[slot], fileSize);
-    markDoubledIds(slots);
     markOverlaps(main, slots);
+    markDoubledIds(slots);
     // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
     if (main.itemCount > storeSlotCount)
         while (!slots.empty() && !slots.back().sound) slots.pop_back();

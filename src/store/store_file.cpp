@@ -11,8 +11,8 @@ Lock storeLock;
 namespace {
 
 constexpr int noFile = -1;
-constexpr std::size_t copyBlockSize = 1024 * 1024;
-constexpr int copyLimit = 1000;  // damaged files kept beside the library
+constexpr std::size_t copyBlockSize = 64 * 1024;  // bytes
+constexpr int copyLimit = 1000;                   // damaged files kept beside the library
 
 enum class StepKind { write, barrier, cut };
 

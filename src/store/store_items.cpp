@@ -85,8 +85,10 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     if (slot == noSlot) return Fault::absent;
     if (!fitsRecord(item)) return Fault::tooLarge;
     if (const Fault fault = parentFault(slot, item.parent); fault != Fault::none) return fault;
+    const bool becomesFolder = isFolderKind(item.kind) && !isFolderKind(storeState.slots[slot].head.kind);
+    if (becomesFolder && liesWithin(item.parent, id)) return Fault::intoItself;
     const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
-    return changeRecords(marked(slot), &record, storeState.main.nextId);
+    return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
 }
 
 Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
@@ -108,6 +110,15 @@ Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
     return Fault::none;
 }
 
+// The first id from this one on that a new item may have, or noItem when all are used up. Passed over is what a record
+// without a folder names as its parent, so that nothing comes to lie in a folder that it never was in, and the id of a
+// record with damage.
+ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
+    const auto names = [&](const Slot &slot) { return slot.head.parent == id || slot.head.id == id; };
+    while (id < noItem && std::ranges::any_of(storeState.slots, names)) id++;
+    return id;
+}
+
 // Runs one change of an existing record with the lock held, and tells its fault without it.
 template <typename Change>
 bool changeItem(ItemId id, Change change) {
@@ -120,10 +131,43 @@ bool changeItem(ItemId id, Change change) {
     return storeTold(fault);
 }
 
-Fault changeNumber(std::size_t slot, std::size_t offset, std::uint32_t value) REQUIRES_LOCK(storeLock) {
-    std::uint8_t bytes[4];
-    writeLittle32(bytes, 0, value);
-    return changeInPlace(slot, offset, bytes);
+Fault patchOne(std::size_t slot, std::size_t offset, ByteView bytes) REQUIRES_LOCK(storeLock) {
+    const Patch patch{slot, offset, {bytes.begin(), bytes.end()}};
+    return changeInPlace({&patch, 1});
+}
+
+Patch numberPatch(std::size_t slot, std::size_t offset, std::uint32_t value) {
+    Patch patch{slot, offset, Bytes(sizeof value)};
+    writeLittle32(patch.bytes, 0, value);
+    return patch;
+}
+
+Fault addItems(const std::vector<NewItem> &items, std::vector<ItemId> &ids) REQUIRES_LOCK(storeLock) {
+    std::vector<NewRecord> records;
+    ItemId nextId = storeState.main.nextId;
+    for (const NewItem &item : items) {
+        const ItemId id = freshId(nextId);
+        if (id == noItem) return Fault::full;
+        if (!isFolderId(item.parent)) return Fault::noFolder;
+        if (!fitsRecord(item)) return Fault::tooLarge;
+        records.push_back({makeHead(item, storedName(item.name), id), item.head, item.data});
+        ids.push_back(id);
+        nextId = id + 1;
+    }
+    return changeRecords({}, records, nextId);
+}
+
+Fault moveItems(const std::vector<ItemMove> &moves) REQUIRES_LOCK(storeLock) {
+    std::vector<Patch> patches;
+    for (const ItemMove &move : moves) {
+        const std::size_t slot = slotOfId(move.id);
+        if (slot == noSlot) return Fault::absent;
+        // Two folders moved at once could come to hold each other, each move being sound by itself.
+        if (moves.size() > 1 && isFolderKind(storeState.slots[slot].head.kind)) return Fault::intoItself;
+        if (const Fault fault = parentFault(slot, move.newParent); fault != Fault::none) return fault;
+        patches.push_back(numberPatch(slot, offsetof(ItemHeader, parent), move.newParent));
+    }
+    return changeInPlace(patches);
 }
 
 template <typename Fits>
@@ -143,7 +187,8 @@ std::vector<ItemEntry> entriesWhere(Fits fits) {
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     id = noItem;
     if (!storeState.open) return Fault::absent;
-    if (storeState.main.nextId >= noItem) return Fault::full;
+    const ItemId newId = freshId(storeState.main.nextId);
+    if (newId == noItem) return Fault::full;
     if (!isFolderId(item.parent)) return Fault::noFolder;
     if (!fitsRecord(item)) return Fault::tooLarge;
     std::string name(storedName(item.name));
@@ -153,9 +198,8 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
         name = freeName(name, item.parent, item.kind);
         if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
     }
-    const ItemId newId = storeState.main.nextId;
     const NewRecord record{makeHead(item, name, newId), head, item.data};
-    const Fault fault = changeRecords(marked(replaced), &record, newId + 1);
+    const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
     id = newId;
     if (renamed) *renamed = name;
@@ -168,11 +212,11 @@ Fault resetTemp() {
         const Slot &candidate = storeState.slots[slot];
         if (candidate.sound && candidate.head.kind == kind::temporaryFolder) markWithContents(leaving, slot);
     }
-    if (storeState.main.nextId >= noItem) return Fault::full;
-    const ItemId id = storeState.main.nextId;
+    const ItemId id = freshId(storeState.main.nextId);
+    if (id == noItem) return Fault::full;
     const NewItem temp{.name = "temp", .kind = kind::temporaryFolder, .head = {}, .data = {}};
     const NewRecord record{makeHead(temp, temp.name, id), {}, {}};
-    return changeRecords(leaving, &record, id + 1);
+    return changeRecords(leaving, {&record, 1}, id + 1);
 }
 
 int storeFindSlot(ItemId id) {
@@ -219,6 +263,17 @@ ItemId storeAddItem(const NewItem &item, std::string *renamed) {
     return id;
 }
 
+std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items) {
+    std::vector<ItemId> ids;
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = addItems(items, ids);
+    }
+    if (!storeTold(fault)) ids.clear();
+    return ids;
+}
+
 bool storeWriteItem(ItemId id, const NewItem &item) {
     Fault fault = Fault::none;
     {
@@ -231,7 +286,7 @@ bool storeWriteItem(ItemId id, const NewItem &item) {
 bool storeRewriteHead(ItemId id, ByteView head) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
         if (head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
-        return head.empty() ? Fault::none : changeInPlace(slot, sizeof(ItemHeader), head);
+        return head.empty() ? Fault::none : patchOne(slot, sizeof(ItemHeader), head);
     });
 }
 
@@ -239,20 +294,25 @@ bool storeRename(ItemId id, std::string_view name) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
         std::uint8_t field[sizeof(ItemHeader::name)] = {};
         std::ranges::copy(storedName(name), field);
-        return changeInPlace(slot, offsetof(ItemHeader, name), field);
+        return patchOne(slot, offsetof(ItemHeader, name), field);
     });
 }
 
-bool storeMove(ItemId id, ItemId newParent) {
-    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
-        const Fault fault = parentFault(slot, newParent);
-        return fault != Fault::none ? fault : changeNumber(slot, offsetof(ItemHeader, parent), newParent);
-    });
+bool storeMove(ItemId id, ItemId newParent) { return storeMoveItems({{id, newParent}}); }
+
+bool storeMoveItems(const std::vector<ItemMove> &moves) {
+    Fault fault = Fault::none;
+    {
+        const HoldLock hold(storeLock);
+        fault = moveItems(moves);
+    }
+    return storeTold(fault);
 }
 
 bool storeSetFlags(ItemId id, std::uint32_t value) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
-        return changeNumber(slot, offsetof(ItemHeader, flags), value);
+        const Patch patch = numberPatch(slot, offsetof(ItemHeader, flags), value);
+        return changeInPlace({&patch, 1});
     });
 }
 
@@ -265,7 +325,7 @@ bool storeDelete(ItemId id) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
         std::vector<bool> leaving(storeState.slots.size());
         markWithContents(leaving, slot);
-        return changeRecords(leaving, nullptr, storeState.main.nextId);
+        return changeRecords(leaving, {}, storeState.main.nextId);
     });
 }
 

@@ -73,8 +73,9 @@ std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) {
     for (std::uint32_t number = 2;; number++) {
         const auto taken = [&](const ItemHeader &head) { return isNamed(head, candidate, parent); };
         if (lowestSlot(taken) == noSlot) return candidate;
-        const std::string ending = " " + std::to_string(number);
-        candidate = std::string(name.substr(0, nameLimitOf(itemKind) - ending.size())) + ending;
+        const std::string digits = std::to_string(number);
+        candidate = name.substr(0, nameLimitOf(itemKind) - digits.size() - 1);
+        candidate.append(" ").append(digits);
     }
 }
 

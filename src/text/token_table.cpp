@@ -137,9 +137,11 @@ const TokenRecord *asciiToToken(std::string_view text) {
         const auto next = [&](RecordNumber number) {
             return static_cast<std::uint8_t>(records[number].asciiText[depth]);
         };
-        const auto same = std::ranges::equal_range(words, static_cast<std::uint8_t>(text[depth]), {}, next);
-        if (text[depth] == '\0') break;
-        words = {same.begin(), same.end()};
+        const auto wanted = static_cast<std::uint8_t>(text[depth]);
+        if (wanted == 0) break;
+        const auto first = std::ranges::lower_bound(words, wanted, {}, next);
+        const auto last = std::ranges::upper_bound(words, wanted, {}, next);
+        words = {first, last};
     }
     return longest;
 }

@@ -1,0 +1,125 @@
+// Any bytes as storage.dat: opened, walked, changed in a few ways that the bytes choose, and opened anew. What was
+// sound when it opened must still be there, and a file that the store has made sound must open as sound.
+#include <cstdio>
+#include <cstdlib>
+
+#include "../tests/support/memory_file.h"
+#include "platform/program_folder.h"
+#include "store/item_store.h"
+#include "store/store_records.h"
+
+namespace {
+
+using namespace numalink;
+
+#define REQUIRE(holds) ((holds) ? void() : brokenAt(__LINE__))
+
+[[noreturn]] void brokenAt(int line) {
+    std::fprintf(stderr, "line %d: what must hold doesn't\n", line);
+    std::abort();
+}
+
+NewItem someItem(std::uint8_t choice, ItemId parent) {
+    constexpr ItemKind kinds[] = {kind::program, kind::matrix, kind::folder, kind::temporaryFolder};
+    NewItem item;
+    item.name = std::string(choice % 60, static_cast<char>(choice));
+    item.parent = parent;
+    item.kind = kinds[choice % 4];
+    if (item.kind < kind::folder) item.data = Bytes(choice, choice);
+    item.whenTaken = static_cast<NameTaken>(choice / 4 % 3);
+    return item;
+}
+
+// One operation on the item that stands at the place chosen.
+void change(std::uint8_t operation, std::uint8_t choice) {
+    const std::vector<ItemEntry> items = storeListItems();
+    const ItemId id = items.empty() ? choice : items[choice % items.size()].id;
+    const ItemId other = items.empty() ? rootId : items[operation % items.size()].id;
+    switch (operation % 9) {
+        case 0:
+            storeAddItem(someItem(choice, other));
+            break;
+        case 1:
+            storeAddItem(someItem(choice, rootId));
+            break;
+        case 2:
+            storeWriteItem(id, someItem(choice, other));
+            break;
+        case 3:
+            storeDelete(id);
+            break;
+        case 4:
+            storeMove(id, other);
+            break;
+        case 5:
+            storeRename(id, std::string(choice, 'r'));
+            break;
+        case 6:
+            storeResetTemp();
+            break;
+        case 7:
+            storeResolvePath("/" + std::string(1, static_cast<char>(choice)) + "/temp/", true);
+            break;
+        default:
+            storeStandardFolder(1000 + choice % 14U);
+    }
+}
+
+// Which sound items there are, with the payloads that can be read.
+std::size_t readAll() {
+    const std::vector<ItemEntry> items = storeListItems();
+    for (const ItemEntry &entry : items) {
+        StoredItem item;
+        REQUIRE(storeReadItem(entry.id, item) && item.head.size() == entry.headSize &&
+                item.data.size() == entry.dataSize);
+        REQUIRE(item.name == entry.name && item.name.size() <= storeNameLimit);
+        REQUIRE(storeReadEntry(entry.id).has_value() && storeFindSlot(entry.id) >= 0 && entry.id < storeNextId());
+    }
+    return items.size();
+}
+
+// The file that the bytes stand for. Ahead of the records stand the four numbers of the head and the offsets of the
+// slots, without the rest of the 8,032 bytes; with a count of 255 the bytes are the file.
+Bytes fileOf(const std::uint8_t *data, std::size_t size) {
+    const std::size_t count = size > 0 ? data[0] : 255;
+    const std::size_t numbers = 1 + 16 + 4 * count;
+    if (count == 255 || size < numbers) return {data + std::min<std::size_t>(1, size), data + size};
+    MainHeader main{};
+    std::memcpy(main.signature, mainSignature, sizeof mainSignature);
+    std::memcpy(&main.formatNumber, data + 1, 12);
+    std::memcpy(&main.nextId, data + 13, 4);
+    std::memcpy(main.offsets, data + 17, 4 * count);
+    Bytes file(sizeof main);
+    std::memcpy(file.data(), &main, sizeof main);
+    file.insert(file.end(), data + numbers, data + size);
+    return file;
+}
+
+}  // namespace
+
+// The last 8 bytes choose the operations, the rest is the file.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    static constexpr std::size_t choices = 8;
+    if (size < choices) return 0;
+    setLibraryFolder("/library/");
+    const MemoryFiles disk;
+    Bytes &file = memoryDisk.files["/library/storage.dat"];
+    const Bytes before = fileOf(data, size - choices);
+    file = before;
+    const bool opened = storeOpen();
+    const bool damaged = storeIsDamaged();
+    REQUIRE((opened && !damaged) || file == before);
+    if (!opened) return 0;
+    readAll();
+    for (const std::uint8_t *choice = data + size - choices; choice < data + size; choice += 2)
+        change(choice[0], choice[1]);
+    const std::size_t count = readAll();
+    storeClose();
+    REQUIRE(storeOpen());
+    REQUIRE(damaged || !storeIsDamaged());
+    // An opening that is sound empties the temp folder; one that isn't may find more, such as the second of two records
+    // of one id when the first has gone.
+    REQUIRE(readAll() >= count || !storeIsDamaged());
+    storeClose();
+    return 0;
+}

@@ -1,0 +1,28 @@
+// The command line: one row a command, each command in a file of its own. Exit status: 0 when all was done and
+// nothing had to be shown, 1 when a box was shown, 2 when something could not be done.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace numalink {
+
+inline constexpr int exitDone = 0;
+inline constexpr int exitShown = 1;
+inline constexpr int exitFailed = 2;
+
+using CommandRun = std::function<int()>;
+
+// Each declares its options on command and gives what runs once they are parsed.
+CommandRun declareImport(CLI::App &command);
+CommandRun declareLink(CLI::App &command);
+CommandRun declareList(CLI::App &command);
+CommandRun declareShow(CLI::App &command);
+CommandRun declareTokens(CLI::App &command);
+
+int runCommandLine(int argc, const char *const *argv);
+
+// Says on standard error what could not be done; always exitFailed.
+int commandFailed(const std::string &wording);
+
+}  // namespace numalink

@@ -1,0 +1,58 @@
+#include "cli/library_session.h"
+
+#include <charconv>
+#include <filesystem>
+
+#include "calculator/charset.h"
+#include "platform/program_folder.h"
+#include "settings/language_table.h"
+#include "settings/settings_store.h"
+#include "store/item_store.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr char fallbackLanguage[] = "English";
+
+// The item of this name in the folder at path, or noItem.
+ItemId findInFolder(std::string_view folderPath, std::string_view name) {
+    const ItemId folder = storeResolvePath(folderPath, false);
+    return folder == noItem ? noItem : storeFindItem(name, folder);
+}
+
+}  // namespace
+
+LibrarySession::LibrarySession(const std::string &folder) {
+    std::error_code ignored;  // storeOpen tells that there is no such folder
+    std::filesystem::create_directories(folder, ignored);
+    setLibraryFolder(folder);
+    loadTables();
+    open = storeOpen();
+}
+
+LibrarySession::~LibrarySession() { storeClose(); }
+
+bool loadTables() {
+    settingsLoad();
+    languageLoad(settingsValue(setting::language), fallbackLanguage);
+    return tokenTableLoad();
+}
+
+ItemId findItem(const std::string &item) {
+    ItemId id = 0;
+    const auto [end, error] = std::from_chars(item.data(), item.data() + item.size(), id);
+    if (error == std::errc{} && end == item.data() + item.size()) return storeReadEntry(id) ? id : noItem;
+    std::string path = calculatorFromUtf8(item);
+    if (!path.starts_with('/')) path.insert(0, "/");
+    // A name may hold "/" itself: the shortest name that is found counts.
+    for (std::size_t slash = path.rfind('/'); slash != std::string::npos;
+         slash = slash == 0 ? std::string::npos : path.rfind('/', slash - 1)) {
+        const ItemId found = findInFolder(path.substr(0, slash + 1), path.substr(slash + 1));
+        if (found != noItem) return found;
+    }
+    return noItem;
+}
+
+}  // namespace numalink

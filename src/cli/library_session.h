@@ -1,0 +1,27 @@
+// A library folder opened for one command, and how a command names an item in it.
+#pragma once
+
+#include <string>
+
+#include "calculator/item_kinds.h"
+
+namespace numalink {
+
+// Makes the folder when it is absent; loads settings, wording and token table; opens storage.dat. What fails has been
+// told. Closes the library with the object.
+struct LibrarySession {
+    explicit LibrarySession(const std::string &folder);
+    ~LibrarySession();
+    LibrarySession(const LibrarySession &) = delete;
+    LibrarySession &operator=(const LibrarySession &) = delete;
+
+    bool open = false;
+};
+
+// Wording and token table beside the program, with the settings of the library folder. False without a token table.
+bool loadTables();
+
+// An id, or a path such as "/Programs/SNAKE" in UTF-8. noItem when there is none.
+ItemId findItem(const std::string &item);
+
+}  // namespace numalink

@@ -1,0 +1,53 @@
+#include "cli/terminal_ui.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace numalink {
+
+namespace {
+
+int boxCount = 0;
+ImportAction importAction = ImportAction::none;
+std::string importFolder;
+
+std::string onOneLine(std::string text) {
+    std::ranges::replace_if(
+        text, [](char code) { return code >= 0 && code < ' '; }, ' ');
+    return text;
+}
+
+Answer showBox(const Box &box) {
+    boxCount++;
+    std::fprintf(stderr, "box %d %d: %s\n", box.bodyNumber, box.titleNumber, onOneLine(box.body).c_str());
+    return box.buttons == BoxButtons::ok ? Answer::ok : Answer::cancel;
+}
+
+void answerImport(ImportQuestion &question) {
+    if (importAction == ImportAction::none) return;
+    question.action = importAction;
+    if (importAction == ImportAction::oneFolder) question.folderName = importFolder;
+}
+
+}  // namespace
+
+void terminalUiInstall() {
+    boxCount = 0;
+    importAction = ImportAction::none;
+    importFolder.clear();
+    userInterface = userInterfaceSilent;
+    userInterface.messageBox = showBox;
+    userInterface.askImport = answerImport;
+    userInterface.statusText = [](StatusPart, int, const std::string &text) {
+        if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
+    };
+}
+
+int terminalBoxCount() { return boxCount; }
+
+void terminalImportAnswer(ImportAction action, const std::string &folderName) {
+    importAction = action;
+    importFolder = folderName;
+}
+
+}  // namespace numalink

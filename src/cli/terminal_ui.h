@@ -1,0 +1,16 @@
+// The user interface of the command line: boxes are lines of standard error, questions are answered beforehand.
+#pragma once
+
+#include <string>
+
+#include "platform/user_interface.h"
+
+namespace numalink {
+
+void terminalUiInstall();  // also forgets what was shown and the answers
+int terminalBoxCount();
+
+// The answer to the next import questions; none leaves each as it is preset.
+void terminalImportAnswer(ImportAction action, const std::string &folderName);
+
+}  // namespace numalink

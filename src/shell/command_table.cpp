@@ -1,0 +1,58 @@
+#include "shell/command_table.h"
+
+#include <algorithm>
+
+#include "shell/command_handler.h"
+#include "shell/start_up.h"
+
+namespace numalink {
+
+namespace {
+
+using enum MenuPosition;
+
+// In the order of the menus.
+constexpr Command commands[] = {
+    // id, menu, separator, text, key, tip, at start, working, selection, stores first, handler
+    {command::open, file, false, 73, "Ctrl+O", OwnText::tipOpen, true, true, false, false, openFiles},
+    {command::save, file, false, 74, "Ctrl+S", OwnText::tipSave, true, false, false, true, nullptr},
+    {command::settings, file, true, 75, "", OwnText::tipSettings, true, false, false, false, nullptr},
+    {command::exit, file, false, 76, "", OwnText::tipExit, true, true, false, false, exitProgram},
+    {command::newFolder, item, false, 122, "", OwnText::tipNewFolder, true, true, false, false, newFolder},
+    {command::newProgram, item, false, 77, "", OwnText::tipNewProgram, true, true, false, false, newProgram},
+    {command::rename, item, false, 78, "F2", OwnText::tipRename, false, true, true, true, renameSelectedItem},
+    {command::remove, item, false, 79, "", OwnText::tipDelete, false, true, true, false, deleteWithQuestion},
+    {command::transmit, item, true, 81, "F6", OwnText::tipTransmit, false, false, true, true, nullptr},
+    {command::queue, item, false, 82, "F8", OwnText::tipQueue, false, false, true, true, nullptr},
+    {command::emulate, item, true, 83, "F7", OwnText::tipEmulate, false, false, true, true, nullptr},
+    {command::password, item, false, 84, "", OwnText::tipPassword, false, false, true, false, nullptr},
+    {command::saveBitmap, item, true, 85, "", OwnText::tipSaveBitmap, false, false, true, false, nullptr},
+    {command::find, edit, false, 86, "Ctrl+F", OwnText::tipFind, false, false, false, false, nullptr},
+    {command::findAgain, edit, false, 87, "F3", OwnText::tipFindAgain, false, false, false, false, nullptr},
+    {command::refresh, edit, false, 88, "F5", OwnText::tipRefresh, false, false, false, false, nullptr},
+    {command::screenshot, emulator, false, 72, "", OwnText::tipScreenshot, false, false, false, false, nullptr},
+    {command::transmitQueue, communication, false, 89, "F9", OwnText::tipTransmitQueue, false, false, false, true,
+     nullptr},
+    {command::hideTree, view, false, 161, "F11", OwnText::tipHideFiles, true, true, false, false, toggleTree},
+    {command::about, help, false, 90, "", OwnText::tipAbout, true, true, false, false, showAbout},
+};
+
+constexpr ToolbarButton buttons[] = {
+    {command::newProgram, "toolbar-new", 56, true},     {command::transmit, "toolbar-transmit", 57, false},
+    {command::open, "toolbar-open", 58, true},          {command::save, "toolbar-save", 59, true},
+    {command::remove, "toolbar-delete", 10, false},     {command::emulate, "toolbar-emulate", 60, false},
+    {command::password, "toolbar-password", 61, false}, {command::find, "toolbar-find", 62, false},
+    {command::settings, "toolbar-settings", 63, true},
+};
+
+}  // namespace
+
+std::span<const Command> commandTable() { return commands; }
+std::span<const ToolbarButton> toolbarTable() { return buttons; }
+
+const Command *findCommand(int id) {
+    const auto found = std::ranges::find(commands, id, &Command::id);
+    return found == std::end(commands) ? nullptr : found;
+}
+
+}  // namespace numalink

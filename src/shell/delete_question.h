@@ -1,0 +1,15 @@
+// The questions ahead of a deletion and of a move onto a taken name. Graphical thread only.
+#pragma once
+
+#include "store/item_store.h"
+
+namespace numalink {
+
+// Whether the user wants this item deleted: the box names it, and how many items a folder holds.
+bool askDelete(const ItemEntry &item);
+
+enum class TakenAnswer { cancel, keepBoth, replace };
+// Another item of the name stands in the folder. Replacing is offered only where that one is of the same kind.
+TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace);
+
+}  // namespace numalink

@@ -1,0 +1,202 @@
+#include "shell/item_tree.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QSignalBlocker>
+#include <QTreeWidget>
+#include <QTreeWidgetItem>
+#include <atomic>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "platform/graphical_calls.h"
+#include "settings/tell_user.h"
+#include "shell/command_handler.h"
+#include "shell/command_table.h"
+#include "shell/item_rules.h"
+#include "shell/item_views.h"
+#include "shell/label_edit.h"
+#include "shell/menus.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/tree_events.h"
+
+namespace numalink {
+
+namespace {
+
+std::unordered_map<ItemId, QTreeWidgetItem *> entryOf;
+bool refreshOwed = false;
+bool selecting = false;   // selectItem is at work: it isn't entered again
+bool straysTold = false;  // once a run
+
+ItemId idOf(const QTreeWidgetItem *entry) { return entry->data(0, Qt::UserRole).toUInt(); }
+
+const char *const treeImageNames[] = {"program", "folder", "matrix", "backup",  "picture",
+                                      "screen",  "list",   "block",  "unknown", "function"};
+
+QIcon treeImage(ItemKind itemKind) {
+    static std::unordered_map<int, QIcon> images;
+    const int place = treeImageOfKind(itemKind);
+    QIcon &image = images[place];
+    if (image.isNull())
+        image = QIcon(QStringLiteral(":/images/tree-%1.svg").arg(QString::fromLatin1(treeImageNames[place])));
+    return image;
+}
+
+bool refreshMustWait() {
+    return labelEditRunning() || dragRunning() || QApplication::activePopupWidget() != nullptr ||
+           QApplication::activeModalWidget() != nullptr;
+}
+
+// A subtree that is taken out of the tree forgets which folders are open.
+void rememberExpansion(const QTreeWidgetItem *entry, std::vector<ItemId> &expanded) {
+    if (entry->isExpanded()) expanded.push_back(idOf(entry));
+    for (int i = 0; i < entry->childCount(); i++) rememberExpansion(entry->child(i), expanded);
+}
+
+// Takes out what the library no longer holds; what still lives below such an entry goes to the root for now.
+void removeGone(const TreeContent &content, std::vector<ItemId> &expanded) {
+    std::unordered_set<ItemId> wanted;
+    for (const TreeEntry &entry : content.entries) wanted.insert(entry.id);
+    std::vector<ItemId> gone;
+    for (const auto &[id, entry] : entryOf)
+        if (!wanted.contains(id)) gone.push_back(id);
+    for (const ItemId id : gone) {
+        QTreeWidgetItem *entry = entryOf[id];
+        rememberExpansion(entry, expanded);
+        const QList<QTreeWidgetItem *> children = entry->takeChildren();
+        treeView->addTopLevelItems(children);
+        entryOf.erase(id);
+        delete entry;
+    }
+}
+
+void writeEntry(QTreeWidgetItem *item, const TreeEntry &entry) {
+    item->setText(0, nameToQt(entry.name));
+    item->setData(0, Qt::UserRole, entry.id);
+    item->setIcon(0, treeImage(entry.kind));
+    item->setChildIndicatorPolicy(isFolderKind(entry.kind) ? QTreeWidgetItem::ShowIndicator
+                                                           : QTreeWidgetItem::DontShowIndicator);
+}
+
+// Brings one entry to its place: its parent's next free child place.
+void placeEntry(const TreeEntry &entry, std::unordered_map<ItemId, int> &placed, std::vector<ItemId> &expanded) {
+    QTreeWidgetItem *parent = entry.shownUnder == rootId ? treeView->invisibleRootItem() : entryOf.at(entry.shownUnder);
+    const int place = placed[entry.shownUnder]++;
+    QTreeWidgetItem *&item = entryOf[entry.id];
+    if (item == nullptr) {
+        item = new QTreeWidgetItem();
+        writeEntry(item, entry);
+        parent->insertChild(place, item);
+        if (entry.opened) expanded.push_back(entry.id);
+        return;
+    }
+    if (parent->child(place) != item) {
+        rememberExpansion(item, expanded);
+        QTreeWidgetItem *holder = item->parent() != nullptr ? item->parent() : treeView->invisibleRootItem();
+        holder->removeChild(item);
+        parent->insertChild(place, item);
+    }
+    writeEntry(item, entry);
+}
+
+void tellStrays(int strays) {
+    if (strays == 0 || straysTold) return;
+    straysTold = true;
+    tellUser(120);
+}
+
+void refreshNow() {
+    const TreeContent content = treeContent(storeListItems());
+    const ItemId selected = selectedItemId();
+    {
+        const QSignalBlocker quiet(treeView);
+        std::vector<ItemId> expanded;
+        std::unordered_map<ItemId, int> placed;
+        removeGone(content, expanded);
+        for (const TreeEntry &entry : content.entries) placeEntry(entry, placed, expanded);
+        for (const ItemId id : expanded)
+            if (QTreeWidgetItem *entry = treeEntryOf(id)) entry->setExpanded(true);
+        if (QTreeWidgetItem *entry = treeEntryOf(selected)) treeView->setCurrentItem(entry);
+    }
+    if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) dropCurrentView();
+    if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
+    tellStrays(content.strays);
+}
+
+void applySelection(QTreeWidgetItem *entry) {
+    const QSignalBlocker quiet(treeView);
+    treeView->setCurrentItem(entry);
+    if (entry == nullptr) treeView->clearSelection();
+}
+
+}  // namespace
+
+QTreeWidgetItem *treeEntryOf(ItemId id) {
+    const auto found = entryOf.find(id);
+    return found == entryOf.end() ? nullptr : found->second;
+}
+
+// Qt makes the first entry current when the tree gets the focus, without selecting it: that is no selection.
+QTreeWidgetItem *selectedEntry() {
+    QTreeWidgetItem *entry = treeView != nullptr ? treeView->currentItem() : nullptr;
+    return entry != nullptr && entry->isSelected() ? entry : nullptr;
+}
+
+ItemId selectedItemId() {
+    const QTreeWidgetItem *entry = selectedEntry();
+    return entry == nullptr ? noItem : idOf(entry);
+}
+
+bool selectItem(ItemId id) {
+    if (selecting) return false;
+    if (id != noItem && id == selectedItemId() && viewItemId == id) return true;
+    selecting = true;
+    const bool left = leaveCurrentView();
+    if (left) {
+        applySelection(treeEntryOf(id));
+        const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
+        setMenuStates(entry ? entry->kind : kind::none);
+        if (entry) handleCommand(command::openView);
+    }
+    selecting = false;
+    return left;
+}
+
+void refreshTree() {
+    graphicalRun([] {
+        if (treeView == nullptr) return;
+        refreshOwed = true;
+        refreshTreeWhenFree();
+    });
+}
+
+void refreshTreeWhenFree() {
+    if (!refreshOwed || treeView == nullptr || refreshMustWait()) return;
+    refreshOwed = false;
+    refreshNow();
+}
+
+void startLabelEdit(ItemId id) {
+    refreshTreeWhenFree();
+    openLabelEditor(id);
+}
+
+bool labelEditRunning() { return labelEditorOpen(); }
+void endLabelEdit() { closeLabelEditor(); }
+
+void connectTree() {
+    connectTreeEvents();
+    refreshTree();
+    if (treeView->topLevelItemCount() > 0) treeView->scrollToItem(treeView->topLevelItem(0));
+}
+
+void forgetTree() {
+    entryOf.clear();
+    refreshOwed = false;
+    selecting = false;
+    straysTold = false;
+}
+
+}  // namespace numalink

@@ -1,0 +1,36 @@
+// The item tree on screen: it shows the library, and its selection is how commands name an item. It holds ids only.
+// Graphical thread only, but for refreshTree.
+#pragma once
+
+#include "calculator/item_kinds.h"
+
+class QTreeWidgetItem;
+
+namespace numalink {
+
+ItemId selectedItemId();  // noItem when nothing is selected
+
+// Leaves the view, selects, sets the menu states and opens the new view. False, with everything as it was, when the
+// view can't be left. noItem selects nothing.
+bool selectItem(ItemId id);
+
+// Brings the tree up to what the library holds, by difference: selection, open view, expansion and scroll stay. Any
+// thread. Postponed while a label edit, a drag, a menu or a box is open.
+void refreshTree();
+void refreshTreeWhenFree();  // the shell calls it when one of these has ended
+
+// Starts the edit of an entry's label, whatever blocks the ones that the mouse starts.
+void startLabelEdit(ItemId id);
+bool labelEditRunning();
+void endLabelEdit();  // without a rename
+
+// Moves an item as a drop does: leaves the view, asks when the name is taken there.
+void moveDropped(ItemId item, ItemId folder);
+
+void connectTree();
+void forgetTree();
+
+QTreeWidgetItem *treeEntryOf(ItemId id);  // null when not shown
+QTreeWidgetItem *selectedEntry();         // null when nothing is selected
+
+}  // namespace numalink

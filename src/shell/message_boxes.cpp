@@ -1,0 +1,113 @@
+#include "shell/message_boxes.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QTimer>
+
+#include "platform/graphical_calls.h"
+#include "platform/user_interface.h"
+#include "shell/import_dialog.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+
+namespace numalink {
+
+namespace {
+
+// The widget that a box stands over: an open dialog, else the main window.
+QWidget *boxParent() {
+    QWidget *modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : mainWindow;
+}
+
+QMessageBox::Icon iconOf(BoxIcon icon) {
+    switch (icon) {
+        case BoxIcon::information:
+            return QMessageBox::Information;
+        case BoxIcon::warning:
+            return QMessageBox::Warning;
+        case BoxIcon::error:
+            return QMessageBox::Critical;
+        default:
+            return QMessageBox::NoIcon;
+    }
+}
+
+Answer showBox(const Box &box) {
+    const bool cancellable = box.buttons == BoxButtons::okCancel;
+    QMessageBox window(iconOf(box.icon), toQt(box.title), toQt(box.body),
+                       cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
+    window.setTextFormat(Qt::PlainText);
+    window.button(QMessageBox::Ok)->setText(textOf(112));
+    if (cancellable) window.button(QMessageBox::Cancel)->setText(textOf(113));
+    const bool accepted = window.exec() == QMessageBox::Ok;
+    QTimer::singleShot(0, qApp, refreshTreeWhenFree);
+    return accepted ? Answer::ok : Answer::cancel;
+}
+
+Answer messageBox(const Box &box) {
+    Answer answer = Answer::cancel;
+    graphicalRun([&] { answer = showBox(box); });
+    return answer;
+}
+
+void statusText(StatusPart part, int, const std::string &text) {
+    graphicalRun([&] {
+        QLabel *field = part == StatusPart::link ? linkField : itemField;
+        if (part != StatusPart::progress && field != nullptr) field->setText(toQt(text));
+    });
+}
+
+void progressRange(int maximum) {
+    graphicalRun([&] {
+        if (progressBar == nullptr) return;
+        progressBar->setRange(0, maximum > 0 ? maximum : 1);
+        progressBar->setValue(0);
+    });
+}
+
+void progressPosition(int position) {
+    graphicalRun([&] {
+        if (progressBar == nullptr) return;
+        progressBar->setValue(position);
+        progressBar->repaint();
+    });
+}
+
+void waitCursor(bool on) {
+    graphicalRun([&] { on ? QApplication::setOverrideCursor(Qt::WaitCursor) : QApplication::restoreOverrideCursor(); });
+}
+
+bool leaveView() {
+    bool left = false;
+    graphicalRun([&] { left = leaveCurrentView(); });
+    return left;
+}
+
+// One event wakes the graphical thread, whichever loop it is in.
+void wake() { QMetaObject::invokeMethod(qApp, graphicalCallsServe, Qt::QueuedConnection); }
+
+}  // namespace
+
+void installUserInterface() {
+    graphicalWake = wake;
+    userInterface.messageBox = messageBox;
+    userInterface.statusText = statusText;
+    userInterface.progressRange = progressRange;
+    userInterface.progressPosition = progressPosition;
+    userInterface.waitCursor = waitCursor;
+    userInterface.refreshTree = refreshTree;
+    userInterface.leaveCurrentView = leaveView;
+    userInterface.askImport = askImport;
+}
+
+void removeUserInterface() { userInterface = userInterfaceSilent; }
+
+}  // namespace numalink

@@ -1,0 +1,37 @@
+// The process-wide widgets. Made once by the start-up in start_up.cpp, null before and after. Graphical thread only.
+#pragma once
+
+class QLabel;
+class QMainWindow;
+class QMenu;
+class QPlainTextEdit;
+class QProgressBar;
+class QScrollArea;
+class QStatusBar;
+class QToolBar;
+class QToolButton;
+class QTreeWidget;
+class QWidget;
+
+namespace numalink {
+
+extern QMainWindow *mainWindow;
+extern QWidget *clientArea;  // what lies between toolbar and status bar
+extern QTreeWidget *treeView;
+extern QToolButton *treeToggleButton;
+extern QStatusBar *statusBar;
+extern QProgressBar *progressBar;
+extern QLabel *linkField;  // status bar part 1
+extern QLabel *itemField;  // status bar part 2
+extern QPlainTextEdit *programEdit;
+extern QPlainTextEdit *lineNumberEdit;
+extern QWidget *containerWindow;
+extern QToolBar *toolbar;
+extern QMenu *itemMenu;
+
+// Make the widgets with their looks, unconnected: the main window with its parts, sized as at start-up.
+void makeMainWindow();
+void makeClientWidgets();
+void destroyWidgets();
+
+}  // namespace numalink

@@ -1,0 +1,135 @@
+#include "shell/start_up.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMainWindow>
+#include <QTimer>
+
+#include "drawing/dot_fonts.h"
+#include "platform/thread_role.h"
+#include "settings/language_table.h"
+#include "settings/settings_store.h"
+#include "settings/tell_user.h"
+#include "shell/about_box.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/label_edit.h"
+#include "shell/menus.h"
+#include "shell/message_boxes.h"
+#include "shell/shell_widgets.h"
+#include "shell/single_copy.h"
+#include "shell/stop_signals.h"
+#include "shell/tray.h"
+#include "shell/window_events.h"
+#include "store/item_store.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+struct StartStep {
+    const char *name;
+    bool (*run)();
+    bool stops;  // the program ends when it gives false
+};
+
+bool done(void (*work)()) {
+    work();
+    return true;
+}
+
+bool openLibrary() {
+    if (storeOpen()) return true;
+    tellUser(3);
+    return false;
+}
+
+bool showFirst() {
+    mainWindow->show();
+    showSplash();
+    return true;
+}
+
+// In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
+constexpr StartStep startSteps[] = {
+    {"no second copy", [] { return !raiseRunningCopy(); }, true},
+    {"settings", settingsLoad, false},
+    {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
+    {"main window", [] { return done(makeMainWindow); }, false},
+    {"menus", [] { return done(buildMenus); }, false},
+    {"boxes and status bar", [] { return done(installUserInterface); }, false},
+    {"widgets", [] { return done(makeClientWidgets); }, false},
+    {"toolbar", [] { return done(buildToolbar); }, false},
+    {"window events", [] { return done(connectWindow); }, false},
+    {"window on screen", showFirst, false},
+    {"library", openLibrary, true},
+    {"further copies", [] { return done(answerFurtherCopies); }, false},
+    {"tree", [] { return done(connectTree); }, false},
+    {"notification area", [] { return done(addTrayIcon); }, false},
+    {"tokens", tokenTableLoad, false},
+    {"large font", loadLargeFont, false},
+    {"small font", loadSmallFont, false},
+    {"signals", [] { return done(watchStopSignals); }, false},
+};
+
+bool shutting = false;
+
+void closeLibraryAndQuit() {
+    shutting = true;
+    storeClose();
+    removeTrayIcon();
+    stopAnsweringCopies();
+    forgetStopSignals();
+    QCoreApplication::quit();
+}
+
+}  // namespace
+
+bool startUp() {
+    threadRole = ThreadRole::graphical;
+    shutting = false;
+    QApplication::setQuitOnLastWindowClosed(false);
+    for (const StartStep &step : startSteps) {
+        if (!step.run() && step.stops) {
+            storeClose();
+            tearDown();
+            return false;
+        }
+    }
+    return true;
+}
+
+void shutDown() {
+    if (shutting) return;
+    if (QWidget *dialog = QApplication::activeModalWidget()) {
+        dialog->raise();
+        dialog->activateWindow();
+        return;
+    }
+    closeLabelEditor();
+    if (leaveCurrentView()) closeLibraryAndQuit();
+}
+
+void shutDownAtOnce() {
+    if (shutting) return;
+    while (QWidget *dialog = QApplication::activeModalWidget()) {
+        dialog->close();
+        if (QApplication::activeModalWidget() == dialog) break;
+    }
+    closeLabelEditor();
+    leaveCurrentView();
+    closeLibraryAndQuit();
+}
+
+void tearDown() {
+    stopAnsweringCopies();
+    removeTrayIcon();
+    forgetStopSignals();
+    removeUserInterface();
+    forgetMenus();
+    forgetTree();
+    destroyWidgets();
+}
+
+}  // namespace numalink

@@ -1,0 +1,22 @@
+// The order in which the program comes up and goes down. Graphical thread only.
+#pragma once
+
+namespace numalink {
+
+// Runs the start order. False when the program must end at once: another copy has been raised, or the library can't be
+// used (told). Everything is then gone again.
+bool startUp();
+
+// Leaves the view, closes the library and ends the event loop; does nothing when the view can't be left. With a
+// dialog open it raises that dialog instead.
+void shutDown();
+
+// The same without a question, for the end of the desktop session and signals: open dialogs are cancelled.
+void shutDownAtOnce();
+
+// Frees the windows, after the event loop.
+void tearDown();
+
+void applyLayout();  // places the parts of the main window
+
+}  // namespace numalink

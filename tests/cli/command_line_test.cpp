@@ -1,0 +1,111 @@
+// The command line from arguments to output, on libraries of its own.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/commands.h"
+#include "cli/hex_text.h"
+#include "platform/user_interface.h"
+#include "support/scratch_folder.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Outcome run(std::vector<std::string> arguments) {
+    std::vector<const char *> argv = {"numalink-cli"};
+    for (const std::string &argument : arguments) argv.push_back(argument.c_str());
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int status = runCommandLine(static_cast<int>(argv.size()), argv.data());
+    std::fflush(stdout);
+    Outcome outcome{status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+    userInterface = userInterfaceSilent;
+    return outcome;
+}
+
+struct CommandLine : testing::Test {
+    CommandLine() {
+        scratch.write("games.cat",
+                      "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:SNAKE\r\n"
+                      "%Data Record\r\n\\If A\\<>1\r\n\\Then \"a\\->b\"\\Disp\\Stop\r\n%End\r\n"
+                      "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:1\r\nColumns:1\r\nVariable Name:Mat A\r\n"
+                      "%Data Record\r\nValue : 1 1 2\r\n%End\r\n");
+    }
+    std::vector<std::string> on(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin() + 1, library);
+        return arguments;
+    }
+
+    ScratchFolder scratch;
+    const std::string file = scratch.path + "games.cat";
+    const std::string library = scratch.path + "library/new";
+};
+
+TEST_F(CommandLine, ImportedItemsAreListedAndShown) {
+    const Outcome imported = run(on({"import", file, "--into", "standard"}));
+    EXPECT_EQ(imported.status, 0) << imported.err;
+    EXPECT_EQ(imported.err, "");
+    const auto list = nlohmann::json::parse(run(on({"list", "--json"})).out);
+    ASSERT_EQ(list.size(), 5u) << list.dump(1);
+    const auto snake = std::ranges::find_if(list, [](const auto &item) { return item["name"] == "SNAKE"; });
+    EXPECT_THAT((*snake)["data"].get<std::string>(), StartsWith("3AF70041113"));
+    EXPECT_EQ((*snake)["head"].get<std::string>().size(), 64u);
+    EXPECT_EQ((*snake)["kind"], 15);
+
+    const std::string folder = run(on({"list"})).out;
+    EXPECT_THAT(folder, HasSubstr("SNAKE"));
+    const Outcome byId = run(on({"show", std::to_string((*snake)["id"].get<int>())}));
+    EXPECT_EQ(byId.out, "If A≠1\nThen \"a→b\"◢\nStop\n");
+    EXPECT_EQ(byId.status, 0);
+    const auto parent = std::ranges::find_if(list, [&](const auto &item) { return item["id"] == (*snake)["parent"]; });
+    EXPECT_EQ(run(on({"show", "/" + (*parent)["name"].get<std::string>() + "/snake"})).out, byId.out);
+}
+
+TEST_F(CommandLine, WithoutAnAnswerSeveralItemsGoToAFolder) {
+    EXPECT_EQ(run(on({"import", file})).status, 0);
+    EXPECT_THAT(run(on({"show", "games/Mat A"})).out, HasSubstr("Mat A: kind 2, head of 50 bytes, data of 16 bytes"));
+    EXPECT_EQ(run(on({"import", file, "--into", "Übung/x"})).status, 0);
+    EXPECT_EQ(run(on({"show", "/Ubung/x/SNAKE"})).status, 0);
+}
+
+TEST_F(CommandLine, WhatGoesWrongHasItsStatus) {
+    const Outcome missing = run(on({"import", scratch.path + "none.cat"}));
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.err, StartsWith("box 93 2: "));
+    EXPECT_EQ(std::ranges::count(missing.err, '\n'), 1);
+    EXPECT_EQ(run(on({"show", "/nothing"})).status, 2);
+    EXPECT_EQ(run({"nonsense"}).status, 2);
+    EXPECT_EQ(run({"--help"}).status, 0);
+    const Outcome noFolder = run({"list", file});
+    EXPECT_EQ(noFolder.status, 2);
+    EXPECT_THAT(noFolder.err, StartsWith("box 33 2: "));
+}
+
+TEST_F(CommandLine, TokensBothWays) {
+    EXPECT_EQ(run({"tokens", "encode", "\\Xmin\\->A", "B"}).out, "7F000E410D42\n");
+    EXPECT_EQ(run({"tokens", "decode", "7F00 0E", "41 0D42"}).out, "\\Xmin\\->A\nB\n");
+    EXPECT_EQ(run({"tokens", "encode", "--typed", "Xmin→A"}).out, "7F000E41\n");
+    EXPECT_EQ(run({"tokens", "decode", "--typed", "7F000E41"}).out, "Xmin→A\n");
+    EXPECT_EQ(run({"tokens", "encode", "é"}).status, 2);
+    EXPECT_EQ(run({"tokens", "decode", "7F0"}).status, 2);
+}
+
+TEST(HexText, PairsOnly) {
+    EXPECT_THAT(*bytesFromHex(" 0a\nFF00 "), ElementsAre(10, 255, 0));
+    EXPECT_EQ(bytesFromHex("1 2"), std::nullopt);
+    EXPECT_EQ(bytesFromHex("+1"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace numalink

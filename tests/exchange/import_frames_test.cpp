@@ -1,0 +1,129 @@
+// Frame dumps and containers, built here byte by byte, whole and cut at every length.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calculator/frames.h"
+#include "exchange/reader_calls.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+
+std::string textOf(ByteView bytes) { return {bytes.begin(), bytes.end()}; }
+
+std::string programHead(const std::string &name, std::uint32_t length, ItemKind itemKind = kind::program) {
+    return textOf(*buildHeadFrame(itemKind, Family::cfx, {.imageLength = length, .name = name, .password = ""}));
+}
+
+std::string valueHead(const std::string &name) {
+    Bytes head(headFrameSize, 0xFF);
+    std::ranges::copy(std::string(":VAL\0LT\0\2\0\1", 11) + name, head.begin());
+    return textOf(head);
+}
+
+std::string pictureHead() {
+    Bytes head(headFrameSize, 0xFF);
+    std::ranges::copy(std::string(":IMG\0PC\0\x08\0\x08PIC", 14), head.begin());
+    std::ranges::copy(std::string("\0\1\0\2", 4), head.begin() + 32);
+    return textOf(head);
+}
+
+const std::string closing = textOf(*buildHeadFrame(kind::endOfTransmission, Family::cfx, {}));
+const std::string image = ":ABC\xFF\x12";
+
+TEST(ImportCas, ItemsUpToTheClosingFrame) {
+    const std::string screen = ":DD\x08\x08" + std::string(35, '\xFF') + std::string(10, 'x');
+    const std::string dump =
+        programHead("ONE", 6) + image + valueHead("List 1") + std::string(32, 'v') + screen + closing;
+    const ReadResult read = readWith(readCas, dump + "rest");
+    ASSERT_EQ(read.taken.size(), 3u);
+    EXPECT_TRUE(read.messages.empty());
+    EXPECT_EQ(decodeProgramInfo(read.taken[0].head)->name, "ONE");
+    EXPECT_EQ(textOf(read.taken[0].data), image);
+    EXPECT_EQ(read.taken[1].name, "List 1");
+    EXPECT_EQ(read.taken[2].itemKind, kind::monochromeScreen);
+    EXPECT_EQ(read.taken[2].head.size(), shortHeadFrameSize);
+}
+
+TEST(ImportCas, CutAnywhereItSaysWhereItStopped) {
+    const std::string dump = programHead("ONE", 6) + image + programHead("TWO", 6) + image;
+    for (std::size_t length = 1; length <= dump.size(); length++) {
+        const ReadResult read = readWith(readCas, dump.substr(0, length));
+        ASSERT_EQ(read.taken.size(), length / 56) << length;
+        ASSERT_EQ(read.messages.size(), 1u) << "without a closing frame";
+        EXPECT_THAT(read.messages[0].body, testing::EndsWith(std::to_string(length / 56 * 56) + "."));
+    }
+}
+
+TEST(ImportCas, AHeadThatLies) {
+    EXPECT_TRUE(readWith(readCas, programHead("ONE", 65535) + image).taken.empty());
+    std::string matrix = valueHead("List 1");
+    matrix[7] = '\xFF';
+    EXPECT_EQ(readWith(readCas, matrix + std::string(5000, 'v') + closing).messages.size(), 1u);
+    const ReadResult unknown = readWith(readCas, programHead("ONE", 6) + image + ":XYZ" + std::string(60, ' '));
+    EXPECT_EQ(unknown.taken.size(), 1u);
+    EXPECT_EQ(unknown.messages.size(), 1u);
+}
+
+// One item as it lies in a container, ahead of the scrambling: data without ':' and checksum of each frame.
+std::string contained(const std::string &head, const std::string &data) {
+    const std::string start =
+        std::string("\2\0\1\0", 4) + std::string(6, 'p') + '\3' + "abc" + "\x83\x80" + std::string(47, 'q');
+    return start + std::string("\1\0\1\0zz", 6) + head.substr(1, 48) + data;
+}
+
+std::string container(const std::string &items) {
+    std::string file = std::string(866, 'f') + items + std::string(40, 'e');
+    for (char &byte : file) byte = static_cast<char>(byte ^ 0xE7);
+    file.replace(0, 2, "20");
+    return file;
+}
+
+TEST(ImportFxi, EveryKindAndWhatFollowsIt) {
+    const std::string gap(8, '-');
+    const std::string program = contained(programHead("ONE", 6), "ABC\xFF") + gap;
+    const std::string memory = contained(programHead("FMEM", 6, kind::functionMemory), "ABC\xFF") + gap;
+    const std::string list = contained(valueHead("List 1"), std::string(14, 'a') + std::string(14, 'b'));
+    const std::string picture = contained(pictureHead(), std::string(24, 'x'));
+    std::string graph = programHead("GMEM", 10);
+    graph.replace(1, 6, std::string("MEM\0GM", 6));
+    const ReadResult read =
+        readWith(readFxi, container(memory + list + picture + contained(graph, std::string(8, 'g')) + gap + program));
+    std::vector<ItemKind> kinds;
+    for (const ImportedItem &item : read.taken) kinds.push_back(item.itemKind);
+    EXPECT_THAT(kinds, ElementsAre(kind::functionMemory, kind::list, kind::picture, kind::graphMemory, kind::program));
+    EXPECT_TRUE(read.messages.empty());
+    ASSERT_EQ(read.taken.size(), 5u);
+    EXPECT_TRUE(frameIsGood(read.taken[0].data));
+    EXPECT_EQ(textOf(read.taken[0].data).substr(0, 5), ":ABC\xFF");
+    EXPECT_EQ(read.taken[1].data.size(), 32u);
+    EXPECT_EQ(read.taken[1].data[16], ':');
+    EXPECT_EQ(read.taken[2].data.size(), 28u);
+    EXPECT_TRUE(frameIsGood(read.taken[3].head));
+}
+
+TEST(ImportFxi, CutAnywhereNothingHalfComes) {
+    const std::string file =
+        container(contained(valueHead("List 1"), std::string(28, 'a')) + contained(programHead("ONE", 6), "ABC\xFF"));
+    std::size_t most = 0;
+    for (std::size_t length = 0; length <= file.size(); length++) {
+        const ReadResult read = readWith(readFxi, file.substr(0, length));
+        EXPECT_GE(read.taken.size(), most) << length;
+        most = read.taken.size();
+        for (const ImportedItem &item : read.taken) EXPECT_TRUE(item.data.size() == 32 || item.data.size() == 6);
+    }
+    EXPECT_EQ(most, 2u);
+}
+
+TEST(ImportFxi, FaultsAreTold) {
+    std::string lying = contained(programHead("ONE", 1), "");
+    EXPECT_EQ(readWith(readFxi, container(lying)).messages.size(), 1u) << "a frame of one byte";
+    lying = contained(pictureHead().replace(7, 4, "\xFF\xFF\xFF\xFF").replace(32, 4, "\xFF\xFF\xFF\xFF"), "");
+    EXPECT_EQ(readWith(readFxi, container(lying)).messages.size(), 1u);
+    EXPECT_EQ(readWith(readFxi, container(std::string("\2\0\1\0", 4) + std::string(50, 'n'))).messages.size(), 1u);
+    EXPECT_EQ(readWith(readFxi, container(contained(":XYZ" + std::string(46, ' '), "abc"))).messages.size(), 1u);
+}
+
+}  // namespace
+}  // namespace numalink

@@ -1,0 +1,135 @@
+// A file's way into the library: told apart, parked, asked about, moved.
+#include "exchange/import.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calculator/frames.h"
+#include "platform/thread_role.h"
+#include "settings/language_table.h"
+#include "settings/own_texts.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+#include "support/ui_recorder.h"
+#include "text/token_table.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+struct Import : testing::Test {
+    Import() {
+        threadRole = ThreadRole::graphical;
+        EXPECT_TRUE(tokenTableLoad());
+        languageLoad("English", "English");
+        EXPECT_TRUE(storeOpen());
+    }
+    ~Import() override { storeClose(); }
+
+    void importText(const std::string &name, const std::string &content) {
+        scratch.write(name, content);
+        importFile(scratch.path + name, importBaseName(name));
+    }
+    static std::vector<std::string> namesIn(ItemId folder) {
+        std::vector<std::string> names;
+        for (const ItemEntry &entry : storeListChildren(folder)) names.push_back(entry.name);
+        return names;
+    }
+
+    ScratchFolder scratch;
+    RecordedUi ui;
+};
+
+std::string record(const std::string &name) {
+    return "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:" + name +
+           "\r\n%Data Record\r\nA\r\n%End\r\n";
+}
+
+TEST_F(Import, OneItemGoesToTheFolderOfItsKind) {
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("one.cat", record("ONE"));
+    EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::standardFolders);
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
+    EXPECT_TRUE(namesIn(storeTempFolder()).empty());
+    EXPECT_TRUE(uiRecord.boxes.empty());
+}
+
+TEST_F(Import, SeveralGoToOneFolderNamedAsTheFile) {
+    uiRecord.importAction = ImportAction::oneFolder;
+    importText("My games.v2.cat", record("ONE") + record("one") + record(""));
+    EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::oneFolder);
+    EXPECT_THAT(uiRecord.lastQuestion.itemNames, ElementsAre("ONE", "one", "My games"));
+    EXPECT_THAT(namesIn(storeResolvePath("/My games.v2/", false)), ElementsAre("ONE", "one", "My games"));
+}
+
+TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
+    uiRecord.importAction = ImportAction::oneFolder;
+    uiRecord.importFolder = "temp";
+    importText("a.cat", record("ONE"));
+    uiRecord.importFolder = "  ";
+    importText("b.cat", record("TWO"));
+    const ItemId folder = storeResolvePath("/temp/", false);
+    ASSERT_NE(folder, noItem);
+    EXPECT_NE(folder, storeTempFolder());
+    EXPECT_THAT(namesIn(folder), ElementsAre("ONE"));
+    EXPECT_NE(storeFindItem("TWO", rootId), noItem) << "a folder name of nothing is the top level";
+}
+
+TEST_F(Import, CancelledItemsGoWithTheNextImport) {
+    importText("a.cat", record("ONE"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+    importText("b.cat", record("TWO"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("TWO"));
+    uiRecord.leaveAllowed = false;
+    importText("c.cat", record("THREE"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("TWO")) << "the view would not be left";
+}
+
+TEST_F(Import, TransmittingNeedsALink) {
+    uiRecord.importAction = ImportAction::transmit;
+    importText("a.cat", record("ONE"));
+    ASSERT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::importNoTransmission));
+}
+
+TEST_F(Import, FilesThatAreNone) {
+    importFile(scratch.path + "no such file.cat", "x");
+    importFile(scratch.path, "x");
+    importText("empty.cat", "");
+    importText("picture.bmp", "BM and more");
+    importText("Ü b.cas", std::string(":END") + std::string(46, '\xFF'));
+    std::vector<int> numbers;
+    for (const Box &box : uiRecord.boxes) numbers.push_back(box.bodyNumber);
+    EXPECT_THAT(numbers, ElementsAre(93, 93, 99, 99, 165));
+    EXPECT_THAT(uiRecord.boxes[0].body, HasSubstr("no such file.cat: there is no such file"));
+    EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("is a folder"));
+    EXPECT_THAT(uiRecord.boxes[4].body, HasSubstr("Ü b"));
+}
+
+TEST_F(Import, AfterAnErrorTheRestIsAskedAbout) {
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("a.cat", "\xEF\xBB\xBF" + record("ONE") + record("FAR TOO LONG"));
+    ASSERT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, 100);
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
+}
+
+TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
+    std::string file;
+    for (int i = 0; i < 50; i++)
+        file += "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:0\r\nColumns:1\r\n%Data Record\r\n%End\r\n";
+    importText("a.cat", file);
+    EXPECT_EQ(uiRecord.boxes.size(), 9u);
+    EXPECT_THAT(uiRecord.boxes.back().body, HasSubstr("42"));
+}
+
+TEST(ImportBaseName, CutsFolderAndLastEnding) {
+    EXPECT_EQ(importBaseName("/a.b/My games.v2.cat"), "My games.v2");
+    EXPECT_EQ(importBaseName("plain"), "plain");
+    EXPECT_EQ(importBaseName("/x/.cat"), ".cat");
+}
+
+}  // namespace
+}  // namespace numalink

@@ -1,0 +1,83 @@
+// Whole files and the library's file port, on the real file system.
+#include "platform/files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/file_port.h"
+#include "support/scratch_folder.h"
+
+namespace numalink {
+namespace {
+
+Bytes bytesOf(const std::string &text) { return {text.begin(), text.end()}; }
+
+TEST(Files, ReadsWhatWasWrittenAndKeepsTheRightsOfTheReplacedFile) {
+    const ScratchFolder folder;
+    const std::string path = folder.path + "a name with blanks and \xC3\xBCmlauts";
+    ASSERT_EQ(writeWholeFile(path, bytesOf("first")), FileResult::done);
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    ASSERT_EQ(writeWholeFile(path, bytesOf("second")), FileResult::done);
+    Bytes read;
+    EXPECT_EQ(readWholeFile(path, read, 6), FileResult::done);
+    EXPECT_EQ(read, bytesOf("second"));
+    struct stat facts {};
+    ASSERT_EQ(stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777U, 0640U);
+    const std::filesystem::directory_iterator entries(folder.path);
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1) << "nothing is left beside the file";
+}
+
+TEST(Files, TellsTheCausesOfAFailureApart) {
+    const ScratchFolder folder;
+    folder.write("five", "12345");
+    folder.write("nothing", "");
+    ASSERT_EQ(mkfifo((folder.path + "pipe").c_str(), 0600), 0);
+    Bytes read = bytesOf("old");
+    EXPECT_EQ(readWholeFile(folder.path + "five", read, 4), FileResult::tooLarge);
+    EXPECT_TRUE(read.empty());
+    EXPECT_EQ(readWholeFile(folder.path + "none", read, 4), FileResult::missing);
+    EXPECT_EQ(readWholeFile(folder.path, read, 4), FileResult::isFolder);
+    EXPECT_EQ(readWholeFile(folder.path + "pipe", read, 4), FileResult::failed);
+    EXPECT_EQ(readWholeFile(folder.path + "nothing", read, 0), FileResult::done);
+    EXPECT_EQ(writeWholeFile(folder.path + "none/file", read), FileResult::missing);
+    EXPECT_EQ(writeWholeFile(folder.path, read), FileResult::isFolder);
+    EXPECT_EQ(writeWholeFile(folder.path + "pipe", read), FileResult::failed);
+}
+
+TEST(Files, WritesThroughALink) {
+    const ScratchFolder folder;
+    folder.write("target", "old");
+    std::filesystem::create_symlink("target", folder.path + "link");
+    ASSERT_EQ(writeWholeFile(folder.path + "link", bytesOf("new")), FileResult::done);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path + "link"));
+    EXPECT_EQ(folder.read("target"), "new");
+}
+
+TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
+    const ScratchFolder folder;
+    const std::string path = folder.path + "file";
+    int first = -1, second = -1;
+    EXPECT_EQ(systemFilePort.openLocked(path.c_str(), false, first), OpenResult::failed);
+    ASSERT_EQ(systemFilePort.openLocked(path.c_str(), true, first), OpenResult::opened);
+    EXPECT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::heldByAnother);
+    EXPECT_EQ(systemFilePort.openLocked(folder.path.c_str(), true, second), OpenResult::failed);
+    EXPECT_EQ(folder.read("file"), "") << "another descriptor of it opens and closes";
+    EXPECT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::heldByAnother);
+
+    EXPECT_EQ(systemFilePort.writeAt(first, 4, "abc", 3), 3U);
+    EXPECT_EQ(systemFilePort.size(first), 7);
+    char read[4] = {};
+    EXPECT_EQ(systemFilePort.readAt(first, 5, read, 4), 2U);
+    EXPECT_EQ(systemFilePort.readAt(first, UINT64_MAX - 1, read, 4), 0U);
+    EXPECT_TRUE(systemFilePort.cut(first, 5));
+    EXPECT_TRUE(systemFilePort.sync(first));
+    EXPECT_EQ(systemFilePort.size(first), 5);
+    systemFilePort.close(first);
+    ASSERT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::opened);
+    systemFilePort.close(second);
+}
+
+}  // namespace
+}  // namespace numalink

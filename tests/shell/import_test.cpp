@@ -1,0 +1,77 @@
+#include <QApplication>
+#include <QDropEvent>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QTest>
+#include <QTreeWidget>
+#include <QUrl>
+
+#include "shell/item_tree.h"
+#include "shell/shell_fixture.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+
+namespace numalink {
+
+namespace {
+
+std::string catRecord(const std::string &name) {
+    return "%Header Record\r\nFormat:TXT\r\nCommunication SW:0\r\nData Type:PG\r\nCapacity:10\r\nFile Name:" + name +
+           "\r\nGroup Name:\r\nPassword:\r\nOption1:NL\r\nOption2:\r\nOption3:\r\nOption4:\r\n%Data "
+           "Record\r\nABC\r\n%End\r\n";
+}
+
+}  // namespace
+
+struct ImportByWindow : ShellTest {
+    void SetUp() override {
+        ShellTest::SetUp();
+        ASSERT_TRUE(startProgram());
+    }
+
+    void dropFiles(const std::vector<std::string> &names) {
+        QMimeData data;
+        QList<QUrl> urls;
+        for (const std::string &name : names) urls << QUrl::fromLocalFile(toQt(folder.path + name));
+        data.setUrls(urls);
+        const QPoint place(200, 200);
+        QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(mainWindow, &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(mainWindow, &drop);
+        EXPECT_TRUE(shown.empty()) << "a dialog opened inside the drop";
+        QTest::qWait(150);
+    }
+};
+
+TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
+    folder.write("one.cat", catRecord("ONE"));
+    folder.write("Two Games.CAT", catRecord("TWO") + catRecord("THREE"));
+    folder.write("no\xC3\xBCmlaut.cat", "%Header Record\r\nFo");
+    answer("Return");
+    answer("Return");
+    dropFiles({"one.cat", "Two Games.CAT", "no\xC3\xBCmlaut.cat"});
+    ASSERT_EQ(shown.size(), 3u);
+    EXPECT_EQ(shown[0], languageText(155));
+    EXPECT_EQ(shown[1], languageText(155));
+    EXPECT_EQ(shown[2].rfind(languageText(100), 0), 0u) << shown[2];
+    EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 1u);
+    const ItemId games = storeFindItem("Two Games", rootId);
+    ASSERT_EQ(storeListChildren(games).size(), 2u);
+    EXPECT_NE(treeEntryOf(storeFindItem("THREE", games)), nullptr);
+}
+
+TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {
+    folder.write("pair.cat", catRecord("A") + catRecord("B"));
+    answer(toQt(languageText(159)).remove(QLatin1Char('&')).toStdString());
+    answer("Return");
+    dropFiles({"pair.cat"});
+    EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 2u);
+    shown.clear();
+    dropFiles({"pair.cat"});
+    EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 2u);
+    EXPECT_EQ(storeFindItem("pair", rootId), noItem);
+}
+
+}  // namespace numalink

@@ -1,0 +1,138 @@
+#include "shell/shell_fixture.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include "calculator/program_info.h"
+#include "shell/item_tree.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/start_up.h"
+
+namespace numalink {
+
+namespace {
+
+ShellTest *current = nullptr;
+QTimer *answering = nullptr;
+
+std::string wordingOf(QWidget *dialog) {
+    const auto *box = qobject_cast<QMessageBox *>(dialog);
+    return box != nullptr ? box->text().toStdString() : dialog->windowTitle().toStdString();
+}
+
+QAbstractButton *buttonNamed(QWidget *dialog, const std::string &text) {
+    for (QAbstractButton *button : dialog->findChildren<QAbstractButton *>())
+        if (button->text().remove(QLatin1Char('&')).toStdString() == text) return button;
+    return nullptr;
+}
+
+// Buttons that only choose are pressed and the next answer follows; one that closes ends the dialog.
+void answerOpenDialog() {
+    QWidget *dialog = QApplication::activeModalWidget();
+    if (dialog == nullptr || current == nullptr) return;
+    current->shown.push_back(wordingOf(dialog));
+    for (bool asked = false; dialog == QApplication::activeModalWidget() && !asked;) {
+        const std::string next = current->answers.empty() ? "Esc" : current->answers.front();
+        if (!current->answers.empty()) current->answers.pop_front();
+        if (QAbstractButton *button = buttonNamed(dialog, next)) {
+            button->click();
+            asked = qobject_cast<QPushButton *>(button) != nullptr;
+        } else {
+            QTest::keyClick(dialog, next == "Return" ? Qt::Key_Return : Qt::Key_Escape);
+            asked = true;
+        }
+    }
+    // The offscreen platform has no window manager that would do it.
+    if (mainWindow != nullptr && QApplication::activeModalWidget() == nullptr) mainWindow->activateWindow();
+}
+
+}  // namespace
+
+void ShellTest::SetUp() {
+    current = this;
+    answering = new QTimer;
+    QObject::connect(answering, &QTimer::timeout, answerOpenDialog);
+    answering->start(5);
+}
+
+void ShellTest::TearDown() {
+    if (running) endProgram();
+    delete answering;
+    current = nullptr;
+}
+
+bool ShellTest::startProgram() {
+    running = startUp();
+    if (running) {
+        mainWindow->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(mainWindow));
+    }
+    return running;
+}
+
+void ShellTest::endProgram() {
+    running = false;
+    shutDown();
+    EXPECT_FALSE(storeIsOpen());
+    tearDown();
+}
+
+void ShellTest::select(ItemId id) {
+    treeView->scrollToItem(treeEntryOf(id));
+    QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, centreOf(id));
+}
+
+void ShellTest::typeKeys(const QString &text) {
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClicks(QApplication::focusWidget(), text);
+}
+
+QPoint ShellTest::centreOf(ItemId id) {
+    const QRect row = treeView->visualItemRect(treeEntryOf(id));
+    return {row.left() + 12, row.center().y()};
+}
+
+void ShellTest::drag(ItemId item, ItemId target) {
+    QWidget *viewport = treeView->viewport();
+    const QPoint from = centreOf(item);
+    const QPoint to = centreOf(target);
+    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+    for (int step = 1; step <= 4; step++) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(from + (to - from) * step / 4 + QPoint(0, step == 4 ? 0 : 1)),
+                         QPointF(viewport->mapToGlobal(to)), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(viewport, &move);
+    }
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
+}
+
+ItemId ShellTest::add(ItemKind itemKind, const std::string &name, ItemId parent) {
+    NewItem item;
+    item.name = name;
+    item.kind = itemKind;
+    item.parent = parent;
+    item.flags = isFolderKind(itemKind) ? folderOpenFlag : 0;
+    item.whenTaken = NameTaken::keepBoth;
+    if (!isFolderKind(itemKind)) item.head.assign(50, 0xFF);
+    return storeAddItem(item);
+}
+
+ItemId ShellTest::addProgram(const std::string &name, const std::string &tokens, ItemId parent) {
+    NewItem item;
+    item.name = name;
+    item.kind = kind::program;
+    item.parent = parent;
+    item.head = encodeProgramInfo({.imageLength = 1, .name = name, .password = {}});
+    item.data = {':'};
+    item.data.insert(item.data.end(), tokens.begin(), tokens.end());
+    item.data.push_back(0xFF);
+    return storeAddItem(item);
+}
+
+}  // namespace numalink

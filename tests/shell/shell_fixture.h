@@ -1,0 +1,43 @@
+// The running program in a test: the real window over a library of its own, boxes answered by what a test has put in.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QPoint>
+#include <QString>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "calculator/item_kinds.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+
+class QTreeWidgetItem;
+
+namespace numalink {
+
+struct ShellTest : testing::Test {
+    void SetUp() override;
+    void TearDown() override;
+
+    // Boxes and dialogs are answered in the order they open: a button by its text, or a key ("Esc", "Return"). One that
+    // finds no answer is closed with Escape. What they said is kept.
+    void answer(const std::string &buttonOrKey) { answers.push_back(buttonOrKey); }
+    bool startProgram();
+    void endProgram();  // as the Exit command
+    void select(ItemId id);
+    void typeKeys(const QString &text);  // into whatever has the focus
+    QPoint centreOf(ItemId id);          // in the tree's viewport
+    void drag(ItemId item, ItemId target);
+
+    static ItemId add(ItemKind itemKind, const std::string &name, ItemId parent = rootId);
+    static ItemId addProgram(const std::string &name, const std::string &tokens, ItemId parent = rootId);
+
+    ScratchFolder folder;
+    std::deque<std::string> answers;
+    std::vector<std::string> shown;  // the wording of each box, the title of each dialog
+    bool running = false;
+};
+
+}  // namespace numalink

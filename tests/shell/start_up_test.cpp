@@ -1,0 +1,95 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QThread>
+#include <QToolBar>
+#include <QTreeWidget>
+
+#include "shell/command_table.h"
+#include "shell/item_tree.h"
+#include "shell/menus.h"
+#include "shell/shell_fixture.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/single_copy.h"
+#include "shell/start_up.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+using StartUp = ShellTest;
+
+TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
+    ASSERT_TRUE(startProgram());
+    EXPECT_TRUE(mainWindow->isVisible());
+    EXPECT_EQ(mainWindow->size(), QSize(640, 430));
+    EXPECT_TRUE(shown.empty()) << shown.front();
+    EXPECT_EQ(toolbar->actions().size(), 9);
+    for (const Command &row : commandTable()) {
+        const QString text = commandAction(row.id)->text();
+        EXPECT_FALSE(text.isEmpty() || text.contains(QLatin1Char('<'))) << row.id;
+        EXPECT_TRUE(row.working || !commandEnabled(row.id)) << row.id;
+    }
+    EXPECT_NE(mainWindow->findChild<QWidget *>(QStringLiteral("aboutBox")), nullptr);
+    QTest::qWait(2100);
+    EXPECT_EQ(mainWindow->findChild<QWidget *>(QStringLiteral("aboutBox")), nullptr);
+}
+
+TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
+    const ScratchFolder empty;
+    const std::string program = programFolder();
+    setProgramFolder(empty.path);
+    tokenTableSet({});
+    setLibraryFolder(folder.path);
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(shown, (std::vector<std::string>{"Cannot find large font file", "Cannot find small font file"}));
+    EXPECT_EQ(commandAction(command::open)->text(), QStringLiteral("<unknown string>"));
+    EXPECT_EQ(menuAt(0)->title(), QStringLiteral("<unknown string>"));
+    const ItemId item = addProgram("ABC", "A");
+    refreshTree();
+    select(item);
+    EXPECT_EQ(programEdit->toPlainText(), QStringLiteral("<65> "));
+    endProgram();
+    setProgramFolder(program);
+}
+
+TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
+    folder.write("storage.dat", std::string(9000, 'x'));
+    EXPECT_FALSE(startProgram());
+    EXPECT_EQ(shown, (std::vector<std::string>{languageText(35), languageText(3)}));
+    EXPECT_EQ(mainWindow, nullptr);
+    EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
+}
+
+TEST_F(StartUp, SecondCopyRaisesTheFirstAndEnds) {
+    ASSERT_TRUE(startProgram());
+    mainWindow->hide();
+    bool raised = false;
+    QThread *second = QThread::create([&] { raised = raiseRunningCopy(); });
+    second->start();
+    QTRY_VERIFY(second->isFinished());
+    delete second;
+    EXPECT_TRUE(raised);
+    EXPECT_TRUE(mainWindow->isVisible());
+}
+
+TEST_F(StartUp, LibraryHeldByAnotherProgramIsToldAndLeftAlone) {
+    folder.write("storage.dat", "");
+    const int holder = ::open((folder.path + "storage.dat").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(holder, LOCK_EX | LOCK_NB), 0);
+    EXPECT_FALSE(startProgram());
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[1], languageText(3));
+    ::close(holder);
+    EXPECT_EQ(folder.read("storage.dat"), "");
+}
+
+}  // namespace numalink

@@ -1,0 +1,235 @@
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeWidget>
+
+#include "calculator/program_info.h"
+#include "shell/command_handler.h"
+#include "shell/command_table.h"
+#include "shell/item_rules.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/label_edit.h"
+#include "shell/menus.h"
+#include "shell/shell_fixture.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/tree_events.h"
+
+namespace numalink {
+
+struct Tree : ShellTest {
+    void SetUp() override {
+        ShellTest::SetUp();
+        ASSERT_TRUE(startProgram());
+    }
+    QStringList rootNames() const {
+        QStringList names;
+        for (int i = 0; i < treeView->topLevelItemCount(); i++) names << treeView->topLevelItem(i)->text(0);
+        return names;
+    }
+};
+
+TEST_F(Tree, ShowsFoldersAndItemsMixedByNameAndHidesTheTemporaryFolder) {
+    add(kind::folder, "beta");
+    add(kind::matrix, "Alpha");
+    add(kind::list, "alpha");
+    const ItemId outer = add(kind::folder, "Outer");
+    add(kind::matrix, "inner", outer);
+    refreshTree();
+    EXPECT_EQ(rootNames(), QStringList({QStringLiteral("Alpha"), QStringLiteral("alpha"), QStringLiteral("beta"),
+                                        QStringLiteral("Outer")}));
+    EXPECT_EQ(treeView->topLevelItem(3)->child(0)->text(0), QStringLiteral("inner"));
+    EXPECT_TRUE(treeView->topLevelItem(3)->isExpanded());
+    EXPECT_EQ(selectedItemId(), noItem);
+}
+
+TEST_F(Tree, StraysAndCirclesStandAtTheRoot) {
+    const auto entry = [](ItemId id, ItemId parent, ItemKind itemKind, const char *name) {
+        return ItemEntry{.id = id, .parent = parent, .kind = itemKind, .name = name};
+    };
+    const std::vector<ItemEntry> items = {
+        entry(2, 99, kind::program, "lost"),  entry(3, 4, kind::folder, "b"),
+        entry(4, 3, kind::folder, "a"),       entry(5, 2, kind::list, "under no folder"),
+        entry(6, 4, kind::list, "in circle"), entry(7, 1, kind::temporaryFolder, "temp"),
+        entry(8, 7, kind::list, "hidden")};
+    const TreeContent content = treeContent(items);
+    EXPECT_EQ(content.strays, 3);
+    ASSERT_EQ(content.entries.size(), 5u);
+    EXPECT_EQ(content.entries[0].name, "lost");
+    EXPECT_EQ(content.entries[2].name, "b");
+    EXPECT_EQ(content.entries[3].name, "a");
+    EXPECT_EQ(content.entries[3].shownUnder, 3u);
+}
+
+TEST_F(Tree, RefreshKeepsSelectionExpansionAndView) {
+    const ItemId shut = add(kind::folder, "shut");
+    const ItemId inside = addProgram("IN", "A", shut);
+    refreshTree();
+    select(inside);
+    treeEntryOf(shut)->setExpanded(false);
+    storeRename(shut, "zzz");
+    add(kind::matrix, "new");
+    refreshTree();
+    EXPECT_FALSE(treeEntryOf(shut)->isExpanded());
+    EXPECT_EQ(selectedItemId(), inside);
+    EXPECT_EQ(viewItemId, inside);
+    storeDelete(shut);
+    refreshTree();
+    EXPECT_EQ(selectedItemId(), noItem);
+    EXPECT_FALSE(programEdit->isVisible());
+}
+
+TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
+    const ItemId program = addProgram("PROG", "A\x0DX\xDD");
+    const ItemId picture = add(kind::picture, "PIC");
+    refreshTree();
+    EXPECT_FALSE(commandEnabled(command::rename));
+    EXPECT_TRUE(commandEnabled(command::newProgram));
+    select(program);
+    EXPECT_TRUE(commandEnabled(command::rename));
+    EXPECT_TRUE(commandEnabled(command::remove));
+    EXPECT_TRUE(programEdit->isVisible());
+    EXPECT_EQ(programEdit->toPlainText().left(3), QStringLiteral("A\nX"));
+    EXPECT_EQ(itemField->text(), textOf(23).replace(QStringLiteral("%d"), QStringLiteral("6")));
+    QTest::keyClick(treeView, Qt::Key_Up);
+    EXPECT_EQ(selectedItemId(), picture);
+    EXPECT_FALSE(programEdit->isVisible());
+}
+
+TEST_F(Tree, NewItemsTakeFreeNamesAndTheirLabelsOpen) {
+    handleCommand(command::newFolder);
+    ASSERT_NE(labelEditor(), nullptr);
+    const QString name = labelEditor()->text();
+    typeKeys(QStringLiteral("Games"));
+    QTest::keyClick(labelEditor(), Qt::Key_Return);
+    handleCommand(command::newFolder);
+    QTest::keyClick(labelEditor(), Qt::Key_Escape);
+    handleCommand(command::newFolder);
+    QTest::keyClick(labelEditor(), Qt::Key_Escape);
+    EXPECT_EQ(rootNames(), QStringList({QStringLiteral("Games"), name, name + QStringLiteral(" 2")}));
+    const ItemId games = storeFindItem("games", rootId);
+    select(games);
+    handleCommand(command::newProgram);
+    ASSERT_NE(labelEditor(), nullptr);
+    typeKeys(QStringLiteral("SNAKE"));
+    QTest::keyClick(labelEditor(), Qt::Key_Return);
+    StoredItem program;
+    ASSERT_TRUE(storeReadItem(storeFindItem("SNAKE", games), program));
+    EXPECT_EQ(program.data, (Bytes{':', 0xFF}));
+    EXPECT_EQ(decodeProgramInfo(program.head)->name, "SNAKE");
+    EXPECT_EQ(selectedItemId(), program.id);
+}
+
+TEST_F(Tree, RefusedNamesAreToldAndStayInTheEditor) {
+    const ItemId program = addProgram("ABC", "A");
+    add(kind::folder, "taken");
+    const ItemId functions = add(kind::functionMemory, "F");
+    refreshTree();
+    const struct {
+        const char *typed;
+        std::string told;
+    } cases[] = {{"NINECHARS", languageText(26)},
+                 {"TAKEN", ownText(OwnText::nameTaken)},
+                 {"", ownText(OwnText::nameEmpty)},
+                 {"\xE2\x82\xAC", ownText(OwnText::nameHasForeignCharacter)}};
+    select(program);
+    QTest::keyClick(mainWindow, Qt::Key_F2);
+    for (const auto &[typed, told] : cases) {
+        ASSERT_NE(labelEditor(), nullptr);
+        labelEditor()->setText(QString::fromUtf8(typed));
+        QTest::keyClick(labelEditor(), Qt::Key_Return);
+        EXPECT_EQ(shown.back(), told);
+        EXPECT_EQ(labelEditor()->text(), QString::fromUtf8(typed));
+    }
+    labelEditor()->setText(QStringLiteral("EIGHTCHR"));
+    QTest::keyClick(labelEditor(), Qt::Key_Return);
+    EXPECT_EQ(labelEditor(), nullptr);
+    EXPECT_EQ(storeReadEntry(program)->name, "EIGHTCHR");
+    select(functions);
+    QTest::keyClick(mainWindow, Qt::Key_F2);
+    ASSERT_NE(labelEditor(), nullptr);
+    labelEditor()->setText(QStringLiteral("NINECHARS"));
+    QTest::keyClick(labelEditor(), Qt::Key_Return);
+    EXPECT_EQ(storeReadEntry(functions)->name, "NINECHARS");
+}
+
+TEST_F(Tree, DragsFollowTheRulesByKind) {
+    EXPECT_TRUE(canDrop(kind::program, 1000) && canDrop(kind::program, 1001) && canDrop(kind::algebraBlock, 1011) &&
+                canDrop(kind::graphFunction, 1004) && canDrop(kind::unknown, 1004));
+    EXPECT_FALSE(canDrop(kind::program, 1005) || canDrop(kind::folder, 1000) || canDrop(1001, 1000));
+    const ItemId folderId = add(kind::folder, "target");
+    const ItemId matrices = storeStandardFolder(1005);
+    const ItemId matrix = add(kind::matrix, "M", matrices);
+    const ItemId program = addProgram("PROG", "A");
+    refreshTree();
+    select(folderId);
+    drag(program, matrix);
+    EXPECT_EQ(storeReadEntry(program)->parent, rootId);
+    EXPECT_EQ(viewItemId, noItem);
+    drag(program, folderId);
+    EXPECT_EQ(storeReadEntry(program)->parent, folderId);
+    EXPECT_FALSE(dragActive);
+    EXPECT_EQ(selectedItemId(), program);
+}
+
+TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
+    const ItemId target = add(kind::folder, "target");
+    addProgram("PROG", "old", target);
+    const ItemId moved = addProgram("prog", "new");
+    refreshTree();
+    drag(moved, target);
+    EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
+    answer(ownText(OwnText::keepBoth));
+    drag(moved, target);
+    EXPECT_EQ(storeListChildren(target).size(), 2u);
+    storeMove(moved, rootId);
+    refreshTree();
+    answer(ownText(OwnText::replace));
+    drag(moved, target);
+    ASSERT_EQ(storeListChildren(target).size(), 1u);
+    EXPECT_EQ(storeListChildren(target)[0].id, moved);
+    EXPECT_EQ(shown.size(), 3u);
+}
+
+TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {
+    const ItemId outer = add(kind::folder, "outer");
+    addProgram("IN", "A", outer);
+    const ItemId program = addProgram("PROG", "A");
+    refreshTree();
+    select(outer);
+    QTest::keyClick(treeView, Qt::Key_Delete);
+    EXPECT_TRUE(storeReadEntry(outer));
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_NE(shown[0].find("outer"), std::string::npos) << shown[0];
+    EXPECT_NE(shown[0].find(ownText(OwnText::folderHolds, {"1"})), std::string::npos);
+    answer("Return");
+    QTest::keyClick(treeView, Qt::Key_Delete);
+    EXPECT_FALSE(storeReadEntry(outer));
+    EXPECT_EQ(storeFindItem("IN", outer), noItem);
+    EXPECT_EQ(selectedItemId(), program);
+    EXPECT_TRUE(treeView->hasFocus());
+}
+
+TEST_F(Tree, HidesAndShowsWithItsColumn) {
+    mainWindow->resize(800, 600);
+    const int width = clientArea->width();
+    EXPECT_EQ(containerWindow->geometry().x(), 212);
+    EXPECT_EQ(containerWindow->width(), width - 212);
+    QTest::mouseClick(treeToggleButton, Qt::LeftButton);
+    EXPECT_FALSE(treeView->isVisible());
+    EXPECT_EQ(containerWindow->geometry().x(), 12);
+    EXPECT_EQ(containerWindow->width(), width - 12);
+    EXPECT_EQ(programEdit->geometry().x(), 52);
+    EXPECT_EQ(treeToggleButton->text(), QStringLiteral(">"));
+    EXPECT_TRUE(commandAction(command::hideTree)->isChecked());
+    QTest::keyClick(mainWindow, Qt::Key_F11);
+    EXPECT_TRUE(treeView->isVisible());
+}
+
+}  // namespace numalink

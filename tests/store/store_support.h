@@ -1,0 +1,91 @@
+// A library on a disk in memory, and what the store's tests ask of it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "store/item_store.h"
+#include "store/store_check.h"
+#include "support/memory_file.h"
+#include "support/scratch_folder.h"
+#include "support/ui_recorder.h"
+
+namespace numalink {
+
+inline bool operator==(const StoredItem &a, const StoredItem &b) {
+    return a.id == b.id && a.parent == b.parent && a.kind == b.kind && a.flags == b.flags && a.name == b.name &&
+           a.head == b.head && a.data == b.data;
+}
+
+struct Store : ::testing::Test {
+    Store() { setLibraryFolder("/library/"); }
+    ~Store() override {
+        storeClose();
+        setLibraryFolder(programFolder());
+    }
+
+    static Bytes &file() { return memoryDisk.files["/library/storage.dat"]; }
+
+    static NewItem item(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},
+                        const Bytes &data = {}) {
+        NewItem made;
+        made.name = name;
+        made.kind = itemKind;
+        made.parent = parent;
+        made.head = head;
+        made.data = data;
+        return made;
+    }
+
+    static ItemId add(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},
+                      const Bytes &data = {}) {
+        return storeAddItem(item(name, itemKind, parent, head, data));
+    }
+
+    static StoredItem read(ItemId id) {
+        StoredItem found;
+        EXPECT_TRUE(storeReadItem(id, found)) << id;
+        return found;
+    }
+
+    static std::vector<StoredItem> allItems() {
+        std::vector<StoredItem> items;
+        for (const ItemEntry &entry : storeListItems()) items.push_back(read(entry.id));
+        return items;
+    }
+
+    // The store closed and opened anew on a file of these bytes, with whatever that shows forgotten.
+    static bool restart(const Bytes &content) {
+        storeClose();
+        file() = content;
+        uiRecord.lines.clear();
+        uiRecord.boxes.clear();
+        return storeOpen();
+    }
+
+    // The file on the disk, by its own bytes: records side by side in slot order, and a head that fits them.
+    static void checkFile() {
+        const Bytes &bytes = file();
+        MainHeader main{};
+        ASSERT_GE(bytes.size(), sizeof main);
+        std::memcpy(&main, bytes.data(), sizeof main);
+        ASSERT_LE(main.itemCount, storeSlotCount);
+        std::uint64_t end = sizeof main;
+        for (std::uint32_t i = 0; i < main.itemCount; i++) {
+            ASSERT_EQ(main.offsets[i], end);
+            ItemHeader head{};
+            ASSERT_LE(end + sizeof head, bytes.size());
+            std::memcpy(&head, bytes.data() + end, sizeof head);
+            EXPECT_STREQ(head.signature, itemSignature);
+            EXPECT_LT(head.id, main.nextId);
+            EXPECT_EQ(storeFindSlot(head.id), static_cast<int>(i));
+            end += recordSize(head);
+        }
+        EXPECT_EQ(main.endOffset, end);
+        EXPECT_LE(end, bytes.size());
+    }
+
+    MemoryFiles disk;
+    RecordedUi ui;
+};
+
+}  // namespace numalink

@@ -1,0 +1,327 @@
+// The library as its callers see it, and the bytes that it leaves on the disk.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calculator/program_info.h"
+#include "settings/language_table.h"
+#include "store/store_support.h"
+
+namespace numalink {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST_F(Store, ANewFileIsOneHeadAndASecondStartHoldsTheTempFolderAlone) {
+    ASSERT_TRUE(storeOpen());
+    EXPECT_TRUE(storeListItems().empty());
+    storeClose();
+    Bytes expected(8032);
+    std::ranges::copy(std::string_view("MAINHEADER    "), expected.begin());
+    writeLittle32(expected, 16, 1000);
+    writeLittle32(expected, 24, 8032);
+    writeLittle32(expected, 8028, 2);
+    EXPECT_EQ(file(), expected);
+
+    ASSERT_TRUE(storeOpen());
+    storeClose();
+    EXPECT_EQ(file().size(), 8124U);
+    EXPECT_EQ(readLittle32(file(), 20), 1U);
+    EXPECT_EQ(readLittle32(file(), 28), 8032U);
+    EXPECT_EQ(readLittle32(file(), 8028), 3U);
+    Bytes record(92);
+    std::ranges::copy(std::string_view("ITEMHEADER    "), record.begin());
+    std::ranges::copy(std::string_view("temp"), record.begin() + 15);
+    writeLittle32(record, 76, 1002);
+    writeLittle32(record, 84, 2);
+    writeLittle32(record, 88, 1);
+    EXPECT_EQ(Bytes(file().begin() + 8032, file().end()), record);
+    EXPECT_THAT(uiRecord.lines, IsEmpty());
+}
+
+TEST_F(Store, ItemsComeBackByteForByteAfterARestart) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("Games", kind::folder, rootId, {}, {});
+    const ItemId item = add("SNAKE", kind::program, folder, {1, 2, 3}, {4, 5});
+    ASSERT_TRUE(storeSetFlags(folder, 1));
+    storeClose();
+    EXPECT_EQ(readLittle32(file(), 8032 + 80), 1U);
+    EXPECT_EQ(Bytes(file().end() - 5, file().end()), (Bytes{1, 2, 3, 4, 5}));
+    ASSERT_TRUE(storeOpen());
+    StoredItem read;
+    ASSERT_TRUE(storeReadItem(item, read));
+    EXPECT_EQ(read.name, "SNAKE");
+    EXPECT_EQ(read.parent, folder);
+    EXPECT_EQ(read.head, (Bytes{1, 2, 3}));
+    EXPECT_EQ(read.data, (Bytes{4, 5}));
+    EXPECT_EQ(storeGetFlags(folder), 1U);
+}
+
+TEST_F(Store, AnAddReplacesOnlyTheSameKindAndNameUnderTheSameParent) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const ItemId old = add("ABC", kind::program, folder, {1}, {1, 1, 1});
+    const ItemId matrix = add("Mat A", kind::matrix, folder, {2}, {2});
+    const ItemId elsewhere = add("abc", kind::program, rootId);
+    std::string renamed;
+    const ItemId replacing = storeAddItem(item("abc", kind::program, folder, {3}, {3}), &renamed);
+    EXPECT_EQ(renamed, "abc");
+    EXPECT_FALSE(storeReadEntry(old));
+    EXPECT_TRUE(storeReadEntry(elsewhere));
+    EXPECT_EQ(storeListItems().size(), 4U);
+    EXPECT_EQ(read(matrix).data, Bytes{2}) << "moved up by the record that went";
+    EXPECT_EQ(read(replacing).data, Bytes{3});
+
+    EXPECT_NE(storeAddItem(item("ABC", kind::list, folder), &renamed), noItem);
+    EXPECT_EQ(renamed, "ABC 2") << "another kind isn't replaced";
+    EXPECT_NE(storeAddItem(item("f", kind::folder, rootId), &renamed), noItem);
+    EXPECT_EQ(renamed, "f 2") << "nor is a folder";
+    NewItem careful = item("abc", kind::program, folder);
+    careful.whenTaken = NameTaken::nextFreeName;
+    EXPECT_NE(storeAddItem(careful, &renamed), noItem);
+    EXPECT_EQ(renamed, "abc 3");
+    careful.whenTaken = NameTaken::keepBoth;
+    EXPECT_NE(storeAddItem(careful, &renamed), noItem);
+    EXPECT_EQ(renamed, "abc");
+    EXPECT_TRUE(storeReadEntry(replacing));
+    checkFile();
+}
+
+TEST_F(Store, ARenamedProgramCarriesItsNameInItsHeadToo) {
+    ASSERT_TRUE(storeOpen());
+    ProgramInfo info;
+    info.name = "PROGRAMX";
+    info.password = "PASS";
+    NewItem program = item("PROGRAMX", kind::program, rootId, encodeProgramInfo(info), {':', 0xFF});
+    ASSERT_NE(storeAddItem(program), noItem);
+    program.whenTaken = NameTaken::nextFreeName;
+    const ItemId second = storeAddItem(program);
+    EXPECT_EQ(read(second).name, "PROGRA 2");
+    EXPECT_EQ(decodeProgramInfo(read(second).head)->name, "PROGRA 2");
+    EXPECT_EQ(decodeProgramInfo(read(second).head)->password, "PASS");
+    EXPECT_EQ(storeFreeName(std::string(60, 'x'), rootId, kind::matrix), std::string(52, 'x'));
+}
+
+TEST_F(Store, StoringAnEditedItemReplacesItsOwnRecordAlone) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId first = add("A", kind::program, rootId, {1}, {1});
+    const ItemId second = add("B", kind::program, rootId, {2}, {2});
+    ASSERT_TRUE(storeRename(second, "A"));
+    ASSERT_TRUE(storeWriteItem(first, item("A", kind::program, rootId, {9}, {9, 9})));
+    EXPECT_EQ(read(first).data, (Bytes{9, 9}));
+    EXPECT_EQ(read(second).data, Bytes{2});
+    EXPECT_EQ(storeFindSlot(first), 1) << "appended behind the other";
+    EXPECT_EQ(storeFindItem("a", rootId), first) << "the lowest id, not the first slot";
+    const ItemId next = storeNextId();
+    const Bytes before = file();
+    EXPECT_FALSE(storeWriteItem(99, item("A", kind::program)));
+    EXPECT_EQ(file(), before);
+    EXPECT_EQ(storeNextId(), next);
+    checkFile();
+}
+
+TEST_F(Store, OperationsOnAnAbsentIdWriteNothing) {
+    ASSERT_TRUE(storeOpen());
+    add("A", kind::program);
+    const std::uint64_t written = memoryDisk.writtenBytes;
+    for (const ItemId id : {ItemId{0}, rootId, ItemId{77}, noItem}) {
+        StoredItem untouched;
+        untouched.name = "kept";
+        EXPECT_FALSE(storeReadItem(id, untouched));
+        EXPECT_EQ(untouched.name, "kept");
+        EXPECT_FALSE(storeRename(id, "B"));
+        EXPECT_FALSE(storeMove(id, rootId));
+        EXPECT_FALSE(storeSetFlags(id, 1));
+        EXPECT_FALSE(storeRewriteHead(id, {}));
+        EXPECT_FALSE(storeDelete(id));
+        EXPECT_EQ(storeFindSlot(id), -1);
+        EXPECT_EQ(storeGetFlags(id), 0U);
+    }
+    EXPECT_EQ(memoryDisk.writtenBytes, written);
+    EXPECT_THAT(uiRecord.lines, IsEmpty());
+    EXPECT_EQ(add("B", kind::program, 77), noItem);
+    EXPECT_EQ(memoryDisk.writtenBytes, written);
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
+}
+
+TEST_F(Store, InPlaceChangesAlterTheirFieldAlone) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const ItemId inner = add("G", kind::folder, folder);
+    const ItemId program = add("A long old name", kind::program, inner, {1, 2}, {3});
+    ASSERT_TRUE(storeRename(program, std::string(60, 'n')));
+    EXPECT_EQ(read(program).name, std::string(52, 'n'));
+    ASSERT_TRUE(storeRename(program, "short"));
+    const Bytes nameField(file().end() - 3 - 77, file().end() - 3 - 24);
+    EXPECT_EQ(nameField[5], 0);
+    EXPECT_EQ(std::ranges::count(nameField, 0), 48) << "nothing of the old names stays";
+    ASSERT_TRUE(storeRewriteHead(program, Bytes{8, 9}));
+    EXPECT_FALSE(storeRewriteHead(program, Bytes{8, 9, 10}));
+    ASSERT_TRUE(storeMove(program, folder));
+    EXPECT_EQ(read(program).parent, folder);
+    EXPECT_EQ(read(program).head, (Bytes{8, 9}));
+    EXPECT_EQ(read(program).data, Bytes{3});
+    for (const ItemId into : {folder, inner, program, ItemId{77}}) EXPECT_FALSE(storeMove(folder, into)) << into;
+    EXPECT_EQ(uiRecord.boxes.size(), 4U);
+    EXPECT_EQ(storeReadEntry(folder)->parent, rootId);
+    checkFile();
+}
+
+TEST_F(Store, DeletingAFolderEmptiesItAtAnyDepthAndClosesTheGaps) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const ItemId stays = add("S", kind::program, rootId, {7}, Bytes(100, 7));
+    const ItemId inner = add("G", kind::folder, folder);
+    add("A", kind::program, inner, {1}, Bytes(50, 1));
+    const ItemId also = add("T", kind::list, rootId, {8}, Bytes(10, 8));
+    add("B", kind::program, folder, {}, {});
+    ASSERT_TRUE(storeDelete(folder));
+    EXPECT_EQ(storeListItems().size(), 2U);
+    EXPECT_EQ(read(stays).data, Bytes(100, 7));
+    EXPECT_EQ(read(also).data, Bytes(10, 8));
+    EXPECT_EQ(readLittle32(file(), 20), 2U) << "the head is written after a delete too";
+    EXPECT_EQ(readLittle32(file(), 24), 8032U + 2 * 92 + 101 + 11);
+    EXPECT_GT(file().size(), readLittle32(file(), 24));
+    checkFile();
+    storeClose();
+    EXPECT_EQ(file().size(), readLittle32(file(), 24)) << "cut at the end";
+}
+
+TEST_F(Store, PathsNameFoldersOnlyAndNeverTheTempFolder) {
+    ASSERT_TRUE(storeOpen());
+    EXPECT_EQ(storeResolvePath("", true), rootId);
+    EXPECT_EQ(storeResolvePath("/", true), rootId);
+    EXPECT_EQ(storeResolvePath("/A/B/", false), noItem);
+    const ItemId inner = storeResolvePath("/A/B", true);
+    EXPECT_EQ(storeResolvePath("/a/b/", false), inner);
+    EXPECT_EQ(storeGetFlags(inner), 1U);
+    add("P", kind::program, inner);
+    EXPECT_EQ(storeResolvePath("/A/B/P/", false), noItem);
+    const ItemId temp = storeTempFolder();
+    EXPECT_EQ(storeReadEntry(temp)->kind, kind::temporaryFolder);
+    EXPECT_EQ(storeTempFolder(), temp);
+    EXPECT_EQ(storeResolvePath("/temp/", false), noItem);
+    EXPECT_FALSE(storeItemExists("temp", rootId));
+    const ItemId own = storeResolvePath("/temp/", true);
+    ASSERT_NE(own, temp);
+    EXPECT_EQ(storeReadEntry(own)->name, "temp");
+    add("kept", kind::program, own);
+    for (int i = 0; i < 2; i++) {
+        NewItem parked = item("X", kind::program, temp);
+        parked.whenTaken = NameTaken::keepBoth;
+        storeAddItem(parked);
+    }
+    EXPECT_EQ(storeListChildren(temp).size(), 2U);
+    ASSERT_TRUE(storeResetTemp());
+    EXPECT_FALSE(storeReadEntry(temp));
+    EXPECT_TRUE(storeListChildren(temp).empty());
+    EXPECT_TRUE(storeItemExists("KEPT", own));
+    EXPECT_THAT(uiRecord.lines, IsEmpty());
+    checkFile();
+}
+
+TEST_F(Store, StandardFoldersAreFoundByKindAndNeverReplace) {
+    ASSERT_TRUE(storeOpen());
+    languageLoad("English", "English");
+    const ItemId taken = add(languageText(15), kind::folder);
+    const ItemId programs = storeStandardFolder(1001);
+    EXPECT_TRUE(storeReadEntry(taken));
+    EXPECT_EQ(storeReadEntry(programs)->name, languageText(15) + " 2");
+    EXPECT_EQ(storeReadEntry(programs)->kind, 1001U);
+    EXPECT_EQ(storeGetFlags(programs), 1U);
+    ASSERT_TRUE(storeRename(programs, "Mine"));
+    EXPECT_EQ(storeStandardFolder(1001), programs);
+    for (const ItemKind other : {kind::temporaryFolder, kind::folder, ItemKind{1012}, kind::program})
+        EXPECT_EQ(storeStandardFolder(other), noItem);
+}
+
+TEST_F(Store, ManyItemsComeAndMoveInOneChange) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const std::vector<ItemId> ids =
+        storeAddItems({item("A", kind::program, folder, {1}, {2}), item("a", kind::list, folder, {}, {3, 4})});
+    ASSERT_THAT(ids, ElementsAre(folder + 1, folder + 2));
+    EXPECT_EQ(read(ids[1]).data, (Bytes{3, 4}));
+    EXPECT_FALSE(storeMoveItems({{ids[0], rootId}, {99, rootId}}));
+    EXPECT_FALSE(storeMoveItems({{ids[0], rootId}, {folder, rootId}}));
+    EXPECT_EQ(storeListChildren(folder).size(), 2U) << "all or none";
+    EXPECT_TRUE(storeMoveItems({{ids[0], rootId}, {ids[1], rootId}}));
+    EXPECT_EQ(storeListChildren(rootId).size(), 3U);
+    checkFile();
+    const Bytes moved = file();
+    ASSERT_TRUE(restart(moved));
+    EXPECT_EQ(read(ids[0]).parent, rootId);
+}
+
+TEST_F(Store, AFullTableRefusesButStillReplaces) {
+    ASSERT_TRUE(storeOpen());
+    std::vector<NewItem> many;
+    while (many.size() <= storeSlotCount)
+        many.push_back(item(std::string("P").append(std::to_string(many.size())), kind::program, rootId, {}, {1}));
+    EXPECT_THAT(storeAddItems(many), IsEmpty()) << "one too many: none of them";
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
+    EXPECT_TRUE(storeListItems().empty());
+    many.pop_back();
+    EXPECT_EQ(storeAddItems(many).size(), storeSlotCount);
+    uiRecord.lines.clear();
+    EXPECT_EQ(add("one more", kind::program), noItem);
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
+    const ItemId replacing = add("P0", kind::program, rootId, {}, {2});
+    EXPECT_EQ(read(replacing).data, Bytes{2});
+    EXPECT_TRUE(storeWriteItem(replacing, item("P0", kind::program, rootId, {}, {3})));
+    EXPECT_EQ(storeListItems().size(), storeSlotCount);
+    checkFile();
+}
+
+TEST_F(Store, AnyOperationThatFailsToWriteLeavesTheLibraryAsItWas) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId folder = add("F", kind::folder);
+    const ItemId first = add("A", kind::program, folder, {1}, Bytes(40, 1));
+    add("B", kind::program, rootId, {2}, Bytes(20, 2));
+    const std::vector<bool (*)(ItemId, ItemId)> operations = {
+        [](ItemId parent, ItemId) { return add("A", kind::program, parent, {3}, Bytes(60, 3)) != noItem; },
+        [](ItemId parent, ItemId id) { return storeWriteItem(id, item("A", kind::program, parent, {4}, {4})); },
+        [](ItemId parent, ItemId) { return storeDelete(parent); },
+        [](ItemId, ItemId id) { return storeRename(id, "C"); },
+        [](ItemId, ItemId) { return storeResetTemp(); },
+    };
+    const Bytes start = file();
+    for (const auto &operation : operations) {
+        ASSERT_TRUE(restart(start));
+        const Bytes before = file();
+        const std::vector<StoredItem> items = allItems();
+        int failing = 1;
+        for (;; failing++) {
+            uiRecord.lines.clear();
+            memoryDisk.operations = 0;
+            memoryDisk.failingFrom = failing;
+            memoryDisk.failingCount = 1;
+            if (operation(folder, first)) break;
+            ASSERT_EQ(uiRecord.lines.size(), 1U);
+            EXPECT_TRUE(uiRecord.lines[0] == "box 166 / 2" || uiRecord.lines[0] == "box 37 / 2");
+            ASSERT_EQ(file(), before) << failing;
+            EXPECT_EQ(allItems(), items);
+        }
+        EXPECT_GT(failing, 2);
+        memoryDisk.failingFrom = 0;
+        checkFile();
+    }
+}
+
+TEST_F(Store, WhatCantBeBroughtBackEndsAllChanges) {
+    ASSERT_TRUE(storeOpen());
+    const ItemId id = add("A", kind::program, rootId, {1}, Bytes(40, 1));
+    memoryDisk.failingFrom = memoryDisk.operations + 1;
+    memoryDisk.failingCount = 1000;
+    EXPECT_FALSE(storeDelete(id));
+    memoryDisk.failingFrom = 0;
+    const Bytes before = file();
+    EXPECT_FALSE(storeRename(id, "B"));
+    EXPECT_EQ(add("C", kind::program), noItem);
+    storeClose();
+    EXPECT_EQ(file(), before);
+    EXPECT_EQ(uiRecord.boxes.size(), 4U);
+}
+
+}  // namespace
+}  // namespace numalink
