@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <memory>
@@ -119,10 +120,13 @@ void installLinkUi() {
         print({{"progress", position}, {"of", maximum}},
               "progress " + std::to_string(position) + " of " + std::to_string(maximum));
     };
-    userInterface.itemReceived = [](std::uint32_t id) { print({{"stored", id}}, "stored " + std::to_string(id)); };
+    userInterface.itemReceived = [](std::uint32_t id) {
+        print(nlohmann::ordered_json::object({{"stored", id}}), "stored " + std::to_string(id));
+    };
     userInterface.transmitQueueChanged = [] {
         const std::size_t count = transmitQueueCount();
-        if (queueShown.exchange(count) != count) print({{"queue", count}}, "queue " + std::to_string(count));
+        if (queueShown.exchange(count) != count)
+            print(nlohmann::ordered_json::object({{"queue", count}}), "queue " + std::to_string(count));
     };
 }
 

@@ -10,6 +10,7 @@
 #include "link/notices.h"
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
+#include "platform/file_port.h"
 #include "platform/serial_line.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
@@ -130,6 +131,9 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
             case EventSort::begin:
                 beginTransmit();
                 return ReadEnd::woken;
+            case EventSort::breakDisk:
+                filePort.writeAt = [](int, std::uint64_t, const void *, std::size_t) { return std::size_t{0}; };
+                break;
             case EventSort::cut:
                 return ReadEnd::gone;
             default:
@@ -287,6 +291,7 @@ std::string playLineScript(const LineScript &script, PlayMode mode) {
     linkIdleLoop(script.algebra ? Family::algebra : Family::cfx);
     if (nextEvent() != nullptr) fail("ended too early");
     serialLine.close();
+    filePort = systemFilePort;
     compareLibrary(script);
     storeClose();
     userInterface = userInterfaceSilent;

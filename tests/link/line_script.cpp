@@ -117,9 +117,10 @@ struct EventWord {
     const char *word;
     EventSort sort;
 };
-constexpr EventWord eventWords[] = {{">", EventSort::sent},    {"<", EventSort::received}, {"<<", EventSort::dropped},
-                                    {"~", EventSort::silence}, {"!", EventSort::shown},    {"tick", EventSort::tick},
-                                    {"cut", EventSort::cut},   {"begin", EventSort::begin}};
+constexpr EventWord eventWords[] = {
+    {">", EventSort::sent},    {"<", EventSort::received},      {"<<", EventSort::dropped},
+    {"~", EventSort::silence}, {"!", EventSort::shown},         {"tick", EventSort::tick},
+    {"cut", EventSort::cut},   {"break", EventSort::breakDisk}, {"begin", EventSort::begin}};
 
 bool parseEvent(LineScript &script, const std::string &word, const std::string &line, int lineNumber) {
     for (const EventWord &row : eventWords) {

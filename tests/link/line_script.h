@@ -17,6 +17,7 @@
 //   ~                             it stays silent: a read gives up
 //   tick                          a second passes, and the timer tests the deadline
 //   cut                           the line is gone
+//   break                         from here on the disk takes nothing
 //   ! status 1                    is shown, also: box 43 2, ask, slot, tree
 //   = Programs/ABC 15             is in the library at the end, followed by its info or head, and data
 //   gone ABC                      an item of "have" that isn't there any more
@@ -42,7 +43,7 @@ struct ScriptItem {
     Bytes data;
 };
 
-enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin };
+enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, breakDisk };
 
 struct ScriptEvent {
     EventSort sort;

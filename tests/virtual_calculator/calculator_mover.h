@@ -23,7 +23,7 @@ struct Moving {
     std::uint64_t byteMicroseconds = 0;    // of the line, both ways at once; 0: no pace
     std::uint64_t answerMilliseconds = 0;  // ahead of each time that it speaks
     std::uint64_t patience = 5000;         // milliseconds of silence until it gives up
-    Faults faults;
+    Faults faults{};
     std::atomic<bool> *stop = nullptr;  // ends it at once
 };
 
