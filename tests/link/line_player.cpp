@@ -293,8 +293,8 @@ std::string playLineScript(const LineScript &script, PlayMode mode) {
     serialLine.close();
     filePort = systemFilePort;
     compareLibrary(script);
+    userInterface = userInterfaceSilent;  // a library that could not be written says so once more
     storeClose();
-    userInterface = userInterfaceSilent;
     clockPort = systemClock;
     serialLine = systemSerialLine;
     return player.fault;

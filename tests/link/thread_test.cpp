@@ -45,11 +45,13 @@ bool wasShown(int number) { return timesShown(number) > 0; }
 template <typename Condition>
 bool waitFor(Condition condition) {
     const std::uint64_t end = tickCount() + patience;
-    while (!condition() && tickCount() < end) {
+    bool holds = condition();
+    while (!holds && tickCount() < end) {
         graphicalCallsServe();
         sleepMilliseconds(2);
+        holds = condition();
     }
-    return condition();
+    return holds;
 }
 
 struct LinkThreads : testing::Test {
