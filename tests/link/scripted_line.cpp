@@ -19,9 +19,11 @@ std::uint64_t lineClock = 1000000;  // microseconds
 std::uint64_t reads = 0;
 std::uint64_t pendingDelay = 0;  // milliseconds of the byte that is late
 
-LineRead timeOut(std::size_t count, std::uint64_t end) {
+// Waits shorter than any answer's time are no silence that the other side gives up at.
+LineRead timeOut(std::size_t count, std::uint64_t end, std::uint64_t limit) {
+    constexpr std::uint64_t shortestAnswerTime = 500;
     lineClock = std::max(lineClock, end);
-    scripted.silence();
+    if (limit >= shortestAnswerTime) scripted.silence();
     return {count, ReadEnd::timeOut};
 }
 
@@ -38,11 +40,11 @@ LineRead readScripted(std::span<std::uint8_t> target, ReadLimits limits) {
         }
         if (incoming.empty()) {
             if (!transmitConversationRuns() && scripted.isOver()) return {count, ReadEnd::gone};
-            return timeOut(count, end);
+            return timeOut(count, end, limit);
         }
         if (lineClock + pendingDelay * 1000 > end) {
             pendingDelay -= std::min(pendingDelay, (end - lineClock) / 1000 + 1);
-            return timeOut(count, end);
+            return timeOut(count, end, limit);
         }
         lineClock += pendingDelay * 1000 + 1000;
         target[count++] = incoming.front();
