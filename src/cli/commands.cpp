@@ -19,6 +19,7 @@ struct CommandRow {
 
 constexpr CommandRow commandRows[] = {
     {"import", "Import item files into a library", declareImport},
+    {"link", "Converse with a calculator over a serial line", declareLink},
     {"list", "List the items of a library", declareList},
     {"show", "Show one item of a library", declareShow},
     {"run", "Run a program of a library on the emulated calculator", declareRun},

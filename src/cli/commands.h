@@ -15,6 +15,7 @@ using CommandRun = std::function<int()>;
 
 // Each declares its options on command and gives what runs once they are parsed.
 CommandRun declareImport(CLI::App &command);
+CommandRun declareLink(CLI::App &command);
 CommandRun declareList(CLI::App &command);
 CommandRun declareEval(CLI::App &command);
 CommandRun declareRun(CLI::App &command);

@@ -1,9 +1,227 @@
 #include "link/transmit_queue.h"
 
+#include <algorithm>
+#include <atomic>
+
+#include "calculator/charset.h"
+#include "link/attention.h"
+#include "link/link_family.h"
+#include "link/notices.h"
+#include "link/outgoing_image.h"
+#include "platform/lock.h"
+#include "platform/user_interface.h"
+#include "settings/language_table.h"
+#include "settings/tell_user.h"
+#include "store/item_store.h"
+
 namespace numalink {
 
-bool transmitAvailable() { return false; }
-bool queueItem(ItemId) { return false; }
-void beginTransmit() {}
+namespace {
+
+struct TransmitQueue {
+    std::vector<QueuedItem> entries;
+    std::vector<ItemId> dropped;  // by the last failure
+};
+
+Lock queueLock;
+TransmitQueue queue GUARDED_BY(queueLock);
+std::atomic<bool> conversationRuns = false;
+
+std::vector<QueuedItem> entriesNow() {
+    const HoldLock hold(queueLock);
+    return queue.entries;
+}
+
+bool append(ItemId id) {
+    const HoldLock hold(queueLock);
+    if (queue.entries.size() >= transmitQueueLimit) return false;
+    queue.entries.push_back({.id = id});
+    return true;
+}
+
+bool tellRefusal(Refusal refusal, const std::string &name) {
+    constexpr OwnText causes[] = {OwnText::refusedKind, OwnText::refusedKind, OwnText::refusedShort,
+                                  OwnText::refusedLong};
+    tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, BoxIcon::none);
+    return false;
+}
+
+enum class Queued { added, refused, full };
+
+Queued queueSingle(ItemId id) {
+    StoredItem item;
+    if (!storeReadItem(id, item)) return Queued::refused;
+    const Refusal refusal = outgoingRefusal(item, linkFamily());
+    if (refusal != Refusal::none) {
+        tellRefusal(refusal, item.name);
+        return Queued::refused;
+    }
+    if (append(id)) return Queued::added;
+    tellUser(OwnText::queueFull, {utf8FromCalculator(item.name)});
+    return Queued::full;
+}
+
+// above: the folders on the way down, so that a circle in a damaged library ends.
+Queued queueFolder(ItemId folder, std::vector<ItemId> &above) {
+    if (std::ranges::find(above, folder) != above.end()) return Queued::added;
+    above.push_back(folder);
+    Queued result = Queued::added;
+    for (const ItemEntry &child : storeListChildren(folder)) {
+        result = isFolderKind(child.kind) ? queueFolder(child.id, above) : queueSingle(child.id);
+        if (result == Queued::full) break;
+    }
+    above.pop_back();
+    return result == Queued::full ? Queued::full : Queued::added;
+}
+
+bool askFor(QueuedItem &entry) {
+    StoredItem item;
+    const auto stored = storeReadEntry(entry.id);
+    if (!stored || (stored->kind != kind::picture && stored->kind != kind::backup)) return true;
+    if (!storeReadItem(entry.id, item)) return true;  // the conversation passes over it
+    if (item.kind == kind::backup) return askBackupConsent(entry, item.name);
+    return askPictureSlotOf(entry, item.name, item.head);
+}
+
+}  // namespace
+
+bool transmitAvailable() { return true; }
+
+bool queueItem(ItemId id) {
+    const auto entry = storeReadEntry(id);
+    if (!entry) return false;
+    std::vector<ItemId> above;
+    const Queued result = isFolderKind(entry->kind) ? queueFolder(id, above) : queueSingle(id);
+    userInterface.transmitQueueChanged();
+    return result == Queued::added;
+}
+
+bool askBackupConsent(QueuedItem &entry, const std::string &name) {
+    if (entry.confirmed) return true;
+    Box box;
+    box.bodyNumber = ownTextNumber(OwnText::askBackup);
+    box.titleNumber = titleOfWarnings;
+    box.arguments = {utf8FromCalculator(name)};
+    box.body = ownText(OwnText::askBackup, box.arguments);
+    box.title = languageText(titleOfWarnings);
+    box.buttons = BoxButtons::okCancel;
+    entry.confirmed = userInterface.messageBox(box) == Answer::ok;
+    return entry.confirmed;
+}
+
+bool askPictureSlotOf(QueuedItem &entry, const std::string &name, ByteView head) {
+    if (const auto slot = slotOfPictureName(name)) entry.slot = *slot;
+    if (entry.slot == 0) entry.slot = userInterface.askPictureSlot(utf8FromCalculator(name), slotOfPictureHead(head));
+    return entry.slot >= 1 && entry.slot <= 6;
+}
+
+bool beginTransmit() {
+    for (QueuedItem &entry : entriesNow()) {
+        const int slot = entry.slot;
+        const bool confirmed = entry.confirmed;
+        if (!askFor(entry)) {
+            const auto stored = storeReadEntry(entry.id);
+            if (stored && stored->kind == kind::picture) return false;  // closed: nothing is sent, the queue stays
+            transmitQueueRemove(entry.id);
+            continue;
+        }
+        if (slot != entry.slot || confirmed != entry.confirmed) transmitQueueAnswered(entry);
+    }
+    if (transmitQueueCount() == 0) return false;
+    attentionWish();
+    userInterface.transmitQueueChanged();
+    return true;
+}
+
+bool transmitCanBegin() { return transmitQueueCount() > 0 && !attentionIsOut() && !conversationRuns; }
+
+std::size_t transmitQueueCount() {
+    const HoldLock hold(queueLock);
+    return queue.entries.size();
+}
+
+std::vector<ItemId> transmitQueueIds() {
+    std::vector<ItemId> ids;
+    for (const QueuedItem &entry : entriesNow()) ids.push_back(entry.id);
+    return ids;
+}
+
+void transmitQueueRemove(ItemId id) {
+    {
+        const HoldLock hold(queueLock);
+        const auto found = std::ranges::find(queue.entries, id, &QueuedItem::id);
+        if (found != queue.entries.end()) queue.entries.erase(found);
+    }
+    userInterface.transmitQueueChanged();
+}
+
+void transmitQueueClear() {
+    {
+        const HoldLock hold(queueLock);
+        queue = {};
+    }
+    userInterface.transmitQueueChanged();
+}
+
+std::size_t transmitDroppedCount() {
+    const HoldLock hold(queueLock);
+    return queue.dropped.size();
+}
+
+std::size_t transmitQueueAgain() {
+    std::vector<ItemId> dropped;
+    {
+        const HoldLock hold(queueLock);
+        dropped.swap(queue.dropped);
+    }
+    std::size_t count = 0;
+    for (const ItemId id : dropped)
+        if (queueItem(id)) count++;
+    userInterface.transmitQueueChanged();
+    return count;
+}
+
+void transmitDeadlineTest() {
+    constexpr int noAnswer = 24;
+    if (!attentionIsOverdue()) return;
+    const std::size_t count = transmitQueueDrop();
+    std::string text = languageText(noAnswer);
+    if (count > 0) text += ". " + ownText(OwnText::queueDropped, {std::to_string(count)});
+    linkNoticeShown();
+    userInterface.statusText(StatusPart::link, noAnswer, text);
+    userInterface.transmitQueueChanged();
+}
+
+std::optional<QueuedItem> transmitQueueFirst() {
+    const HoldLock hold(queueLock);
+    return queue.entries.empty() ? std::nullopt : std::optional(queue.entries.front());
+}
+
+std::size_t transmitQueueDrop() {
+    std::size_t count = 0;
+    {
+        const HoldLock hold(queueLock);
+        count = queue.entries.size();
+        if (count == 0) return 0;
+        queue.dropped.clear();
+        for (const QueuedItem &entry : queue.entries) queue.dropped.push_back(entry.id);
+        queue.entries.clear();
+    }
+    userInterface.transmitQueueChanged();
+    return count;
+}
+
+void transmitQueueAnswered(const QueuedItem &item) {
+    const HoldLock hold(queueLock);
+    for (QueuedItem &entry : queue.entries)
+        if (entry.id == item.id) entry = item;
+}
+
+void transmitConversation(bool runs) {
+    conversationRuns = runs;
+    userInterface.transmitQueueChanged();
+}
+
+bool transmitConversationRuns() { return conversationRuns; }
 
 }  // namespace numalink

@@ -4,6 +4,7 @@
 #include <array>
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 
 namespace numalink {
@@ -22,6 +23,9 @@ std::condition_variable requestChanged;
 std::deque<GraphicalRequest *> waitingRequests;
 std::array<bool, threadRoleCount> refused;
 int served = 0;  // requests in work, one within the other; graphical thread only
+std::map<GraphicalQuestion, std::optional<int>> openQuestions;
+std::deque<std::function<void()>> laterWork;  // nobody waits for it
+GraphicalQuestion lastQuestion = 0;
 
 bool &refusedFor(ThreadRole role) { return refused[static_cast<std::size_t>(role)]; }
 
@@ -52,9 +56,25 @@ bool graphicalCall(GraphicalWork work, void *arguments) {
     return request.done;
 }
 
+namespace {
+
+// One that nobody waits for, if there is one. Called with requestMutex held.
+bool runLaterWork(std::unique_lock<std::mutex> &held) {
+    if (laterWork.empty()) return false;
+    const std::function<void()> work = std::move(laterWork.front());
+    laterWork.pop_front();
+    held.unlock();
+    work();
+    held.lock();
+    return true;
+}
+
+}  // namespace
+
 void graphicalCallsServe() {
     std::unique_lock held(requestMutex);
-    while (!waitingRequests.empty()) {
+    while (runLaterWork(held) || !waitingRequests.empty()) {
+        if (waitingRequests.empty()) continue;
         GraphicalRequest &request = *waitingRequests.front();
         waitingRequests.pop_front();
         request.started = true;
@@ -69,6 +89,31 @@ void graphicalCallsServe() {
 }
 
 bool graphicalCallsBusy() { return served > 0; }
+std::optional<int> graphicalAsk(std::function<void(GraphicalQuestion)> open,
+                                std::function<void(GraphicalQuestion)> close) {
+    std::unique_lock held(requestMutex);
+    const GraphicalQuestion question = ++lastQuestion;
+    openQuestions.emplace(question, std::nullopt);
+    held.unlock();
+    const bool opened = graphicalRun([&] { open(question); });
+    held.lock();
+    std::optional<int> &answer = openQuestions.at(question);
+    requestChanged.wait(held, [&] { return !opened || answer || refusedFor(threadRole); });
+    const std::optional<int> result = answer;
+    openQuestions.erase(question);
+    if (!opened || result) return result;
+    laterWork.push_back([close = std::move(close), question] { close(question); });
+    held.unlock();
+    graphicalWake();
+    return std::nullopt;
+}
+
+void graphicalAnswer(GraphicalQuestion question, int answer) {
+    const std::lock_guard held(requestMutex);
+    const auto found = openQuestions.find(question);
+    if (found != openQuestions.end()) found->second = answer;
+    requestChanged.notify_all();
+}
 
 void graphicalCallsRefuse(ThreadRole caller) { setRefused(caller, true); }
 void graphicalCallsAccept(ThreadRole caller) { setRefused(caller, false); }

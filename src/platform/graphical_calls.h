@@ -2,6 +2,10 @@
 // so that stopping and joining the worker never stands still.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <optional>
+
 #include "platform/thread_role.h"
 
 namespace numalink {
@@ -19,6 +23,15 @@ void graphicalCallsServe();  // graphical thread: runs all that waits; the shell
 // Graphical thread: whether it is in the midst of work for another thread, a box of it open perhaps. That thread can't
 // be joined until the work has returned.
 bool graphicalCallsBusy();
+// A question of a worker that waits for a person. open runs on the graphical thread and returns at once, with a window
+// left open that later calls graphicalAnswer with the number it was given. Unlike a call that has started, the wait
+// ends when calls are refused, even while the window is open: then the result is nothing, and close runs on the
+// graphical thread as soon as it serves. So a worker can be joined from inside the window's own event loop.
+// Both are kept beyond the call: they must hold what they use by value.
+using GraphicalQuestion = std::uint64_t;
+std::optional<int> graphicalAsk(std::function<void(GraphicalQuestion)> open,
+                                std::function<void(GraphicalQuestion)> close);
+void graphicalAnswer(GraphicalQuestion question, int answer);  // graphical thread; a question that is over is ignored
 
 // Called on the worker's thread when work has been queued. Set once, before a worker starts.
 extern void (*graphicalWake)();

@@ -12,7 +12,9 @@ const UserInterface userInterfaceSilent = {
     .leaveCurrentView = [] { return true; },
     .askImport = [](ImportQuestion &question) { question.action = ImportAction::none; },
     .askItemExists = [](const std::string &) { return Answer::cancel; },
-    .askPictureSlot = [](int) { return 0; },
+    .askPictureSlot = [](const std::string &, int) { return 0; },
+    .itemReceived = [](std::uint32_t) {},
+    .transmitQueueChanged = [] {},
     .displayChanged = [] {},
 };
 

@@ -5,6 +5,7 @@
 // All wording is UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,10 @@ struct UserInterface {
     bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
     void (*askImport)(ImportQuestion &question);
     Answer (*askItemExists)(const std::string &question);  // dialog 108: yes, no or cancel
-    int (*askPictureSlot)(int preset);                     // dialog 110: 1 to 6, or 0 when closed
+    // Dialog 110 for the picture of this name, with one of 1 to 6 preset: the slot, or 0 when closed.
+    int (*askPictureSlot)(const std::string &pictureName, int preset);
+    void (*itemReceived)(std::uint32_t id);  // an item has come from a calculator and is in the library
+    void (*transmitQueueChanged)();          // leaves a mark and returns at once: what can be sent has changed
     void (*displayChanged)();                              // leaves a mark and returns at once
 };
 

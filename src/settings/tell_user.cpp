@@ -17,21 +17,40 @@ Box boxOf(int bodyNumber, std::string body, const std::vector<std::string> &argu
     return box;
 }
 
+thread_local HoldBoxes *holder = nullptr;
+
+Answer showOrHold(const Box &box) {
+    if (holder == nullptr || box.buttons != BoxButtons::ok) return userInterface.messageBox(box);
+    holder->boxes.push_back(box);
+    return Answer::ok;
+}
+
 }  // namespace
 
+HoldBoxes::HoldBoxes() : outer(holder) { holder = this; }
+
+HoldBoxes::~HoldBoxes() {
+    holder = outer;
+    show();
+}
+
+void HoldBoxes::show() {
+    const std::vector<Box> shown = std::move(boxes);
+    boxes.clear();
+    for (const Box &box : shown) userInterface.messageBox(box);
+}
+
 Answer tellUser(int bodyNumber, const std::vector<std::string> &arguments, BoxIcon icon, int titleNumber) {
-    return userInterface.messageBox(
-        boxOf(bodyNumber, languageFormat(bodyNumber, arguments), arguments, icon, titleNumber));
+    return showOrHold(boxOf(bodyNumber, languageFormat(bodyNumber, arguments), arguments, icon, titleNumber));
 }
 
 Answer tellUser(OwnText body, const std::vector<std::string> &arguments, BoxIcon icon) {
-    return userInterface.messageBox(
-        boxOf(ownTextNumber(body), ownText(body, arguments), arguments, icon, titleOfWarnings));
+    return showOrHold(boxOf(ownTextNumber(body), ownText(body, arguments), arguments, icon, titleOfWarnings));
 }
 
 Answer tellMore(int bodyNumber, OwnText more, const std::vector<std::string> &arguments, BoxIcon icon) {
     const std::string body = languageText(bodyNumber) + "\n" + ownText(more, arguments);
-    return userInterface.messageBox(boxOf(bodyNumber, body, arguments, icon, titleOfWarnings));
+    return showOrHold(boxOf(bodyNumber, body, arguments, icon, titleOfWarnings));
 }
 
 bool failWith(int bodyNumber, const std::vector<std::string> &arguments) {
@@ -51,7 +70,7 @@ Answer tellFixed(int bodyNumber, const std::string &body, const std::string &tit
     box.title = title;
     box.icon = icon;
     box.buttons = buttons;
-    return userInterface.messageBox(box);
+    return showOrHold(box);
 }
 
 void statusLine(StatusPart part, int textNumber, const std::vector<std::string> &arguments) {

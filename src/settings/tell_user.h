@@ -33,6 +33,19 @@ Answer tellMore(int bodyNumber, OwnText more, const std::vector<std::string> &ar
 Answer tellFixed(int bodyNumber, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
                  BoxButtons buttons = BoxButtons::ok);
 
+// While such an object lives, the boxes of this thread without a choice are kept back; show() shows them in order.
+// For what must happen between a fault and the wait for the user's answer. What isn't shown is shown by the end.
+struct HoldBoxes {
+    HoldBoxes();
+    ~HoldBoxes();
+    HoldBoxes(const HoldBoxes &) = delete;
+    HoldBoxes &operator=(const HoldBoxes &) = delete;
+    void show();
+
+    std::vector<Box> boxes;
+    HoldBoxes *outer;
+};
+
 // A line in the status bar by text number.
 void statusLine(StatusPart part, int textNumber, const std::vector<std::string> &arguments = {});
 void statusLine(StatusPart part, OwnText text, const std::vector<std::string> &arguments = {});

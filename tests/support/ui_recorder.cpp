@@ -47,7 +47,13 @@ constexpr UserInterface recorder = {
             uiRecord.lines.push_back("ask " + question);
             return nextAnswer();
         },
-    .askPictureSlot = [](int) { return 0; },
+    .askPictureSlot =
+        [](const std::string &name, int preset) {
+            uiRecord.lines.push_back("slot " + name + " " + std::to_string(preset));
+            return uiRecord.pictureSlot;
+        },
+    .itemReceived = [](std::uint32_t id) { uiRecord.lines.push_back("received " + std::to_string(id)); },
+    .transmitQueueChanged = [] {},
     .displayChanged = [] {},
 };
 

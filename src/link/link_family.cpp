@@ -1,0 +1,12 @@
+#include "link/link_family.h"
+
+#include "calculator/charset.h"
+#include "settings/settings_store.h"
+
+namespace numalink {
+
+Family linkFamily() {
+    return equalWithoutCase(settingsValue(setting::linkType), "algebra") ? Family::algebra : Family::cfx;
+}
+
+}  // namespace numalink

@@ -1,0 +1,115 @@
+#include "link/link_thread.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "link/attention.h"
+#include "link/conversation.h"
+#include "link/idle_loop.h"
+#include "link/link_family.h"
+#include "link/notices.h"
+#include "link/transmit_queue.h"
+#include "platform/graphical_calls.h"
+#include "platform/serial_line.h"
+#include "platform/thread_role.h"
+#include "settings/settings_store.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't there
+
+std::thread linkThread;
+std::mutex closedMutex;
+std::condition_variable closedChanged;
+
+void tellClosed(const LineOpening &opening) {
+    constexpr int notOpenedText = 44;
+    struct Cause {
+        LineFault fault;
+        OwnText text;
+    };
+    constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
+                                {LineFault::busy, OwnText::portBusy},
+                                {LineFault::denied, OwnText::portDenied},
+                                {LineFault::notSerial, OwnText::portNotSerial},
+                                {LineFault::failed, OwnText::portFailed}};
+    for (const Cause &cause : causes)
+        if (cause.fault == opening.fault)
+            tellMore(notOpenedText, cause.text, {opening.path, opening.group}, BoxIcon::none);
+}
+
+void tellLost(const std::string &path, bool inTransfer) {
+    if (inTransfer) tellUser(OwnText::portLostInTransfer, {path});
+    statusLine(StatusPart::link, OwnText::portLost, {path});
+}
+
+// While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
+void waitClosed() {
+    if (attentionTakeWish()) attentionSent();
+    std::unique_lock held(closedMutex);
+    closedChanged.wait_for(held, lookAgain, [] { return conversationStopped(); });
+}
+
+void converse(Family family, const LineOpening &opening) {
+    constexpr int settingsRefusedText = 38;
+    if (!opening.settingsTaken) tellUser(settingsRefusedText);
+    const bool inTransfer = linkIdleLoop(family);
+    serialLine.close();
+    if (!conversationStopped()) tellLost(opening.path, inTransfer);
+}
+
+void linkThreadBody(Family family, const std::string &port) {
+    threadRole = ThreadRole::link;
+    bool told = false;
+    while (!conversationStopped()) {
+        conversationLineOpened();
+        const LineOpening opening = serialLine.open(port, familyBaud(family));
+        if (opening.fault == LineFault::none && !conversationStopped()) {
+            converse(family, opening);
+            told = true;
+        } else if (!told && !conversationStopped()) {
+            tellClosed(opening);
+            told = true;
+        }
+        if (!conversationStopped()) waitClosed();
+    }
+    serialLine.close();
+}
+
+}  // namespace
+
+void stopLinkThread() {
+    if (!linkThread.joinable()) return;
+    {
+        const std::lock_guard held(closedMutex);
+        conversationStop();
+    }
+    closedChanged.notify_all();
+    graphicalCallsRefuse(ThreadRole::link);
+    serialLine.interrupt();
+    linkThread.join();
+    graphicalCallsAccept(ThreadRole::link);
+    attentionForget();
+    transmitConversation(false);
+}
+
+void startLinkThread() {
+    if (linkThread.joinable()) {
+        const bool cut = linkConversationRuns();
+        stopLinkThread();
+        linkNoticeForget();
+        userInterface.statusText(StatusPart::link, 0, "");
+        if (cut) linkNotice(OwnText::transferStopped);
+    }
+    conversationReset();
+    linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort));
+}
+
+bool linkConversationRuns() { return transmitConversationRuns(); }
+bool linkThreadRuns() { return linkThread.joinable(); }
+
+}  // namespace numalink

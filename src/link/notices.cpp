@@ -1,0 +1,63 @@
+#include "link/notices.h"
+
+#include "platform/clock.h"
+#include "platform/lock.h"
+#include "platform/user_interface.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint64_t noticeMilliseconds = 5000;
+
+struct Notice {
+    bool standing = false;
+    bool atRest = false;  // has been shown while the link was idle
+    std::uint64_t since = 0;
+    int number = 0;
+    std::string text;  // empty for one that is shown elsewhere
+};
+
+Lock noticeLock;
+Notice notice GUARDED_BY(noticeLock);
+
+void keep(const Notice &kept) {
+    const HoldLock hold(noticeLock);
+    notice = kept;
+}
+
+}  // namespace
+
+void linkNotice(OwnText text, const std::vector<std::string> &arguments) {
+    const Notice shown{
+        .standing = true, .since = tickCount(), .number = ownTextNumber(text), .text = ownText(text, arguments)};
+    keep(shown);
+    userInterface.statusText(StatusPart::link, shown.number, shown.text);
+}
+
+void linkNoticeShown() { keep({.standing = true, .atRest = true, .since = tickCount(), .number = 0, .text = {}}); }
+
+void linkNoticeForget() { keep({}); }
+
+NoticeState linkNoticeState() {
+    const HoldLock hold(noticeLock);
+    if (!notice.standing) return NoticeState::none;
+    if (tickCount() - notice.since < noticeMilliseconds) return NoticeState::standing;
+    notice.standing = false;
+    return NoticeState::over;
+}
+
+bool linkNoticeRepeat() {
+    Notice shown;
+    {
+        const HoldLock hold(noticeLock);
+        if (!notice.standing || notice.atRest || notice.text.empty()) return false;
+        notice.atRest = true;
+        notice.since = tickCount();
+        shown = notice;
+    }
+    userInterface.statusText(StatusPart::link, shown.number, shown.text);
+    return true;
+}
+
+}  // namespace numalink

@@ -1,0 +1,22 @@
+// Words in the status bar that aren't a state of the conversation: what was replaced, renamed, dropped. They are shown
+// at once, and again for some seconds when the link is idle, since the conversation writes over them. Any thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "settings/own_texts.h"
+
+namespace numalink {
+
+void linkNotice(OwnText text, const std::vector<std::string> &arguments = {});
+// For a text that is shown elsewhere by its number: it stays for the same time.
+void linkNoticeShown();
+
+enum class NoticeState { none, standing, over };  // over: its time has passed, told once
+NoticeState linkNoticeState();
+bool linkNoticeRepeat();  // the link has come to rest: shows the standing notice once more; false when there is none
+
+void linkNoticeForget();   // ahead of a new start of the link
+
+}  // namespace numalink

@@ -1,0 +1,123 @@
+#include "link/outgoing_image.h"
+
+#include <algorithm>
+
+#include "calculator/charset.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::size_t valueFrameSize = 16;
+constexpr std::size_t slotDigitOffset = 18;
+constexpr std::uint8_t endMark = 0xFF;
+constexpr std::uint64_t longestCfxImage = 65535;
+constexpr std::uint64_t longestAlgebraImage = 65535 - 9;  // its head counts 9 more
+constexpr std::size_t algebraFill = 10;                   // zero bytes between the ':' and the tokens
+
+Refusal textRefusal(const StoredItem &item, Family family) {
+    const auto info = decodeProgramInfo(item.head);
+    if (!info || item.data.empty()) return Refusal::shorterThanHead;
+    const std::size_t length = imageWithChecksumPlace(item.data).size();
+    if (info->imageLength > length) return Refusal::shorterThanHead;
+    return length > (family == Family::cfx ? longestCfxImage : longestAlgebraImage) ? Refusal::tooLong : Refusal::none;
+}
+
+Refusal blockRefusal(const StoredItem &item) {
+    if (item.head.size() != shortHeadFrameSize) return Refusal::shorterThanHead;
+    return item.data.size() < std::size_t{readBig16(item.head, 8)} + 2 ? Refusal::shorterThanHead : Refusal::none;
+}
+
+// Writes the checksum of each whole frame of this length.
+void sumFrames(std::span<std::uint8_t> data, std::size_t length) {
+    for (std::size_t at = 0; at + length <= data.size(); at += length) frameChecksum(data.subspan(at, length));
+}
+
+ProgramInfo sentInfo(const StoredItem &item, std::size_t length) {
+    ProgramInfo info = decodeProgramInfo(item.head).value_or(ProgramInfo{});
+    info.imageLength = static_cast<std::uint32_t>(length);
+    return info;
+}
+
+}  // namespace
+
+Refusal outgoingRefusal(const StoredItem &item, Family family) {
+    const bool isScreen = headFrameLength(item.kind) == shortHeadFrameSize;
+    const bool forAlgebra = item.kind == kind::program || item.kind == kind::algebraBlock;
+    if (isFolderKind(item.kind) || isScreen || (family == Family::algebra && !forAlgebra)) return Refusal::kind;
+    if (isTextKind(item.kind)) return textRefusal(item, family);
+    if (item.kind == kind::algebraBlock) return blockRefusal(item);
+    if (item.head.size() != headFrameSize) return Refusal::shorterThanHead;
+    return item.data.size() < frameDataLength(item.head) ? Refusal::shorterThanHead : Refusal::none;
+}
+
+Bytes imageWithChecksumPlace(ByteView image) {
+    Bytes whole(image.begin(), image.end());
+    const std::size_t end = 1 + programTokens(image).size();
+    if (end + 1 == whole.size() && whole[end] == endMark) whole.push_back(0);
+    if (whole.size() == 1) whole.insert(whole.end(), {endMark, 0});
+    return whole;
+}
+
+Bytes imageWithoutColour(Bytes image) {
+    Bytes kept;
+    kept.reserve(image.size());
+    for (const std::uint8_t byte : image) {
+        if (byte >= 0x34 && byte <= 0x36 && !kept.empty() && kept.back() == 0x7F) {
+            kept.pop_back();
+        } else {
+            kept.push_back(byte);
+        }
+    }
+    return kept;
+}
+
+std::optional<int> slotOfPictureName(std::string_view name) {
+    for (const std::string_view prefix : {"picture", "picture "}) {
+        if (name.size() != prefix.size() + 1 || !startsWithoutCase(name, prefix)) continue;
+        if (name.back() >= '1' && name.back() <= '6') return name.back() - '0';
+    }
+    return std::nullopt;
+}
+
+int slotOfPictureHead(ByteView head) {
+    if (head.size() <= slotDigitOffset) return 1;
+    const std::uint8_t digit = head[slotDigitOffset];
+    return digit >= '1' && digit <= '6' ? digit - '0' : 1;
+}
+
+Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
+    Outgoing outgoing{.head = item.head, .data = item.data};
+    if (isTextKind(item.kind)) {
+        outgoing.data = imageWithChecksumPlace(item.data);
+        if (removeColour) outgoing.data = imageWithoutColour(std::move(outgoing.data));
+        outgoing.head = *buildHeadFrame(item.kind, Family::cfx, sentInfo(item, outgoing.data.size()));
+    }
+    if (item.kind == kind::picture) {
+        outgoing.head[slotDigitOffset] = static_cast<std::uint8_t>('0' + slot);
+        outgoing.frameLength = picturePlaneLength(outgoing.head);
+        outgoing.chunk = 1;
+    }
+    if (item.kind == kind::matrix || item.kind == kind::list) outgoing.frameLength = valueFrameSize;
+    frameChecksum(outgoing.head);
+    if (outgoing.frameLength == 0) {
+        frameChecksum(outgoing.data);
+    } else {
+        sumFrames(outgoing.data, outgoing.frameLength);
+    }
+    return outgoing;
+}
+
+Outgoing outgoingToAlgebra(const StoredItem &item) {
+    if (item.kind == kind::algebraBlock) return {.head = item.head, .data = item.data};
+    Bytes data = imageWithChecksumPlace(item.data);
+    Outgoing outgoing{.head = *buildHeadFrame(kind::program, Family::algebra, sentInfo(item, data.size())), .data = {}};
+    data.back() = 0;
+    data.insert(data.begin() + 1, algebraFill, 0);
+    data.push_back(0);
+    frameChecksum(data);
+    outgoing.data = std::move(data);
+    return outgoing;
+}
+
+}  // namespace numalink

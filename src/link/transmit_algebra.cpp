@@ -1,0 +1,65 @@
+// To an ALGEBRA calculator: model frames are exchanged, then each queued program or block goes as head and data, and
+// at the end the closing frame. Every frame goes a byte at a time. A failure leaves the queue as it is.
+#include "calculator/charset.h"
+#include "link/control_bytes.h"
+#include "link/conversation.h"
+#include "link/conversations.h"
+#include "link/transmit_end.h"
+#include "settings/language_table.h"
+
+namespace numalink {
+
+namespace {
+
+bool isConfirmed() {
+    const auto answer = readByte(Wait::lasting);
+    return answer == control::acknowledge || failUnconfirmed(answer);
+}
+
+// Steps 2 to 4.
+bool exchangeModels() {
+    sendSlowly(*buildHeadFrame(kind::modelFrame, Family::algebra, {}));
+    Bytes model(shortHeadFrameSize);
+    if (!readGoodFrame(model, Wait::lasting, true)) return failChecksum();
+    send(control::acknowledge);
+    return isConfirmed();
+}
+
+// Step 5.
+bool transmitItem(const NextItem &next) {
+    constexpr int sendingText = 39;
+    const Refusal refusal = outgoingRefusal(next.item, Family::algebra);
+    if (refusal != Refusal::none) return tellCannotGo(next, refusal);
+    linkStatus(sendingText, languageFormat(sendingText, {utf8FromCalculator(next.item.name)}));
+    const Outgoing outgoing = outgoingToAlgebra(next.item);
+    sendSlowly(outgoing.head);
+    if (!isConfirmed()) return false;
+    sendSlowly(outgoing.data);
+    if (!isConfirmed()) return false;
+    tellSent(next);
+    return true;
+}
+
+bool transmitQueued() {
+    while (auto next = nextToTransmit())
+        if (!transmitItem(*next)) return false;
+    return !conversationOver();
+}
+
+}  // namespace
+
+void transmitToAlgebra() {
+    constexpr int answeringText = 103;
+    constexpr int closingText = 107;
+    constexpr int finishedText = 101;
+    linkStatus(answeringText);
+    if (exchangeModels() && transmitQueued()) {
+        linkStatus(closingText);
+        sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
+        clearSentFromTemp();
+        linkStatus(finishedText);
+    }
+    clearSentFromTemp();
+}
+
+}  // namespace numalink

@@ -1,0 +1,276 @@
+// The real line: Asio opens, sets and reads the device; what has to reach past Asio (locks, writes from other
+// threads) speaks to its descriptor.
+#include "platform/serial_line.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <asio/io_context.hpp>
+#include <asio/post.hpp>
+#include <asio/serial_port.hpp>
+#include <asio/steady_timer.hpp>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+
+#include "platform/lock.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr unsigned bitsPerByte = 11;       // start, 8 data, 2 stop
+constexpr int outputAhead = 256;           // bytes that may wait in the system before more are written
+constexpr int outputPollMilliseconds = 5;  // how often a full output is looked at, and an interrupt seen
+
+struct Line {
+    asio::io_context context{1};
+    asio::serial_port device{context};
+    asio::steady_timer timer{context};
+    std::atomic<int> descriptor = -1;
+    std::atomic<bool> woken = false;
+    std::atomic<bool> interrupted = false;
+    std::atomic<unsigned> baud = 9600;
+    std::atomic<std::uint64_t> freeAt = 0;  // microseconds: when all that was written has left the line
+};
+
+Line &line() {
+    static Line instance;
+    return instance;
+}
+
+Lock writeLock;  // one write at a time, and none on a descriptor that is being closed
+
+std::uint64_t now() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<std::uint64_t>(time.tv_sec) * 1000000 + static_cast<std::uint64_t>(time.tv_nsec) / 1000;
+}
+
+void sleepTo(std::uint64_t deadline) {
+    const timespec time{.tv_sec = static_cast<time_t>(deadline / 1000000),
+                        .tv_nsec = static_cast<long>(deadline % 1000000 * 1000)};
+    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr) == EINTR) {
+    }
+}
+
+LineFault faultOf(int cause) {
+    switch (cause) {
+        case ENOENT:
+        case ENXIO:
+        case ENODEV:
+        case ENOTDIR:
+        case EIO:
+            return LineFault::missing;
+        case EBUSY:
+            return LineFault::busy;
+        case EACCES:
+        case EPERM:
+            return LineFault::denied;
+        case ENOTTY:
+        case EISDIR:
+        case EINVAL:
+            return LineFault::notSerial;
+        default:
+            return LineFault::failed;
+    }
+}
+
+std::string groupOf(const std::string &path) {
+    struct stat facts {};
+    if (stat(path.c_str(), &facts) != 0) return {};
+    group record{};
+    group *found = nullptr;
+    char texts[4096];
+    if (getgrgid_r(facts.st_gid, &record, texts, sizeof texts, &found) != 0 || found == nullptr) return {};
+    return record.gr_name;
+}
+
+bool applySettings(asio::serial_port &device, unsigned baud) {
+    bool taken = true;
+    const auto set = [&](auto option) {
+        asio::error_code fault;
+        device.set_option(option, fault);
+        taken = taken && !fault;
+    };
+    using Port = asio::serial_port_base;
+    set(Port::baud_rate(baud));
+    set(Port::character_size(8));
+    set(Port::parity(Port::parity::none));
+    set(Port::stop_bits(Port::stop_bits::two));
+    set(Port::flow_control(Port::flow_control::none));
+    return taken;
+}
+
+void closeLine() {
+    const HoldLock hold(writeLock);
+    Line &own = line();
+    const int descriptor = own.descriptor.exchange(-1);
+    if (descriptor < 0) return;
+    tcflush(descriptor, TCOFLUSH);  // else closing waits until a stuck line has taken it all
+    ioctl(descriptor, TIOCNXCL);
+    asio::error_code ignored;
+    own.device.close(ignored);
+}
+
+// Exclusive twice over: TIOCEXCL keeps out programs that know nothing of locks, the lock also those of root.
+LineFault takeExclusively(int descriptor) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return LineFault::busy;
+    return ioctl(descriptor, TIOCEXCL) == 0 ? LineFault::none : faultOf(errno);
+}
+
+LineOpening openLine(const std::string &name, unsigned baud) {
+    closeLine();
+    Line &own = line();
+    LineOpening opening{.path = serialDevicePath(name), .group = {}};
+    // Asio would alter the settings of a device that somebody else is using before we could lock it.
+    const int probe = ::open(opening.path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    opening.fault = probe < 0 ? faultOf(errno) : isatty(probe) == 0 ? LineFault::notSerial : takeExclusively(probe);
+    if (opening.fault == LineFault::denied) opening.group = groupOf(opening.path);
+    if (opening.fault != LineFault::none) {
+        if (probe >= 0) ::close(probe);
+        return opening;
+    }
+    termios state{};
+    if (tcgetattr(probe, &state) == 0) {
+        cfmakeraw(&state);
+        state.c_iflag |= IGNPAR;
+        state.c_cflag |= CREAD | CLOCAL;
+        tcsetattr(probe, TCSANOW, &state);
+    }
+    asio::error_code fault;
+    own.device.assign(probe, fault);
+    if (fault) {
+        ::close(probe);
+        opening.fault = LineFault::failed;
+        return opening;
+    }
+    opening.settingsTaken = applySettings(own.device, baud);
+    tcflush(probe, TCIFLUSH);
+    own.woken = false;
+    own.interrupted = false;
+    own.baud = baud;
+    own.freeAt = 0;
+    own.descriptor = probe;
+    return opening;
+}
+
+std::chrono::steady_clock::time_point timePoint(std::uint64_t microseconds) {
+    return std::chrono::steady_clock::time_point(std::chrono::microseconds(microseconds));
+}
+
+// One wait for bytes up to the deadline (0: none). Count 0 and complete: woken by nobody, look again.
+LineRead readSome(std::span<std::uint8_t> target, std::uint64_t deadline) {
+    Line &own = line();
+    LineRead result;
+    bool readDone = false;
+    bool timerDone = deadline == 0;
+    bool late = false;
+    asio::error_code fault;
+    own.context.restart();
+    own.device.async_read_some(asio::buffer(target.data(), target.size()),
+                               [&](const asio::error_code &code, std::size_t count) {
+                                   fault = code;
+                                   result.count = count;
+                                   readDone = true;
+                                   own.timer.cancel();
+                               });
+    if (deadline != 0) {
+        own.timer.expires_at(timePoint(deadline));
+        own.timer.async_wait([&](const asio::error_code &code) {
+            timerDone = true;
+            late = !code;
+            asio::error_code ignored;
+            if (!readDone) own.device.cancel(ignored);
+        });
+    }
+    while (!readDone || !timerDone) own.context.run_one();
+    if (result.count > 0) return result;
+    if (fault && fault != asio::error::operation_aborted) result.end = ReadEnd::gone;
+    if (fault == asio::error::operation_aborted && late) result.end = ReadEnd::timeOut;
+    return result;
+}
+
+LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
+    Line &own = line();
+    LineRead read;
+    const std::uint64_t start = std::max(now(), own.freeAt.load());
+    std::uint64_t lastByte = start;
+    while (read.count < target.size()) {
+        if (own.interrupted || own.woken.exchange(false)) return {read.count, ReadEnd::woken};
+        if (own.descriptor < 0) return {read.count, ReadEnd::gone};
+        std::uint64_t deadline = limits.total == 0 ? 0 : start + limits.total * 1000;
+        const std::uint64_t quietEnd = lastByte + limits.quiet * 1000;
+        if (limits.quiet != 0 && (deadline == 0 || quietEnd < deadline)) deadline = quietEnd;
+        const LineRead some = readSome(target.subspan(read.count), deadline);
+        read.count += some.count;
+        if (some.count > 0) lastByte = now();
+        if (some.end != ReadEnd::complete) return {read.count, some.end};
+    }
+    return read;
+}
+
+// Waits until little enough is waiting in the system, so that a stop and the progress shown are honest.
+bool waitForRoom(int descriptor) {
+    Line &own = line();
+    for (;;) {
+        if (own.interrupted) return false;
+        int waiting = 0;
+        pollfd entry{.fd = descriptor, .events = POLLOUT, .revents = 0};
+        const int ready = poll(&entry, 1, outputPollMilliseconds);
+        if (ready > 0 && (entry.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) return false;
+        if (ready <= 0) continue;
+        if (ioctl(descriptor, TIOCOUTQ, &waiting) != 0 || waiting < outputAhead) return true;
+        sleepTo(now() + outputPollMilliseconds * 1000);
+    }
+}
+
+bool writeLine(ByteView bytes) {
+    const HoldLock hold(writeLock);
+    Line &own = line();
+    const int descriptor = own.descriptor;
+    if (descriptor < 0) return false;
+    const std::uint64_t lineTime = bytes.size() * bitsPerByte * 1000000 / own.baud;
+    own.freeAt = std::max(now(), own.freeAt.load()) + lineTime;
+    while (!bytes.empty()) {
+        if (!waitForRoom(descriptor)) return false;
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EAGAIN && errno != EINTR) return false;
+        if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+// The read sees the mark itself; the posted work gets it out of its wait.
+void endWait(std::atomic<bool> &mark) {
+    mark = true;
+    asio::post(line().context, [] {
+        asio::error_code ignored;
+        line().device.cancel(ignored);
+    });
+}
+
+}  // namespace
+
+const SerialLine systemSerialLine = {
+    .open = openLine,
+    .read = readLine,
+    .close = closeLine,
+    .write = writeLine,
+    .wake = [] { endWait(line().woken); },
+    .interrupt = [] { endWait(line().interrupted); },
+    .microseconds = now,
+    .sleepUntil = sleepTo,
+};
+
+SerialLine serialLine = systemSerialLine;
+
+}  // namespace numalink

@@ -1,0 +1,331 @@
+#include "link/campaign.h"
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+#include "link/attention.h"
+#include "link/conversation.h"
+#include "link/idle_loop.h"
+#include "link/notices.h"
+#include "link/scripted_line.h"
+#include "link/transmit_queue.h"
+#include "settings/settings_store.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+#include "virtual_calculator/calculator_mover.h"
+
+namespace numalink {
+
+namespace {
+
+using calculator::Calculator;
+using calculator::Item;
+
+struct Case {
+    std::uint64_t seed = 0;
+    std::mt19937_64 chance;
+    bool algebra = false;
+    bool receives = false;  // the program does
+    bool faulty = false;
+    calculator::Faults faults;
+    double late = 0;
+    Calculator other;
+    std::deque<std::uint8_t> stray;  // said at once, whatever the calculator's state
+    std::vector<Item> items;
+    std::string fault;
+};
+
+Case *current = nullptr;
+CampaignResult result;
+int lastStatus = 0;
+
+std::uint64_t roll(std::uint64_t below) { return current->chance() % below; }
+bool oneIn(std::uint64_t count) { return roll(count) == 0; }
+
+void fail(const std::string &what) {
+    if (current->fault.empty()) current->fault = "seed " + std::to_string(current->seed) + ": " + what;
+}
+
+Bytes randomBytes(std::size_t count, std::uint64_t values) {
+    Bytes bytes(count);
+    for (std::uint8_t &byte : bytes) byte = static_cast<std::uint8_t>(roll(values));
+    return bytes;
+}
+
+std::string randomName() { return std::string(1, static_cast<char>('A' + roll(6))); }
+
+Item randomItem(bool algebra) {
+    const std::string name = randomName();
+    const auto seed = static_cast<std::uint8_t>(roll(256));
+    const int rows = static_cast<int>(1 + roll(4));
+    if (algebra && oneIn(2))
+        return calculator::algebraBlock(name, static_cast<std::uint8_t>(2 + roll(5)), 2 + roll(300), seed);
+    if (algebra) return calculator::algebraProgram(name, randomBytes(roll(300), 255));
+    switch (roll(8)) {
+        case 0:
+            return calculator::valueItem("MT", name, "", rows, static_cast<int>(1 + roll(3)), seed);
+        case 1:
+            return calculator::valueItem("LT", name, oneIn(2) ? "File1" : "", rows, 1, seed);
+        case 2:
+            return calculator::memory(oneIn(2) ? "GM" : "GF", name, 2 + roll(200), seed);
+        case 3:
+            return calculator::picture(8 * rows, 16, 1, static_cast<int>(1 + roll(3)), seed);
+        case 4:
+            return current->receives ? calculator::screenCopy(oneIn(2), 64, 128, seed)
+                                     : calculator::program(name, {1, 2});
+        case 5:
+            return calculator::memory("BU", name, 2 + roll(500), seed);
+        default:
+            return calculator::program(name, randomBytes(roll(200), 255));
+    }
+}
+
+// A head that promises something else than what follows, or nothing that is known.
+void spoilItem(Item &item) {
+    switch (roll(6)) {
+        case 0:
+            item.head[1] = static_cast<std::uint8_t>(roll(256));
+            break;
+        case 1:
+            for (const std::size_t at : {7u, 8u, 9u, 10u}) item.head[at] = static_cast<std::uint8_t>(roll(256));
+            break;
+        case 2:
+            item.head[9] = item.head[10] = item.head[8] = 0xFF;
+            break;
+        case 3:
+            item.head = calculator::closingFrame(current->algebra);
+            break;
+        case 4:
+            item.data.resize(roll(item.data.size() + 1));
+            break;
+        default:
+            for (std::size_t at = 32; at < 36 && at < item.head.size(); at++)
+                item.head[at] = static_cast<std::uint8_t>(roll(256));
+    }
+    if (oneIn(2)) calculator::setSum(item.head);
+}
+
+void chooseFaults(Case &one) {
+    one.faulty = !oneIn(4);
+    if (!one.faulty) return;
+    constexpr double rates[] = {0, 0.0005, 0.005, 0.05};
+    one.faults.lost = rates[roll(4)];
+    one.faults.doubled = rates[roll(4)];
+    one.faults.flipped = rates[roll(4)];
+    one.faults.chance.seed(one.seed * 7 + 1);
+    one.late = rates[roll(4)];
+    if (oneIn(8)) one.other.manners.headAnswer = static_cast<std::uint8_t>(roll(256));
+    if (oneIn(8)) one.other.manners.dataAnswer = static_cast<std::uint8_t>(roll(256));
+    one.other.manners.silent = oneIn(20);
+    one.other.manners.silentAfterHead = oneIn(20);
+    if (oneIn(10))
+        for (const std::uint8_t byte : randomBytes(roll(300), 256)) one.stray.push_back(byte);
+}
+
+void chooseItems(Case &one) {
+    const std::size_t count = 1 + roll(3);
+    for (std::size_t i = 0; i < count; i++) {
+        Item item = randomItem(one.algebra);
+        if (one.faulty && one.receives && oneIn(3)) spoilItem(item);
+        one.items.push_back(item);
+        if (one.receives) one.other.toSend.push_back(item);
+        if (calculator::isLastByNature(item.head)) break;
+    }
+    constexpr std::uint8_t answers[] = {0x06, 0x15, 0x18};
+    one.other.manners.existsAnswer = answers[one.faulty ? roll(3) : 0];
+    if (!one.algebra && !one.receives && oneIn(4)) one.other.manners.headAnswer = 0x21;
+}
+
+ScriptedLine lineOf(Case &one) {
+    return {.hear =
+                [&one](std::uint8_t byte) {
+                    for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte)) hear(one.other, spoilt);
+                },
+            .speak =
+                [&one](std::deque<std::uint8_t> &incoming) {
+                    for (const std::uint8_t byte : one.other.said)
+                        for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte))
+                            incoming.push_back(spoilt);
+                    one.other.said.clear();
+                    if (!one.stray.empty() && oneIn(4)) {
+                        incoming.push_back(one.stray.front());
+                        one.stray.pop_front();
+                    }
+                },
+            .silence =
+                [&one] {
+                    hearSilence(one.other);
+                    transmitDeadlineTest();
+                },
+            .delay =
+                [&one] {
+                    if (one.late == 0) return std::uint64_t{0};
+                    const bool late = std::uniform_real_distribution<double>(0, 1)(one.chance) < one.late;
+                    return late ? roll(15000) : std::uint64_t{0};
+                },
+            .isOver =
+                [&one] {
+                    const bool rests =
+                        one.other.state == calculator::State::over || one.other.state == calculator::State::rest;
+                    return rests && one.other.said.empty() && one.stray.empty() && !attentionIsOut();
+                }};
+}
+
+Answer answerBox(const Box &box) {
+    static const std::set<int> known{0, 24, 41, 42, 43, 45, 51, 106, 108, 172};
+    result.shown[std::to_string(box.bodyNumber)]++;
+    if (!known.contains(box.bodyNumber)) fail("box " + std::to_string(box.bodyNumber));
+    if (!current->faulty) fail("a box without a fault: " + box.body);
+    return Answer::ok;
+}
+
+void installUi() {
+    userInterface = userInterfaceSilent;
+    userInterface.messageBox = [](const Box &box) {
+        return box.buttons == BoxButtons::okCancel ? Answer::ok : answerBox(box);
+    };
+    userInterface.statusText = [](StatusPart, int number, const std::string &) { lastStatus = number; };
+    userInterface.askItemExists = [](const std::string &) {
+        constexpr Answer answers[] = {Answer::yes, Answer::no, Answer::cancel};
+        return answers[current->faulty ? roll(3) : 0];
+    };
+    userInterface.askPictureSlot = [](const std::string &, int) { return static_cast<int>(1 + roll(6)); };
+}
+
+// Everything in the library is whole: lengths as the heads tell them, and all sums good.
+void checkItem(const StoredItem &item) {
+    const std::string name = "kind " + std::to_string(item.kind);
+    if (isTextKind(item.kind)) {
+        const auto info = decodeProgramInfo(item.head);
+        if (!info || info->imageLength != item.data.size()) fail("a cut program");
+        return;
+    }
+    const bool block = item.kind == kind::algebraBlock;
+    if (calculator::headLength(item.head) != item.head.size() || !calculator::isGood(item.head))
+        fail("a bad head, " + name);
+    if (!block && item.kind != kind::picture && calculator::dataLength(item.head) != item.data.size() &&
+        readBig16(item.head, 7) == 0)
+        fail("cut data, " + name);
+    const std::size_t frame = block ? 0 : calculator::frameLength(item.head);
+    const std::size_t step = frame == 0 ? item.data.size() : frame;
+    for (std::size_t at = 0; step > 0 && item.kind != kind::colourScreen && at < item.data.size(); at += step) {
+        const auto begin = item.data.begin() + static_cast<std::ptrdiff_t>(at);
+        const std::size_t end = std::min(step, item.data.size() - at);
+        if (!calculator::isGood(Bytes(begin, begin + static_cast<std::ptrdiff_t>(end)))) fail("a bad frame, " + name);
+    }
+}
+
+// Without faults each item has to be there as it was sent, unless a later one took its place.
+void checkAllThere(const Case &one) {
+    std::vector<StoredItem> stored;
+    for (const ItemEntry &entry : storeListItems()) {
+        StoredItem item;
+        if (!isFolderKind(entry.kind) && storeReadItem(entry.id, item)) stored.push_back(item);
+    }
+    const Item &last = one.items.back();
+    const bool there = std::ranges::any_of(stored, [&](const StoredItem &item) {
+        if (!one.algebra || last.head[10] != 1) return item.data == last.data;
+        Bytes image{':'};
+        image.insert(image.end(), last.data.begin() + 11, last.data.end() - 2);
+        image.push_back(0xFF);
+        return item.data == image;
+    });
+    if (!there) fail("an item is missing");
+}
+
+void queueItems(const Case &one) {
+    for (const Item &item : one.items) {
+        ItemKind itemKind = one.algebra ? kind::algebraBlock : classifyFrame(ByteView(item.head).subspan(1));
+        NewItem stored{.name = randomName(), .kind = itemKind, .head = item.head, .data = item.data};
+        if (one.algebra && item.head[10] == 1) {
+            stored.kind = kind::program;
+            stored.data = calculator::program("X", randomBytes(roll(300), 255)).data;
+        }
+        if (isTextKind(stored.kind))
+            stored.head = encodeProgramInfo(
+                {.imageLength = static_cast<std::uint32_t>(stored.data.size()), .name = stored.name, .password = {}});
+        stored.whenTaken = NameTaken::nextFreeName;
+        const ItemId id = storeAddItem(stored);
+        if (id == noItem || !queueItem(id)) fail("an item can't be queued");
+    }
+}
+
+void checkAfter(const Case &one) {
+    std::uint64_t count = 0;
+    for (const ItemEntry &entry : storeListItems()) {
+        StoredItem item;
+        if (isFolderKind(entry.kind)) continue;
+        if (!storeReadItem(entry.id, item)) fail("an item can't be read");
+        if (one.receives) checkItem(item);
+        count++;
+    }
+    if (one.receives) result.stored += count;
+    result.transmitted += one.other.received.size();
+    const int idle = one.algebra ? 102 : 1;
+    if (lastStatus != idle && lastStatus != 172 && lastStatus != 24) fail("not idle: status " + std::to_string(lastStatus));
+    if (transmitConversationRuns()) fail("not idle");
+    if (scriptedLineReads() >= 400000) fail("no end");
+    if (one.faulty) return;
+    result.faultless++;
+    if (one.receives) checkAllThere(one);
+    if (!one.receives && one.other.received.size() != one.items.size()) fail("not all items were transmitted");
+    if (!one.receives && transmitQueueCount() != 0) fail("the queue is not empty");
+}
+
+void emptyLibrary() {
+    for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
+    transmitQueueClear();
+    attentionForget();
+    linkNoticeForget();
+}
+
+void runOne(Case &one) {
+    current = &one;
+    one.chance.seed(one.seed);
+    one.algebra = oneIn(2);
+    one.receives = oneIn(2);
+    settingsSetValue(setting::linkType, one.algebra ? "algebra" : "cfx");
+    settingsSetInt(setting::removeColor, static_cast<int>(roll(2)));
+    one.other.algebra = one.algebra;
+    chooseFaults(one);
+    chooseItems(one);
+    emptyLibrary();
+    scriptedLineInstall(lineOf(one));
+    conversationReset();
+    conversationLineOpened();
+    if (one.receives) {
+        if (!one.algebra && oneIn(2)) one.other.manners.attention = 0x15;
+        startSending(one.other);
+    } else {
+        queueItems(one);
+        if (!beginTransmit()) fail("nothing to transmit");
+    }
+    linkIdleLoop(one.algebra ? Family::algebra : Family::cfx);
+    checkAfter(one);
+}
+
+}  // namespace
+
+CampaignResult runCampaign(std::uint64_t first, std::uint64_t count) {
+    const ScratchFolder folder;
+    result = {};
+    installUi();
+    if (!storeOpen()) result.fault = "no library";
+    for (std::uint64_t seed = first; seed < first + count && result.fault.empty(); seed++) {
+        Case one;
+        one.seed = seed;
+        runOne(one);
+        result.conversations++;
+        result.fault = one.fault;
+        if (seed % 200 != 0) continue;
+        storeClose();
+        if (!storeOpen() || storeIsDamaged()) result.fault = "a damaged library after seed " + std::to_string(seed);
+    }
+    storeClose();
+    scriptedLineRemove();
+    userInterface = userInterfaceSilent;
+    return result;
+}
+
+}  // namespace numalink

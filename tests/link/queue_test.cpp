@@ -1,0 +1,108 @@
+// What may wait for a calculator, and what is refused by name.
+#include <gtest/gtest.h>
+
+#include "link/attention.h"
+#include "link/outgoing_image.h"
+#include "link/transmit_queue.h"
+#include "platform/serial_line.h"
+#include "settings/language_table.h"
+#include "settings/settings_store.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+#include "support/ui_recorder.h"
+
+namespace numalink {
+
+namespace {
+
+Bytes infoOf(std::uint32_t length) { return encodeProgramInfo({.imageLength = length, .name = "P", .password = {}}); }
+
+struct Queue : testing::Test {
+    void SetUp() override {
+        languageLoad("English", "English");
+        settingsSetValue(setting::linkType, "cfx");
+        ASSERT_TRUE(storeOpen());
+        transmitQueueClear();
+        attentionForget();
+    }
+    void TearDown() override { storeClose(); }
+
+    ItemId add(const std::string &name, ItemKind itemKind, Bytes head, Bytes data, ItemId parent = rootId) {
+        return storeAddItem({.name = name,
+                             .parent = parent,
+                             .kind = itemKind,
+                             .head = head,
+                             .data = data,
+                             .whenTaken = NameTaken::nextFreeName});
+    }
+    ItemId addProgram(const std::string &name, ItemId parent = rootId) {
+        return add(name, kind::program, infoOf(3), {':', 0xFF, 0}, parent);
+    }
+    ItemId addFolder(const std::string &name, ItemId parent) { return add(name, kind::folder, {}, {}, parent); }
+
+    ScratchFolder folder;
+    RecordedUi recorded;
+};
+
+TEST_F(Queue, takesAllThatAFolderHoldsButWhatCannotGo) {
+    const ItemId outer = addFolder("outer", rootId);
+    const ItemId first = addProgram("A", outer);
+    const ItemId inner = addFolder("inner", outer);
+    const ItemId second = addProgram("B", inner);
+    add("screen", kind::monochromeScreen, Bytes(40), {':', 0x3A}, outer);
+    EXPECT_TRUE(queueItem(outer));
+    EXPECT_EQ(transmitQueueIds(), (std::vector<ItemId>{first, second}));
+    EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 108 / 2 screen"}));
+    EXPECT_TRUE(transmitCanBegin());
+}
+
+TEST_F(Queue, refusesByNameWhatIsNotWholeOrTooLongOrOfAnotherFamily) {
+    EXPECT_FALSE(queueItem(add("short", kind::program, infoOf(9), {':', 0xFF, 0})));
+    EXPECT_FALSE(queueItem(add("cut", kind::backup, Bytes(50, 0x11), {':', 1})));
+    EXPECT_FALSE(queueItem(add("long", kind::program, infoOf(3), Bytes(65536, 'A'))));
+    settingsSetValue(setting::linkType, "ALGEBRA");
+    EXPECT_FALSE(queueItem(add("memory", kind::functionMemory, infoOf(3), {':', 0xFF, 0})));
+    EXPECT_TRUE(queueItem(addProgram("fits")));
+    EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 108 / 2 short", "box 108 / 2 cut", "box 108 / 2 long",
+                                                        "box 108 / 2 memory"}));
+}
+
+TEST_F(Queue, refusesTheHundredAndFirstOnce) {
+    const ItemId all = addFolder("all", rootId);
+    for (int i = 0; i < 103; i++) addProgram("P" + std::to_string(i), all);
+    EXPECT_FALSE(queueItem(all));
+    EXPECT_EQ(transmitQueueCount(), 100u);
+    EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 172 / 2 P100"}));
+}
+
+TEST_F(Queue, isDroppedWhenNobodyAnswersAndComesBackOnDemand) {
+    const ItemId one = addProgram("A");
+    EXPECT_TRUE(queueItem(one));
+    EXPECT_TRUE(beginTransmit());
+    EXPECT_FALSE(transmitCanBegin());
+    EXPECT_EQ(transmitQueueDrop(), 1u);
+    attentionForget();
+    EXPECT_EQ(transmitDroppedCount(), 1u);
+    EXPECT_FALSE(beginTransmit());
+    EXPECT_EQ(transmitQueueAgain(), 1u);
+    EXPECT_EQ(transmitQueueIds(), std::vector<ItemId>{one});
+    EXPECT_TRUE(transmitCanBegin());
+}
+
+TEST(OutgoingImages, getAPlaceForTheirChecksumOnlyWhereNoneIs) {
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF}), (Bytes{':', 'A', 0xFF, 0}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF, 0xFF}), (Bytes{':', 'A', 0xFF, 0xFF}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}), (Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':'}), (Bytes{':', 0xFF, 0}));
+}
+
+TEST(PictureSlots, comeFromTheNameAlone) {
+    EXPECT_EQ(slotOfPictureName("PICTURE 3"), 3);
+    EXPECT_EQ(slotOfPictureName("picture6"), 6);
+    for (const char *name : {"Picture7", "Pict1", "Picture", "Picture  1", "Picture12"})
+        EXPECT_EQ(slotOfPictureName(name), std::nullopt) << name;
+}
+
+}  // namespace
+
+}  // namespace numalink

@@ -1,0 +1,239 @@
+// The link's thread on a pseudo terminal in real time, beside a user who alters the library: transfers, stops at any
+// moment, a box that is open meanwhile, a cable that is pulled out.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <mutex>
+#include <set>
+#include <thread>
+
+#include "link/link_thread.h"
+#include "link/transmit_queue.h"
+#include "platform/clock.h"
+#include "platform/graphical_calls.h"
+#include "platform/serial_line.h"
+#include "platform/user_interface.h"
+#include "settings/language_table.h"
+#include "settings/settings_store.h"
+#include "store/item_store.h"
+#include "support/pseudo_terminal.h"
+#include "support/scratch_folder.h"
+#include "virtual_calculator/calculator_mover.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint64_t patience = 60000;  // milliseconds that a loaded machine may take
+
+std::mutex shownMutex;
+std::multiset<int> shownNumbers;  // of status lines and boxes
+
+void noteShown(int number) {
+    const std::lock_guard held(shownMutex);
+    shownNumbers.insert(number);
+}
+
+std::size_t timesShown(int number) {
+    const std::lock_guard held(shownMutex);
+    return shownNumbers.count(number);
+}
+
+bool wasShown(int number) { return timesShown(number) > 0; }
+
+template <typename Condition>
+bool waitFor(Condition condition) {
+    const std::uint64_t end = tickCount() + patience;
+    bool holds = condition();
+    while (!holds && tickCount() < end) {
+        graphicalCallsServe();
+        sleepMilliseconds(2);
+        holds = condition();
+    }
+    return holds;
+}
+
+struct LinkThreads : testing::Test {
+    void SetUp() override {
+        threadRole = ThreadRole::graphical;
+        languageLoad("English", "English");
+        shownNumbers.clear();
+        userInterface = userInterfaceSilent;
+        userInterface.statusText = [](StatusPart, int number, const std::string &) { noteShown(number); };
+        userInterface.messageBox = [](const Box &box) {
+            noteShown(box.bodyNumber);
+            return Answer::ok;
+        };
+        userInterface.askItemExists = [](const std::string &) { return Answer::yes; };
+        ASSERT_TRUE(storeOpen());
+        transmitQueueClear();
+        usePort(terminal.path);
+        chooseFamily(false);
+    }
+    void TearDown() override {
+        stopLinkThread();
+        storeClose();
+        userInterface = userInterfaceSilent;
+        threadRole = ThreadRole::unknown;
+    }
+
+    static void usePort(const std::string &path) { settingsSetValue(setting::comPort, path); }
+    void chooseFamily(bool algebra) {
+        other.algebra = algebra;
+        settingsSetValue(setting::linkType, algebra ? "algebra" : "cfx");
+    }
+    void startAndWait() {
+        startLinkThread();
+        ASSERT_TRUE(waitFor([this] { return wasShown(other.algebra ? 102 : 1); }));
+    }
+
+    ScratchFolder folder;
+    PseudoTerminal terminal;
+    calculator::Calculator other;
+    calculator::Moving moving{.patience = patience};
+};
+
+calculator::Item numberedItem(bool algebra, int number) {
+    const std::string name = "P" + std::to_string(number);
+    const calculator::Bytes tokens(static_cast<std::size_t>(20 + number), 'A');
+    return algebra ? calculator::algebraProgram(name, tokens) : calculator::program(name, tokens);
+}
+
+// What a user does meanwhile.
+void alterLibrary(int step) {
+    const NewItem own{.name = "OWN" + std::to_string(step % 5),
+                      .parent = storeStandardFolder(1001),
+                      .kind = kind::program,
+                      .head = encodeProgramInfo({}),
+                      .data = {':', 0xFF, 0},
+                      .whenTaken = NameTaken::nextFreeName};
+    const ItemId id = storeAddItem(own);
+    storeRename(id, "RENAMED" + std::to_string(step));
+    if (step % 2 == 0) storeDelete(id);
+    storeListItems();
+}
+
+struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {};
+
+TEST_P(BesideTheUser, itemsComeAndGo) {
+    chooseFamily(GetParam());
+    startAndWait();
+    for (int i = 0; i < 6; i++) other.toSend.push_back(numberedItem(GetParam(), i));
+    std::thread sending([this] {
+        startSending(other);
+        moveCalculator(other, terminal.master, moving);
+    });
+    for (int step = 0; step < 40; step++) alterLibrary(step);
+    sending.join();
+    ASSERT_TRUE(waitFor([] { return !linkConversationRuns(); }));
+    EXPECT_EQ(other.failures, 0);
+    const ItemId programs = storeStandardFolder(1001);
+    for (int i = 0; i < 6; i++) EXPECT_TRUE(storeItemExists("P" + std::to_string(i), programs));
+
+    other.state = calculator::State::rest;
+    other.closed = false;
+    std::thread receiving([this] { moveCalculator(other, terminal.master, moving); });
+    for (int i = 0; i < 6; i++) EXPECT_TRUE(queueItem(storeFindItem("P" + std::to_string(i), programs)));
+    EXPECT_TRUE(beginTransmit());
+    for (int step = 40; step < 80; step++) alterLibrary(step);
+    EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
+    receiving.join();
+    EXPECT_EQ(other.received.size(), 6u);
+    EXPECT_TRUE(other.closed);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfBothFamilies, BesideTheUser, testing::Bool());
+
+TEST_F(LinkThreads, restartAtAnyMomentWithoutWaiting) {
+    std::vector<std::uint64_t> times;
+    moving.byteMicroseconds = 1000;
+    for (int round = 0; round < 12; round++) {
+        calculator::Calculator sender;
+        sender.toSend.push_back(calculator::program("LONG", calculator::Bytes(200, 'B')));
+        std::atomic<bool> stop = false;
+        calculator::Moving move{.byteMicroseconds = 1000, .patience = patience, .stop = &stop};
+        startLinkThread();
+        startSending(sender);
+        std::thread sending([&] { moveCalculator(sender, terminal.master, move); });
+        sleepMilliseconds(static_cast<std::uint64_t>(7 * round));
+        const std::uint64_t start = tickCount();
+        startLinkThread();
+        times.push_back(tickCount() - start);
+        stop = true;
+        sending.join();
+        stopLinkThread();
+        terminal.take(10000, 20);
+    }
+    std::ranges::sort(times);
+    EXPECT_LE(times[times.size() / 2], 100u);
+    EXPECT_EQ(transmitQueueCount(), 0u);
+    EXPECT_FALSE(storeIsDamaged());
+}
+
+// The window's way to show a box: it is left open, and the link's thread waits for its answer.
+std::atomic<int> openedBoxes = 0;
+std::atomic<int> closedBoxes = 0;
+
+TEST_F(LinkThreads, stopWhileTheUserIsBeingAsked) {
+    openedBoxes = closedBoxes = 0;
+    userInterface.messageBox = [](const Box &) {
+        const auto answer =
+            graphicalAsk([](GraphicalQuestion) { openedBoxes++; }, [](GraphicalQuestion) { closedBoxes++; });
+        return answer ? Answer::ok : Answer::cancel;
+    };
+    startAndWait();
+    terminal.put({0x16});
+    EXPECT_EQ(terminal.take(1, 5000), (Bytes{0x13}));
+    terminal.put(Bytes(40, 'X'));
+    ASSERT_TRUE(waitFor([] { return openedBoxes == 1; }));
+    const std::uint64_t start = tickCount();
+    stopLinkThread();
+    EXPECT_LT(tickCount() - start, 2000u);
+    EXPECT_EQ(terminal.take(1, 50), Bytes{});  // without a word to the calculator
+    EXPECT_TRUE(waitFor([] { return closedBoxes == 1; }));
+}
+
+TEST_F(LinkThreads, takeUpAPortThatComesBack) {
+    const std::string name = folder.path + "port";
+    ASSERT_EQ(symlink(terminal.path.c_str(), name.c_str()), 0);
+    usePort(name);
+    startAndWait();
+    terminal.unplug();
+    ASSERT_TRUE(waitFor([] { return wasShown(172); }));
+    PseudoTerminal again;
+    unlink(name.c_str());
+    ASSERT_EQ(symlink(again.path.c_str(), name.c_str()), 0);
+    other.toSend.push_back(numberedItem(false, 1));
+    ASSERT_TRUE(waitFor([&] {
+        again.put({0x16});
+        return !again.take(1, 100).empty();
+    }));
+    EXPECT_FALSE(wasShown(44));
+}
+
+TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
+    usePort(folder.path + "absent");
+    startLinkThread();
+    ASSERT_TRUE(waitFor([] { return wasShown(44); }));
+    const NewItem item{.name = "A",
+                       .parent = storeStandardFolder(1001),
+                       .kind = kind::program,
+                       .head = encodeProgramInfo({}),
+                       .data = {':', 0xFF, 0}};
+    EXPECT_TRUE(queueItem(storeAddItem(item)));
+    EXPECT_TRUE(beginTransmit());
+    EXPECT_FALSE(transmitCanBegin());
+    EXPECT_TRUE(waitFor([] {
+        transmitDeadlineTest();
+        return wasShown(24);
+    }));
+    EXPECT_EQ(transmitQueueCount(), 0u);
+    EXPECT_EQ(transmitQueueAgain(), 1u);
+    EXPECT_TRUE(transmitCanBegin());
+    EXPECT_EQ(timesShown(44), 1u);
+}
+
+}  // namespace
+
+}  // namespace numalink

@@ -1,0 +1,133 @@
+// The real line over a pseudo terminal: time-outs, wakes, exclusive use, unplugging, and what COM1 means.
+#include "platform/serial_line.h"
+
+#include <gtest/gtest.h>
+#include <sys/file.h>
+
+#include <filesystem>
+#include <thread>
+
+#include "support/pseudo_terminal.h"
+#include "support/scratch_folder.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr unsigned baud = 9600;
+
+std::uint64_t milliseconds() { return systemSerialLine.microseconds() / 1000; }
+
+struct SerialLines : testing::Test {
+    void SetUp() override { ASSERT_EQ(systemSerialLine.open(terminal.path, baud).fault, LineFault::none); }
+    void TearDown() override { systemSerialLine.close(); }
+
+    LineRead read(std::size_t count, ReadLimits limits) {
+        bytes.assign(count, 0);
+        return systemSerialLine.read(bytes, limits);
+    }
+
+    PseudoTerminal terminal;
+    Bytes bytes;
+};
+
+TEST_F(SerialLines, carryEveryByteBothWays) {
+    Bytes all(256);
+    for (std::size_t i = 0; i < all.size(); i++) all[i] = static_cast<std::uint8_t>(i);
+    terminal.put(all);
+    EXPECT_EQ(read(256, {.total = 5000}).count, 256u);
+    EXPECT_EQ(bytes, all);
+    EXPECT_TRUE(systemSerialLine.write(all));
+    EXPECT_EQ(terminal.take(256, 5000), all);
+}
+
+TEST_F(SerialLines, giveUpAtTheirTotalAndAfterQuiet) {
+    const std::uint64_t start = milliseconds();
+    EXPECT_EQ(read(1, {.total = 120}).end, ReadEnd::timeOut);
+    EXPECT_GE(milliseconds() - start, 120u);
+    terminal.put({1, 2});
+    const std::uint64_t second = milliseconds();
+    const LineRead some = read(10, {.total = 60000, .quiet = 80});
+    EXPECT_EQ(some.count, 2u);
+    EXPECT_EQ(some.end, ReadEnd::timeOut);
+    EXPECT_LT(milliseconds() - second, 30000u);
+}
+
+TEST_F(SerialLines, wakeEndsOneReadAndInterruptAll) {
+    std::thread waker([] {
+        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
+        systemSerialLine.wake();
+    });
+    EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::woken);
+    waker.join();
+    EXPECT_EQ(read(1, {.total = 20}).end, ReadEnd::timeOut);
+    systemSerialLine.interrupt();
+    EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::woken);
+    EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::woken);
+    EXPECT_FALSE(systemSerialLine.write(Bytes{1}));
+}
+
+TEST_F(SerialLines, aStuckWriteEndsAtAnInterrupt) {
+    std::thread waker([] {
+        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
+        systemSerialLine.interrupt();
+    });
+    EXPECT_FALSE(systemSerialLine.write(Bytes(1 << 20)));
+    waker.join();
+}
+
+TEST_F(SerialLines, anUnpluggedDeviceIsGone) {
+    std::thread hand([this] {
+        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
+        terminal.unplug();
+    });
+    EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::gone);
+    hand.join();
+}
+
+TEST_F(SerialLines, areHeldAgainstOthersUntilClosed) {
+    const int other = ::open(terminal.path.c_str(), O_RDWR | O_NOCTTY);
+    if (other >= 0) EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0);
+    if (other >= 0) ::close(other);
+    systemSerialLine.close();
+    const int after = ::open(terminal.path.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(after, 0);
+    ASSERT_EQ(flock(after, LOCK_EX | LOCK_NB), 0);
+    EXPECT_EQ(systemSerialLine.open(terminal.path, baud).fault, LineFault::busy);
+    ::close(after);
+    EXPECT_EQ(systemSerialLine.open(terminal.path, baud).fault, LineFault::none);
+}
+
+TEST(SerialDevices, tellWhyTheyDoNotOpen) {
+    const ScratchFolder folder;
+    folder.write("plain", "text");
+    EXPECT_EQ(systemSerialLine.open(folder.path + "absent", baud).fault, LineFault::missing);
+    EXPECT_EQ(systemSerialLine.open(folder.path + "plain", baud).fault, LineFault::notSerial);
+    EXPECT_EQ(folder.read("plain"), "text");
+}
+
+TEST(SerialDevices, areListedByLastingNamesAndCountedForComNumbers) {
+    const ScratchFolder folder;
+    const std::string devices = folder.path + "dev";
+    const std::string classes = folder.path + "class";
+    std::filesystem::create_directories(devices + "/serial/by-id");
+    for (const char *name : {"ttyUSB0", "ttyUSB10", "ttyUSB2", "ttyACM0", "ttyS0", "ttyS1", "ttyprintk"})
+        folder.write("dev/" + std::string(name), "");
+    std::filesystem::create_symlink("../../ttyUSB2", devices + "/serial/by-id/usb-cable");
+    for (const char *name : {"ttyS0", "ttyS1"}) {
+        std::filesystem::create_directories(classes + "/" + name);
+        folder.write("class/" + std::string(name) + "/type", name[4] == '0' ? "0\n" : "4\n");
+    }
+    const auto path = [&](const char *name) { return devices + "/" + name; };
+    EXPECT_EQ(serialDevices(devices, classes),
+              (std::vector<std::string>{path("serial/by-id/usb-cable"), path("ttyUSB0"), path("ttyUSB10"),
+                                        path("ttyACM0"), path("ttyS1")}));
+    EXPECT_EQ(serialDevicePath("COM1", devices, classes), path("ttyS1"));
+    EXPECT_EQ(serialDevicePath("com3", devices, classes), path("ttyUSB2"));
+    EXPECT_EQ(serialDevicePath("/dev/x", devices, classes), "/dev/x");
+    EXPECT_EQ(serialDevicePath("COM2", classes, classes), "COM2");
+}
+
+}  // namespace
+
+}  // namespace numalink
