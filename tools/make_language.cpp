@@ -2,7 +2,8 @@
 // the C++ list of our own texts. texts.tsv has a row a number (1 to 163, and 0 for the language's name in itself);
 // own_texts.tsv a row a text of our own, whose number (164 to 199) is shared: such texts are joined by "|". Columns:
 // number, name, then one a language, English first. Refuses gaps, translations whose %d and %s differ from the English
-// ones, menus in which two entries share a key, and texts too long for the calculators' surfaces.
+// ones, menus in which two entries share a key, texts too long for the calculators' surfaces, and more texts than the
+// program keeps of two languages.
 #include <map>
 #include <set>
 
@@ -11,6 +12,9 @@
 namespace {
 
 constexpr int languageNameNumber = 0, firstOwnNumber = 164, textNumberEnd = 200;
+// The program's table keeps 65,536 bytes of texts, terminators included; the current language and the fallback share
+// it.
+constexpr std::size_t mostTextBytes = 65536 / 2;
 const std::set<int> unusedNumbers = {5, 29, 80, 94, 95};
 
 // The texts of each menu: the bar, File, Item, Edit, and the editor's own. Each needs a key of its own there. (Text 10,
@@ -134,7 +138,12 @@ std::string languageFile(const Table &fixed, const Table &own, std::size_t colum
     std::string file = "[Language Info]\r\nName=" + name +
                        "\r\nAuthor=Vesper Foundry\r\nEMail=languages@numalink.example\r\nDate=2026-11-24\r\n\r\n"
                        "[Translation]\r\n";
-    for (const auto &[number, text] : texts) file += std::to_string(number) + "=\"" + text + "\"\r\n";
+    std::size_t bytes = 0;
+    for (const auto &[number, text] : texts) {
+        file += std::to_string(number) + "=\"" + text + "\"\r\n";
+        bytes += text.size() + 1;
+    }
+    if (bytes > mostTextBytes) tool::fault(fixed.languages[column], 0, "more texts than the program's table can hold");
     return file;
 }
 

@@ -19,12 +19,16 @@ struct ImportOptions {
 int runImport(const ImportOptions &options) {
     const LibrarySession session(options.library);
     if (!session.open) return exitFailed;
+    if (!session.tokens) return commandFailed("casio.ptt beside the program can't be read, so nothing is imported");
     if (options.into == "standard") {
         terminalImportAnswer(ImportAction::standardFolders, "");
     } else if (!options.into.empty()) {
         terminalImportAnswer(ImportAction::oneFolder, options.into);
     }
-    for (const std::string &file : options.files) importFile(file, importBaseName(file));
+    for (const std::string &file : options.files) {
+        if (options.files.size() > 1) terminalSubject(file);
+        importFile(file, importBaseName(file));
+    }
     return exitDone;
 }
 

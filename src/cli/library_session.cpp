@@ -1,6 +1,7 @@
 #include "cli/library_session.h"
 
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
 
 #include "calculator/charset.h"
@@ -28,14 +29,16 @@ LibrarySession::LibrarySession(const std::string &folder) {
     std::error_code ignored;  // storeOpen tells that there is no such folder
     std::filesystem::create_directories(folder, ignored);
     setLibraryFolder(folder);
-    loadTables();
+    tokens = loadTables();
     open = storeOpen();
 }
 
 LibrarySession::~LibrarySession() { storeClose(); }
 
 bool loadTables() {
-    settingsLoad();
+    if (!settingsLoad())
+        std::fprintf(stderr, "numalink-cli: %ssettings.xml can't be read whole; defaults stand in\n",
+                     libraryFolder().c_str());
     languageLoad(settingsValue(setting::language), fallbackLanguage);
     return tokenTableLoad();
 }
@@ -46,6 +49,7 @@ ItemId findItem(const std::string &item) {
     if (error == std::errc{} && end == item.data() + item.size()) return storeReadEntry(id) ? id : noItem;
     std::string path = calculatorFromUtf8(item);
     if (!path.starts_with('/')) path.insert(0, "/");
+    if (path.ends_with('/')) path.pop_back();  // a folder, as shells complete it
     // A name may hold "/" itself: the shortest name that is found counts.
     for (std::size_t slash = path.rfind('/'); slash != std::string::npos;
          slash = slash == 0 ? std::string::npos : path.rfind('/', slash - 1)) {

@@ -16,9 +16,11 @@ struct LibrarySession {
     LibrarySession &operator=(const LibrarySession &) = delete;
 
     bool open = false;
+    bool tokens = false;  // the token table is there: without it no program can be read
 };
 
 // Wording and token table beside the program, with the settings of the library folder. False without a token table.
+// Settings that can't be read are told on standard error: the defaults stand in for them.
 bool loadTables();
 
 // An id, or a path such as "/Programs/SNAKE" in UTF-8. noItem when there is none.

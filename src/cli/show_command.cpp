@@ -59,7 +59,9 @@ int runShow(const ShowOptions &options) {
     if (!session.open) return exitFailed;
     const ItemId id = findItem(options.item);
     StoredItem item;
-    if (id == noItem || !storeReadItem(id, item)) return commandFailed("no item " + options.item);
+    if (id == noItem)
+        return commandFailed("no item \"" + options.item + "\" in this library; \"list\" tells ids and names");
+    if (!storeReadItem(id, item)) return exitFailed;
     if (isDrawn(item.kind)) return showDots(item, options.bitmap);
     if (!options.bitmap.empty()) return commandFailed(options.item + " has no picture");
     if (isTextKind(item.kind)) {

@@ -10,6 +10,7 @@ namespace {
 int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
+std::string subject;  // told ahead of the next box, once
 
 std::string onOneLine(std::string text) {
     std::ranges::replace_if(
@@ -19,6 +20,8 @@ std::string onOneLine(std::string text) {
 
 Answer showBox(const Box &box) {
     boxCount++;
+    if (!subject.empty()) std::fprintf(stderr, "numalink-cli: %s\n", onOneLine(subject).c_str());
+    subject.clear();
     std::fprintf(stderr, "box %d %d: %s\n", box.bodyNumber, box.titleNumber, onOneLine(box.body).c_str());
     return box.buttons == BoxButtons::ok ? Answer::ok : Answer::cancel;
 }
@@ -35,6 +38,7 @@ void terminalUiInstall() {
     boxCount = 0;
     importAction = ImportAction::none;
     importFolder.clear();
+    subject.clear();
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
@@ -42,6 +46,8 @@ void terminalUiInstall() {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
 }
+
+void terminalSubject(const std::string &about) { subject = about; }
 
 int terminalBoxCount() { return boxCount; }
 

@@ -10,6 +10,9 @@ namespace numalink {
 void terminalUiInstall();  // also forgets what was shown and the answers
 int terminalBoxCount();
 
+// What the next boxes are about: a line of its own ahead of the first of them, none when there is no box.
+void terminalSubject(const std::string &about);
+
 // The answer to the next import questions; none leaves each as it is preset.
 void terminalImportAnswer(ImportAction action, const std::string &folderName);
 

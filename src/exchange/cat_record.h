@@ -51,7 +51,7 @@ struct CatReader {
     ImportReport *report = nullptr;
 
     const std::string &value(CatKey key) const { return values[static_cast<std::size_t>(key)]; }
-    std::uint32_t number(CatKey key) const;  // its leading digits, else 0
+    std::uint32_t number(CatKey key) const;  // its leading digits, blanks ahead aside, else 0
 };
 
 inline std::string_view restOf(const CatReader &reader) { return reader.file.substr(reader.at); }

@@ -2,6 +2,7 @@
 #include "exchange/import.h"
 
 #include <algorithm>
+#include <map>
 
 #include "calculator/charset.h"
 #include "exchange/import_readers.h"
@@ -74,31 +75,33 @@ void showReport(const ImportReport &report) {
         statusLine(StatusPart::item, OwnText::importRecordsSkipped, {std::to_string(report.unknownRecords)});
 }
 
-// A copy of a screen has no name of its own, and a name of nothing couldn't be clicked on.
+// The name ends where the filling of a frame's field would begin. A copy of a screen has no name of its own, and a name
+// of nothing couldn't be clicked on.
 std::string storedName(const std::string &name, const std::string &baseName) {
-    if (!name.empty()) return name;
+    const std::size_t end = std::min(name.find('\xFF'), name.size());
+    if (end > 0) return name.substr(0, end);
     const std::string other = calculatorName(baseName).substr(0, unnamedLimit);
     return other.empty() ? "?" : other;
 }
 
+// Parks what the file holds in the temporary folder: all of it in one change of the library, or nothing.
 ImportReport readItems(ByteView file, Reader reader, const std::string &baseName) {
     const ItemId folder = storeTempFolder();
     ImportReport report;
     if (folder == noItem) return report;
-    bool refused = false;
+    std::vector<NewItem> items;
     const ItemSink sink = [&](ImportedItem &item) {
-        const NewItem added{.name = storedName(item.name, baseName),
-                            .parent = folder,
-                            .kind = item.itemKind,
-                            .head = std::move(item.head),
-                            .data = std::move(item.data),
-                            .whenTaken = NameTaken::keepBoth};
-        refused = storeAddItem(added) == noItem;
-        return !refused;
+        items.push_back({.name = storedName(item.name, baseName),
+                         .parent = folder,
+                         .kind = item.itemKind,
+                         .head = std::move(item.head),
+                         .data = std::move(item.data),
+                         .whenTaken = NameTaken::keepBoth});
+        return items.size() <= storeSlotCount;  // one too many is refused, and told, by the library
     };
     reader(file, sink, report);
-    if (report.items == 0 && report.messages.empty() && !refused)
-        addMessage(report, OwnText::importNothing, {baseName});
+    if (items.empty() && report.messages.empty()) addMessage(report, OwnText::importNothing, {baseName});
+    if (!items.empty() && storeAddItems(items).empty()) report.items = 0;
     return report;
 }
 
@@ -127,16 +130,29 @@ ItemId standardTarget(ItemKind itemKind) {
     return folder == noItem ? rootId : folder;
 }
 
-void placeItems(const std::string &folderName, ImportAction action) {
+// Where each item goes; empty when a folder can't be made. Kinds share folders, so each kind is looked up once.
+std::vector<ItemMove> movesTo(const std::string &folderName, ImportAction action) {
+    std::vector<ItemMove> moves;
     const bool oneFolder = action == ImportAction::oneFolder;
     const ItemId folder = oneFolder ? storeResolvePath(folderPath(folderName), true) : noItem;
-    bool placed = !oneFolder || folder != noItem;
-    if (placed) {
-        for (const ItemEntry &entry : storeListChildren(storeTempFolder()))
-            placed = storeMove(entry.id, oneFolder ? folder : standardTarget(entry.kind)) && placed;
+    if (oneFolder && folder == noItem) return moves;
+    std::map<ItemKind, ItemId> targets;
+    for (const ItemEntry &entry : storeListChildren(storeTempFolder())) {
+        ItemId target = folder;
+        if (!oneFolder) {
+            const auto known = targets.find(entry.kind);
+            target = known != targets.end() ? known->second : standardTarget(entry.kind);
+            targets[entry.kind] = target;
+        }
+        moves.push_back({entry.id, target});
     }
+    return moves;
+}
+
+void placeItems(const std::string &folderName, ImportAction action) {
+    const std::vector<ItemMove> moves = movesTo(folderName, action);
     // What could not be moved stays where the next attempt finds it.
-    if (placed) storeResetTemp();
+    if (!moves.empty() && storeMoveItems(moves)) storeResetTemp();
     userInterface.refreshTree();
 }
 
@@ -162,10 +178,9 @@ void importFile(const std::string &path, const std::string &baseName) {
     importFolderName = baseName;
     ByteView rest = file;
     const Reader reader = readerOf(rest);
-    if (!reader) {
-        tellUser(unknownType);
-        return;
-    }
+    if (!reader)
+        return showBox(unknownType,
+                       languageText(unknownType) + "\n" + (file.empty() ? ownText(OwnText::fileEmpty, {path}) : path));
     userInterface.waitCursor(true);
     const ImportReport report = readItems(rest, reader, baseName);
     userInterface.waitCursor(false);

@@ -126,7 +126,8 @@ bool findRecord(CatReader &reader) {
 }  // namespace
 
 std::uint32_t CatReader::number(CatKey key) const {
-    const std::string &text = value(key);
+    std::string_view text = value(key);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     std::uint32_t result = 0;
     std::from_chars(text.data(), text.data() + text.size(), result);
     return result;

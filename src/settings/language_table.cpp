@@ -39,18 +39,28 @@ std::vector<std::filesystem::path> languageFiles() {
     return files;
 }
 
-bool addLanguage(const std::filesystem::path &path) {
+using FileTexts = decltype(LanguageFile::texts);
+
+// Adds the language without its texts, which it gives. False when the file can't be read.
+bool addLanguage(const std::filesystem::path &path, FileTexts &texts) {
     Bytes bytes;
     if (readWholeFile(path.string(), bytes, fileSizeLimit) != FileResult::done) return false;
     LanguageFile file = languageParse({reinterpret_cast<const char *>(bytes.data()), bytes.size()});
-    Language &language = languages.emplace_back();
-    language.record = std::move(file.record);
-    for (auto &[number, text] : file.texts) {
-        if (text.size() + 1 > languagePoolSize - poolUsed) continue;
-        poolUsed += text.size() + 1;
-        language.texts[static_cast<std::size_t>(number)] = std::move(text);
-    }
+    languages.emplace_back().record = std::move(file.record);
+    texts = std::move(file.texts);
     return true;
+}
+
+// Puts the texts into the pool; what has no room there is left out. A repeated number gives back the earlier text.
+void takeTexts(Language &language, FileTexts &texts) {
+    for (auto &[number, text] : texts) {
+        auto &place = language.texts[static_cast<std::size_t>(number)];
+        const std::size_t freed = place ? place->size() + 1 : 0;
+        if (text.size() + 1 > languagePoolSize - (poolUsed - freed)) continue;
+        poolUsed = poolUsed - freed + text.size() + 1;
+        place = std::move(text);
+    }
+    texts.clear();
 }
 
 // The text of one language, or null.
@@ -78,15 +88,23 @@ int languageLoad(std::string_view current, std::string_view fallback) {
     languages.reserve(languageLimit);
     poolUsed = 0;
     currentLanguage = fallbackLanguage = -1;
+    std::vector<FileTexts> texts;  // of each language
     for (const std::filesystem::path &path : languageFiles()) {
         if (languageCount() == languageLimit) break;
-        if (!addLanguage(path)) continue;
+        if (!addLanguage(path, texts.emplace_back())) {
+            texts.pop_back();
+            continue;
+        }
         const int index = languageCount() - 1;
         if (equalWithoutCase(languageRecord(index).name, current)) currentLanguage = index;
         if (equalWithoutCase(languageRecord(index).name, fallback)) fallbackLanguage = index;
     }
     if (currentLanguage < 0) currentLanguage = fallbackLanguage;
     if (fallbackLanguage < 0) fallbackLanguage = currentLanguage;
+    // The texts that can be shown go first, so that a pool that overflows takes none of them.
+    for (const int index : {currentLanguage, fallbackLanguage})
+        if (index >= 0) takeTexts(languages[static_cast<std::size_t>(index)], texts[static_cast<std::size_t>(index)]);
+    for (std::size_t index = 0; index < languages.size(); index++) takeTexts(languages[index], texts[index]);
     return currentLanguage < 0 ? -1 : 1;
 }
 

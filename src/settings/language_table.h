@@ -17,7 +17,8 @@ struct LanguageRecord {
 };
 
 // Reads every Language/*.clf of the program folder in the order of the file names. 1, or -1 when neither name was
-// found; names compare without case. What doesn't fit a limit is passed over, and the rest stays usable.
+// found; names compare without case. What doesn't fit a limit is passed over, and the rest stays usable; the texts of
+// the current and the fallback language are the last that a full pool leaves out.
 int languageLoad(std::string_view current, std::string_view fallback);
 
 // The current language's text, else the fallback's, else "<unknown string>". Never fails, for any number.

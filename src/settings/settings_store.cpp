@@ -94,8 +94,10 @@ std::optional<std::string> knownValue(std::string_view key) {
     return found ? std::optional(found->value) : std::nullopt;
 }
 
-// An optional sign and the leading digits; what is beyond 32 bits takes the nearest number.
+// An optional sign and the leading digits; what is beyond 32 bits takes the nearest number. Blanks ahead stand in a
+// colour that somebody wrote as "255, 128, 0".
 std::int32_t leadingNumber(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
     std::int64_t number = 0;

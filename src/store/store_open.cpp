@@ -45,40 +45,63 @@ void readSlots() REQUIRES_LOCK(storeLock) {
     }
 }
 
-// The text number of what keeps the file from being used, or 0; with damage, how many places have it.
-int openFile(std::uint32_t &damage, Fault &resetFault) REQUIRES_LOCK(storeLock) {
-    if (storeFileOpen(libraryFolder() + "storage.dat") != OpenResult::opened) return textCannotOpen;
+std::string storePath() { return libraryFolder() + "storage.dat"; }
+
+// What came of opening, for telling once the lock is free.
+struct Opening {
+    OpenResult file = OpenResult::failed;
+    bool isNew = false;        // an empty file, which gets its head
+    std::uint32_t damage = 0;  // places
+    Fault resetFault = Fault::none;
+};
+
+// The text number of what keeps the file from being used, or 0.
+int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
+    opening.file = storeFileOpen(storePath());
+    if (opening.file != OpenResult::opened) return textCannotOpen;
     const std::int64_t size = storeFileSize();
     if (size < 0) return textHeadTooShort;
-    if (const int fault = size == 0 ? createStore() : readMain(); fault != 0) return fault;
+    opening.isNew = size == 0;
+    if (const int fault = opening.isNew ? createStore() : readMain(); fault != 0) return fault;
     readSlots();
-    damage = size == 0 ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
+    opening.damage =
+        opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
     storeState.main.itemCount = static_cast<std::uint32_t>(storeState.slots.size());
     storeState.main.nextId = safeNextId(storeState.main, storeState.slots);
-    storeState.damaged = damage > 0;
+    storeState.damaged = opening.damage > 0;
     storeState.open = true;
-    if (size > 0 && damage == 0) resetFault = resetTemp();
+    if (!opening.isNew && opening.damage == 0) opening.resetFault = resetTemp();
     return 0;
+}
+
+bool tellNotOpened(int textNumber, const Opening &opening) {
+    const bool held = opening.file == OpenResult::heldByAnother;
+    if (textNumber == textCannotOpen)
+        tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
+    else if (opening.isNew)
+        tellMore(textNumber, OwnText::storeNotWritten, {});
+    else
+        tellUser(textNumber);
+    return false;
 }
 
 }  // namespace
 
 bool storeOpen() {
     int textNumber = 0;
-    std::uint32_t damage = 0;
-    Fault resetFault = Fault::none;
+    Opening opening;
     {
         const HoldLock hold(storeLock);
         if (storeState.open) return true;
-        textNumber = openFile(damage, resetFault);
+        textNumber = openFile(opening);
         if (textNumber != 0) {
             storeFileClose();
             storeState = {};
         }
     }
-    if (textNumber != 0) return failWith(textNumber);
-    if (damage > 0) tellMore(textDamaged, OwnText::storeDamageCount, {std::to_string(damage)});
-    storeTold(resetFault);  // the library is usable all the same
+    if (textNumber != 0) return tellNotOpened(textNumber, opening);
+    if (opening.damage > 0) tellMore(textDamaged, OwnText::storeDamageCount, {std::to_string(opening.damage)});
+    storeTold(opening.resetFault);  // the library is usable all the same
     return true;
 }
 

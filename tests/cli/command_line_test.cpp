@@ -77,6 +77,7 @@ TEST_F(CommandLine, WithoutAnAnswerSeveralItemsGoToAFolder) {
     EXPECT_THAT(run(on({"show", "games/Mat A"})).out, HasSubstr("Mat A: kind 2, head of 50 bytes, data of 16 bytes"));
     EXPECT_EQ(run(on({"import", file, "--into", "Übung/x"})).status, 0);
     EXPECT_EQ(run(on({"show", "/Ubung/x/SNAKE"})).status, 0);
+    EXPECT_THAT(run(on({"show", "/Übung/x/"})).out, StartsWith("x: kind 1000"));
 }
 
 TEST_F(CommandLine, WhatGoesWrongHasItsStatus) {
@@ -84,6 +85,10 @@ TEST_F(CommandLine, WhatGoesWrongHasItsStatus) {
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.err, StartsWith("box 93 2: "));
     EXPECT_EQ(std::ranges::count(missing.err, '\n'), 1);
+    const std::string other = scratch.path + "other.cat";
+    scratch.write("other.cat", "nothing");
+    const Outcome two = run(on({"import", file, other}));
+    EXPECT_THAT(two.err, StartsWith("numalink-cli: " + other + "\nbox 99 2: ")) << "which of the two";
     EXPECT_EQ(run(on({"show", "/nothing"})).status, 2);
     EXPECT_EQ(run({"nonsense"}).status, 2);
     EXPECT_EQ(run({"--help"}).status, 0);

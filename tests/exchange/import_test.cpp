@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "calculator/frames.h"
+#include "platform/file_port.h"
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/own_texts.h"
@@ -64,6 +65,33 @@ TEST_F(Import, SeveralGoToOneFolderNamedAsTheFile) {
     EXPECT_THAT(namesIn(storeResolvePath("/My games.v2/", false)), ElementsAre("ONE", "one", "My games"));
 }
 
+TEST_F(Import, ManyItemsWaitForTheDiskAsLittleAsOne) {
+    static int syncs = 0;
+    filePort.sync = [](int file) {
+        syncs++;
+        return systemFilePort.sync(file);
+    };
+    uiRecord.importAction = ImportAction::oneFolder;
+    importText("one.cat", record("ONE"));
+    const int ofOne = std::exchange(syncs, 0);
+    std::string many;
+    for (int i = 0; i < 50; i++) many += record(std::to_string(i));
+    importText("many.cat", many);
+    filePort = systemFilePort;
+    EXPECT_EQ(syncs, ofOne);
+    EXPECT_EQ(namesIn(storeResolvePath("/many/", false)).size(), 50u);
+}
+
+TEST_F(Import, AFullLibraryTakesAllOrNothing) {
+    ASSERT_FALSE(
+        storeAddItems(std::vector<NewItem>(storeSlotCount - 2, {.name = "A", .head = {}, .data = {}})).empty());
+    importText("two.cat", record("ONE") + record("TWO"));
+    EXPECT_TRUE(namesIn(storeTempFolder()).empty());
+    ASSERT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::storeFull));
+    EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
+}
+
 TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "temp";
@@ -105,6 +133,7 @@ TEST_F(Import, FilesThatAreNone) {
     EXPECT_THAT(numbers, ElementsAre(93, 93, 99, 99, 165));
     EXPECT_THAT(uiRecord.boxes[0].body, HasSubstr("no such file.cat: there is no such file"));
     EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("is a folder"));
+    EXPECT_THAT(uiRecord.boxes[2].body, HasSubstr("empty.cat is empty"));
     EXPECT_THAT(uiRecord.boxes[4].body, HasSubstr("Ü b"));
 }
 

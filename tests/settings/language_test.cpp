@@ -86,8 +86,14 @@ TEST(Language, LimitsOfFilesAndOfAllTextsArePassedOver) {
     folder.write("Language/11.clf", "[Language Info]\nName=11\n[Translation]\n1=z\n");
     EXPECT_EQ(languageLoad("11", "10"), 1);
     EXPECT_EQ(languageCount(), languageLimit);
+    EXPECT_EQ(languageText(1), "z");
+    EXPECT_EQ(languageText(2), "y") << "a text beside z has no room for 65,535 bytes";
+    EXPECT_EQ(languageLoad("12", "10"), 1);
     EXPECT_EQ(languageText(1).size(), 65535U) << "the pool is full with it";
     EXPECT_EQ(languageText(2), "<unknown string>");
+    EXPECT_EQ(languageLoad("12", "11"), 1);
+    EXPECT_EQ(languageText(1), "z") << "a language that isn't shown takes no room from one that is";
+    EXPECT_EQ(languageRecord(0).name, "10") << "the order stays that of the files";
 }
 
 TEST(Language, TheProgramsOwnFilesHaveEveryTextInEveryLanguage) {

@@ -104,7 +104,8 @@ TEST(Settings, NumbersAndColours) {
         EXPECT_EQ(settingsInt("Number"), number) << text;
     }
     const std::pair<const char *, std::uint32_t> colours[] = {
-        {"1,2,3", 0x030201}, {"0,0", 0}, {"12", 0}, {"256,255,-1", 0xFFFF00}, {"1,2,3,4", 0x040201}, {",,", 0}};
+        {"255, 128, 1", 0x0180FF}, {"1,2,3", 0x030201},   {"0,0", 0}, {"12", 0},
+        {"256,255,-1", 0xFFFF00},  {"1,2,3,4", 0x040201}, {",,", 0}};
     for (const auto &[text, colour] : colours) {
         ASSERT_TRUE(settingsSetValue("Colour", text));
         EXPECT_EQ(settingsColour("Colour"), colour) << text;

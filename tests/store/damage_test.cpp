@@ -158,7 +158,7 @@ TEST_F(DamagedStore, ALibraryThatAnotherProgramHoldsIsRefused) {
     int other = -1;
     ASSERT_EQ(filePort.openLocked("/library/storage.dat", false, other), OpenResult::opened);
     EXPECT_FALSE(storeOpen());
-    EXPECT_THAT(uiRecord.lines, ElementsAre("box 33 / 2"));
+    EXPECT_THAT(uiRecord.lines, ElementsAre("box 33 / 2 /library/storage.dat"));
     EXPECT_EQ(file(), sound);
     filePort.close(other);
 }
