@@ -10,6 +10,7 @@ namespace {
 int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
+RasterType rasterType = RasterType::image;
 
 std::string onOneLine(std::string text) {
     std::ranges::replace_if(
@@ -29,15 +30,22 @@ void answerImport(ImportQuestion &question) {
     if (importAction == ImportAction::oneFolder) question.folderName = importFolder;
 }
 
+void answerBitmap(BitmapQuestion &question) {
+    question.type = rasterType;
+    question.accepted = true;
+}
+
 }  // namespace
 
 void terminalUiInstall() {
     boxCount = 0;
     importAction = ImportAction::none;
     importFolder.clear();
+    rasterType = RasterType::image;
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
+    userInterface.askBitmap = answerBitmap;
     userInterface.statusText = [](StatusPart, int, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
@@ -48,6 +56,10 @@ int terminalBoxCount() { return boxCount; }
 void terminalImportAnswer(ImportAction action, const std::string &folderName) {
     importAction = action;
     importFolder = folderName;
+}
+
+void terminalRasterAnswer(const std::string &type) {
+    rasterType = type == "sharp" ? RasterType::sharp : RasterType::image;
 }
 
 }  // namespace numalink

@@ -11,6 +11,8 @@
 
 #include "platform/graphical_calls.h"
 #include "platform/user_interface.h"
+#include "shell/bitmap_dialog.h"
+#include "shell/export_dialog.h"
 #include "shell/import_dialog.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
@@ -106,6 +108,8 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
+    userInterface.askExport = askExport;
+    userInterface.askBitmap = askBitmap;
 }
 
 void removeUserInterface() { userInterface = userInterfaceSilent; }
