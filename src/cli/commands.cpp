@@ -18,6 +18,8 @@ struct CommandRow {
 };
 
 constexpr CommandRow commandRows[] = {
+    {"convert", "Convert an item file or a bitmap into another item file", declareConvert},
+    {"export", "Export items of a library into a file", declareExport},
     {"import", "Import item files into a library", declareImport},
     {"link", "Converse with a calculator over a serial line", declareLink},
     {"list", "List the items of a library", declareList},

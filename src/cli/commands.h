@@ -14,6 +14,8 @@ inline constexpr int exitFailed = 2;
 using CommandRun = std::function<int()>;
 
 // Each declares its options on command and gives what runs once they are parsed.
+CommandRun declareConvert(CLI::App &command);
+CommandRun declareExport(CLI::App &command);
 CommandRun declareImport(CLI::App &command);
 CommandRun declareLink(CLI::App &command);
 CommandRun declareList(CLI::App &command);

@@ -14,12 +14,14 @@ struct ImportOptions {
     std::string library;
     std::vector<std::string> files;
     std::string into;
+    std::string raster = "image";
 };
 
 int runImport(const ImportOptions &options) {
     const LibrarySession session(options.library);
     if (!session.open) return exitFailed;
     if (!session.tokens) return commandFailed("casio.ptt beside the program can't be read, so nothing is imported");
+    terminalRasterAnswer(options.raster);
     if (options.into == "standard") {
         terminalImportAnswer(ImportAction::standardFolders, "");
     } else if (!options.into.empty()) {
@@ -37,10 +39,12 @@ int runImport(const ImportOptions &options) {
 CommandRun declareImport(CLI::App &command) {
     const auto options = std::make_shared<ImportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
-    command.add_option("FILE", options->files, "cat, cas or fxi files")->required();
+    command.add_option("FILE", options->files, "cat, cas or fxi files, or bitmaps")->required();
     command.add_option("--into", options->into,
                        "\"standard\": every item into the folder of its kind; else the name of one folder for all. "
                        "Without it, one folder named as the file for two items or more, else \"standard\"");
+    command.add_option("--raster", options->raster, "How bitmaps become pictures: \"image\" or \"sharp\"")
+        ->check(CLI::IsMember({"image", "sharp"}));
     return [options] { return runImport(*options); };
 }
 

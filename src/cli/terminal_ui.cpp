@@ -11,6 +11,7 @@ int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
 std::string subject;  // told ahead of the next box, once
+RasterType rasterType = RasterType::image;
 
 std::string onOneLine(std::string text) {
     std::ranges::replace_if(
@@ -32,6 +33,11 @@ void answerImport(ImportQuestion &question) {
     if (importAction == ImportAction::oneFolder) question.folderName = importFolder;
 }
 
+void answerBitmap(BitmapQuestion &question) {
+    question.type = rasterType;
+    question.accepted = true;
+}
+
 }  // namespace
 
 void terminalUiInstall() {
@@ -39,9 +45,11 @@ void terminalUiInstall() {
     importAction = ImportAction::none;
     importFolder.clear();
     subject.clear();
+    rasterType = RasterType::image;
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
+    userInterface.askBitmap = answerBitmap;
     userInterface.statusText = [](StatusPart, int, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
@@ -54,6 +62,10 @@ int terminalBoxCount() { return boxCount; }
 void terminalImportAnswer(ImportAction action, const std::string &folderName) {
     importAction = action;
     importFolder = folderName;
+}
+
+void terminalRasterAnswer(const std::string &type) {
+    rasterType = type == "sharp" ? RasterType::sharp : RasterType::image;
 }
 
 }  // namespace numalink

@@ -16,4 +16,7 @@ void terminalSubject(const std::string &about);
 // The answer to the next import questions; none leaves each as it is preset.
 void terminalImportAnswer(ImportAction action, const std::string &folderName);
 
+// The answer to the next bitmap questions: "image" or "sharp".
+void terminalRasterAnswer(const std::string &type);
+
 }  // namespace numalink

@@ -5,9 +5,11 @@
 #include <map>
 
 #include "calculator/charset.h"
+#include "exchange/bitmap_import.h"
 #include "exchange/import_readers.h"
 #include "link/transmit_queue.h"
 #include "platform/files.h"
+#include "platform/picture_file.h"
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/tell_user.h"
@@ -19,28 +21,10 @@ std::string importFolderName;
 
 namespace {
 
-constexpr std::string_view catMark = "%Header Record";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr int notOpened = 93;
 constexpr int unknownType = 99;
 constexpr std::size_t messagesShown = 8;  // of one file; a spoilt file may give thousands
 constexpr std::size_t unnamedLimit = 8;
-
-using Reader = void (*)(ByteView file, const ItemSink &sink, ImportReport &report);
-
-std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char *>(bytes.data()), bytes.size()}; }
-
-// The reader for what the file begins with, or null. An editor's byte order mark goes.
-Reader readerOf(ByteView &file) {
-    std::string_view text = asText(file);
-    if (text.starts_with(byteOrderMark) && startsWithoutCase(text.substr(byteOrderMark.size()), catMark)) {
-        file = file.subspan(byteOrderMark.size());
-        return readCat;
-    }
-    if (startsWithoutCase(text, catMark)) return readCat;
-    if (text.starts_with("20")) return readFxi;
-    return text.starts_with(':') ? readCas : nullptr;
-}
 
 std::string causeOf(FileResult result, const std::string &path) {
     switch (result) {
@@ -85,7 +69,7 @@ std::string storedName(const std::string &name, const std::string &baseName) {
 }
 
 // Parks what the file holds in the temporary folder: all of it in one change of the library, or nothing.
-ImportReport readItems(ByteView file, Reader reader, const std::string &baseName) {
+ImportReport readItems(ByteView file, ItemReader reader, const std::string &baseName) {
     const ItemId folder = storeTempFolder();
     ImportReport report;
     if (folder == noItem) return report;
@@ -167,6 +151,11 @@ void transmitItems() {
     beginTransmit();
 }
 
+// A refused or unreadable picture ends the import.
+void importPicture(ByteView file, const std::string &path, const std::string &baseName) {
+    if (importBitmap(file, path, baseName)) askWhereTo();
+}
+
 }  // namespace
 
 void importFile(const std::string &path, const std::string &baseName) {
@@ -177,7 +166,8 @@ void importFile(const std::string &path, const std::string &baseName) {
     if (result != FileResult::done) return showBox(notOpened, languageText(notOpened) + "\n" + causeOf(result, path));
     importFolderName = baseName;
     ByteView rest = file;
-    const Reader reader = readerOf(rest);
+    const ItemReader reader = itemReaderOf(rest);
+    if (!reader && isPictureFile(file)) return importPicture(file, path, baseName);
     if (!reader)
         return showBox(unknownType,
                        languageText(unknownType) + "\n" + (file.empty() ? ownText(OwnText::fileEmpty, {path}) : path));

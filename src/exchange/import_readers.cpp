@@ -10,6 +10,9 @@ namespace numalink {
 
 namespace {
 
+constexpr std::string_view catMark = "%Header Record";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 std::uint64_t lengthByHead(const ImportedItem &item) {
     // By the kind, not by the mark: a text file may put a number into the byte that a mark has as 0.
     if (item.itemKind == kind::picture) return picturePlaneCount(item.head) * picturePlaneLength(item.head);
@@ -19,6 +22,17 @@ std::uint64_t lengthByHead(const ImportedItem &item) {
 }
 
 }  // namespace
+
+ItemReader itemReaderOf(ByteView &file) {
+    const std::string_view text{reinterpret_cast<const char *>(file.data()), file.size()};
+    if (text.starts_with(byteOrderMark) && startsWithoutCase(text.substr(byteOrderMark.size()), catMark)) {
+        file = file.subspan(byteOrderMark.size());
+        return readCat;
+    }
+    if (startsWithoutCase(text, catMark)) return readCat;
+    if (text.starts_with("20")) return readFxi;
+    return text.starts_with(':') ? readCas : nullptr;
+}
 
 void addMessage(ImportReport &report, OwnText text, const std::vector<std::string> &arguments) {
     report.messages.push_back({ownTextNumber(text), ownText(text, arguments)});

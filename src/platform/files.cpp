@@ -120,7 +120,25 @@ void syncFolder(const std::string &folder) {
     if (opened.file >= 0) fsync(opened.file);
 }
 
+bool sameFacts(const std::string &path, const std::string &other) {
+    struct stat a {
+    }, b{};
+    return stat(path.c_str(), &a) == 0 && stat(other.c_str(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+std::string nameOf(const std::string &path) { return path.substr(path.rfind('/') + 1); }
+
 }  // namespace
+
+bool fileExists(const std::string &path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0;
+}
+
+bool isSameFile(const std::string &path, const std::string &other) {
+    if (fileExists(path) || fileExists(other)) return sameFacts(path, other);
+    return nameOf(path) == nameOf(other) && sameFacts(folderOf(path), folderOf(other));
+}
 
 FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t limit) {
     const FileResult result = readFile(path, bytes, limit);

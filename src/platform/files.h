@@ -17,4 +17,11 @@ FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t li
 // Writes beside path, syncs, and renames over it: path holds either its old content or the whole new one.
 FileResult writeWholeFile(const std::string &path, ByteView bytes);
 
+// Whether a path leads to anything at all.
+bool fileExists(const std::string &path);
+
+// Whether both paths lead to one file, whatever they are called: by device and number, links followed. A file that
+// doesn't exist yet counts by its folder and name.
+bool isSameFile(const std::string &path, const std::string &other);
+
 }  // namespace numalink

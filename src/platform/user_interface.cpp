@@ -11,6 +11,8 @@ const UserInterface userInterfaceSilent = {
     .refreshTree = [] {},
     .leaveCurrentView = [] { return true; },
     .askImport = [](ImportQuestion &question) { question.action = ImportAction::none; },
+    .askExport = [](ExportQuestion &) {},
+    .askBitmap = [](BitmapQuestion &) {},
     .askItemExists = [](const std::string &) { return Answer::cancel; },
     .askPictureSlot = [](const std::string &, int) { return 0; },
     .itemReceived = [](std::uint32_t) {},

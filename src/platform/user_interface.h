@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/surface.h"
+
 namespace numalink {
 
 enum class BoxIcon { none, information, warning, error };
@@ -35,6 +37,34 @@ struct ImportQuestion {
     ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
 };
 
+// The question of dialog 119: which items go into which sort of file, and where.
+enum class ExportTarget { none = 0, cat = 1, cas = 2, catAlgebra = 4 };
+
+struct ExportCandidate {
+    std::uint32_t id = 0;
+    std::string folder;  // UTF-8; "Games/Old", "" at the top level
+    std::string name;    // UTF-8
+};
+
+struct ExportQuestion {
+    std::vector<ExportCandidate> items;        // all that can be chosen, by folder and name
+    std::vector<std::uint32_t> chosen;         // preset, then the choice in its order; kept by a cancelled file name
+    ExportTarget target = ExportTarget::none;  // preset, then the choice
+    std::string path;                          // the chosen file, in the file system's encoding; empty: cancelled
+};
+
+// The question of dialog 109: which raster makes the better calculator picture. All surfaces are 128 by 64.
+enum class RasterType { sharp = 0, image = 1 };
+
+struct BitmapQuestion {
+    std::string fileName;  // UTF-8
+    Surface scaled;
+    Surface sharp;
+    Surface image;
+    RasterType type = RasterType::image;  // preset, then the choice
+    bool accepted = false;
+};
+
 // The three fields of the status bar.
 enum class StatusPart { progress = 0, link = 1, item = 2 };
 
@@ -47,6 +77,8 @@ struct UserInterface {
     void (*refreshTree)();
     bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
     void (*askImport)(ImportQuestion &question);
+    void (*askExport)(ExportQuestion &question);
+    void (*askBitmap)(BitmapQuestion &question);
     Answer (*askItemExists)(const std::string &question);  // dialog 108: yes, no or cancel
     // Dialog 110 for the picture of this name, with one of 1 to 6 preset: the slot, or 0 when closed.
     int (*askPictureSlot)(const std::string &pictureName, int preset);

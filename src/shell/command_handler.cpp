@@ -50,7 +50,8 @@ int handleCommand(int id) {
 
 int openFiles() {
     const QStringList patterns = {QStringLiteral("*.cas"), QStringLiteral("*.cat"), QStringLiteral("*.fxi"),
-                                  QStringLiteral("*.bmp")};
+                                  QStringLiteral("*.bmp"), QStringLiteral("*.png"), QStringLiteral("*.jpg"),
+                                  QStringLiteral("*.gif")};
     QStringList bothCases;
     for (const QString &pattern : patterns) bothCases << pattern << pattern.toUpper();
     const QString filter = textOf(OwnText::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +

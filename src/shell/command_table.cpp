@@ -8,6 +8,7 @@
 #include "shell/find_dialog.h"
 #include "shell/password_dialog.h"
 #include "shell/settings_dialog.h"
+#include "shell/export_dialog.h"
 #include "shell/start_up.h"
 
 namespace numalink {
@@ -20,7 +21,7 @@ using enum MenuPosition;
 constexpr Command commands[] = {
     // id, menu, separator, text, key, tip, at start, working, selection, stores first, handler
     {command::open, file, false, 73, "Ctrl+O", OwnText::tipOpen, true, true, false, false, openFiles},
-    {command::save, file, false, 74, "Ctrl+S", OwnText::tipSave, true, false, false, true, nullptr},
+    {command::save, file, false, 74, "Ctrl+S", OwnText::tipSave, true, true, false, true, saveItems},
     {command::settings, file, true, 75, "", OwnText::tipSettings, true, true, false, false, changeSettings},
     {command::exit, file, false, 76, "", OwnText::tipExit, true, true, false, false, exitProgram},
     {command::newFolder, item, false, 122, "", OwnText::tipNewFolder, true, true, false, false, newFolder},

@@ -12,6 +12,8 @@
 #include "platform/graphical_calls.h"
 #include "platform/user_interface.h"
 #include "shell/emulator_window.h"
+#include "shell/bitmap_dialog.h"
+#include "shell/export_dialog.h"
 #include "shell/import_dialog.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
@@ -108,6 +110,8 @@ void installUserInterface() {
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
     userInterface.displayChanged = displayMarked;
+    userInterface.askExport = askExport;
+    userInterface.askBitmap = askBitmap;
 }
 
 void removeUserInterface() { userInterface = userInterfaceSilent; }

@@ -24,7 +24,9 @@ std::string programPlainText(ByteView image);
 // read there. A line end, CR with or without LF, is 0x0D; a CR right behind another CR adds nothing.
 std::size_t readWord(std::string_view words, std::size_t place, Bytes &tokens);
 
-// Exchange words of token bytes, and back. A byte without a word is written as a backslash and the byte.
+// Exchange words of token bytes, and back. A byte without a word is written as a backslash and the byte; so is a sign
+// that would make a longer word with what stands ahead of it, or that would read as a line of a cat file's own:
+// "%End", "%Header Record", and at the head of the text "Password:" and "BaseN:".
 std::string wordsFromTokens(ByteView tokens);
 // -1, or the place where the words can't be read.
 std::ptrdiff_t tokensFromWords(std::string_view words, Bytes &tokens);

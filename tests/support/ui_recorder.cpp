@@ -30,6 +30,21 @@ void recordImport(ImportQuestion &question) {
     if (!uiRecord.importFolder.empty()) question.folderName = uiRecord.importFolder;
 }
 
+void recordExport(ExportQuestion &question) {
+    uiRecord.lastExport = question;
+    uiRecord.lines.push_back("export of " + std::to_string(question.items.size()));
+    question.chosen = uiRecord.exportAnswer.chosen;
+    question.target = uiRecord.exportAnswer.target;
+    question.path = uiRecord.exportAnswer.path;
+}
+
+void recordBitmap(BitmapQuestion &question) {
+    uiRecord.lastBitmap = question;
+    uiRecord.lines.push_back("bitmap " + question.fileName);
+    question.accepted = uiRecord.bitmapAccepted;
+    question.type = uiRecord.bitmapType;
+}
+
 constexpr UserInterface recorder = {
     .messageBox = recordBox,
     .statusText =
@@ -42,6 +57,8 @@ constexpr UserInterface recorder = {
     .refreshTree = [] { uiRecord.lines.push_back("tree"); },
     .leaveCurrentView = [] { return uiRecord.leaveAllowed; },
     .askImport = recordImport,
+    .askExport = recordExport,
+    .askBitmap = recordBitmap,
     .askItemExists =
         [](const std::string &question) {
             uiRecord.lines.push_back("ask " + question);

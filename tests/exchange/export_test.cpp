@@ -1,0 +1,352 @@
+// Items out into files and back: by chance for every kind and target, then each trap on its own.
+#include "exchange/export.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <set>
+
+#include "exchange/export_items.h"
+#include "exchange/import_readers.h"
+#include "exchange/reader_calls.h"
+#include "platform/thread_role.h"
+#include "settings/language_table.h"
+#include "settings/settings_store.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+#include "support/ui_recorder.h"
+#include "text/program_bytes.h"
+
+namespace numalink {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string textOf(const Bytes &bytes) { return {bytes.begin(), bytes.end()}; }
+
+std::string written(const OutgoingItem &item, ExportTarget target) {
+    Bytes file;
+    if (const auto refusal = appendItem(item, target, file))
+        return "refused " + std::to_string(static_cast<int>(refusal->fault));
+    appendFileEnd(target, file);
+    return textOf(file);
+}
+
+std::string refused(ExportFault fault) { return "refused " + std::to_string(static_cast<int>(fault)); }
+
+int roundsOfKind() {
+    const char *wanted = std::getenv("NUMALINK_EXPORT_ROUNDS");
+    return wanted ? std::atoi(wanted) : 60;
+}
+
+// A name of high bytes that reads as UTF-8 is taken for that by the reader.
+bool namesAreClear(const OutgoingItem &item) {
+    const auto info = isTextKind(item.itemKind) ? decodeProgramInfo(item.head) : std::nullopt;
+    for (const std::string &name : {item.name, info ? info->password : ""}) {
+        for (std::size_t i = 0; i + 1 < name.size(); i++) {
+            const auto lead = static_cast<std::uint8_t>(name[i]);
+            if (lead >= 0xC2 && lead < 0xE0) return false;
+        }
+    }
+    return true;
+}
+
+// The item as it has to come back, written down here without the writers' help.
+Bytes expectedImage(Bytes image) {
+    const bool hasPlace = image.back() != 0xFF || (image.size() >= 2 && 2 + programTokens(image).size() < image.size());
+    if (!hasPlace) image.push_back(0);
+    std::uint8_t sum = 0;
+    for (std::size_t i = 0; i + 1 < image.size(); i++) sum = static_cast<std::uint8_t>(sum + image[i]);
+    image.back() = static_cast<std::uint8_t>(0x3A - sum);
+    return image;
+}
+
+void expectProgram(const OutgoingItem &item, const ImportedItem &back, bool hasPassword) {
+    const auto info = decodeProgramInfo(back.head);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->name, item.name);
+    if (hasPassword) {
+        EXPECT_EQ(info->password, decodeProgramInfo(item.head)->password);
+    }
+    ASSERT_EQ(back.data, expectedImage(item.data));
+    EXPECT_EQ(info->imageLength, back.data.size());
+}
+
+void expectValues(const OutgoingItem &item, const ImportedItem &back) {
+    ASSERT_EQ(back.data.size(), item.data.size());
+    for (std::size_t at = 0; at < item.data.size(); at += valueFrameSize) {
+        const auto before = ByteView(item.data).subspan(at).first<valueFrameSize>();
+        const auto after = ByteView(back.data).subspan(at).first<valueFrameSize>();
+        ASSERT_TRUE(std::equal(before.begin(), before.begin() + 5, after.begin()));
+        ASSERT_NEAR(decodeValue(after) / (decodeValue(before) == 0 ? 1 : decodeValue(before)),
+                    decodeValue(before) == 0 ? 0 : 1, 1e-13);
+    }
+}
+
+// Bytes that differ must be the last of a frame of this length.
+void expectFrames(const Bytes &before, const Bytes &after, std::size_t frameLength) {
+    ASSERT_EQ(before.size(), after.size());
+    for (std::size_t i = 0; i < before.size(); i++) {
+        if ((i + 1) % frameLength != 0) {
+            ASSERT_EQ(before[i], after[i]) << i;
+        }
+    }
+    for (std::size_t at = 0; at + frameLength <= after.size(); at += frameLength)
+        ASSERT_TRUE(frameIsGood(ByteView(after).subspan(at, frameLength))) << at;
+}
+
+std::size_t frameLengthOf(const OutgoingItem &item) {
+    if (item.itemKind == kind::picture) return picturePlaneLength(item.head);
+    if (item.itemKind == kind::matrix || item.itemKind == kind::list) return 16;
+    return item.itemKind == kind::colourScreen ? item.data.size() / 3 : item.data.size();
+}
+
+void expectFrameItem(const OutgoingItem &item, const ImportedItem &back, bool asText) {
+    EXPECT_EQ(back.name, item.name);
+    Bytes before = item.head;
+    Bytes after = back.head;
+    if (asText) {
+        for (Bytes *head : {&before, &after}) std::fill_n(head->begin() + 19, 8, std::uint8_t{0});
+    }
+    before.back() = after.back();
+    EXPECT_EQ(before, after);
+    if (asText && item.itemKind != kind::picture) return expectValues(item, back);
+    expectFrames(item.data, back.data, frameLengthOf(item));
+}
+
+struct Round {
+    ExportTarget target;
+    std::vector<ItemKind> kinds;
+};
+
+const Round rounds[] = {
+    {ExportTarget::cas,
+     {kind::program, kind::functionMemory, kind::picture, kind::matrix, kind::list, kind::backup, kind::graphMemory,
+      kind::graphFunction, kind::colourScreen, kind::monochromeScreen}},
+    {ExportTarget::cat, {kind::program, kind::picture, kind::matrix, kind::list}},
+    {ExportTarget::catAlgebra, {kind::program, kind::picture, kind::matrix, kind::list}},
+};
+
+void roundTrip(const OutgoingItem &item, ExportTarget target) {
+    const bool asText = target != ExportTarget::cas;
+    const std::string file = written(item, target);
+    if (asText && !namesAreClear(item) && file == refused(ExportFault::notWhole)) return;
+    const ReadResult read = readWith(asText ? readCat : readCas, file);
+    ASSERT_EQ(read.taken.size(), 1u) << file;
+    ASSERT_TRUE(read.messages.empty()) << read.messages[0].body;
+    ASSERT_EQ(read.taken[0].itemKind, item.itemKind);
+    if (isTextKind(item.itemKind)) return expectProgram(item, read.taken[0], target != ExportTarget::catAlgebra);
+    expectFrameItem(item, read.taken[0], asText);
+}
+
+struct ExportRound : testing::TestWithParam<Round> {};
+
+TEST_P(ExportRound, EveryKindComesBack) {
+    ASSERT_TRUE(tokenTableLoad());
+    languageLoad("English", "English");
+    for (const ItemKind itemKind : GetParam().kinds) {
+        for (int i = 0; i < roundsOfKind() && !HasFatalFailure(); i++) {
+            SCOPED_TRACE("kind " + std::to_string(itemKind) + ", seed " + std::to_string(i));
+            roundTrip(ItemMaker(static_cast<unsigned>(i)).make(itemKind, GetParam().target), GetParam().target);
+        }
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Targets, ExportRound, testing::ValuesIn(rounds));
+
+OutgoingItem program(const std::string &tokens) {
+    Bytes data = {':'};
+    data.insert(data.end(), tokens.begin(), tokens.end());
+    data.push_back(0xFF);
+    return {kind::program, "SNAKE", encodeProgramInfo({.imageLength = 1, .name = "SNAKE", .password = "KEY"}), data};
+}
+
+// Word pairs, longer chains, and every two tokens side by side.
+TEST(ExchangeWords, EverySequenceReadsBack) {
+    ASSERT_TRUE(tokenTableLoad());
+    std::vector<Bytes> all;
+    for (std::size_t i = 0; i < tokenCount(); i++) {
+        const TokenRecord &token = tokenRecord(i);
+        if (token.length == 2) all.push_back({token.byte1, token.byte2});
+        if (token.length == 1) all.push_back({token.byte1});
+    }
+    std::set<std::string> pairs;
+    const auto check = [](const Bytes &tokens) {
+        Bytes back;
+        const std::string words = wordsFromTokens(tokens);
+        EXPECT_EQ(tokensFromWords(words, back), -1) << words;
+        EXPECT_EQ(back, tokens) << words;
+    };
+    for (const Bytes &first : all) {
+        for (const Bytes &second : all) {
+            Bytes both = first;
+            both.insert(both.end(), second.begin(), second.end());
+            check(both);
+            const bool known = wordsFromTokens(first)[0] == '\\' || first[0] < 0x80;
+            const std::string together = wordsFromTokens(both);
+            if (known && together != wordsFromTokens(first) + wordsFromTokens(second)) pairs.insert(together);
+        }
+    }
+    EXPECT_EQ(pairs.size(), 20u) << "docs/formats.md lists them";
+    for (const std::string text : {"turn", "ph Y>=", "d>=>", "receive(", "P ", " \\To "}) {
+        for (const Bytes &first : all) {
+            Bytes chain = first;
+            for (const char letter : text) chain.push_back(static_cast<std::uint8_t>(letter));
+            check(chain);
+        }
+    }
+}
+
+struct ExportText : testing::Test {
+    ExportText() {
+        EXPECT_TRUE(tokenTableLoad());
+        languageLoad("English", "English");
+    }
+};
+
+TEST_F(ExportText, RecordsOfAProgram) {
+    EXPECT_EQ(written(program("AB\rC"), ExportTarget::cat),
+              "%Header Record\r\nFormat:TXT\r\nCommunication SW:0\r\nData Type:PG\r\nCapacity:7\r\nFile Name:SNAKE\r\n"
+              "Group Name:\r\nPassword:KEY\r\nOption1:NL\r\nOption2:\r\nOption3:\r\nOption4:\r\n%Data Record\r\n"
+              "AB\r\nC\r\n%End\r\n");
+    EXPECT_EQ(written(program(""), ExportTarget::catAlgebra),
+              "%Header Record\r\nFormat:MCS1\r\nType Number:1\r\nFile Name:SNAKE\r\nOption Name:\r\n"
+              "Communication SW:0\r\nCapacity:11\r\nData Type:PG\r\n%Data Record\r\nPassword:KEY\r\nBaseN:0\r\n"
+              "\\@00\r\n%End\r\n");
+    EXPECT_THAT(written(program(""), ExportTarget::cat), HasSubstr("%Data Record\r\n\r\n%End\r\n"));
+}
+
+TEST_F(ExportText, LinesOfTheFileInAProgram) {
+    const std::string file = written(program("Password:A\r%End\r%Ends\r%header record\rBaseN:"), ExportTarget::cat);
+    EXPECT_THAT(file, HasSubstr("\\Password:A\r\n\\%End\r\n%Ends\r\n\\%header record\r\nBaseN:\r\n%End\r\n"));
+}
+
+TEST_F(ExportText, ValuesAndPictures) {
+    OutgoingItem list = ItemMaker(1).values(kind::list);
+    writeBig16(list.head, 7, 1);
+    list.data.assign({0x3A, 0, 1, 0, 1, 1, 0x50, 0, 0, 0, 0, 0, 0, 1, 0x03, 0});
+    EXPECT_THAT(written(list, ExportTarget::cat), HasSubstr("Value : 1 1 1.5\\EE+3\r\n%End"));
+    list.data[13] = 0x41;
+    list.data[14] = 0xFF;  // an exponent of 165
+    EXPECT_EQ(written(list, ExportTarget::cat), refused(ExportFault::notWhole));
+    OutgoingItem picture = ItemMaker(2).picture(false);
+    const std::string file = written(picture, ExportTarget::cat);
+    EXPECT_THAT(file, HasSubstr("\r\nHeight:64\r\nWidth:128\r\nData Name:" + picture.name));
+    EXPECT_THAT(file, HasSubstr("Start Position:DR\r\nDirection:U\r\nByte Direction:W\r\nBit Weight:F\r\n"));
+    picture.data[1] = 1;  // a sheet beyond 255
+    EXPECT_EQ(written(picture, ExportTarget::cat), refused(ExportFault::notWhole));
+    EXPECT_THAT(written(picture, ExportTarget::cas), HasSubstr(":IMG"));
+}
+
+TEST_F(ExportText, WhatNoFileCanHold) {
+    OutgoingItem block = ItemMaker(3).block(kind::algebraBlock, ":MCS1");
+    for (const ExportTarget target : {ExportTarget::cas, ExportTarget::cat, ExportTarget::catAlgebra})
+        EXPECT_EQ(written(block, target), refused(ExportFault::kind));
+    EXPECT_EQ(written(ItemMaker(4).text(kind::functionMemory, true), ExportTarget::cat), refused(ExportFault::kind));
+    EXPECT_EQ(written(program("\x7F\xFE"), ExportTarget::cat), refused(ExportFault::code));
+    EXPECT_THAT(written(program("\x7F\xFE"), ExportTarget::cas), HasSubstr(std::string(":\x7F\xFE\xFF", 4)));
+    OutgoingItem backup = ItemMaker(5).block(kind::backup, std::string_view(":MEM\0BU", 7));
+    backup.data.pop_back();
+    EXPECT_EQ(written(backup, ExportTarget::cas), refused(ExportFault::sizesDiffer));
+    backup.head.clear();
+    EXPECT_EQ(written(backup, ExportTarget::cas), refused(ExportFault::kind));
+    EXPECT_EQ(written(program(std::string(65533, 'A')), ExportTarget::cas), refused(ExportFault::tooLarge));
+    OutgoingItem option = program("A");
+    option.head[optionOffset] = 'X';
+    EXPECT_EQ(written(option, ExportTarget::cat), refused(ExportFault::notWhole)) << "a text file has no such bytes";
+}
+
+struct Export : testing::Test {
+    Export() {
+        threadRole = ThreadRole::graphical;
+        EXPECT_TRUE(tokenTableLoad());
+        languageLoad("English", "English");
+        EXPECT_TRUE(storeOpen());
+    }
+    ~Export() override { storeClose(); }
+
+    static ItemId add(const OutgoingItem &item, ItemId parent = rootId) {
+        return storeAddItem(
+            {.name = item.name, .parent = parent, .kind = item.itemKind, .head = item.head, .data = item.data});
+    }
+    bool exportTo(const std::string &name, std::vector<ItemId> ids, ExportTarget target = ExportTarget::cat) const {
+        return exportItems({.path = scratch.path + name, .ids = std::move(ids), .target = target});
+    }
+
+    ScratchFolder scratch;
+    RecordedUi ui;
+};
+
+TEST_F(Export, TheQuestionOffersTheLibraryAndKeepsTheChoice) {
+    const ItemId games = storeResolvePath("/Games/old/", true);
+    const ItemId b = add(program("B"), games);
+    OutgoingItem other = program("A");
+    other.name = "apple";
+    const ItemId a = add(other, games);
+    const ItemId top = add(program("T"));
+    add(program("hidden"), storeTempFolder());
+    uiRecord.exportAnswer = {.items = {}, .chosen = {b, a}, .target = ExportTarget::cas, .path = scratch.path + "x"};
+    exportWithQuestion();
+    std::vector<std::string> lines;
+    for (const ExportCandidate &item : uiRecord.lastExport.items) lines.push_back(item.folder + ":" + item.name);
+    EXPECT_THAT(lines, ElementsAre(":SNAKE", "Games/old:apple", "Games/old:SNAKE"));
+    EXPECT_EQ(uiRecord.lastExport.items[0].id, top);
+    EXPECT_EQ(readWith(readCas, scratch.read("x")).taken.size(), 2u);
+    uiRecord.exportAnswer.path.clear();
+    exportWithQuestion();
+    EXPECT_EQ(uiRecord.lastExport.target, ExportTarget::cas);
+    EXPECT_THAT(uiRecord.lastExport.chosen, ElementsAre(b, a));
+    EXPECT_TRUE(uiRecord.boxes.empty());
+}
+
+TEST_F(Export, ARefusedItemIsNamedAndNothingIsWritten) {
+    const ItemId good = add(program("A"));
+    OutgoingItem block = ItemMaker(3).block(kind::algebraBlock, ":MCS1");
+    block.name = "SETUP";
+    const ItemId bad = add(block);
+    scratch.write("x.cat", "old");
+    uiRecord.answers = {Answer::ok};
+    EXPECT_FALSE(exportTo("x.cat", {good, bad}));
+    ASSERT_EQ(uiRecord.boxes.size(), 2u);
+    EXPECT_EQ(uiRecord.boxes[1].bodyNumber, 92);
+    EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("SETUP"));
+    EXPECT_EQ(scratch.read("x.cat"), "old");
+}
+
+TEST_F(Export, AnExistingFileIsAskedAboutAndOwnFilesAreRefused) {
+    const ItemId id = add(program("A"));
+    scratch.write("x.cat", "old");
+    EXPECT_FALSE(exportTo("x.cat", {id}));
+    EXPECT_EQ(scratch.read("x.cat"), "old");
+    EXPECT_EQ(uiRecord.boxes.at(0).buttons, BoxButtons::okCancel);
+    uiRecord.answers = {Answer::ok};
+    EXPECT_TRUE(exportTo("x.cat", {id}));
+    EXPECT_EQ(readWith(readCat, scratch.read("x.cat")).taken.size(), 1u);
+    const std::string library = scratch.read("storage.dat");
+    ASSERT_EQ(symlink("storage.dat", (scratch.path + "link.cat").c_str()), 0);
+    ASSERT_EQ(link((scratch.path + "storage.dat").c_str(), (scratch.path + "hard.cat").c_str()), 0);
+    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "./../no/../storage.dat"}) {
+        uiRecord.boxes.clear();
+        uiRecord.answers = {Answer::ok};
+        EXPECT_FALSE(exportTo(own, {id})) << own;
+        EXPECT_EQ(uiRecord.boxes.size(), 1u) << own;
+    }
+    EXPECT_EQ(scratch.read("storage.dat"), library);
+}
+
+TEST_F(Export, AFolderThatCantBeWrittenIsTold) {
+    const ItemId id = add(program("A"));
+    EXPECT_FALSE(exportTo("missing/x.cat", {id}));
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_FALSE(exportItems({.path = "/dev/full", .ids = {id}, .target = ExportTarget::cat, .mayReplace = true}));
+    EXPECT_FALSE(exportTo("", {id}));
+    EXPECT_EQ(uiRecord.boxes.size(), 3u) << "the folder exists, which is asked about first";
+}
+
+}  // namespace
+}  // namespace numalink
