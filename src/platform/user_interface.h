@@ -84,7 +84,7 @@ struct UserInterface {
     int (*askPictureSlot)(const std::string &pictureName, int preset);
     void (*itemReceived)(std::uint32_t id);  // an item has come from a calculator and is in the library
     void (*transmitQueueChanged)();          // leaves a mark and returns at once: what can be sent has changed
-    void (*displayChanged)();                              // leaves a mark and returns at once
+    void (*displayChanged)();                // leaves a mark and returns at once
 };
 
 extern const UserInterface userInterfaceSilent;  // every entry set: does nothing, answers "cancel"

@@ -5,10 +5,11 @@
 #include "shell/bitmap_export.h"
 #include "shell/command_handler.h"
 #include "shell/emulator_window.h"
+#include "shell/export_dialog.h"
 #include "shell/find_dialog.h"
+#include "shell/link_commands.h"
 #include "shell/password_dialog.h"
 #include "shell/settings_dialog.h"
-#include "shell/export_dialog.h"
 #include "shell/start_up.h"
 
 namespace numalink {
@@ -28,8 +29,8 @@ constexpr Command commands[] = {
     {command::newProgram, item, false, 77, "", OwnText::tipNewProgram, true, true, false, false, newProgram},
     {command::rename, item, false, 78, "F2", OwnText::tipRename, false, true, true, true, renameSelectedItem},
     {command::remove, item, false, 79, "", OwnText::tipDelete, false, true, true, false, deleteWithQuestion},
-    {command::transmit, item, true, 81, "F6", OwnText::tipTransmit, false, false, true, true, nullptr},
-    {command::queue, item, false, 82, "F8", OwnText::tipQueue, false, false, true, true, nullptr},
+    {command::transmit, item, true, 81, "F6", OwnText::tipTransmit, false, true, true, true, transmitSelected},
+    {command::queue, item, false, 82, "F8", OwnText::tipQueue, false, true, true, true, queueSelected},
     {command::emulate, item, true, 83, "F7", OwnText::tipEmulate, false, true, true, true, emulatorToggle},
     {command::password, item, false, 84, "", OwnText::tipPassword, false, true, true, false, changePassword},
     {command::saveBitmap, item, true, 85, "", OwnText::tipSaveBitmap, false, true, true, false, saveItemAsBitmap},
@@ -37,8 +38,8 @@ constexpr Command commands[] = {
     {command::findAgain, edit, false, 87, "F3", OwnText::tipFindAgain, false, true, false, false, findAgain},
     {command::refresh, edit, false, 88, "F5", OwnText::tipRefresh, false, true, false, false, refreshView},
     {command::screenshot, emulator, false, 72, "", OwnText::tipScreenshot, false, true, false, false, saveScreenshot},
-    {command::transmitQueue, communication, false, 89, "F9", OwnText::tipTransmitQueue, false, false, false, true,
-     nullptr},
+    {command::transmitQueue, communication, false, 89, "F9", OwnText::tipTransmitQueue, false, true, false, true,
+     transmitQueued},
     {command::hideTree, view, false, 161, "F11", OwnText::tipHideFiles, true, true, false, false, toggleTree},
     {command::about, help, false, 90, "", OwnText::tipAbout, true, true, false, false, showAbout},
 };

@@ -11,14 +11,17 @@
 
 #include "platform/graphical_calls.h"
 #include "platform/user_interface.h"
-#include "shell/emulator_window.h"
 #include "shell/bitmap_dialog.h"
+#include "shell/emulator_window.h"
 #include "shell/export_dialog.h"
 #include "shell/import_dialog.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
+#include "shell/link_commands.h"
+#include "shell/link_dialogs.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
+#include "shell/worker_dialogs.h"
 
 namespace numalink {
 
@@ -43,22 +46,18 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
     }
 }
 
-Answer showBox(const Box &box) {
+QDialog *makeBox(const Box &box) {
     const bool cancellable = box.buttons == BoxButtons::okCancel;
-    QMessageBox window(iconOf(box.icon), toQt(box.title), toQt(box.body),
-                       cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
-    window.setTextFormat(Qt::PlainText);
-    window.button(QMessageBox::Ok)->setText(textOf(112));
-    if (cancellable) window.button(QMessageBox::Cancel)->setText(textOf(113));
-    const bool accepted = window.exec() == QMessageBox::Ok;
-    QTimer::singleShot(0, qApp, refreshTreeWhenFree);
-    return accepted ? Answer::ok : Answer::cancel;
+    auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body),
+                                   cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
+    window->setTextFormat(Qt::PlainText);
+    window->button(QMessageBox::Ok)->setText(textOf(112));
+    if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(113));
+    return window;
 }
 
 Answer messageBox(const Box &box) {
-    Answer answer = Answer::cancel;
-    graphicalRun([&] { answer = showBox(box); });
-    return answer;
+    return askByDialog([box] { return makeBox(box); }) == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
 void statusText(StatusPart part, int, const std::string &text) {
@@ -109,6 +108,9 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
+    userInterface.askItemExists = askItemExists;
+    userInterface.askPictureSlot = askPictureSlot;
+    userInterface.transmitQueueChanged = queueMarked;
     userInterface.displayChanged = displayMarked;
     userInterface.askExport = askExport;
     userInterface.askBitmap = askBitmap;

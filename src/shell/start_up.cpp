@@ -16,6 +16,7 @@
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
 #include "shell/label_edit.h"
+#include "shell/link_commands.h"
 #include "shell/menus.h"
 #include "shell/message_boxes.h"
 #include "shell/program_drafts.h"
@@ -68,6 +69,7 @@ constexpr StartStep startSteps[] = {
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
+    {"communication menu", [] { return done(buildCommunicationMenu); }, false},
     {"view menu", [] { return done(buildViewMenu); }, false},
     {"views", [] { return done(connectViews); }, false},
     {"window events", [] { return done(connectWindow); }, false},
@@ -79,6 +81,7 @@ constexpr StartStep startSteps[] = {
     {"tokens", tokenTableLoad, false},
     {"large font", loadLargeFont, false},
     {"small font", loadSmallFont, false},
+    {"link", [] { return done(startLink); }, false},
     {"signals", [] { return done(watchStopSignals); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
@@ -89,6 +92,7 @@ bool shutting = false;
 
 void closeLibraryAndQuit() {
     shutting = true;
+    stopLink();
     storeClose();
     removeTrayIcon();
     stopAnsweringCopies();

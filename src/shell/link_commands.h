@@ -1,0 +1,17 @@
+// The calculator link in the window: its commands, its timer, the window that shows the queue. Graphical thread only,
+// but for queueMarked.
+#pragma once
+
+namespace numalink {
+
+void startLink();  // the link's thread and the test of its deadline; with the library open
+void stopLink();   // joins the thread; ahead of closing the library
+
+int transmitSelected();  // 40011
+int queueSelected();     // 40012
+int transmitQueued();    // 40006
+
+void buildCommunicationMenu();
+void queueMarked();  // what can be sent has changed. Any thread
+
+}  // namespace numalink
