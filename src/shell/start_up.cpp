@@ -100,6 +100,8 @@ bool startUp() {
     return true;
 }
 
+bool shuttingDown() { return shutting; }
+
 void shutDown() {
     if (shutting) return;
     if (QWidget *dialog = QApplication::activeModalWidget()) {
@@ -107,17 +109,20 @@ void shutDown() {
         dialog->activateWindow();
         return;
     }
-    closeLabelEditor();
-    if (leaveCurrentView()) closeLibraryAndQuit();
+    if (finishLabelEdit() && leaveCurrentView()) closeLibraryAndQuit();
 }
 
 void shutDownAtOnce() {
     if (shutting) return;
+    while (QWidget *menu = QApplication::activePopupWidget()) {
+        menu->close();
+        if (QApplication::activePopupWidget() == menu) break;
+    }
     while (QWidget *dialog = QApplication::activeModalWidget()) {
         dialog->close();
         if (QApplication::activeModalWidget() == dialog) break;
     }
-    closeLabelEditor();
+    finishLabelEditAtOnce();
     leaveCurrentView();
     closeLibraryAndQuit();
 }
