@@ -73,6 +73,7 @@ void buildToolbar() {
         action->setIconText(withoutMnemonic(textOf(button.textNumber)));
         toolbar->addAction(action);
     }
+    fitWindowToToolbar();
 }
 
 void forgetMenus() {
