@@ -90,7 +90,9 @@ void markTarget(ItemId target) {
     if (target == dropTarget) return;
     if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, QBrush());
     dropTarget = target;
-    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, treeView->palette().mid());
+    QColor mark = treeView->palette().highlight().color();
+    mark.setAlpha(96);  // the name stays readable on it, in dark and light looks
+    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, mark);
 }
 
 void dragTo(const QPoint &place) {
