@@ -22,7 +22,6 @@ std::mutex requestMutex;
 std::condition_variable requestChanged;
 std::deque<GraphicalRequest *> waitingRequests;
 std::array<bool, threadRoleCount> refused;
-int served = 0;  // requests in work, one within the other; graphical thread only
 std::map<GraphicalQuestion, std::optional<int>> openQuestions;
 std::deque<std::function<void()>> laterWork;  // nobody waits for it
 GraphicalQuestion lastQuestion = 0;
@@ -79,9 +78,7 @@ void graphicalCallsServe() {
         waitingRequests.pop_front();
         request.started = true;
         held.unlock();
-        served++;
         request.work(request.arguments);
-        served--;
         held.lock();
         request.done = true;
         requestChanged.notify_all();

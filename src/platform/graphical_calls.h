@@ -20,9 +20,6 @@ void graphicalCallsRefuse(ThreadRole caller);  // ends its waits, ahead of joini
 void graphicalCallsAccept(ThreadRole caller);
 void graphicalCallsServe();  // graphical thread: runs all that waits; the shell calls it when woken
 
-// Graphical thread: whether it is in the midst of work for another thread, a box of it open perhaps. That thread can't
-// be joined until the work has returned.
-bool graphicalCallsBusy();
 // A question of a worker that waits for a person. open runs on the graphical thread and returns at once, with a window
 // left open that later calls graphicalAnswer with the number it was given. Unlike a call that has started, the wait
 // ends when calls are refused, even while the window is open: then the result is nothing, and close runs on the

@@ -1,9 +1,11 @@
 #include "shell/command_handler.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMainWindow>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -16,6 +18,7 @@
 #include "shell/delete_question.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
+#include "shell/label_edit.h"
 #include "shell/menus.h"
 #include "shell/program_store.h"
 #include "shell/shell_texts.h"
@@ -30,9 +33,31 @@ bool treeVisible = true;
 namespace {
 
 QString lastFolder;  // of the file dialog, for this run
+QStringList filesToImport;
+bool importing = false;
+constexpr int importAgainMilliseconds = 100;
+
+// One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
+// dialog of another import may be asking about.
+void importWaitingFiles() {
+    if (importing || filesToImport.isEmpty()) return;
+    if (QApplication::activeModalWidget() != nullptr) {
+        QTimer::singleShot(importAgainMilliseconds, mainWindow, importWaitingFiles);
+        return;
+    }
+    importing = true;
+    while (!filesToImport.isEmpty() && !shuttingDown()) {
+        const QString path = filesToImport.takeFirst();
+        importFile(QFile::encodeName(path).toStdString(), importBaseName(path.toStdString()));
+    }
+    importing = false;
+    filesToImport.clear();
+    refreshTree();
+}
 
 int runRow(const Command &row) {
     if (!row.working || row.handler == nullptr) return 0;
+    if (!finishLabelEdit()) return 0;
     if (row.needsSelection && selectedItemId() == noItem) return 0;
     if (row.storesFirst && !storeProgramFirst()) return 0;
     return row.handler();
@@ -64,11 +89,8 @@ int openFiles() {
 }
 
 void importDropped(const QStringList &paths) {
-    for (const QString &path : paths) {
-        const std::string native = QFile::encodeName(path).toStdString();
-        importFile(native, importBaseName(path.toStdString()));
-    }
-    refreshTree();
+    filesToImport += paths;
+    importWaitingFiles();
 }
 
 int exitProgram() {
@@ -127,12 +149,7 @@ int renameSelectedItem() {
 int deleteWithQuestion() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || !askDelete(*item)) return 1;
-    const bool onView = viewItemId == item->id;
-    if (onView) {
-        dropCurrentView();
-    } else if (!leaveCurrentView()) {
-        return 1;
-    }
+    if (viewItemId != item->id && !leaveCurrentView()) return 1;
     const QTreeWidgetItem *entry = treeEntryOf(item->id);
     const QTreeWidgetItem *next = nullptr;
     if (entry != nullptr) {
@@ -142,7 +159,8 @@ int deleteWithQuestion() {
         if (next == nullptr) next = entry->parent();
     }
     const ItemId follower = next == nullptr ? noItem : next->data(0, Qt::UserRole).toUInt();
-    storeDelete(item->id);
+    if (!storeDelete(item->id)) return 1;
+    if (viewItemId == item->id) dropCurrentView();
     refreshTree();
     selectItem(follower);
     treeView->setFocus();

@@ -20,7 +20,7 @@ int refreshView();
 int toggleTree();
 int showAbout();
 
-// Imports files one after the other, each with its own question. Paths in the file system's encoding as UTF-8.
+// Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
 void importDropped(const QStringList &paths);
 
 extern bool treeVisible;

@@ -30,38 +30,71 @@ void sortForTree(std::vector<const ItemEntry *> &entries) {
     for (std::size_t i = 0; i < entries.size(); i++) entries[i] = keyed[i].second;
 }
 
-// Appends start and all that is reached from it, without recursion: folders may be nested 2000 deep.
-void appendReached(std::vector<const ItemEntry *> start, ItemId root, ChildrenOf &children,
-                   std::unordered_set<ItemId> &seen, TreeContent &content) {
+// Marks an item and all that lies below it.
+void markReached(const ItemEntry &first, const ChildrenOf &children, std::unordered_set<ItemId> &reached) {
+    std::vector<const ItemEntry *> waiting = {&first};
+    while (!waiting.empty()) {
+        const ItemEntry *item = waiting.back();
+        waiting.pop_back();
+        if (!reached.insert(item->id).second || !isFolderKind(item->kind)) continue;
+        const auto below = children.find(item->id);
+        if (below != children.end()) waiting.insert(waiting.end(), below->second.begin(), below->second.end());
+    }
+}
+
+// Up from an item that only a circle of folders holds: that circle's folder of lowest id.
+ItemId circleAbove(ItemId from, const std::unordered_map<ItemId, const ItemEntry *> &itemOf) {
+    std::unordered_set<ItemId> passed;
+    while (passed.insert(from).second) from = itemOf.at(from)->parent;
+    ItemId lowest = from;
+    for (ItemId id = itemOf.at(from)->parent; id != from; id = itemOf.at(id)->parent) lowest = std::min(lowest, id);
+    return lowest;
+}
+
+// What the root doesn't reach: the items whose parent is no folder here, and of each circle one folder.
+std::vector<const ItemEntry *> findStrays(const std::vector<ItemEntry> &items, const ChildrenOf &children) {
+    std::unordered_map<ItemId, const ItemEntry *> itemOf;
+    for (const ItemEntry &item : items) itemOf[item.id] = &item;
+    std::unordered_set<ItemId> reached;
+    std::vector<const ItemEntry *> strays;
+    for (const ItemEntry &item : items) {
+        const auto parent = itemOf.find(item.parent);
+        const bool atRoot = item.parent == rootId;
+        if (!atRoot && parent != itemOf.end() && isFolderKind(parent->second->kind)) continue;
+        if (!atRoot && item.kind != kind::temporaryFolder) strays.push_back(&item);
+        markReached(item, children, reached);
+    }
+    for (const ItemEntry &item : items) {
+        if (reached.contains(item.id)) continue;
+        strays.push_back(itemOf.at(circleAbove(item.id, itemOf)));
+        markReached(*strays.back(), children, reached);
+    }
+    return strays;
+}
+
+// Appends what is to stand at the root and all that is reached from it, without recursion: folders may be nested 2000
+// deep. A circle ends where it began.
+void appendReached(std::vector<const ItemEntry *> start, ChildrenOf &children, TreeContent &content) {
     struct Step {
         const ItemEntry *item;
         ItemId shownUnder;
     };
+    std::unordered_set<ItemId> atRoot;
+    for (const ItemEntry *entry : start) atRoot.insert(entry->id);
     std::vector<Step> waiting;
     const auto push = [&](std::vector<const ItemEntry *> entries, ItemId shownUnder) {
         sortForTree(entries);
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) waiting.push_back({*entry, shownUnder});
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+            if (shownUnder == rootId || !atRoot.contains((*entry)->id)) waiting.push_back({*entry, shownUnder});
     };
-    push(std::move(start), root);
+    push(std::move(start), rootId);
     while (!waiting.empty()) {
-        const Step step = waiting.back();
+        const auto [item, shownUnder] = waiting.back();
         waiting.pop_back();
-        if (!seen.insert(step.item->id).second) continue;
-        if (step.item->kind != kind::temporaryFolder) {
-            content.entries.push_back({step.item->id, step.shownUnder, step.item->kind, step.item->name,
-                                       (step.item->flags & folderOpenFlag) != 0});
-        }
-        if (!isFolderKind(step.item->kind)) continue;
-        if (step.item->kind == kind::temporaryFolder) {
-            std::vector<const ItemEntry *> hidden = children[step.item->id];
-            for (std::size_t i = 0; i < hidden.size(); i++) {
-                if (!seen.insert(hidden[i]->id).second) continue;
-                const auto &below = children[hidden[i]->id];
-                hidden.insert(hidden.end(), below.begin(), below.end());
-            }
-            continue;
-        }
-        push(children[step.item->id], step.item->id);
+        if (item->kind == kind::temporaryFolder) continue;
+        const bool opened = (item->flags & folderOpenFlag) != 0;
+        content.entries.push_back({item->id, shownUnder, item->kind, item->name, opened});
+        if (isFolderKind(item->kind)) push(children[item->id], item->id);
     }
 }
 
@@ -94,21 +127,32 @@ void writeFrameName(Bytes &head, const std::string &name) {
 
 TreeContent treeContent(const std::vector<ItemEntry> &items) {
     ChildrenOf children = childrenByParent(items);
-    std::unordered_set<ItemId> seen;
+    const std::vector<const ItemEntry *> strays = findStrays(items, children);
+    std::vector<const ItemEntry *> start = children[rootId];
+    start.insert(start.end(), strays.begin(), strays.end());
     TreeContent content;
-    appendReached(children[rootId], rootId, children, seen, content);
-    // What the root doesn't reach: first the items whose parent is no folder here, then what is left, circles.
-    std::unordered_set<ItemId> folders;
-    for (const ItemEntry &item : items)
-        if (isFolderKind(item.kind)) folders.insert(item.id);
-    for (const bool circles : {false, true}) {
-        for (const ItemEntry &item : items) {
-            if (seen.contains(item.id) || (!circles && folders.contains(item.parent))) continue;
-            content.strays++;
-            appendReached({&item}, rootId, children, seen, content);
+    content.strays = static_cast<int>(strays.size());
+    appendReached(std::move(start), children, content);
+    return content;
+}
+
+std::vector<bool> longestRising(const std::vector<int> &places) {
+    constexpr std::size_t none = SIZE_MAX;
+    std::vector<std::size_t> ends;  // for each length of a rising row the index of its lowest end
+    std::vector<std::size_t> before(places.size(), none);
+    for (std::size_t i = 0; i < places.size(); i++) {
+        const auto end =
+            std::ranges::lower_bound(ends, places[i], {}, [&](std::size_t index) { return places[index]; });
+        if (end != ends.begin()) before[i] = *(end - 1);
+        if (end == ends.end()) {
+            ends.push_back(i);
+        } else {
+            *end = i;
         }
     }
-    return content;
+    std::vector<bool> rising(places.size());
+    for (std::size_t i = ends.empty() ? none : ends.back(); i != none; i = before[i]) rising[i] = true;
+    return rising;
 }
 
 bool canDrop(ItemKind dragged, ItemKind folderKind) {

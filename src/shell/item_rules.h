@@ -29,6 +29,9 @@ struct TreeContent {
 // mixed. The temporary folder and what it holds are left out.
 TreeContent treeContent(const std::vector<ItemEntry> &items);
 
+// Which of these places, all different, may stay when they are to rise: a longest rising row of them.
+std::vector<bool> longestRising(const std::vector<int> &places);
+
 // Whether an item may be moved into that folder: never a folder; any ordinary folder takes every item, a standard
 // folder its own kinds.
 bool canDrop(ItemKind dragged, ItemKind folderKind);

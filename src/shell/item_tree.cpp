@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
 #include <atomic>
@@ -27,8 +29,11 @@ namespace {
 
 std::unordered_map<ItemId, QTreeWidgetItem *> entryOf;
 bool refreshOwed = false;
+bool askingAgain = false;
 bool selecting = false;   // selectItem is at work: it isn't entered again
 bool straysTold = false;  // once a run
+
+constexpr int kindRole = Qt::UserRole + 1;  // the kind whose image an entry shows
 
 ItemId idOf(const QTreeWidgetItem *entry) { return entry->data(0, Qt::UserRole).toUInt(); }
 
@@ -72,9 +77,50 @@ void removeGone(const TreeContent &content, std::vector<ItemId> &expanded) {
     }
 }
 
+// The entry of an id that folder's children stand under.
+QTreeWidgetItem *holderOf(ItemId folder) {
+    return folder == rootId ? treeView->invisibleRootItem() : treeEntryOf(folder);
+}
+
+void takeOut(QTreeWidgetItem *item, std::vector<ItemId> &expanded) {
+    rememberExpansion(item, expanded);
+    QTreeWidgetItem *holder = item->parent() != nullptr ? item->parent() : treeView->invisibleRootItem();
+    holder->removeChild(item);
+}
+
+// Takes out what doesn't follow the order of its row, as few as will do: every one costs time and disturbs the view.
+void takeOutOfRow(QTreeWidgetItem *holder, const std::vector<QTreeWidgetItem *> &row, std::vector<ItemId> &expanded) {
+    std::unordered_map<const QTreeWidgetItem *, int> placeOf;
+    for (int i = 0; i < holder->childCount(); i++) placeOf[holder->child(i)] = i;
+    std::vector<int> places;
+    for (const QTreeWidgetItem *item : row) places.push_back(placeOf[item]);
+    const std::vector<bool> stays = longestRising(places);
+    for (std::size_t i = 0; i < row.size(); i++)
+        if (!stays[i]) takeOut(row[i], expanded);
+}
+
+// Takes out what will stand elsewhere; what stays is in order then.
+void takeOutMoved(const TreeContent &content, std::vector<ItemId> &expanded) {
+    std::unordered_map<ItemId, std::vector<QTreeWidgetItem *>> rows;
+    for (const TreeEntry &entry : content.entries) {
+        QTreeWidgetItem *item = treeEntryOf(entry.id);
+        if (item == nullptr) continue;
+        QTreeWidgetItem *holder = item->parent() != nullptr ? item->parent() : treeView->invisibleRootItem();
+        if (holder == holderOf(entry.shownUnder)) {
+            rows[entry.shownUnder].push_back(item);
+        } else {
+            takeOut(item, expanded);
+        }
+    }
+    for (const auto &[folder, row] : rows) takeOutOfRow(holderOf(folder), row, expanded);
+}
+
 void writeEntry(QTreeWidgetItem *item, const TreeEntry &entry) {
     item->setText(0, nameToQt(entry.name));
+    const QVariant shownKind = item->data(0, kindRole);
+    if (shownKind.isValid() && shownKind.toUInt() == entry.kind) return;
     item->setData(0, Qt::UserRole, entry.id);
+    item->setData(0, kindRole, entry.kind);
     item->setIcon(0, treeImage(entry.kind));
     item->setChildIndicatorPolicy(isFolderKind(entry.kind) ? QTreeWidgetItem::ShowIndicator
                                                            : QTreeWidgetItem::DontShowIndicator);
@@ -82,23 +128,15 @@ void writeEntry(QTreeWidgetItem *item, const TreeEntry &entry) {
 
 // Brings one entry to its place: its parent's next free child place.
 void placeEntry(const TreeEntry &entry, std::unordered_map<ItemId, int> &placed, std::vector<ItemId> &expanded) {
-    QTreeWidgetItem *parent = entry.shownUnder == rootId ? treeView->invisibleRootItem() : entryOf.at(entry.shownUnder);
+    QTreeWidgetItem *parent = holderOf(entry.shownUnder);
     const int place = placed[entry.shownUnder]++;
     QTreeWidgetItem *&item = entryOf[entry.id];
     if (item == nullptr) {
         item = new QTreeWidgetItem();
-        writeEntry(item, entry);
-        parent->insertChild(place, item);
         if (entry.opened) expanded.push_back(entry.id);
-        return;
-    }
-    if (parent->child(place) != item) {
-        rememberExpansion(item, expanded);
-        QTreeWidgetItem *holder = item->parent() != nullptr ? item->parent() : treeView->invisibleRootItem();
-        holder->removeChild(item);
-        parent->insertChild(place, item);
     }
     writeEntry(item, entry);
+    if (parent->child(place) != item) parent->insertChild(place, item);
 }
 
 void tellStrays(int strays) {
@@ -114,15 +152,31 @@ void refreshNow() {
         const QSignalBlocker quiet(treeView);
         std::vector<ItemId> expanded;
         std::unordered_map<ItemId, int> placed;
+        const int scrolled = treeView->verticalScrollBar()->value();
+        treeView->setAutoScroll(false);
         removeGone(content, expanded);
+        takeOutMoved(content, expanded);
         for (const TreeEntry &entry : content.entries) placeEntry(entry, placed, expanded);
         for (const ItemId id : expanded)
             if (QTreeWidgetItem *entry = treeEntryOf(id)) entry->setExpanded(true);
         if (QTreeWidgetItem *entry = treeEntryOf(selected)) treeView->setCurrentItem(entry);
+        treeView->setAutoScroll(true);
+        treeView->visualItemRect(treeView->topLevelItem(0));  // lays the entries out, which the scroll bar follows
+        treeView->verticalScrollBar()->setValue(scrolled);
     }
     if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) viewedItemGone();
     if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
     tellStrays(content.strays);
+}
+
+// Not every dialog and menu says when it closes, so an owed refresh asks for itself.
+void askAgain() {
+    if (askingAgain) return;
+    askingAgain = true;
+    QTimer::singleShot(postponedMilliseconds, treeView, [] {
+        askingAgain = false;
+        refreshTreeWhenFree();
+    });
 }
 
 void applySelection(QTreeWidgetItem *entry) {
@@ -173,7 +227,8 @@ void refreshTree() {
 }
 
 void refreshTreeWhenFree() {
-    if (!refreshOwed || treeView == nullptr || refreshMustWait()) return;
+    if (!refreshOwed || treeView == nullptr) return;
+    if (refreshMustWait()) return askAgain();
     refreshOwed = false;
     refreshNow();
 }
@@ -184,7 +239,6 @@ void startLabelEdit(ItemId id) {
 }
 
 bool labelEditRunning() { return labelEditorOpen(); }
-void endLabelEdit() { closeLabelEditor(); }
 
 void connectTree() {
     connectTreeEvents();
@@ -195,6 +249,7 @@ void connectTree() {
 void forgetTree() {
     entryOf.clear();
     refreshOwed = false;
+    askingAgain = false;
     selecting = false;
     straysTold = false;
 }

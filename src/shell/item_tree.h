@@ -17,12 +17,12 @@ bool selectItem(ItemId id);
 // Brings the tree up to what the library holds, by difference: selection, open view, expansion and scroll stay. Any
 // thread. Postponed while a label edit, a drag, a menu or a box is open.
 void refreshTree();
-void refreshTreeWhenFree();  // the shell calls it when one of these has ended
+void refreshTreeWhenFree();  // at once when one of these has ended; else it comes within postponedMilliseconds
+inline constexpr int postponedMilliseconds = 100;
 
 // Starts the edit of an entry's label, whatever blocks the ones that the mouse starts.
 void startLabelEdit(ItemId id);
 bool labelEditRunning();
-void endLabelEdit();  // without a rename
 
 // Moves an item as a drop does: leaves the view, asks when the name is taken there.
 void moveDropped(ItemId item, ItemId folder);

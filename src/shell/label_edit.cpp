@@ -42,21 +42,28 @@ void tellFault(const NameFault &fault) {
     if (editor != nullptr) editor->setFocus();
 }
 
+// The item with the name that has been typed for it, or nothing when there is nothing to rename.
+struct Typed {
+    ItemEntry item;
+    std::string name;
+};
+
+std::optional<Typed> typedName() {
+    const std::optional<ItemEntry> item = storeReadEntry(editedItem);
+    const std::string name = editor->text().toStdString();
+    if (!item || name == utf8FromCalculator(item->name)) return std::nullopt;
+    return Typed{*item, name};
+}
+
 // The end of an edit with its text. A refused name keeps the editor.
 void commit() {
     if (editor == nullptr || telling) return;
-    const std::optional<ItemEntry> item = storeReadEntry(editedItem);
-    const std::string typed = editor->text().toStdString();
-    if (!item || typed == utf8FromCalculator(item->name)) {
-        closeLabelEditor();
-        return;
-    }
-    if (const std::optional<NameFault> fault = nameFault(*item, typed)) {
-        tellFault(*fault);
-        return;
+    const std::optional<Typed> typed = typedName();
+    if (typed) {
+        if (const std::optional<NameFault> fault = nameFault(typed->item, typed->name)) return tellFault(*fault);
     }
     closeLabelEditor();
-    if (renameItem(*item, calculatorFromUtf8(typed))) refreshTree();
+    if (typed && renameItem(typed->item, calculatorFromUtf8(typed->name))) refreshTree();
 }
 
 bool editorEvent(QWidget *, QEvent *event) {
@@ -93,6 +100,7 @@ void openLabelEditor(ItemId id) {
     hookEvents(editor, editorEvent);
     QObject::connect(treeView->verticalScrollBar(), &QScrollBar::valueChanged, editor.data(), placeEditor);
     QObject::connect(treeView->horizontalScrollBar(), &QScrollBar::valueChanged, editor.data(), placeEditor);
+    QObject::connect(treeView->verticalScrollBar(), &QScrollBar::rangeChanged, editor.data(), placeEditor);
     placeEditor();
     editor->show();
     editor->setFocus();
@@ -107,6 +115,18 @@ void closeLabelEditor() {
     closing->deleteLater();
     treeView->setFocus();
     refreshTreeWhenFree();
+}
+
+bool finishLabelEdit() {
+    commit();
+    return editor == nullptr;
+}
+
+void finishLabelEditAtOnce() {
+    if (editor == nullptr) return;
+    const std::optional<Typed> typed = typedName();
+    if (typed && !nameFault(typed->item, typed->name)) renameItem(typed->item, calculatorFromUtf8(typed->name));
+    closeLabelEditor();
 }
 
 bool labelEditorOpen() { return editor != nullptr; }

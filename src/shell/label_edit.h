@@ -9,7 +9,10 @@ namespace numalink {
 
 // May open a box when a name is refused; the typed text then stays in the editor.
 void openLabelEditor(ItemId id);
-void closeLabelEditor();
+void closeLabelEditor();  // without a rename
+// Ends the edit as Enter does. False when the name was refused (told) and the editor stays.
+bool finishLabelEdit();
+void finishLabelEditAtOnce();  // the same without a word: a refused name is given up
 bool labelEditorOpen();
 QLineEdit *labelEditor();  // null when closed
 

@@ -74,6 +74,7 @@ void buildToolbar() {
         action->setIconText(withoutMnemonic(textOf(button.textNumber)));
         toolbar->addAction(action);
     }
+    fitWindowToToolbar();
 }
 
 void forgetMenus() {

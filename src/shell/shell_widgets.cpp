@@ -12,6 +12,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "shell/command_handler.h"
 #include "shell/fonts.h"
@@ -89,6 +90,12 @@ void makeProgramEdit() {
     lineNumberEdit->hide();
 }
 
+void centreMainWindow(int width) {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    mainWindow->resize(std::min(width, screen.width()), windowHeight);
+    mainWindow->move((screen.width() - mainWindow->width()) / 2, (screen.height() - windowHeight) / 2);
+}
+
 }  // namespace
 
 void makeMainWindow() {
@@ -97,9 +104,7 @@ void makeMainWindow() {
     mainWindow->setWindowTitle(QStringLiteral("Vesper Foundry - Numalink"));
     mainWindow->setWindowIcon(QIcon(QStringLiteral(":/images/numalink.svg")));
     mainWindow->setAcceptDrops(true);
-    mainWindow->resize(windowWidth, windowHeight);
-    const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    mainWindow->move((screen.width() - windowWidth) / 2, (screen.height() - windowHeight) / 2);
+    centreMainWindow(windowWidth);
     clientArea = new QWidget;
     mainWindow->setCentralWidget(clientArea);
 }
@@ -124,6 +129,11 @@ void makeClientWidgets() {
     toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     toolbar->setContextMenuPolicy(Qt::PreventContextMenu);
     statusBar->show();
+}
+
+void fitWindowToToolbar() {
+    const int needed = toolbar->sizeHint().width();
+    if (needed > windowWidth) centreMainWindow(needed);
 }
 
 void destroyWidgets() {

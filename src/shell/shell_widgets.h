@@ -32,6 +32,7 @@ extern QMenu *itemMenu;
 // Make the widgets with their looks, unconnected: the main window with its parts, sized as at start-up.
 void makeMainWindow();
 void makeClientWidgets();
+void fitWindowToToolbar();  // wider where the buttons' words are longer, so that none is hidden
 void destroyWidgets();
 
 }  // namespace numalink

@@ -7,7 +7,6 @@
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
-#include "platform/graphical_calls.h"
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
@@ -86,8 +85,6 @@ constexpr StartStep startSteps[] = {
     {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
 
-constexpr int stopPauseMilliseconds = 10;
-
 bool shutting = false;
 
 void closeLibraryAndQuit() {
@@ -117,6 +114,8 @@ bool startUp() {
     return true;
 }
 
+bool shuttingDown() { return shutting; }
+
 void shutDown() {
     if (shutting) return;
     if (QWidget *dialog = QApplication::activeModalWidget()) {
@@ -124,22 +123,20 @@ void shutDown() {
         dialog->activateWindow();
         return;
     }
-    closeLabelEditor();
-    if (leaveViewAtEnd()) closeLibraryAndQuit();
+    if (finishLabelEdit() && leaveViewAtEnd()) closeLibraryAndQuit();
 }
 
 void shutDownAtOnce() {
     if (shutting) return;
+    while (QWidget *menu = QApplication::activePopupWidget()) {
+        menu->close();
+        if (QApplication::activePopupWidget() == menu) break;
+    }
     while (QWidget *dialog = QApplication::activeModalWidget()) {
         dialog->close();
         if (QApplication::activeModalWidget() == dialog) break;
     }
-    // A box that a run or the link has open must have returned to it before its thread can be joined.
-    if (graphicalCallsBusy()) {
-        QTimer::singleShot(stopPauseMilliseconds, qApp, shutDownAtOnce);
-        return;
-    }
-    closeLabelEditor();
+    finishLabelEditAtOnce();
     leaveViewAtOnce();
     closeLibraryAndQuit();
 }

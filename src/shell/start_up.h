@@ -14,6 +14,8 @@ void shutDown();
 // The same without a question, for the end of the desktop session and signals: open dialogs are cancelled.
 void shutDownAtOnce();
 
+bool shuttingDown();  // from the closing of the library on: whoever waits for an answer does nothing more
+
 // Frees the windows, after the event loop.
 void tearDown();
 

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QSessionManager>
 #include <QSocketNotifier>
+#include <cerrno>
 #include <csignal>
 
 #include "shell/start_up.h"
@@ -15,12 +16,17 @@ namespace numalink {
 
 namespace {
 
+// SIGHUP comes when the terminal is closed that the program was started from.
+constexpr int stopSignals[] = {SIGTERM, SIGINT, SIGHUP};
+
 int signalPair[2] = {-1, -1};
 QSocketNotifier *notifier = nullptr;
 
 void onSignal(int) {
+    const int error = errno;
     const char mark = 1;
     [[maybe_unused]] const ssize_t written = ::write(signalPair[0], &mark, 1);
+    errno = error;
 }
 
 }  // namespace
@@ -33,14 +39,12 @@ void watchStopSignals() {
         [[maybe_unused]] const ssize_t count = ::read(signalPair[1], marks, sizeof marks);
         shutDownAtOnce();
     });
-    std::signal(SIGTERM, onSignal);
-    std::signal(SIGINT, onSignal);
+    for (const int stop : stopSignals) std::signal(stop, onSignal);
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, notifier, [](QSessionManager &) { shutDownAtOnce(); });
 }
 
 void forgetStopSignals() {
-    std::signal(SIGTERM, SIG_DFL);
-    std::signal(SIGINT, SIG_DFL);
+    for (const int stop : stopSignals) std::signal(stop, SIG_DFL);
     delete notifier;
     notifier = nullptr;
     for (int &end : signalPair) {

@@ -1,4 +1,5 @@
-// SIGTERM, SIGINT and the end of the desktop session end the program as its Exit command does. Graphical thread only.
+// SIGTERM, SIGINT, SIGHUP and the end of the desktop session end the program as its Exit command does. Graphical thread
+// only.
 #pragma once
 
 namespace numalink {

@@ -1,5 +1,6 @@
 #include "shell/tray.h"
 
+#include <QApplication>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenu>
@@ -26,6 +27,10 @@ void raiseMainWindow() {
     mainWindow->show();
     mainWindow->raise();
     mainWindow->activateWindow();
+    if (QWidget *dialog = QApplication::activeModalWidget()) {
+        dialog->raise();
+        dialog->activateWindow();
+    }
 }
 
 void addTrayIcon() {
@@ -38,6 +43,7 @@ void addTrayIcon() {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) raiseMainWindow();
     });
     trayIcon->show();
+    if (mainWindow->isMinimized() && trayAvailable()) mainWindow->hide();
 }
 
 void removeTrayIcon() {

@@ -52,9 +52,22 @@ bool onEntry(const QPoint &place) {
     return row.contains(place);
 }
 
-bool onBranch(const QPoint &place) {
+bool leftOfEntry(const QPoint &place) {
     const QTreeWidgetItem *entry = treeView->itemAt(place);
     return entry != nullptr && place.x() < treeView->visualItemRect(entry).left();
+}
+
+// Where the mark is drawn that opens and closes a folder.
+bool onBranchMark(const QPoint &place) {
+    if (!leftOfEntry(place)) return false;
+    const QTreeWidgetItem *entry = treeView->itemAt(place);
+    return entry->childIndicatorPolicy() == QTreeWidgetItem::ShowIndicator &&
+           place.x() >= treeView->visualItemRect(entry).left() - treeView->indentation();
+}
+
+void toggleFolderAt(const QPoint &place) {
+    QTreeWidgetItem *entry = treeView->itemAt(place);
+    entry->setExpanded(!entry->isExpanded());
 }
 
 void beginDrag() {
@@ -77,7 +90,9 @@ void markTarget(ItemId target) {
     if (target == dropTarget) return;
     if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, QBrush());
     dropTarget = target;
-    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, treeView->palette().mid());
+    QColor mark = treeView->palette().highlight().color();
+    mark.setAlpha(96);  // the name stays readable on it, in dark and light looks
+    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, mark);
 }
 
 void dragTo(const QPoint &place) {
@@ -106,36 +121,36 @@ void editAfterPause(ItemId item) {
     });
 }
 
-bool leftPressed(const QMouseEvent &event) {
+void leftPressed(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
-    if (onBranch(place)) return false;
     treeView->setFocus();
-    pressedItem = idAt(place);
+    if (onBranchMark(place)) toggleFolderAt(place);
+    pressedItem = leftOfEntry(place) ? noItem : idAt(place);
     pressedAt = place;
     pressedWasSelected = pressedItem != noItem && pressedItem == selectedItemId();
-    return true;
 }
 
-bool leftReleased(const QMouseEvent &event) {
+void leftReleased(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
-    if (dragActive) {
-        drop(place);
-        return true;
-    }
+    if (dragActive) return drop(place);
+    // The entry may stand elsewhere by now: the press has ended the edit of another one's label.
     const ItemId item = pressedItem;
     pressedItem = noItem;
-    if (item == noItem || idAt(place) != item) return true;
-    if (pressedWasSelected) {
-        if (onEntry(place)) editAfterPause(item);
-    } else {
+    if (treeEntryOf(item) == nullptr) return;
+    if (!pressedWasSelected) {
         selectItem(item);
+    } else if (idAt(place) == item && onEntry(place)) {
+        editAfterPause(item);
     }
-    return true;
 }
 
 bool mouseMoved(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
-    if (dragActive) {
+    if ((event.buttons() & Qt::LeftButton) == 0) {
+        // The release went to a box.
+        if (dragActive) endDrag();
+        pressedItem = noItem;
+    } else if (dragActive) {
         dragTo(place);
     } else if (pressedItem != noItem && (place - pressedAt).manhattanLength() >= QApplication::startDragDistance()) {
         beginDrag();
@@ -144,16 +159,17 @@ bool mouseMoved(const QMouseEvent &event) {
     return (event.buttons() & Qt::LeftButton) != 0;
 }
 
-bool doubleClicked(const QMouseEvent &event) {
+void doubleClicked(const QMouseEvent &event) {
+    if (event.button() != Qt::LeftButton) return;
     const QPoint place = event.position().toPoint();
-    QTreeWidgetItem *entry = treeView->itemAt(place);
     pressedItem = noItem;
     labelEditBlockedUntil = tickCount() + static_cast<std::uint64_t>(QApplication::doubleClickInterval());
-    if (entry != nullptr && !onBranch(place)) {
-        if (!pressedWasSelected) selectItem(idAt(place));
-        entry->setExpanded(!entry->isExpanded());
+    if (onBranchMark(place)) {
+        toggleFolderAt(place);
+    } else if (idAt(place) != noItem && !leftOfEntry(place)) {
+        if (!pressedWasSelected && !selectItem(idAt(place))) return;
+        toggleFolderAt(place);
     }
-    return true;
 }
 
 // The menu of an entry, or on empty ground what makes new items.
@@ -172,6 +188,8 @@ void showItemMenu(const QPoint &place, const QPoint &onScreen) {
 }
 
 bool contextMenu(const QContextMenuEvent &event) {
+    // The right button in a drag ends the drag and nothing else.
+    if ((QApplication::mouseButtons() & Qt::LeftButton) != 0) return true;
     if (event.reason() == QContextMenuEvent::Keyboard) {
         QTreeWidgetItem *entry = selectedEntry();
         const QPoint place = entry != nullptr ? treeView->visualItemRect(entry).center() : QPoint(-1, -1);
@@ -182,21 +200,29 @@ bool contextMenu(const QContextMenuEvent &event) {
     return true;
 }
 
+// No button goes on to Qt's tree, which would select without asking the view.
+void buttonPressed(const QMouseEvent &event) {
+    if (dragActive) return endDrag();
+    if (event.button() == Qt::LeftButton) leftPressed(event);
+}
+
+void buttonReleased(const QMouseEvent &event) {
+    if (event.button() == Qt::LeftButton) leftReleased(event);
+}
+
 bool viewportEvent(QWidget *, QEvent *event) {
     switch (event->type()) {
-        case QEvent::MouseButtonPress: {
-            const auto &mouse = *static_cast<QMouseEvent *>(event);
-            if (dragActive) endDrag();
-            return mouse.button() == Qt::LeftButton ? leftPressed(mouse) : mouse.button() == Qt::RightButton;
-        }
+        case QEvent::MouseButtonPress:
+            buttonPressed(*static_cast<QMouseEvent *>(event));
+            return true;
         case QEvent::MouseMove:
             return mouseMoved(*static_cast<QMouseEvent *>(event));
-        case QEvent::MouseButtonRelease: {
-            const auto &mouse = *static_cast<QMouseEvent *>(event);
-            return mouse.button() == Qt::LeftButton && leftReleased(mouse);
-        }
+        case QEvent::MouseButtonRelease:
+            buttonReleased(*static_cast<QMouseEvent *>(event));
+            return true;
         case QEvent::MouseButtonDblClick:
-            return doubleClicked(*static_cast<QMouseEvent *>(event));
+            doubleClicked(*static_cast<QMouseEvent *>(event));
+            return true;
         case QEvent::ContextMenu:
             return contextMenu(*static_cast<QContextMenuEvent *>(event));
         case QEvent::Hide:
@@ -210,6 +236,7 @@ bool viewportEvent(QWidget *, QEvent *event) {
 bool treeEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::KeyPress) {
         const auto &key = *static_cast<QKeyEvent *>(event);
+        if (labelEditRunning()) return true;  // a key that the editor has no use for
         if (dragActive) {
             if (key.key() == Qt::Key_Escape) endDrag();
             return true;

@@ -123,11 +123,13 @@ void goTo(QTreeWidgetItem *entry) {
 bool treeKeyPressed(const QKeyEvent &key) {
     if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
     if (key.key() == Qt::Key_Delete) return handleCommand(command::deleteKey) != 0;
-    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
+    // Whatever is held down with them: Qt's tree would select without asking the view.
     if (isNavigation(key.key())) {
         goTo(navigated(key.key(), selectedEntry()));
         return true;
     }
+    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0)
+        return key.key() == Qt::Key_Space;
     if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
         if (QTreeWidgetItem *entry = selectedEntry()) entry->setExpanded(!entry->isExpanded());
         return true;

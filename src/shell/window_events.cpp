@@ -1,5 +1,6 @@
 #include "shell/window_events.h"
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QMainWindow>
 #include <QMimeData>
@@ -36,6 +37,11 @@ bool dropped(QDropEvent &event) {
     return true;
 }
 
+// An open dialog would stay on the screen without its window.
+void hideWhenMinimized() {
+    if (mainWindow->isMinimized() && QApplication::activeModalWidget() == nullptr) mainWindow->hide();
+}
+
 bool windowEvent(QWidget *, QEvent *event) {
     switch (event->type()) {
         case QEvent::Close:
@@ -43,7 +49,7 @@ bool windowEvent(QWidget *, QEvent *event) {
             shutDown();
             return true;
         case QEvent::WindowStateChange:
-            if (mainWindow->isMinimized() && trayAvailable()) QTimer::singleShot(0, mainWindow, &QWidget::hide);
+            if (mainWindow->isMinimized() && trayAvailable()) QTimer::singleShot(0, mainWindow, hideWhenMinimized);
             return false;
         case QEvent::DragEnter: {
             auto &drag = *static_cast<QDragEnterEvent *>(event);

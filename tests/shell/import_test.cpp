@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
 
@@ -30,6 +31,12 @@ struct ImportByWindow : ShellTest {
     }
 
     void dropFiles(const std::vector<std::string> &names) {
+        sendDrop(names);
+        EXPECT_TRUE(shown.empty()) << "a dialog opened inside the drop";
+        QTest::qWait(150);
+    }
+
+    void sendDrop(const std::vector<std::string> &names) {
         QMimeData data;
         QList<QUrl> urls;
         for (const std::string &name : names) urls << QUrl::fromLocalFile(toQt(folder.path + name));
@@ -40,8 +47,6 @@ struct ImportByWindow : ShellTest {
         EXPECT_TRUE(enter.isAccepted());
         QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
         QApplication::sendEvent(mainWindow, &drop);
-        EXPECT_TRUE(shown.empty()) << "a dialog opened inside the drop";
-        QTest::qWait(150);
     }
 };
 
@@ -72,6 +77,23 @@ TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {
     dropFiles({"pair.cat"});
     EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 2u);
     EXPECT_EQ(storeFindItem("pair", rootId), noItem);
+}
+
+TEST_F(ImportByWindow, FilesDroppedWhileADialogIsOpenWaitForIt) {
+    folder.write("one.cat", catRecord("ONE"));
+    folder.write("two.cat", catRecord("TWO"));
+    answer("Return");
+    answer("Return");
+    QTimer during;
+    QObject::connect(&during, &QTimer::timeout, &during, [&] {
+        if (QApplication::activeModalWidget() == nullptr) return;
+        during.stop();
+        sendDrop({"two.cat"});
+    });
+    during.start(0);
+    dropFiles({"one.cat"});
+    QTRY_COMPARE(shown.size(), 2u);
+    QTRY_COMPARE(storeListChildren(storeStandardFolder(1001)).size(), 2u);
 }
 
 }  // namespace numalink

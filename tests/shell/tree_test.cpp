@@ -3,7 +3,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QMenu>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -19,6 +21,7 @@
 #include "shell/shell_fixture.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
+#include "shell/start_up.h"
 #include "shell/tree_events.h"
 
 namespace numalink {
@@ -61,10 +64,10 @@ TEST_F(Tree, StraysAndCirclesStandAtTheRoot) {
     const TreeContent content = treeContent(items);
     EXPECT_EQ(content.strays, 3);
     ASSERT_EQ(content.entries.size(), 5u);
-    EXPECT_EQ(content.entries[0].name, "lost");
-    EXPECT_EQ(content.entries[2].name, "b");
-    EXPECT_EQ(content.entries[3].name, "a");
-    EXPECT_EQ(content.entries[3].shownUnder, 3u);
+    std::string order;
+    for (const TreeEntry &shownEntry : content.entries)
+        order += shownEntry.name + "<" + std::to_string(shownEntry.shownUnder) + " ";
+    EXPECT_EQ(order, "b<1 a<3 in circle<4 lost<1 under no folder<1 ");
 }
 
 TEST_F(Tree, RefreshKeepsSelectionExpansionAndView) {
@@ -83,6 +86,95 @@ TEST_F(Tree, RefreshKeepsSelectionExpansionAndView) {
     refreshTree();
     EXPECT_EQ(selectedItemId(), noItem);
     EXPECT_FALSE(programEdit->isVisible());
+}
+
+TEST_F(Tree, RefreshMovesAsLittleAsItMust) {
+    EXPECT_EQ(longestRising({3, 0, 1, 2}), (std::vector<bool>{false, true, true, true}));
+    EXPECT_EQ(longestRising({2, 1, 0}), (std::vector<bool>{false, false, true}));
+    std::vector<ItemId> ids;
+    for (char name = 'A'; name <= 'Z'; name++) ids.push_back(add(kind::matrix, std::string(1, name)));
+    refreshTree();
+    select(ids[20]);
+    treeView->verticalScrollBar()->setValue(3);
+    storeRename(ids[0], "zz");
+    storeRename(ids[20], "0");
+    refreshTree();
+    EXPECT_EQ(rootNames().join(QString()), QStringLiteral("0BCDEFGHIJKLMNOPQRSTVWXYZzz"));
+    EXPECT_EQ(treeView->verticalScrollBar()->value(), 3);
+    EXPECT_EQ(selectedItemId(), ids[20]);
+    for (std::size_t i = 0; i < ids.size(); i++) storeRename(ids[i], std::string(1, static_cast<char>('Z' - i)));
+    refreshTree();
+    EXPECT_EQ(rootNames().join(QString()), QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ"));
+    EXPECT_EQ(selectedItemId(), ids[20]);
+}
+
+TEST_F(Tree, NothingSelectsWithoutOpening) {
+    const ItemId outer = add(kind::folder, "outer");
+    const ItemId first = addProgram("ONE", "A", outer);
+    const ItemId second = addProgram("TWO", "B", outer);
+    refreshTree();
+    select(first);
+    const QPoint place = centreOf(second);
+    QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, QPoint(2, place.y()));
+    QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, place - QPoint(20, 0));
+    QTest::mouseClick(treeView->viewport(), Qt::MiddleButton, {}, place);
+    QTest::keyClick(treeView, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(selectedItemId(), first);
+    EXPECT_EQ(viewItemId, first);
+    QTest::keyClick(treeView, Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(selectedItemId(), second);
+    EXPECT_EQ(viewItemId, second);
+    QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, centreOf(outer) - QPoint(20, 0));
+    EXPECT_FALSE(treeEntryOf(outer)->isExpanded());
+    EXPECT_EQ(selectedItemId(), second);
+}
+
+TEST_F(Tree, CommandsEndTheEditOfALabelFirst) {
+    handleCommand(command::newFolder);
+    const ItemId renamed = storeFindItem(calculatorName(languageText(19)), rootId);
+    labelEditor()->setText(QStringLiteral("Typed"));
+    handleCommand(command::newProgram);
+    EXPECT_EQ(storeReadEntry(renamed)->name, "Typed");
+    ASSERT_NE(labelEditor(), nullptr);
+    EXPECT_EQ(storeReadEntry(selectedItemId())->kind, kind::program);
+    const ItemId program = selectedItemId();
+    labelEditor()->setText(QStringLiteral("NINECHARS"));
+    handleCommand(command::newFolder);
+    EXPECT_EQ(shown, std::vector<std::string>{languageText(26)});
+    EXPECT_EQ(labelEditor()->text(), QStringLiteral("NINECHARS"));
+    QTest::keyClick(labelEditor(), Qt::Key_Up);
+    QTest::keyClick(labelEditor(), Qt::Key_Delete, Qt::AltModifier);
+    EXPECT_EQ(selectedItemId(), program);
+    EXPECT_EQ(shown.size(), 1u);
+    labelEditor()->setText(QStringLiteral("LAST"));
+    shutDownAtOnce();
+    running = false;
+    EXPECT_TRUE(storeOpen());
+    EXPECT_EQ(storeReadEntry(program)->name, "LAST");
+    storeClose();
+    tearDown();
+}
+
+TEST_F(Tree, PostponedRefreshComesWhenTheDialogIsGone) {
+    QMenu menu;
+    menu.popup(QPoint(0, 0));
+    const ItemId item = add(kind::matrix, "later");
+    refreshTree();
+    EXPECT_EQ(treeEntryOf(item), nullptr);
+    menu.close();
+    QTRY_VERIFY(treeEntryOf(item) != nullptr);
+}
+
+TEST_F(Tree, AReleaseThatGotLostStartsNoDrag) {
+    const ItemId item = addProgram("ABC", "A");
+    refreshTree();
+    QTest::mousePress(treeView->viewport(), Qt::LeftButton, {}, centreOf(item));
+    for (const int away : {30, 60}) {
+        const QPointF place(centreOf(item) + QPoint(away, 0));
+        QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, {});
+        QApplication::sendEvent(treeView->viewport(), &move);
+    }
+    EXPECT_FALSE(dragActive);
 }
 
 TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
