@@ -66,6 +66,7 @@ TEST_F(Import, SeveralGoToOneFolderNamedAsTheFile) {
 }
 
 TEST_F(Import, ManyItemsWaitForTheDiskAsLittleAsOne) {
+    ASSERT_TRUE(storeResetTemp()) << "the next one is then a second one, as ever after";
     static int syncs = 0;
     filePort.sync = [](int file) {
         syncs++;
