@@ -85,7 +85,6 @@ void graphicalCallsServe() {
     }
 }
 
-bool graphicalCallsBusy() { return served > 0; }
 std::optional<int> graphicalAsk(std::function<void(GraphicalQuestion)> open,
                                 std::function<void(GraphicalQuestion)> close) {
     std::unique_lock held(requestMutex);
