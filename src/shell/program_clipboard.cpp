@@ -153,8 +153,10 @@ void pasteProgram(const QMimeData *source) {
         return;
     }
     QTextCursor cursor = programEdit->textCursor();
+    cursor.beginEditBlock();
     cursor.insertText(text, QTextCharFormat());
-    programEdit->setTextCursor(cursor);
+    cursor.endEditBlock();
+    programEdit->ensureCursorVisible();
 }
 
 }  // namespace numalink

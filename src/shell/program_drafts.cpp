@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStringList>
 
@@ -100,6 +101,7 @@ bool openInView(const Draft &draft) {
     if (id == noItem || !selectItem(id) || viewItemId != id) return false;
     openDraft = draft.path;
     replaceProgramText(draft.text);
+    programEdit->setFocus();
     return true;
 }
 

@@ -41,6 +41,7 @@ bool travelling = false;  // by undo or redo
 int changedFrom = -1;     // characters changed since the last conversion, or -1
 int changedTo = -1;
 Caret lastCaret;
+int blankAddedAt = -1;  // where the caret stands behind a blank that a conversion has added, or -1
 std::vector<CaretStep> caretSteps;
 
 QTextDocument *document() { return programEdit->document(); }
@@ -94,11 +95,22 @@ void caretMoved() {
     lastCaret = caretNow();
 }
 
-// Typed text comes in with no format of its surroundings.
-void typeText(const QString &text) {
-    QTextCursor cursor = programEdit->textCursor();
+// Typed text comes in with no format of its surroundings, and in an edit block: Qt joins nothing to a lone insertion.
+void insertTyped(QTextCursor cursor, const QString &text) {
+    cursor.beginEditBlock();
     cursor.insertText(text, QTextCharFormat());
-    programEdit->setTextCursor(cursor);
+    cursor.endEditBlock();
+}
+
+// A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
+void typeText(const QString &text) {
+    const bool isBlank = text == QLatin1String(" ");
+    const bool isThere = isBlank && !programEdit->textCursor().hasSelection() && caretNow().position == blankAddedAt;
+    blankAddedAt = -1;
+    if (isThere) return;
+    insertTyped(programEdit->textCursor(), text);
+    const int position = caretNow().position;
+    if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) blankAddedAt = position;
     programEdit->ensureCursorVisible();
 }
 
@@ -215,7 +227,7 @@ void replaceProgramText(const QString &text) {
     QTextCursor cursor(document());
     cursor.setPosition(static_cast<int>(ahead));
     cursor.setPosition(static_cast<int>(now.size() - behind), QTextCursor::KeepAnchor);
-    cursor.insertText(text.mid(ahead, text.size() - ahead - behind), QTextCharFormat());
+    insertTyped(cursor, text.mid(ahead, text.size() - ahead - behind));
 }
 
 void recolourLine() {

@@ -2,6 +2,7 @@
 #include "text/view_runs.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "calculator/program_info.h"
 #include "text/auto_correct.h"
@@ -156,9 +157,23 @@ struct KeptTokens {
 // A "/" that was typed stands as the division sign by the time the second "=" comes.
 constexpr std::string_view typedNotEqual = "=\xB9=";
 
+// The signs of a keyboard in the place of what they have become, for display texts that hold them ("P/L-").
+std::string asTyped(std::string_view text) {
+    std::string typed(text.substr(0, tokenTextSize));
+    for (char &code : typed) {
+        for (const auto &[sign, become] : {std::pair('/', '\xB9'), std::pair('*', '\xA9'), std::pair('+', '\x89'),
+                                           std::pair('^', '\xA8'), std::pair('-', '\x99')})
+            if (code == become) code = sign;
+    }
+    return typed;
+}
+
 TypedToken typedTokenAt(std::string_view text, bool quoted, bool autoCorrect) {
     if (autoCorrect && text.starts_with(typedNotEqual)) return {0x11, 0, 1, static_cast<int>(typedNotEqual.size())};
-    return textToToken(text, quoted, autoCorrect);
+    const TypedToken plain = textToToken(text, quoted, autoCorrect);
+    if (!autoCorrect || quoted) return plain;
+    const TypedToken spelled = textToToken(asTyped(text), quoted, autoCorrect);
+    return spelled.used > plain.used ? spelled : plain;
 }
 
 struct LineWalk {

@@ -99,10 +99,10 @@ TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
     EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192B"));
     EXPECT_EQ(programEdit->textCursor().positionInBlock(), 3);
     EXPECT_TRUE(leaveCurrentView());
-    EXPECT_EQ(stored(id),
-              "\xF7\x00"
-              "A>1\r2\x0E"
-              "B");
+    EXPECT_EQ(stored(id), std::string("\xF7\x00"
+                                      "A>1\r2\x0E"
+                                      "B",
+                                      9));
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_TRUE(frameIsGood(item.data));
@@ -225,7 +225,7 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
     key(Qt::Key_End, Qt::ControlModifier);
     key(Qt::Key_Backspace);
     key(Qt::Key_Backspace);
-    typeKeys(QStringLiteral("2"));
+    typeText(QStringLiteral("2"));
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_EQ(stored(id), "A\rB2");
     EXPECT_EQ(folder.read("draft-1.txt"), "");

@@ -162,6 +162,9 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"),
               "2\x11"
               "3");
+    EXPECT_EQ(afterTyping("", 0, "P\xB9L\x99Orange"),
+              "\x7F"
+              "1");
     EXPECT_EQ(afterTyping("", 0, "A->B"),
               "A\x0E"
               "B");
