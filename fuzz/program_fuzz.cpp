@@ -25,15 +25,19 @@ constexpr std::size_t stringSize = 2;
 // A single statement may walk a line of any length: what a user would do is stop it.
 void stopSlowRuns() {
     static std::atomic<std::uint64_t> seen = 0;
-    static std::thread watch([] {
-        std::uint64_t last = 0;
-        for (;;) {
-            std::this_thread::sleep_for(std::chrono::seconds(1));
-            const std::uint64_t now = seen.load();
-            if (now == last && emulatorRunning) runHalt(RunEnd::limit);
-            last = now;
-        }
-    });
+    static const bool watching = [] {
+        std::thread([] {
+            std::uint64_t last = 0;
+            for (;;) {
+                std::this_thread::sleep_for(std::chrono::seconds(1));
+                const std::uint64_t now = seen.load();
+                if (now == last && emulatorRunning) runHalt(RunEnd::limit);
+                last = now;
+            }
+        }).detach();  // to the end of the process
+        return true;
+    }();
+    static_cast<void>(watching);
     seen++;
 }
 
