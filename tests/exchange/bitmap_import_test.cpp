@@ -53,7 +53,7 @@ Surface randomPicture(unsigned seed) {
     Surface picture(calculatorPictureWidth, calculatorPictureHeight);
     const Color mask = seed % 3 == 0 ? 0xFFFFFF : seed % 3 == 1 ? 0xC0C0C0 : 0xFF0000;
     for (std::size_t i = 0; i < picture.dots.size(); i++)
-        picture.dots[i] = seed % 2 == 0 ? (chance() & mask) : static_cast<Color>(i * 31 + seed) & 0xFFFFFF;
+        picture.dots[i] = seed % 2 == 0 ? static_cast<Color>(chance() & mask) : static_cast<Color>(i * 31 + seed) & 0xFFFFFF;
     return picture;
 }
 
