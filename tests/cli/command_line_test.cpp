@@ -112,5 +112,28 @@ TEST(HexText, PairsOnly) {
     EXPECT_EQ(bytesFromHex("+1"), std::nullopt);
 }
 
+TEST_F(CommandLine, WhatWasImportedGoesOutAndIsConverted) {
+    ASSERT_EQ(run(on({"import", file, "--into", "standard"})).status, 0);
+    const std::string cas = scratch.path + "out.cas";
+    const Outcome exported = run(on({"export", "--to", "cas", cas, "/Programs/SNAKE", "/Matrices/Mat A"}));
+    EXPECT_EQ(exported.status, 0) << exported.err;
+    EXPECT_THAT(run(on({"export", "--to", "cas", cas, "/Programs/SNAKE"})).err, HasSubstr("exists already"));
+    EXPECT_EQ(run(on({"export", "--to", "cas", cas, "/Programs/NONE"})).status, 2);
+    const std::string cat = scratch.path + "out.cat";
+    EXPECT_EQ(run({"convert", cas, cat}).status, 0);
+    EXPECT_THAT(scratch.read("out.cat"), HasSubstr("\\If A\\<>1\r\n\\Then \"a\\->b\"\\Disp\\Stop\r\n%End\r\n"));
+    EXPECT_THAT(scratch.read("out.cat"), HasSubstr("Value : 1 1 2\r\n%End\r\n"));
+    EXPECT_EQ(run({"convert", cat, scratch.path + "out.txt"}).status, 2);
+}
+
+TEST_F(CommandLine, BitmapsByRasterType) {
+    scratch.write("dot.ppm", "P6\n1 1\n255\n" + std::string("\xFF\x64\x00", 3));
+    EXPECT_EQ(run(on({"import", scratch.path + "dot.ppm", "--into", "standard", "--raster", "sharp"})).status, 0);
+    EXPECT_THAT(run(on({"show", "/Pictures/dot"})).out, HasSubstr("data of 4120 bytes"));
+    EXPECT_EQ(run({"convert", scratch.path + "dot.ppm", scratch.path + "dot.cat", "--raster", "sharp"}).status, 0);
+    EXPECT_THAT(scratch.read("dot.cat"), HasSubstr("Color:1\r\n" + std::string(32, 'F')));
+    EXPECT_EQ(run(on({"import", file, "--raster", "best"})).status, 2);
+}
+
 }  // namespace
 }  // namespace numalink

@@ -53,8 +53,7 @@ Surface randomPicture(unsigned seed) {
     Surface picture(calculatorPictureWidth, calculatorPictureHeight);
     const Color mask = seed % 3 == 0 ? 0xFFFFFF : seed % 3 == 1 ? 0xC0C0C0 : 0xFF0000;
     for (std::size_t i = 0; i < picture.dots.size(); i++)
-        picture.dots[i] =
-            seed % 2 == 0 ? (static_cast<Color>(chance()) & mask) : static_cast<Color>(i * 31 + seed) & 0xFFFFFF;
+        picture.dots[i] = seed % 2 == 0 ? static_cast<Color>(chance() & mask) : static_cast<Color>(i * 31 + seed) & 0xFFFFFF;
     return picture;
 }
 
@@ -103,7 +102,7 @@ TEST(PictureItem, CornersAndPlanes) {
     EXPECT_THAT(set, ElementsAre(0, 1023, 0x80, 1, 0, 0x02, 2, 0, 0x01));
 }
 
-void put(std::string &text, std::uint64_t value, int bytes) {
+void put(std::string &text, std::uint32_t value, int bytes) {
     for (int i = 0; i < bytes; i++) text += static_cast<char>(value >> (8 * i));
 }
 
