@@ -26,20 +26,27 @@ std::thread linkThread;
 std::mutex closedMutex;
 std::condition_variable closedChanged;
 
-void tellClosed(const LineOpening &opening) {
+struct Cause {
+    LineFault fault;
+    OwnText text;
+};
+constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
+                            {LineFault::busy, OwnText::portBusy},
+                            {LineFault::denied, OwnText::portDenied},
+                            {LineFault::notSerial, OwnText::portNotSerial},
+                            {LineFault::failed, OwnText::portFailed}};
+
+// Why the port is closed: as a box where the user waits for it, else as a line in the status bar.
+void tellClosed(const LineOpening &opening, bool asBox) {
     constexpr int notOpenedText = 44;
-    struct Cause {
-        LineFault fault;
-        OwnText text;
-    };
-    constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
-                                {LineFault::busy, OwnText::portBusy},
-                                {LineFault::denied, OwnText::portDenied},
-                                {LineFault::notSerial, OwnText::portNotSerial},
-                                {LineFault::failed, OwnText::portFailed}};
-    for (const Cause &cause : causes)
-        if (cause.fault == opening.fault)
+    for (const Cause &cause : causes) {
+        if (cause.fault != opening.fault) continue;
+        if (asBox) {
             tellMore(notOpenedText, cause.text, {opening.path, opening.group}, BoxIcon::none);
+        } else {
+            statusLine(StatusPart::link, cause.text, {opening.path, opening.group});
+        }
+    }
 }
 
 void tellLost(const std::string &path, bool inTransfer) {
@@ -48,8 +55,11 @@ void tellLost(const std::string &path, bool inTransfer) {
 }
 
 // While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
-void waitClosed() {
-    if (attentionTakeWish()) attentionSent();
+void waitClosed(const LineOpening &opening) {
+    if (attentionTakeWish()) {
+        attentionSent();
+        tellClosed(opening, true);
+    }
     std::unique_lock held(closedMutex);
     closedChanged.wait_for(held, lookAgain, [] { return conversationStopped(); });
 }
@@ -62,7 +72,7 @@ void converse(Family family, const LineOpening &opening) {
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
 }
 
-void linkThreadBody(Family family, const std::string &port) {
+void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
     threadRole = ThreadRole::link;
     bool told = false;
     while (!conversationStopped()) {
@@ -72,10 +82,10 @@ void linkThreadBody(Family family, const std::string &port) {
             converse(family, opening);
             told = true;
         } else if (!told && !conversationStopped()) {
-            tellClosed(opening);
+            tellClosed(opening, chosenByUser);
             told = true;
         }
-        if (!conversationStopped()) waitClosed();
+        if (!conversationStopped()) waitClosed(opening);
     }
     serialLine.close();
 }
@@ -98,7 +108,9 @@ void stopLinkThread() {
 }
 
 void startLinkThread() {
-    if (linkThread.joinable()) {
+    // At the program's start nobody has asked for the port yet; behind the settings somebody has just chosen it.
+    const bool restart = linkThread.joinable();
+    if (restart) {
         const bool cut = linkConversationRuns();
         stopLinkThread();
         linkNoticeForget();
@@ -106,7 +118,7 @@ void startLinkThread() {
         if (cut) linkNotice(OwnText::transferStopped);
     }
     conversationReset();
-    linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort));
+    linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort), restart);
 }
 
 bool linkConversationRuns() { return transmitConversationRuns(); }

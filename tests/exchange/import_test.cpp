@@ -1,5 +1,6 @@
 // A file's way into the library: told apart, parked, asked about, moved.
 #include "exchange/import.h"
+#include "link/transmit_queue.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -116,11 +117,13 @@ TEST_F(Import, CancelledItemsGoWithTheNextImport) {
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("TWO")) << "the view would not be left";
 }
 
-TEST_F(Import, TransmittingNeedsALink) {
+TEST_F(Import, TransmittingQueuesWhatWasRead) {
     uiRecord.importAction = ImportAction::transmit;
     importText("a.cat", record("ONE"));
-    ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::importNoTransmission));
+    EXPECT_TRUE(uiRecord.boxes.empty());
+    EXPECT_EQ(transmitQueueIds().size(), 1u);
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+    transmitQueueClear();
 }
 
 TEST_F(Import, FilesThatAreNone) {

@@ -215,15 +215,16 @@ TEST_F(LinkThreads, takeUpAPortThatComesBack) {
 TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
     usePort(folder.path + "absent");
     startLinkThread();
-    ASSERT_TRUE(waitFor([] { return wasShown(44); }));
     const NewItem item{.name = "A",
                        .parent = storeStandardFolder(1001),
                        .kind = kind::program,
                        .head = encodeProgramInfo({}),
                        .data = {':', 0xFF, 0}};
     EXPECT_TRUE(queueItem(storeAddItem(item)));
+    EXPECT_FALSE(wasShown(44)) << "nobody has asked for the port yet";
     EXPECT_TRUE(beginTransmit());
     EXPECT_FALSE(transmitCanBegin());
+    EXPECT_TRUE(waitFor([] { return wasShown(44); }));
     EXPECT_TRUE(waitFor([] {
         transmitDeadlineTest();
         return wasShown(24);
