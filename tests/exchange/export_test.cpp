@@ -90,14 +90,14 @@ void expectValues(const OutgoingItem &item, const ImportedItem &back) {
 }
 
 // Bytes that differ must be the last of a frame of this length.
-void expectFrames(const Bytes &before, const Bytes &after, std::size_t frameLength) {
+void expectFrames(const Bytes &before, const Bytes &after, std::size_t frameLength, bool summed) {
     ASSERT_EQ(before.size(), after.size());
     for (std::size_t i = 0; i < before.size(); i++) {
         if ((i + 1) % frameLength != 0) {
             ASSERT_EQ(before[i], after[i]) << i;
         }
     }
-    for (std::size_t at = 0; at + frameLength <= after.size(); at += frameLength)
+    for (std::size_t at = 0; summed && at + frameLength <= after.size(); at += frameLength)
         ASSERT_TRUE(frameIsGood(ByteView(after).subspan(at, frameLength))) << at;
 }
 
@@ -117,7 +117,7 @@ void expectFrameItem(const OutgoingItem &item, const ImportedItem &back, bool as
     before.back() = after.back();
     EXPECT_EQ(before, after);
     if (asText && item.itemKind != kind::picture) return expectValues(item, back);
-    expectFrames(item.data, back.data, frameLengthOf(item));
+    expectFrames(item.data, back.data, frameLengthOf(item), !asText);
 }
 
 struct Round {
@@ -166,7 +166,7 @@ OutgoingItem program(const std::string &tokens) {
     return {kind::program, "SNAKE", encodeProgramInfo({.imageLength = 1, .name = "SNAKE", .password = "KEY"}), data};
 }
 
-// Word pairs, longer chains, and every two tokens side by side.
+// Word pairs, longer chains, and every token with each of one byte behind it, which alone can make a longer word.
 TEST(ExchangeWords, EverySequenceReadsBack) {
     ASSERT_TRUE(tokenTableLoad());
     std::vector<Bytes> all;
@@ -183,7 +183,9 @@ TEST(ExchangeWords, EverySequenceReadsBack) {
         EXPECT_EQ(back, tokens) << words;
     };
     for (const Bytes &first : all) {
-        for (const Bytes &second : all) {
+        for (std::size_t i = 0; i < all.size(); i++) {
+            const Bytes &second = all[i];
+            if (second.size() == 2 && i % 32 != 0) continue;
             Bytes both = first;
             both.insert(both.end(), second.begin(), second.end());
             check(both);
@@ -223,7 +225,7 @@ TEST_F(ExportText, RecordsOfAProgram) {
 
 TEST_F(ExportText, LinesOfTheFileInAProgram) {
     const std::string file = written(program("Password:A\r%End\r%Ends\r%header record\rBaseN:"), ExportTarget::cat);
-    EXPECT_THAT(file, HasSubstr("\\Password:A\r\n\\%End\r\n%Ends\r\n\\%header record\r\nBaseN:\r\n%End\r\n"));
+    EXPECT_THAT(file, HasSubstr("\\Password:A\r\n\\@25End\r\n\\@25Ends\r\n\\@25header record\r\nBaseN:\r\n%End\r\n"));
 }
 
 TEST_F(ExportText, ValuesAndPictures) {
@@ -248,8 +250,8 @@ TEST_F(ExportText, WhatNoFileCanHold) {
     for (const ExportTarget target : {ExportTarget::cas, ExportTarget::cat, ExportTarget::catAlgebra})
         EXPECT_EQ(written(block, target), refused(ExportFault::kind));
     EXPECT_EQ(written(ItemMaker(4).text(kind::functionMemory, true), ExportTarget::cat), refused(ExportFault::kind));
-    EXPECT_EQ(written(program("\x7F\xFE"), ExportTarget::cat), refused(ExportFault::code));
-    EXPECT_THAT(written(program("\x7F\xFE"), ExportTarget::cas), HasSubstr(std::string(":\x7F\xFE\xFF", 4)));
+    EXPECT_EQ(written(program("\xB9"), ExportTarget::cat), refused(ExportFault::code));
+    EXPECT_THAT(written(program("\xB9"), ExportTarget::cas), HasSubstr(":\xB9\xFF"));
     OutgoingItem backup = ItemMaker(5).block(kind::backup, std::string_view(":MEM\0BU", 7));
     backup.data.pop_back();
     EXPECT_EQ(written(backup, ExportTarget::cas), refused(ExportFault::sizesDiffer));
