@@ -18,7 +18,7 @@ bool askDelete(const ItemEntry &item) {
     std::string body = languageText(20) + "\n\n" + utf8FromCalculator(item.name);
     if (isFolderKind(item.kind)) {
         const int count = countBelow(storeListItems(), item.id);
-        body += "\n" + ownText(OwnText::folderHolds, {std::to_string(count)});
+        body.append("\n").append(ownText(OwnText::folderHolds, {std::to_string(count)}));
     }
     const Box box{
         .bodyNumber = 20, .body = body, .title = programTitle, .buttons = BoxButtons::okCancel, .arguments = {}};
