@@ -102,7 +102,7 @@ TEST(PictureItem, CornersAndPlanes) {
     EXPECT_THAT(set, ElementsAre(0, 1023, 0x80, 1, 0, 0x02, 2, 0, 0x01));
 }
 
-void put(std::string &text, std::uint32_t value, int bytes) {
+void put(std::string &text, std::uint64_t value, int bytes) {
     for (int i = 0; i < bytes; i++) text += static_cast<char>(value >> (8 * i));
 }
 
