@@ -250,8 +250,8 @@ TEST_F(ExportText, WhatNoFileCanHold) {
     for (const ExportTarget target : {ExportTarget::cas, ExportTarget::cat, ExportTarget::catAlgebra})
         EXPECT_EQ(written(block, target), refused(ExportFault::kind));
     EXPECT_EQ(written(ItemMaker(4).text(kind::functionMemory, true), ExportTarget::cat), refused(ExportFault::kind));
-    EXPECT_EQ(written(program("\xB9"), ExportTarget::cat), refused(ExportFault::code));
-    EXPECT_THAT(written(program("\xB9"), ExportTarget::cas), HasSubstr(":\xB9\xFF"));
+    EXPECT_EQ(written(program("\x90"), ExportTarget::cat), refused(ExportFault::code));
+    EXPECT_THAT(written(program("\x90"), ExportTarget::cas), HasSubstr(":\x90\xFF"));
     OutgoingItem backup = ItemMaker(5).block(kind::backup, std::string_view(":MEM\0BU", 7));
     backup.data.pop_back();
     EXPECT_EQ(written(backup, ExportTarget::cas), refused(ExportFault::sizesDiffer));
