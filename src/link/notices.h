@@ -17,6 +17,6 @@ enum class NoticeState { none, standing, over };  // over: its time has passed, 
 NoticeState linkNoticeState();
 bool linkNoticeRepeat();  // the link has come to rest: shows the standing notice once more; false when there is none
 
-void linkNoticeForget();   // ahead of a new start of the link
+void linkNoticeForget();  // ahead of a new start of the link
 
 }  // namespace numalink

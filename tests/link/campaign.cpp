@@ -263,7 +263,8 @@ void checkAfter(const Case &one) {
     if (one.receives) result.stored += count;
     result.transmitted += one.other.received.size();
     const int idle = one.algebra ? 102 : 1;
-    if (lastStatus != idle && lastStatus != 172 && lastStatus != 24) fail("not idle: status " + std::to_string(lastStatus));
+    if (lastStatus != idle && lastStatus != 172 && lastStatus != 24)
+        fail("not idle: status " + std::to_string(lastStatus));
     if (transmitConversationRuns()) fail("not idle");
     if (scriptedLineReads() >= 400000) fail("no end");
     if (one.faulty) return;
