@@ -102,7 +102,7 @@ TEST_F(Import, FilesThatAreNone) {
     importText("Ü b.cas", std::string(":END") + std::string(46, '\xFF'));
     std::vector<int> numbers;
     for (const Box &box : uiRecord.boxes) numbers.push_back(box.bodyNumber);
-    EXPECT_THAT(numbers, ElementsAre(93, 93, 99, 99, 165));
+    EXPECT_THAT(numbers, ElementsAre(93, 93, 99, 175, 165));
     EXPECT_THAT(uiRecord.boxes[0].body, HasSubstr("no such file.cat: there is no such file"));
     EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("is a folder"));
     EXPECT_THAT(uiRecord.boxes[4].body, HasSubstr("Ü b"));
