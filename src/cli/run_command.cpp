@@ -1,4 +1,5 @@
 // numalink-cli run and eval: a program on the emulated calculator, without a window.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
@@ -91,9 +92,10 @@ int evalBytes(const RunCommandOptions &options) {
     const auto tokens = bytesFromHex(options.hex);
     if (!tokens) return commandFailed("not hexadecimal: " + options.hex);
     if (!loadTables()) return commandFailed("no token table beside the program");
-    Bytes image = {':'};
-    image.insert(image.end(), tokens->begin(), tokens->end());
-    image.insert(image.end(), {0xFF, 0});
+    Bytes image(tokens->size() + 3, 0);  // ':', the tokens, the end mark, a checksum's place
+    image[0] = ':';
+    std::ranges::copy(*tokens, image.begin() + 1);
+    image[tokens->size() + 1] = 0xFF;
     return runAndPrint(options, [&] {
         boxesShown.clear();
         programsClear();
