@@ -10,7 +10,9 @@
 #include <QPushButton>
 #include <QTextBlock>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "shell/color_contrast.h"
 #include "shell/fonts.h"
@@ -72,9 +74,9 @@ QIcon swatchIcon(const QColor &colour, const QWidget *widget) {
 void showColours() {
     for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colours[i], preview));
     const QColor ground = preview->palette().color(QPalette::Base);
-    Bytes image = {':'};
-    image.insert(image.end(), previewTokens.begin(), previewTokens.end());
-    image.push_back(0xFF);
+    Bytes image(std::size(previewTokens) + 2, 0xFF);  // ':', the tokens, the end mark
+    image[0] = ':';
+    std::copy(std::begin(previewTokens), std::end(previewTokens), image.begin() + 1);
     preview->clear();
     QTextCursor cursor(preview->document());
     for (const ViewLine &line : viewLines(image)) {
