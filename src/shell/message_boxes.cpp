@@ -63,7 +63,12 @@ Answer messageBox(const Box &box) {
 void statusText(StatusPart part, int, const std::string &text) {
     graphicalRun([&] {
         QLabel *field = part == StatusPart::link ? linkField : itemField;
-        if (part != StatusPart::progress && field != nullptr) field->setText(toQt(text));
+        if (part == StatusPart::progress || field == nullptr) return;
+        // The link's field has a fixed width: what doesn't fit is in its tool tip.
+        field->setToolTip(toQt(text));
+        const bool fixed = part == StatusPart::link;
+        field->setText(fixed ? field->fontMetrics().elidedText(toQt(text), Qt::ElideRight, field->width())
+                             : toQt(text));
     });
 }
 
