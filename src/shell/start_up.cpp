@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
+#include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
@@ -52,6 +53,14 @@ bool openLibrary() {
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
+bool settingsRead = true;
+
+// What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
+bool tellSettings() {
+    tellUser(OwnText::fileFailed, {libraryFolder() + "settings.xml"});
+    return true;
+}
+
 bool showFirst() {
     mainWindow->show();
     showSplash();
@@ -61,7 +70,7 @@ bool showFirst() {
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
     {"no second copy", [] { return !raiseRunningCopy(); }, true},
-    {"settings", settingsLoad, false},
+    {"settings", [] { return settingsRead = settingsLoad(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
     {"menus", [] { return done(buildMenus); }, false},
@@ -73,6 +82,7 @@ constexpr StartStep startSteps[] = {
     {"views", [] { return done(connectViews); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
+    {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
