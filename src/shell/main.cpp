@@ -8,7 +8,7 @@ int main(int argc, char **argv) {
     QApplication::setApplicationName(QStringLiteral("Numalink"));
     QApplication::setDesktopFileName(QStringLiteral("numalink"));
     if (!numalink::startUp()) return 0;
-    const int code = QApplication::exec();
+    const int code = numalink::shuttingDown() ? 0 : QApplication::exec();
     numalink::tearDown();
     return code;
 }

@@ -10,8 +10,10 @@
 #include <QPlainTextEdit>
 #include <QTest>
 #include <QThread>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
+#include <csignal>
 
 #include "shell/command_table.h"
 #include "shell/item_tree.h"
@@ -79,6 +81,22 @@ TEST_F(StartUp, SecondCopyRaisesTheFirstAndEnds) {
     delete second;
     EXPECT_TRUE(raised);
     EXPECT_TRUE(mainWindow->isVisible());
+}
+
+TEST_F(StartUp, ExitCloseAndSignalsEndTheEventLoop) {
+    QTimer tooLate;
+    QObject::connect(&tooLate, &QTimer::timeout, &tooLate, [] { QCoreApplication::exit(1); });
+    void (*const ends[])() = {[] { commandAction(command::exit)->trigger(); }, [] { mainWindow->close(); },
+                              [] { ::raise(SIGTERM); }, [] { ::raise(SIGHUP); }};
+    for (void (*end)() : ends) {
+        ASSERT_TRUE(startProgram());
+        tooLate.start(10000);
+        QTimer::singleShot(0, mainWindow, end);
+        EXPECT_EQ(QApplication::exec(), 0);
+        EXPECT_FALSE(storeIsOpen());
+        running = false;
+        tearDown();
+    }
 }
 
 TEST_F(StartUp, LibraryHeldByAnotherProgramIsToldAndLeftAlone) {
