@@ -3,7 +3,6 @@
 #include <QMainWindow>
 #include <QMimeData>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
 
@@ -84,16 +83,10 @@ TEST_F(ImportByWindow, FilesDroppedWhileADialogIsOpenWaitForIt) {
     folder.write("two.cat", catRecord("TWO"));
     answer("Return");
     answer("Return");
-    QTimer during;
-    QObject::connect(&during, &QTimer::timeout, &during, [&] {
-        if (QApplication::activeModalWidget() == nullptr) return;
-        during.stop();
-        sendDrop({"two.cat"});
-    });
-    during.start(0);
+    whileOpen = [this] { sendDrop({"two.cat"}); };
     dropFiles({"one.cat"});
-    QTRY_COMPARE(shown.size(), 2u);
-    QTRY_COMPARE(storeListChildren(storeStandardFolder(1001)).size(), 2u);
+    EXPECT_TRUE(QTest::qWaitFor([] { return storeListChildren(storeStandardFolder(1001)).size() == 2; }));
+    EXPECT_EQ(shown.size(), 2u);
 }
 
 }  // namespace numalink

@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
+#include <utility>
 
 #include "calculator/program_info.h"
 #include "shell/item_tree.h"
@@ -37,6 +38,7 @@ QAbstractButton *buttonNamed(QWidget *dialog, const std::string &text) {
 void answerOpenDialog() {
     QWidget *dialog = QApplication::activeModalWidget();
     if (dialog == nullptr || current == nullptr || !current->answerBoxes) return;
+    if (const auto work = std::exchange(current->whileOpen, nullptr)) return work();
     current->shown.push_back(wordingOf(dialog));
     for (bool asked = false; dialog == QApplication::activeModalWidget() && !asked;) {
         const std::string next = current->answers.empty() ? "Esc" : current->answers.front();

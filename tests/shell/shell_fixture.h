@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QString>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,8 @@ struct ShellTest : testing::Test {
 
     ScratchFolder folder;
     std::deque<std::string> answers;
-    std::vector<std::string> shown;  // the wording of each box, the title of each dialog
+    std::function<void()> whileOpen;  // runs once, a tick ahead of the first answer
+    std::vector<std::string> shown;   // the wording of each box, the title of each dialog
     bool running = false;
     bool answerBoxes = true;
 };

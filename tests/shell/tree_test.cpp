@@ -162,7 +162,7 @@ TEST_F(Tree, PostponedRefreshComesWhenTheDialogIsGone) {
     refreshTree();
     EXPECT_EQ(treeEntryOf(item), nullptr);
     menu.close();
-    QTRY_VERIFY(treeEntryOf(item) != nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return treeEntryOf(item) != nullptr; }));
 }
 
 TEST_F(Tree, AReleaseThatGotLostStartsNoDrag) {
