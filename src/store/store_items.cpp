@@ -122,13 +122,10 @@ ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
 // Runs one change of an existing record with the lock held, and tells its fault without it.
 template <typename Change>
 bool changeItem(ItemId id, Change change) {
-    Fault fault = Fault::absent;
-    {
-        const HoldLock hold(storeLock);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         const std::size_t slot = slotOfId(id);
-        if (slot != noSlot) fault = change(slot);
-    }
-    return storeTold(fault);
+        return slot == noSlot ? Fault::absent : change(slot);
+    }));
 }
 
 Fault patchOne(std::size_t slot, std::size_t offset, ByteView bytes) REQUIRES_LOCK(storeLock) {
@@ -170,6 +167,35 @@ Fault moveItems(const std::vector<ItemMove> &moves) REQUIRES_LOCK(storeLock) {
     return changeInPlace(patches);
 }
 
+Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) REQUIRES_LOCK(storeLock) {
+    std::vector<bool> marks(storeState.slots.size());
+    for (const ItemId id : leaving) {
+        const std::size_t slot = slotOfId(id);
+        if (slot == noSlot) return Fault::absent;
+        marks[slot] = true;
+    }
+    std::vector<NewRecord> records;
+    std::vector<ItemId> folders;
+    ItemId nextId = storeState.main.nextId;
+    for (const StoredItem &item : items) {
+        const auto hasId = [&](const NewRecord &record) { return record.head.id == item.id; };
+        const std::size_t slot = slotOfId(item.id);
+        const bool taken = (slot != noSlot && !marks[slot]) || std::ranges::any_of(records, hasId);
+        if (taken || item.id <= rootId || item.id == noItem) return Fault::absent;
+        if (!isFolderId(item.parent) && std::ranges::find(folders, item.parent) == folders.end())
+            return Fault::noFolder;
+        const NewItem made{.name = item.name, .parent = item.parent, .kind = item.kind, .head = {}, .data = {}};
+        ItemHeader head = makeHead(made, storedName(item.name), item.id);
+        head.flags = item.flags;
+        head.headSize = static_cast<std::uint32_t>(item.head.size());
+        head.dataSize = static_cast<std::uint32_t>(item.data.size());
+        records.push_back({head, item.head, item.data});
+        if (isFolderKind(item.kind)) folders.push_back(item.id);
+        nextId = std::max(nextId, item.id + 1);
+    }
+    return changeRecords(marks, records, nextId);
+}
+
 template <typename Fits>
 std::vector<ItemEntry> entriesWhere(Fits fits) {
     std::vector<ItemEntry> entries;
@@ -202,8 +228,29 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
     id = newId;
-    if (renamed) *renamed = name;
+    if (renamed) *renamed = std::move(name);
     return Fault::none;
+}
+
+Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) {
+    std::vector<NewRecord> records;
+    ItemId nextId = storeState.main.nextId;
+    for (const std::string_view name : names) {
+        const ItemId newId = freshId(nextId);
+        if (newId == noItem) return Fault::full;
+        const NewItem folder{.name = records.empty() ? freeName(name, parent, kind::folder) : std::string(name),
+                             .parent = parent,
+                             .kind = kind::folder,
+                             .head = {},
+                             .data = {},
+                             .flags = folderOpenFlag};
+        records.push_back({makeHead(folder, folder.name, newId), {}, {}});
+        parent = newId;
+        nextId = newId + 1;
+    }
+    const Fault fault = changeRecords({}, records, nextId);
+    if (fault == Fault::none) id = parent;
+    return fault;
 }
 
 Fault resetTemp() {
@@ -231,12 +278,7 @@ std::optional<ItemEntry> storeReadEntry(ItemId id) {
 }
 
 bool storeReadItem(ItemId id, StoredItem &item) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = readItem(id, item);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return readItem(id, item); }));
 }
 
 std::vector<ItemEntry> storeListItems() {
@@ -254,33 +296,18 @@ ItemId storeNextId() {
 
 ItemId storeAddItem(const NewItem &item, std::string *renamed) {
     ItemId id = noItem;
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = addItem(item, id, renamed);
-    }
-    storeTold(fault);
+    storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItem(item, id, renamed); }));
     return id;
 }
 
 std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items) {
     std::vector<ItemId> ids;
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = addItems(items, ids);
-    }
-    if (!storeTold(fault)) ids.clear();
+    if (!storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItems(items, ids); }))) ids.clear();
     return ids;
 }
 
 bool storeWriteItem(ItemId id, const NewItem &item) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = writeItem(id, item);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return writeItem(id, item); }));
 }
 
 bool storeRewriteHead(ItemId id, ByteView head) {
@@ -290,23 +317,25 @@ bool storeRewriteHead(ItemId id, ByteView head) {
     });
 }
 
-bool storeRename(ItemId id, std::string_view name) {
+bool storeRename(ItemId id, std::string_view name, ByteView head) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
-        std::uint8_t field[sizeof(ItemHeader::name)] = {};
-        std::ranges::copy(storedName(name), field);
-        return patchOne(slot, offsetof(ItemHeader, name), field);
+        if (!head.empty() && head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
+        Bytes field(sizeof(ItemHeader::name));
+        std::ranges::copy(storedName(name), field.begin());
+        const Patch patches[] = {{slot, offsetof(ItemHeader, name), std::move(field)},
+                                 {slot, sizeof(ItemHeader), {head.begin(), head.end()}}};
+        return changeInPlace(patches);
     });
+}
+
+bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) {
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return putBack(items, leaving); }));
 }
 
 bool storeMove(ItemId id, ItemId newParent) { return storeMoveItems({{id, newParent}}); }
 
 bool storeMoveItems(const std::vector<ItemMove> &moves) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = moveItems(moves);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems(moves); }));
 }
 
 bool storeSetFlags(ItemId id, std::uint32_t value) {

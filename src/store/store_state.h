@@ -7,6 +7,7 @@
 //   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset.
 #pragma once
 
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -43,11 +44,23 @@ enum class Fault {
     broken,
     itemUnread,
     notCopied,
+    noMemory,
     wrongSize
 };
 
 // True for none; else tells the cause and gives false. Called with the lock free.
 bool storeTold(Fault fault);
+
+// Runs an operation with the lock held for its whole length. Memory that doesn't suffice is a fault like any other.
+template <typename Operation>
+Fault withStoreLocked(Operation operation) {
+    const HoldLock hold(storeLock);
+    try {
+        return operation();
+    } catch (const std::bad_alloc &) {
+        return Fault::noMemory;
+    }
+}
 
 inline constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
 
@@ -75,6 +88,8 @@ bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent);
 std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) REQUIRES_LOCK(storeLock);
 
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
+// Folders one within the other, the first of them under parent; id is the last one's.
+Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) REQUIRES_LOCK(storeLock);
 Fault resetTemp() REQUIRES_LOCK(storeLock);
 
 }  // namespace numalink
