@@ -21,22 +21,23 @@ ByteView bytesOfRecord(const Record &record, std::size_t size = sizeof(Record)) 
     return {reinterpret_cast<const std::uint8_t *>(&record), size};
 }
 
-template <typename Record>
-void append(Bytes &bytes, const Record &record) {
-    const ByteView view = bytesOfRecord(record);
-    bytes.insert(bytes.end(), view.begin(), view.end());
+void putAt(Bytes &bytes, std::size_t &place, ByteView part) {
+    if (!part.empty()) std::memcpy(bytes.data() + place, part.data(), part.size());
+    place += part.size();
 }
 
 // The head record as the change leaves it.
 Bytes newMainOf(const std::vector<Region> &regions, ByteView oldMain) {
-    Bytes main(oldMain.begin(), oldMain.end());
+    Bytes main(sizeof(MainHeader));
+    std::size_t size = 0;
+    putAt(main, size, oldMain);
     for (const Region &region : regions) {
-        if (region.offset >= sizeof(MainHeader)) continue;
-        const std::size_t from = static_cast<std::size_t>(region.offset);
-        const std::size_t count = std::min(region.now.size(), sizeof(MainHeader) - from);
-        main.resize(std::max(main.size(), from + count));
-        std::copy_n(region.now.begin(), count, main.begin() + static_cast<std::ptrdiff_t>(from));
+        if (region.offset >= main.size()) continue;
+        auto place = static_cast<std::size_t>(region.offset);
+        putAt(main, place, ByteView(region.now).first(std::min(region.now.size(), main.size() - place)));
+        size = std::max(size, place);
     }
+    main.resize(size);
     return main;
 }
 
@@ -93,12 +94,11 @@ Bytes encodeJournal(const std::vector<Region> &regions, std::uint64_t fileSize, 
     }
     head.oldHead = sectorSumsOf(oldMain);
     head.newHead = sectorSumsOf(newMainOf(regions, oldMain));
-    Bytes bytes;
-    bytes.reserve(sizeof head + static_cast<std::size_t>(head.bodySize));
-    append(bytes, head);
+    std::size_t place = sizeof head;
+    Bytes bytes(place + static_cast<std::size_t>(head.bodySize));
     for (const Region &region : regions) {
-        append(bytes, JournalEntry{region.offset, region.now.size(), region.old.size()});
-        bytes.insert(bytes.end(), region.old.begin(), region.old.end());
+        putAt(bytes, place, bytesOfRecord(JournalEntry{region.offset, region.now.size(), region.old.size()}));
+        putAt(bytes, place, region.old);
     }
     head.bodySum = sumOf(ByteView(bytes).subspan(sizeof head));
     head.headSum = headSumOf(head);

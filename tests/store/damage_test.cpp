@@ -88,7 +88,8 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
     };
     for (const Case &damage : cases) {
         SCOPED_TRACE(damage.what);
-        EXPECT_THAT(openWith(damage.offset, damage.number), ElementsAre("box 36 / 2 1 " + std::to_string(5 - damage.sound.size())));
+        EXPECT_THAT(openWith(damage.offset, damage.number),
+                    ElementsAre("box 36 / 2 1 " + std::to_string(5 - damage.sound.size())));
         EXPECT_TRUE(opened && storeIsDamaged());
         EXPECT_EQ(ids(), damage.sound) << "and no temp folder was made";
         const Bytes before = file();
