@@ -140,6 +140,7 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     changeWrite(place, std::move(bytes));
     changeWrite(0, bytesOf(next.main));
     const Fault fault = faultOf(changeCommit());
+    next.arrivals++;
     if (fault == Fault::none) storeState = std::move(next);
     return fault;
 }

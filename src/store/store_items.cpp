@@ -4,6 +4,7 @@
 
 #include "calculator/program_info.h"
 #include "store/store_changes.h"
+#include "store/undo_steps.h"
 
 namespace numalink {
 
@@ -33,34 +34,10 @@ std::size_t slotToReplace(const NewItem &item, std::string_view name) REQUIRES_L
         [&](const ItemHeader &head) { return head.kind == item.kind && isNamed(head, name, item.parent); });
 }
 
-// A program carries its name in its first payload as well, and both are to be the same.
-void renameProgram(Bytes &head, std::string_view name) {
-    if (head.size() != programInfoSize) return;
-    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
-    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
-}
-
 std::vector<bool> marked(std::size_t slot) REQUIRES_LOCK(storeLock) {
     std::vector<bool> marks(slot == noSlot ? 0 : storeState.slots.size());
     if (slot != noSlot) marks[slot] = true;
     return marks;
-}
-
-// Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.
-void markWithContents(std::vector<bool> &marks, std::size_t first) REQUIRES_LOCK(storeLock) {
-    const std::vector<Slot> &slots = storeState.slots;
-    std::vector<std::size_t> open{first};
-    marks[first] = true;
-    while (!open.empty()) {
-        const ItemHeader &folder = slots[open.back()].head;
-        open.pop_back();
-        if (!isFolderKind(folder.kind)) continue;
-        for (std::size_t slot = 0; slot < slots.size(); slot++) {
-            if (marks[slot] || !slots[slot].sound || slots[slot].head.parent != folder.id) continue;
-            marks[slot] = true;
-            open.push_back(slot);
-        }
-    }
 }
 
 bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock) {
@@ -89,25 +66,6 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     if (becomesFolder && liesWithin(item.parent, id)) return Fault::intoItself;
     const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
     return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
-}
-
-Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
-    const std::size_t slot = slotOfId(id);
-    if (slot == noSlot) return Fault::absent;
-    const ItemHeader &head = storeState.slots[slot].head;
-    const std::uint64_t offset = storeState.main.offsets[slot];
-    ItemHeader inFile{};
-    StoredItem read;
-    static_cast<ItemEntry &>(read) = entryOf(head);
-    read.head.resize(head.headSize);
-    read.data.resize(head.dataSize);
-    const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
-                       storeFileRead(offset + sizeof head, read.head) &&
-                       storeFileRead(offset + sizeof head + head.headSize, read.data);
-    // Another head than the one in memory: somebody has written to the file in spite of its lock.
-    if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
-    item = std::move(read);
-    return Fault::none;
 }
 
 // The first id from this one on that a new item may have, or noItem when all are used up. Passed over is what a record
@@ -164,10 +122,67 @@ Fault moveItems(const std::vector<ItemMove> &moves) REQUIRES_LOCK(storeLock) {
         if (const Fault fault = parentFault(slot, move.newParent); fault != Fault::none) return fault;
         patches.push_back(numberPatch(slot, offsetof(ItemHeader, parent), move.newParent));
     }
-    return changeInPlace(patches);
+    const Fault fault = changeInPlace(patches);
+    if (fault == Fault::none) storeState.arrivals++;
+    return fault;
 }
 
-Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) REQUIRES_LOCK(storeLock) {
+template <typename Fits>
+std::vector<ItemEntry> entriesWhere(Fits fits) {
+    std::vector<ItemEntry> entries;
+    {
+        const HoldLock hold(storeLock);
+        for (const Slot &slot : storeState.slots)
+            if (slot.sound && fits(slot.head)) entries.push_back(entryOf(slot.head));
+    }
+    std::ranges::sort(entries, {}, &ItemEntry::id);
+    return entries;
+}
+
+}  // namespace
+
+void renameProgram(Bytes &head, std::string_view name) {
+    if (head.size() != programInfoSize) return;
+    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
+    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
+}
+
+void markWithContents(std::vector<bool> &marks, std::size_t first) {
+    const std::vector<Slot> &slots = storeState.slots;
+    std::vector<std::size_t> open{first};
+    marks[first] = true;
+    while (!open.empty()) {
+        const ItemHeader &folder = slots[open.back()].head;
+        open.pop_back();
+        if (!isFolderKind(folder.kind)) continue;
+        for (std::size_t slot = 0; slot < slots.size(); slot++) {
+            if (marks[slot] || !slots[slot].sound || slots[slot].head.parent != folder.id) continue;
+            marks[slot] = true;
+            open.push_back(slot);
+        }
+    }
+}
+
+Fault readItem(ItemId id, StoredItem &item) {
+    const std::size_t slot = slotOfId(id);
+    if (slot == noSlot) return Fault::absent;
+    const ItemHeader &head = storeState.slots[slot].head;
+    const std::uint64_t offset = storeState.main.offsets[slot];
+    ItemHeader inFile{};
+    StoredItem read;
+    static_cast<ItemEntry &>(read) = entryOf(head);
+    read.head.resize(head.headSize);
+    read.data.resize(head.dataSize);
+    const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
+                       storeFileRead(offset + sizeof head, read.head) &&
+                       storeFileRead(offset + sizeof head + head.headSize, read.data);
+    // Another head than the one in memory: somebody has written to the file in spite of its lock.
+    if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
+    item = std::move(read);
+    return Fault::none;
+}
+
+Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) {
     std::vector<bool> marks(storeState.slots.size());
     for (const ItemId id : leaving) {
         const std::size_t slot = slotOfId(id);
@@ -196,20 +211,6 @@ Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &l
     return changeRecords(marks, records, nextId);
 }
 
-template <typename Fits>
-std::vector<ItemEntry> entriesWhere(Fits fits) {
-    std::vector<ItemEntry> entries;
-    {
-        const HoldLock hold(storeLock);
-        for (const Slot &slot : storeState.slots)
-            if (slot.sound && fits(slot.head)) entries.push_back(entryOf(slot.head));
-    }
-    std::ranges::sort(entries, {}, &ItemEntry::id);
-    return entries;
-}
-
-}  // namespace
-
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     id = noItem;
     if (!storeState.open) return Fault::absent;
@@ -225,8 +226,14 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
         if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
     }
     const NewRecord record{makeHead(item, name, newId), head, item.data};
+    UndoStep step;
+    if (replaced != noSlot) {
+        if (const Fault fault = undoStepFor(replaced, step); fault != Fault::none) return fault;
+        step.cameInstead.push_back({newId, digestOf(head, item.data)});
+    }
     const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
+    keepUndoStep(std::move(step));
     id = newId;
     if (renamed) *renamed = std::move(name);
     return Fault::none;
@@ -264,6 +271,17 @@ Fault resetTemp() {
     const NewItem temp{.name = "temp", .kind = kind::temporaryFolder, .head = {}, .data = {}};
     const NewRecord record{makeHead(temp, temp.name, id), {}, {}};
     return changeRecords(leaving, {&record, 1}, id + 1);
+}
+
+bool tempIsFresh() {
+    const Slot *temp = nullptr;
+    for (const Slot &slot : storeState.slots) {
+        if (!slot.sound || slot.head.kind != kind::temporaryFolder) continue;
+        if (temp != nullptr || slot.head.parent != rootId) return false;
+        temp = &slot;
+    }
+    return temp != nullptr &&
+           std::ranges::none_of(storeState.slots, [&](const Slot &slot) { return slot.head.parent == temp->head.id; });
 }
 
 int storeFindSlot(ItemId id) {
@@ -352,9 +370,13 @@ std::uint32_t storeGetFlags(ItemId id) {
 
 bool storeDelete(ItemId id) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        UndoStep step;
+        if (const Fault fault = undoStepFor(slot, step); fault != Fault::none) return fault;
         std::vector<bool> leaving(storeState.slots.size());
         markWithContents(leaving, slot);
-        return changeRecords(leaving, {}, storeState.main.nextId);
+        const Fault fault = changeRecords(leaving, {}, storeState.main.nextId);
+        if (fault == Fault::none) keepUndoStep(std::move(step));
+        return fault;
     });
 }
 

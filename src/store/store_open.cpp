@@ -7,6 +7,7 @@
 #include "store/store_changes.h"
 #include "store/store_check.h"
 #include "store/store_copy.h"
+#include "store/undo_steps.h"
 
 namespace numalink {
 
@@ -87,7 +88,8 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     storeState.main.nextId = safeNextId(storeState.main, storeState.slots);
     storeState.damaged = opening.damage > 0;
     storeState.open = true;
-    if (!opening.isNew && opening.damage == 0) opening.resetFault = resetTemp();
+    // A start alone changes nothing, so that the daily copies are of days with changes.
+    if (!opening.isNew && opening.damage == 0 && !tempIsFresh()) opening.resetFault = resetTemp();
     return 0;
 }
 
@@ -95,6 +97,7 @@ void letGo() {
     const HoldLock hold(storeLock);
     storeFileClose();
     storeState = {};
+    forgetUndoSteps();
 }
 
 bool tellNotOpened(int textNumber, const Opening &opening) {
