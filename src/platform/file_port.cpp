@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <string>
 
 namespace numalink {
 
@@ -16,7 +18,7 @@ constexpr std::uint64_t offsetLimit = INT64_MAX;
 OpenResult openLocked(const char *path, bool create, int &file) {
     // O_NONBLOCK: a pipe in the place of the library doesn't hold the program.
     const int opened = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0666);
-    if (opened < 0) return OpenResult::failed;
+    if (opened < 0) return errno == ENOENT && !create ? OpenResult::absent : OpenResult::failed;
     struct stat facts {};
     OpenResult result = OpenResult::opened;
     if (fstat(opened, &facts) != 0 || !S_ISREG(facts.st_mode)) result = OpenResult::failed;
@@ -77,6 +79,20 @@ bool sync(int file) {
     return result == 0;
 }
 
+bool syncFolder(const char *path) {
+    const std::string name(path);
+    const std::size_t slash = name.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : name.substr(0, slash + 1);
+    const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0) return errno == EACCES;  // a folder that may be written but not listed can't be waited for
+    int result = -1;
+    do result = fsync(opened);
+    while (result != 0 && errno == EINTR);
+    const bool done = result == 0 || errno == EINVAL || errno == ENOTSUP;  // nothing to wait for on such a disk
+    close(opened);
+    return done;
+}
+
 }  // namespace
 
 const FilePort systemFilePort = {
@@ -87,6 +103,9 @@ const FilePort systemFilePort = {
     .cut = cut,
     .sync = sync,
     .close = [](int file) { ::close(file); },
+    .remove = [](const char *path) { return ::unlink(path) == 0; },
+    .rename = [](const char *from, const char *to) { return ::rename(from, to) == 0; },
+    .syncFolder = syncFolder,
 };
 
 FilePort filePort = systemFilePort;

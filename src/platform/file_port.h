@@ -1,4 +1,4 @@
-// The operations that the library's file needs of the system, as a table that a test can replace: by a disk in
+// The operations that the library's files need of the system, as a table that a test can replace: by a disk in
 // memory, by one whose n-th operation fails, by one that loses what wasn't synced.
 #pragma once
 
@@ -7,11 +7,12 @@
 
 namespace numalink {
 
-enum class OpenResult { opened, failed, heldByAnother };
+enum class OpenResult { opened, absent, failed, heldByAnother };
 
 struct FilePort {
     // Opens path for reading and writing, creating it when create is set, and takes an advisory lock (flock) that
-    // goes with the open file, so that a second program fails with heldByAnother.
+    // goes with the open file, so that a second program fails with heldByAnother. absent: there is none, and create
+    // isn't set.
     OpenResult (*openLocked)(const char *path, bool create, int &file);
     std::int64_t (*size)(int file);  // -1 on failure
     // How many bytes were read or written: fewer than count at the end of the file, on a full disk or on an error.
@@ -20,6 +21,10 @@ struct FilePort {
     bool (*cut)(int file, std::uint64_t size);
     bool (*sync)(int file);
     void (*close)(int file);
+    bool (*remove)(const char *path);
+    bool (*rename)(const char *from, const char *to);  // takes the place of what bears the new name
+    // Names that were made, changed or removed in the folder of path are on the disk when this gives true.
+    bool (*syncFolder)(const char *path);
 };
 
 extern const FilePort systemFilePort;

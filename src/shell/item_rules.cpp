@@ -175,23 +175,19 @@ std::optional<NameFault> nameFault(const ItemEntry &item, const std::string &utf
 }
 
 bool renameItem(const ItemEntry &item, const std::string &calculatorName) {
-    if (!storeRename(item.id, calculatorName)) return false;
     StoredItem stored;
+    if (!isTextKind(item.kind) && item.kind != kind::algebraBlock) return storeRename(item.id, calculatorName);
+    if (!storeReadItem(item.id, stored)) return false;
     if (isTextKind(item.kind)) {
-        if (!storeReadItem(item.id, stored)) return false;
         std::optional<ProgramInfo> info = decodeProgramInfo(stored.head);
-        if (!info) return true;
+        if (!info) return storeRename(item.id, calculatorName);
         info->name = calculatorName.substr(0, programNameLimit);
-        return storeRewriteHead(item.id, encodeProgramInfo(*info));
+        return storeRename(item.id, calculatorName, encodeProgramInfo(*info));
     }
-    if (item.kind == kind::algebraBlock) {
-        if (!storeReadItem(item.id, stored)) return false;
-        if (stored.head.size() < shortHeadFrameSize) return true;
-        writeFrameName(stored.head, calculatorName);
-        frameChecksum(std::span(stored.head).first(shortHeadFrameSize));
-        return storeRewriteHead(item.id, stored.head);
-    }
-    return true;
+    if (stored.head.size() < shortHeadFrameSize) return storeRename(item.id, calculatorName);
+    writeFrameName(stored.head, calculatorName);
+    frameChecksum(std::span(stored.head).first(shortHeadFrameSize));
+    return storeRename(item.id, calculatorName, stored.head);
 }
 
 int countBelow(const std::vector<ItemEntry> &items, ItemId folder) {

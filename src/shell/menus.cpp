@@ -107,7 +107,6 @@ void setMenuStates(ItemKind selected) {
 
 void setEditMenuEnabled(bool enabled) {
     for (const int id : {command::find, command::findAgain, command::refresh}) setCommandEnabled(id, enabled);
-    if (QMenu *menu = menus[static_cast<std::size_t>(MenuPosition::edit)]) menu->setEnabled(enabled);
 }
 
 void setShortcutsEnabled(bool enabled) {

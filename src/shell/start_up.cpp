@@ -24,8 +24,10 @@
 #include "shell/single_copy.h"
 #include "shell/stop_signals.h"
 #include "shell/tray.h"
+#include "shell/undo_menu.h"
 #include "shell/view_menu.h"
 #include "shell/window_events.h"
+#include "store/daily_copies.h"
 #include "store/item_store.h"
 #include "text/token_table.h"
 
@@ -78,12 +80,14 @@ constexpr StartStep startSteps[] = {
     {"widgets", [] { return done(makeClientWidgets); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
     {"communication menu", [] { return done(buildCommunicationMenu); }, false},
+    {"undo menu", [] { return done(buildUndoMenu); }, false},
     {"view menu", [] { return done(buildViewMenu); }, false},
     {"views", [] { return done(connectViews); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
+    {"daily copy", [] { return keepDailyCopy() || failWith(OwnText::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
     {"notification area", [] { return done(addTrayIcon); }, false},

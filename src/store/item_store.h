@@ -1,8 +1,8 @@
 // The library: every operation on stored items. One file, storage.dat, open and locked from storeOpen to storeClose.
 // Names are calculator codes, at most 52; longer ones are cut. Names compare with A to Z folded, nothing else.
 // All operations may be called on any thread: each holds the store's one lock for its whole length, and tells the
-// user only after it has let go. An operation that fails tells its cause itself (a box), writes nothing that it can
-// help, and leaves the library as it was.
+// user only after it has let go. Each is one change: when it returns success, the change is on the disk; when it fails,
+// or the machine dies meanwhile, the library is as it was. What fails tells its cause itself (a box).
 #pragma once
 
 #include <optional>
@@ -85,13 +85,19 @@ std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items);
 // Replaces name, parent, kind and payloads of an item that exists, under its own id, and nothing else.
 bool storeWriteItem(ItemId id, const NewItem &item);
 bool storeRewriteHead(ItemId id, ByteView head);  // in place; refused unless exactly headSize bytes
-bool storeRename(ItemId id, std::string_view name);
+// With head given, the item's first payload is replaced too, in the same change; refused unless exactly headSize bytes.
+bool storeRename(ItemId id, std::string_view name, ByteView head = {});
 bool storeMove(ItemId id, ItemId newParent);  // refused for a folder into itself or below itself
 // Many at once, all of them or none; refused with a folder among several.
 bool storeMoveItems(const std::vector<ItemMove> &moves);
 bool storeSetFlags(ItemId id, std::uint32_t value);
 std::uint32_t storeGetFlags(ItemId id);  // 0 when there is no such item
 bool storeDelete(ItemId id);             // with all that a folder holds
+// Takes back deletes and replacements: the items of leaving go, and these come back as they were, under their own ids
+// and in this order. Refused when an id is in use, or a parent is neither there nor ahead in the list.
+bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving = {});
+// The library's file as it stands, whole and on the disk at path, in place of what was there. Not told when it fails.
+bool storeCopyTo(const std::string &path);
 
 ItemId storeFindItem(std::string_view name, ItemId parent);  // lowest id of that name, noItem when none
 bool storeItemExists(std::string_view name, ItemId parent);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "store/store_copy.h"
+
 namespace numalink {
 
 namespace {
@@ -51,11 +53,6 @@ void appendRecord(Bytes &bytes, const NewRecord &record) {
     bytes.insert(bytes.end(), record.secondPayload.begin(), record.secondPayload.end());
 }
 
-// Where the next record goes, -1 when the file doesn't tell. In a damaged file, whose head may lie, behind everything.
-std::int64_t placeForRecord() REQUIRES_LOCK(storeLock) {
-    return storeState.damaged ? storeFileSize() : std::int64_t{storeState.main.endOffset};
-}
-
 // The state without the slots that leave; their records still lie in the file.
 StoreState withoutSlots(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
     StoreState next = storeState;
@@ -73,29 +70,27 @@ StoreState withoutSlots(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLoc
     return next;
 }
 
-void appendSlot(StoreState &next, const NewRecord &added, std::uint32_t offset) {
-    next.main.offsets[next.slots.size()] = offset;
-    next.slots.push_back({added.head, true});
+// Puts the added records behind the last, and their bytes behind those given, which begin at place. In a damaged file,
+// whose head may lie, the place is the end of the file.
+Fault appendRecords(StoreState &next, std::span<const NewRecord> added, std::uint64_t place, Bytes &bytes) {
+    if (next.slots.size() + added.size() > storeSlotCount) return Fault::full;
+    std::uint64_t size = bytes.size();
+    for (const NewRecord &record : added) size += recordSize(record.head);
+    if (place + size > UINT32_MAX) return Fault::tooLarge;
+    bytes.reserve(static_cast<std::size_t>(size));
+    for (const NewRecord &record : added) {
+        next.main.offsets[next.slots.size()] = static_cast<std::uint32_t>(place + bytes.size());
+        next.slots.push_back({record.head, true});
+        appendRecord(bytes, record);
+        next.main.endOffset = static_cast<std::uint32_t>(place + bytes.size());
+    }
     next.main.itemCount = static_cast<std::uint32_t>(next.slots.size());
-    next.main.endOffset = offset + static_cast<std::uint32_t>(recordSize(added.head));
+    return Fault::none;
 }
 
-// Hands over the new records, which go side by side to one place, and gives their bytes.
-Fault appendRecords(StoreState &next, std::span<const NewRecord> added, Bytes &records) REQUIRES_LOCK(storeLock) {
-    if (added.empty()) return Fault::none;
-    if (next.slots.size() + added.size() > storeSlotCount) return Fault::full;
-    const std::int64_t place = placeForRecord();
-    std::uint64_t size = 0;
-    for (const NewRecord &record : added) size += recordSize(record.head);
-    if (place < 0 || static_cast<std::uint64_t>(place) + size > UINT32_MAX) return Fault::tooLarge;
-    records.reserve(static_cast<std::size_t>(size));
-    for (const NewRecord &record : added) {
-        appendSlot(next, record, static_cast<std::uint32_t>(static_cast<std::uint64_t>(place) + records.size()));
-        appendRecord(records, record);
-    }
-    changeWrite(static_cast<std::uint64_t>(place), records);
-    changeBarrier();
-    return Fault::none;
+void closeGaps(MainHeader &main, std::size_t slots, const std::vector<Gap> &gaps) {
+    for (std::size_t slot = 0; slot < slots; slot++) main.offsets[slot] -= sizeAhead(gaps, main.offsets[slot]);
+    main.endOffset -= sizeAhead(gaps, main.endOffset);
 }
 
 }  // namespace
@@ -126,32 +121,26 @@ Fault prepareChange() {
     return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
 }
 
-// The order on the disk: the new records, the head that knows them and no longer the old ones, then the records moved
-// together, then the head with their new places.
 Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId) {
     if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
     StoreState next = withoutSlots(leaving);
     next.main.nextId = nextId;
-    changeBegin();
-    Bytes records;
-    if (const Fault fault = appendRecords(next, added, records); fault != Fault::none) return fault;
-    const std::vector<Gap> gaps = gapsOf(leaving);
-    if (!gaps.empty() && !storeState.damaged) {
-        if (!added.empty()) {
-            changeWrite(0, bytesOf(next.main));
-            changeBarrier();
-        }
-        Bytes closedUp;
-        if (!readClosedUp(gaps, storeState.main.endOffset, closedUp)) return Fault::notWritten;
-        closedUp.insert(closedUp.end(), records.begin(), records.end());
-        if (!closedUp.empty()) changeWrite(gaps.front().offset, std::move(closedUp));
-        changeBarrier();
-        for (std::size_t slot = 0; slot < next.slots.size(); slot++)
-            next.main.offsets[slot] -= sizeAhead(gaps, next.main.offsets[slot]);
-        next.main.endOffset -= sizeAhead(gaps, next.main.endOffset);
+    const std::int64_t fileSize = storeFileSize();
+    if (fileSize < 0) return Fault::notWritten;
+    auto place = storeState.damaged ? static_cast<std::uint64_t>(fileSize) : storeState.main.endOffset;
+    Bytes bytes;
+    const std::vector<Gap> gaps = storeState.damaged ? std::vector<Gap>{} : gapsOf(leaving);
+    if (!gaps.empty()) {
+        place = gaps.front().offset;
+        if (!readClosedUp(gaps, storeState.main.endOffset, bytes)) return Fault::notWritten;
+        closeGaps(next.main, next.slots.size(), gaps);
     }
+    if (const Fault fault = appendRecords(next, added, place, bytes); fault != Fault::none) return fault;
+    changeBegin();
+    changeWrite(place, std::move(bytes));
     changeWrite(0, bytesOf(next.main));
     const Fault fault = faultOf(changeCommit());
+    next.arrivals++;
     if (fault == Fault::none) storeState = std::move(next);
     return fault;
 }
@@ -164,6 +153,7 @@ Fault changeInPlace(std::span<const Patch> patches) {
     const Fault fault = faultOf(changeCommit());
     if (fault != Fault::none) return fault;
     for (const Patch &patch : patches) {
+        if (patch.bytes.empty()) continue;
         ItemHeader &head = storeState.slots[patch.slot].head;
         if (patch.offset + patch.bytes.size() <= sizeof head)
             std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + patch.offset, patch.bytes.data(), patch.bytes.size());

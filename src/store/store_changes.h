@@ -16,7 +16,7 @@ struct NewRecord {
 };
 
 // Removes the records marked in leaving (by slot; empty for none), closing the gaps, and puts the added ones behind the
-// last. The new records are safe before an old one goes. nextId becomes the store's next id.
+// last. nextId becomes the store's next id.
 Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId)
     REQUIRES_LOCK(storeLock);
 

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
+
+#include "store/store_journal.h"
 
 namespace numalink {
 
@@ -11,87 +12,173 @@ Lock storeLock;
 namespace {
 
 constexpr int noFile = -1;
-constexpr std::size_t copyBlockSize = 64 * 1024;  // bytes
-constexpr int copyLimit = 1000;                   // damaged files kept beside the library
+constexpr int keptJournalLimit = 1000;
 
-enum class StepKind { write, barrier, cut };
-
-struct Step {
-    StepKind kind;
-    std::uint64_t offset;  // or the size to cut at
+struct Write {
+    std::uint64_t offset;
     Bytes bytes;
 };
 
 struct StoreFile {
     int file = noFile;
-    std::string path;
-    std::vector<Step> steps;  // of the change that is being handed over
+    int journal = noFile;
+    bool journalNamed = false;  // its name is on the disk for sure
     bool broken = false;
+    std::string path;
+    std::vector<Write> writes;  // of the change that is being handed over
 };
 StoreFile store GUARDED_BY(storeLock);
 
-bool writeAll(std::uint64_t offset, const Bytes &bytes) REQUIRES_LOCK(storeLock) {
-    return filePort.writeAt(store.file, offset, bytes.data(), bytes.size()) == bytes.size();
+bool writeAll(int file, std::uint64_t offset, ByteView bytes) {
+    return filePort.writeAt(file, offset, bytes.data(), bytes.size()) == bytes.size();
 }
 
-bool perform(const Step &step) REQUIRES_LOCK(storeLock) {
-    switch (step.kind) {
-        case StepKind::write:
-            return writeAll(step.offset, step.bytes);
-        case StepKind::barrier:
-            return filePort.sync(store.file);
-        case StepKind::cut:
-            return filePort.cut(store.file, step.offset);
+bool readAll(int file, std::uint64_t offset, Bytes &bytes) {
+    return filePort.readAt(file, offset, bytes.data(), bytes.size()) == bytes.size();
+}
+
+// The file's head record, or as much as there is of it.
+bool readMainHead(std::uint64_t size, Bytes &main) REQUIRES_LOCK(storeLock) {
+    main.resize(static_cast<std::size_t>(std::min<std::uint64_t>(size, sizeof(MainHeader))));
+    return storeFileRead(0, main);
+}
+
+// The writes as parts of the file that don't touch each other, by rising offset, with what they are going to cover.
+bool gatherRegions(std::uint64_t size, std::vector<Region> &regions) REQUIRES_LOCK(storeLock) {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> spans;
+    for (const Write &write : store.writes)
+        if (!write.bytes.empty()) spans.emplace_back(write.offset, write.offset + write.bytes.size());
+    std::ranges::sort(spans);
+    for (const auto &[from, to] : spans) {
+        if (regions.empty() || from > regions.back().offset + regions.back().now.size())
+            regions.push_back({from, {}, {}});
+        Region &region = regions.back();
+        region.now.resize(static_cast<std::size_t>(std::max<std::uint64_t>(region.now.size(), to - region.offset)));
     }
-    return false;
-}
-
-// What the steps are going to overwrite, as it is now. Bytes that are cut off need no keeping: a cut is only made
-// behind the end of the records.
-bool rememberOld(std::uint64_t size, std::vector<Step> &old) REQUIRES_LOCK(storeLock) {
-    for (const Step &step : store.steps) {
-        if (step.kind != StepKind::write || step.offset >= size) continue;
-        Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(step.bytes.size(), size - step.offset)));
-        if (!storeFileRead(step.offset, bytes)) return false;
-        old.push_back({StepKind::write, step.offset, std::move(bytes)});
+    for (const Write &write : store.writes) {
+        if (write.bytes.empty()) continue;
+        const auto region = std::ranges::upper_bound(regions, write.offset, {}, &Region::offset) - 1;
+        std::ranges::copy(write.bytes,
+                          region->now.begin() + static_cast<std::ptrdiff_t>(write.offset - region->offset));
+    }
+    for (Region &region : regions) {
+        const std::uint64_t there = size - std::min(size, region.offset);
+        region.old.resize(static_cast<std::size_t>(std::min<std::uint64_t>(region.now.size(), there)));
+        if (!storeFileRead(region.offset, region.old)) return false;
     }
     return true;
 }
 
-bool bringBack(std::uint64_t size, const std::vector<Step> &old) REQUIRES_LOCK(storeLock) {
-    if (!std::ranges::all_of(old, [](const Step &step) REQUIRES_LOCK(storeLock) { return perform(step); }))
-        return false;
+bool cutTo(std::uint64_t size) REQUIRES_LOCK(storeLock) {
     const std::int64_t grown = storeFileSize();
     if (grown < 0) return false;
-    if (static_cast<std::uint64_t>(grown) > size && !filePort.cut(store.file, size)) return false;
-    return filePort.sync(store.file);
+    return static_cast<std::uint64_t>(grown) <= size || filePort.cut(store.file, size);
 }
 
-bool copyInto(int target) REQUIRES_LOCK(storeLock) {
-    const std::int64_t size = storeFileSize();
-    if (size < 0) return false;
-    Bytes block(copyBlockSize);
-    for (std::uint64_t at = 0; at < static_cast<std::uint64_t>(size); at += block.size()) {
-        block.resize(
-            static_cast<std::size_t>(std::min<std::uint64_t>(copyBlockSize, static_cast<std::uint64_t>(size) - at)));
-        if (!storeFileRead(at, block) || filePort.writeAt(target, at, block.data(), block.size()) != block.size())
-            return false;
+template <typename Regions>
+bool bringBack(const Regions &regions, std::uint64_t size) REQUIRES_LOCK(storeLock) {
+    for (const auto &region : regions)
+        if (!writeAll(store.file, region.offset, region.old)) return false;
+    return cutTo(size) && filePort.sync(store.file);
+}
+
+// The journal has done its work. Without a sync, and harmless when it fails: see (3).
+void retireJournal() REQUIRES_LOCK(storeLock) {
+    constexpr std::uint8_t nothing[sizeof(JournalHead::signature)] = {};
+    filePort.writeAt(store.journal, 0, nothing, sizeof nothing);
+}
+
+bool openJournal() REQUIRES_LOCK(storeLock) {
+    if (store.journal == noFile &&
+        filePort.openLocked(storeJournalPath().c_str(), true, store.journal) != OpenResult::opened)
+        return false;
+    if (!store.journalNamed) store.journalNamed = filePort.syncFolder(store.path.c_str());
+    return store.journalNamed;
+}
+
+bool writeJournal(ByteView journal) REQUIRES_LOCK(storeLock) {
+    if (writeAll(store.journal, 0, journal) && filePort.sync(store.journal)) return true;
+    filePort.cut(store.journal, 0);  // gives the room back on a full disk
+    return false;
+}
+
+ChangeResult takeBack(const std::vector<Region> &regions, std::uint64_t size, bool atHead) REQUIRES_LOCK(storeLock) {
+    store.broken = !bringBack(regions, size);
+    if (store.broken) return ChangeResult::broken;
+    retireJournal();
+    return atHead ? ChangeResult::headRefused : ChangeResult::refused;
+}
+
+// Whether the file holds all that the change was to write. Nothing when it can't be read.
+std::optional<bool> holdsNew(const Journal &journal, std::uint64_t size) REQUIRES_LOCK(storeLock) {
+    std::uint64_t sum = 0;
+    for (const JournalRegion &region : journal.regions) {
+        if (region.offset > size || region.newSize > size - region.offset) return false;
+        Bytes bytes(static_cast<std::size_t>(region.newSize));
+        if (!storeFileRead(region.offset, bytes)) return std::nullopt;
+        sum = sumOf(bytes, sum);
     }
-    return filePort.sync(target);
+    return sum == journal.head.newSum;
+}
+
+Recovery applyJournal(const Journal &journal, bool apply) REQUIRES_LOCK(storeLock) {
+    const std::int64_t size = storeFileSize();
+    Bytes main;
+    if (size < 0 || !readMainHead(static_cast<std::uint64_t>(size), main)) return Recovery::failed;
+    const auto complete = holdsNew(journal, static_cast<std::uint64_t>(size));
+    if (!complete) return Recovery::failed;
+    if (!*complete && !journalFits(journal.head, main)) return Recovery::foreign;
+    if (!apply) return *complete ? Recovery::nothing : Recovery::broughtBack;
+    // A complete change may be so in the system's memory alone, when only the process died.
+    const bool done = *complete ? filePort.sync(store.file) : bringBack(journal.regions, journal.head.fileSize);
+    if (!done) return Recovery::failed;
+    retireJournal();
+    return *complete ? Recovery::nothing : Recovery::broughtBack;
+}
+
+// The journal's bytes when they can be a whole one, none when they can't; false when they can't be read.
+bool readJournal(Bytes &bytes) REQUIRES_LOCK(storeLock) {
+    const std::int64_t size = filePort.size(store.journal);
+    if (size < 0) return false;
+    if (static_cast<std::uint64_t>(size) < sizeof(JournalHead)) return true;
+    Bytes read(sizeof(JournalHead));
+    if (!readAll(store.journal, 0, read)) return false;
+    const auto head = decodeJournalHead(read);
+    if (!head || head->bodySize > static_cast<std::uint64_t>(size) - sizeof *head) return true;
+    read.resize(static_cast<std::size_t>(sizeof *head + head->bodySize));
+    if (!readAll(store.journal, 0, read)) return false;
+    bytes = std::move(read);
+    return true;
+}
+
+Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
+    const OpenResult there = filePort.openLocked(storeJournalPath().c_str(), false, store.journal);
+    if (there == OpenResult::absent) return Recovery::nothing;
+    Bytes bytes;
+    if (there != OpenResult::opened || !readJournal(bytes)) return Recovery::unread;
+    const auto journal = decodeJournal(bytes);
+    return journal ? applyJournal(*journal, apply) : Recovery::nothing;
 }
 
 }  // namespace
 
-OpenResult storeFileOpen(const std::string &path) {
+OpenResult storeFileOpen(const std::string &path, bool create) {
     store = {};
     store.path = path;
-    return filePort.openLocked(path.c_str(), true, store.file);
+    return filePort.openLocked(path.c_str(), create, store.file);
 }
 
 void storeFileClose() {
+    if (store.journal != noFile) {
+        if (!store.broken) filePort.remove(storeJournalPath().c_str());
+        filePort.close(store.journal);
+    }
     if (store.file != noFile) filePort.close(store.file);
     store = {};
 }
+
+const std::string &storeFilePath() { return store.path; }
+std::string storeJournalPath() { return store.path + "-journal"; }
 
 std::int64_t storeFileSize() { return filePort.size(store.file); }
 
@@ -99,47 +186,50 @@ bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) {
     return filePort.readAt(store.file, offset, bytes.data(), bytes.size()) == bytes.size();
 }
 
-void changeBegin() { store.steps.clear(); }
-void changeWrite(std::uint64_t offset, Bytes bytes) {
-    store.steps.push_back({StepKind::write, offset, std::move(bytes)});
+void storeFileCut(std::uint64_t size) {
+    if (!store.broken) cutTo(size);
 }
-void changeBarrier() { store.steps.push_back({StepKind::barrier, 0, {}}); }
-void changeCut(std::uint64_t size) { store.steps.push_back({StepKind::cut, size, {}}); }
+
+Recovery storeFileRecover(bool apply) {
+    store.broken = true;  // whatever ends the work half-way leaves the journal
+    const Recovery result = recover(apply);
+    store.broken = !apply || result == Recovery::unread || result == Recovery::failed || result == Recovery::foreign;
+    return result;
+}
+
+std::string storeJournalSetAside() {
+    for (int number = 1; number <= keptJournalLimit; number++) {
+        const std::string kept = storeJournalPath() + ".kept-" + std::to_string(number);
+        int other = noFile;
+        const OpenResult there = filePort.openLocked(kept.c_str(), false, other);
+        if (there == OpenResult::opened) filePort.close(other);
+        if (there != OpenResult::absent) continue;
+        if (!filePort.rename(storeJournalPath().c_str(), kept.c_str()) || !filePort.syncFolder(kept.c_str())) return {};
+        filePort.close(store.journal);
+        store.journal = noFile;
+        store.broken = false;
+        return kept;
+    }
+    return {};
+}
+
+void changeBegin() { store.writes.clear(); }
+void changeWrite(std::uint64_t offset, Bytes bytes) { store.writes.push_back({offset, std::move(bytes)}); }
 
 ChangeResult changeCommit() {
-    changeBarrier();
     if (store.file == noFile || store.broken) return ChangeResult::broken;
-    const std::int64_t size = storeFileSize();
-    std::vector<Step> old;
-    if (size < 0 || !rememberOld(static_cast<std::uint64_t>(size), old)) return ChangeResult::refused;
-    bool atHead = false;
-    for (const Step &step : store.steps) {
-        if (step.kind == StepKind::write) atHead = step.offset == 0;
-        if (perform(step)) continue;
-        store.broken = !bringBack(static_cast<std::uint64_t>(size), old);
-        if (store.broken) return ChangeResult::broken;
-        return atHead ? ChangeResult::headRefused : ChangeResult::refused;
-    }
-    store.steps.clear();
+    const std::int64_t known = storeFileSize();
+    const std::uint64_t size = static_cast<std::uint64_t>(known);
+    std::vector<Region> regions;
+    Bytes oldMain;
+    if (known < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
+    store.writes.clear();
+    if (!openJournal() || !writeJournal(encodeJournal(regions, size, oldMain))) return ChangeResult::refused;
+    for (const Region &region : regions)
+        if (!writeAll(store.file, region.offset, region.now)) return takeBack(regions, size, region.offset == 0);
+    if (!filePort.sync(store.file)) return takeBack(regions, size, false);
+    retireJournal();
     return ChangeResult::done;
-}
-
-bool storeFileKeepCopy() {
-    for (int number = 1; number <= copyLimit; number++) {
-        const std::string path = store.path + ".damaged-" + std::to_string(number);
-        int copy = noFile;
-        // An empty one is what a copy that failed has left.
-        const OpenResult there = filePort.openLocked(path.c_str(), false, copy);
-        const bool usable = there == OpenResult::opened && filePort.size(copy) == 0;
-        if (there == OpenResult::opened && !usable) filePort.close(copy);
-        if (there != OpenResult::failed && !usable) continue;
-        if (!usable && filePort.openLocked(path.c_str(), true, copy) != OpenResult::opened) return false;
-        const bool copied = copyInto(copy);
-        if (!copied) filePort.cut(copy, 0);
-        filePort.close(copy);
-        return copied;
-    }
-    return false;
 }
 
 }  // namespace numalink

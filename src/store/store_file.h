@@ -1,6 +1,12 @@
-// The only file that writes to storage.dat. A change is begun, its writes are handed over in the order in which
-// they are to reach the disk, and it is committed: either all of them are done, or the file is as it was.
+// The only file that writes to storage.dat and to its journal. A change is begun, its writes are handed over in any
+// order, and it is committed: either all of them are on the disk, or the file is as it was, whatever happens meanwhile.
 // Only store/ includes this. The caller holds storeLock throughout.
+//
+// How a change goes, by what is on the disk at each instant:
+//   (1) The journal is written and synced: what the change is going to write over. storage.dat is untouched.
+//   (2) storage.dat is written and synced. Opened from here, the journal brings the old bytes back, unless all the new
+//       ones are there.
+//   (3) The journal's first bytes are wiped. That needs no sync: with it or without, the file is the new one.
 #pragma once
 
 #include <span>
@@ -14,10 +20,27 @@ namespace numalink {
 
 extern Lock storeLock;  // held for the whole length of each public operation of the store
 
-OpenResult storeFileOpen(const std::string &path) REQUIRES_LOCK(storeLock);
-void storeFileClose() REQUIRES_LOCK(storeLock);         // harmless when closed
-std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);  // -1 on failure
+OpenResult storeFileOpen(const std::string &path, bool create) REQUIRES_LOCK(storeLock);
+// Harmless when closed. Removes the journal, unless it is still needed.
+void storeFileClose() REQUIRES_LOCK(storeLock);
+const std::string &storeFilePath() REQUIRES_LOCK(storeLock);
+std::string storeJournalPath() REQUIRES_LOCK(storeLock);
+std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);                                             // -1 on failure
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) REQUIRES_LOCK(storeLock);  // whole or false
+// For bytes that have no meaning, behind the end of the records.
+void storeFileCut(std::uint64_t size) REQUIRES_LOCK(storeLock);
+
+enum class Recovery {
+    nothing,      // no change was interrupted
+    broughtBack,  // one was, and its old bytes are in the file again
+    foreign,      // a journal whose bytes belong to another file: to be set aside, and the file can be used
+    unread,       // there is a journal that can't be read: the file can't be used, as nobody knows what it lacks
+    failed        // the old bytes could not be brought back: the same, and the journal stays
+};
+// Asked once after opening, ahead of any reading. With apply unset nothing is written: broughtBack means would be.
+Recovery storeFileRecover(bool apply) REQUIRES_LOCK(storeLock);
+// Gives the journal another name, which is given; empty when that fails.
+std::string storeJournalSetAside() REQUIRES_LOCK(storeLock);
 
 enum class ChangeResult {
     done,
@@ -27,12 +50,8 @@ enum class ChangeResult {
 };
 
 void changeBegin() REQUIRES_LOCK(storeLock);
-void changeWrite(std::uint64_t offset, Bytes bytes) REQUIRES_LOCK(storeLock);
-void changeBarrier() REQUIRES_LOCK(storeLock);  // what stands ahead is on the disk before what follows
-void changeCut(std::uint64_t size) REQUIRES_LOCK(storeLock);
-ChangeResult changeCommit() REQUIRES_LOCK(storeLock);  // returns when all is on the disk
-
-// Copies the file, as it lies, to the first free name of PATH.damaged-1, PATH.damaged-2 and so on.
-bool storeFileKeepCopy() REQUIRES_LOCK(storeLock);
+void changeWrite(std::uint64_t offset, Bytes bytes) REQUIRES_LOCK(storeLock);  // a later one covers an earlier one
+// Returns when all is on the disk. Throws nothing once the file has been touched.
+ChangeResult changeCommit() REQUIRES_LOCK(storeLock);
 
 }  // namespace numalink

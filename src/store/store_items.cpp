@@ -4,6 +4,7 @@
 
 #include "calculator/program_info.h"
 #include "store/store_changes.h"
+#include "store/undo_steps.h"
 
 namespace numalink {
 
@@ -33,34 +34,10 @@ std::size_t slotToReplace(const NewItem &item, std::string_view name) REQUIRES_L
         [&](const ItemHeader &head) { return head.kind == item.kind && isNamed(head, name, item.parent); });
 }
 
-// A program carries its name in its first payload as well, and both are to be the same.
-void renameProgram(Bytes &head, std::string_view name) {
-    if (head.size() != programInfoSize) return;
-    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
-    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
-}
-
 std::vector<bool> marked(std::size_t slot) REQUIRES_LOCK(storeLock) {
     std::vector<bool> marks(slot == noSlot ? 0 : storeState.slots.size());
     if (slot != noSlot) marks[slot] = true;
     return marks;
-}
-
-// Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.
-void markWithContents(std::vector<bool> &marks, std::size_t first) REQUIRES_LOCK(storeLock) {
-    const std::vector<Slot> &slots = storeState.slots;
-    std::vector<std::size_t> open{first};
-    marks[first] = true;
-    while (!open.empty()) {
-        const ItemHeader &folder = slots[open.back()].head;
-        open.pop_back();
-        if (!isFolderKind(folder.kind)) continue;
-        for (std::size_t slot = 0; slot < slots.size(); slot++) {
-            if (marks[slot] || !slots[slot].sound || slots[slot].head.parent != folder.id) continue;
-            marks[slot] = true;
-            open.push_back(slot);
-        }
-    }
 }
 
 bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock) {
@@ -91,25 +68,6 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
 }
 
-Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock) {
-    const std::size_t slot = slotOfId(id);
-    if (slot == noSlot) return Fault::absent;
-    const ItemHeader &head = storeState.slots[slot].head;
-    const std::uint64_t offset = storeState.main.offsets[slot];
-    ItemHeader inFile{};
-    StoredItem read;
-    static_cast<ItemEntry &>(read) = entryOf(head);
-    read.head.resize(head.headSize);
-    read.data.resize(head.dataSize);
-    const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
-                       storeFileRead(offset + sizeof head, read.head) &&
-                       storeFileRead(offset + sizeof head + head.headSize, read.data);
-    // Another head than the one in memory: somebody has written to the file in spite of its lock.
-    if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
-    item = std::move(read);
-    return Fault::none;
-}
-
 // The first id from this one on that a new item may have, or noItem when all are used up. Passed over is what a record
 // without a folder names as its parent, so that nothing comes to lie in a folder that it never was in, and the id of a
 // record with damage.
@@ -122,13 +80,10 @@ ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
 // Runs one change of an existing record with the lock held, and tells its fault without it.
 template <typename Change>
 bool changeItem(ItemId id, Change change) {
-    Fault fault = Fault::absent;
-    {
-        const HoldLock hold(storeLock);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         const std::size_t slot = slotOfId(id);
-        if (slot != noSlot) fault = change(slot);
-    }
-    return storeTold(fault);
+        return slot == noSlot ? Fault::absent : change(slot);
+    }));
 }
 
 Fault patchOne(std::size_t slot, std::size_t offset, ByteView bytes) REQUIRES_LOCK(storeLock) {
@@ -167,7 +122,9 @@ Fault moveItems(const std::vector<ItemMove> &moves) REQUIRES_LOCK(storeLock) {
         if (const Fault fault = parentFault(slot, move.newParent); fault != Fault::none) return fault;
         patches.push_back(numberPatch(slot, offsetof(ItemHeader, parent), move.newParent));
     }
-    return changeInPlace(patches);
+    const Fault fault = changeInPlace(patches);
+    if (fault == Fault::none) storeState.arrivals++;
+    return fault;
 }
 
 template <typename Fits>
@@ -184,6 +141,76 @@ std::vector<ItemEntry> entriesWhere(Fits fits) {
 
 }  // namespace
 
+void renameProgram(Bytes &head, std::string_view name) {
+    if (head.size() != programInfoSize) return;
+    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
+    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
+}
+
+void markWithContents(std::vector<bool> &marks, std::size_t first) {
+    const std::vector<Slot> &slots = storeState.slots;
+    std::vector<std::size_t> open{first};
+    marks[first] = true;
+    while (!open.empty()) {
+        const ItemHeader &folder = slots[open.back()].head;
+        open.pop_back();
+        if (!isFolderKind(folder.kind)) continue;
+        for (std::size_t slot = 0; slot < slots.size(); slot++) {
+            if (marks[slot] || !slots[slot].sound || slots[slot].head.parent != folder.id) continue;
+            marks[slot] = true;
+            open.push_back(slot);
+        }
+    }
+}
+
+Fault readItem(ItemId id, StoredItem &item) {
+    const std::size_t slot = slotOfId(id);
+    if (slot == noSlot) return Fault::absent;
+    const ItemHeader &head = storeState.slots[slot].head;
+    const std::uint64_t offset = storeState.main.offsets[slot];
+    ItemHeader inFile{};
+    StoredItem read;
+    static_cast<ItemEntry &>(read) = entryOf(head);
+    read.head.resize(head.headSize);
+    read.data.resize(head.dataSize);
+    const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
+                       storeFileRead(offset + sizeof head, read.head) &&
+                       storeFileRead(offset + sizeof head + head.headSize, read.data);
+    // Another head than the one in memory: somebody has written to the file in spite of its lock.
+    if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
+    item = std::move(read);
+    return Fault::none;
+}
+
+Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) {
+    std::vector<bool> marks(storeState.slots.size());
+    for (const ItemId id : leaving) {
+        const std::size_t slot = slotOfId(id);
+        if (slot == noSlot) return Fault::absent;
+        marks[slot] = true;
+    }
+    std::vector<NewRecord> records;
+    std::vector<ItemId> folders;
+    ItemId nextId = storeState.main.nextId;
+    for (const StoredItem &item : items) {
+        const auto hasId = [&](const NewRecord &record) { return record.head.id == item.id; };
+        const std::size_t slot = slotOfId(item.id);
+        const bool taken = (slot != noSlot && !marks[slot]) || std::ranges::any_of(records, hasId);
+        if (taken || item.id <= rootId || item.id == noItem) return Fault::absent;
+        if (!isFolderId(item.parent) && std::ranges::find(folders, item.parent) == folders.end())
+            return Fault::noFolder;
+        const NewItem made{.name = item.name, .parent = item.parent, .kind = item.kind, .head = {}, .data = {}};
+        ItemHeader head = makeHead(made, storedName(item.name), item.id);
+        head.flags = item.flags;
+        head.headSize = static_cast<std::uint32_t>(item.head.size());
+        head.dataSize = static_cast<std::uint32_t>(item.data.size());
+        records.push_back({head, item.head, item.data});
+        if (isFolderKind(item.kind)) folders.push_back(item.id);
+        nextId = std::max(nextId, item.id + 1);
+    }
+    return changeRecords(marks, records, nextId);
+}
+
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     id = noItem;
     if (!storeState.open) return Fault::absent;
@@ -199,11 +226,38 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
         if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
     }
     const NewRecord record{makeHead(item, name, newId), head, item.data};
+    UndoStep step;
+    if (replaced != noSlot) {
+        if (const Fault fault = undoStepFor(replaced, step); fault != Fault::none) return fault;
+        step.cameInstead.push_back({newId, digestOf(head, item.data)});
+    }
     const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
+    keepUndoStep(std::move(step));
     id = newId;
-    if (renamed) *renamed = name;
+    if (renamed) *renamed = std::move(name);
     return Fault::none;
+}
+
+Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) {
+    std::vector<NewRecord> records;
+    ItemId nextId = storeState.main.nextId;
+    for (const std::string_view name : names) {
+        const ItemId newId = freshId(nextId);
+        if (newId == noItem) return Fault::full;
+        const NewItem folder{.name = records.empty() ? freeName(name, parent, kind::folder) : std::string(name),
+                             .parent = parent,
+                             .kind = kind::folder,
+                             .head = {},
+                             .data = {},
+                             .flags = folderOpenFlag};
+        records.push_back({makeHead(folder, folder.name, newId), {}, {}});
+        parent = newId;
+        nextId = newId + 1;
+    }
+    const Fault fault = changeRecords({}, records, nextId);
+    if (fault == Fault::none) id = parent;
+    return fault;
 }
 
 Fault resetTemp() {
@@ -219,6 +273,17 @@ Fault resetTemp() {
     return changeRecords(leaving, {&record, 1}, id + 1);
 }
 
+bool tempIsFresh() {
+    const Slot *temp = nullptr;
+    for (const Slot &slot : storeState.slots) {
+        if (!slot.sound || slot.head.kind != kind::temporaryFolder) continue;
+        if (temp != nullptr || slot.head.parent != rootId) return false;
+        temp = &slot;
+    }
+    return temp != nullptr &&
+           std::ranges::none_of(storeState.slots, [&](const Slot &slot) { return slot.head.parent == temp->head.id; });
+}
+
 int storeFindSlot(ItemId id) {
     const HoldLock hold(storeLock);
     return static_cast<int>(slotOfId(id));
@@ -231,12 +296,7 @@ std::optional<ItemEntry> storeReadEntry(ItemId id) {
 }
 
 bool storeReadItem(ItemId id, StoredItem &item) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = readItem(id, item);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return readItem(id, item); }));
 }
 
 std::vector<ItemEntry> storeListItems() {
@@ -254,33 +314,18 @@ ItemId storeNextId() {
 
 ItemId storeAddItem(const NewItem &item, std::string *renamed) {
     ItemId id = noItem;
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = addItem(item, id, renamed);
-    }
-    storeTold(fault);
+    storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItem(item, id, renamed); }));
     return id;
 }
 
 std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items) {
     std::vector<ItemId> ids;
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = addItems(items, ids);
-    }
-    if (!storeTold(fault)) ids.clear();
+    if (!storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItems(items, ids); }))) ids.clear();
     return ids;
 }
 
 bool storeWriteItem(ItemId id, const NewItem &item) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = writeItem(id, item);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return writeItem(id, item); }));
 }
 
 bool storeRewriteHead(ItemId id, ByteView head) {
@@ -290,23 +335,25 @@ bool storeRewriteHead(ItemId id, ByteView head) {
     });
 }
 
-bool storeRename(ItemId id, std::string_view name) {
+bool storeRename(ItemId id, std::string_view name, ByteView head) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
-        std::uint8_t field[sizeof(ItemHeader::name)] = {};
-        std::ranges::copy(storedName(name), field);
-        return patchOne(slot, offsetof(ItemHeader, name), field);
+        if (!head.empty() && head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
+        Bytes field(sizeof(ItemHeader::name));
+        std::ranges::copy(storedName(name), field.begin());
+        const Patch patches[] = {{slot, offsetof(ItemHeader, name), std::move(field)},
+                                 {slot, sizeof(ItemHeader), {head.begin(), head.end()}}};
+        return changeInPlace(patches);
     });
+}
+
+bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) {
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return putBack(items, leaving); }));
 }
 
 bool storeMove(ItemId id, ItemId newParent) { return storeMoveItems({{id, newParent}}); }
 
 bool storeMoveItems(const std::vector<ItemMove> &moves) {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = moveItems(moves);
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems(moves); }));
 }
 
 bool storeSetFlags(ItemId id, std::uint32_t value) {
@@ -323,9 +370,13 @@ std::uint32_t storeGetFlags(ItemId id) {
 
 bool storeDelete(ItemId id) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        UndoStep step;
+        if (const Fault fault = undoStepFor(slot, step); fault != Fault::none) return fault;
         std::vector<bool> leaving(storeState.slots.size());
         markWithContents(leaving, slot);
-        return changeRecords(leaving, {}, storeState.main.nextId);
+        const Fault fault = changeRecords(leaving, {}, storeState.main.nextId);
+        if (fault == Fault::none) keepUndoStep(std::move(step));
+        return fault;
     });
 }
 

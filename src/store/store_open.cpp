@@ -6,6 +6,8 @@
 #include "settings/tell_user.h"
 #include "store/store_changes.h"
 #include "store/store_check.h"
+#include "store/store_copy.h"
+#include "store/undo_steps.h"
 
 namespace numalink {
 
@@ -50,15 +52,30 @@ std::string storePath() { return libraryFolder() + "storage.dat"; }
 // What came of opening, for telling once the lock is free.
 struct Opening {
     OpenResult file = OpenResult::failed;
+    Recovery recovery = Recovery::nothing;
+    std::string journal;       // its path; where it was set aside
     bool isNew = false;        // an empty file, which gets its head
     std::uint32_t damage = 0;  // places
+    std::ptrdiff_t lost = 0;   // records among them
     Fault resetFault = Fault::none;
 };
 
+// Takes an interrupted change back. False when the file can't be used.
+bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
+    opening.recovery = storeFileRecover(true);
+    opening.journal = storeJournalPath();
+    if (opening.recovery != Recovery::foreign)
+        return opening.recovery != Recovery::unread && opening.recovery != Recovery::failed;
+    const std::string kept = storeJournalSetAside();
+    opening.recovery = kept.empty() ? Recovery::failed : Recovery::foreign;
+    if (!kept.empty()) opening.journal = kept;
+    return !kept.empty();
+}
+
 // The text number of what keeps the file from being used, or 0.
 int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
-    opening.file = storeFileOpen(storePath());
-    if (opening.file != OpenResult::opened) return textCannotOpen;
+    opening.file = storeFileOpen(storePath(), true);
+    if (opening.file != OpenResult::opened || !recoverFile(opening)) return textCannotOpen;
     const std::int64_t size = storeFileSize();
     if (size < 0) return textHeadTooShort;
     opening.isNew = size == 0;
@@ -66,17 +83,28 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     readSlots();
     opening.damage =
         opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
+    opening.lost = std::ranges::count(storeState.slots, false, &Slot::sound);
     storeState.main.itemCount = static_cast<std::uint32_t>(storeState.slots.size());
     storeState.main.nextId = safeNextId(storeState.main, storeState.slots);
     storeState.damaged = opening.damage > 0;
     storeState.open = true;
-    if (!opening.isNew && opening.damage == 0) opening.resetFault = resetTemp();
+    // A start alone changes nothing, so that the daily copies are of days with changes.
+    if (!opening.isNew && opening.damage == 0 && !tempIsFresh()) opening.resetFault = resetTemp();
     return 0;
+}
+
+void letGo() {
+    const HoldLock hold(storeLock);
+    storeFileClose();
+    storeState = {};
+    forgetUndoSteps();
 }
 
 bool tellNotOpened(int textNumber, const Opening &opening) {
     const bool held = opening.file == OpenResult::heldByAnother;
-    if (textNumber == textCannotOpen)
+    if (opening.recovery == Recovery::unread || opening.recovery == Recovery::failed)
+        tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
+    else if (textNumber == textCannotOpen)
         tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
     else if (opening.isNew)
         tellMore(textNumber, OwnText::storeNotWritten, {});
@@ -90,36 +118,29 @@ bool tellNotOpened(int textNumber, const Opening &opening) {
 bool storeOpen() {
     int textNumber = 0;
     Opening opening;
-    {
-        const HoldLock hold(storeLock);
-        if (storeState.open) return true;
+    const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+        if (storeState.open) return Fault::none;
+        textNumber = textCannotOpen;  // unless it comes to an end
         textNumber = openFile(opening);
-        if (textNumber != 0) {
-            storeFileClose();
-            storeState = {};
-        }
-    }
+        return Fault::none;
+    });
+    if (textNumber != 0) letGo();
+    if (fault != Fault::none) return storeTold(fault);
     if (textNumber != 0) return tellNotOpened(textNumber, opening);
-    if (opening.damage > 0) tellMore(textDamaged, OwnText::storeDamageCount, {std::to_string(opening.damage)});
+    if (opening.recovery == Recovery::foreign) tellUser(OwnText::storeJournalSetAside, {opening.journal});
+    if (opening.damage > 0)
+        tellMore(textDamaged, OwnText::storeDamageCount,
+                 {std::to_string(opening.damage), std::to_string(opening.lost)});
     storeTold(opening.resetFault);  // the library is usable all the same
     return true;
 }
 
 void storeClose() {
-    Fault fault = Fault::none;
     {
         const HoldLock hold(storeLock);
-        if (!storeState.open) return;
-        if (!storeState.damaged) {
-            changeBegin();
-            changeWrite(0, bytesOf(storeState.main));
-            changeCut(storeState.main.endOffset);
-            fault = faultOf(changeCommit());
-        }
-        storeFileClose();
-        storeState = {};
+        if (storeState.open && !storeState.damaged) storeFileCut(storeState.main.endOffset);
     }
-    storeTold(fault);
+    letGo();
 }
 
 bool storeIsOpen() {
@@ -128,12 +149,14 @@ bool storeIsOpen() {
 }
 
 bool storeWriteHead() {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = changeHead();
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return changeHead(); }));
+}
+
+bool storeCopyTo(const std::string &path) {
+    return withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+               if (!storeState.open) return Fault::absent;
+               return storeFileCopyTo(path) ? Fault::none : Fault::notCopied;
+           }) == Fault::none;
 }
 
 bool storeIsDamaged() {

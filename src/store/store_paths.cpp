@@ -35,18 +35,18 @@ std::string_view takeComponent(std::string_view &path) {
 }
 
 Fault resolvePath(std::string_view path, bool create, ItemId &id) REQUIRES_LOCK(storeLock) {
-    id = rootId;
+    ItemId parent = rootId;
+    std::vector<std::string_view> missing;  // from the first name that isn't there
     while (!path.empty()) {
         const std::string_view name = takeComponent(path);
         if (name.empty()) continue;  // two "/" side by side name nothing
-        const ItemId parent = id;
-        id = folderNamed(name, parent);
-        if (id != noItem) continue;
-        if (!create) return Fault::absent;
-        const Fault fault = addItem(newFolder(name, parent, kind::folder), id);
-        if (fault != Fault::none) return fault;
+        const ItemId found = missing.empty() ? folderNamed(name, parent) : noItem;
+        if (found == noItem) missing.push_back(name);
+        if (found != noItem) parent = found;
     }
-    return Fault::none;
+    if (missing.empty()) id = parent;
+    if (missing.empty()) return Fault::none;
+    return create ? addFolders(parent, missing, id) : Fault::absent;
 }
 
 std::size_t slotOfKind(ItemKind itemKind) REQUIRES_LOCK(storeLock) {
@@ -76,12 +76,7 @@ Fault tempFolder(ItemId &id) REQUIRES_LOCK(storeLock) {
 template <typename Find>
 ItemId foundOrTold(Find find) {
     ItemId id = noItem;
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = find(id);
-    }
-    return storeTold(fault) ? id : noItem;
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return find(id); })) ? id : noItem;
 }
 
 }  // namespace
@@ -113,12 +108,7 @@ ItemId storeTempFolder() {
 }
 
 bool storeResetTemp() {
-    Fault fault = Fault::none;
-    {
-        const HoldLock hold(storeLock);
-        fault = resetTemp();
-    }
-    return storeTold(fault);
+    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
 }
 
 }  // namespace numalink

@@ -23,6 +23,7 @@ constexpr FaultText faultTexts[] = {
     {Fault::broken, OwnText::storeBroken},
     {Fault::itemUnread, OwnText::storeItemUnread},
     {Fault::notCopied, OwnText::storeNotCopied},
+    {Fault::noMemory, OwnText::storeNoMemory},
 };
 constexpr int textOfHeadNotWritten = 37;
 
@@ -33,9 +34,13 @@ std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? progr
 
 bool storeTold(Fault fault) {
     if (fault == Fault::none) return true;
-    if (fault == Fault::headNotWritten) return failWith(textOfHeadNotWritten);
-    for (const FaultText &row : faultTexts)
-        if (row.fault == fault) return failWith(row.text);
+    try {
+        if (fault == Fault::headNotWritten) return failWith(textOfHeadNotWritten);
+        for (const FaultText &row : faultTexts)
+            if (row.fault == fault) return failWith(row.text);
+    } catch (const std::bad_alloc &) {
+        // Without memory for a box the caller's false is all that tells.
+    }
     return false;
 }
 

@@ -7,6 +7,7 @@
 //   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset.
 #pragma once
 
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -27,6 +28,7 @@ struct StoreState {
     bool copied = false;   // the damaged file has been copied, so it may be changed
     MainHeader main{};
     std::vector<Slot> slots;
+    std::uint64_t arrivals = 0;  // changes of what there is and where it lies, counted since the program began
 };
 extern StoreState storeState GUARDED_BY(storeLock);
 
@@ -43,11 +45,23 @@ enum class Fault {
     broken,
     itemUnread,
     notCopied,
+    noMemory,
     wrongSize
 };
 
 // True for none; else tells the cause and gives false. Called with the lock free.
 bool storeTold(Fault fault);
+
+// Runs an operation with the lock held for its whole length. Memory that doesn't suffice is a fault like any other.
+template <typename Operation>
+Fault withStoreLocked(Operation operation) {
+    const HoldLock hold(storeLock);
+    try {
+        return operation();
+    } catch (const std::bad_alloc &) {
+        return Fault::noMemory;
+    }
+}
 
 inline constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
 
@@ -75,6 +89,15 @@ bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent);
 std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) REQUIRES_LOCK(storeLock);
 
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
+// Folders one within the other, the first of them under parent; id is the last one's.
+Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) REQUIRES_LOCK(storeLock);
 Fault resetTemp() REQUIRES_LOCK(storeLock);
+bool tempIsFresh() REQUIRES_LOCK(storeLock);  // one temporary folder at the top, and nothing in it
+Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock);
+// Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.
+void markWithContents(std::vector<bool> &marks, std::size_t first) REQUIRES_LOCK(storeLock);
+// A program carries its name in its first payload as well, and both are to be the same.
+void renameProgram(Bytes &head, std::string_view name);
+Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) REQUIRES_LOCK(storeLock);
 
 }  // namespace numalink

@@ -59,7 +59,7 @@ TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
     const ScratchFolder folder;
     const std::string path = folder.path + "file";
     int first = -1, second = -1;
-    EXPECT_EQ(systemFilePort.openLocked(path.c_str(), false, first), OpenResult::failed);
+    EXPECT_EQ(systemFilePort.openLocked(path.c_str(), false, first), OpenResult::absent);
     ASSERT_EQ(systemFilePort.openLocked(path.c_str(), true, first), OpenResult::opened);
     EXPECT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::heldByAnother);
     EXPECT_EQ(systemFilePort.openLocked(folder.path.c_str(), true, second), OpenResult::failed);
@@ -75,8 +75,12 @@ TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
     EXPECT_TRUE(systemFilePort.sync(first));
     EXPECT_EQ(systemFilePort.size(first), 5);
     systemFilePort.close(first);
-    ASSERT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::opened);
+    const std::string other = folder.path + "other";
+    EXPECT_TRUE(systemFilePort.rename(path.c_str(), other.c_str()) && systemFilePort.syncFolder(other.c_str()));
+    EXPECT_FALSE(systemFilePort.remove(path.c_str()));
+    ASSERT_EQ(systemFilePort.openLocked(other.c_str(), false, second), OpenResult::opened);
     systemFilePort.close(second);
+    EXPECT_TRUE(systemFilePort.remove(other.c_str()));
 }
 
 }  // namespace

@@ -84,11 +84,12 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
         {"end too low", 24, 8032, {2, 3, 4, 5, 6}},
         {"end outside the file", 24, 100000, {2, 3, 4, 5, 6}},
         {"more items than slots", 20, 2001, {2, 3, 4, 5, 6}},
-        {"more items than there are", 20, 6, {2, 3, 4, 5, 6}},
+        {"offset outside the file, of the last", 28 + 4 * 4, 0xFFFFFFFF, {2, 3, 4, 5}},
     };
     for (const Case &damage : cases) {
         SCOPED_TRACE(damage.what);
-        EXPECT_THAT(openWith(damage.offset, damage.number), ElementsAre("box 36 / 2 1"));
+        EXPECT_THAT(openWith(damage.offset, damage.number),
+                    ElementsAre("box 36 / 2 1 " + std::to_string(5 - damage.sound.size())));
         EXPECT_TRUE(opened && storeIsDamaged());
         EXPECT_EQ(ids(), damage.sound) << "and no temp folder was made";
         const Bytes before = file();
@@ -96,7 +97,7 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
         EXPECT_EQ(file(), before) << "nothing is written unless something changes";
         EXPECT_EQ(memoryDisk.files.size(), 1U);
     }
-    EXPECT_THAT(openWith(folder + 88, 6), ElementsAre("box 36 / 2 2")) << "a circle of two folders";
+    EXPECT_THAT(openWith(folder + 88, 6), ElementsAre("box 36 / 2 2 0")) << "a circle of two folders";
     EXPECT_EQ(ids(), (std::vector<ItemId>{2, 3, 4, 5, 6}));
     Bytes endless = sound;
     std::fill_n(endless.begin() + first + 15, 53, std::uint8_t{'n'});
@@ -112,11 +113,11 @@ TEST_F(DamagedStore, ACopyComesBeforeTheFirstChangeAndUnreadBytesStay) {
     ASSERT_TRUE(storeDelete(5));
     ASSERT_TRUE(storeWriteItem(added, item("N", kind::program, 3, {1}, {3})));
     ASSERT_TRUE(storeResetTemp());
-    EXPECT_EQ(memoryDisk.files.size(), 2U) << "one copy a run";
+    EXPECT_EQ(memoryDisk.files.size(), 3U) << "one copy a run, and the journal";
     EXPECT_TRUE(std::equal(damaged.begin() + 8032, damaged.end(), file().begin() + 8032)) << "no record was moved";
     storeClose();
     EXPECT_TRUE(storeOpen());
-    EXPECT_EQ(uiRecord.lines.back(), "box 36 / 2 1");
+    EXPECT_EQ(uiRecord.lines.back(), "box 36 / 2 1 1");
     EXPECT_EQ(ids(), (std::vector<ItemId>{3, 6, added, added + 1}));
     EXPECT_EQ(read(added).data, Bytes{3});
     ASSERT_TRUE(storeRename(added, "M"));

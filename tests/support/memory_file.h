@@ -15,7 +15,7 @@ namespace numalink {
 struct MemoryDisk {
     std::map<std::string, Bytes> files;
     std::vector<std::string> openFiles;  // path by file number; empty when closed
-    int operations = 0;                  // writes, cuts and syncs so far
+    int operations = 0;                  // writes, cuts, syncs, renames and removals so far
     int failingFrom = 0;                 // the first of them that fails, counted from 1; 0 for none
     int failingCount = 0;                // how many fail
     std::uint64_t writtenBytes = 0;
@@ -34,7 +34,7 @@ inline bool fails() {
 
 inline OpenResult openLocked(const char *path, bool create, int &file) {
     if (std::ranges::find(memoryDisk.openFiles, path) != memoryDisk.openFiles.end()) return OpenResult::heldByAnother;
-    if (!create && !memoryDisk.files.contains(path)) return OpenResult::failed;
+    if (!create && !memoryDisk.files.contains(path)) return OpenResult::absent;
     memoryDisk.files[path];
     memoryDisk.openFiles.emplace_back(path);
     file = static_cast<int>(memoryDisk.openFiles.size()) - 1;
@@ -65,6 +65,12 @@ inline bool cut(int file, std::uint64_t size) {
     return true;
 }
 
+inline bool rename(const char *from, const char *to) {
+    if (fails() || !memoryDisk.files.contains(from)) return false;
+    memoryDisk.files[to] = std::move(memoryDisk.files[from]);
+    return memoryDisk.files.erase(from) > 0;
+}
+
 }  // namespace memoryFile
 
 inline constexpr FilePort memoryFilePort = {
@@ -75,6 +81,9 @@ inline constexpr FilePort memoryFilePort = {
     .cut = memoryFile::cut,
     .sync = [](int) { return !memoryFile::fails(); },
     .close = [](int file) { memoryDisk.openFiles[static_cast<std::size_t>(file)].clear(); },
+    .remove = [](const char *path) { return !memoryFile::fails() && memoryDisk.files.erase(path) > 0; },
+    .rename = memoryFile::rename,
+    .syncFolder = [](const char *) { return !memoryFile::fails(); },
 };
 
 // An empty disk in memory in place of the system's for the life of the object.

@@ -1,0 +1,87 @@
+#include "shell/undo_menu.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPlainTextEdit>
+
+#include "calculator/charset.h"
+#include "settings/tell_user.h"
+#include "shell/command_table.h"
+#include "shell/emulator_window.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/menus.h"
+#include "shell/program_view.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "store/store_undo.h"
+
+namespace numalink {
+
+namespace {
+
+bool isTyping() { return programEdit->isVisible() && programEdit->hasFocus(); }
+
+// The view is left first, as ahead of a deletion: it may be of an item that goes.
+void changeLibrary(bool (*change)(ItemId &), const std::string &message) {
+    if (!leaveCurrentView()) return;
+    ItemId shown = noItem;
+    const bool changed = change(shown);
+    refreshTree();
+    if (changed && shown != noItem) selectItem(shown);
+    if (changed) userInterface.statusText(StatusPart::item, 0, message);
+    treeView->setFocus();
+}
+
+void undo() {
+    if (emulatorRunning) return;
+    if (isTyping()) return undoInProgram();
+    const auto offer = storeUndoOffer();
+    if (!offer) return statusLine(StatusPart::item, OwnText::nothingToUndo);
+    changeLibrary(storeUndo,
+                  ownText(OwnText::itemsCameBack, {utf8FromCalculator(offer->name), std::to_string(offer->count)}));
+}
+
+void redo() {
+    if (emulatorRunning) return;
+    if (isTyping()) return redoInProgram();
+    if (!storeCanRedo()) return statusLine(StatusPart::item, OwnText::nothingToRedo);
+    changeLibrary(storeRedo, "");
+}
+
+QString undoWords() {
+    const auto offer = storeUndoOffer();
+    if (isTyping() || !offer) return textOf(OwnText::undo);
+    QString name = QString::fromStdString(utf8FromCalculator(offer->name));
+    name.replace(QLatin1Char('&'), QLatin1String("&&"));
+    return textOf(offer->replacement ? OwnText::undoReplacement : OwnText::undoDeletion, {name.toStdString()});
+}
+
+}  // namespace
+
+void buildUndoMenu() {
+    QMenu *menu = menuAt(static_cast<int>(MenuPosition::edit));
+    auto *undoAction = new QAction(textOf(OwnText::undo), menu);
+    auto *redoAction = new QAction(textOf(OwnText::redo), menu);
+    undoAction->setObjectName(QStringLiteral("undoAction"));
+    redoAction->setObjectName(QStringLiteral("redoAction"));
+    undoAction->setShortcut(QKeySequence::Undo);
+    redoAction->setShortcuts(QKeySequence::Redo);
+    QAction *first = menu->actions().value(0);
+    menu->insertActions(first, {undoAction, redoAction});
+    menu->insertSeparator(first);
+    QObject::connect(undoAction, &QAction::triggered, menu, undo);
+    QObject::connect(redoAction, &QAction::triggered, menu, redo);
+    // By name while the menu is open; its keys always work, and say so when there is nothing.
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [undoAction, redoAction] {
+        undoAction->setText(undoWords());
+        undoAction->setEnabled(isTyping() || storeUndoOffer());
+        redoAction->setEnabled(isTyping() || storeCanRedo());
+    });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [undoAction, redoAction] {
+        undoAction->setEnabled(true);
+        redoAction->setEnabled(true);
+    });
+}
+
+}  // namespace numalink

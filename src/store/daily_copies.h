@@ -1,0 +1,18 @@
+// Copies of the library in the folder backups/ beside it, storage-YYYY-MM-DD.dat: one a day, of the last ten days on
+// which the library had changed. To bring one back, put it in the place of storage.dat while the program isn't running.
+#pragma once
+
+#include <string>
+
+namespace numalink {
+
+inline constexpr std::size_t dailyCopyLimit = 10;
+
+std::string dailyCopyFolder();
+
+// Makes today's copy when there is none and the library differs from the newest; copies beyond the limit go, the oldest
+// first. Of a damaged library none is made, so that the sound ones stay. False when it can't be made (not told). After
+// storeOpen, any thread.
+bool keepDailyCopy();
+
+}  // namespace numalink

@@ -1,0 +1,29 @@
+// What the operations hand over to be taken back later. Only store/ includes this. The caller holds storeLock.
+#pragma once
+
+#include <vector>
+
+#include "store/store_state.h"
+
+namespace numalink {
+
+// An item by what it held at the time, so that one that was changed since is told apart.
+struct ItemDigest {
+    ItemId id = noItem;
+    std::uint64_t digest = 0;
+};
+std::uint64_t digestOf(ByteView head, ByteView data);
+
+struct UndoStep {
+    std::uint64_t group = 0;
+    std::vector<StoredItem> items;  // what left; a folder stands ahead of what it holds
+    std::vector<ItemDigest> cameInstead;
+};
+
+// Reads the record with all that it holds. Of the temporary folder nothing is kept. To be asked ahead of the change,
+// which is refused when this is.
+Fault undoStepFor(std::size_t slot, UndoStep &step) REQUIRES_LOCK(storeLock);
+void keepUndoStep(UndoStep step) REQUIRES_LOCK(storeLock);  // once the change is done; allocates nothing
+void forgetUndoSteps() REQUIRES_LOCK(storeLock);
+
+}  // namespace numalink

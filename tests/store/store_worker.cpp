@@ -1,0 +1,120 @@
+#include "store/store_worker.h"
+
+#include <cstdlib>
+
+namespace numalink {
+
+namespace {
+
+constexpr std::size_t crowd = 24;  // items from which on folders go
+
+std::uint32_t below(Random &random, std::size_t limit) { return static_cast<std::uint32_t>(random() % limit); }
+
+Bytes someBytes(Random &random, std::size_t limit) {
+    return Bytes(below(random, limit), static_cast<std::uint8_t>(random()));
+}
+
+NewItem someItem(Random &random, ItemId parent) {
+    constexpr ItemKind kinds[] = {kind::program, kind::matrix, kind::list, kind::folder};
+    NewItem item;
+    item.name = std::string(1, static_cast<char>('A' + below(random, 6)));
+    item.parent = parent;
+    item.kind = kinds[below(random, 4)];
+    if (!isFolderKind(item.kind)) item.head = someBytes(random, 40);
+    if (!isFolderKind(item.kind)) item.data = someBytes(random, random() % 4 == 0 ? 3000 : 60);
+    item.whenTaken = static_cast<NameTaken>(below(random, 3));
+    return item;
+}
+
+struct Scene {
+    std::vector<ItemEntry> items;
+    std::vector<ItemId> folders{rootId};
+};
+
+Scene sceneNow() {
+    Scene scene{storeListItems()};
+    for (const ItemEntry &entry : scene.items)
+        if (isFolderKind(entry.kind)) scene.folders.push_back(entry.id);
+    return scene;
+}
+
+bool moveSeveral(Random &random, const Scene &scene) {
+    std::vector<ItemMove> moves;
+    for (const ItemEntry &entry : scene.items)
+        if (!isFolderKind(entry.kind) && random() % 2 == 0)
+            moves.push_back({entry.id, scene.folders[below(random, scene.folders.size())]});
+    return storeMoveItems(moves);
+}
+
+// A change as taking back makes it: the item goes and comes back under its own id, with another name.
+bool putBackRenamed(ItemId id) {
+    StoredItem item;
+    if (!storeReadItem(id, item)) return false;
+    item.name += "b";
+    return storePutBack({item}, {id});
+}
+
+bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId folder) {
+    switch (below(random, 12)) {
+        case 0:
+            return storeWriteItem(chosen.id, someItem(random, folder));
+        case 1:
+            return storeDelete(chosen.id);
+        case 2:
+            return storeMove(chosen.id, folder);
+        case 3:
+            return moveSeveral(random, scene);
+        case 4:
+            return storeRename(chosen.id, std::string(below(random, 50), 'r'), Bytes(chosen.headSize, 9));
+        case 5:
+            return storeSetFlags(chosen.id, below(random, 2));
+        case 6:
+            return storeRewriteHead(chosen.id, Bytes(chosen.headSize, static_cast<std::uint8_t>(random())));
+        case 7:
+            return storeResetTemp();
+        case 8:
+            return storeResolvePath(std::string("/") + static_cast<char>('A' + below(random, 26)) + "/X/Y/", true) !=
+                   noItem;
+        case 9:
+            storeClose();
+            return storeOpen();
+        case 10:
+            return putBackRenamed(chosen.id);
+        default:
+            return !storeAddItems({someItem(random, folder), someItem(random, rootId)}).empty();
+    }
+}
+
+}  // namespace
+
+LibraryState libraryState() {
+    LibraryState state;
+    std::vector<ItemId> left{rootId};  // folders that are still to be looked through
+    while (!left.empty()) {
+        const std::vector<ItemEntry> children = storeListChildren(left.back());
+        left.pop_back();
+        for (const ItemEntry &entry : children) {
+            if (entry.kind == kind::temporaryFolder) continue;
+            EXPECT_TRUE(storeReadItem(entry.id, state.emplace_back())) << entry.id;
+            if (isFolderKind(entry.kind)) left.push_back(entry.id);
+        }
+    }
+    return state;
+}
+
+bool workOnce(Random &random) {
+    const Scene scene = sceneNow();
+    const ItemId folder = scene.folders[below(random, scene.folders.size())];
+    if (scene.items.size() > crowd)
+        return storeDelete(scene.folders.back() == rootId ? scene.items.back().id
+                                                          : scene.folders[below(random, scene.folders.size() - 1) + 1]);
+    if (scene.items.empty() || random() % 3 == 0) return storeAddItem(someItem(random, folder)) != noItem;
+    return workOn(random, scene, scene.items[below(random, scene.items.size())], folder);
+}
+
+int countFromEnvironment(const char *variable, int otherwise) {
+    const char *count = std::getenv(variable);
+    return count ? std::atoi(count) : otherwise;
+}
+
+}  // namespace numalink
