@@ -1,0 +1,36 @@
+#include "store/failing_memory.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local int left = 0;
+thread_local bool failsForGood = false;
+thread_local bool failed = false;
+
+}  // namespace
+
+void *operator new(std::size_t size) {
+    if (left > 0 && --left == 0) {
+        failed = true;
+        if (failsForGood) left = 1;
+        throw std::bad_alloc();
+    }
+    if (void *memory = std::malloc(size > 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void *memory) noexcept { std::free(memory); }
+void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
+
+namespace numalink {
+
+void failMemory(int n, bool forGood) {
+    left = n;
+    failsForGood = forGood;
+    if (n > 0) failed = false;
+}
+
+bool memoryHasFailed() { return failed; }
+
+}  // namespace numalink
