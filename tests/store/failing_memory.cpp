@@ -11,13 +11,14 @@ thread_local bool failed = false;
 
 }  // namespace
 
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    const bool fails = left > 0 && --left == 0;
+    if (fails && failsForGood) left = 1;
+    if (fails) failed = true;
+    return fails ? nullptr : std::malloc(size > 0 ? size : 1);
+}
 void *operator new(std::size_t size) {
-    if (left > 0 && --left == 0) {
-        failed = true;
-        if (failsForGood) left = 1;
-        throw std::bad_alloc();
-    }
-    if (void *memory = std::malloc(size > 0 ? size : 1)) return memory;
+    if (void *memory = operator new(size, std::nothrow)) return memory;
     throw std::bad_alloc();
 }
 void operator delete(void *memory) noexcept { std::free(memory); }
@@ -32,5 +33,8 @@ void failMemory(int n, bool forGood) {
 }
 
 bool memoryHasFailed() { return failed; }
+
+SpareMemory::SpareMemory() : kept(left) { left = 0; }
+SpareMemory::~SpareMemory() { left = kept; }
 
 }  // namespace numalink

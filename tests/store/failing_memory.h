@@ -8,4 +8,14 @@ void failMemory(int n, bool forGood);
 // Whether it came to that.
 bool memoryHasFailed();
 
+// While such an object lives, allocations are neither counted nor fail.
+struct SpareMemory {
+    SpareMemory();
+    ~SpareMemory();
+    SpareMemory(const SpareMemory &) = delete;
+    SpareMemory &operator=(const SpareMemory &) = delete;
+
+    int kept;
+};
+
 }  // namespace numalink
