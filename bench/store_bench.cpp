@@ -1,6 +1,5 @@
 // The library at its full 2,000 items: processor time of opening with a list, and of each operation, beside the
-// same bytes moved plainly. The disk is one in memory, so that the system's share isn't counted; replaceFirstOnDisk
-// has the system's, without waiting for the disk itself.
+// same bytes moved plainly. There the disk is one in memory, so that the system's share isn't counted.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -86,19 +85,6 @@ void replaceFirst(benchmark::State &state) {
     replaceEachFirst(state, library);
 }
 
-void replaceFirstOnDisk(benchmark::State &state) {
-    filePort = systemFilePort;
-    filePort.sync = [](int) { return true; };
-    std::string folder = (std::filesystem::temp_directory_path() / "numalink-bench-XXXXXX").string();
-    if (!mkdtemp(folder.data())) return state.SkipWithError("no folder to work in");
-    {
-        const FullLibrary library(folder + "/");
-        replaceEachFirst(state, library);
-    }
-    std::filesystem::remove_all(folder);
-    filePort = systemFilePort;
-}
-
 void deleteFirst(benchmark::State &state) {
     const MemoryFiles disk;
     const FullLibrary library;
@@ -128,7 +114,6 @@ BENCHMARK(openAndList)->Unit(benchmark::kMicrosecond);
 BENCHMARK(findByPath)->Unit(benchmark::kMicrosecond);
 BENCHMARK(addThenDeleteLast)->Unit(benchmark::kMicrosecond);
 BENCHMARK(replaceFirst)->Unit(benchmark::kMicrosecond);
-BENCHMARK(replaceFirstOnDisk)->Unit(benchmark::kMicrosecond);
 BENCHMARK(deleteFirst)->Unit(benchmark::kMicrosecond);
 BENCHMARK(plainMoveOfTheFile)->Unit(benchmark::kMicrosecond);
 

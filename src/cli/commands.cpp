@@ -18,6 +18,7 @@ struct CommandRow {
 };
 
 constexpr CommandRow commandRows[] = {
+    {"check", "Tell what of a library is sound, and repair it", declareCheck},
     {"convert", "Convert an item file or a bitmap into another item file", declareConvert},
     {"export", "Export items of a library into a file", declareExport},
     {"import", "Import item files into a library", declareImport},

@@ -14,6 +14,7 @@ inline constexpr int exitFailed = 2;
 using CommandRun = std::function<int()>;
 
 // Each declares its options on command and gives what runs once they are parsed.
+CommandRun declareCheck(CLI::App &command);
 CommandRun declareConvert(CLI::App &command);
 CommandRun declareExport(CLI::App &command);
 CommandRun declareImport(CLI::App &command);

@@ -93,6 +93,12 @@ void closeGaps(MainHeader &main, std::size_t slots, const std::vector<Gap> &gaps
     main.endOffset -= sizeAhead(gaps, main.endOffset);
 }
 
+// Where records aren't moved, those that go lose their signature, or they would count as lost ones for ever.
+void unmarkRecords(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
+    for (std::size_t slot = 0; slot < leaving.size(); slot++)
+        if (leaving[slot]) changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
+}
+
 }  // namespace
 
 Bytes bytesOf(const MainHeader &main) {
@@ -137,6 +143,7 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     }
     if (const Fault fault = appendRecords(next, added, place, bytes); fault != Fault::none) return fault;
     changeBegin();
+    if (storeState.damaged) unmarkRecords(leaving);
     changeWrite(place, std::move(bytes));
     changeWrite(0, bytesOf(next.main));
     const Fault fault = faultOf(changeCommit());

@@ -8,13 +8,6 @@ namespace numalink {
 
 namespace {
 
-bool recordIsSound(const Slot &slot, std::uint64_t offset, std::uint64_t fileSize) {
-    const ItemHeader &head = slot.head;
-    return slot.sound && std::memcmp(head.signature, itemSignature, sizeof itemSignature) == 0 &&
-           nameOf(head).size() <= storeNameLimit && recordSize(head) <= fileSize - std::min(offset, fileSize) &&
-           head.id > rootId && head.id != noItem;
-}
-
 // Slots of the sound records in the order that less gives.
 template <typename Key>
 std::vector<std::size_t> soundSlotsBy(const std::vector<Slot> &slots, Key key) {
@@ -56,8 +49,29 @@ std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const s
     return faults;
 }
 
-// How many folders stand in a circle of parents.
-std::uint32_t countCircle(const std::vector<Slot> &slots) {
+}  // namespace
+
+bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t fileSize) {
+    return std::memcmp(head.signature, itemSignature, sizeof itemSignature) == 0 &&
+           nameOf(head).size() <= storeNameLimit && offset >= sizeof(MainHeader) &&
+           recordSize(head) <= fileSize - std::min(offset, fileSize) && head.id > rootId && head.id != noItem;
+}
+
+std::vector<std::uint64_t> uncoveredStarts(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::vector<std::uint64_t> starts;
+    std::uint64_t covered = sizeof main;
+    const auto lookAhead = [&](std::uint64_t next) {
+        if (next >= covered + sizeof(ItemHeader)) starts.push_back(covered);
+    };
+    for (const std::size_t slot : soundSlotsBy(slots, [&](std::size_t at) { return main.offsets[at]; })) {
+        lookAhead(main.offsets[slot]);
+        covered = main.offsets[slot] + recordSize(slots[slot].head);
+    }
+    lookAhead(main.endOffset);
+    return starts;
+}
+
+std::vector<ItemId> foldersInCircle(const std::vector<Slot> &slots) {
     enum class State { unseen, onWay, done };
     struct Folder {
         ItemId parent;
@@ -66,7 +80,7 @@ std::uint32_t countCircle(const std::vector<Slot> &slots) {
     std::map<ItemId, Folder> folders;
     for (const Slot &slot : slots)
         if (slot.sound && isFolderKind(slot.head.kind)) folders[slot.head.id] = {slot.head.parent, State::unseen};
-    std::uint32_t count = 0;
+    std::vector<ItemId> circle;
     for (const auto &[start, ignored] : folders) {
         std::vector<ItemId> way;
         auto at = folders.find(start);
@@ -75,13 +89,11 @@ std::uint32_t countCircle(const std::vector<Slot> &slots) {
             way.push_back(at->first);
         }
         if (at != folders.end() && at->second.state == State::onWay)
-            count += static_cast<std::uint32_t>(way.end() - std::ranges::find(way, at->first));
+            circle.insert(circle.end(), std::ranges::find(way, at->first), way.end());
         for (const ItemId id : way) folders[id].state = State::done;
     }
-    return count;
+    return circle;
 }
-
-}  // namespace
 
 std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots) {
     std::uint32_t next = std::max(main.nextId, rootId + 1);
@@ -92,15 +104,15 @@ std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots)
 
 std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots) {
     for (std::size_t slot = 0; slot < slots.size(); slot++)
-        slots[slot].sound =
-            main.offsets[slot] >= sizeof main && recordIsSound(slots[slot], main.offsets[slot], fileSize);
+        slots[slot].sound = slots[slot].sound && recordIsSound(slots[slot].head, main.offsets[slot], fileSize);
     markOverlaps(main, slots);
     markDoubledIds(slots);
     // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
     if (main.itemCount > storeSlotCount)
         while (!slots.empty() && !slots.back().sound) slots.pop_back();
     const auto unsound = std::ranges::count(slots, false, &Slot::sound);
-    return static_cast<std::uint32_t>(unsound) + headFaults(main, fileSize, slots) + countCircle(slots);
+    return static_cast<std::uint32_t>(unsound) + headFaults(main, fileSize, slots) +
+           static_cast<std::uint32_t>(foldersInCircle(slots).size());
 }
 
 }  // namespace numalink

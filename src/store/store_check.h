@@ -13,6 +13,16 @@ namespace numalink {
 // folders stay usable, so that they can be dragged out of it or deleted.
 std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots);
 
+// Whether a record can lie at this offset, by its head and the file's size alone.
+bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t fileSize);
+
+// Where stretches begin that no record of the table covers, large enough for one, below the end of the records. In a
+// file without damage there are none, or what lies there is no record.
+std::vector<std::uint64_t> uncoveredStarts(const MainHeader &main, const std::vector<Slot> &slots);
+
+// The folders that stand in a circle of parents.
+std::vector<ItemId> foldersInCircle(const std::vector<Slot> &slots);
+
 // One above every id of the sound records, and at least main.nextId.
 std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots);
 

@@ -112,7 +112,7 @@ Fault addItems(const std::vector<NewItem> &items, std::vector<ItemId> &ids) REQU
     return changeRecords({}, records, nextId);
 }
 
-Fault moveItems(const std::vector<ItemMove> &moves) REQUIRES_LOCK(storeLock) {
+Fault moveItems(std::span<const ItemMove> moves) REQUIRES_LOCK(storeLock) {
     std::vector<Patch> patches;
     for (const ItemMove &move : moves) {
         const std::size_t slot = slotOfId(move.id);
@@ -350,7 +350,10 @@ bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId
     return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return putBack(items, leaving); }));
 }
 
-bool storeMove(ItemId id, ItemId newParent) { return storeMoveItems({{id, newParent}}); }
+bool storeMove(ItemId id, ItemId newParent) {
+    const ItemMove move{id, newParent};
+    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems({&move, 1}); }));
+}
 
 bool storeMoveItems(const std::vector<ItemMove> &moves) {
     return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems(moves); }));

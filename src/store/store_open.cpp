@@ -13,38 +13,13 @@ namespace numalink {
 
 namespace {
 
-constexpr int textCannotOpen = 33, textHeadTooShort = 34, textWrongHead = 35, textDamaged = 36, textTooNew = 119;
-
-MainHeader emptyMain() {
-    MainHeader main{};
-    std::memcpy(main.signature, mainSignature, sizeof mainSignature);
-    main.formatNumber = storeNewestFormat;
-    main.endOffset = sizeof main;
-    main.nextId = rootId + 1;
-    return main;
-}
+constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36;
 
 int createStore() REQUIRES_LOCK(storeLock) {
     storeState.main = emptyMain();
     changeBegin();
     changeWrite(0, bytesOf(storeState.main));
     return changeCommit() == ChangeResult::done ? 0 : textHeadTooShort;
-}
-
-int readMain() REQUIRES_LOCK(storeLock) {
-    MainHeader &main = storeState.main;
-    if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return textHeadTooShort;
-    if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return textWrongHead;
-    return main.formatNumber > storeNewestFormat ? textTooNew : 0;
-}
-
-void readSlots() REQUIRES_LOCK(storeLock) {
-    storeState.slots.assign(std::min(storeState.main.itemCount, storeSlotCount), Slot{});
-    for (std::size_t i = 0; i < storeState.slots.size(); i++) {
-        Slot &slot = storeState.slots[i];
-        slot.sound =
-            storeFileRead(storeState.main.offsets[i], {reinterpret_cast<std::uint8_t *>(&slot.head), sizeof slot.head});
-    }
 }
 
 std::string storePath() { return libraryFolder() + "storage.dat"; }
@@ -79,10 +54,11 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     const std::int64_t size = storeFileSize();
     if (size < 0) return textHeadTooShort;
     opening.isNew = size == 0;
-    if (const int fault = opening.isNew ? createStore() : readMain(); fault != 0) return fault;
-    readSlots();
+    if (const int fault = opening.isNew ? createStore() : readMain(storeState.main); fault != 0) return fault;
+    readSlots(storeState.main, storeState.slots);
     opening.damage =
         opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
+    if (opening.damage == 0) opening.damage = countUnlisted(storeState.main, storeState.slots);
     opening.lost = std::ranges::count(storeState.slots, false, &Slot::sound);
     storeState.main.itemCount = static_cast<std::uint32_t>(storeState.slots.size());
     storeState.main.nextId = safeNextId(storeState.main, storeState.slots);

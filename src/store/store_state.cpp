@@ -1,8 +1,12 @@
 #include "store/store_state.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
 #include "settings/tell_user.h"
+#include "store/store_check.h"
 
 namespace numalink {
 
@@ -25,7 +29,7 @@ constexpr FaultText faultTexts[] = {
     {Fault::notCopied, OwnText::storeNotCopied},
     {Fault::noMemory, OwnText::storeNoMemory},
 };
-constexpr int textOfHeadNotWritten = 37;
+constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 37, textTooNew = 119;
 
 // How many codes a name of this kind may have.
 std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
@@ -54,6 +58,38 @@ bool isFolderId(ItemId id) {
     if (id == rootId) return true;
     const std::size_t slot = slotOfId(id);
     return slot != noSlot && isFolderKind(storeState.slots[slot].head.kind);
+}
+
+MainHeader emptyMain() {
+    MainHeader main{};
+    std::memcpy(main.signature, mainSignature, sizeof mainSignature);
+    main.formatNumber = storeNewestFormat;
+    main.endOffset = sizeof main;
+    main.nextId = rootId + 1;
+    return main;
+}
+
+int readMain(MainHeader &main) {
+    if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return textHeadTooShort;
+    if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return textWrongHead;
+    return main.formatNumber > storeNewestFormat ? textTooNew : 0;
+}
+
+void readSlots(const MainHeader &main, std::vector<Slot> &slots) {
+    slots.assign(std::min(main.itemCount, storeSlotCount), Slot{});
+    for (std::size_t i = 0; i < slots.size(); i++) {
+        const std::span<std::uint8_t> head(reinterpret_cast<std::uint8_t *>(&slots[i].head), sizeof(ItemHeader));
+        slots[i].sound = storeFileRead(main.offsets[i], head);
+    }
+}
+
+std::uint32_t countUnlisted(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::uint32_t count = 0;
+    for (const std::uint64_t start : uncoveredStarts(main, slots)) {
+        std::uint8_t signature[sizeof itemSignature] = {};
+        if (storeFileRead(start, signature) && std::memcmp(signature, itemSignature, sizeof signature) == 0) count++;
+    }
+    return count;
 }
 
 ItemEntry entryOf(const ItemHeader &head) {

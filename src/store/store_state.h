@@ -66,6 +66,12 @@ Fault withStoreLocked(Operation operation) {
 inline constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
 
 std::size_t slotOfId(ItemId id) REQUIRES_LOCK(storeLock);
+MainHeader emptyMain();
+// Reads the head record, and of each slot the head of its record; a text number that tells what is wrong, or 0.
+int readMain(MainHeader &main) REQUIRES_LOCK(storeLock);
+void readSlots(const MainHeader &main, std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
+// How many records lie in the file, below the end, that the table doesn't know.
+std::uint32_t countUnlisted(const MainHeader &main, const std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
 bool isFolderId(ItemId id) REQUIRES_LOCK(storeLock);  // the root is one
 ItemEntry entryOf(const ItemHeader &head);
 

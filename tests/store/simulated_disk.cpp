@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "store/failing_memory.h"
+
 namespace numalink {
 
 namespace {
@@ -58,6 +60,7 @@ bool isOfNames(const DiskStep &step) {
 }
 
 OpenResult openLocked(const char *path, bool create, int &file) {
+    const SpareMemory spare;
     if (fails()) return OpenResult::failed;
     auto found = disk.now.names.find(path);
     if (found == disk.now.names.end()) {
@@ -85,6 +88,7 @@ std::size_t readAt(int file, std::uint64_t offset, void *bytes, std::size_t coun
 
 // One that fails stops half-way, as on a full disk.
 std::size_t writeAt(int file, std::uint64_t offset, const void *bytes, std::size_t count) {
+    const SpareMemory spare;
     if (fails()) count = disk.dead ? 0 : count / 2;
     const auto *from = static_cast<const std::uint8_t *>(bytes);
     if (count > 0) take({DiskAction::write, disk.openFiles[file], offset, {from, from + count}, {}, {}});
@@ -92,13 +96,25 @@ std::size_t writeAt(int file, std::uint64_t offset, const void *bytes, std::size
 }
 
 bool removeName(const char *path) {
+    const SpareMemory spare;
     if (fails() || !disk.now.names.contains(path)) return false;
     return take({DiskAction::remove, disk.now.names[path], 0, {}, path, {}});
 }
 
 bool rename(const char *from, const char *to) {
+    const SpareMemory spare;
     if (fails() || !disk.now.names.contains(from)) return false;
     return take({DiskAction::rename, disk.now.names[from], 0, {}, from, to});
+}
+
+bool cut(int file, std::uint64_t size) {
+    const SpareMemory spare;
+    return !fails() && take({DiskAction::cut, disk.openFiles[file], size, {}, {}, {}});
+}
+
+bool takeSync(DiskAction action, int file) {
+    const SpareMemory spare;
+    return !fails() && take({action, file, 0, {}, {}, {}});
 }
 
 const FilePort simulatedFilePort = {
@@ -108,21 +124,12 @@ const FilePort simulatedFilePort = {
     },
     .readAt = readAt,
     .writeAt = writeAt,
-    .cut =
-        [](int file, std::uint64_t size) {
-            return !fails() && take({DiskAction::cut, disk.openFiles[file], size, {}, {}, {}});
-        },
-    .sync =
-        [](int file) {
-            return !fails() && take({DiskAction::sync, disk.openFiles[file], 0, {}, {}, {}});
-        },
+    .cut = cut,
+    .sync = [](int file) { return takeSync(DiskAction::sync, disk.openFiles[file]); },
     .close = [](int file) { disk.openFiles.erase(file); },
     .remove = removeName,
     .rename = rename,
-    .syncFolder =
-        [](const char *path) {
-            return !fails() && take({DiskAction::syncFolder, 0, 0, {}, path, {}});
-        },
+    .syncFolder = [](const char *) { return takeSync(DiskAction::syncFolder, 0); },
 };
 
 // The steps that no sync has seen through by then, in their order; what was seen through is done to image.

@@ -1,0 +1,85 @@
+// numalink-cli check
+#include <cstdio>
+#include <memory>
+
+#include "calculator/charset.h"
+#include "cli/commands.h"
+#include "platform/program_folder.h"
+#include "store/library_check.h"
+
+namespace numalink {
+
+namespace {
+
+struct CheckOptions {
+    std::string library;
+    bool repair = false;
+};
+
+const char *wordOf(RecordFate fate) {
+    switch (fate) {
+        case RecordFate::sound:
+            return "sound";
+        case RecordFate::found:
+            return "found outside the table";
+        case RecordFate::lost:
+            return "lost";
+    }
+    return "";
+}
+
+std::string causeOf(CheckOutcome outcome, const std::string &file) {
+    switch (outcome) {
+        case CheckOutcome::absent:
+            return file + ": there is no such file";
+        case CheckOutcome::held:
+            return file + " is in use by another program";
+        case CheckOutcome::notWritten:
+            return file + " could not be repaired; it is as it was";
+        default:
+            return file + " could not be read, or a newer version wrote it";
+    }
+}
+
+void tellRecords(const LibraryCheck &check) {
+    std::size_t counts[3] = {};
+    for (const CheckedRecord &record : check.records) {
+        counts[static_cast<std::size_t>(record.fate)]++;
+        if (record.fate == RecordFate::sound) continue;
+        std::printf("%s: at %llu", wordOf(record.fate), static_cast<unsigned long long>(record.offset));
+        if (record.id != noItem) std::printf(", id %u", record.id);
+        std::printf(", kind %u, name %s\n", record.kind, utf8FromCalculator(record.name).c_str());
+    }
+    std::printf("records: %zu sound, %zu found outside the table, %zu lost\n", counts[0], counts[1], counts[2]);
+    if (check.circles > 0) std::printf("folders in a circle: %u\n", check.circles);
+}
+
+int checkCommand(const CheckOptions &options) {
+    setLibraryFolder(options.library);
+    const LibraryCheck check = checkLibrary(options.repair);
+    if (check.outcome != CheckOutcome::checked && check.outcome != CheckOutcome::notWritten)
+        return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
+    if (check.interrupted)
+        std::printf(options.repair ? "an interrupted change was taken back\n"
+                                   : "a change was interrupted: the next start, or --repair, takes it back; what "
+                                     "follows tells of its middle\n");
+    if (!check.headUsable && check.damage > 0) std::printf("the head of the file can't be used\n");
+    tellRecords(check);
+    std::printf("places with damage: %u\n", check.damage);
+    if (check.repaired) std::printf("repaired; the damaged file is kept beside it as storage.dat.damaged-N\n");
+    if (check.outcome == CheckOutcome::notWritten)
+        return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
+    return check.damage > 0 || check.interrupted ? exitShown : exitDone;
+}
+
+}  // namespace
+
+CommandRun declareCheck(CLI::App &command) {
+    const auto options = std::make_shared<CheckOptions>();
+    command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
+    command.add_flag("--repair", options->repair, "Put a damaged library in order, with all records that can be saved");
+    command.footer("Exit status: 0 in order, 1 damage or an interrupted change (repaired or not), 2 not done.");
+    return [options] { return checkCommand(*options); };
+}
+
+}  // namespace numalink
