@@ -43,9 +43,9 @@ std::optional<std::size_t> programTable(ByteView data) {
     if (data.size() < lengthLess) return std::nullopt;
     const std::size_t length = data.size() - lengthLess;
     const std::uint8_t wanted[] = {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length >> 8)};
-    const auto found = std::ranges::search(data, wanted);
-    const auto place = static_cast<std::size_t>(found.begin() - data.begin());
-    if (found.empty() || place < tableAheadOfLength) return std::nullopt;
+    const auto found = std::search(data.begin(), data.end(), std::begin(wanted), std::end(wanted));
+    const auto place = static_cast<std::size_t>(found - data.begin());
+    if (found == data.end() || place < tableAheadOfLength) return std::nullopt;
     return place - tableAheadOfLength;
 }
 

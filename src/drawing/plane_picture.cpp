@@ -67,7 +67,7 @@ void drawPicture(Surface &surface, ByteView head, ByteView data) {
         const auto color = planeColor(data[start + codeOffset]);
         if (!color) continue;
         drawStrips(surface, reachable(data, start + dotsOffset, planeSize), width - 1, height, *color,
-                   [&](int row) { return height - row - 1; });
+                   [height = height](int row) { return height - row - 1; });
     }
 }
 
