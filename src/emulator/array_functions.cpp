@@ -60,13 +60,9 @@ CallResult listToMatrix(const Arguments &arguments) {
     int place = arguments.first;
     do {
         const MatrixDescriptor *list = listArgument(arguments, place);
-        if (list == nullptr) {
-            reported = true;
-        } else if (joined == nullptr) {
-            matrixAssign(ownedTemporarily, joined, list);
-        } else if (!matrixAugment(ownedTemporarily, joined, joined, list)) {
-            reported = true;
-        }
+        const bool isFirst = joined == nullptr;
+        if (list != nullptr && isFirst) matrixAssign(ownedTemporarily, joined, list);
+        if (list == nullptr || (!isFirst && !matrixAugment(ownedTemporarily, joined, joined, list))) reported = true;
     } while (place < arguments.end() && isToken(arguments.cells[place++], token::comma));
     return reported ? numberCell({}) : arrayCell(CellKind::matrix, joined);
 }
