@@ -118,7 +118,9 @@ TEST(Evaluator, MakesListsAndMatrices) {
         \List 1[\List 1[1]-3]: 4    \List 1[0]: 0 !Arg          \List 1[4]: 0 !Arg          \List 1[2: {4,5,6} <5B> 2
         \List 1[1+1: 5              \List 1[\List 1[1+1: 0 !Syn !Arg                        \List 1[,]: 0 !Syn !Arg
         \Mat A[2,1]: 3              \Mat A[1,2]: 2              \Mat A[1,2: 2               \Mat A[A-3,A-4]+1: 4
-        \Mat A[3,1]: 0 !Arg         \Mat A[1]: 0 !Syn !Arg      \Mat A[1 2]: 2 !Syn         {1+1,2*3}: {2,6}
+        \List 1[1+1,7: 5 <2C> 7     \Mat A[1,2,7: 2 <2C> 7      \List 1[]+2: 0 !Syn !Arg    \List 1[[1]+2: 2 !Syn !Arg
+        \Mat A[3,1]: 0 !Arg         \Mat A[1]: 0 !Syn !Arg      \Mat B[2]: 0 !Syn !Arg      \Mat B[2,2]: 0 !Arg
+        \Mat A[1 2]: 2 !Syn         {1+1,2*3}: {2,6}
         {\{i}}: {0}                 {A}: {5}                    {7}{8}: {7} {8}             {1,2}[2]: {1,2} <5B> 2 <5D>
         {1,\sin }: {1,0} !Syn       {1,2: <7B> 1 <2C> 2 !Syn    {}: {} !Syn                 {1,}: {1} !Syn
         [[1,2][3,4]]: [1,2][3,4]    [[1,2][3,4]: [1,2][3,4]     [[1,2]]: [1,2]              [[1,2][3]]: [1][2]
