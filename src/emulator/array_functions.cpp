@@ -60,13 +60,9 @@ CallResult listToMatrix(const Arguments &arguments) {
     int place = arguments.first;
     do {
         const MatrixDescriptor *list = listArgument(arguments, place);
-        if (list == nullptr) {
-            reported = true;
-        } else if (joined == nullptr) {
-            matrixAssign(ownedTemporarily, joined, list);
-        } else if (!matrixAugment(ownedTemporarily, joined, joined, list)) {
-            reported = true;
-        }
+        const bool isFirst = joined == nullptr;
+        if (list != nullptr && isFirst) matrixAssign(ownedTemporarily, joined, list);
+        if (list == nullptr || (!isFirst && !matrixAugment(ownedTemporarily, joined, joined, list))) reported = true;
     } while (place < arguments.end() && isToken(arguments.cells[place++], token::comma));
     return reported ? numberCell({}) : arrayCell(CellKind::matrix, joined);
 }
@@ -79,9 +75,10 @@ struct Sequence {
     double start = 0, end = 0, step = 0;
 };
 
+// Whether the steps lead toward the end. Bounds that are no numbers pass, and the loop then gives an empty list.
 bool hasDirection(const Sequence &sequence) {
-    if (sequence.step > 0) return sequence.start <= sequence.end;
-    return sequence.step < 0 && sequence.start >= sequence.end;
+    if (sequence.step < 0) return !(sequence.start < sequence.end);
+    return sequence.step != 0 && !(sequence.step > 0 && sequence.start > sequence.end);
 }
 
 // Behind the expression stand, one cell each: comma, variable, comma, start, comma, end, comma, step.
@@ -182,9 +179,12 @@ void evaluateDim(ProgramCell *cells, int p) {
 }
 
 void evaluateIdentity(ProgramCell *cells, int p) {
-    if (!isNumber(cells[p + 1])) synError();
     const int size = cutToInteger(cells[p + 1].value.re);
-    if (size < 1) argError();
+    if (!isNumber(cells[p + 1])) {
+        synError();
+    } else if (size < 1) {
+        argError();
+    }
     MatrixDescriptor *matrix = matrixAllocate(ownedTemporarily, size, size);
     for (int i = 0; i < matrix->rows; i++) matrixElement(matrix, i, i) = 1;
     makeArray(cells[p], CellKind::matrix, matrix);

@@ -150,10 +150,11 @@ bool matrixAugment(std::int32_t owner, MatrixSlot &slot, const MatrixDescriptor 
         return false;
     }
     MatrixDescriptor *joined = matrixAllocate(owner, left->cols + right->cols, left->rows);
-    for (int row = 0; row < joined->rows; row++) {
-        double *target = matrixElements(joined) + row * joined->cols;
-        target = std::copy_n(matrixElements(left) + row * left->cols, left->cols, target);
-        std::copy_n(matrixElements(right) + row * right->cols, right->cols, target);
+    double *target = matrixElements(joined);
+    const double *fromLeft = matrixElements(left), *fromRight = matrixElements(right);
+    for (int row = 0; row < joined->rows; row++, fromLeft += left->cols, fromRight += right->cols) {
+        target = std::copy_n(fromLeft, left->cols, target);
+        target = std::copy_n(fromRight, right->cols, target);
     }
     matrixFree(slot);  // only now: it may be left or right
     slot = joined;

@@ -138,7 +138,7 @@ void makeMatrixLiteral(Stretch &stretch, int secondBracket) {
     int rows = 0;
     int q = secondBracket + 1;
     while (q < end) {
-        int separator = q;
+        int separator = q + 1;  // what stands at q belongs to the element, a comma or bracket too
         while (separator < end && !isToken(stretch.cells[separator], token::comma) &&
                !isToken(stretch.cells[separator], token::closeBracket))
             separator++;

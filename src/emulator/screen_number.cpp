@@ -44,7 +44,7 @@ std::string numberText(double value) {
     const std::string text(scientific, end.ptr);
     const std::size_t mark = text.find('e');
     const std::string digits = text.substr(0, 1) + text.substr(2, mark - 2);
-    const int exponent = std::atoi(text.c_str() + mark + 1);
+    const int exponent = static_cast<int>(std::strtol(text.c_str() + mark + 1, nullptr, 10));
     const bool fixed = exponent >= lowestFixedExponent && exponent < significantDigits;
     return sign + (fixed ? fixedText(digits, exponent) : exponentialText(digits, exponent));
 }

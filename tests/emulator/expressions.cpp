@@ -113,6 +113,7 @@ std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells)
 
 std::string evaluated(const std::string &words) {
     const FreshMachine fresh;
+    keyPort.getKey = [] { return 47; };
     machine.variables[0] = complexReal(5);
     machine.variables[1] = complexMake(2, 3);
     setMatrix('A', 2, {1, 2, 3, 4});

@@ -27,7 +27,8 @@ std::vector<ProgramCell> cellsOfWords(const std::string &words);
 // numbers with 12 digits. Behind them "!Syn" for each sort of report made since.
 std::string textOfCells(const ProgramCell *cells, int count);
 std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells);
-// On a machine of its own, with A = 5, B = 2+3i, Mat A [1,2][3,4], Mat B [5][6] and List 1 {4,5,6}, List 2 {7,8,9}.
+// On a machine of its own, with A = 5, B = 2+3i, Mat A [1,2][3,4], Mat B [5][6] List 1 {4,5,6},
+// List 2 {7,8,9} and the key 47 held.
 std::string evaluated(const std::string &words);
 
 void setList(int number, const std::vector<double> &elements);
