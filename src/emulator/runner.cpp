@@ -118,6 +118,12 @@ StatementEnd finishStatement(RunState &state) {
     return StatementEnd::next;
 }
 
+// What the statement before it left stays, its temporaries included: the end of the program may still show them.
+StatementEnd finishEmpty(RunState &state) {
+    state.statementLength = state.cellCount = 0;
+    return finishStatement(state);
+}
+
 StatementEnd runOneStatement(RunState &state) {
     if (isEnd(state.program[state.position])) return StatementEnd::programEnded;
     if (statementLimitOfRun != 0 && machine.statementsRun >= statementLimitOfRun) {
@@ -125,6 +131,7 @@ StatementEnd runOneStatement(RunState &state) {
         return StatementEnd::stopped;
     }
     machine.statementsRun++;
+    if (isTerminator(state.program[state.position])) return finishEmpty(state);
     const bool fits = takeStatement(state);
     freeTemporaries();
     if (!runGoesOn()) return StatementEnd::stopped;
