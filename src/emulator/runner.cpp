@@ -9,7 +9,6 @@
 
 #include "calculator/charset.h"
 #include "emulator/arrays.h"
-#include "emulator/block_search.h"
 #include "emulator/display.h"
 #include "emulator/errors.h"
 #include "emulator/evaluator.h"
@@ -49,8 +48,6 @@ bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram);
 
 // Copies the statement at position to the working array. False when it has more cells than that holds.
 bool takeStatement(RunState &state) {
-    const int terminator = loadedProgram(state.programIndex).terminators[state.position];
-    state.statementLength = state.cellCount = terminator - state.position;
     state.color = pixelColor::blue;
     machine.textColumn = 0;
     if (state.statementLength > statementLimit) {
@@ -118,12 +115,6 @@ StatementEnd finishStatement(RunState &state) {
     return StatementEnd::next;
 }
 
-// What the statement before it left stays, its temporaries included: the end of the program may still show them.
-StatementEnd finishEmpty(RunState &state) {
-    state.statementLength = state.cellCount = 0;
-    return finishStatement(state);
-}
-
 StatementEnd runOneStatement(RunState &state) {
     if (isEnd(state.program[state.position])) return StatementEnd::programEnded;
     if (statementLimitOfRun != 0 && machine.statementsRun >= statementLimitOfRun) {
@@ -131,7 +122,10 @@ StatementEnd runOneStatement(RunState &state) {
         return StatementEnd::stopped;
     }
     machine.statementsRun++;
-    if (isTerminator(state.program[state.position])) return finishEmpty(state);
+    state.statementLength = loadedProgram(state.programIndex).terminators[state.position] - state.position;
+    state.cellCount = state.statementLength;
+    // What the statement before an empty one left stays, with its temporaries: the end of the program may show it.
+    if (state.statementLength == 0) return finishStatement(state);
     const bool fits = takeStatement(state);
     freeTemporaries();
     if (!runGoesOn()) return StatementEnd::stopped;

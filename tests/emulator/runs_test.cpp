@@ -7,7 +7,6 @@
 
 #include "drawing/dot_fonts.h"
 #include "emulator/run_file.h"
-#include "emulator/statements.h"
 #include "platform/clock.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
