@@ -56,6 +56,9 @@ bool fullScreenEvent(QWidget *window, QEvent *event) {
             return true;
         case QEvent::KeyPress:
             return emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+        case QEvent::FocusOut:
+            keyCode = 0;
+            return false;
         case QEvent::Close:
             event->ignore();
             return true;
