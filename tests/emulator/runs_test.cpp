@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_P(Runs, EndsAsItsFileTells) {
-    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER) + "/" + GetParam() + ".run");
+    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER "/") + GetParam() + ".run");
     EXPECT_TRUE(differences.empty()) << differences;
 }
 
