@@ -80,6 +80,7 @@ void fullScreenEnter() {
         fullScreenWindow->setWindowTitle(QStringLiteral("Numalink Emulator"));
         hookEvents(fullScreenWindow, fullScreenEvent);
     }
+    fullScreenWindow->setScreen(mainWindow->screen());
     const int result = FSDLLCreate(fullScreenWindow);
     fullScreenOn = result != 0;
     fullScreenWidth = result == 1 ? 320 : 640;

@@ -48,11 +48,12 @@ TEST(Programs, NamesAreCutAndTheTableEnds) {
 
 TEST(Programs, RoomForCellsEnds) {
     programsClear();
-    Bytes large(400000, 'A');
+    Bytes large(600000, 'A');
     large[0] = ':';
+    large[1] = '"';
     EXPECT_TRUE(programAdd("A", large));
-    EXPECT_TRUE(programAdd("B", large));
-    EXPECT_FALSE(programAdd("C", large));
+    EXPECT_FALSE(programAdd("B", large));
+    EXPECT_TRUE(programAdd("C", Bytes{':', 'A', 0xFF, 0}));
     EXPECT_EQ(programCount(), 2);
     programsClear();
 }
