@@ -9,7 +9,6 @@
 
 #include "calculator/charset.h"
 #include "emulator/arrays.h"
-#include "emulator/block_search.h"
 #include "emulator/display.h"
 #include "emulator/errors.h"
 #include "emulator/evaluator.h"
@@ -49,8 +48,6 @@ bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram);
 
 // Copies the statement at position to the working array. False when it has more cells than that holds.
 bool takeStatement(RunState &state) {
-    const int terminator = loadedProgram(state.programIndex).terminators[state.position];
-    state.statementLength = state.cellCount = terminator - state.position;
     state.color = pixelColor::blue;
     machine.textColumn = 0;
     if (state.statementLength > statementLimit) {
@@ -125,6 +122,10 @@ StatementEnd runOneStatement(RunState &state) {
         return StatementEnd::stopped;
     }
     machine.statementsRun++;
+    state.statementLength = loadedProgram(state.programIndex).terminators[state.position] - state.position;
+    state.cellCount = state.statementLength;
+    // What the statement before an empty one left stays, with its temporaries: the end of the program may show it.
+    if (state.statementLength == 0) return finishStatement(state);
     const bool fits = takeStatement(state);
     freeTemporaries();
     if (!runGoesOn()) return StatementEnd::stopped;

@@ -1,4 +1,5 @@
-// The statement table in its order of testing, and the way from a statement's first cell to its row.
+// The statement table in its order of testing, which counts behind prefixes, and the way from a statement's first cell
+// to its row.
 #include "emulator/statements.h"
 
 #include <array>
@@ -46,63 +47,67 @@ WayOut runGraphSwitch(RunState &state) {
     return handled(state);
 }
 
-constexpr StatementRow one(Token token, const char *name, WayOut (*run)(RunState &)) {
-    return {token, token, CellKind::token, name, run};
-}
-constexpr StatementRow range(Token first, Token last, const char *name, WayOut (*run)(RunState &)) {
-    return {first, last, CellKind::token, name, run};
+struct StatementRow {
+    Token first, last;  // a run of tokens, or the same one twice
+    CellKind kind;      // string: the row of a string; else token
+    WayOut (*run)(RunState &state);
+};
+
+constexpr StatementRow one(Token token, WayOut (*run)(RunState &)) { return {token, token, CellKind::token, run}; }
+constexpr StatementRow range(Token first, Token last, WayOut (*run)(RunState &)) {
+    return {first, last, CellKind::token, run};
 }
 
 constexpr StatementRow rows[] = {
-    one({0x27}, "comment", handled),
-    range({0xD9}, {0xDD}, "mode command", handled),
-    one({0xE2}, "Lbl", handled),
-    one({0xE8}, "Dsz", runDsz),
-    one({0xE9}, "Isz", runIsz),
-    one({0xEB}, "ViewWindow", runViewWindow),
-    one({0xEC}, "Goto", runGoto),
-    range({0x7F, 0x34}, {0x7F, 0x36}, "Orange, Blue, Green", runColor),
-    one({0x7F, 0x47}, "Fill(", runFill),
-    one({0xD1}, "Cls", runCls),
-    one({0xE0}, "Plot", runPlot),
-    one({0xE1}, "Line", runLine),
-    {{}, {}, CellKind::string, "string", runString},
-    one({0xED}, "Prog", runProg),
-    one({0xF7, 0x00}, "If", runIf),
-    one({0xF7, 0x02}, "Else", runElse),
-    one({0xF7, 0x04}, "For", runFor),
-    one({0xF7, 0x07}, "Next", runNext),
-    one({0xF7, 0x08}, "While", runWhile),
-    one({0xF7, 0x09}, "WhileEnd", runWhileEnd),
-    one({0xF7, 0x0A}, "Do", handled),
-    one({0xF7, 0x0B}, "LpWhile", runLoopWhile),
-    range({0xF7, 0x0D}, {0xF7, 0x0E}, "Stop", runStop),
-    one({0xF7, 0x10}, "Locate", runLocate),
-    one({0xF7, 0x18}, "ClrText", runClearText),
-    one({0xF7, 0x19}, "ClrGraph", runClearGraph),
-    one({0xF7, 0x78}, "BG-None", runNoBackground),
-    one({0xF7, 0x79}, "BG-Pict", runBackground),
-    one({0xF7, 0x7A}, "grid switch on", runGridSwitch<true>),
-    one({0xF7, 0x7B}, "grid switch off", runGridSwitch<false>),
-    one({0xF7, 0x93}, "StoPict", runStorePicture),
-    one({0xF7, 0x94}, "RclPict", runRecallPicture),
-    one({0xF7, 0x97}, "StoV-Win", runStoreWindow),
-    one({0xF7, 0x98}, "RclV-Win", runRecallWindow),
-    one({0xF7, 0xA3}, "Vertical", runVertical),
-    one({0xF7, 0xA4}, "Horizontal", runHorizontal),
-    one({0xF7, 0xA5}, "Text", runText),
-    one({0xF7, 0xA6}, "Circle", runCircle),
-    one({0xF7, 0xA7}, "F-Line", runFLine),
-    one({0xF7, 0xA8}, "PlotOn", runPlot),
-    one({0xF7, 0xA9}, "PlotOff", runPlotOff),
-    one({0xF7, 0xAA}, "PlotChg", runPlotChange),
-    one({0xF7, 0xAB}, "PxlOn", runPixelOn),
-    one({0xF7, 0xAC}, "PxlOff", runPixelOff),
-    one({0xF7, 0xAD}, "PxlChg", runPixelChange),
-    one({0xF7, 0xAF}, "PxlTest", runPixelTest),
-    range({0xF7, 0xB8}, {0xF7, 0xBD}, "File", runFile),
-    range({0xF7, 0xC0}, {0xF7, 0xC5}, "switch on", runGraphSwitch<0xC0, true>),
-    range({0xF7, 0xD0}, {0xF7, 0xD5}, "switch off", runGraphSwitch<0xD0, false>),
+    one({0x27}, handled),                                            // comment
+    range({0xD9}, {0xDD}, handled),                                  // mode command
+    one({0xE2}, handled),                                            // Lbl
+    one({0xE8}, runDsz),                                             // Dsz
+    one({0xE9}, runIsz),                                             // Isz
+    one({0xEB}, runViewWindow),                                      // ViewWindow
+    one({0xEC}, runGoto),                                            // Goto
+    range({0x7F, 0x34}, {0x7F, 0x36}, runColor),                     // Orange, Blue, Green
+    one({0x7F, 0x47}, runFill),                                      // Fill(
+    one({0xD1}, runCls),                                             // Cls
+    one({0xE0}, runPlot),                                            // Plot
+    one({0xE1}, runLine),                                            // Line
+    {{}, {}, CellKind::string, runString},                           // a string
+    one({0xED}, runProg),                                            // Prog
+    one({0xF7, 0x00}, runIf),                                        // If
+    one({0xF7, 0x02}, runElse),                                      // Else
+    one({0xF7, 0x04}, runFor),                                       // For
+    one({0xF7, 0x07}, runNext),                                      // Next
+    one({0xF7, 0x08}, runWhile),                                     // While
+    one({0xF7, 0x09}, runWhileEnd),                                  // WhileEnd
+    one({0xF7, 0x0A}, handled),                                      // Do
+    one({0xF7, 0x0B}, runLoopWhile),                                 // LpWhile
+    range({0xF7, 0x0D}, {0xF7, 0x0E}, runStop),                      // Stop
+    one({0xF7, 0x10}, runLocate),                                    // Locate
+    one({0xF7, 0x18}, runClearText),                                 // ClrText
+    one({0xF7, 0x19}, runClearGraph),                                // ClrGraph
+    one({0xF7, 0x78}, runNoBackground),                              // BG-None
+    one({0xF7, 0x79}, runBackground),                                // BG-Pict
+    one({0xF7, 0x7A}, runGridSwitch<true>),                          // grid switch on
+    one({0xF7, 0x7B}, runGridSwitch<false>),                         // grid switch off
+    one({0xF7, 0x93}, runStorePicture),                              // StoPict
+    one({0xF7, 0x94}, runRecallPicture),                             // RclPict
+    one({0xF7, 0x97}, runStoreWindow),                               // StoV-Win
+    one({0xF7, 0x98}, runRecallWindow),                              // RclV-Win
+    one({0xF7, 0xA3}, runVertical),                                  // Vertical
+    one({0xF7, 0xA4}, runHorizontal),                                // Horizontal
+    one({0xF7, 0xA5}, runText),                                      // Text
+    one({0xF7, 0xA6}, runCircle),                                    // Circle
+    one({0xF7, 0xA7}, runFLine),                                     // F-Line
+    one({0xF7, 0xA8}, runPlot),                                      // PlotOn
+    one({0xF7, 0xA9}, runPlotOff),                                   // PlotOff
+    one({0xF7, 0xAA}, runPlotChange),                                // PlotChg
+    one({0xF7, 0xAB}, runPixelOn),                                   // PxlOn
+    one({0xF7, 0xAC}, runPixelOff),                                  // PxlOff
+    one({0xF7, 0xAD}, runPixelChange),                               // PxlChg
+    one({0xF7, 0xAF}, runPixelTest),                                 // PxlTest
+    range({0xF7, 0xB8}, {0xF7, 0xBD}, runFile),                      // File
+    range({0xF7, 0xC0}, {0xF7, 0xC5}, runGraphSwitch<0xC0, true>),   // switch on
+    range({0xF7, 0xD0}, {0xF7, 0xD5}, runGraphSwitch<0xD0, false>),  // switch off
 };
 constexpr int rowCount = static_cast<int>(std::size(rows));
 constexpr std::int8_t noRow = -1;
@@ -130,7 +135,7 @@ constexpr RowIndex makeIndex() {
             continue;
         }
         const std::size_t last = placeOf(rows[i].last.first, rows[i].last.second);
-        for (std::size_t place = placeOf(rows[i].token.first, rows[i].token.second); place <= last; place++)
+        for (std::size_t place = placeOf(rows[i].first.first, rows[i].first.second); place <= last; place++)
             index.rowOf[place] = number;
     }
     return index;
@@ -143,8 +148,6 @@ int rowOf(const ProgramCell &cell) {
 }
 
 }  // namespace
-
-std::span<const StatementRow> statementRows() { return rows; }
 
 WayOut runStatement(RunState &state) {
     int tested = noRow;

@@ -127,10 +127,9 @@ WayOut runIsz(RunState &state) { return countVariable(state, 1); }
 
 WayOut runGoto(RunState &state) {
     const ProgramCell &name = state.statement[1];
-    if (state.cellCount != 2 || (!isNumber(name) && name.kind != CellKind::token)) {
-        argError();
-        return handled(state);
-    }
+    const bool isLabel = hasCell(state, 1) && (isNumber(name) || name.kind == CellKind::token);
+    if (state.cellCount != 2 || !isLabel) argError();
+    if (!isLabel) return handled(state);
     int &mark = loadedProgram(state.programIndex).partners[state.position];
     if (mark == notSearched) mark = findLabel(state.program, name);
     state.statementLength = mark == noPartner ? 0 : 2;

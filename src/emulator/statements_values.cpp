@@ -143,7 +143,10 @@ WayOut runFill(RunState &state) {
     compactCells(state.statement, 0, state.cellCount);
     const bool isMatrix = isCell(state, 3, token::matrix);
     const bool isList = isCell(state, 3, token::list);
-    const MatrixSlot *slot = isMatrix ? matrixNamedBy(state, 4) : isList ? listNamedBy(state, 4) : nullptr;
+    const bool hasName = hasCell(state, 4);
+    const MatrixSlot *slot = isMatrix && hasName ? matrixSlotRef(state.statement, 4)  // reports what is no name
+                             : isList            ? listNamedBy(state, 4)
+                                                 : nullptr;
     if (slot == nullptr) {
         synError();
         return handled(state);

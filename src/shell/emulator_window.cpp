@@ -126,7 +126,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             mousePressed(*static_cast<QMouseEvent *>(event));
             return true;
         case QEvent::MouseButtonRelease:
-            keyCode = 0;
+            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) keyCode = 0;
             return true;
         case QEvent::Leave:
             outlinedKey = 0;

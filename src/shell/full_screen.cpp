@@ -56,6 +56,9 @@ bool fullScreenEvent(QWidget *window, QEvent *event) {
             return true;
         case QEvent::KeyPress:
             return emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+        case QEvent::FocusOut:
+            keyCode = 0;
+            return false;
         case QEvent::Close:
             event->ignore();
             return true;
@@ -77,6 +80,7 @@ void fullScreenEnter() {
         fullScreenWindow->setWindowTitle(QStringLiteral("Numalink Emulator"));
         hookEvents(fullScreenWindow, fullScreenEvent);
     }
+    fullScreenWindow->setScreen(mainWindow->screen());
     const int result = FSDLLCreate(fullScreenWindow);
     fullScreenOn = result != 0;
     fullScreenWidth = result == 1 ? 320 : 640;

@@ -15,6 +15,7 @@ int FSDLLCreate(QWidget *window) {
     const QScreen *screen = window->screen();
     if (screen == nullptr || screen->size().width() < 320 || screen->size().height() < 240) return 0;
     holder = window;
+    window->setGeometry(screen->geometry());  // where no window manager does it
     window->showFullScreen();
     window->raise();
     window->activateWindow();

@@ -74,11 +74,11 @@ void paintSecondLegends(QPainter &painter, const KeyFace &face, double pixelsPer
     const QRectF key = rectangleOf(face);
     const QRectF gap(key.left(), key.top() - 6, key.width(), 6);
     painter.setPen(alphaColor);
-    paintText(painter, gap.adjusted(gap.width() - 7, 0, 0, 0), face.alpha, 4.4, true, Qt::AlignRight);
+    paintText(painter, gap.adjusted(gap.width() - 8, 0, -1.5, 0), face.alpha, 4.4, true, Qt::AlignRight);
     if (pixelsPerDot < secondLegendScale) return;
     painter.setPen(shiftColor);
-    const double alphaRoom = face.alpha[0] == '\0' ? 0 : 6;
-    paintText(painter, gap.adjusted(0, 0, -alphaRoom, 0), face.shift, 3.4, false, Qt::AlignLeft);
+    const double alphaRoom = face.alpha[0] == '\0' ? 0 : 7;
+    paintText(painter, gap.adjusted(1.5, 0, -alphaRoom, 0), face.shift, 3.4, false, Qt::AlignLeft);
 }
 
 }  // namespace

@@ -135,5 +135,79 @@ TEST_F(CommandLine, BitmapsByRasterType) {
     EXPECT_EQ(run(on({"import", file, "--raster", "best"})).status, 2);
 }
 
+std::vector<std::string> namesOf(const nlohmann::ordered_json &object) {
+    std::vector<std::string> names;
+    for (const auto &[name, value] : object.items()) names.push_back(name);
+    return names;
+}
+
+TEST_F(CommandLine, AProgramRunsWithItsFolder) {
+    const auto program = [](const std::string &name, const std::string &lines) {
+        return "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:" + name +
+               "\r\n%Data Record\r\n" + lines + "\r\n%End\r\n";
+    };
+    scratch.write("run.cat", program("MAIN",
+                                     "?\\->A:\\Getkey\\->B:\\Getkey\\->\\r\r\n\\Prog \"SUB\"\r\n1,2\r\n"
+                                     "{1,1,2}\\->\\List 3:\\Mat B[1,2]+3\\{i}\\->D:\\ViewWindow 0,127,0,0,63,0\r\n"
+                                     "\\Plot 1.5,1.5\\Disp") +
+                                 program("SUB", "\\File2:5\\->Z") +
+                                 "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:1\r\nColumns:2\r\n"
+                                 "Variable Name:Mat B\r\n%Data Record\r\nValue : 1 1 2\r\nValue : 1 2 7\r\n%End\r\n");
+    ASSERT_EQ(run(on({"import", scratch.path + "run.cat", "--into", "games"})).status, 0);
+    const std::vector<std::string> runMain = {
+        "run", "games/MAIN", "--keys", "74,32,31,27", "--getkey", "31,72", "--set", "FillListsMatrices=0", "--json"};
+    const Outcome outcome = run(on(runMain));
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const auto report = nlohmann::ordered_json::parse(outcome.out);
+    EXPECT_THAT(namesOf(report), ElementsAre("variables", "lists", "matrices", "file", "textScreen", "graph",
+                                             "matrixScreen", "display", "textRows", "textRow", "textColumn",
+                                             "screenMode", "errors", "errorFlag", "boxes", "statements", "ended"));
+    const auto expected = nlohmann::ordered_json::parse(R"({
+        "variables": {"A": ["-0x1.cp+2", "0x0p+0"], "B": ["0x1.fp+4", "0x0p+0"], "D": ["0x1.cp+2", "0x1.8p+1"],
+                      "X": ["0x1.4p+1", "0x0p+0"], "Y": ["0x1.8p+0", "0x0p+0"], "Z": ["0x1.4p+2", "0x0p+0"],
+                      "r": ["0x1.2p+6", "0x0p+0"], "Ans": ["0x1p+0", "0x0p+0"], "Xmax": ["0x1.fcp+6", "0x0p+0"],
+                      "Ymax": ["0x1.f8p+5", "0x0p+0"]},
+        "lists": {"List 2/3": {"rows": 3, "cols": 1, "cells": [["0x1p+0", 2], ["0x1p+1", 1]]}},
+        "matrices": {"Mat B": {"rows": 1, "cols": 2, "cells": [["0x1p+1", 1], ["0x1.cp+2", 1]]}},
+        "file": 2,
+        "graph": [[62, [[128, 13163710]]], [1, [[2, 13163710], [1, 13107200], [125, 13163710]]], [1, [[128, 13163710]]]],
+        "textRow": 3, "textColumn": 0, "screenMode": 1, "errors": [["Syn ERROR", 7]], "errorFlag": false, "boxes": [],
+        "statements": 11, "ended": "cursor"})");
+    for (const auto &[name, value] : expected.items()) EXPECT_EQ(report[name], value) << name;
+    EXPECT_EQ(report["textRows"].size(), 8u);
+    EXPECT_THAT(report["textRows"][1].get<std::string>(), StartsWith("7- "));
+    EXPECT_NE(report["display"], report["graph"]) << "the cursor's cross is on the display alone";
+
+    std::vector<std::string> halting = on(runMain);
+    halting.insert(halting.end(), {"--set", "HaltOnError=1"});
+    const auto halted = nlohmann::ordered_json::parse(run(halting).out);
+    EXPECT_EQ(halted["boxes"], nlohmann::ordered_json::parse(R"([[66, 65, "MAIN", "3"]])"));
+    EXPECT_EQ(halted["ended"], "end");
+    EXPECT_EQ(run(on({"run", "games/Mat B"})).status, 2);
+    EXPECT_EQ(run(on({"run", "games/NONE"})).status, 2);
+}
+
+TEST_F(CommandLine, BytesRunAsAProgram) {
+    const auto eval = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "eval");
+        arguments.push_back("--json");
+        return nlohmann::ordered_json::parse(run(arguments).out);
+    };
+    const auto twice = eval({"31C00E41", "--repeat", "2", "--keys", "31"});  // 1Ans→A, twice in each run
+    EXPECT_EQ(twice["ended"], "end");
+    EXPECT_EQ(twice["statements"], 2);
+    const auto limited = eval({"E2310D4189310E410DEC31", "--statements", "5"});
+    EXPECT_EQ(limited["ended"], "limit");
+    EXPECT_EQ(limited["statements"], 5);
+    EXPECT_EQ(limited["variables"]["A"][0], "0x1p+1");
+    EXPECT_EQ(eval({"310C"})["ended"], "triangle");
+    EXPECT_EQ(eval({"3F0E41"})["ended"], "input");
+    EXPECT_EQ(run({"eval", "2241220D312C32"}).out,
+              "A\n                    0\n\n\n\n\n\n     Syn ERROR\n"
+              "Syn ERROR in statement 2\nended: end\n");
+    EXPECT_EQ(run({"eval", "3"}).status, 2);
+    EXPECT_EQ(run({"eval", "31", "--set", "FullSpeed"}).status, 2);
+}
+
 }  // namespace
 }  // namespace numalink

@@ -61,9 +61,9 @@ std::vector<int> codesOf(const std::string &line) {
 }
 
 bool isKeyword(const std::string &word) {
-    static const char *const all[] = {"set",   "program", "keys",  "getkey", "statements", "ended", "text",
-                                      "graph", "matrix",  "shown", "dots",   "display",    "vars",  "list",
-                                      "mat",   "errors",  "boxes", "row",    "mode"};
+    static const char *const all[] = {"set",   "program", "keys",  "getkey", "statements", "ended",   "text",
+                                      "graph", "matrix",  "shown", "dots",   "display",    "vars",    "list",
+                                      "mat",   "errors",  "boxes", "row",    "mode",       "switches"};
     for (const char *keyword : all) {
         if (word == keyword) return true;
     }
@@ -217,6 +217,14 @@ struct Check {
     void array(const std::string &line);
 };
 
+std::string switchesOn() {
+    std::string found = machine.gridSwitch ? "grid" : "";
+    for (std::size_t i = 0; i < machine.graphSwitches.size(); i++) {
+        if (machine.graphSwitches[i]) found += std::string(found.empty() ? "" : " ") + static_cast<char>('A' + i);
+    }
+    return found;
+}
+
 void Check::errors() {
     std::string found;
     for (const ErrorReport &error : report.errors) {
@@ -369,6 +377,7 @@ std::string checkRunFile(const std::string &path) {
     for (const std::string &array : file.arrays) check.array(array);
     check.same("row", check.line("row", std::to_string(machine.textRow)), std::to_string(machine.textRow));
     check.same("mode", check.line("mode", std::to_string(machine.screenMode)), std::to_string(machine.screenMode));
+    if (check.section("switches") != nullptr) check.same("switches", check.line("switches", ""), switchesOn());
     return check.differences;
 }
 

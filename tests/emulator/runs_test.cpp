@@ -7,7 +7,6 @@
 
 #include "drawing/dot_fonts.h"
 #include "emulator/run_file.h"
-#include "emulator/statements.h"
 #include "platform/clock.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
@@ -47,7 +46,7 @@ protected:
 };
 
 TEST_P(Runs, EndsAsItsFileTells) {
-    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER) + "/" + GetParam() + ".run");
+    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER "/") + GetParam() + ".run");
     EXPECT_TRUE(differences.empty()) << differences;
 }
 
