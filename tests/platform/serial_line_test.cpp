@@ -1,8 +1,10 @@
 // The real line over a pseudo terminal: time-outs, wakes, exclusive use, unplugging, and what COM1 means.
 #include "platform/serial_line.h"
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <thread>
@@ -104,6 +106,29 @@ TEST(SerialDevices, tellWhyTheyDoNotOpen) {
     EXPECT_EQ(systemSerialLine.open(folder.path + "absent", baud).fault, LineFault::missing);
     EXPECT_EQ(systemSerialLine.open(folder.path + "plain", baud).fault, LineFault::notSerial);
     EXPECT_EQ(folder.read("plain"), "text");
+}
+
+// Files of somebody who may not use them, although a group may: only such a group is worth naming.
+TEST(SerialDevices, nameTheGroupThatGivesPermission) {
+    const ScratchFolder folder;
+    const bool isRoot = geteuid() == 0;
+    const uid_t nobody = 65534;
+    const gid_t given = isRoot ? 20 : getegid();
+    for (const char *name : {"given", "halfGiven", "ofRoot"}) {
+        folder.write(name, "");
+        const std::string path = folder.path + name;
+        if (isRoot) ASSERT_EQ(chown(path.c_str(), nobody, std::string(name) == "ofRoot" ? 0 : given), 0);
+        ASSERT_EQ(chmod(path.c_str(), std::string(name) == "halfGiven" ? 0020 : 0060), 0);
+    }
+    chmod(folder.path.c_str(), 0755);
+    if (isRoot) ASSERT_EQ(seteuid(nobody), 0);
+    const auto open = [&](const char *name) { return systemSerialLine.open(folder.path + name, baud); };
+    const LineOpening whole = open("given"), half = open("halfGiven"), root = open("ofRoot");
+    if (isRoot) ASSERT_EQ(seteuid(0), 0);
+    for (const LineOpening &opening : {whole, half, root}) EXPECT_EQ(opening.fault, LineFault::denied);
+    EXPECT_EQ(whole.group, getgrgid(given)->gr_name);
+    EXPECT_EQ(half.group, "");
+    if (isRoot) EXPECT_EQ(root.group, "");
 }
 
 TEST(SerialDevices, areListedByLastingNamesAndCountedForComNumbers) {
