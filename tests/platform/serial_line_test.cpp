@@ -112,23 +112,23 @@ TEST(SerialDevices, tellWhyTheyDoNotOpen) {
 TEST(SerialDevices, nameTheGroupThatGivesPermission) {
     const ScratchFolder folder;
     const bool isRoot = geteuid() == 0;
-    const uid_t nobody = 65534;
+    const uid_t nobody = isRoot ? 65534 : geteuid();
     const gid_t given = isRoot ? 20 : getegid();
-    for (const char *name : {"given", "halfGiven", "ofRoot"}) {
-        folder.write(name, "");
+    const auto openOf = [&](const char *name, gid_t group, mode_t mode) {
         const std::string path = folder.path + name;
-        if (isRoot) ASSERT_EQ(chown(path.c_str(), nobody, std::string(name) == "ofRoot" ? 0 : given), 0);
-        ASSERT_EQ(chmod(path.c_str(), std::string(name) == "halfGiven" ? 0020 : 0060), 0);
-    }
-    chmod(folder.path.c_str(), 0755);
-    if (isRoot) ASSERT_EQ(seteuid(nobody), 0);
-    const auto open = [&](const char *name) { return systemSerialLine.open(folder.path + name, baud); };
-    const LineOpening whole = open("given"), half = open("halfGiven"), root = open("ofRoot");
-    if (isRoot) ASSERT_EQ(seteuid(0), 0);
-    for (const LineOpening &opening : {whole, half, root}) EXPECT_EQ(opening.fault, LineFault::denied);
-    EXPECT_EQ(whole.group, getgrgid(given)->gr_name);
-    EXPECT_EQ(half.group, "");
-    if (isRoot) EXPECT_EQ(root.group, "");
+        folder.write(name, "");
+        EXPECT_EQ(chown(path.c_str(), nobody, group), 0);
+        EXPECT_EQ(chmod(path.c_str(), mode), 0);
+        EXPECT_EQ(seteuid(nobody), 0);
+        const LineOpening opening = systemSerialLine.open(path, baud);
+        EXPECT_EQ(seteuid(isRoot ? 0 : nobody), 0);
+        EXPECT_EQ(opening.fault, LineFault::denied);
+        return opening;
+    };
+    ASSERT_EQ(chmod(folder.path.c_str(), 0755), 0);
+    EXPECT_EQ(openOf("whole", given, 0060).group, getgrgid(given)->gr_name);
+    EXPECT_EQ(openOf("half", given, 0020).group, "");
+    EXPECT_EQ(openOf("root", isRoot ? 0 : given, isRoot ? 0060 : 0).group, "");
 }
 
 TEST(SerialDevices, areListedByLastingNamesAndCountedForComNumbers) {
