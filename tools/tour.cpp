@@ -120,8 +120,10 @@ bool exchangeItems() {
     other.own.toSend.push_back(calculator::program("HELLO", {text.begin(), text.end()}));
     other.converse();
     const auto received = [] { return numalink::storeFindItem("HELLO", numalink::storeStandardFolder(1001)); };
-    if (!QTest::qWaitFor([&] { return received() != numalink::noItem; }, VirtualCalculator::patience)) return false;
+    const auto shown = [&] { return numalink::treeEntryOf(received()) != nullptr; };
+    if (!QTest::qWaitFor(shown, VirtualCalculator::patience)) return false;
     numalink::selectItem(received());
+    numalink::treeView->scrollToItem(numalink::treeEntryOf(received()));
     takePicture("received");
     const numalink::ItemId picture = firstOfKind(numalink::kind::picture);
     if (!numalink::queueItem(picture) || !numalink::queueItem(received())) return false;
@@ -130,13 +132,15 @@ bool exchangeItems() {
     const std::size_t count = numalink::transmitQueueCount();
     numalink::selectItem(picture);
     numalink::mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
-    QTest::qWaitFor([] { return !numalink::linkConversationRuns(); }, VirtualCalculator::patience);
+    auto *queueWindow = numalink::mainWindow->findChild<QDialog *>(QStringLiteral("queueWindow"));
+    queueWindow->move(numalink::mainWindow->pos() + QPoint(330, 190));  // beside tree and picture
+    if (!QTest::qWaitFor([] { return !numalink::linkConversationRuns(); }, VirtualCalculator::patience)) return false;
     other.converse();
     numalink::handleCommand(40006);
-    QTest::qWait(2000);
+    QTest::qWait(1500);
     takePicture("transmission");
     const bool sent = QTest::qWaitFor([] { return numalink::transmitQueueCount() == 0; }, VirtualCalculator::patience);
-    numalink::mainWindow->findChild<QDialog *>(QStringLiteral("queueWindow"))->close();
+    queueWindow->close();
     other.rest();
     return sent && other.own.received.size() == count;
 }
