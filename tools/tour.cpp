@@ -1,5 +1,6 @@
 // numalink-tour SAMPLES PICTURES: starts the program with the library that lies beside it, imports the item files of
-// SAMPLES with every question answered as it stands, shows each view, and leaves pictures of the window in PICTURES.
+// SAMPLES with every question answered as it stands, shows each view, exchanges items with a virtual calculator, and
+// leaves pictures of the window in PICTURES.
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -11,8 +12,13 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
+#include <atomic>
 #include <cstdio>
+#include <thread>
 
+#include "link/link_thread.h"
+#include "link/transmit_queue.h"
+#include "settings/settings_store.h"
 #include "shell/about_box.h"
 #include "shell/command_handler.h"
 #include "shell/item_tree.h"
@@ -23,6 +29,8 @@
 #include "shell/start_up.h"
 #include "shell/surface_view.h"
 #include "store/item_store.h"
+#include "support/pseudo_terminal.h"
+#include "virtual_calculator/calculator_mover.h"
 
 namespace {
 
@@ -78,6 +86,65 @@ void showItems() {
     }
 }
 
+struct VirtualCalculator {
+    ~VirtualCalculator() { rest(); }
+    // Until the conversation is over, on a thread of its own, at the speed of a real line.
+    void converse() {
+        rest();
+        if (!own.toSend.empty()) startSending(own);
+        stop = false;
+        moving.stop = &stop;
+        hand = std::thread([this] { moveCalculator(own, terminal.master, moving); });
+    }
+    void rest() {
+        stop = true;
+        if (hand.joinable()) hand.join();
+        own.state = calculator::State::rest;
+    }
+
+    numalink::PseudoTerminal terminal;
+    calculator::Calculator own;
+    calculator::Moving moving{.byteMicroseconds = calculator::lineByteMicroseconds(9600), .patience = patience};
+    std::atomic<bool> stop = false;
+    std::thread hand;
+    static constexpr int patience = 20000;  // milliseconds
+};
+
+// A program comes from a calculator, and a picture and the games go to it. False when either didn't arrive.
+bool exchangeItems() {
+    VirtualCalculator other;
+    numalink::settingsSetValue(numalink::setting::comPort, other.terminal.path);
+    numalink::settingsSetValue(numalink::setting::linkType, "cfx");
+    numalink::startLinkThread();
+    const std::string text = "\"HELLO FROM THE CALCULATOR\"\r1->A";
+    other.own.toSend.push_back(calculator::program("HELLO", {text.begin(), text.end()}));
+    other.converse();
+    const auto received = [] { return numalink::storeFindItem("HELLO", numalink::storeStandardFolder(1001)); };
+    const auto shown = [&] { return numalink::treeEntryOf(received()) != nullptr; };
+    if (!QTest::qWaitFor(shown, VirtualCalculator::patience)) return false;
+    numalink::selectItem(received());
+    numalink::treeView->scrollToItem(numalink::treeEntryOf(received()));
+    takePicture("received");
+    const numalink::ItemId picture = firstOfKind(numalink::kind::picture);
+    if (!numalink::queueItem(picture) || !numalink::queueItem(received())) return false;
+    for (const numalink::ItemEntry &entry : numalink::storeListItems())
+        if (entry.kind == numalink::kind::matrix) numalink::queueItem(entry.id);
+    const std::size_t count = numalink::transmitQueueCount();
+    numalink::selectItem(picture);
+    numalink::mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
+    auto *queueWindow = numalink::mainWindow->findChild<QDialog *>(QStringLiteral("queueWindow"));
+    queueWindow->move(numalink::mainWindow->pos() + QPoint(330, 190));  // beside tree and picture
+    if (!QTest::qWaitFor([] { return !numalink::linkConversationRuns(); }, VirtualCalculator::patience)) return false;
+    other.converse();
+    numalink::handleCommand(40006);
+    QTest::qWait(1500);
+    takePicture("transmission");
+    const bool sent = QTest::qWaitFor([] { return numalink::transmitQueueCount() == 0; }, VirtualCalculator::patience);
+    queueWindow->close();
+    other.rest();
+    return sent && other.own.received.size() == count;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -119,8 +186,10 @@ int main(int argc, char **argv) {
     numalink::handleCommand(40055);
     takePicture("tree-hidden");
     numalink::handleCommand(40055);
+    const bool exchanged = exchangeItems();
+    if (!exchanged) std::fprintf(stderr, "The virtual calculator and the program did not understand each other.\n");
     answering.stop();
     numalink::shutDown();
     numalink::tearDown();
-    return 0;
+    return exchanged ? 0 : 1;
 }

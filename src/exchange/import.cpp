@@ -145,9 +145,7 @@ void transmitItems() {
         tellUser(OwnText::importNoTransmission);
         return;
     }
-    for (const ItemEntry &entry : storeListChildren(storeTempFolder())) {
-        if (!queueItem(entry.id)) break;
-    }
+    queueItem(storeTempFolder());
     beginTransmit();
 }
 

@@ -51,6 +51,22 @@ std::size_t readWithin(std::span<std::uint8_t> target, ReadLimits limits, std::u
     return count;
 }
 
+void sendPaused(ByteView bytes, void (*afterByte)(std::uint64_t position)) {
+    std::uint64_t position = 0;
+    std::uint64_t due = serialLine.microseconds();
+    std::uint64_t earliest = due;
+    for (const std::uint8_t byte : bytes) {
+        due += slowPause * microsecondsPerMillisecond;
+        serialLine.sleepUntil(std::max(due, earliest));
+        const std::uint64_t sentAt = serialLine.microseconds();
+        send(byte);
+        if (conversationOver()) return;
+        earliest = sentAt + shortestSlowGap;
+        if (sentAt > due + largestDelay) due = sentAt;
+        if (afterByte != nullptr) afterByte(++position);
+    }
+}
+
 bool isAttention(std::uint8_t byte) { return byte == control::attention || byte == control::cfxAttention; }
 
 }  // namespace
@@ -90,9 +106,22 @@ std::size_t readHead(std::span<std::uint8_t> target, Wait wait) {
     return count;
 }
 
-bool readGoodFrame(std::span<std::uint8_t> target, Wait wait, bool isHead) {
-    const std::size_t count = isHead ? readHead(target, wait) : readBytes(target, wait);
-    return count == target.size() && frameIsGood(target);
+bool readGoodHead(std::span<std::uint8_t> target) {
+    return readHead(target, Wait::lasting) == target.size() && frameIsGood(target);
+}
+
+bool readGoodData(std::span<std::uint8_t> target) {
+    constexpr std::size_t part = 256;  // bytes between two looks at the progress
+    const std::uint64_t start = serialLine.microseconds();
+    const ReadLimits limits = limitsOf(Wait::lasting, target.size());
+    progressStart(target.size());
+    for (std::size_t count = 0; count < target.size();) {
+        const std::size_t asked = std::min(part, target.size() - count);
+        if (readWithin(target.subspan(count, asked), limits, start) < asked) return false;
+        count += asked;
+        progressAt(count);
+    }
+    return frameIsGood(target);
 }
 
 void send(ByteView bytes) {
@@ -101,18 +130,11 @@ void send(ByteView bytes) {
 
 void send(std::uint8_t byte) { send(ByteView{&byte, 1}); }
 
-void sendSlowly(ByteView bytes) {
-    std::uint64_t due = serialLine.microseconds();
-    std::uint64_t earliest = due;
-    for (const std::uint8_t byte : bytes) {
-        due += slowPause * microsecondsPerMillisecond;
-        serialLine.sleepUntil(std::max(due, earliest));
-        const std::uint64_t sentAt = serialLine.microseconds();
-        send(byte);
-        if (conversationOver()) return;
-        earliest = sentAt + shortestSlowGap;
-        if (sentAt > due + largestDelay) due = sentAt;
-    }
+void sendSlowly(ByteView bytes) { sendPaused(bytes, nullptr); }
+
+void sendSlowlyWithProgress(ByteView bytes) {
+    progressStart(bytes.size());
+    sendPaused(bytes, progressAt);
 }
 
 void pauseMilliseconds(std::uint64_t milliseconds) {

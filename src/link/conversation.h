@@ -31,12 +31,14 @@ std::size_t readBytes(std::span<std::uint8_t> target, Wait wait);
 std::optional<std::uint8_t> readByte(Wait wait);
 // The same, passing over attention bytes that a calculator has repeated ahead of its head.
 std::size_t readHead(std::span<std::uint8_t> target, Wait wait);
-// A head or data frame that came whole with a good checksum.
-bool readGoodFrame(std::span<std::uint8_t> target, Wait wait, bool isHead);
+// Whether a frame came whole with a good checksum, waited for long. The data move the progress bar.
+bool readGoodHead(std::span<std::uint8_t> target);
+bool readGoodData(std::span<std::uint8_t> target);
 
 void send(std::uint8_t byte);
 void send(ByteView bytes);
-void sendSlowly(ByteView bytes);  // a pause of 1 ms ahead of each byte
+void sendSlowly(ByteView bytes);              // a pause of 1 ms ahead of each byte
+void sendSlowlyWithProgress(ByteView bytes);  // the same, and the bar moves
 void pauseMilliseconds(std::uint64_t milliseconds);
 
 // Drops what arrives until nothing has for 50 ms.

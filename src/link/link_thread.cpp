@@ -32,7 +32,7 @@ struct Cause {
 };
 constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
                             {LineFault::busy, OwnText::portBusy},
-                            {LineFault::denied, OwnText::portDenied},
+                            {LineFault::denied, OwnText::portDenied},  // portForbidden where no group helps
                             {LineFault::notSerial, OwnText::portNotSerial},
                             {LineFault::failed, OwnText::portFailed}};
 
@@ -41,10 +41,12 @@ void tellClosed(const LineOpening &opening, bool asBox) {
     constexpr int notOpenedText = 44;
     for (const Cause &cause : causes) {
         if (cause.fault != opening.fault) continue;
+        const bool noGroup = opening.fault == LineFault::denied && opening.group.empty();
+        const OwnText text = noGroup ? OwnText::portForbidden : cause.text;
         if (asBox) {
-            tellMore(notOpenedText, cause.text, {opening.path, opening.group}, BoxIcon::none);
+            tellMore(notOpenedText, text, {opening.path, opening.group}, BoxIcon::none);
         } else {
-            statusLine(StatusPart::link, cause.text, {opening.path, opening.group});
+            statusLine(StatusPart::link, text, {opening.path, opening.group});
         }
     }
 }
@@ -115,7 +117,10 @@ void startLinkThread() {
         stopLinkThread();
         linkNoticeForget();
         userInterface.statusText(StatusPart::link, 0, "");
-        if (cut) linkNotice(OwnText::transferStopped);
+        if (cut) {
+            userInterface.refreshTree();  // what the stopped conversation has stored
+            linkNotice(OwnText::transferStopped);
+        }
     }
     conversationReset();
     linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort), restart);

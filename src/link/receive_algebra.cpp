@@ -24,7 +24,7 @@ constexpr int receivingText = 48;
 struct Tally {
     int stored = 0;
     bool treeIsFresh = false;
-    std::string passedOver;  // marks of heads that are no items, with commas
+    std::string passedOver;  // marks of the first heads that are no items, with commas
 };
 
 bool startsWith(ByteView head, std::string_view mark) {
@@ -35,7 +35,7 @@ bool startsWith(ByteView head, std::string_view mark) {
 // Steps 2 to 4.
 bool exchangeModels() {
     Bytes model(shortHeadFrameSize);
-    if (!readGoodFrame(model, Wait::lasting, true)) return failChecksum();
+    if (!readGoodHead(model)) return failChecksum();
     sendSlowly(*buildHeadFrame(kind::modelFrame, Family::algebra, {}));
     const auto answer = readByte(Wait::lasting);
     return answer == control::acknowledge || failUnconfirmed(answer);
@@ -83,12 +83,13 @@ bool receiveBlock(ByteView head, Tally &tally) {
     Bytes data(std::size_t{readBig16(head, lengthOffset)} + 2);
     linkStatus(receivingText, languageText(receivingText) + utf8FromCalculator(name) + "...");
     send(control::acknowledge);
-    if (!readGoodFrame(data, Wait::lasting, false) || (isProgram && data.size() < shortestProgram))
-        return failChecksum();
+    if (!readGoodData(data) || (isProgram && data.size() < shortestProgram)) return failChecksum();
     return storeOrRefuse(isProgram ? asProgram(name, data) : asBlock(name, head, data), tally);
 }
 
 void passOver(ByteView head, Tally &tally) {
+    constexpr std::size_t longestList = 80;  // characters in a box
+    if (tally.passedOver.size() > longestList) return;
     if (!tally.passedOver.empty()) tally.passedOver += ", ";
     tally.passedOver += "\"";
     for (const std::uint8_t byte : head.first(5))
@@ -101,7 +102,7 @@ bool receiveNext(Tally &tally) {
     constexpr int receivedText = 104;
     send(control::acknowledge);
     Bytes head(shortHeadFrameSize);
-    if (!readGoodFrame(head, Wait::lasting, true)) return conversationOver() ? false : failChecksum();
+    if (!readGoodHead(head)) return failChecksum();
     using namespace std::string_view_literals;
     if (startsWith(head, ":MCS1\0"sv)) return receiveBlock(head, tally);
     if (!startsWith(head, ":END")) {

@@ -20,7 +20,7 @@ bool isConfirmed() {
 bool exchangeModels() {
     sendSlowly(*buildHeadFrame(kind::modelFrame, Family::algebra, {}));
     Bytes model(shortHeadFrameSize);
-    if (!readGoodFrame(model, Wait::lasting, true)) return failChecksum();
+    if (!readGoodHead(model)) return failChecksum();
     send(control::acknowledge);
     return isConfirmed();
 }
@@ -29,12 +29,15 @@ bool exchangeModels() {
 bool transmitItem(const NextItem &next) {
     constexpr int sendingText = 39;
     const Refusal refusal = outgoingRefusal(next.item, Family::algebra);
-    if (refusal != Refusal::none) return tellCannotGo(next, refusal);
+    if (refusal != Refusal::none) {
+        tellCannotGo(next, refusal);
+        return false;
+    }
     linkStatus(sendingText, languageFormat(sendingText, {utf8FromCalculator(next.item.name)}));
     const Outgoing outgoing = outgoingToAlgebra(next.item);
     sendSlowly(outgoing.head);
     if (!isConfirmed()) return false;
-    sendSlowly(outgoing.data);
+    sendSlowlyWithProgress(outgoing.data);
     if (!isConfirmed()) return false;
     tellSent(next);
     return true;
@@ -56,7 +59,6 @@ void transmitToAlgebra() {
     if (exchangeModels() && transmitQueued()) {
         linkStatus(closingText);
         sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
-        clearSentFromTemp();
         linkStatus(finishedText);
     }
     clearSentFromTemp();

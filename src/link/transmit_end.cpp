@@ -37,14 +37,10 @@ std::optional<NextItem> nextToTransmit() {
     return std::nullopt;
 }
 
-bool tellCannotGo(const NextItem &next, Refusal refusal) {
-    constexpr OwnText causes[] = {OwnText::refusedKind, OwnText::refusedKind, OwnText::refusedShort,
-                                  OwnText::refusedLong};
+void tellCannotGo(const NextItem &next, Refusal refusal) {
     transmitQueueRemove(next.entry.id);
-    if (!conversationOver())
-        tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(next.item.name)});
+    if (!conversationOver()) tellRefusal(refusal, next.item.name, BoxIcon::warning);
     dropInput();
-    return false;
 }
 
 void dropQueue() {

@@ -4,7 +4,6 @@
 
 #include <optional>
 
-#include "link/outgoing_image.h"
 #include "link/transmit_queue.h"
 
 namespace numalink {
@@ -18,7 +17,7 @@ struct NextItem {
 // the queue is empty.
 std::optional<NextItem> nextToTransmit();
 
-bool tellCannotGo(const NextItem &next, Refusal refusal);  // text 108; the entry is dropped; false always
+void tellCannotGo(const NextItem &next, Refusal refusal);  // text 108; the entry is dropped
 void dropQueue();                                          // after a failure: says how many were dropped
 void tellSent(const NextItem &next);                       // takes the entry off the queue
 

@@ -7,9 +7,7 @@
 #include "link/attention.h"
 #include "link/link_family.h"
 #include "link/notices.h"
-#include "link/outgoing_image.h"
 #include "platform/lock.h"
-#include "platform/user_interface.h"
 #include "settings/language_table.h"
 #include "settings/tell_user.h"
 #include "store/item_store.h"
@@ -17,6 +15,8 @@
 namespace numalink {
 
 namespace {
+
+constexpr std::size_t refusalsTold = 8;  // boxes about one folder
 
 struct TransmitQueue {
     std::vector<QueuedItem> entries;
@@ -39,21 +39,19 @@ bool append(ItemId id) {
     return true;
 }
 
-bool tellRefusal(Refusal refusal, const std::string &name) {
-    constexpr OwnText causes[] = {OwnText::refusedKind, OwnText::refusedKind, OwnText::refusedShort,
-                                  OwnText::refusedLong};
-    tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, BoxIcon::none);
-    return false;
-}
-
 enum class Queued { added, refused, full };
 
-Queued queueSingle(ItemId id) {
+struct Walk {
+    std::vector<ItemId> above;  // the folders on the way down, so that a circle in a damaged library ends
+    std::size_t refused = 0;
+};
+
+Queued queueSingle(ItemId id, Walk &walk) {
     StoredItem item;
     if (!storeReadItem(id, item)) return Queued::refused;
     const Refusal refusal = outgoingRefusal(item, linkFamily());
     if (refusal != Refusal::none) {
-        tellRefusal(refusal, item.name);
+        if (++walk.refused <= refusalsTold) tellRefusal(refusal, item.name, BoxIcon::none);
         return Queued::refused;
     }
     if (append(id)) return Queued::added;
@@ -61,16 +59,15 @@ Queued queueSingle(ItemId id) {
     return Queued::full;
 }
 
-// above: the folders on the way down, so that a circle in a damaged library ends.
-Queued queueFolder(ItemId folder, std::vector<ItemId> &above) {
-    if (std::ranges::find(above, folder) != above.end()) return Queued::added;
-    above.push_back(folder);
+Queued queueFolder(ItemId folder, Walk &walk) {
+    if (std::ranges::find(walk.above, folder) != walk.above.end()) return Queued::added;
+    walk.above.push_back(folder);
     Queued result = Queued::added;
     for (const ItemEntry &child : storeListChildren(folder)) {
-        result = isFolderKind(child.kind) ? queueFolder(child.id, above) : queueSingle(child.id);
+        result = isFolderKind(child.kind) ? queueFolder(child.id, walk) : queueSingle(child.id, walk);
         if (result == Queued::full) break;
     }
-    above.pop_back();
+    walk.above.pop_back();
     return result == Queued::full ? Queued::full : Queued::added;
 }
 
@@ -90,10 +87,18 @@ bool transmitAvailable() { return true; }
 bool queueItem(ItemId id) {
     const auto entry = storeReadEntry(id);
     if (!entry) return false;
-    std::vector<ItemId> above;
-    const Queued result = isFolderKind(entry->kind) ? queueFolder(id, above) : queueSingle(id);
+    Walk walk;
+    const Queued result = isFolderKind(entry->kind) ? queueFolder(id, walk) : queueSingle(id, walk);
+    if (walk.refused > refusalsTold)
+        tellMore(108, OwnText::refusedMore, {std::to_string(walk.refused - refusalsTold)}, BoxIcon::none);
     userInterface.transmitQueueChanged();
     return result == Queued::added;
+}
+
+void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon) {
+    constexpr OwnText causes[] = {OwnText::refusedKind, OwnText::refusedKind, OwnText::refusedShort,
+                                  OwnText::refusedLong};
+    tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, icon);
 }
 
 bool askBackupConsent(QueuedItem &entry, const std::string &name) {

@@ -7,6 +7,8 @@
 
 #include "calculator/frames.h"
 #include "calculator/item_kinds.h"
+#include "link/outgoing_image.h"
+#include "platform/user_interface.h"
 
 namespace numalink {
 
@@ -21,7 +23,8 @@ struct QueuedItem {
 bool transmitAvailable();  // whether the program can transmit at all
 
 // Appends the item, or all that a folder holds at any depth. False when it was refused (told by name, text 108) or
-// the queue is full (told). What a folder holds and can't go is told item by item, and the rest is queued.
+// the queue is full (told). What a folder holds and can't go is told item by item, a few at most, and the rest is
+// queued.
 bool queueItem(ItemId id);
 
 // Graphical thread. Asks for picture slots and the consent to backups, then marks the wish to transmit; the attention
@@ -50,6 +53,9 @@ std::size_t transmitQueueDrop();
 void transmitQueueAnswered(const QueuedItem &item);
 void transmitConversation(bool runs);
 bool transmitConversationRuns();
+
+// Text 108 and the cause, with the item's name in calculator codes.
+void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon);
 
 // The user's answers, asked for where they are missing: false when the item isn't to go.
 bool askPictureSlotOf(QueuedItem &entry, const std::string &name, ByteView head);

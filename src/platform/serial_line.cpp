@@ -84,9 +84,12 @@ LineFault faultOf(int cause) {
     }
 }
 
+// The group whose members may use the device, if it is one that people are added to.
 std::string groupOf(const std::string &path) {
+    constexpr mode_t readAndWrite = S_IRGRP | S_IWGRP;
     struct stat facts {};
     if (stat(path.c_str(), &facts) != 0) return {};
+    if (facts.st_gid == 0 || (facts.st_mode & readAndWrite) != readAndWrite) return {};
     group record{};
     group *found = nullptr;
     char texts[4096];

@@ -16,7 +16,7 @@ enum class LineFault {
     none,
     missing,    // no such device
     busy,       // some other program has it
-    denied,     // no permission; group tells who has it
+    denied,     // no permission; group tells who has it, if a group has
     notSerial,  // something else than a serial line
     failed
 };
@@ -24,7 +24,7 @@ enum class LineFault {
 struct LineOpening {
     LineFault fault = LineFault::none;
     std::string path;           // the device that the name meant
-    std::string group;          // for denied: the group that owns the device, or empty
+    std::string group;          // for denied: the group that may use the device, or empty
     bool settingsTaken = true;  // false when the open device refused speed or format
 };
 

@@ -4,18 +4,17 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QHBoxLayout>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
-#include <QVBoxLayout>
 
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/serial_line.h"
-#include "settings/tell_user.h"
 #include "shell/command_table.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
@@ -29,22 +28,34 @@ namespace numalink {
 namespace {
 
 constexpr int deadlineMilliseconds = 500;
+constexpr int transmitQueueText = 89;
 
 QPointer<QTimer> deadlineTimer;
 QPointer<QDialog> queueWindow;
 QPointer<QListWidget> queueList;
-QPointer<QPushButton> queueAgainButton;
+QPointer<QPushButton> sendButton, removeButton, clearButton, againButton;
 
+void showButtons() {
+    sendButton->setEnabled(transmitCanBegin());
+    removeButton->setEnabled(queueList->currentItem() != nullptr);
+    clearButton->setEnabled(queueList->count() > 0);
+    againButton->setEnabled(transmitDroppedCount() > 0);
+}
+
+// The list is made anew with each entry that goes; what is chosen in it stays chosen.
 void showQueue() {
     setCommandEnabled(command::transmitQueue, transmitCanBegin());
     if (queueList == nullptr) return;
+    const QListWidgetItem *chosen = queueList->currentItem();
+    const ItemId chosenId = chosen == nullptr ? noItem : chosen->data(Qt::UserRole).toUInt();
     queueList->clear();
     for (const ItemId id : transmitQueueIds()) {
         const std::optional<ItemEntry> item = storeReadEntry(id);
         auto *row = new QListWidgetItem(item ? nameToQt(item->name) : QStringLiteral("?"), queueList);
         row->setData(Qt::UserRole, id);
+        if (id == chosenId) queueList->setCurrentItem(row);
     }
-    queueAgainButton->setEnabled(transmitDroppedCount() > 0);
+    showButtons();
 }
 
 void removeChosen() {
@@ -52,27 +63,32 @@ void removeChosen() {
     if (row != nullptr) transmitQueueRemove(row->data(Qt::UserRole).toUInt());
 }
 
-QPushButton *addButton(QDialogButtonBox *buttons, OwnText text, void (*pressed)()) {
-    QPushButton *button = buttons->addButton(textOf(text), QDialogButtonBox::ActionRole);
+QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pressed)()) {
+    QPushButton *button = buttons->addButton(text, QDialogButtonBox::ActionRole);
+    button->setAutoDefault(false);  // Enter in the list does nothing
     QObject::connect(button, &QPushButton::clicked, queueWindow, pressed);
     return button;
 }
 
+void makeQueueWindow() {
+    queueWindow = new QDialog(mainWindow, Qt::Tool);
+    queueWindow->setObjectName(QStringLiteral("queueWindow"));
+    queueWindow->setWindowTitle(textOf(OwnText::queueTitle));
+    queueList = new QListWidget;
+    queueList->setAccessibleName(textOf(OwnText::queueTitle));
+    auto *buttons = new QDialogButtonBox(Qt::Vertical);
+    sendButton = addButton(buttons, textOf(transmitQueueText), [] { beginTransmit(); });
+    removeButton = addButton(buttons, textOf(OwnText::queueRemove), removeChosen);
+    clearButton = addButton(buttons, textOf(OwnText::queueClear), transmitQueueClear);
+    againButton = addButton(buttons, textOf(OwnText::queueAgain), [] { transmitQueueAgain(); });
+    QObject::connect(queueList, &QListWidget::currentItemChanged, queueWindow, showButtons);
+    auto *layout = new QHBoxLayout(queueWindow);
+    layout->addWidget(queueList);
+    layout->addWidget(buttons);
+}
+
 void openQueueWindow() {
-    if (queueWindow == nullptr) {
-        queueWindow = new QDialog(mainWindow, Qt::Tool);
-        queueWindow->setObjectName(QStringLiteral("queueWindow"));
-        queueWindow->setWindowTitle(textOf(OwnText::queueTitle));
-        queueList = new QListWidget;
-        queueList->setAccessibleName(textOf(OwnText::queueTitle));
-        auto *buttons = new QDialogButtonBox;
-        addButton(buttons, OwnText::queueRemove, removeChosen);
-        addButton(buttons, OwnText::queueClear, transmitQueueClear);
-        queueAgainButton = addButton(buttons, OwnText::queueAgain, [] { transmitQueueAgain(); });
-        auto *layout = new QVBoxLayout(queueWindow);
-        layout->addWidget(queueList);
-        layout->addWidget(buttons);
-    }
+    if (queueWindow == nullptr) makeQueueWindow();
     showQueue();
     queueWindow->show();
     queueWindow->raise();
@@ -84,16 +100,11 @@ std::vector<std::string> portsOffered() {
     return ports;
 }
 
-void restartLink() {
-    if (linkConversationRuns()) statusLine(StatusPart::link, OwnText::transferStopped);
-    startLinkThread();
-}
-
 }  // namespace
 
 void startLink() {
     listSerialPorts = portsOffered;
-    linkSettingsChanged = restartLink;
+    linkSettingsChanged = startLinkThread;
     deadlineTimer = new QTimer(mainWindow);
     QObject::connect(deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
     deadlineTimer->start(deadlineMilliseconds);
@@ -107,7 +118,8 @@ void stopLink() {
 
 int transmitSelected() {
     const bool wasEmpty = transmitQueueCount() == 0;
-    if (queueItem(selectedItemId()) && wasEmpty) beginTransmit();
+    queueItem(selectedItemId());  // of a full or mixed folder something waits all the same
+    if (wasEmpty) beginTransmit();
     return 1;
 }
 

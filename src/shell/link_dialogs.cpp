@@ -23,10 +23,10 @@ namespace {
 constexpr int slotCount = 6;
 constexpr int yesResult = 1, noResult = 2;  // 0, a closed dialog, is Cancel
 
-void addAnswer(QDialog *dialog, QDialogButtonBox *buttons, int textNumber, int result) {
+QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, int textNumber, int result) {
     QPushButton *button = buttons->addButton(textOf(textNumber), QDialogButtonBox::ActionRole);
     QObject::connect(button, &QPushButton::clicked, dialog, [dialog, result] { dialog->done(result); });
-    if (result == noResult) button->setDefault(true);  // what is on the calculator stays unless the user says so
+    return button;
 }
 
 QDialog *existsDialog(const std::string &question) {
@@ -37,11 +37,13 @@ QDialog *existsDialog(const std::string &question) {
     label->setTextFormat(Qt::PlainText);
     auto *buttons = new QDialogButtonBox;
     addAnswer(dialog, buttons, 152, yesResult);
-    addAnswer(dialog, buttons, 153, noResult);
+    QPushButton *no = addAnswer(dialog, buttons, 153, noResult);
     addAnswer(dialog, buttons, 113, 0);
     auto *layout = new QVBoxLayout(dialog);
     layout->addWidget(label);
     layout->addWidget(buttons);
+    no->setDefault(true);  // what is on the calculator stays unless the user says so
+    no->setFocus();        // a focused button takes Enter ahead of the default one
     return dialog;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/thread_role.h"
 #include "settings/language_table.h"
 #include "settings/own_texts.h"
+#include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
@@ -119,10 +120,15 @@ TEST_F(Import, CancelledItemsGoWithTheNextImport) {
 
 TEST_F(Import, TransmittingQueuesWhatWasRead) {
     uiRecord.importAction = ImportAction::transmit;
-    importText("a.cat", record("ONE"));
-    EXPECT_TRUE(uiRecord.boxes.empty());
+    settingsSetValue(setting::linkType, "algebra");  // takes no lists
+    const std::string list =
+        "%Header Record\r\nFormat:VAL\r\nData Type:LT\r\nRows:1\r\nColumns:1\r\nVariable Name:LIST\r\n"
+        "%Data Record\r\nValue : 1 1 2\r\n%End\r\n";
+    importText("a.cat", list + record("ONE"));
+    settingsSetValue(setting::linkType, "cfx");
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(transmitQueueIds().size(), 1u);
-    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("LIST", "ONE"));
     transmitQueueClear();
 }
 

@@ -67,6 +67,25 @@ TEST_F(Queue, refusesByNameWhatIsNotWholeOrTooLongOrOfAnotherFamily) {
                                                         "box 108 / 2 memory"}));
 }
 
+TEST_F(Queue, endsInACircleOfFoldersAndTellsAFewRefusalsOnly) {
+    const ItemId outer = addFolder("outer", rootId);
+    const ItemId inner = addFolder("inner", outer);
+    const ItemId program = addProgram("A", inner);
+    for (int i = 0; i < 11; i++) add("S" + std::to_string(i), kind::monochromeScreen, Bytes(40), {':', 0x3A}, inner);
+    storeClose();
+    std::string file = folder.read("storage.dat");
+    constexpr std::size_t parentBehindName = 73;  // in the head of a record
+    file[file.find("outer") + parentBehindName] = static_cast<char>(inner);
+    folder.write("storage.dat", file);
+    ASSERT_TRUE(storeOpen());
+    ASSERT_EQ(storeReadEntry(outer)->parent, inner);
+    uiRecord.lines.clear();
+    EXPECT_TRUE(queueItem(outer));
+    EXPECT_EQ(transmitQueueIds(), std::vector<ItemId>{program});
+    ASSERT_EQ(uiRecord.lines.size(), 9u);
+    EXPECT_EQ(uiRecord.lines.back(), "box 108 / 2 3");
+}
+
 TEST_F(Queue, refusesTheHundredAndFirstOnce) {
     const ItemId all = addFolder("all", rootId);
     for (int i = 0; i < 103; i++) addProgram("P" + std::to_string(i), all);

@@ -8,6 +8,7 @@
 #include <set>
 #include <thread>
 
+#include "exchange/import.h"
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
@@ -100,8 +101,12 @@ calculator::Item numberedItem(bool algebra, int number) {
     return algebra ? calculator::algebraProgram(name, tokens) : calculator::program(name, tokens);
 }
 
-// What a user does meanwhile.
-void alterLibrary(int step) {
+struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {
+    // What a user does meanwhile.
+    void alterLibrary(int step) const;
+};
+
+void BesideTheUser::alterLibrary(int step) const {
     const NewItem own{.name = "OWN" + std::to_string(step % 5),
                       .parent = storeStandardFolder(1001),
                       .kind = kind::program,
@@ -111,12 +116,15 @@ void alterLibrary(int step) {
     const ItemId id = storeAddItem(own);
     storeRename(id, "RENAMED" + std::to_string(step));
     if (step % 2 == 0) storeDelete(id);
+    if (step % 8 == 0) importFile(folder.path + "own.cas", "own");
     storeListItems();
 }
 
-struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {};
-
 TEST_P(BesideTheUser, itemsComeAndGo) {
+    const calculator::Item own = calculator::program("IMPORTED", {'A', 'B'});
+    folder.write("own.cas", std::string(own.head.begin(), own.head.end()).append(own.data.begin(), own.data.end()));
+    userInterface.askImport = [](ImportQuestion &) {};  // as it stands: into the standard folders
+    userInterface.leaveCurrentView = [] { return true; };
     chooseFamily(GetParam());
     startAndWait();
     for (int i = 0; i < 6; i++) other.toSend.push_back(numberedItem(GetParam(), i));
@@ -130,6 +138,7 @@ TEST_P(BesideTheUser, itemsComeAndGo) {
     EXPECT_EQ(other.failures, 0);
     const ItemId programs = storeStandardFolder(1001);
     for (int i = 0; i < 6; i++) EXPECT_TRUE(storeItemExists("P" + std::to_string(i), programs));
+    EXPECT_TRUE(storeItemExists("IMPORTED", programs));
 
     other.state = calculator::State::rest;
     other.closed = false;

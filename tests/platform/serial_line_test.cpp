@@ -1,8 +1,10 @@
 // The real line over a pseudo terminal: time-outs, wakes, exclusive use, unplugging, and what COM1 means.
 #include "platform/serial_line.h"
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <thread>
@@ -104,6 +106,29 @@ TEST(SerialDevices, tellWhyTheyDoNotOpen) {
     EXPECT_EQ(systemSerialLine.open(folder.path + "absent", baud).fault, LineFault::missing);
     EXPECT_EQ(systemSerialLine.open(folder.path + "plain", baud).fault, LineFault::notSerial);
     EXPECT_EQ(folder.read("plain"), "text");
+}
+
+// Files of somebody who may not use them, although a group may: only such a group is worth naming.
+TEST(SerialDevices, nameTheGroupThatGivesPermission) {
+    const ScratchFolder folder;
+    const bool isRoot = geteuid() == 0;
+    const uid_t nobody = isRoot ? 65534 : geteuid();
+    const gid_t given = isRoot ? 20 : getegid();
+    const auto openOf = [&](const char *name, gid_t group, mode_t mode) {
+        const std::string path = folder.path + name;
+        folder.write(name, "");
+        EXPECT_EQ(chown(path.c_str(), nobody, group), 0);
+        EXPECT_EQ(chmod(path.c_str(), mode), 0);
+        EXPECT_EQ(seteuid(nobody), 0);
+        const LineOpening opening = systemSerialLine.open(path, baud);
+        EXPECT_EQ(seteuid(isRoot ? 0 : nobody), 0);
+        EXPECT_EQ(opening.fault, LineFault::denied);
+        return opening;
+    };
+    ASSERT_EQ(chmod(folder.path.c_str(), 0755), 0);
+    EXPECT_EQ(openOf("whole", given, 0060).group, getgrgid(given)->gr_name);
+    EXPECT_EQ(openOf("half", given, 0020).group, "");
+    EXPECT_EQ(openOf("root", isRoot ? 0 : given, isRoot ? 0060 : 0).group, "");
 }
 
 TEST(SerialDevices, areListedByLastingNamesAndCountedForComNumbers) {

@@ -126,10 +126,12 @@ void hearData(Calculator &own, std::uint8_t byte) {
     if (own.item.data.size() >= whole) takeItem(own);
 }
 
-// ALGEBRA: the other's model frame, then 0x06 on both sides.
+// ALGEBRA: the other's model frame, then 0x06 on both sides. Whoever was called says its model frame last.
 void hearModel(Calculator &own, std::uint8_t byte) {
+    const bool receives = own.state == State::hearModel;
     if (own.modelHeard) {
         if (byte != 0x06) return giveUp(own);
+        if (!receives) return sayNextHead(own);
         say(own, 0x06);
         own.state = State::hearHead;
         return;
@@ -139,20 +141,7 @@ void hearModel(Calculator &own, std::uint8_t byte) {
     own.modelHeard = isGood(own.heard);
     own.heard.clear();
     if (!own.modelHeard) return giveUp(own);
-    say(own, modelFrame());
-}
-
-void hearOtherModel(Calculator &own, std::uint8_t byte) {
-    if (own.modelHeard) {
-        if (byte != 0x06) return giveUp(own);
-        return sayNextHead(own);
-    }
-    own.heard.push_back(byte);
-    if (own.heard.size() < 40) return;
-    own.modelHeard = isGood(own.heard);
-    own.heard.clear();
-    if (!own.modelHeard) return giveUp(own);
-    say(own, 0x06);
+    receives ? say(own, modelFrame()) : say(own, 0x06);
 }
 
 void hearAtRest(Calculator &own, std::uint8_t byte) {
@@ -186,8 +175,6 @@ void hear(Calculator &own, std::uint8_t byte) {
             return hearAtRest(own, byte);
         case State::waitReady:
             return hearReady(own, byte);
-        case State::waitModel:
-            return hearOtherModel(own, byte);
         case State::waitHeadAnswer:
             return hearHeadAnswer(own, byte);
         case State::waitDataAnswer:
@@ -197,6 +184,7 @@ void hear(Calculator &own, std::uint8_t byte) {
         case State::hearHead:
             own.heard.push_back(byte);
             return hearHead(own);
+        case State::waitModel:
         case State::hearModel:
             return hearModel(own, byte);
         case State::hearData:

@@ -2,8 +2,6 @@
 // serial port, and sends item files, or takes what comes into a folder, as often as it is spoken to.
 #include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -14,6 +12,7 @@
 #include <iterator>
 #include <thread>
 
+#include "support/pseudo_terminal.h"
 #include "virtual_calculator/calculator_mover.h"
 
 namespace {
@@ -36,22 +35,6 @@ struct Options {
     calculator::Moving moving;
     std::uint64_t seed = 1;
 };
-
-int openTerminal(std::string &path) {
-    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    char name[128] = "";
-    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0 || ptsname_r(master, name, sizeof name) != 0)
-        return -1;
-    path = name;
-    termios state{};
-    tcgetattr(master, &state);
-    cfmakeraw(&state);
-    tcsetattr(master, TCSANOW, &state);
-    // Only after one end has been opened and closed does the other tell whether somebody is there.
-    ::close(::open(name, O_RDWR | O_NOCTTY));
-    fcntl(master, F_SETFL, O_NONBLOCK);
-    return master;
-}
 
 bool somebodyIsThere(int master) {
     pollfd entry{master, POLLIN, 0};
@@ -107,9 +90,12 @@ void sendNoise(int master, int count, std::uint64_t seed) {
 }
 
 int run(Options options) {
-    std::string path;
-    const int master = openTerminal(path);
-    if (master < 0) return 2;
+    const numalink::PseudoTerminal terminal;
+    const int master = terminal.master;
+    std::string path = terminal.path;
+    if (path.empty()) return 2;
+    // Only after one end has been opened and closed does the other tell whether somebody is there.
+    ::close(::open(path.c_str(), O_RDWR | O_NOCTTY));
     if (!options.linkPath.empty()) {
         unlink(options.linkPath.c_str());
         if (symlink(path.c_str(), options.linkPath.c_str()) == 0) path = options.linkPath;
@@ -144,7 +130,7 @@ int run(Options options) {
         const bool ended = moveCalculator(own, master, options.moving);
         written = writeReceived(options, own, written);
         if (ended) {
-            std::printf("%s: %d failures\n", own.closed ? "closed" : "ended", own.failures);
+            std::printf("%s, failures: %d\n", own.closed ? "closed" : "ended", own.failures);
             std::fflush(stdout);
             if (options.once) break;
         }
