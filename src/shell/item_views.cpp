@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <algorithm>
 #include <utility>
@@ -198,6 +199,18 @@ int openSelectedItem() {
     if (isDrawn(item.kind)) showDrawn(item);
     infoToStatus(item);
     return 1;
+}
+
+bool reopenView() {
+    const bool hadFocus = mainWindow->focusWidget() == programEdit;
+    const ItemId id = viewItemId;
+    const int caret = programEdit->textCursor().position();
+    if (!leaveCurrentView()) return false;
+    openSelectedItem();
+    if (viewItemId != id || !isTextKind(viewKind)) return true;
+    putCaretAt(caret);
+    if (hadFocus) programEdit->setFocus();
+    return true;
 }
 
 bool leaveCurrentView() { return leave(Leaving::view); }

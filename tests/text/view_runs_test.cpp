@@ -143,7 +143,6 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("\"Score\"", 7, "A"), "\"Score\"A");
     EXPECT_EQ(afterTyping("\"A*B\"", 1, "X"), "\"XA*B\"");
     EXPECT_EQ(afterTyping("A or B", 6, "2"), "A or B2");
-    EXPECT_EQ(afterTyping("DO", 2, "1"), "DO1");
     EXPECT_EQ(afterTyping("'A or B", 7, "2"), "'A or B2");
     // Typed inside quotes, beside untouched letters: no joining.
     EXPECT_EQ(afterTyping("\"Sce\"", 3, "o"), "\"Scoe\"");
@@ -152,18 +151,12 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("Ao", 2, "r"), "A\xAA");
     EXPECT_EQ(afterTyping("A\x99", 2, ">"), "A\x0E");
     EXPECT_EQ(afterTyping("\xAA", 0, "x"), "\x9A");
-    EXPECT_EQ(afterTyping("", 0, "2=/=3"),
-              "2\x11"
-              "3");
     EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"),
               "2\x11"
               "3");
     EXPECT_EQ(afterTyping("", 0, "P\xB9L\x99Orange"),
               "\x7F"
               "1");
-    EXPECT_EQ(afterTyping("", 0, "A->B"),
-              "A\x0E"
-              "B");
 }
 
 TEST_F(ViewRuns, MarksFromBytesGiveThemBackAndTypedOnesAreText) {
@@ -193,15 +186,6 @@ TEST_F(ViewRuns, BytesBehindAnEndMarkInsideAreShownAndKept) {
     EXPECT_EQ(viewLines({}).size(), 1u);
     EXPECT_EQ(viewLines(imageOf("\x7F")).front().text, "<127> ");
     EXPECT_EQ(viewLines(Bytes{':', 0xFF, 0x3B}).front().text, "");
-}
-
-TEST_F(ViewRuns, DisplayCommandsTakeTheLineEndWithThem) {
-    const std::vector<ViewLine> lines = viewLines(imageOf("A\x0C\rB\x0C"));
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0].text, "A\xDD");
-    EXPECT_EQ(lines[1].text, "");
-    EXPECT_EQ(lines[2].text, "B\xDD");
-    EXPECT_EQ(storedAgain(lines), imageOf("A\x0C\rB\x0C"));
 }
 
 TEST_F(ViewRuns, CharactersWithoutACodeAreTheFault) {
