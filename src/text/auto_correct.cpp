@@ -47,17 +47,12 @@ TypedToken firstSpelling(std::span<const SpellingRow> rows, std::string_view tex
 bool isDash(char code) { return code == '-' || code == '\x99' || code == '\x87'; }
 char folded(char code) { return code >= 'A' && code <= 'Z' ? static_cast<char>(code - 'A' + 'a') : code; }
 
-// Whether a display text that begins so can match at all: this spares nearly all records, at each key, from more.
-bool mayBegin(char first, std::string_view text) {
-    return !text.empty() && (folded(first) == folded(text[0]) || (isDash(first) && isDash(text[0])));
-}
-
 TypedToken longestDisplay(std::string_view text, bool quoted, bool autoCorrect) {
     const TokenRecord *best = nullptr;
     std::size_t bestLength = 0;
-    for (std::size_t i = 0; i < tokenCount(); i++) {
-        const TokenRecord &record = tokenRecord(i);
-        if (!mayBegin(record.glyph != 0 ? static_cast<char>(record.glyph) : record.displayText[0], text)) continue;
+    if (text.empty()) return {};
+    for (const std::uint16_t number : tokensShownFrom(text[0])) {
+        const TokenRecord &record = tokenRecord(number);
         const std::string_view display = tokenDisplay(record);
         if (display.size() <= bestLength) continue;
         const bool exact = !autoCorrect || display.size() < 2 || quoted;
