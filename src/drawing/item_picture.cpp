@@ -90,16 +90,24 @@ PictureFault pictureFault(ItemKind itemKind, ByteView head, ByteView data) {
     return data.size() < wanted ? PictureFault::endsEarly : PictureFault::none;
 }
 
-Surface matrixSurface(const MatrixValues &matrix, PickedCell picked) {
-    const MatrixPicture picture{matrix.columns, matrix.rows, matrix.values, picked.row, picked.column};
-    Surface surface(std::max(matrixPictureWidth(matrix.columns), valueWidth), matrixPictureHeight(matrix.rows));
+PictureSize matrixSize(const MatrixValues &matrix) {
+    return {std::max(matrixPictureWidth(matrix.columns), valueWidth), matrixPictureHeight(matrix.rows)};
+}
+
+Surface matrixPart(const MatrixValues &matrix, PickedCell picked, int left, int top, PictureSize size) {
+    const MatrixPicture picture{matrix.columns, matrix.rows, matrix.values, picked.row, picked.column, left, top};
+    const PictureSize whole = matrixSize(matrix);
+    Surface surface(size.width, size.height);
     drawMatrix(surface, picture);
-    drawPickedValue(surface, picture, surface.width, surface.height);
+    drawPickedValue(surface, picture, whole.width, whole.height);
     return surface;
 }
 
 Surface itemSurface(ItemKind itemKind, ByteView head, ByteView data) {
-    if (isMatrix(itemKind)) return matrixSurface(matrixValuesOf(head, data), {});
+    if (isMatrix(itemKind)) {
+        const MatrixValues matrix = matrixValuesOf(head, data);
+        return matrixPart(matrix, {}, 0, 0, matrixSize(matrix));
+    }
     if (itemKind == kind::backup) return drawBackup(head, data);
     if (isScreen(itemKind)) return screenSurface(itemKind, head, data);
     if (itemKind != kind::picture) return {};

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "calculator/item_kinds.h"
+#include "drawing/plane_picture.h"
 #include "platform/bytes.h"
 #include "platform/surface.h"
 
@@ -29,8 +30,10 @@ bool isDrawn(ItemKind itemKind);  // matrices, lists, pictures, screen copies, b
 MatrixValues matrixValuesOf(ByteView head, ByteView data);
 PictureFault pictureFault(ItemKind itemKind, ByteView head, ByteView data);
 
-// The table with the picked cell and its value at full length.
-Surface matrixSurface(const MatrixValues &matrix, PickedCell picked);
+// The table with the picked cell and its value at full length: its size in dots, and a part of it. All of a table of
+// 500 rows and columns would take 226 MB.
+PictureSize matrixSize(const MatrixValues &matrix);
+Surface matrixPart(const MatrixValues &matrix, PickedCell picked, int left, int top, PictureSize size);
 
 // An item's surface; an empty one for kinds that aren't drawn. Picture sides beyond 1024 dots are cut.
 Surface itemSurface(ItemKind itemKind, ByteView head, ByteView data);

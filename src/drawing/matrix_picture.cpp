@@ -13,6 +13,7 @@ namespace numalink {
 namespace {
 
 constexpr int columnWidth = 28, rowHeight = 8;
+constexpr int columnReach = 45, rowReach = 17;  // dots from the start of a column or row to the end of what is drawn
 constexpr int cellDigits = 6, pickedDigits = 15;
 constexpr std::size_t cellTextLimit = 6;
 constexpr char minusCode = '\x87', plusCode = '\x89', exponentCode = '\xDF';
@@ -31,16 +32,13 @@ std::string generalText(double value, int digits) {
     return text;
 }
 
-// Six characters of "1.23456e+012": the exponent keeps its digits and takes the place of the last ones ahead of it.
+// Six characters of "1.23456e+012": the exponent keeps its digits, without leading zeros, and the digits ahead of it
+// are cut.
 void squeeze(std::string &text, std::size_t mark) {
-    const bool isNegative = text[mark + 1] == '-';
-    const char tens = text[mark + 3];
-    const char ones = text[mark + 4];
-    std::string tail = isNegative ? "e-" : "e";
-    if (tens != '0') tail += tens;
-    tail += ones;
-    text.resize(std::max(text.size(), cellTextLimit), ' ');
-    std::copy(tail.begin(), tail.end(), text.begin() + static_cast<std::ptrdiff_t>(cellTextLimit - tail.size()));
+    const std::size_t digits = std::min(text.find_first_not_of('0', mark + 2), text.size() - 1);
+    const std::string tail = (text[mark + 1] == '-' ? "e-" : "e") + text.substr(digits);
+    text.resize(std::min(mark, cellTextLimit - tail.size()));
+    text += tail;
 }
 
 bool holds(const MatrixPicture &picture, int row, int column) {
@@ -54,28 +52,43 @@ double valueAt(const MatrixPicture &picture, int row, int column) {
                           static_cast<std::size_t>(column)];
 }
 
-void drawHeads(Surface &surface, int columns) {
-    for (int c = 0; c < columns && c * columnWidth < surface.width; c++) {
-        drawLine(surface, c * columnWidth + 18, 7, c * columnWidth + 43, 7, lcdColor::green);
-        drawDigitText(surface, c * columnWidth + 32, 1, std::to_string(c + 1), lcdColor::blue);
+// The first column or row, from 0, of which something lies at or behind a dot; the end of their range is reach.
+int firstReaching(int dot, int step, int reach) { return std::max(0, (dot - reach) / step); }
+
+void drawHeads(Surface &surface, const MatrixPicture &picture, int columns) {
+    for (int c = firstReaching(picture.left, columnWidth, columnReach); c < columns; c++) {
+        const int x = c * columnWidth - picture.left;
+        if (x >= surface.width) return;
+        drawLine(surface, x + 18, 7 - picture.top, x + 43, 7 - picture.top, lcdColor::green);
+        drawDigitText(surface, x + 32, 1 - picture.top, std::to_string(c + 1), lcdColor::blue);
     }
 }
 
-void drawBracket(Surface &surface, int rows) {
-    const int top = rows == 1 ? 12 : 11;
-    const int bottom = rows * rowHeight + 7;
-    drawLine(surface, 17, top, 15, top, lcdColor::green);
-    drawLine(surface, 15, top, 15, bottom, lcdColor::green);
-    drawLine(surface, 15, bottom, 18, bottom, lcdColor::green);
+void drawBracket(Surface &surface, const MatrixPicture &picture, int rows) {
+    const int top = (rows == 1 ? 12 : 11) - picture.top;
+    const int bottom = rows * rowHeight + 7 - picture.top;
+    const int x = 15 - picture.left;
+    drawLine(surface, x + 2, top, x, top, lcdColor::green);
+    drawLine(surface, x, top, x, bottom, lcdColor::green);
+    drawLine(surface, x, bottom, x + 3, bottom, lcdColor::green);
 }
 
 void drawCell(Surface &surface, const MatrixPicture &picture, int row, int column) {
-    const int x = column * columnWidth;
-    const int y = row * rowHeight;
+    const int x = column * columnWidth - picture.left;
+    const int y = row * rowHeight - picture.top;
     const bool isPicked = row == picture.pickedRow - 1 && column == picture.pickedColumn - 1;
     if (isPicked) fillRectangle(surface, x + 18, y + 9, x + 43, y + 17, lcdColor::blue);
     const Color color = isPicked ? lcdColor::background : lcdColor::blue;
     drawDigitText(surface, x + 44, y + 11, matrixCellText(valueAt(picture, row, column)), color);
+}
+
+void drawRow(Surface &surface, const MatrixPicture &picture, int row, int columns) {
+    drawDigitText(surface, 12 - picture.left, row * rowHeight - picture.top + 11, std::to_string(row + 1),
+                  lcdColor::blue);
+    for (int column = firstReaching(picture.left, columnWidth, columnReach);
+         column < columns && column * columnWidth - picture.left < surface.width; column++) {
+        if (holds(picture, row, column)) drawCell(surface, picture, row, column);
+    }
 }
 
 }  // namespace
@@ -108,21 +121,18 @@ void drawMatrix(Surface &surface, const MatrixPicture &picture) {
     fillRectangle(surface, 0, 0, surface.width, surface.height, lcdColor::background);
     const int columns = std::min(picture.columns, matrixPictureLimit);
     const int rows = std::min(picture.rows, matrixPictureLimit);
-    drawHeads(surface, columns);
-    drawBracket(surface, rows);
-    for (int row = 0; row < rows && row * rowHeight < surface.height; row++) {
-        drawDigitText(surface, 12, row * rowHeight + 11, std::to_string(row + 1), lcdColor::blue);
-        for (int column = 0; column < columns && column * columnWidth < surface.width; column++) {
-            if (holds(picture, row, column)) drawCell(surface, picture, row, column);
-        }
-    }
+    drawHeads(surface, picture, columns);
+    drawBracket(surface, picture, rows);
+    for (int row = firstReaching(picture.top, rowHeight, rowReach);
+         row < rows && row * rowHeight - picture.top < surface.height; row++)
+        drawRow(surface, picture, row, columns);
 }
 
-void drawPickedValue(Surface &surface, const MatrixPicture &picture, int surfaceWidth, int surfaceHeight) {
+void drawPickedValue(Surface &surface, const MatrixPicture &picture, int tableWidth, int tableHeight) {
     if (!holds(picture, picture.pickedRow - 1, picture.pickedColumn - 1)) return;
     const std::string text = matrixPickedText(valueAt(picture, picture.pickedRow - 1, picture.pickedColumn - 1));
-    drawLargeText(surface, surfaceWidth - static_cast<int>(text.size()) * largeCharAdvance, surfaceHeight - 20, text,
-                  lcdColor::blue, lcdColor::background);
+    drawLargeText(surface, tableWidth - static_cast<int>(text.size()) * largeCharAdvance - picture.left,
+                  tableHeight - 20 - picture.top, text, lcdColor::blue, lcdColor::background);
 }
 
 }  // namespace numalink

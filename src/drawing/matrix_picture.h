@@ -16,16 +16,18 @@ struct MatrixPicture {
     std::span<const double> values;  // row by row; what it doesn't reach isn't drawn
     int pickedRow = 1;               // from 1
     int pickedColumn = 1;
+    int left = 0;  // the dot of the table that lies in the surface's top left corner
+    int top = 0;
 };
 
-// The table, over the whole surface. The picked cell stands in inverse.
+// What of the table lies on the surface; nothing else is worked out. The picked cell stands in inverse.
 void drawMatrix(Surface &surface, const MatrixPicture &picture);
 
-// The surface that an item's table needs.
+// Dots of the whole table.
 int matrixPictureWidth(int columns);
 int matrixPictureHeight(int rows);
-// The picked cell's value at full length below the table, right-aligned in a surface of that size.
-void drawPickedValue(Surface &surface, const MatrixPicture &picture, int surfaceWidth, int surfaceHeight);
+// The picked cell's value at full length below a table of that size, right-aligned.
+void drawPickedValue(Surface &surface, const MatrixPicture &picture, int tableWidth, int tableHeight);
 
 std::string matrixCellText(double value);    // at most six characters
 std::string matrixPickedText(double value);  // 15 digits, in calculator codes

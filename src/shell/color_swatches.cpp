@@ -25,6 +25,8 @@ namespace numalink {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr int swatchWidth = 36, swatchHeight = 16, previewLines = 6;
 
 // In the order of the dialog, down each column: the class and its wording.
@@ -43,7 +45,7 @@ constexpr SwatchRow swatchRows[] = {
     {RunClass::comment, 138},
 };
 
-// A program in which each class occurs.
+// A program in which each class occurs. It holds a zero byte.
 constexpr std::string_view previewTokens =
     "'DEMO\r\"SCORE\"?\x0E"
     "A\x0C"
@@ -52,7 +54,7 @@ constexpr std::string_view previewTokens =
     "\xD1\r"
     "\x81"
     "A\x89\x7F\x40"
-    "1\xFA";
+    "1\xFA"sv;
 
 std::array<QColor, runClassCount> colours;
 std::array<QPushButton *, runClassCount> buttons;

@@ -168,7 +168,7 @@ int deleteWithQuestion() {
 }
 
 int refreshView() {
-    if (leaveCurrentView()) handleCommand(command::openView);
+    reopenView();
     return 1;
 }
 

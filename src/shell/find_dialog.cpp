@@ -15,8 +15,10 @@
 #include "shell/dialog_parts.h"
 #include "shell/fonts.h"
 #include "shell/item_views.h"
+#include "shell/program_document.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
+#include "text/view_edit.h"
 
 namespace numalink {
 
@@ -51,10 +53,24 @@ bool askFind() {
     return accepted && !findText.isEmpty();
 }
 
-// From the end of the selection on; line feeds can't be searched for.
+// A text as the program shows it once it is typed: what is wanted comes from the same keyboard.
+QString asShown(const QString &typed) {
+    const ViewLine line = typedLine(typed.toStdString());
+    const LineReading reading = readLine(line, true);
+    return reading.faultAt < 0 ? qtFromCodes(shownLine(line, reading).text) : typed;
+}
+
+// The nearer of the text as it was typed and as it shows; from the end of the selection on, within a line.
+QTextCursor nextFound() {
+    const int from = programEdit->textCursor().selectionEnd();
+    const QTextCursor typed = programEdit->document()->find(findText, from);
+    const QTextCursor shown = programEdit->document()->find(asShown(findText), from);
+    if (typed.isNull() || shown.isNull()) return typed.isNull() ? shown : typed;
+    return typed.selectionStart() <= shown.selectionStart() ? typed : shown;
+}
+
 void search() {
-    const QTextCursor caret = programEdit->textCursor();
-    const QTextCursor found = programEdit->document()->find(findText, caret.selectionEnd());
+    const QTextCursor found = nextFound();
     if (found.isNull()) {
         tellFixed(notFound, {}, programTitle);
     } else {

@@ -2,12 +2,15 @@
 
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <algorithm>
 #include <utility>
 
+#include "calculator/charset.h"
 #include "calculator/program_info.h"
 #include "drawing/item_picture.h"
+#include "drawing/matrix_picture.h"
 #include "platform/thread_role.h"
 #include "settings/tell_user.h"
 #include "shell/emulator_window.h"
@@ -31,6 +34,9 @@ namespace {
 
 MatrixValues matrixOnView;
 PickedCell picked;
+std::string matrixInfo;  // the status line of the matrix on view, without its picked cell
+
+bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
 
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, 21);
@@ -50,6 +56,16 @@ void scrollToPicked() {
     const int y = picked.row == 1 ? 0 : (picked.row - 1) * rowHeight + headHeight;
     showSurfacePart(x, y, columnWidth + (picked.column == 1 ? headWidth : 0),
                     rowHeight + (picked.row == 1 ? headHeight : 0));
+}
+
+// The value below a large table is out of sight: the status bar has it too.
+std::string pickedInfo() {
+    const std::size_t place =
+        static_cast<std::size_t>(picked.row - 1) * static_cast<std::size_t>(matrixOnView.columns) +
+        static_cast<std::size_t>(picked.column - 1);
+    if (place >= matrixOnView.values.size()) return {};
+    return "; " + std::to_string(picked.row) + ", " + std::to_string(picked.column) + ": " +
+           utf8FromCalculator(matrixPickedText(matrixOnView.values[place]));
 }
 
 bool matrixKeys(const QKeyEvent &key) {
@@ -72,19 +88,27 @@ bool matrixKeys(const QKeyEvent &key) {
     }
     picked.column = std::clamp(picked.column, 1, std::max(1, matrixOnView.columns));
     picked.row = std::clamp(picked.row, 1, std::max(1, matrixOnView.rows));
-    if (picked.row != before.row || picked.column != before.column) changeSurface(matrixSurface(matrixOnView, picked));
+    if (picked.row != before.row || picked.column != before.column) {
+        redrawSurface();
+        userInterface.statusText(StatusPart::item, 23, matrixInfo + pickedInfo());
+    }
     scrollToPicked();
     return true;
 }
 
+Surface partOfMatrix(int left, int top, int width, int height) {
+    return matrixPart(matrixOnView, picked, left, top, {width, height});
+}
+
 void showDrawn(const StoredItem &item) {
-    if (item.kind != kind::matrix && item.kind != kind::list) {
-        showSurface(itemSurface(item.kind, item.head, item.data), nullptr);
+    if (!isMatrix(item.kind)) {
+        showSurface(itemSurface(item.kind, item.head, item.data));
         return;
     }
     matrixOnView = matrixValuesOf(item.head, item.data);
     picked = {};
-    showSurface(matrixSurface(matrixOnView, picked), matrixKeys);
+    const PictureSize size = matrixSize(matrixOnView);
+    showSurfaceInParts(size.width, size.height, partOfMatrix, matrixKeys);
 }
 
 std::optional<OwnText> faultText(PictureFault fault) {
@@ -104,14 +128,17 @@ std::optional<OwnText> faultText(PictureFault fault) {
 void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
-    const std::optional<OwnText> fault = faultText(pictureFault(item.kind, item.head, item.data));
     if (info && !info->password.empty()) {
         statusLine(StatusPart::item, 22, {size, utf8FromCalculator(info->password)});
-    } else if (fault) {
-        userInterface.statusText(StatusPart::item, 23, languageFormat(23, {size}) + "; " + ownText(*fault));
-    } else {
-        statusLine(StatusPart::item, 23, {size});
+        return;
     }
+    std::string line = languageFormat(23, {size});
+    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + ownText(*fault);
+    if (isMatrix(item.kind)) {
+        matrixInfo = line;
+        line += pickedInfo();
+    }
+    userInterface.statusText(StatusPart::item, 23, line);
 }
 
 void closeView() {
@@ -172,6 +199,18 @@ int openSelectedItem() {
     if (isDrawn(item.kind)) showDrawn(item);
     infoToStatus(item);
     return 1;
+}
+
+bool reopenView() {
+    const bool hadFocus = mainWindow->focusWidget() == programEdit;
+    const ItemId id = viewItemId;
+    const int caret = programEdit->textCursor().position();
+    if (!leaveCurrentView()) return false;
+    openSelectedItem();
+    if (viewItemId != id || !isTextKind(viewKind)) return true;
+    putCaretAt(caret);
+    if (hadFocus) programEdit->setFocus();
+    return true;
 }
 
 bool leaveCurrentView() { return leave(Leaving::view); }

@@ -14,6 +14,9 @@ void forgetViews();
 // Opens the view of the selected item. 0 with nothing selected.
 int openSelectedItem();
 
+// Shows the selected item anew, with caret and focus where they were. False when the view can't be left.
+bool reopenView();
+
 // True when the view is gone. Must be asked before anything changes the selection or the item on view. An edited
 // program is stored; where that can't be, the user goes back (false) or discards the changes.
 bool leaveCurrentView();

@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextLayout>
 
 #include "shell/event_hook.h"
 #include "shell/shell_widgets.h"
@@ -27,6 +28,12 @@ QFont numberFont(int greatest, int width) {
     return font;
 }
 
+// A character of another face makes its line higher.
+int baselineOf(const QTextBlock &block) {
+    const QTextLayout *layout = block.layout();
+    return layout->lineCount() > 0 ? qRound(layout->lineAt(0).ascent()) : QFontMetrics(programEdit->font()).ascent();
+}
+
 void paintNumbers() {
     QPainter painter(lineNumberEdit);
     const QPalette &palette = lineNumberEdit->palette();
@@ -35,14 +42,13 @@ void paintNumbers() {
     painter.setFont(numberFont(programEdit->blockCount(), lineNumberEdit->width()));
     const QWidget *viewport = programEdit->viewport();
     const int offset = viewport->mapTo(clientArea, QPoint(0, 0)).y() - lineNumberEdit->y();
-    const int baseline = QFontMetrics(programEdit->font()).ascent();
     for (QTextBlock block = programEdit->cursorForPosition(QPoint(0, 0)).block(); block.isValid();
          block = block.next()) {
         const int top = programEdit->cursorRect(QTextCursor(block)).top() + offset;
         if (top > lineNumberEdit->height()) break;
         const QString number = QString::number(block.blockNumber() + 1);
         const int width = painter.fontMetrics().horizontalAdvance(number);
-        painter.drawText(lineNumberEdit->width() - margin - width, top + baseline, number);
+        painter.drawText(lineNumberEdit->width() - margin - width, top + baselineOf(block), number);
     }
 }
 

@@ -12,6 +12,7 @@
 #include "shell/shell_widgets.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
+#include "text/view_copy.h"
 
 namespace numalink {
 
@@ -28,8 +29,8 @@ constexpr std::pair<char16_t, char16_t> pastedAs[] = {
 };
 // The full-width plus of the calculator is read back from a plain one.
 constexpr char16_t calculatorPlus = u'\uFF0B';
-
-QString readable(QString text) { return text.replace(QChar(calculatorPlus), QLatin1Char('+')); }
+// Parts a line where its text alone would come back as other bytes: without width, and kept by mails.
+constexpr char16_t separator = u'\u200C';
 
 QString withKnownCharacters(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -39,8 +40,37 @@ QString withKnownCharacters(QString text) {
         for (const auto &[from, to] : pastedAs)
             if (character == from) character = to;
     }
-    text.remove(QChar(u'\u200B')).remove(QChar(u'\uFEFF')).remove(QChar(u'\0'));
-    return text;
+    return text.remove(QChar(u'\u200B')).remove(QChar(u'\uFEFF')).remove(QChar(u'\0'));
+}
+
+// A line as other programs get it: characters of the view, parted where that is needed.
+QString readable(const ViewLine &line, QString text) {
+    const std::vector<std::string> pieces = piecesOfLine(line);
+    if (pieces.size() == 1) return text.replace(QChar(calculatorPlus), QLatin1Char('+'));
+    QString parted;
+    qsizetype from = 0;
+    for (const std::string &piece : pieces) {
+        if (from > 0) parted += QChar(separator);
+        parted += QStringView(text).mid(from, static_cast<qsizetype>(piece.size()));
+        from += static_cast<qsizetype>(piece.size());
+    }
+    return parted;
+}
+
+// Lines that were parted; nothing for text without a separator, or with what isn't of this program's making.
+std::vector<ViewLine> linesOfParted(const QString &text) {
+    std::vector<ViewLine> lines;
+    if (!text.contains(QChar(separator))) return lines;
+    for (const QString &part : text.split(QLatin1Char('\n'))) {
+        std::vector<std::string> pieces;
+        for (const QString &piece : part.split(QChar(separator))) {
+            int missing = 0;
+            pieces.push_back(calculatorFromUtf8(piece.toStdString(), &missing));
+            if (missing > 0) return {};
+        }
+        if (!lineOfPieces(pieces, lines.emplace_back())) return {};
+    }
+    return lines;
 }
 
 // The part of a block that lies in the selection.
@@ -54,15 +84,6 @@ ViewLine selectedPart(const QTextBlock &block, int from, int to) {
     part.origins.assign(line.origins.begin() + static_cast<std::ptrdiff_t>(first),
                         line.origins.begin() + static_cast<std::ptrdiff_t>(last));
     return part;
-}
-
-std::vector<ViewLine> selectedLines(const QTextCursor &cursor) {
-    std::vector<ViewLine> lines;
-    const QTextDocument *document = cursor.document();
-    for (QTextBlock block = document->findBlock(cursor.selectionStart());
-         block.isValid() && block.position() <= cursor.selectionEnd(); block = block.next())
-        lines.push_back(selectedPart(block, cursor.selectionStart(), cursor.selectionEnd()));
-    return lines;
 }
 
 QByteArray packed(const std::vector<ViewLine> &lines) {
@@ -134,9 +155,18 @@ void insertLines(const std::vector<ViewLine> &lines) {
 
 QMimeData *programSelection() {
     const QTextCursor cursor = programEdit->textCursor();
+    std::vector<ViewLine> lines;
+    QStringList text;
+    for (QTextBlock block = cursor.document()->findBlock(cursor.selectionStart());
+         block.isValid() && block.position() <= cursor.selectionEnd(); block = block.next()) {
+        const int from = std::max(0, cursor.selectionStart() - block.position());
+        lines.push_back(selectedPart(block, cursor.selectionStart(), cursor.selectionEnd()));
+        const auto size = static_cast<qsizetype>(lines.back().text.size());
+        text.push_back(readable(lines.back(), block.text().mid(from, size)));
+    }
     auto *data = new QMimeData;
-    data->setText(readable(cursor.selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n'))));
-    data->setData(linesFormat, packed(selectedLines(cursor)));
+    data->setText(text.join(QLatin1Char('\n')));
+    data->setData(linesFormat, packed(lines));
     return data;
 }
 
@@ -146,15 +176,16 @@ bool canPasteProgram(const QMimeData *source) {
 
 void pasteProgram(const QMimeData *source) {
     std::vector<ViewLine> lines = unpacked(source->data(linesFormat));
-    const QString text = withKnownCharacters(source->text());
+    QString text = withKnownCharacters(source->text());
     if (lines.empty()) lines = linesOfWords(text);
+    if (lines.empty()) lines = linesOfParted(text);
     if (!lines.empty()) {
         insertLines(lines);
         return;
     }
     QTextCursor cursor = programEdit->textCursor();
     cursor.beginEditBlock();
-    cursor.insertText(text, QTextCharFormat());
+    cursor.insertText(text.remove(QChar(separator)), QTextCharFormat());
     cursor.endEditBlock();
     programEdit->ensureCursorVisible();
 }

@@ -54,10 +54,7 @@ ReadText readText() {
 enum class Choice { goBack, discard, draft };
 
 void putCaretOn(int place) {
-    QTextCursor cursor = programEdit->textCursor();
-    cursor.setPosition(place);
-    programEdit->setTextCursor(cursor);
-    programEdit->ensureCursorVisible();
+    putCaretAt(place);
     programEdit->setFocus();
 }
 

@@ -245,6 +245,11 @@ void recolourProgram() {
     filling = false;
 }
 
+void putCaretAt(int position) {
+    putCaret({position, position});
+    programEdit->ensureCursorVisible();
+}
+
 void undoInProgram() {
     const int steps = document()->availableUndoSteps();
     travelling = true;

@@ -28,6 +28,8 @@ void replaceProgramText(const QString &text);
 void recolourLine();
 void recolourProgram();
 
+void putCaretAt(int position);  // or at the end of a shorter text, without a selection, in sight
+
 void undoInProgram();
 void redoInProgram();
 

@@ -162,6 +162,7 @@ bool settingsDialog() {
     SettingsControls controls;
     auto *left = new QVBoxLayout;
     left->addLayout(languagePart(controls));
+    left->addSpacing(8);
     left->addWidget(linkPart(controls));
     left->addWidget(emulatorPart(controls));
     left->addStretch();
@@ -185,11 +186,7 @@ int changeSettings() {
     if (!settingsDialog()) return 1;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
-    if (leaveCurrentView()) {
-        openSelectedItem();
-    } else {
-        recolourProgram();
-    }
+    if (!reopenView()) recolourProgram();
     return 1;
 }
 

@@ -17,34 +17,44 @@ namespace {
 
 QScrollArea *area = nullptr;
 QWidget *picture = nullptr;
-Surface shown;
-bool (*keysFirst)(const QKeyEvent &key) = nullptr;
+Surface shown;  // all of it, or nothing when it is drawn in parts
+QSize dots;     // of what is on view
+SurfacePart partDrawn = nullptr;
+SurfaceKeys keysFirst = nullptr;
 int zoom = 1;
 
 int dotSize() {
     if (zoom != zoomToFit) return zoom;
-    if (shown.width == 0 || shown.height == 0) return 1;
+    if (dots.isEmpty()) return 1;
     const QSize room = area->size() - QSize(2 * area->frameWidth(), 2 * area->frameWidth());
-    return std::clamp(std::min(room.width() / shown.width, room.height() / shown.height), 1, 64);
+    return std::clamp(std::min(room.width() / dots.width(), room.height() / dots.height()), 1, 64);
 }
 
 void resizePicture() {
-    picture->setFixedSize(shown.width * dotSize(), shown.height * dotSize());
+    picture->setFixedSize(dots * dotSize());
     picture->update();
+}
+
+QImage imageOf(const Surface &surface) {
+    return QImage(reinterpret_cast<const uchar *>(surface.dots.data()), surface.width, surface.height,
+                  static_cast<qsizetype>(surface.width) * static_cast<qsizetype>(sizeof(Color)), QImage::Format_RGB32);
 }
 
 // Only the dots that are asked for, each as a whole number of pixels.
 void paintSurface(const QRect &asked) {
-    if (shown.dots.empty()) return;
-    QPainter painter(picture);
     const int size = dotSize();
-    const QImage image(reinterpret_cast<const uchar *>(shown.dots.data()), shown.width, shown.height,
-                       static_cast<qsizetype>(shown.width) * static_cast<qsizetype>(sizeof(Color)),
-                       QImage::Format_RGB32);
-    const QRect dots =
+    const QRect part =
         QRect(QPoint(asked.left() / size, asked.top() / size), QPoint(asked.right() / size, asked.bottom() / size)) &
-        image.rect();
-    painter.drawImage(QRect(dots.topLeft() * size, dots.size() * size), image, dots);
+        QRect(QPoint(0, 0), dots);
+    if (part.isEmpty()) return;
+    QPainter painter(picture);
+    const QRect place(part.topLeft() * size, part.size() * size);
+    if (partDrawn == nullptr) {
+        painter.drawImage(place, imageOf(shown), part);
+        return;
+    }
+    const Surface drawn = partDrawn(part.left(), part.top(), part.width(), part.height());
+    painter.drawImage(place, imageOf(drawn));
 }
 
 bool pictureEvent(QWidget *, QEvent *event) {
@@ -57,6 +67,20 @@ bool areaEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::Resize && zoom == zoomToFit) resizePicture();
     if (event->type() == QEvent::KeyPress && keysFirst != nullptr) return keysFirst(*static_cast<QKeyEvent *>(event));
     return false;
+}
+
+void forgetDrawing() {
+    shown = {};
+    dots = {};
+    partDrawn = nullptr;
+    keysFirst = nullptr;
+}
+
+void showFromTop() {
+    resizePicture();
+    area->ensureVisible(0, 0, 0, 0);
+    area->show();
+    containerWindow->show();
 }
 
 }  // namespace
@@ -80,28 +104,30 @@ void makeSurfaceView() {
 void forgetSurfaceView() {
     area = nullptr;
     picture = nullptr;
-    shown = {};
-    keysFirst = nullptr;
+    forgetDrawing();
 }
 
-void showSurface(Surface surface, bool (*keys)(const QKeyEvent &key)) {
-    keysFirst = keys;
-    changeSurface(std::move(surface));
-    area->ensureVisible(0, 0, 0, 0);
-    area->show();
-    containerWindow->show();
-}
-
-void changeSurface(Surface surface) {
+void showSurface(Surface surface) {
+    forgetDrawing();
     shown = std::move(surface);
-    resizePicture();
+    dots = QSize(shown.width, shown.height);
+    showFromTop();
 }
+
+void showSurfaceInParts(int width, int height, SurfacePart part, SurfaceKeys keys) {
+    forgetDrawing();
+    dots = QSize(width, height);
+    partDrawn = part;
+    keysFirst = keys;
+    showFromTop();
+}
+
+void redrawSurface() { picture->update(); }
 
 void hideSurface() {
     containerWindow->hide();
     area->hide();
-    keysFirst = nullptr;
-    shown = {};
+    forgetDrawing();
 }
 
 void showSurfacePart(int x, int y, int width, int height) {

@@ -14,9 +14,15 @@ inline constexpr int zoomToFit = 0;
 void makeSurfaceView();  // once containerWindow is there
 void forgetSurfaceView();
 
-// Shows the surface with its top left corner in sight. keys, when given, gets the keys of the view first.
-void showSurface(Surface surface, bool (*keys)(const QKeyEvent &key));
-void changeSurface(Surface surface);  // the same view, drawn anew
+// Draws a part of what is on view, in dots.
+using SurfacePart = Surface (*)(int left, int top, int width, int height);
+using SurfaceKeys = bool (*)(const QKeyEvent &key);
+
+// Shows a surface with its top left corner in sight.
+void showSurface(Surface surface);
+// The same for one that is drawn part by part, as it comes into sight. keys gets the keys of the view first.
+void showSurfaceInParts(int width, int height, SurfacePart part, SurfaceKeys keys);
+void redrawSurface();  // its parts have changed
 void hideSurface();
 
 // Scrolls until these dots are in sight.

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QToolButton>
 #include <cstdint>
 
@@ -51,12 +52,15 @@ void addButton(int row, int column) {
     QObject::connect(button, &QToolButton::clicked, window, [character] { typeSymbol(character); });
 }
 
-// Beside the right edge of the program, where it covers no text.
+// Right of the main window, where it covers no text; on a screen without room there, in the program's corner.
 void placeAtFirst() {
     if (placed) return;
     placed = true;
-    const QPoint corner = programEdit->mapToGlobal(QPoint(programEdit->width(), 0));
-    window->move(corner - QPoint(window->width() + 24, -8));
+    constexpr int gap = 8;
+    const QPoint corner = programEdit->mapToGlobal(QPoint(programEdit->width(), gap));
+    const QPoint beside(mainWindow->frameGeometry().right() + gap, corner.y());
+    const bool hasRoom = beside.x() + window->width() + gap < mainWindow->screen()->availableGeometry().right();
+    window->move(hasRoom ? beside : corner - QPoint(window->width() + 3 * gap, 0));
 }
 
 }  // namespace

@@ -50,12 +50,14 @@ char folded(char code) { return code >= 'A' && code <= 'Z' ? static_cast<char>(c
 TypedToken longestDisplay(std::string_view text, bool quoted, bool autoCorrect) {
     const TokenRecord *best = nullptr;
     std::size_t bestLength = 0;
-    for (std::size_t i = 0; i < tokenCount(); i++) {
-        const std::string_view display = tokenDisplay(tokenRecord(i));
+    if (text.empty()) return {};
+    for (const std::uint16_t number : tokensShownFrom(text[0])) {
+        const TokenRecord &record = tokenRecord(number);
+        const std::string_view display = tokenDisplay(record);
         if (display.size() <= bestLength) continue;
         const bool exact = !autoCorrect || display.size() < 2 || quoted;
         if (!textMatches(display, text, display.size(), exact, autoCorrect)) continue;
-        best = &tokenRecord(i);
+        best = &record;
         bestLength = display.size();
     }
     if (!best) return {};

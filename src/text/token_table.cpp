@@ -1,4 +1,4 @@
-// The token records in file order, and two orders over them that find what a walk in file order would find.
+// The token records in file order, and three orders over them that find what a walk in file order would find.
 #include "text/token_table.h"
 
 #include <algorithm>
@@ -30,10 +30,20 @@ TokenRecord records[tokenRecordLimit];
 std::size_t recordCount = 0;
 Order byFirstByte;  // by first byte, then file order
 Order byWord;       // records with an exchange word, by word, then file order
+Order byDisplay;    // by the first character of what they show, then file order
 
 std::string_view textOf(const char (&text)[tokenTextSize]) { return {text, strnlen(text, tokenTextSize)}; }
 std::string_view wordOf(RecordNumber number) { return textOf(records[number].asciiText); }
 std::uint8_t firstOfWord(RecordNumber number) { return static_cast<std::uint8_t>(records[number].asciiText[0]); }
+
+std::uint8_t displayKey(char first) {
+    if (first == '\x99' || first == '\x87') return '-';
+    return static_cast<std::uint8_t>(first >= 'A' && first <= 'Z' ? first - 'A' + 'a' : first);
+}
+std::uint8_t firstShown(RecordNumber number) {
+    const TokenRecord &record = records[number];
+    return displayKey(record.glyph != 0 ? static_cast<char>(record.glyph) : record.displayText[0]);
+}
 
 // Fills starts for the count numbers of order, which rise by first(number).
 template <typename First>
@@ -49,18 +59,18 @@ void makeOrders() {
     std::size_t words = 0;
     for (std::size_t i = 0; i < recordCount; i++) {
         const auto number = static_cast<RecordNumber>(i);
-        byFirstByte.numbers[i] = number;
+        byFirstByte.numbers[i] = byDisplay.numbers[i] = number;
         if (!wordOf(number).empty()) byWord.numbers[words++] = number;
     }
     const auto firstByte = [](RecordNumber number) { return records[number].byte1; };
-    std::stable_sort(byFirstByte.numbers.begin(),
-                     byFirstByte.numbers.begin() + static_cast<std::ptrdiff_t>(recordCount),
-                     [&](RecordNumber a, RecordNumber b) { return firstByte(a) < firstByte(b); });
+    std::ranges::stable_sort(std::span(byFirstByte.numbers).first(recordCount), {}, firstByte);
+    std::ranges::stable_sort(std::span(byDisplay.numbers).first(recordCount), {}, firstShown);
     // char_traits<char> compares as unsigned bytes, as starts does.
     std::stable_sort(byWord.numbers.begin(), byWord.numbers.begin() + static_cast<std::ptrdiff_t>(words),
                      [](RecordNumber a, RecordNumber b) { return wordOf(a) < wordOf(b); });
     markStarts(byFirstByte, recordCount, firstByte);
     markStarts(byWord, words, firstOfWord);
+    markStarts(byDisplay, recordCount, firstShown);
 }
 
 std::span<const RecordNumber> stretch(const Order &order, std::uint8_t first) {
@@ -97,6 +107,8 @@ std::string_view tokenDisplay(const TokenRecord &record) {
     return record.glyph ? std::string_view(reinterpret_cast<const char *>(&record.glyph), 1)
                         : textOf(record.displayText);
 }
+
+std::span<const std::uint16_t> tokensShownFrom(char first) { return stretch(byDisplay, displayKey(first)); }
 
 int tokenToText(ByteView bytes, std::string_view &text) {
     text = {};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,10 @@ void tokenTableSet(ByteView file);  // the same from bytes, for tests and tools
 std::size_t tokenCount();
 const TokenRecord &tokenRecord(std::size_t index);
 std::string_view tokenDisplay(const TokenRecord &record);  // the glyph as one character, or displayText
+
+// The numbers of the records whose display text may begin with a character, in file order: letters of either case and
+// the three minus-like characters count as one.
+std::span<const std::uint16_t> tokensShownFrom(char first);
 
 // Length of the token at the start of bytes, 0 when no record fits; text is then empty. Never reads past bytes.
 // text stays valid until the table is loaded anew.

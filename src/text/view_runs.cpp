@@ -77,32 +77,6 @@ std::size_t tokenLength(ByteView tokens, bool &isMark) {
     return isTokenPrefix(tokens[0]) && tokens.size() >= 2 ? 2 : 1;
 }
 
-// Both flags of a walk over tokens, as a store sees them: by the first byte alone.
-struct Quoting {
-    bool inComment = false;
-    bool inString = false;
-
-    void follow(const ViewToken &token) {
-        if (token.isMark) return;
-        switch (token.bytes[0]) {
-            case displayCommand:
-            case ';':
-            case lineEnd:
-                *this = {};
-                break;
-            case '\'':
-                inComment = true;
-                break;
-            case '"':
-                inString = !inString;
-                break;
-            default:
-                break;
-        }
-    }
-    bool quoted() const { return inComment || inString; }
-};
-
 // The untouched token that starts at place: all its characters stand there in order. size is 0 when there is none. The
 // blank of a mark may be missing.
 ViewToken keptTokenAt(const ViewLine &line, std::size_t place) {
@@ -261,6 +235,25 @@ void appendRun(std::vector<ColourRun> &runs, std::size_t from, std::size_t size,
 }
 
 }  // namespace
+
+void Quoting::follow(const ViewToken &token) {
+    if (token.isMark) return;
+    switch (token.bytes[0]) {
+        case displayCommand:
+        case ';':
+        case lineEnd:
+            *this = {};
+            break;
+        case '\'':
+            inComment = true;
+            break;
+        case '"':
+            inString = !inString;
+            break;
+        default:
+            break;
+    }
+}
 
 std::string tokenOnView(ByteView token, bool isMark) {
     if (isMark) return markText(token);

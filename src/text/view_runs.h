@@ -69,6 +69,15 @@ std::vector<ViewLine> viewLines(ByteView image);
 // What of an image is shown: behind ':' and up to its last end mark, with or without a checksum behind that.
 ByteView viewedBytes(ByteView image);
 
+// Whether what comes next lies in a comment or in quotes, as a store sees it: by the first bytes alone.
+struct Quoting {
+    bool inComment = false;
+    bool inString = false;
+
+    void follow(const ViewToken &token);
+    bool quoted() const { return inComment || inString; }
+};
+
 // Untouched tokens keep their bytes. Typed characters take the longest reading, outside quotes and comments together
 // with untouched neighbours; never across a mark, nor across half of an untouched token.
 LineReading readLine(const ViewLine &line, bool autoCorrect);

@@ -4,10 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "calculator/number_text.h"
 #include "drawing/backup_picture.h"
 #include "drawing/bitmap_file.h"
 #include "drawing/dot_text.h"
+#include "drawing/matrix_picture.h"
 #include "settings/language_table.h"
 
 namespace numalink {
@@ -38,7 +41,7 @@ TEST(ItemPicture, CellsOutsideOfTheTableAreLeftOut) {
     EXPECT_EQ(matrixValuesOf(headOf(60000, 2), {}).rows, 500);
     EXPECT_EQ(matrixValuesOf({}, data).values.size(), 0u);
     // The value at full length has room below the narrowest table.
-    EXPECT_EQ(matrixSurface(matrixValuesOf(headOf(1, 1), data), {}).width, 132);
+    EXPECT_EQ(matrixSize(matrixValuesOf(headOf(1, 1), data)).width, 132);
 }
 
 TEST(ItemPicture, PicturesAreCutAtTheirLimitAndTellWhatIsWrong) {
@@ -90,6 +93,62 @@ TEST(ItemPicture, BitmapsAreBottomUpAndPaddedToFour) {
     EXPECT_EQ(readLittle32(file, 34), 24u);
     EXPECT_THAT(Bytes(file.begin() + 54, file.begin() + 58), ElementsAre(0x33, 0x22, 0x11, 0));
     EXPECT_EQ(dotText(surface), "\u2588\u2588\u2588\n");
+}
+
+TEST(MatrixPicture, CellsHaveSixCharactersWithTheirExponent) {
+    EXPECT_EQ(matrixCellText(-12.5), "-12.5");
+    EXPECT_EQ(matrixCellText(-123456), "-12345");
+    EXPECT_EQ(matrixCellText(1.5e7), "1.5e7");
+    EXPECT_EQ(matrixCellText(-2e100), "-2e100");
+    EXPECT_EQ(matrixCellText(1.5e12), "1.5e12");
+    EXPECT_EQ(matrixCellText(1.23456e12), "1.2e12");
+    EXPECT_EQ(matrixCellText(1.23456e7), "1.23e7");
+    EXPECT_EQ(matrixCellText(1.23456e-12), "1.e-12");
+    EXPECT_EQ(matrixCellText(1.23456e-7), "1.2e-7");
+}
+
+TEST(MatrixPicture, ThePickedValueHasFifteenDigitsInCalculatorCodes) {
+    EXPECT_EQ(matrixPickedText(-0.25),
+              "\x87"
+              "0.25");
+    EXPECT_EQ(matrixPickedText(-1.5e-8),
+              "\x87"
+              "1.5\xDF\x87"
+              "8");
+    EXPECT_EQ(matrixPickedText(1.5e100),
+              "1.5\xDF\x89"
+              "100");
+    EXPECT_EQ(matrixPickedText(123456789012345.0), "123456789012345");
+}
+
+TEST(MatrixPicture, PartsAreWhatLiesThereInTheWhole) {
+    const MatrixValues matrix{1, 20, std::vector<double>(20, -1.5e-7)};
+    const Surface whole = matrixPart(matrix, {1, 2}, 0, 0, matrixSize(matrix));
+    EXPECT_EQ(whole.width, 20 * 28 + 15);
+    EXPECT_EQ(whole.height, 38);
+    EXPECT_EQ(dotAt(whole, 18 + 28, 9), lcdColor::blue);  // the picked cell, inverse
+    EXPECT_EQ(dotAt(whole, 18, 9), lcdColor::background);
+    EXPECT_EQ(dotAt(whole, 15, 12), lcdColor::green);  // one row: the bracket begins a dot lower
+    EXPECT_EQ(dotAt(whole, 15, 11), lcdColor::background);
+    for (int left = 0; left < whole.width; left += 7) {
+        const Surface part = matrixPart(matrix, {1, 2}, left, left % 30, {30, 12});
+        for (int dot = 0; dot < 30 * 12; dot++)
+            ASSERT_EQ(dotAt(part, dot % 30, dot / 30), dotAt(whole, left + dot % 30, left % 30 + dot / 30));
+    }
+}
+
+TEST(ScreenCopy, PlanesLieOverEachOther) {
+    Bytes data(3 * 1027);
+    data[2] = 0x02;             // blue: x 127, bottom row
+    data[1027 + 2] = 0x02;      // green over it
+    data[2 * 1027 + 3] = 0x04;  // orange: x 126, a row higher
+    Surface surface(128, 64);
+    drawScreenCopy(surface, data, 3);
+    EXPECT_EQ(dotAt(surface, 127, 63), lcdColor::green);
+    EXPECT_EQ(dotAt(surface, 126, 62), lcdColor::orange);
+    drawScreenCopy(surface, Bytes{':', 0x02}, 1);
+    EXPECT_EQ(dotAt(surface, 127, 1), lcdColor::black);
+    EXPECT_EQ(std::count(surface.dots.begin(), surface.dots.end(), lcdColor::background), 128 * 64 - 1);
 }
 
 }  // namespace

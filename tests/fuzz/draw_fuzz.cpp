@@ -1,4 +1,5 @@
-// Any bytes as head and data of every drawn kind: drawing ends, and its bitmap is of the size that it tells.
+// Any bytes as head and data of every drawn kind: drawing ends, its bitmap is of the size that it tells, and a part of
+// a table is what lies there in the whole.
 #include <cstdlib>
 
 #include "drawing/bitmap_file.h"
@@ -6,8 +7,22 @@
 #include "drawing/dot_text.h"
 #include "drawing/item_picture.h"
 
+namespace {
+
+using namespace numalink;
+
+void comparePart(const MatrixValues &matrix, int left, int top) {
+    const PickedCell picked{matrix.rows, matrix.columns};
+    const Surface whole = matrixPart(matrix, picked, 0, 0, matrixSize(matrix));
+    const Surface part = matrixPart(matrix, picked, left, top, {40, 20});
+    for (int y = 0; y < 20; y++)
+        for (int x = 0; x < 40; x++)
+            if (dotAt(part, x, y) != dotAt(whole, left + x, top + y)) std::abort();
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    using namespace numalink;
     static const bool loaded = loadLargeFont() && loadSmallFont();
     if (!loaded || size < 2) return 0;
     constexpr ItemKind kinds[] = {kind::matrix,           kind::list,    kind::colourScreen,
@@ -21,8 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const MatrixValues matrix = matrixValuesOf(head, rest);
     const bool isTable = itemKind == kind::matrix || itemKind == kind::list;
     if (isTable && matrix.rows * matrix.columns > 2000) return 0;
-    const Surface surface =
-        isTable ? matrixSurface(matrix, {matrix.rows, matrix.columns}) : itemSurface(itemKind, head, rest);
+    if (isTable) comparePart(matrix, data[0] * 3, data[1]);
+    const Surface surface = itemSurface(itemKind, head, rest);
     if (surface.width < 0 || surface.height < 0 || surface.width > 16000) std::abort();
     if (surface.dots.size() < 200000) {
         if (bitmapBytes(surface).size() < bitmapHeadSize) std::abort();

@@ -113,12 +113,10 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
     start();
     handleCommand(command::settings);  // Escape
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0);
-    answer(ownText(OwnText::schemeLight));
-    handleCommand(command::settings);
-    answers.clear();
     QTimer::singleShot(0, [] {
         QWidget *dialog = QApplication::activeModalWidget();
         dialog->findChild<QPushButton *>(QStringLiteral("darkScheme"))->click();
+        EXPECT_TRUE(dialog->findChild<QPlainTextEdit *>()->toPlainText().endsWith(QStringLiteral("1<250> ")));
         dialog->findChild<QComboBox *>(QString::fromLatin1(setting::comPort))->setEditText(QStringLiteral("ttyS7"));
     });
     answer(languageText(112));

@@ -60,16 +60,6 @@ TEST_F(ProgramText, WithoutAutoCorrectOnlyPlusAndMinusAreForgiven) {
     EXPECT_EQ(textToToken("A", false).used, 0);
 }
 
-TEST_F(ProgramText, MatchingNeedsAllCharacters) {
-    EXPECT_TRUE(textMatches("a-b",
-                            "A\x87"
-                            "b",
-                            3, false, true));
-    EXPECT_FALSE(textMatches("-", "\x99", 1, false, true)) << "a single dash matches itself only";
-    EXPECT_FALSE(textMatches("abc", "ab", 3, true, true));
-    EXPECT_FALSE(textMatches("\xC1", "\xE1", 1, false, false));
-}
-
 TEST_F(ProgramText, TextAndBytesAreTheSameProgram) {
     const Bytes image = {':', '"', 'H',  'I',  '"',  0x0C, 0xF7, 0x09, 0x0D,
                          '{', '}', 0x5C, 0x0D, 0x0D, 0x87, 'X',  0xFF, 0x00};

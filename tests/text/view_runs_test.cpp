@@ -11,6 +11,7 @@
 #include "text/auto_correct.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
+#include "text/view_copy.h"
 
 namespace numalink {
 namespace {
@@ -18,10 +19,9 @@ namespace {
 using testing::ElementsAre;
 
 Bytes imageOf(std::string_view tokens) {
-    Bytes image = {':'};
-    image.insert(image.end(), tokens.begin(), tokens.end());
-    image.push_back(0xFF);
-    return image;
+    std::string image = ":";
+    image.append(tokens).append("\xFF");
+    return {image.begin(), image.end()};
 }
 
 Bytes storedAgain(const std::vector<ViewLine> &lines) {
@@ -64,80 +64,76 @@ std::vector<Bytes> allTokens() {
     return tokens;
 }
 
+Bytes randomImage(const std::vector<Bytes> &tokens, std::mt19937 &random) {
+    Bytes image = {':'};
+    for (std::size_t left = random() % 40; left > 0; left--) {
+        if (random() % 8 == 0) {
+            image.push_back(static_cast<std::uint8_t>("\r\x0C\"'"[random() % 4]));
+            continue;
+        }
+        const Bytes &token = tokens[random() % tokens.size()];
+        image.insert(image.end(), token.begin(), token.end());
+    }
+    image.push_back(0xFF);
+    return image;
+}
+
+// Out as text that a mail takes the last blanks off, and in again.
+Bytes throughAMail(const ViewLine &line) {
+    std::vector<std::string> pieces = piecesOfLine(line);
+    if (pieces.back().starts_with('<') && pieces.back().ends_with("> ")) pieces.back().pop_back();
+    ViewLine back;
+    EXPECT_TRUE(lineOfPieces(pieces, back));
+    return lineBytes(readLine(back, true)).bytes;
+}
+
 TEST_F(ViewRuns, GeneratedProgramsComeBackByteForByte) {
     const std::vector<Bytes> tokens = allTokens();
     const char *wanted = std::getenv("NUMALINK_VIEW_PROGRAMS");
-    const int programs = wanted != nullptr ? std::atoi(wanted) : 3000;
-    std::mt19937 random(2604);
+    const char *seed = std::getenv("NUMALINK_VIEW_SEED");
+    const int programs = wanted != nullptr ? std::atoi(wanted) : 2000;
+    std::mt19937 random(seed != nullptr ? static_cast<unsigned>(std::atoi(seed)) : 2604);
     for (int program = 0; program < programs; program++) {
-        Bytes image = {':'};
-        const std::size_t length = random() % 40;
-        for (std::size_t i = 0; i < length; i++) {
-            const Bytes &token = random() % 8 == 0 ? Bytes{static_cast<std::uint8_t>("\r\x0C\"'"[random() % 4])}
-                                                   : tokens[random() % tokens.size()];
-            image.insert(image.end(), token.begin(), token.end());
-        }
-        image.push_back(0xFF);
-        ASSERT_EQ(storedAgain(viewLines(image)), image) << "program " << program;
-        if (random() % 2 == 0) continue;
-        // The same behind a checksum, and with an edit in one line: all other lines stay.
-        image.push_back(static_cast<std::uint8_t>(random()));
-        std::vector<ViewLine> lines = viewLines(image);
-        image.pop_back();
-        ASSERT_EQ(storedAgain(lines), image);
-        ViewLine &edited = lines[random() % lines.size()];
-        const std::vector<ViewLine> before = lines;
-        edited.text += 'Z';
-        edited.origins.push_back(origin::typed);
-        for (std::size_t i = 0; i < lines.size(); i++) {
-            if (lines[i] == before[i]) continue;
-            const Bytes kept = lineBytes(readLine(before[i], true)).bytes;
-            const Bytes now = lineBytes(readLine(lines[i], true)).bytes;
-            ASSERT_GE(now.size(), 1u);
-            // A "Z" may join a neighbour of its line's last token; all ahead of that stays.
-            const std::size_t same = kept.size() < 24 ? 0 : kept.size() - 24;
-            ASSERT_TRUE(std::equal(kept.begin(), kept.begin() + static_cast<std::ptrdiff_t>(same), now.begin()));
-        }
+        Bytes image = randomImage(tokens, random);
+        const std::vector<ViewLine> lines = viewLines(image);
+        ASSERT_EQ(storedAgain(lines), image) << "program " << program;
+        for (const ViewLine &line : program % 16 == 0 ? lines : std::vector<ViewLine>())
+            ASSERT_EQ(throughAMail(line), lineBytes(readLine(line, true)).bytes) << "program " << program;
+        image.push_back(static_cast<std::uint8_t>(random()));  // a checksum is no part of the text
+        ASSERT_EQ(viewLines(image), lines);
     }
 }
 
 TEST_F(ViewRuns, PairsThatReadOtherwiseSideBySideAreKeptApart) {
-    std::vector<std::string> displays;
-    std::vector<Bytes> shown;
+    std::vector<std::pair<Bytes, std::string>> shown;
     for (const Bytes &token : allTokens()) {
-        if (token[0] == '\r' || token[0] == 0x0C) continue;
         std::string_view text;
-        if (static_cast<std::size_t>(tokenToText(token, text)) != token.size() || text.empty()) continue;
-        shown.push_back(token);
-        displays.emplace_back(text);
+        if (token[0] == '\r' || token[0] == 0x0C) continue;
+        if (static_cast<std::size_t>(tokenToText(token, text)) == token.size()) shown.emplace_back(token, text);
     }
+    const auto typed = [](const std::string &text) {
+        Bytes read;
+        lineFromText(text, read);
+        return read;
+    };
+    const bool list = std::getenv("NUMALINK_LIST_PAIRS") != nullptr;
+    const std::size_t step = list ? 1 : 7;
     int joined = 0;
-    const char *list = std::getenv("NUMALINK_LIST_PAIRS");
     for (std::size_t a = 0; a < shown.size(); a += list ? 1 : 5) {
-        for (std::size_t b = a % 7; b < shown.size(); b += list ? 1 : 7) {
-            Bytes pair = shown[a];
-            pair.insert(pair.end(), shown[b].begin(), shown[b].end());
-            const std::string text = displays[a] + displays[b];
+        const auto &[first, firstText] = shown[a];
+        const bool aloneAgrees = typed(firstText) == first;
+        if (list && !aloneAgrees) std::printf("alone\t%s\n", firstText.c_str());
+        for (std::size_t b = a % step; b < shown.size(); b += step) {
+            const auto &[second, secondText] = shown[b];
+            Bytes pair = first;
+            pair.insert(pair.end(), second.begin(), second.end());
             const ViewLine line = lineOfTokens(pair);
-            ASSERT_EQ(line.text, text);
+            ASSERT_EQ(line.text, firstText + secondText);
             ASSERT_EQ(lineBytes(readLine(line, true)).bytes, pair);
-            Bytes read;
-            lineFromText(text, read);
-            if (read == pair) continue;
+            if (!aloneAgrees || typed(secondText) != second || typed(line.text) == pair) continue;
             joined++;
-            Bytes alone;
-            lineFromText(displays[a], alone);
-            Bytes second;
-            lineFromText(displays[b], second);
-            if (list && alone == shown[a] && second == shown[b])
-                std::printf("pair\t%02X%02X\t%02X%02X\t%s|%s\n", shown[a][0], shown[a].size() > 1 ? shown[a][1] : 0,
-                            shown[b][0], shown[b].size() > 1 ? shown[b][1] : 0, displays[a].c_str(),
-                            displays[b].c_str());
+            if (list) std::printf("pair\t%s|%s\n", firstText.c_str(), secondText.c_str());
         }
-        Bytes alone;
-        lineFromText(displays[a], alone);
-        if (list && alone != shown[a])
-            std::printf("alone\t%02X %02X\t%s\n", shown[a][0], shown[a].back(), displays[a].c_str());
     }
     EXPECT_GT(joined, 0);
 }
@@ -147,7 +143,6 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("\"Score\"", 7, "A"), "\"Score\"A");
     EXPECT_EQ(afterTyping("\"A*B\"", 1, "X"), "\"XA*B\"");
     EXPECT_EQ(afterTyping("A or B", 6, "2"), "A or B2");
-    EXPECT_EQ(afterTyping("DO", 2, "1"), "DO1");
     EXPECT_EQ(afterTyping("'A or B", 7, "2"), "'A or B2");
     // Typed inside quotes, beside untouched letters: no joining.
     EXPECT_EQ(afterTyping("\"Sce\"", 3, "o"), "\"Scoe\"");
@@ -156,18 +151,12 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("Ao", 2, "r"), "A\xAA");
     EXPECT_EQ(afterTyping("A\x99", 2, ">"), "A\x0E");
     EXPECT_EQ(afterTyping("\xAA", 0, "x"), "\x9A");
-    EXPECT_EQ(afterTyping("", 0, "2=/=3"),
-              "2\x11"
-              "3");
     EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"),
               "2\x11"
               "3");
     EXPECT_EQ(afterTyping("", 0, "P\xB9L\x99Orange"),
               "\x7F"
               "1");
-    EXPECT_EQ(afterTyping("", 0, "A->B"),
-              "A\x0E"
-              "B");
 }
 
 TEST_F(ViewRuns, MarksFromBytesGiveThemBackAndTypedOnesAreText) {
@@ -197,15 +186,6 @@ TEST_F(ViewRuns, BytesBehindAnEndMarkInsideAreShownAndKept) {
     EXPECT_EQ(viewLines({}).size(), 1u);
     EXPECT_EQ(viewLines(imageOf("\x7F")).front().text, "<127> ");
     EXPECT_EQ(viewLines(Bytes{':', 0xFF, 0x3B}).front().text, "");
-}
-
-TEST_F(ViewRuns, DisplayCommandsTakeTheLineEndWithThem) {
-    const std::vector<ViewLine> lines = viewLines(imageOf("A\x0C\rB\x0C"));
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0].text, "A\xDD");
-    EXPECT_EQ(lines[1].text, "");
-    EXPECT_EQ(lines[2].text, "B\xDD");
-    EXPECT_EQ(storedAgain(lines), imageOf("A\x0C\rB\x0C"));
 }
 
 TEST_F(ViewRuns, CharactersWithoutACodeAreTheFault) {

@@ -1,0 +1,106 @@
+#include "text/view_copy.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <span>
+#include <string_view>
+
+namespace numalink {
+
+namespace {
+
+// What the text of tokens reads as.
+struct PieceReading {
+    std::vector<ViewToken> tokens;
+    bool isWhole = false;  // without a fault
+};
+
+ByteView bytesOf(const ViewToken &token) { return ByteView(token.bytes).first(token.length); }
+
+// "<250> " or "<127,80>", the form of what no record has; the blank may have gone on the way. size 0 for other text.
+ViewToken markOf(std::string_view piece) {
+    ViewToken token;
+    int first = 0;
+    int second = -1;
+    const int numbers = std::sscanf(std::string(piece).c_str(), "<%3d,%3d", &first, &second);
+    // 0 and 255 would end the program.
+    if (numbers < 1 || first <= 0 || first >= 0xFF || second > 0xFF) return token;
+    token.bytes = {static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(std::max(second, 0))};
+    token.length = static_cast<std::uint8_t>(numbers);
+    token.isMark = true;
+    const std::string shown = lineOfTokens(bytesOf(token)).text;
+    if (shown.starts_with('<') && (shown == piece || shown == std::string(piece) + ' ')) token.size = piece.size();
+    return token;
+}
+
+ViewToken ownByteOf(std::string_view piece) {
+    ViewToken token;
+    token.bytes[0] = static_cast<std::uint8_t>(piece[0]);
+    token.size = piece.size() == 1 && tokenOnView(bytesOf(token), false) == piece ? 1 : 0;
+    return token;
+}
+
+// The piece alone, as if typed; quotes ahead of it open what it lies in.
+PieceReading readPiece(std::string_view piece, const Quoting &quoting) {
+    for (const ViewToken &token : {markOf(piece), ownByteOf(piece)})
+        if (token.size > 0) return {{token}, true};
+    ViewLine line;
+    if (quoting.inComment) line.text += '\'';
+    if (quoting.inString) line.text += '"';
+    const std::size_t ahead = line.text.size();
+    line.text += piece;
+    line.origins.resize(line.text.size(), origin::typed);
+    LineReading reading = readLine(line, true);
+    std::erase_if(reading.tokens, [&](const ViewToken &token) { return token.from < ahead; });
+    for (ViewToken &token : reading.tokens) token.from -= ahead;
+    return {std::move(reading.tokens), reading.faultAt < 0};
+}
+
+// How many of the wanted tokens, the first of which starts at from in its line, the reading begins with.
+std::size_t agreeing(const PieceReading &reading, std::span<const ViewToken> wanted, std::size_t from) {
+    std::size_t count = 0;
+    while (count < std::min(reading.tokens.size(), wanted.size()) &&
+           reading.tokens[count].from + from == wanted[count].from &&
+           reading.tokens[count].size == wanted[count].size &&
+           std::ranges::equal(bytesOf(reading.tokens[count]), bytesOf(wanted[count])))
+        count++;
+    return count;
+}
+
+}  // namespace
+
+std::vector<std::string> piecesOfLine(const ViewLine &line) {
+    const LineReading reading = readLine(line, true);
+    if (reading.faultAt >= 0) return {line.text};
+    std::vector<std::string> pieces;
+    Quoting quoting;
+    for (std::span<const ViewToken> rest = reading.tokens; !rest.empty();) {
+        const std::string_view text = std::string_view(line.text).substr(rest[0].from);
+        const std::size_t count = std::max<std::size_t>(1, agreeing(readPiece(text, quoting), rest, rest[0].from));
+        const ViewToken &last = rest[count - 1];
+        pieces.emplace_back(text.substr(0, last.from + last.size - rest[0].from));
+        for (const ViewToken &token : rest.first(count)) quoting.follow(token);
+        rest = rest.subspan(count);
+    }
+    if (pieces.empty()) pieces.emplace_back();
+    return pieces;
+}
+
+bool lineOfPieces(const std::vector<std::string> &pieces, ViewLine &line) {
+    Bytes tokens;
+    Quoting quoting;
+    for (const std::string &piece : pieces) {
+        if (piece.empty()) continue;
+        const PieceReading reading = readPiece(piece, quoting);
+        if (!reading.isWhole) return false;
+        for (const ViewToken &token : reading.tokens) {
+            quoting.follow(token);
+            const ByteView bytes = bytesOf(token);
+            tokens.insert(tokens.end(), bytes.begin(), bytes.end());
+        }
+    }
+    line = lineOfTokens(tokens);
+    return true;
+}
+
+}  // namespace numalink

@@ -1,0 +1,19 @@
+// A program's lines on their way through plain text, such as a mail: text alone can't tell the letters of "or" from the
+// token that shows as "or". So a line leaves in pieces, to be parted by an invisible character, wherever its text alone
+// would come back as other bytes. Calculator codes; no state; any thread once the tables are loaded.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "text/view_runs.h"
+
+namespace numalink {
+
+// One piece for most lines. A piece of one character is its own byte, a piece that is a mark gives the byte back.
+std::vector<std::string> piecesOfLine(const ViewLine &line);
+
+// The line again, all of it as untouched tokens. False for what is no token.
+bool lineOfPieces(const std::vector<std::string> &pieces, ViewLine &line);
+
+}  // namespace numalink
