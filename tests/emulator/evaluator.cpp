@@ -34,6 +34,7 @@ TEST(Evaluator, ComputesEveryFunction) {
         \Arg B: 0.982793723247      \Conj B: 2-3i               \ReP B: 2                   \ImP B: 3
         3\x^2: 9                    \{i}\x^2: -1                B\x^2: -5+12i               8\x^-1: 0.125
         2^10: 1024                  2^.5: 1.41421356237         0^0: 1                      3\xrt27: 3
+        2^(\(-)1): 2                B/\{i}: 3-2i                B\x^-1: 0.153846153846-0.230769230769i
         2\xrt9: 3                   \sin 90: 0.893996663601     \cos 1: 0.540302305868      \tan 1: 1.55740772465
         \In 2: 0.69314718056        \sqrt2: 1.41421356237       \(-)B: -2-3i                \(-)3: -3
         \asin .5: 0.523598775598    \acos .5: 1.0471975512      \atan 2: 1.10714871779      \log 1000: 3
@@ -80,6 +81,7 @@ TEST(Evaluator, FollowsThePassesAndTheirDirections) {
         7: 7                        1+2*3: 7                    (1+2)*3: 9
         2^3^2: 64                   2\sin 3: 0.28224001612      \sin 3\cos 2: -0.0587266449276
         \sin \cos 1: 0.514395258524                             \(-)2^2: -4                 \(-)2\x^2: -4
+        \sqrt2A\x^2: 7.07106781187
         \ReP 2^3: 8                 \sin 2A: -0.544021110889    \sin A^2: -0.132351750098   -2*3: -6
         2*\(-)3: -6                 2\(-)3: -6                  --3: 3                      3--2: 5
         3---2: 1                    +-+4: -4                    10-3-2: 5                   24/4/2: 3
@@ -147,6 +149,7 @@ TEST(Evaluator, CallsTheThreeFunctions) {
         \Seq(X,X,1,2,.5): {1,1.5,2}                             \Seq(X,X,1,(A),2): {1,3,5}
         \Seq(X,X,1,A,2): 0 !Arg     \Seq(X,X,1,3,0): 0 !Arg     \Seq(X,X,1,3): 0 !Arg       \Seq(X,X,1,3,: 0 !Arg
         \Seq(X,X,3,1,1): 0 !Arg     \Seq(X,X,1,3,(\(-)1)): 0 !Arg                           \Seq(X,2,1,3,1): 0 !Arg
+        \Seq(X,X,1,(3,1: {1,2,3}
         \Seq(X,X,1,3,1,1): 0 !Arg   \Seq(,X,1,3,1): 0 !Syn      \Seq({X},X,1,2,1): 0 !Syn   \Seq(X,X,1,301,1): 0 !Syn
     )");
     EXPECT_EQ(evaluated("\\Dim \\Seq(X,X,1,300,1)"), "300");
@@ -212,6 +215,12 @@ TEST(Evaluator, HoldsItsLimits) {
     EXPECT_THAT(uiRecord.lines, testing::ElementsAre("box 64 / 2"));
     EXPECT_EQ(evaluated("\\Dim {" + many.substr(2, 1 + 2 * 299) + "}"), "300");
     EXPECT_EQ(evaluated("\\Dim {" + many.substr(2) + "}"), "300 !Syn");
+    const FreshMachine fresh;
+    std::string sum = "1";
+    for (int i = 2; i <= 250; i++) sum += "+1";  // 499 cells
+    programAdd("f1", imageOfWords(sum));
+    programAdd("f2", imageOfWords(sum + "+1"));
+    EXPECT_EQ(evaluated(fresh, cellsOfWords("\\f1,\\f2")), "250 <2C> 0 !Syn");
 }
 
 // The stretch stands in the middle of other cells: none of them may change, and the text behind the result may not
