@@ -8,6 +8,7 @@
 #include "link/conversations.h"
 #include "link/receive_storage.h"
 #include "settings/language_table.h"
+#include "store/store_undo.h"
 
 namespace numalink {
 
@@ -118,6 +119,7 @@ bool receiveNext(Tally &tally) {
 }  // namespace
 
 void receiveFromAlgebra() {
+    const UndoGroup group;  // what one conversation replaces is taken back together
     Tally tally;
     linkStatus(receivingText);
     send(control::ready);

@@ -9,6 +9,7 @@
 #include "link/conversations.h"
 #include "link/receive_storage.h"
 #include "settings/language_table.h"
+#include "store/store_undo.h"
 
 namespace numalink {
 
@@ -206,6 +207,7 @@ bool receiveItem(int &itemCount) {
 }  // namespace
 
 void receiveFromCfx() {
+    const UndoGroup group;  // what one conversation replaces is taken back together
     int itemCount = 0;
     send(control::ready);
     while (!conversationOver() && receiveItem(itemCount)) {
