@@ -116,7 +116,7 @@ bool exchangeItems() {
     numalink::settingsSetValue(numalink::setting::comPort, other.terminal.path);
     numalink::settingsSetValue(numalink::setting::linkType, "cfx");
     numalink::startLinkThread();
-    const std::string text = "\"HELLO FROM THE CALCULATOR\"\r1->A";
+    const std::string text = "\"HELLO FROM THE\"\r\"CALCULATOR\"";
     other.own.toSend.push_back(calculator::program("HELLO", {text.begin(), text.end()}));
     other.converse();
     const auto received = [] { return numalink::storeFindItem("HELLO", numalink::storeStandardFolder(1001)); };
@@ -133,7 +133,7 @@ bool exchangeItems() {
     numalink::selectItem(picture);
     numalink::mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
     auto *queueWindow = numalink::mainWindow->findChild<QDialog *>(QStringLiteral("queueWindow"));
-    queueWindow->move(numalink::mainWindow->pos() + QPoint(330, 190));  // beside tree and picture
+    queueWindow->move(numalink::mainWindow->pos() + QPoint(226, 182));  // beside tree and picture
     if (!QTest::qWaitFor([] { return !numalink::linkConversationRuns(); }, VirtualCalculator::patience)) return false;
     other.converse();
     numalink::handleCommand(40006);
