@@ -8,9 +8,6 @@ if(NUMALINK_SANITIZE)
     add_compile_options(-fsanitize=${NUMALINK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
     set(CMAKE_CXX_FLAGS_DEBUG "-g1")  # lines are all that a report needs, and they build much faster
     add_link_options(-fsanitize=${NUMALINK_SANITIZE})
-    if(NUMALINK_SANITIZE MATCHES thread AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-        add_compile_options(-Wno-tsan)  # asio's fences, which the thread sanitizer doesn't follow
-    endif()
 endif()
 # Asio has fences, which the thread sanitizer doesn't see; our threads meet at locks and atomics that it does.
 if(NUMALINK_SANITIZE MATCHES thread AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)

@@ -114,8 +114,9 @@ bool keepDraft(const ItemEntry &item, const QString &text) {
     if (path.empty()) return false;
     std::string name = utf8FromCalculator(item.name);
     std::erase(name, '\n');
-    const std::string file = std::string(draftHead) + "\n" + std::to_string(item.id) + "\n" +
-                             std::to_string(item.kind) + "\n" + name + "\n" + text.toStdString();
+    std::string file = draftHead;
+    for (const std::string &line : {std::to_string(item.id), std::to_string(item.kind), name, text.toStdString()})
+        file.append("\n").append(line);
     const bool kept =
         writeWholeFile(path, {reinterpret_cast<const std::uint8_t *>(file.data()), file.size()}) == FileResult::done;
     if (kept) openDraft.clear();
