@@ -70,7 +70,10 @@ int runTokens(const TokensOptions &options) {
 }
 
 void declareOptions(CLI::App &command, TokensOptions &options, const char *input) {
-    command.add_option("INPUT", options.input, input);
+    // Not an option with values: those are taken apart where they stand in brackets, as matrices do.
+    command.allow_extras();
+    command.footer(std::string("INPUT: ") + input);
+    command.callback([&command, &options] { options.input = command.remaining(); });
     command.add_flag("--typed", options.typed,
                      "Text as the editor shows and takes it (UTF-8) in place of exchange words");
 }
@@ -84,7 +87,7 @@ CommandRun declareTokens(CLI::App &command) {
     declareOptions(*encodeCommand, *options, "Lines of text; standard input when there are none");
     CLI::App *decodeCommand = command.add_subcommand("decode", "Bytes to text");
     declareOptions(*decodeCommand, *options, "Pairs of hexadecimal digits; standard input when there are none");
-    decodeCommand->callback([options] { options->decode = true; });
+    decodeCommand->parse_complete_callback([options] { options->decode = true; });
     return [options] { return runTokens(*options); };
 }
 

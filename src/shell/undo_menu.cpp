@@ -5,9 +5,9 @@
 #include <QPlainTextEdit>
 
 #include "calculator/charset.h"
+#include "emulator/machine.h"
 #include "settings/tell_user.h"
 #include "shell/command_table.h"
-#include "shell/emulator_window.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
 #include "shell/menus.h"
