@@ -36,7 +36,8 @@ struct LibraryToCheck : Store {
         EXPECT_TRUE(uiRecord.lines.empty());
         std::vector<ItemId> ids;
         int flawed = 0;  // a payload has nothing by which a flipped byte could be told
-        for (const StoredItem &item : libraryState()) {
+        for (const StoredItem &item : allItems()) {
+            if (item.kind == kind::temporaryFolder) continue;
             ids.push_back(item.id);
             const auto original = std::ranges::find(items, item.id, &ItemEntry::id);
             flawed += original != items.end() && item.data != original->data ? 1 : 0;
@@ -103,7 +104,7 @@ TEST_F(LibraryToCheck, WhatWasDeletedStaysDeleted) {
 
 TEST_F(LibraryToCheck, AnyByteMayBeFlippedAndAnyLengthCut) {
     Random random(3);
-    for (int round = 0; round < 300; round++) {
+    for (int round = 0; round < 120; round++) {
         SCOPED_TRACE(round);
         Bytes damaged = sound;
         const std::size_t place = round % 2 ? random() % damaged.size() : 8000 + random() % (damaged.size() - 8000);
