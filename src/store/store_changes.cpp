@@ -69,10 +69,12 @@ void closeLargeGaps() REQUIRES_LOCK(storeLock) {
     if (!storeState.damaged && waste > std::max(wasteLimit, used)) closeGaps();
 }
 
-// Those that go lose their signature: what lies in a gap is no record.
-void unmarkRecords(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
+// Those that go lose their signature: what lies in a gap is no record. Never behind the new end, where the end of the
+// run cuts: a change counts as done only while all that it wrote is there.
+void unmarkRecords(const std::vector<bool> &leaving, std::uint64_t end) REQUIRES_LOCK(storeLock) {
     for (std::size_t slot = 0; slot < leaving.size(); slot++)
-        if (leaving[slot]) changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
+        if (leaving[slot] && storeState.main.offsets[slot] + sizeof itemSignature <= end)
+            changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
 }
 
 }  // namespace
@@ -115,7 +117,7 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     Bytes bytes;
     if (const Fault fault = appendRecords(next, added, place, bytes); fault != Fault::none) return fault;
     changeBegin();
-    unmarkRecords(leaving);
+    unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
     changeWrite(place, std::move(bytes));
     changeWrite(0, bytesOf(next.main));
     const Fault fault = faultOf(changeCommit());
