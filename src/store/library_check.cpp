@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t scanBlock = 64 * 1024;  // bytes
 constexpr int textTooNew = 119;
+constexpr ItemId idLimit = noItem / 2;  // no library lives to see it: a next id from here on is damage
 
 // What an examination has found: the head as it lies, and the records that can be kept.
 struct Examined {
@@ -46,7 +47,8 @@ std::uint64_t nextSignature(std::uint64_t from, std::uint64_t limit) REQUIRES_LO
 bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t limit) REQUIRES_LOCK(storeLock) {
     const std::uint64_t end = offset + recordSize(head);
     if (end == limit || nextSignature(end, std::min(limit, end + sizeof itemSignature)) == end) return true;
-    for (std::uint64_t at = nextSignature(offset + sizeof head, end); at < end; at = nextSignature(at + 1, end)) {
+    const std::uint64_t last = std::min(limit, end + sizeof itemSignature - 1);
+    for (std::uint64_t at = nextSignature(offset + sizeof head, last); at < last; at = nextSignature(at + 1, last)) {
         ItemHeader inner{};
         if (readHead(at, inner) && recordIsSound(inner, at, limit)) return false;
     }
@@ -104,6 +106,7 @@ void examine(Examined &examined, LibraryCheck &check) REQUIRES_LOCK(storeLock) {
         check.damage = checkStore(examined.main, examined.fileSize, examined.slots);
         const auto lost = std::ranges::count(examined.slots, false, &Slot::sound);
         check.circles = static_cast<std::uint32_t>(foldersInCircle(examined.slots).size());
+        if (examined.main.nextId >= idLimit) check.damage++;
         headLies = check.damage > static_cast<std::uint32_t>(lost) + check.circles;
     }
     searchFile(examined, headLies);
@@ -138,7 +141,7 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     MainHeader main = emptyMain();
     main.formatNumber = std::min(examined.main.formatNumber, storeNewestFormat);
     if (examined.main.formatNumber == 0) main.formatNumber = storeNewestFormat;
-    main.nextId = examined.main.nextId < noItem / 2 ? examined.main.nextId : 0;
+    main.nextId = examined.main.nextId < idLimit ? examined.main.nextId : 0;
     std::vector<Slot> known = kept;
     std::erase_if(known, [](const Slot &slot) { return slot.head.id == noItem; });
     main.nextId = safeNextId(main, known);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "store/store_copy.h"
 
@@ -9,42 +10,7 @@ namespace numalink {
 
 namespace {
 
-// A part of the file that goes.
-struct Gap {
-    std::uint32_t offset;
-    std::uint32_t size;
-};
-
-std::vector<Gap> gapsOf(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
-    std::vector<Gap> gaps;
-    for (std::size_t slot = 0; slot < leaving.size(); slot++)
-        if (leaving[slot])
-            gaps.push_back(
-                {storeState.main.offsets[slot], static_cast<std::uint32_t>(recordSize(storeState.slots[slot].head))});
-    std::ranges::sort(gaps, {}, &Gap::offset);
-    return gaps;
-}
-
-std::uint32_t sizeAhead(const std::vector<Gap> &gaps, std::uint32_t offset) {
-    std::uint32_t size = 0;
-    for (const Gap &gap : gaps) {
-        if (gap.offset >= offset) break;
-        size += gap.size;
-    }
-    return size;
-}
-
-// What lies from the first gap to the end of the records, without the gaps. False when it can't be read whole.
-bool readClosedUp(const std::vector<Gap> &gaps, std::uint32_t end, Bytes &closedUp) REQUIRES_LOCK(storeLock) {
-    for (std::size_t i = 0; i < gaps.size(); i++) {
-        const std::uint32_t from = gaps[i].offset + gaps[i].size;
-        const std::uint32_t to = i + 1 < gaps.size() ? gaps[i + 1].offset : end;
-        const std::size_t filled = closedUp.size();
-        closedUp.resize(filled + (to - from));
-        if (!storeFileRead(from, std::span(closedUp).subspan(filled))) return false;
-    }
-    return true;
-}
+constexpr std::uint64_t wasteLimit = 1024 * 1024;  // bytes that no record covers
 
 void appendRecord(Bytes &bytes, const NewRecord &record) {
     const auto *head = reinterpret_cast<const std::uint8_t *>(&record.head);
@@ -70,8 +36,7 @@ StoreState withoutSlots(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLoc
     return next;
 }
 
-// Puts the added records behind the last, and their bytes behind those given, which begin at place. In a damaged file,
-// whose head may lie, the place is the end of the file.
+// Puts the added records one behind the other from place on.
 Fault appendRecords(StoreState &next, std::span<const NewRecord> added, std::uint64_t place, Bytes &bytes) {
     if (next.slots.size() + added.size() > storeSlotCount) return Fault::full;
     std::uint64_t size = bytes.size();
@@ -88,15 +53,28 @@ Fault appendRecords(StoreState &next, std::span<const NewRecord> added, std::uin
     return Fault::none;
 }
 
-void closeGaps(MainHeader &main, std::size_t slots, const std::vector<Gap> &gaps) {
-    for (std::size_t slot = 0; slot < slots; slot++) main.offsets[slot] -= sizeAhead(gaps, main.offsets[slot]);
-    main.endOffset -= sizeAhead(gaps, main.endOffset);
+std::uint64_t endOfRecords(const StoreState &state) {
+    std::uint64_t end = sizeof state.main;
+    for (std::size_t slot = 0; slot < state.slots.size(); slot++)
+        end = std::max(end, state.main.offsets[slot] + recordSize(state.slots[slot].head));
+    return end;
 }
 
-// Where records aren't moved, those that go lose their signature, or they would count as lost ones for ever.
-void unmarkRecords(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
+// Once the gaps are larger than the records, they are closed without waiting for the end of the run. Should that fail,
+// nothing is lost but the room.
+void closeLargeGaps() REQUIRES_LOCK(storeLock) {
+    std::uint64_t used = sizeof storeState.main;
+    for (const Slot &slot : storeState.slots) used += recordSize(slot.head);
+    const std::uint64_t waste = storeState.main.endOffset - std::min<std::uint64_t>(used, storeState.main.endOffset);
+    if (!storeState.damaged && waste > std::max(wasteLimit, used)) closeGaps();
+}
+
+// Those that go lose their signature: what lies in a gap is no record. Never behind the new end, where the end of the
+// run cuts: a change counts as done only while all that it wrote is there.
+void unmarkRecords(const std::vector<bool> &leaving, std::uint64_t end) REQUIRES_LOCK(storeLock) {
     for (std::size_t slot = 0; slot < leaving.size(); slot++)
-        if (leaving[slot]) changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
+        if (leaving[slot] && storeState.main.offsets[slot] + sizeof itemSignature <= end)
+            changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
 }
 
 }  // namespace
@@ -133,21 +111,47 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     next.main.nextId = nextId;
     const std::int64_t fileSize = storeFileSize();
     if (fileSize < 0) return Fault::notWritten;
-    auto place = storeState.damaged ? static_cast<std::uint64_t>(fileSize) : storeState.main.endOffset;
+    if (!storeState.damaged) next.main.endOffset = static_cast<std::uint32_t>(endOfRecords(next));
+    // In a damaged file, whose head may lie, behind everything.
+    const auto place = storeState.damaged ? static_cast<std::uint64_t>(fileSize) : next.main.endOffset;
     Bytes bytes;
-    const std::vector<Gap> gaps = storeState.damaged ? std::vector<Gap>{} : gapsOf(leaving);
-    if (!gaps.empty()) {
-        place = gaps.front().offset;
-        if (!readClosedUp(gaps, storeState.main.endOffset, bytes)) return Fault::notWritten;
-        closeGaps(next.main, next.slots.size(), gaps);
-    }
     if (const Fault fault = appendRecords(next, added, place, bytes); fault != Fault::none) return fault;
     changeBegin();
-    if (storeState.damaged) unmarkRecords(leaving);
+    unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
     changeWrite(place, std::move(bytes));
     changeWrite(0, bytesOf(next.main));
     const Fault fault = faultOf(changeCommit());
+    if (fault != Fault::none) return fault;
     next.arrivals++;
+    storeState = std::move(next);
+    closeLargeGaps();
+    return Fault::none;
+}
+
+Fault closeGaps() {
+    if (!storeState.open || storeState.damaged) return Fault::absent;
+    StoreState next = storeState;
+    std::vector<std::size_t> order(next.slots.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::sort(order, {}, [&](std::size_t slot) { return next.main.offsets[slot]; });
+    std::uint64_t place = sizeof next.main, from = 0;
+    Bytes moved;  // all from the first gap on
+    for (const std::size_t slot : order) {
+        const std::uint64_t offset = next.main.offsets[slot], size = recordSize(next.slots[slot].head);
+        if (moved.empty()) from = place;
+        if (offset != place || !moved.empty()) {
+            moved.resize(moved.size() + static_cast<std::size_t>(size));
+            if (!storeFileRead(offset, std::span(moved).last(static_cast<std::size_t>(size)))) return Fault::notWritten;
+        }
+        next.main.offsets[slot] = static_cast<std::uint32_t>(place);
+        place += size;
+    }
+    if (place == storeState.main.endOffset) return Fault::none;
+    next.main.endOffset = static_cast<std::uint32_t>(place);
+    changeBegin();
+    changeWrite(from, std::move(moved));
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
     if (fault == Fault::none) storeState = std::move(next);
     return fault;
 }

@@ -15,10 +15,14 @@ struct NewRecord {
     ByteView secondPayload;
 };
 
-// Removes the records marked in leaving (by slot; empty for none), closing the gaps, and puts the added ones behind the
-// last. nextId becomes the store's next id.
+// Removes the records marked in leaving (by slot; empty for none), and puts the added ones behind the last. nextId
+// becomes the store's next id.
 Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId)
     REQUIRES_LOCK(storeLock);
+
+// Moves the records together, as one change of its own: at the end of a run, or when there is much to win. Until then a
+// record that goes leaves a gap, so that a small change stays a small one on the disk.
+Fault closeGaps() REQUIRES_LOCK(storeLock);
 
 // Bytes of a record that are replaced where they lie; offset counts from the record's beginning.
 struct Patch {

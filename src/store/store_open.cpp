@@ -112,10 +112,12 @@ bool storeOpen() {
 }
 
 void storeClose() {
-    {
-        const HoldLock hold(storeLock);
-        if (storeState.open && !storeState.damaged) storeFileCut(storeState.main.endOffset);
-    }
+    withStoreLocked([]() REQUIRES_LOCK(storeLock) {
+        if (!storeState.open || storeState.damaged) return Fault::none;
+        closeGaps();  // should it fail, the next end of a run does it
+        storeFileCut(storeState.main.endOffset);
+        return Fault::none;
+    });
     letGo();
 }
 

@@ -4,7 +4,8 @@
 // Invariants between any two operations while the store is open:
 //   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file; main.itemCount is their number.
 //   (2) main is what the file's first 8032 bytes hold, unless opening found damage and nothing was changed since.
-//   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset.
+//   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset. What else lies there
+//       (gaps, until the end of the run) doesn't begin as a record does.
 #pragma once
 
 #include <new>
