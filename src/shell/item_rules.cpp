@@ -180,7 +180,7 @@ bool renameItem(const ItemEntry &item, const std::string &calculatorName) {
     if (!storeReadItem(item.id, stored)) return false;
     if (isTextKind(item.kind)) {
         std::optional<ProgramInfo> info = decodeProgramInfo(stored.head);
-        if (!info) return storeRename(item.id, calculatorName);
+        if (!info || stored.head.size() != programInfoSize) return storeRename(item.id, calculatorName);
         info->name = calculatorName.substr(0, programNameLimit);
         return storeRename(item.id, calculatorName, encodeProgramInfo(*info));
     }

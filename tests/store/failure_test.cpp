@@ -147,7 +147,7 @@ TEST_F(Failures, OfMemoryForGood) {
 // A library whose last change was cut off half-way, so that opening brings it back.
 TEST_F(Failures, OfTheDiskWhileAChangeIsBroughtBack) {
     const LibraryState before = libraryState();
-    failDisk(8, true);
+    failDisk(14, true);  // while the library itself is written, behind reads and the journal
     ASSERT_FALSE(storeDelete(2));
     ASSERT_FALSE(storeWriteHead());
     simulatedDisk.dead = true;
@@ -177,7 +177,8 @@ TEST_F(Failures, AJournalOfAnotherFileIsSetAside) {
     storeClose();
     const Bytes backup = simulatedDisk.now.files[simulatedDisk.now.names["/library/storage.dat"]];
     ASSERT_TRUE(storeOpen());
-    failDisk(8, true);
+    ASSERT_NE(storeAddItem(another), noItem);
+    failDisk(14, true);  // while the library itself is written, behind reads and the journal
     ASSERT_FALSE(storeDelete(2));
     simulatedDisk.dead = true;
     storeClose();
