@@ -324,4 +324,24 @@ TEST_F(Tree, HidesAndShowsWithItsColumn) {
     EXPECT_TRUE(treeView->isVisible());
 }
 
+TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
+    const ItemId games = add(kind::folder, "Games");
+    const ItemId program = addProgram("ABC", "A", games);
+    refreshTree();
+    select(games);
+    answer("Return");
+    QTest::keyClick(treeView, Qt::Key_Delete);
+    ASSERT_FALSE(storeReadEntry(program));
+    treeView->setFocus();
+    QTest::keyClick(mainWindow, Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(storeReadEntry(program));
+    EXPECT_EQ(selectedItemId(), games);
+    select(program);
+    programEdit->setFocus();
+    typeKeys(QStringLiteral("BCD"));
+    QTest::keyClick(programEdit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(storeReadEntry(program)) << "typing is undone, not the library";
+    EXPECT_FALSE(programEdit->toPlainText().startsWith(QStringLiteral("BCD")));
+}
+
 }  // namespace numalink
