@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t imageLengthOffset = 4;
 constexpr std::size_t nameOffset = 8;
 constexpr std::size_t passwordOffset = 20;
+constexpr std::uint8_t endMark = 0xFF;
 
 void putText(Bytes &head, std::size_t offset, std::string_view text) {
     text = text.substr(0, std::min(text.find('\0'), programNameLimit));
@@ -46,13 +47,21 @@ ByteView programTokens(ByteView image) {
     if (image.empty()) return {};
     const ByteView tokens = image.subspan(1);
     std::size_t end = 0;
-    while (end < tokens.size() && tokens[end] != 0 && tokens[end] != 0xFF) end += isTokenPrefix(tokens[end]) ? 2 : 1;
+    while (end < tokens.size() && tokens[end] != 0 && tokens[end] != endMark) end += isTokenPrefix(tokens[end]) ? 2 : 1;
     if (end < tokens.size()) return tokens.first(end);
     for (const std::size_t behind : {2u, 1u}) {
-        if (tokens.size() >= behind && tokens[tokens.size() - behind] == 0xFF)
+        if (tokens.size() >= behind && tokens[tokens.size() - behind] == endMark)
             return tokens.first(tokens.size() - behind);
     }
     return tokens;
+}
+
+Bytes imageWithChecksumPlace(ByteView image) {
+    Bytes whole(image.begin(), image.end());
+    const std::size_t end = 1 + programTokens(image).size();
+    if (end + 1 == whole.size() && whole[end] == endMark) whole.push_back(0);
+    if (whole.size() == 1) whole.insert(whole.end(), {endMark, 0});
+    return whole;
 }
 
 }  // namespace numalink

@@ -33,4 +33,7 @@ std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
 // An image that doesn't start with ':' gives its bytes from the second on all the same; an empty one nothing.
 ByteView programTokens(ByteView image);
 
+// The image with a place for its checksum behind the end mark: one that was never stored from the editor lacks it.
+Bytes imageWithChecksumPlace(ByteView image);
+
 }  // namespace numalink

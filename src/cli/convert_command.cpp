@@ -50,7 +50,9 @@ int readFile(ByteView file, const ConvertOptions &options, std::vector<OutgoingI
         return report.messages.empty() ? exitDone : exitShown;
     }
     Surface scaled(calculatorPictureWidth, calculatorPictureHeight);
-    if (!isPictureFile(file) || readScaledPicture(file, scaled) != PictureResult::done)
+    const PictureResult result = isPictureFile(file) ? readScaledPicture(file, scaled) : PictureResult::unreadable;
+    if (result == PictureResult::tooLarge) return commandFailed(options.in + " has too many pixels");
+    if (result != PictureResult::done)
         return commandFailed(options.in + " is no item file and no picture that can be read");
     const RasterType type = options.raster == "sharp" ? RasterType::sharp : RasterType::image;
     ImportedItem item = pictureItem(rasterPicture(scaled, type), calculatorName(importBaseName(options.in)));

@@ -8,6 +8,7 @@
 
 #include "calculator/charset.h"
 #include "calculator/frames.h"
+#include "exchange/shown_progress.h"
 #include "platform/picture_file.h"
 #include "settings/tell_user.h"
 #include "store/item_store.h"
@@ -103,6 +104,11 @@ void appendPlane(Bytes &data, const Surface &raster, int plane) {
     frameChecksum(std::span(data).subspan(start));
 }
 
+PictureResult decode(ByteView file, Surface &scaled) {
+    ShownProgress progress(file.size());
+    return readScaledPicture(file, scaled, [&](std::size_t done) { progress.step(done); });
+}
+
 bool tellUnreadable(PictureResult result, const std::string &path) {
     if (result == PictureResult::tooLarge)
         return failWith(OwnText::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
@@ -144,9 +150,7 @@ bool importBitmap(ByteView file, const std::string &path, const std::string &bas
                             .scaled = Surface(calculatorPictureWidth, calculatorPictureHeight),
                             .sharp = {},
                             .image = {}};
-    userInterface.waitCursor(true);
-    const PictureResult result = readScaledPicture(file, question.scaled);
-    userInterface.waitCursor(false);
+    const PictureResult result = decode(file, question.scaled);
     if (result != PictureResult::done) return tellUnreadable(result, path);
     question.sharp = rasterPicture(question.scaled, RasterType::sharp);
     question.image = rasterPicture(question.scaled, RasterType::image);

@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "calculator/charset.h"
+#include "exchange/shown_progress.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
@@ -62,7 +63,8 @@ bool isOwnFile(const std::string &path) {
         for (const char *name : ownFiles) {
             if (isSameFile(path, folder + name)) return true;
         }
-        if (isFileIn(path, folder, "storage.dat")) return true;  // copies of a damaged library
+        // Copies of a damaged library, and what was being typed when the program ended.
+        if (isFileIn(path, folder, "storage.dat") || isFileIn(path, folder, "draft-")) return true;
     }
     return isFileIn(path, programFolder() + "Language", "");
 }
@@ -143,6 +145,8 @@ bool tellNotWritten(FileResult result, const std::string &path) {
 
 bool pathIsFree(const ExportJob &job) {
     if (isOwnFile(job.path)) return failWith(OwnText::exportOwnFile, {job.path});
+    std::error_code failure;
+    if (std::filesystem::is_directory(job.path, failure)) return tellNotWritten(FileResult::isFolder, job.path);
     if (job.mayReplace || !fileExists(job.path)) return true;
     return showBox(ownTextNumber(OwnText::exportReplace), ownText(OwnText::exportReplace, {job.path}), {job.path},
                    BoxButtons::okCancel) == Answer::ok;
@@ -155,20 +159,6 @@ bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     statusLine(StatusPart::item, OwnText::exportDone, {std::to_string(count)});
     return true;
 }
-
-// The bar and the wait cursor for the life of the object.
-struct ShownProgress {
-    explicit ShownProgress(std::size_t count) {
-        userInterface.waitCursor(true);
-        userInterface.progressRange(static_cast<int>(count));
-    }
-    ~ShownProgress() {
-        userInterface.progressRange(0);
-        userInterface.waitCursor(false);
-    }
-    ShownProgress(const ShownProgress &) = delete;
-    ShownProgress &operator=(const ShownProgress &) = delete;
-};
 
 // Gives the item of a place, or false when it can't be had, which has been told.
 using ItemSource = bool (*)(const void *items, std::size_t place, OutgoingItem &item);
@@ -186,15 +176,14 @@ bool itemFromMemory(const void *items, std::size_t place, OutgoingItem &item) {
 }
 
 bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTarget target, Bytes &file) {
-    constexpr std::size_t progressEvery = 16;
     Refusals refusals;
     {
-        const ShownProgress progress(count);
+        ShownProgress progress(count);
         for (std::size_t i = 0; i < count; i++) {
             OutgoingItem item;
             if (!source(items, i, item)) return false;
             if (const auto refusal = appendItem(item, target, file)) addRefusal(refusals, *refusal, item.name);
-            if (i % progressEvery == 0) userInterface.progressPosition(static_cast<int>(i));
+            progress.step(i + 1);
         }
     }
     return tellRefusals(refusals, target);

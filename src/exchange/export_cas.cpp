@@ -9,7 +9,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint8_t endMark = 0xFF;
 constexpr std::size_t screenBlocks = 3;  // of a colour screen
 
 // Length of the frames that the data is made of.
@@ -22,7 +21,7 @@ std::uint64_t summedLength(ItemKind itemKind, ByteView head, std::size_t dataSiz
 
 std::optional<ExportRefusal> writeText(const OutgoingItem &item, Bytes &file) {
     std::optional<ProgramInfo> info = decodeProgramInfo(item.head);
-    Bytes image = wholeImage(item.data);
+    Bytes image = imageWithChecksumPlace(item.data);
     if (!info || info->imageLength > image.size()) return ExportRefusal{ExportFault::sizesDiffer};
     if (image.size() > std::numeric_limits<std::uint16_t>::max()) return ExportRefusal{ExportFault::tooLarge};
     info->imageLength = static_cast<std::uint32_t>(image.size());
@@ -35,14 +34,6 @@ std::optional<ExportRefusal> writeText(const OutgoingItem &item, Bytes &file) {
 }
 
 }  // namespace
-
-Bytes wholeImage(ByteView image) {
-    Bytes whole(image.begin(), image.end());
-    const std::size_t end = 1 + programTokens(image).size();
-    if (end + 1 == whole.size() && whole[end] == endMark) whole.push_back(0);
-    if (whole.size() == 1) whole.insert(whole.end(), {endMark, 0});
-    return whole;
-}
 
 void sumData(ItemKind itemKind, ByteView head, Bytes &data) {
     const std::uint64_t length = summedLength(itemKind, head, data.size());

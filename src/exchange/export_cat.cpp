@@ -87,7 +87,7 @@ void algebraTextHead(CatWriter &writer, const ProgramInfo &info, std::size_t ima
 
 std::optional<ExportRefusal> writeProgram(CatWriter &writer, const OutgoingItem &item, bool algebra) {
     const std::optional<ProgramInfo> info = decodeProgramInfo(item.head);
-    const Bytes image = wholeImage(item.data);
+    const Bytes image = imageWithChecksumPlace(item.data);
     if (!info || info->imageLength > image.size()) return ExportRefusal{ExportFault::sizesDiffer};
     const ByteView tokens = programTokens(image);
     const int code = codeWithoutWord(tokens);

@@ -35,11 +35,10 @@ bool samePrograms(const OutgoingItem &item, const ImportedItem &back, ExportTarg
     const auto before = decodeProgramInfo(item.head);
     const auto after = decodeProgramInfo(back.head);
     if (!before || !after || before->name != after->name) return false;
-    // The text record of the ALGEBRA family has its password where readers skip it, and no options.
-    const bool hasAll = target != ExportTarget::catAlgebra;
-    if (hasAll && (before->password != after->password || !std::ranges::equal(before->option, after->option)))
-        return false;
-    Bytes image = wholeImage(item.data);
+    if (!std::ranges::equal(before->option, after->option)) return false;
+    // The text record of the ALGEBRA family has its password where readers skip it.
+    if (target != ExportTarget::catAlgebra && before->password != after->password) return false;
+    Bytes image = imageWithChecksumPlace(item.data);
     sumData(item.itemKind, item.head, image);
     Bytes read = back.data;
     sumData(item.itemKind, back.head, read);

@@ -39,8 +39,6 @@ void appendFileEnd(ExportTarget target, Bytes &file);
 std::optional<ExportRefusal> writeCas(const OutgoingItem &item, Bytes &file);
 std::optional<ExportRefusal> writeCat(const OutgoingItem &item, bool algebra, Bytes &file);
 
-// An image with its end mark and a place for the checksum: one that was never stored from the editor lacks the place.
-Bytes wholeImage(ByteView image);
 // Writes all checksums of an item's data: a picture has one a plane, a matrix or list one a value, a colour screen one
 // in each of its three blocks.
 void sumData(ItemKind itemKind, ByteView head, Bytes &data);

@@ -7,6 +7,7 @@
 #include "calculator/charset.h"
 #include "exchange/bitmap_import.h"
 #include "exchange/import_readers.h"
+#include "exchange/shown_progress.h"
 #include "link/transmit_queue.h"
 #include "platform/files.h"
 #include "platform/picture_file.h"
@@ -74,7 +75,9 @@ ImportReport readItems(ByteView file, ItemReader reader, const std::string &base
     ImportReport report;
     if (folder == noItem) return report;
     std::vector<NewItem> items;
+    ShownProgress progress(file.size());
     const ItemSink sink = [&](ImportedItem &item) {
+        progress.step(report.place);
         items.push_back({.name = storedName(item.name, baseName),
                          .parent = folder,
                          .kind = item.itemKind,
@@ -169,9 +172,7 @@ void importFile(const std::string &path, const std::string &baseName) {
     if (!reader)
         return showBox(unknownType,
                        languageText(unknownType) + "\n" + (file.empty() ? ownText(OwnText::fileEmpty, {path}) : path));
-    userInterface.waitCursor(true);
     const ImportReport report = readItems(rest, reader, baseName);
-    userInterface.waitCursor(false);
     showReport(report);
     if (report.items > 0) askWhereTo();
 }

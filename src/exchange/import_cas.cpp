@@ -17,6 +17,7 @@ void readCas(ByteView file, const ItemSink &sink, ImportReport &report) {
         const std::uint64_t dataLength = frameDataLength(head);
         if (dataLength > rest.size() - headLength) return addStopMessage(report, at);
         const ByteView data = rest.subspan(headLength, dataLength);
+        report.place = at;
         if (!deliver(itemFromFrame(head, {data.begin(), data.end()}), sink, report)) return;
         at += headLength + data.size();
     }

@@ -94,6 +94,7 @@ bool unknownLine(CatReader &reader) {
 bool readRecord(CatReader &reader) {
     reader.values.fill({});
     reader.record++;
+    reader.report->place = reader.at;
     while (nextLine(reader)) {
         const std::string_view line = lineOf(reader);
         const auto key =

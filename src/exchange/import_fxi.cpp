@@ -99,6 +99,7 @@ Bytes headAt(ByteView file, std::size_t place) {
 
 void readItems(ByteView file, const ItemSink &sink, ImportReport &report) {
     for (std::size_t at = firstItemOffset; file.size() > endMargin && at < file.size() - endMargin;) {
+        report.place = at;
         const FoundHead found = findHead(file, at);
         if (found.atEnd) return;
         if (!found.found) return addStopMessage(report, found.place);

@@ -30,6 +30,7 @@ struct ImportMessage {
 
 struct ImportReport {
     std::size_t items = 0;
+    std::size_t place = 0;           // bytes of the file ahead of the item that is being read
     std::size_t unknownRecords = 0;  // records of the text format whose type has no kind
     std::vector<ImportMessage> messages;
 };

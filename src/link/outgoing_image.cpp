@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::size_t valueFrameSize = 16;
 constexpr std::size_t slotDigitOffset = 18;
-constexpr std::uint8_t endMark = 0xFF;
 constexpr std::uint64_t longestCfxImage = 65535;
 constexpr std::uint64_t longestAlgebraImage = 65535 - 9;  // its head counts 9 more
 constexpr std::size_t algebraFill = 10;                   // zero bytes between the ':' and the tokens
@@ -49,14 +48,6 @@ Refusal outgoingRefusal(const StoredItem &item, Family family) {
     if (item.kind == kind::algebraBlock) return blockRefusal(item);
     if (item.head.size() != headFrameSize) return Refusal::shorterThanHead;
     return item.data.size() < frameDataLength(item.head) ? Refusal::shorterThanHead : Refusal::none;
-}
-
-Bytes imageWithChecksumPlace(ByteView image) {
-    Bytes whole(image.begin(), image.end());
-    const std::size_t end = 1 + programTokens(image).size();
-    if (end + 1 == whole.size() && whole[end] == endMark) whole.push_back(0);
-    if (whole.size() == 1) whole.insert(whole.end(), {endMark, 0});
-    return whole;
 }
 
 Bytes imageWithoutColour(Bytes image) {

@@ -14,9 +14,6 @@ namespace numalink {
 enum class Refusal { none, kind, shorterThanHead, tooLong };
 Refusal outgoingRefusal(const StoredItem &item, Family family);
 
-// The image of a program with a place for its checksum: behind the end mark, added when there is none.
-Bytes imageWithChecksumPlace(ByteView image);
-
 // Without the two-byte colour commands, wherever these bytes stand.
 Bytes imageWithoutColour(Bytes image);
 

@@ -6,6 +6,7 @@
 #include <QImageReader>
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string_view>
 
 namespace numalink {
@@ -17,6 +18,45 @@ constexpr std::array<std::string_view, 12> knownMarks = {
     "BM", "\x89PNG\r\n\x1A\n", "\xFF\xD8\xFF", "GIF8", "P1\n", "P2\n", "P3\n", "P4\n", "P5\n", "P6\n", "II*", "RIFF"};
 
 std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char *>(bytes.data()), bytes.size()}; }
+
+// Tells how far the decoder has come in the file.
+class WatchedBuffer : public QBuffer {
+public:
+    WatchedBuffer(QByteArray *bytes, const std::function<void(std::size_t)> &read) : QBuffer(bytes), told(read) {}
+
+protected:
+    qint64 readData(char *data, qint64 limit) override {
+        const qint64 got = QBuffer::readData(data, limit);
+        if (told) told(static_cast<std::size_t>(pos() + std::max<qint64>(got, 0)));
+        return got;
+    }
+
+private:
+    const std::function<void(std::size_t)> &told;
+};
+
+std::uint64_t littleAt(ByteView file, std::size_t place, std::size_t count) {
+    std::uint64_t value = 0;
+    for (std::size_t i = count; i > 0; i--) value = value << 8 | file[place + i - 1];
+    return value;
+}
+
+// Dots of a side of a BMP, from the 16 bits of the oldest form or 32 with a sign.
+std::uint64_t bmpSide(ByteView file, std::size_t place, bool oldest) {
+    if (oldest) return littleAt(file, place, 2);
+    const auto side = static_cast<std::int32_t>(littleAt(file, place, 4));
+    return static_cast<std::uint64_t>(std::abs(std::int64_t{side}));
+}
+
+// Told apart here: the decoder calls sizes beyond its own limit no picture at all.
+bool isTooLargeBmp(ByteView file) {
+    constexpr std::size_t headEnd = 26;
+    constexpr std::size_t sizesPlace = 18;
+    if (!asText(file).starts_with("BM") || file.size() < headEnd) return false;
+    const bool oldest = littleAt(file, 14, 4) == 12;
+    const std::uint64_t width = bmpSide(file, sizesPlace, oldest);
+    return width * bmpSide(file, sizesPlace + (oldest ? 2 : 4), oldest) > pictureDotLimit;
+}
 
 bool isTooLarge(const QSize &size) {
     return size.isValid() &&
@@ -44,10 +84,11 @@ bool isPictureFile(ByteView file) {
     return std::ranges::any_of(knownMarks, [&](std::string_view mark) { return asText(file).starts_with(mark); });
 }
 
-PictureResult readScaledPicture(ByteView file, Surface &scaled) {
+PictureResult readScaledPicture(ByteView file, Surface &scaled, const std::function<void(std::size_t)> &read) {
+    if (isTooLargeBmp(file)) return PictureResult::tooLarge;
     QByteArray bytes =
         QByteArray::fromRawData(reinterpret_cast<const char *>(file.data()), static_cast<qsizetype>(file.size()));
-    QBuffer buffer(&bytes);
+    WatchedBuffer buffer(&bytes, read);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);

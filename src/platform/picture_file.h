@@ -1,6 +1,8 @@
 // Bitmap files of people's computers, decoded. Any thread; no state.
 #pragma once
 
+#include <functional>
+
 #include "platform/bytes.h"
 #include "platform/surface.h"
 
@@ -15,6 +17,7 @@ bool isPictureFile(ByteView file);
 
 // Decodes the file and takes from it, by the nearest dot without any smoothing, what fills scaled, whose size is set.
 // The ratio of the sides isn't kept. What can be seen through becomes white. scaled is untouched unless done.
-PictureResult readScaledPicture(ByteView file, Surface &scaled);
+// read is told from time to time how many bytes of the file have been read.
+PictureResult readScaledPicture(ByteView file, Surface &scaled, const std::function<void(std::size_t)> &read = {});
 
 }  // namespace numalink

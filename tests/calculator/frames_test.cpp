@@ -102,6 +102,10 @@ TEST(ProgramInfo, AnImageEndsAtATokenBoundary) {
     EXPECT_EQ(programTokens(Bytes{':', 'A', 0xF7, 0xFF, 0x12}).size(), 2u) << "a lone prefix ahead of the end mark";
     EXPECT_EQ(programTokens(Bytes{':', 'A', 0x7F, 0xFF}).size(), 2u);
     EXPECT_TRUE(programTokens({}).empty());
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF}), (Bytes{':', 'A', 0xFF, 0}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF, 0xFF}), (Bytes{':', 'A', 0xFF, 0xFF}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}), (Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}));
+    EXPECT_EQ(imageWithChecksumPlace(Bytes{':'}), (Bytes{':', 0xFF, 0}));
 }
 
 }  // namespace

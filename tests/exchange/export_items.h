@@ -20,7 +20,11 @@ struct ItemMaker {
 
     std::string name() {
         std::string text(below(9), ' ');
-        for (char &code : text) code = static_cast<char>(below(5) == 0 ? 0x80 + below(0x7F) : ' ' + below(95));
+        // No high code behind another: that could read as UTF-8, which readers take for such.
+        for (std::size_t i = 0; i < text.size(); i++) {
+            const bool high = below(5) == 0 && (i == 0 || static_cast<std::uint8_t>(text[i - 1]) < 0x80);
+            text[i] = static_cast<char>(high ? 0x80 + below(0x7F) : ' ' + below(95));
+        }
         return text;
     }
 
@@ -45,7 +49,7 @@ struct ItemMaker {
         OutgoingItem item{.itemKind = itemKind, .name = name(), .head = {}, .data = image(words)};
         ProgramInfo info{.imageLength = 1, .name = item.name, .password = name()};
         if (below(3) > 0) {
-            item.data.push_back(byte());
+            item.data.push_back(static_cast<std::uint8_t>(below(0xFF)));
             info.imageLength = static_cast<std::uint32_t>(item.data.size());
         }
         item.head = encodeProgramInfo(info);

@@ -45,36 +45,15 @@ int roundsOfKind() {
     return wanted ? std::atoi(wanted) : 60;
 }
 
-// A name of high bytes that reads as UTF-8 is taken for that by the reader.
-bool namesAreClear(const OutgoingItem &item) {
-    const auto info = isTextKind(item.itemKind) ? decodeProgramInfo(item.head) : std::nullopt;
-    for (const std::string &name : {item.name, info ? info->password : ""}) {
-        for (std::size_t i = 0; i + 1 < name.size(); i++) {
-            const auto lead = static_cast<std::uint8_t>(name[i]);
-            if (lead >= 0xC2 && lead < 0xE0) return false;
-        }
-    }
-    return true;
-}
-
-// The item as it has to come back, written down here without the writers' help.
-Bytes expectedImage(Bytes image) {
-    const bool hasPlace = image.back() != 0xFF || (image.size() >= 2 && 2 + programTokens(image).size() < image.size());
-    if (!hasPlace) image.push_back(0);
-    std::uint8_t sum = 0;
-    for (std::size_t i = 0; i + 1 < image.size(); i++) sum = static_cast<std::uint8_t>(sum + image[i]);
-    image.back() = static_cast<std::uint8_t>(0x3A - sum);
-    return image;
-}
-
 void expectProgram(const OutgoingItem &item, const ImportedItem &back, bool hasPassword) {
     const auto info = decodeProgramInfo(back.head);
     ASSERT_TRUE(info);
     EXPECT_EQ(info->name, item.name);
-    if (hasPassword) {
-        EXPECT_EQ(info->password, decodeProgramInfo(item.head)->password);
-    }
-    ASSERT_EQ(back.data, expectedImage(item.data));
+    EXPECT_EQ(info->password, hasPassword ? decodeProgramInfo(item.head)->password : "");
+    Bytes expected = item.data;
+    if (expected.back() == 0xFF) expected.push_back(0);
+    frameChecksum(expected);
+    ASSERT_EQ(back.data, expected);
     EXPECT_EQ(info->imageLength, back.data.size());
 }
 
@@ -84,21 +63,18 @@ void expectValues(const OutgoingItem &item, const ImportedItem &back) {
         const auto before = ByteView(item.data).subspan(at).first<valueFrameSize>();
         const auto after = ByteView(back.data).subspan(at).first<valueFrameSize>();
         ASSERT_TRUE(std::equal(before.begin(), before.begin() + 5, after.begin()));
-        ASSERT_NEAR(decodeValue(after) / (decodeValue(before) == 0 ? 1 : decodeValue(before)),
-                    decodeValue(before) == 0 ? 0 : 1, 1e-13);
+        ASSERT_NEAR(decodeValue(after), decodeValue(before), std::abs(decodeValue(before)) * 1e-13);
     }
 }
 
-// Bytes that differ must be the last of a frame of this length.
-void expectFrames(const Bytes &before, const Bytes &after, std::size_t frameLength, bool summed) {
+// Equal but for the last byte of each frame, which a frame dump has right.
+void expectFrames(Bytes before, const Bytes &after, std::size_t frameLength, bool summed) {
     ASSERT_EQ(before.size(), after.size());
-    for (std::size_t i = 0; i < before.size(); i++) {
-        if ((i + 1) % frameLength != 0) {
-            ASSERT_EQ(before[i], after[i]) << i;
-        }
+    for (std::size_t at = 0; at + frameLength <= after.size(); at += frameLength) {
+        ASSERT_TRUE(!summed || frameIsGood(ByteView(after).subspan(at, frameLength))) << at;
+        before[at + frameLength - 1] = after[at + frameLength - 1];
     }
-    for (std::size_t at = 0; summed && at + frameLength <= after.size(); at += frameLength)
-        ASSERT_TRUE(frameIsGood(ByteView(after).subspan(at, frameLength))) << at;
+    ASSERT_EQ(before, after);
 }
 
 std::size_t frameLengthOf(const OutgoingItem &item) {
@@ -122,21 +98,23 @@ void expectFrameItem(const OutgoingItem &item, const ImportedItem &back, bool as
 
 struct Round {
     ExportTarget target;
-    std::vector<ItemKind> kinds;
+    ItemKind itemKind;
 };
 
-const Round rounds[] = {
-    {ExportTarget::cas,
-     {kind::program, kind::functionMemory, kind::picture, kind::matrix, kind::list, kind::backup, kind::graphMemory,
-      kind::graphFunction, kind::colourScreen, kind::monochromeScreen}},
-    {ExportTarget::cat, {kind::program, kind::picture, kind::matrix, kind::list}},
-    {ExportTarget::catAlgebra, {kind::program, kind::picture, kind::matrix, kind::list}},
-};
+std::vector<Round> allRounds() {
+    std::vector<Round> rounds;
+    for (const ItemKind itemKind :
+         {kind::program, kind::functionMemory, kind::picture, kind::matrix, kind::list, kind::backup, kind::graphMemory,
+          kind::graphFunction, kind::colourScreen, kind::monochromeScreen})
+        rounds.push_back({ExportTarget::cas, itemKind});
+    for (const ItemKind itemKind : {kind::program, kind::picture, kind::matrix, kind::list})
+        rounds.insert(rounds.end(), {{ExportTarget::cat, itemKind}, {ExportTarget::catAlgebra, itemKind}});
+    return rounds;
+}
 
 void roundTrip(const OutgoingItem &item, ExportTarget target) {
     const bool asText = target != ExportTarget::cas;
     const std::string file = written(item, target);
-    if (asText && !namesAreClear(item) && file == refused(ExportFault::notWhole)) return;
     const ReadResult read = readWith(asText ? readCat : readCas, file);
     ASSERT_EQ(read.taken.size(), 1u) << file;
     ASSERT_TRUE(read.messages.empty()) << read.messages[0].body;
@@ -147,17 +125,16 @@ void roundTrip(const OutgoingItem &item, ExportTarget target) {
 
 struct ExportRound : testing::TestWithParam<Round> {};
 
-TEST_P(ExportRound, EveryKindComesBack) {
+TEST_P(ExportRound, ComesBack) {
     ASSERT_TRUE(tokenTableLoad());
     languageLoad("English", "English");
-    for (const ItemKind itemKind : GetParam().kinds) {
-        for (int i = 0; i < roundsOfKind() && !HasFatalFailure(); i++) {
-            SCOPED_TRACE("kind " + std::to_string(itemKind) + ", seed " + std::to_string(i));
-            roundTrip(ItemMaker(static_cast<unsigned>(i)).make(itemKind, GetParam().target), GetParam().target);
-        }
+    const auto [target, itemKind] = GetParam();
+    for (int i = 0; i < roundsOfKind() && !HasFatalFailure(); i++) {
+        SCOPED_TRACE("kind " + std::to_string(itemKind) + ", seed " + std::to_string(i));
+        roundTrip(ItemMaker(static_cast<unsigned>(i)).make(itemKind, target), target);
     }
 }
-INSTANTIATE_TEST_SUITE_P(Targets, ExportRound, testing::ValuesIn(rounds));
+INSTANTIATE_TEST_SUITE_P(Kinds, ExportRound, testing::ValuesIn(allRounds()));
 
 OutgoingItem program(const std::string &tokens) {
     Bytes data = {':'};
@@ -260,7 +237,8 @@ TEST_F(ExportText, WhatNoFileCanHold) {
     EXPECT_EQ(written(program(std::string(65533, 'A')), ExportTarget::cas), refused(ExportFault::tooLarge));
     OutgoingItem option = program("A");
     option.head[optionOffset] = 'X';
-    EXPECT_EQ(written(option, ExportTarget::cat), refused(ExportFault::notWhole)) << "a text file has no such bytes";
+    for (const ExportTarget target : {ExportTarget::cat, ExportTarget::catAlgebra})
+        EXPECT_EQ(written(option, target), refused(ExportFault::notWhole)) << "a text file has no such bytes";
 }
 
 struct Export : testing::Test {
@@ -332,7 +310,8 @@ TEST_F(Export, AnExistingFileIsAskedAboutAndOwnFilesAreRefused) {
     const std::string library = scratch.read("storage.dat");
     ASSERT_EQ(symlink("storage.dat", (scratch.path + "link.cat").c_str()), 0);
     ASSERT_EQ(link((scratch.path + "storage.dat").c_str(), (scratch.path + "hard.cat").c_str()), 0);
-    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "./../no/../storage.dat"}) {
+    scratch.write("draft-1.txt", "draft");
+    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "draft-1.txt"}) {
         uiRecord.boxes.clear();
         uiRecord.answers = {Answer::ok};
         EXPECT_FALSE(exportTo(own, {id})) << own;
@@ -347,7 +326,8 @@ TEST_F(Export, AFolderThatCantBeWrittenIsTold) {
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_FALSE(exportItems({.path = "/dev/full", .ids = {id}, .target = ExportTarget::cat, .mayReplace = true}));
     EXPECT_FALSE(exportTo("", {id}));
-    EXPECT_EQ(uiRecord.boxes.size(), 3u) << "the folder exists, which is asked about first";
+    ASSERT_EQ(uiRecord.boxes.size(), 3u);
+    EXPECT_THAT(uiRecord.boxes[2].body, HasSubstr("is a folder"));
 }
 
 }  // namespace

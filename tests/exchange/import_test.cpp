@@ -50,21 +50,18 @@ std::string record(const std::string &name) {
            "\r\n%Data Record\r\nA\r\n%End\r\n";
 }
 
-TEST_F(Import, OneItemGoesToTheFolderOfItsKind) {
+TEST_F(Import, OneItemGoesToTheFolderOfItsKindAndSeveralToOneNamedAsTheFile) {
     uiRecord.importAction = ImportAction::standardFolders;
     importText("one.cat", record("ONE"));
     EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::standardFolders);
     EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
     EXPECT_TRUE(namesIn(storeTempFolder()).empty());
-    EXPECT_TRUE(uiRecord.boxes.empty());
-}
-
-TEST_F(Import, SeveralGoToOneFolderNamedAsTheFile) {
     uiRecord.importAction = ImportAction::oneFolder;
     importText("My games.v2.cat", record("ONE") + record("one") + record(""));
     EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::oneFolder);
     EXPECT_THAT(uiRecord.lastQuestion.itemNames, ElementsAre("ONE", "one", "My games"));
     EXPECT_THAT(namesIn(storeResolvePath("/My games.v2/", false)), ElementsAre("ONE", "one", "My games"));
+    EXPECT_TRUE(uiRecord.boxes.empty());
 }
 
 TEST_F(Import, ManyItemsWaitForTheDiskAsLittleAsOne) {
@@ -162,12 +159,6 @@ TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
     importText("a.cat", file);
     EXPECT_EQ(uiRecord.boxes.size(), 9u);
     EXPECT_THAT(uiRecord.boxes.back().body, HasSubstr("42"));
-}
-
-TEST(ImportBaseName, CutsFolderAndLastEnding) {
-    EXPECT_EQ(importBaseName("/a.b/My games.v2.cat"), "My games.v2");
-    EXPECT_EQ(importBaseName("plain"), "plain");
-    EXPECT_EQ(importBaseName("/x/.cat"), ".cat");
 }
 
 }  // namespace

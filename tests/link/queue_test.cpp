@@ -108,13 +108,6 @@ TEST_F(Queue, isDroppedWhenNobodyAnswersAndComesBackOnDemand) {
     EXPECT_TRUE(transmitCanBegin());
 }
 
-TEST(OutgoingImages, getAPlaceForTheirChecksumOnlyWhereNoneIs) {
-    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF}), (Bytes{':', 'A', 0xFF, 0}));
-    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 'A', 0xFF, 0xFF}), (Bytes{':', 'A', 0xFF, 0xFF}));
-    EXPECT_EQ(imageWithChecksumPlace(Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}), (Bytes{':', 0x7F, 0xFF, 'A', 0xFF, 9}));
-    EXPECT_EQ(imageWithChecksumPlace(Bytes{':'}), (Bytes{':', 0xFF, 0}));
-}
-
 TEST(PictureSlots, comeFromTheNameAlone) {
     EXPECT_EQ(slotOfPictureName("PICTURE 3"), 3);
     EXPECT_EQ(slotOfPictureName("picture6"), 6);
