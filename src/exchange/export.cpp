@@ -16,6 +16,7 @@
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
 #include "settings/tell_user.h"
+#include "store/daily_copies.h"
 #include "store/item_store.h"
 
 namespace numalink {
@@ -66,7 +67,7 @@ bool isOwnFile(const std::string &path) {
         // Copies of a damaged library, and what was being typed when the program ended.
         if (isFileIn(path, folder, "storage.dat") || isFileIn(path, folder, "draft-")) return true;
     }
-    return isFileIn(path, programFolder() + "Language", "");
+    return isFileIn(path, dailyCopyFolder(), "") || isFileIn(path, programFolder() + "Language", "");
 }
 
 // One box for all items that are refused for the same cause.

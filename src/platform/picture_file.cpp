@@ -1,7 +1,7 @@
 #include "platform/picture_file.h"
 
-#include <QBuffer>
 #include <QColor>
+#include <QIODevice>
 #include <QImage>
 #include <QImageReader>
 #include <algorithm>
@@ -17,22 +17,45 @@ namespace {
 constexpr std::array<std::string_view, 12> knownMarks = {
     "BM", "\x89PNG\r\n\x1A\n", "\xFF\xD8\xFF", "GIF8", "P1\n", "P2\n", "P3\n", "P4\n", "P5\n", "P6\n", "II*", "RIFF"};
 
+constexpr int decodedLimit = 256;  // MiB: 8 bytes for each dot of the largest picture
+static_assert(pictureDotLimit * 8 <= std::uint64_t{decodedLimit} << 20);
+
 std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char *>(bytes.data()), bytes.size()}; }
 
-// Tells how far the decoder has come in the file.
-class WatchedBuffer : public QBuffer {
+// A file for a decoder: tells how far it has come, and keeps whether it asked for more than there is. No QBuffer, which
+// some decoders look into behind one's back.
+class FileInMemory : public QIODevice {
 public:
-    WatchedBuffer(QByteArray *bytes, const std::function<void(std::size_t)> &read) : QBuffer(bytes), told(read) {}
+    FileInMemory(ByteView bytes, const std::function<void(std::size_t)> &read) : file(bytes), told(read) {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+    qint64 size() const override { return static_cast<qint64>(file.size()); }
+    bool seek(qint64 place) override {
+        if (place < 0 || place > size() || !QIODevice::seek(place)) return false;
+        at = static_cast<std::size_t>(place);
+        return true;
+    }
+
+    bool cameShort = false;
+    bool cameEmpty = false;
 
 protected:
     qint64 readData(char *data, qint64 limit) override {
-        const qint64 got = QBuffer::readData(data, limit);
-        if (told) told(static_cast<std::size_t>(pos() + std::max<qint64>(got, 0)));
-        return got;
+        const std::size_t count = std::min(file.size() - at, static_cast<std::size_t>(std::max<qint64>(limit, 0)));
+        std::ranges::copy(file.subspan(at, count), data);
+        at += count;
+        cameShort = cameShort || static_cast<qint64>(count) < limit;
+        cameEmpty = cameEmpty || (limit > 0 && count == 0);
+        if (told) told(at);
+        return static_cast<qint64>(count);
     }
+    qint64 writeData(const char *, qint64) override { return -1; }
 
 private:
+    const ByteView file;
     const std::function<void(std::size_t)> &told;
+    std::size_t at = 0;
 };
 
 std::uint64_t littleAt(ByteView file, std::size_t place, std::size_t count) {
@@ -63,6 +86,12 @@ bool isTooLarge(const QSize &size) {
            static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height()) > pictureDotLimit;
 }
 
+// Decoders of these make a picture of half a file. The first reads by exact lengths, the others by whole blocks.
+bool endsEarly(const QByteArray &format, const FileInMemory &device) {
+    if (format == "bmp") return device.cameShort;
+    return (format == "jpeg" || format == "gif") && device.cameEmpty;
+}
+
 // 0 to 255 of a colour component over white.
 Color overWhite(int component, int alpha) {
     return static_cast<Color>((component * alpha + 255 * (255 - alpha) + 127) / 255);
@@ -86,16 +115,17 @@ bool isPictureFile(ByteView file) {
 
 PictureResult readScaledPicture(ByteView file, Surface &scaled, const std::function<void(std::size_t)> &read) {
     if (isTooLargeBmp(file)) return PictureResult::tooLarge;
-    QByteArray bytes =
-        QByteArray::fromRawData(reinterpret_cast<const char *>(file.data()), static_cast<qsizetype>(file.size()));
-    WatchedBuffer buffer(&bytes, read);
-    QImageReader reader(&buffer);
+    FileInMemory device(file, read);
+    QImageReader reader(&device);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
-    if (reader.format() == "svg" || reader.format() == "svgz") return PictureResult::unreadable;
+    QImageReader::setAllocationLimit(decodedLimit);
+    const QByteArray format = reader.format();
+    if (format == "svg" || format == "svgz") return PictureResult::unreadable;
     if (isTooLarge(reader.size())) return PictureResult::tooLarge;
+    device.cameShort = device.cameEmpty = false;  // so far the format was only guessed at
     const QImage image = reader.read();
-    if (image.isNull()) return PictureResult::unreadable;
+    if (image.isNull() || endsEarly(format, device)) return PictureResult::unreadable;
     for (int y = 0; y < scaled.height; y++) {
         for (int x = 0; x < scaled.width; x++) {
             const QRgb dot =

@@ -136,6 +136,7 @@ CandidateList *makeList(const QString &name, const QString &title) {
     list->setDragDropMode(QAbstractItemView::DragDrop);
     list->setDefaultDropAction(Qt::CopyAction);
     list->setUniformItemSizes(true);
+    list->setSpacing(1);
     return list;
 }
 

@@ -76,7 +76,8 @@ std::string contained(const std::string &head, const std::string &data) {
 std::string container(const std::string &items) {
     std::string file = std::string(866, 'f') + items + std::string(40, 'e');
     for (char &byte : file) byte = static_cast<char>(byte ^ 0xE7);
-    file.replace(0, 2, "20");
+    file[0] = '2';
+    file[1] = '0';
     return file;
 }
 
@@ -87,7 +88,7 @@ TEST(ImportFxi, EveryKindAndWhatFollowsIt) {
     const std::string list = contained(valueHead("List 1"), std::string(14, 'a') + std::string(14, 'b'));
     const std::string picture = contained(pictureHead(), std::string(24, 'x'));
     std::string graph = programHead("GMEM", 10);
-    graph.replace(1, 6, std::string("MEM\0GM", 6));
+    std::ranges::copy(std::string_view("MEM\0GM", 6), graph.begin() + 1);
     const ReadResult read =
         readWith(readFxi, container(memory + list + picture + contained(graph, std::string(8, 'g')) + gap + program));
     std::vector<ItemKind> kinds;
