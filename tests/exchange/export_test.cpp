@@ -24,9 +24,7 @@
 namespace numalink {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 std::string textOf(const Bytes &bytes) { return {bytes.begin(), bytes.end()}; }
 
@@ -261,28 +259,6 @@ struct Export : testing::Test {
     ScratchFolder scratch;
     RecordedUi ui;
 };
-
-TEST_F(Export, TheQuestionOffersTheLibraryAndKeepsTheChoice) {
-    const ItemId games = storeResolvePath("/Games/old/", true);
-    const ItemId b = add(program("B"), games);
-    OutgoingItem other = program("A");
-    other.name = "apple";
-    const ItemId a = add(other, games);
-    const ItemId top = add(program("T"));
-    add(program("hidden"), storeTempFolder());
-    uiRecord.exportAnswer = {.items = {}, .chosen = {b, a}, .target = ExportTarget::cas, .path = scratch.path + "x"};
-    exportWithQuestion();
-    std::vector<std::string> lines;
-    for (const ExportCandidate &item : uiRecord.lastExport.items) lines.push_back(item.folder + ":" + item.name);
-    EXPECT_THAT(lines, ElementsAre(":SNAKE", "Games/old:apple", "Games/old:SNAKE"));
-    EXPECT_EQ(uiRecord.lastExport.items[0].id, top);
-    EXPECT_EQ(readWith(readCas, scratch.read("x")).taken.size(), 2u);
-    uiRecord.exportAnswer.path.clear();
-    exportWithQuestion();
-    EXPECT_EQ(uiRecord.lastExport.target, ExportTarget::cas);
-    EXPECT_THAT(uiRecord.lastExport.chosen, ElementsAre(b, a));
-    EXPECT_TRUE(uiRecord.boxes.empty());
-}
 
 TEST_F(Export, ARefusedItemIsNamedAndNothingIsWritten) {
     const ItemId good = add(program("A"));

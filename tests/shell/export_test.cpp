@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
 
@@ -54,22 +55,23 @@ struct ExportByWindow : ShellTest {
 };
 
 TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
-    const ItemId games = add(kind::folder, "Games");
+    const ItemId games = storeResolvePath("/Games/old/", true);
     addProgram("SNAKE", "A", games);
     addProgram("apple", "B", games);
     addProgram("TOP", "C");
+    addProgram("HIDDEN", "D", storeTempFolder());
     whileOpen = [this] {
         auto *left = partOf<QListWidget>("availableItems");
         auto *right = partOf<QListWidget>("chosenItems");
         QPushButton *ok =
             QApplication::activeModalWidget()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
-        EXPECT_EQ(linesOf(left), (Lines{"TOP", "(Games) apple", "(Games) SNAKE"}));
+        EXPECT_EQ(linesOf(left), (Lines{"TOP", "(Games/old) apple", "(Games/old) SNAKE"}));
         EXPECT_FALSE(ok->isEnabled()) << "nothing is chosen";
         doubleClick(left, 1);
-        EXPECT_EQ(linesOf(right), (Lines{"(Games) apple"}));
+        EXPECT_EQ(linesOf(right), (Lines{"(Games/old) apple"}));
         EXPECT_EQ(left->currentRow(), 1);
         buttonWith<QPushButton>(QStringLiteral(">>"))->click();
-        EXPECT_EQ(linesOf(right), (Lines{"TOP", "(Games) apple", "(Games) SNAKE"}));
+        EXPECT_EQ(linesOf(right), (Lines{"TOP", "(Games/old) apple", "(Games/old) SNAKE"}));
         doubleClick(right, 0);
         EXPECT_EQ(linesOf(left), (Lines{"TOP"}));
         buttonWith<QRadioButton>(textOf(OwnText::exportTypeCat))->click();
@@ -85,7 +87,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
     EXPECT_LT(file.find("File Name:apple"), file.find("File Name:SNAKE")) << file;
     EXPECT_EQ(file.find("TOP"), std::string::npos);
     whileOpen = [] {
-        EXPECT_EQ(linesOf(partOf<QListWidget>("chosenItems")), (Lines{"(Games) apple", "(Games) SNAKE"}));
+        EXPECT_EQ(linesOf(partOf<QListWidget>("chosenItems")), (Lines{"(Games/old) apple", "(Games/old) SNAKE"}));
         EXPECT_TRUE(buttonWith<QRadioButton>(textOf(OwnText::exportTypeCat))->isChecked());
     };
     handleCommand(command::save);

@@ -30,14 +30,6 @@ void recordImport(ImportQuestion &question) {
     if (!uiRecord.importFolder.empty()) question.folderName = uiRecord.importFolder;
 }
 
-void recordExport(ExportQuestion &question) {
-    uiRecord.lastExport = question;
-    uiRecord.lines.push_back("export of " + std::to_string(question.items.size()));
-    question.chosen = uiRecord.exportAnswer.chosen;
-    question.target = uiRecord.exportAnswer.target;
-    question.path = uiRecord.exportAnswer.path;
-}
-
 void recordBitmap(BitmapQuestion &question) {
     uiRecord.lastBitmap = question;
     uiRecord.lines.push_back("bitmap " + question.fileName);
@@ -57,7 +49,6 @@ constexpr UserInterface recorder = {
     .refreshTree = [] { uiRecord.lines.push_back("tree"); },
     .leaveCurrentView = [] { return uiRecord.leaveAllowed; },
     .askImport = recordImport,
-    .askExport = recordExport,
     .askBitmap = recordBitmap,
     .askItemExists =
         [](const std::string &question) {

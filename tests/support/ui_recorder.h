@@ -18,8 +18,6 @@ struct UiRecord {
     ImportAction importAction = ImportAction::none;  // the answer to the import question
     std::string importFolder;                        // typed into it unless empty
     ImportQuestion lastQuestion;                     // as it was asked
-    ExportQuestion exportAnswer;                     // its chosen items, target and path answer the export question
-    ExportQuestion lastExport;                       // as it was asked
     bool bitmapAccepted = false;                     // the answer to the bitmap question
     RasterType bitmapType = RasterType::image;
     BitmapQuestion lastBitmap;  // as it was asked
