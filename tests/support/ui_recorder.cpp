@@ -49,6 +49,7 @@ constexpr UserInterface recorder = {
     .refreshTree = [] { uiRecord.lines.push_back("tree"); },
     .leaveCurrentView = [] { return uiRecord.leaveAllowed; },
     .askImport = recordImport,
+    .askExport = [](ExportQuestion &) {},
     .askBitmap = recordBitmap,
     .askItemExists =
         [](const std::string &question) {
