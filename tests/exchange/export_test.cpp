@@ -156,17 +156,18 @@ TEST(ExchangeWords, EverySequenceReadsBack) {
         const std::string words = wordsFromTokens(tokens);
         EXPECT_EQ(tokensFromWords(words, back), -1) << words;
         EXPECT_EQ(back, tokens) << words;
+        return words;
     };
-    for (const Bytes &first : all) {
-        for (std::size_t i = 0; i < all.size(); i++) {
-            const Bytes &second = all[i];
-            if (second.size() == 2 && i % 32 != 0) continue;
-            Bytes both = first;
-            both.insert(both.end(), second.begin(), second.end());
-            check(both);
-            const bool known = wordsFromTokens(first)[0] == '\\' || first[0] < 0x80;
-            const std::string together = wordsFromTokens(both);
-            if (known && together != wordsFromTokens(first) + wordsFromTokens(second)) pairs.insert(together);
+    std::vector<std::string> words;
+    for (const Bytes &each : all) words.push_back(check(each));
+    for (std::size_t first = 0; first < all.size(); first++) {
+        const bool known = words[first][0] == '\\' || all[first][0] < 0x80;
+        for (std::size_t second = 0; second < all.size(); second++) {
+            if (all[second].size() == 2 && second % 32 != 0) continue;
+            Bytes both = all[first];
+            both.insert(both.end(), all[second].begin(), all[second].end());
+            const std::string together = check(both);
+            if (known && together != words[first] + words[second]) pairs.insert(together);
         }
     }
     EXPECT_EQ(pairs.size(), 20u) << "docs/formats.md lists them";
