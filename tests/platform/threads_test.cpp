@@ -17,14 +17,15 @@ TEST(GraphicalCalls, RunOnTheServingThreadAndEndWhenRefused) {
 
     std::atomic<int> served = 0;
     std::atomic<int> results = 0;  // 1 for a call that was done, 10 for one that was refused
-    std::atomic<bool> waiting = false;
+    std::atomic<bool> noLongerServed = false;
     std::thread worker([&] {
         threadRole = ThreadRole::link;
         results += graphicalRun([&] { served += threadRole == ThreadRole::graphical; }) ? 1 : 10;
-        waiting = true;
+        while (!noLongerServed) std::this_thread::yield();
         results += graphicalRun([&] { served += 100; }) ? 1 : 10;
     });
-    while (!waiting) graphicalCallsServe();
+    while (results == 0) graphicalCallsServe();
+    noLongerServed = true;
     graphicalCallsRefuse(ThreadRole::link);
     worker.join();
     graphicalCallsServe();
