@@ -10,7 +10,7 @@ void checkFile(const std::string &copyFolder);  // a process of its own reads a 
 void checkWindowsGone();                        // after the end of the program
 void checkClosedLibrary();
 
-// For the process of its own: the library of a folder, an item a line.
+// For the process of its own: writes the library of a folder to its file list, an item a line.
 int listLibrary(const std::string &folder);
 
 }  // namespace monkey

@@ -9,6 +9,7 @@
 
 #include "link/link_thread.h"
 #include "monkey/action_log.h"
+#include "monkey/hand_over.h"
 #include "monkey/library_watch.h"
 #include "monkey/monkey.h"
 #include "platform/program_folder.h"
@@ -110,7 +111,7 @@ int main(int argc, char **argv) {
     watchForDeath(theMonkey.seed);
     numalink::serialLine.open = openOwnPort;
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    QApplication application(argc, argv);
+    const Application application(argc, argv);
     LinePartner partner(folder.path + "port", theMonkey.seed);
     theMonkey.partner = &partner;
     beginActing();

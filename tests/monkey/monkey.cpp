@@ -39,8 +39,8 @@ Monkey theMonkey;
 
 namespace {
 
-constexpr std::uint64_t actionsOfLife = 500;  // then the program is asked to end
-constexpr std::uint64_t patienceOfEnd = 150;  // further actions, then it is told to
+constexpr std::uint64_t actionsOfLife = 200;  // then the program is asked to end
+constexpr std::uint64_t patienceOfEnd = 60;   // further actions, then it is told to
 constexpr std::uint64_t actionsBetweenChecks = 60, actionsBetweenFileChecks = 240;
 
 std::mt19937_64 chance;  // seeded anew for each action, so that one that differs leaves the others as they were
