@@ -18,15 +18,10 @@ __real__ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBase
 extern "C" bool
 __wrap__ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv(
     QObject *receiver, QtPrivate::QSlotObjectBase *slot, Qt::ConnectionType type, void *result) {
-    // Whoever comes last frees the slot: not before the other thread is seen to be through with it.
-    slot->ref();
+    slot->ref();  // never freed: which thread comes last is settled by a count of Qt's that isn't seen either
     __tsan_release(&handedOver);
-    const bool queued =
-        __real__ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv(
-            receiver, slot, type, result);
-    __tsan_acquire(&handedOver);
-    slot->destroyIfLastRef();
-    return queued;
+    return __real__ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv(
+        receiver, slot, type, result);
 }
 
 #endif
@@ -35,14 +30,9 @@ namespace monkey {
 
 bool Application::notify(QObject *receiver, QEvent *event) {
 #ifdef __SANITIZE_THREAD__
-    const bool call = event->type() == QEvent::MetaCall;
-    if (call) __tsan_acquire(&handedOver);
-    const bool taken = QApplication::notify(receiver, event);
-    if (call) __tsan_release(&handedOver);
-    return taken;
-#else
-    return QApplication::notify(receiver, event);
+    if (event->type() == QEvent::MetaCall) __tsan_acquire(&handedOver);
 #endif
+    return QApplication::notify(receiver, event);
 }
 
 }  // namespace monkey

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 
 #include "monkey/action_log.h"
 #include "platform/program_folder.h"
@@ -70,9 +71,18 @@ std::string lineOf(const ItemEntry &item) {
     return line + "\n";
 }
 
+// Without the temporary folder, which each opening empties.
 std::string linesOfStore() {
+    const std::vector<ItemEntry> items = storeListItems();
+    std::set<ItemId> temporary;
+    for (std::size_t before = 1; before != temporary.size();) {
+        before = temporary.size();
+        for (const ItemEntry &item : items)
+            if (item.kind == 1002 || temporary.contains(item.parent)) temporary.insert(item.id);
+    }
     std::string lines;
-    for (const ItemEntry &item : storeListItems()) lines += lineOf(item);
+    for (const ItemEntry &item : items)
+        if (!temporary.contains(item.id)) lines += lineOf(item);
     return lines;
 }
 
