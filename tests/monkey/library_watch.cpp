@@ -20,6 +20,7 @@
 #include "shell/program_view.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
+#include "shell/start_up.h"
 #include "shell/tree_events.h"
 #include "store/item_store.h"
 #include "store/library_check.h"
@@ -33,8 +34,8 @@ namespace {
 constexpr int patience = 30000;  // milliseconds
 
 bool refreshPostponed() {
-    return treeView == nullptr || labelEditRunning() || dragRunning() || QApplication::activePopupWidget() != nullptr ||
-           QApplication::activeModalWidget() != nullptr;
+    return treeView == nullptr || shuttingDown() || labelEditRunning() || dragRunning() ||
+           QApplication::activePopupWidget() != nullptr || QApplication::activeModalWidget() != nullptr;
 }
 
 int entriesBelow(const QTreeWidgetItem *entry) {
@@ -78,7 +79,7 @@ std::string linesOfStore() {
     for (std::size_t before = 1; before != temporary.size();) {
         before = temporary.size();
         for (const ItemEntry &item : items)
-            if (item.kind == 1002 || temporary.contains(item.parent)) temporary.insert(item.id);
+            if (item.kind == kind::temporaryFolder || temporary.contains(item.parent)) temporary.insert(item.id);
     }
     std::string lines;
     for (const ItemEntry &item : items)
@@ -106,7 +107,7 @@ void checkTree() {
 }
 
 void checkFile(const std::string &copyFolder) {
-    if (!storeIsOpen()) return;
+    if (!storeIsOpen() || shuttingDown()) return;
     std::filesystem::create_directory(copyFolder);
     std::string lines;
     do {  // the link may store meanwhile

@@ -333,7 +333,7 @@ void act() {
 }
 
 void check() {
-    if (!alive || QApplication::activeModalWidget() != nullptr || actingLevel > 1) return;
+    if (!alive || shuttingDown() || QApplication::activeModalWidget() != nullptr || actingLevel > 1) return;
     if (theMonkey.actions % actionsBetweenChecks == 0) checkTree();
     if (theMonkey.actions % actionsBetweenFileChecks == 0) checkFile(theMonkey.scratch + "copy/");
 }
