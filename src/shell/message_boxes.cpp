@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "platform/graphical_calls.h"
+#include "platform/thread_role.h"
 #include "platform/user_interface.h"
 #include "shell/bitmap_dialog.h"
 #include "shell/emulator_window.h"
@@ -56,7 +57,10 @@ QDialog *makeBox(const Box &box) {
     return window;
 }
 
+bool boxesSilent = false;  // graphical thread only
+
 Answer messageBox(const Box &box) {
+    if (threadRole == ThreadRole::graphical && boxesSilent) return Answer::cancel;
     return askByDialog([box] { return makeBox(box); }) == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
@@ -120,6 +124,8 @@ void installUserInterface() {
     userInterface.askExport = askExport;
     userInterface.askBitmap = askBitmap;
 }
+
+void silenceBoxes(bool on) { boxesSilent = on; }
 
 void removeUserInterface() { userInterface = userInterfaceSilent; }
 

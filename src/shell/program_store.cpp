@@ -12,6 +12,7 @@
 #include "settings/tell_user.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
+#include "shell/message_boxes.h"
 #include "shell/program_document.h"
 #include "shell/program_drafts.h"
 #include "shell/program_view.h"
@@ -155,12 +156,12 @@ bool tryToStore(ReadText &read) {
     return read.faultAt < 0 && writeText(read);
 }
 
+// The link and a run may still be speaking to the user interface: only what this thread says is left out.
 bool leaveAtOnce() {
-    const UserInterface asking = userInterface;
-    userInterface = userInterfaceSilent;
+    silenceBoxes(true);
     ReadText read;
     const bool left = tryToStore(read) || keepDraft(openedEntry, viewToText());
-    userInterface = asking;
+    silenceBoxes(false);
     return left;
 }
 
