@@ -38,20 +38,6 @@ struct Tree : ShellTest {
     }
 };
 
-TEST_F(Tree, ShowsFoldersAndItemsMixedByNameAndHidesTheTemporaryFolder) {
-    add(kind::folder, "beta");
-    add(kind::matrix, "Alpha");
-    add(kind::list, "alpha");
-    const ItemId outer = add(kind::folder, "Outer");
-    add(kind::matrix, "inner", outer);
-    refreshTree();
-    EXPECT_EQ(rootNames(), QStringList({QStringLiteral("Alpha"), QStringLiteral("alpha"), QStringLiteral("beta"),
-                                        QStringLiteral("Outer")}));
-    EXPECT_EQ(treeView->topLevelItem(3)->child(0)->text(0), QStringLiteral("inner"));
-    EXPECT_TRUE(treeView->topLevelItem(3)->isExpanded());
-    EXPECT_EQ(selectedItemId(), noItem);
-}
-
 TEST_F(Tree, StraysAndCirclesStandAtTheRoot) {
     const auto entry = [](ItemId id, ItemId parent, ItemKind itemKind, const char *name) {
         return ItemEntry{.id = id, .parent = parent, .kind = itemKind, .name = name};
