@@ -295,16 +295,9 @@ TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {
 }
 
 TEST_F(Tree, HidesAndShowsWithItsColumn) {
-    mainWindow->resize(800, 600);
-    const int width = clientArea->width();
-    EXPECT_EQ(containerWindow->geometry().x(), 212);
-    EXPECT_EQ(containerWindow->width(), width - 212);
     QTest::mouseClick(treeToggleButton, Qt::LeftButton);
     EXPECT_FALSE(treeView->isVisible());
-    EXPECT_EQ(containerWindow->geometry().x(), 12);
-    EXPECT_EQ(containerWindow->width(), width - 12);
-    EXPECT_EQ(programEdit->geometry().x(), 52);
-    EXPECT_EQ(treeToggleButton->text(), QStringLiteral(">"));
+    EXPECT_EQ(containerWindow->width(), clientArea->width() - 12);
     EXPECT_TRUE(commandAction(command::hideTree)->isChecked());
     QTest::keyClick(mainWindow, Qt::Key_F11);
     EXPECT_TRUE(treeView->isVisible());

@@ -86,7 +86,7 @@ struct PowerLoss : ::testing::Test {
 };
 
 TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
-    const int wanted = countFromEnvironment("NUMALINK_CRASH_STATES", 600);
+    const int wanted = countFromEnvironment("NUMALINK_CRASH_STATES", 400);
     for (std::uint32_t seed = 1; tried < wanted && !HasFatalFailure(); seed++) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         random.seed(seed);

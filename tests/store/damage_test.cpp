@@ -118,7 +118,7 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
         {"reaches into the next record", first + 72, 7, withoutA, savedButA},
         {"id of the root", first + 84, 1, withoutA, savedButA},
         {"id that another has", second + 84, 4, {2, 3, 4, 6}, {3, 4, 6, 7}},
-        {"id that leaves none", second + 84, 0xF0000005, {2, 3, 4, 0xF0000005, 6}, {3, 4, 6, 7}},
+        {"id that leaves none", second + 84, 0xF0000005, {2, 3, 4, 6, 0xF0000005}, {3, 4, 6, 7}},
         {"next id too low", 8028, 6, allAndTemp, all},
         {"end too low", 24, 8032, allAndTemp, all},
         {"end outside the file", 24, 100000, allAndTemp, all},
