@@ -125,6 +125,13 @@ ItemHeader keptHead(const Slot &slot, const std::vector<ItemId> &circle) {
     return head;
 }
 
+// Gives a record another id; what a folder holds follows it.
+void renumber(std::vector<Slot> &kept, ItemHeader &head, ItemId id) {
+    for (Slot &slot : kept)
+        if (head.id != noItem && slot.head.parent == head.id) slot.head.parent = id;
+    head.id = id;
+}
+
 // The file anew: all that can be kept, side by side.
 bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock) {
     std::vector<Slot> kept;
@@ -143,10 +150,10 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     if (examined.main.formatNumber == 0) main.formatNumber = storeNewestFormat;
     main.nextId = examined.main.nextId < idLimit ? examined.main.nextId : 0;
     std::vector<Slot> known = kept;
-    std::erase_if(known, [](const Slot &slot) { return slot.head.id == noItem; });
+    std::erase_if(known, [](const Slot &slot) { return slot.head.id >= idLimit; });
     main.nextId = safeNextId(main, known);
     for (Slot &slot : kept)
-        if (slot.head.id == noItem) slot.head.id = main.nextId++;
+        if (slot.head.id >= idLimit) renumber(kept, slot.head, main.nextId++);
     const std::vector<ItemId> circle = foldersInCircle(kept);
     file.resize(sizeof main);
     for (std::size_t i = 0; i < kept.size(); i++) {

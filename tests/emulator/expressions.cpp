@@ -17,13 +17,6 @@ namespace numalink {
 
 namespace {
 
-std::string digits(double value) {
-    if (std::isnan(value)) return "nan";
-    char text[40];
-    std::snprintf(text, sizeof text, "%.12g", value);
-    return text;
-}
-
 std::string textOfArray(const ProgramCell &cell) {
     const bool isList = cell.kind == CellKind::list;
     const MatrixDescriptor &array = *cell.matrix;
@@ -32,7 +25,7 @@ std::string textOfArray(const ProgramCell &cell) {
         if (isList && row > 0) text += ",";
         if (!isList) text += "[";
         for (int col = 0; col < array.cols; col++)
-            text += (col > 0 ? "," : "") + digits(matrixElements(&array)[row * array.cols + col]);
+            text += (col > 0 ? "," : "") + digitsOf(matrixElements(&array)[row * array.cols + col]);
         if (!isList) text += "]";
     }
     return text + (isList ? "}" : array.rows == 0 ? "[]" : "");
@@ -48,8 +41,8 @@ std::string textOfCell(const ProgramCell &cell) {
                           cell.token2);
             return token;
         case CellKind::number:
-            if (cell.value.im == 0) return digits(cell.value.re);
-            return digits(cell.value.re) + (cell.value.im < 0 ? "" : "+") + digits(cell.value.im) + "i";
+            if (cell.value.im == 0) return digitsOf(cell.value.re);
+            return digitsOf(cell.value.re) + (cell.value.im < 0 ? "" : "+") + digitsOf(cell.value.im) + "i";
         case CellKind::string:
             return "\"";
         default:
@@ -58,6 +51,12 @@ std::string textOfCell(const ProgramCell &cell) {
 }
 
 }  // namespace
+
+std::string digitsOf(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.12g", std::isnan(value) ? std::fabs(value) : value);
+    return text;
+}
 
 FreshMachine::FreshMachine() {
     if (tokenCount() == 0 && !tokenTableLoad()) throw std::runtime_error("no casio.ptt beside the test");
@@ -78,9 +77,15 @@ FreshMachine::~FreshMachine() {
 
 Bytes imageOfWords(const std::string &words) {
     Bytes image = {':'};
-    if (tokensFromWords(words, image) != -1) throw std::runtime_error("not exchange words: " + words);
-    image.push_back(0xFF);
-    image.push_back(0);
+    for (std::size_t at = 0; at < words.size();) {
+        const std::size_t raw = std::min(words.find("\\x{", at), words.size());
+        if (tokensFromWords(words.substr(at, raw - at), image) != -1)
+            throw std::runtime_error("not exchange words: " + words);
+        at = raw == words.size() ? raw : words.find('}', raw) + 1;
+        for (std::size_t i = raw + 3; i + 1 < at; i += 2)
+            image.push_back(static_cast<std::uint8_t>(std::stoi(words.substr(i, 2), nullptr, 16)));
+    }
+    image.insert(image.end(), {0xFF, 0});
     return image;
 }
 

@@ -19,7 +19,9 @@ struct FreshMachine {
     std::vector<ErrorReport> reports;
 };
 
+// A program's image; \x{F77B} among the words stands for raw bytes.
 Bytes imageOfWords(const std::string &words);
+std::string digitsOf(double value);  // 12 of them
 // The cells of the words as a program has them, without the end mark.
 std::vector<ProgramCell> cellsOfWords(const std::string &words);
 

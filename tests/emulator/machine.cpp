@@ -138,26 +138,6 @@ TEST(Machine, StartsAnewButKeepsWhatOutlivesARun) {
     EXPECT_EQ(machine.rowColor[7], pixelColor::blue);
 }
 
-TEST(Machine, ReadsTheListsOfItsFile) {
-    const FreshMachine fresh;
-    setList(1, {1});
-    machine.currentFile = 1;
-    EXPECT_EQ(evaluated(fresh, cellsOfWords("\\List 1")), "<7F51> 1 !Dim");
-    setList(26, {2});
-    machine.listSlots[1][listAnsSlot] = machine.listSlots[1][25];
-    EXPECT_EQ(evaluated(fresh, cellsOfWords("\\List 26,\\List \\Ans")), "{2} <2C> {2} !Dim");
-}
-
-TEST(Machine, CompactsItsOwnStretchAlone) {
-    ProgramCell cells[6];
-    for (int i = 0; i < 6; i++) cells[i] = numberCell(complexReal(i));
-    for (const int blank : {0, 2, 3, 5}) makeBlank(cells[blank]);
-    int count = 4;
-    compactCells(cells, 1, count);
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(textOfCells(cells, 6), "_ 1 4 _ 4 _") << "the places behind keep copies";
-}
-
 // The calculators' own minus, plus and exponent mark, written with plain characters.
 std::string plainNumberText(double value) {
     std::string text = numberText(value);
@@ -167,20 +147,13 @@ std::string plainNumberText(double value) {
 
 TEST(NumberText, HasTenDigitsInTheCalculatorsCharacters) {
     const double infinite = std::numeric_limits<double>::infinity(), no = std::numeric_limits<double>::quiet_NaN();
-    const std::pair<double, const char *> cases[] = {{0, "0"},
-                                                     {100, "100"},
-                                                     {-5, "-5"},
-                                                     {0.5, "0.5"},
-                                                     {0.1, "0.1"},
+    const std::pair<double, const char *> cases[] = {{0.5, "0.5"},
                                                      {0.05, "5.E-2"},
-                                                     {0.01, "1.E-2"},
                                                      {-0.0123, "-1.23E-2"},
                                                      {9999999999, "9999999999"},
                                                      {1e10, "1.E+10"},
                                                      {9999999999.5, "1.E+10"},
-                                                     {1234567890123, "1.23456789E+12"},
                                                      {0.09999999999999, "0.1"},
-                                                     {2.0 / 3, "0.6666666667"},
                                                      {12345678.906, "12345678.91"},
                                                      {-2.5e-300, "-2.5E-300"},
                                                      {1e100, "1.E+100"},

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <random>
+#include <span>
 
 #include "emulator/arrays.h"
 #include "emulator/evaluator.h"
@@ -18,35 +19,21 @@ using Random = std::mt19937;
 
 int below(Random &random, int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
 
+ProgramCell oneOf(Random &random, std::span<const unsigned> tokens) {
+    const unsigned code = tokens[random() % tokens.size()];
+    if (code < 0x100) return tokenCell({static_cast<std::uint8_t>(code)});
+    return tokenCell({static_cast<std::uint8_t>(code >> 8), static_cast<std::uint8_t>(code)});
+}
+
 // Half of the cells in the places where an expression wants them, half anything.
 ProgramCell anyCell(Random &random) {
-    static constexpr Token structure[] = {token::openParenthesis,
-                                          token::closeParenthesis,
-                                          token::openBracket,
-                                          token::closeBracket,
-                                          token::openBrace,
-                                          token::closeBrace,
-                                          token::comma,
-                                          token::point,
-                                          token::blank,
-                                          token::list,
-                                          token::matrix,
-                                          token::ans,
-                                          {0x7F, 0x2C},
-                                          {0x7F, 0x49},
-                                          {0x7F, 0x4A},
-                                          {0x14},
-                                          {0x15},
-                                          {0x16},
-                                          {0x41},
-                                          {0x42},
-                                          {0x43},
-                                          {0x7F, 0x04},
-                                          {0xE0}};
+    static constexpr unsigned structure[] = {'(',  ')',    '[',    ']',  '{',    '}',    ',',    '.',
+                                             ' ',  0x7F51, 0x7F40, 0xC0, 0x7F2C, 0x7F49, 0x7F4A, 0x14,
+                                             0x15, 0x16,   'A',    'B',  'C',    0x7F04, 0xE0};
     const auto rows = operatorRows();
     switch (below(random, 8)) {
         case 0:
-            return tokenCell(structure[static_cast<std::size_t>(below(random, std::size(structure)))]);
+            return oneOf(random, structure);
         case 1:
         case 2: {
             const OperatorRow &row = rows[static_cast<std::size_t>(below(random, static_cast<int>(rows.size())))];
@@ -65,18 +52,18 @@ ProgramCell anyCell(Random &random) {
 void addValue(Random &random, std::vector<ProgramCell> &cells, int depth);
 
 void addExpression(Random &random, std::vector<ProgramCell> &cells, int depth) {
-    static constexpr Token between[] = {{0x89}, {0x99}, {0xA9}, {0xB9}, {0xA8}, {0x3C}, {0x7F, 0xB0}, {0xAA}, {0x2C}};
+    static constexpr unsigned between[] = {0x89, 0x99, 0xA9, 0xB9, 0xA8, '<', 0x7FB0, 0xAA, ','};
     addValue(random, cells, depth);
     for (int more = below(random, 3); more > 0; more--) {
-        if (below(random, 5) > 0) cells.push_back(tokenCell(between[below(random, std::size(between))]));
+        if (below(random, 5) > 0) cells.push_back(oneOf(random, between));
         addValue(random, cells, depth);
     }
 }
 
 void addValue(Random &random, std::vector<ProgramCell> &cells, int depth) {
     static constexpr std::pair<Token, Token> around[] = {{{0x28}, {0x29}}, {{0x7B}, {0x7D}}, {{0x5B}, {0x5D}}};
-    static constexpr Token prefixes[] = {{0x81}, {0x87}, {0xA6}, {0x7F, 0x22}, {0x99}, {0x7F, 0x46}, {0x7F, 0x4C}};
-    if (below(random, 6) == 0) cells.push_back(tokenCell(prefixes[below(random, std::size(prefixes))]));
+    static constexpr unsigned prefixes[] = {0x81, 0x87, 0xA6, 0x7F22, 0x99, 0x7F46, 0x7F4C};
+    if (below(random, 6) == 0) cells.push_back(oneOf(random, prefixes));
     if (depth > 0 && below(random, 3) == 0) {
         const auto &[open, close] = around[below(random, std::size(around))];
         if (open == token::openBracket) {

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -12,8 +12,8 @@
 
 #include "calculator/charset.h"
 #include "emulator/arrays.h"
-#include "emulator/cells.h"
 #include "emulator/display.h"
+#include "emulator/expressions.h"
 #include "emulator/graph_screen.h"
 #include "emulator/pictures.h"
 #include "emulator/programs.h"
@@ -22,26 +22,12 @@
 #include "emulator/text_screen.h"
 #include "settings/settings_store.h"
 #include "support/ui_recorder.h"
-#include "text/program_bytes.h"
 
 namespace numalink {
 
 namespace {
 
-struct ProgramText {
-    std::string name;
-    std::string words;  // lines joined by CR LF
-};
-
-struct RunFile {
-    std::map<std::string, std::string> settings;
-    std::vector<ProgramText> programs;
-    RunScript script;
-    std::string ended = "end";
-    std::map<std::string, std::vector<std::string>>
-        sections;                     // of expectations: the lines below, or the rest of the line
-    std::vector<std::string> arrays;  // "list 1/2 = 1 2 3"
-};
+using Lines = std::vector<std::string>;
 
 std::string firstWord(const std::string &line) { return line.substr(0, line.find(' ')); }
 std::string behindFirstWord(const std::string &line) {
@@ -49,9 +35,66 @@ std::string behindFirstWord(const std::string &line) {
     return blank == std::string::npos ? "" : line.substr(blank + 1);
 }
 
-std::vector<std::string> wordsOf(const std::string &line) {
+Lines wordsOf(const std::string &line) {
     std::istringstream stream(line);
     return {std::istream_iterator<std::string>(stream), {}};
+}
+
+std::string joined(const Lines &lines, const char *between) {
+    std::string all;
+    for (const std::string &line : lines) all += (&line == &lines.front() ? "" : between) + line;
+    return all;
+}
+
+std::string orNone(const std::string &text) { return text.empty() ? "none" : text; }
+
+// By keyword the lines that follow it, after what stands behind it; what may come several times has its operand with
+// the keyword: "set FullSpeed 0", "program MAIN", "list 1/2 = 1 2 3", "dots text".
+struct RunFile {
+    std::vector<std::pair<std::string, Lines>> sections;
+
+    const Lines *find(const std::string &keyword) const {
+        for (const auto &[key, lines] : sections)
+            if (key == keyword) return &lines;
+        return nullptr;
+    }
+    std::string line(const std::string &keyword, const std::string &otherwise) const {
+        const Lines *lines = find(keyword);
+        if (lines == nullptr) return otherwise;
+        return lines->empty() ? "" : lines->front();
+    }
+    // The operands of a keyword that may come several times, and their lines.
+    std::vector<std::pair<std::string, Lines>> all(const std::string &keyword) const {
+        std::vector<std::pair<std::string, Lines>> found;
+        for (const auto &[key, lines] : sections)
+            if (firstWord(key) == keyword) found.emplace_back(behindFirstWord(key), lines);
+        return found;
+    }
+};
+
+bool isAmong(const std::string &word, std::initializer_list<const char *> words) {
+    return std::ranges::any_of(words, [&](const char *each) { return word == each; });
+}
+
+void takeLine(RunFile &file, const std::string &line) {
+    const std::string word = firstWord(line), rest = behindFirstWord(line);
+    if (isAmong(word, {"set", "program", "list", "mat", "dots"})) {
+        file.sections.emplace_back(line, Lines{});
+    } else if (isAmong(word, {"keys", "getkey", "statements", "ended", "text", "graph", "matrix", "shown", "display",
+                              "vars", "errors", "boxes", "row", "mode", "switches"})) {
+        file.sections.emplace_back(word, rest.empty() ? Lines{} : Lines{rest});
+    } else {
+        const bool isProgram = file.sections.back().first.starts_with("program");
+        file.sections.back().second.push_back(isProgram && line.starts_with('|') ? line.substr(1) : line);
+    }
+}
+
+RunFile readRunFile(const std::string &path) {
+    RunFile file;
+    std::ifstream stream(path);
+    for (std::string line; std::getline(stream, line);)
+        if (!line.empty() && line[0] != '#') takeLine(file, line);
+    return file;
 }
 
 std::vector<int> codesOf(const std::string &line) {
@@ -60,73 +103,25 @@ std::vector<int> codesOf(const std::string &line) {
     return codes;
 }
 
-bool isKeyword(const std::string &word) {
-    static const char *const all[] = {"set",   "program", "keys",  "getkey", "statements", "ended",   "text",
-                                      "graph", "matrix",  "shown", "dots",   "display",    "vars",    "list",
-                                      "mat",   "errors",  "boxes", "row",    "mode",       "switches"};
-    for (const char *keyword : all) {
-        if (word == keyword) return true;
-    }
-    return false;
-}
-
-void takeLine(RunFile &file, const std::string &line, std::string &section) {
-    const std::string word = firstWord(line);
-    const std::string rest = behindFirstWord(line);
-    const bool isBody = line.starts_with('|') || !isKeyword(word);
-    if (isBody && section == "program") {
-        std::string &words = file.programs.back().words;
-        if (!words.empty()) words += "\r\n";
-        words += line.starts_with('|') ? line.substr(1) : line;
-    } else if (isBody) {
-        file.sections[section].push_back(line);
-    } else {
-        section = word == "dots" ? line : word;
-        if (word == "set") file.settings[firstWord(rest)] = behindFirstWord(rest);
-        if (word == "program") file.programs.push_back({rest, ""});
-        if (word == "keys") file.script.keys = codesOf(rest);
-        if (word == "getkey") file.script.getKeys = codesOf(rest);
-        if (word == "statements") file.script.statementLimit = std::stoull(rest);
-        if (word == "ended") file.ended = rest;
-        if (word == "list" || word == "mat") file.arrays.push_back(line);
-        file.sections[section];
-        if (!rest.empty() && word != "dots") file.sections[section].push_back(rest);
-    }
-}
-
-RunFile readRunFile(const std::string &path) {
-    RunFile file;
-    file.script.statementLimit = 20000;  // a program that runs away fails
-    std::ifstream stream(path);
-    std::string line, section;
-    while (std::getline(stream, line)) {
-        if (!line.empty() && line[0] != '#') takeLine(file, line, section);
-    }
-    return file;
-}
-
-// Exchange words, with \x{F77B} for raw bytes.
-Bytes imageOf(const std::string &words) {
-    Bytes image = {':'};
-    std::size_t at = 0;
-    while (at < words.size()) {
-        const std::size_t raw = std::min(words.find("\\x{", at), words.size());
-        const std::ptrdiff_t bad = tokensFromWords(words.substr(at, raw - at), image);
-        EXPECT_EQ(bad, -1) << "unreadable words: "
-                           << words.substr(at + static_cast<std::size_t>(std::max<std::ptrdiff_t>(bad, 0)));
-        if (raw == words.size()) break;
-        const std::size_t end = words.find('}', raw);
-        for (std::size_t i = raw + 3; i + 1 < end; i += 2)
-            image.push_back(static_cast<std::uint8_t>(std::stoi(words.substr(i, 2), nullptr, 16)));
-        at = end + 1;
-    }
-    image.push_back(0xFF);
-    image.push_back(0);
-    return image;
+RunReport runOf(const RunFile &file) {
+    RunScript script;
+    script.statementLimit = std::stoull(file.line("statements", "20000"));  // a program that runs away fails
+    script.keys = codesOf(file.line("keys", ""));
+    script.getKeys = codesOf(file.line("getkey", ""));
+    return runScripted(script, [&] {
+        programsClear();
+        for (const auto &[name, lines] : file.all("program"))
+            programAdd(calculatorFromUtf8(name), imageOfWords(joined(lines, "\r\n")));
+        return true;
+    });
 }
 
 // As in a fresh process.
-void freshMachine() {
+void freshMachine(const RunFile &file) {
+    const std::string group = "Numalink.Settings.Emulator.";
+    for (const auto *key : {"HaltOnError", "DisplayDebug", "FillListsMatrices"}) settingsSetValue(group + key, "0");
+    settingsSetValue(group + "FullSpeed", "1");
+    for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
     poolReset();
     machine = EmulatorMachine{};
     clearText();
@@ -134,38 +129,17 @@ void freshMachine() {
     for (int i = 1; i <= memoryCount; i++) *pictureMemory(i) = Surface(displayWidth, displayHeight);
 }
 
-void useSettings(const RunFile &file) {
-    const std::string group = "Numalink.Settings.Emulator.";
-    for (const auto *key : {"HaltOnError", "DisplayDebug", "FillListsMatrices"}) settingsSetValue(group + key, "0");
-    settingsSetValue(group + "FullSpeed", "1");
-    for (const auto &[key, value] : file.settings) settingsSetValue(group + key, value);
-}
-
-const char *endName(RunEnd ended) {
-    static const char *const names[] = {"running", "end", "triangle", "cursor", "input", "limit", "memory", "nothing"};
-    return names[static_cast<int>(ended)];
-}
-
-char colorLetter(Color color) {
-    switch (color) {
-        case lcdColor::background:
-            return '.';
-        case lcdColor::blue:
-            return 'b';
-        case lcdColor::green:
-            return 'g';
-        case lcdColor::orange:
-            return 'o';
-        default:
-            return '?';
-    }
-}
+constexpr std::pair<char, Color> dotColors[] = {
+    {'.', lcdColor::background}, {'b', lcdColor::blue}, {'g', lcdColor::green}, {'o', lcdColor::orange}};
 
 std::string pictureOf(const Surface &surface) {
     std::string picture;
     for (int y = 0; y < surface.height; y++) {
         std::string row;
-        for (int x = 0; x < surface.width; x++) row += colorLetter(dotAt(surface, x, y));
+        for (int x = 0; x < surface.width; x++) {
+            const auto *known = std::ranges::find(dotColors, dotAt(surface, x, y), &std::pair<char, Color>::second);
+            row += known == std::end(dotColors) ? '?' : known->first;
+        }
         row.erase(row.find_last_not_of('.') + 1);
         if (!row.empty()) picture += (y < 10 ? " " : "") + std::to_string(y) + " " + row + "\n";
     }
@@ -174,180 +148,133 @@ std::string pictureOf(const Surface &surface) {
 
 // "10: 5 7-9 b" into the surface.
 void putRow(Surface &surface, const std::string &line) {
-    const int y = std::stoi(line);
-    std::vector<std::string> words = wordsOf(line.substr(line.find(':') + 1));
-    const char letter = words.back()[0];
+    Lines words = wordsOf(line.substr(line.find(':') + 1));
+    const auto *color = std::ranges::find(dotColors, words.back()[0], &std::pair<char, Color>::first);
+    ASSERT_NE(color, std::end(dotColors)) << line;
     words.pop_back();
-    const Color color = letter == 'b'   ? lcdColor::blue
-                        : letter == 'g' ? lcdColor::green
-                        : letter == 'o' ? lcdColor::orange
-                                        : lcdColor::background;
     for (const std::string &word : words) {
-        const int from = std::stoi(word);
         const std::size_t dash = word.find('-');
-        const int to = dash == std::string::npos ? from : std::stoi(word.substr(dash + 1));
-        for (int x = from; x <= to; x++) putDot(surface, x, y, color);
+        const int from = std::stoi(word), to = dash == std::string::npos ? from : std::stoi(word.substr(dash + 1));
+        for (int x = from; x <= to; x++) putDot(surface, x, std::stoi(line), color->second);
     }
 }
 
-struct Check {
-    const RunFile &file;
-    const RunReport &report;
-    std::string differences = {};
-
-    const std::vector<std::string> *section(const std::string &name) const {
-        const auto found = file.sections.find(name);
-        return found == file.sections.end() ? nullptr : &found->second;
-    }
-    std::string line(const std::string &name, const std::string &otherwise) const {
-        const auto *lines = section(name);
-        if (lines == nullptr) return otherwise;
-        return lines->empty() ? "" : lines->front();
-    }
-    void same(const std::string &what, const std::string &expected, const std::string &found) {
-        if (expected != found) differences += what + ": expected " + expected + ", found " + found + "\n";
-    }
-    void errors();
-    void boxes();
-    void text();
-    void surface(const std::string &name, const Surface &found);
-    void textDots();
-    void display();
-    void variables();
-    void array(const std::string &line);
-};
-
-std::string switchesOn() {
-    std::string found = machine.gridSwitch ? "grid" : "";
-    for (std::size_t i = 0; i < machine.graphSwitches.size(); i++) {
-        if (machine.graphSwitches[i]) found += std::string(found.empty() ? "" : " ") + static_cast<char>('A' + i);
-    }
-    return found;
+std::string valueOf(ComplexValue value) {
+    // A residue of polar arithmetic is told apart by the tests of the evaluator.
+    if (std::fabs(value.im) < 1e-9) return digitsOf(value.re);
+    return digitsOf(value.re) + (value.im < 0 ? "-" : "+") + digitsOf(std::fabs(value.im)) + "i";
 }
 
-void Check::errors() {
+std::string errorsFound(const RunReport &report) {
     std::string found;
     for (const ErrorReport &error : report.errors) {
         if (found.size() > 200) break;
         found += (found.empty() ? "" : " ") + firstWord(error.text) + "@" + std::to_string(error.statement);
     }
-    same("errors", line("errors", "none"), found.empty() ? "none" : found);
+    return orNone(found);
 }
 
-void Check::boxes() {
-    std::string found;
+std::string boxesFound() {
+    Lines found;
     for (const Box &box : uiRecord.boxes) {
-        found += (found.empty() ? "" : " + ") + std::to_string(box.bodyNumber) + "/" + std::to_string(box.titleNumber);
-        for (const std::string &argument : box.arguments) found += " " + argument;
+        found.push_back(std::to_string(box.bodyNumber) + "/" + std::to_string(box.titleNumber));
+        for (const std::string &argument : box.arguments) found.back() += " " + argument;
     }
-    same("boxes", line("boxes", "none"), found.empty() ? "none" : found);
+    return orNone(joined(found, " + "));
 }
+
+std::string switchesFound() {
+    Lines found;
+    if (machine.gridSwitch) found.emplace_back("grid");
+    for (std::size_t i = 0; i < machine.graphSwitches.size(); i++)
+        if (machine.graphSwitches[i]) found.emplace_back(1, static_cast<char>('A' + i));
+    return joined(found, " ");
+}
+
+// All that aren't 0, and the values of the view window that are expected by name.
+std::string variablesFound(const std::string &expected) {
+    constexpr const char *windowNames[] = {"Xmin",   "Xmax",      "Xscale",    "Ymin",       "Ymax",
+                                           "Yscale", "TThetaMin", "TThetaMax", "TThetaPitch"};
+    Lines found;
+    const auto add = [&](const std::string &name, ComplexValue value) {
+        if (value.re != 0 || value.im != 0) found.push_back(name + "=" + valueOf(value));
+    };
+    for (int i = 0; i < variableCount; i++) {
+        const std::string letter(1, static_cast<char>('A' + i));
+        add(i == variableR       ? "r"
+            : i == variableTheta ? "theta"
+                                 : letter,
+            machine.variables[static_cast<std::size_t>(i)]);
+    }
+    add("Ans", machine.ans);
+    for (std::size_t i = 0; i < windowValueCount; i++)
+        if (expected.find(windowNames[i]) != std::string::npos)
+            found.push_back(windowNames[i] + ("=" + valueOf(machine.window[i])));
+    return joined(found, " ");
+}
+
+// Of "A", "Ans" for a matrix, "1/2", "1/Ans" for a list.
+std::string arrayFound(bool isList, const std::string &name) {
+    const std::string number = name.substr(isList ? 2 : 0);
+    const bool isAns = number == "Ans";
+    MatrixSlot slot = nullptr;
+    if (isList)
+        slot = machine.listSlots[static_cast<std::size_t>(name[0] - '1')]
+                                [static_cast<std::size_t>(isAns ? listAnsSlot : std::stoi(number) - 1)];
+    else
+        slot = machine.matrixSlots[static_cast<std::size_t>(isAns ? matrixAnsSlot : name[0] - 'A')];
+    if (slot == nullptr) return "none";
+    Lines rows;
+    for (int row = 0; row < slot->rows; row++) {
+        Lines cells;
+        for (int column = 0; column < slot->cols; column++) cells.push_back(digitsOf(matrixElement(slot, column, row)));
+        rows.push_back(joined(cells, " "));
+    }
+    return joined(rows, isList ? " " : "; ");
+}
+
+struct Check {
+    const RunFile &file;
+    std::string differences = {};
+
+    void same(const std::string &what, const std::string &expected, const std::string &found) {
+        if (expected != found) differences += what + ": expected " + expected + ", found " + found + "\n";
+    }
+    void sameDots(const std::string &what, const Surface &expected, const Surface &found) {
+        if (expected.dots != found.dots)
+            differences += what + ": expected\n" + pictureOf(expected) + "found\n" + pictureOf(found);
+    }
+    // The rows of a section in the dots that they name, over what lies below them.
+    void surface(const std::string &section, const Surface &found, Surface below) {
+        const Lines *rows = file.find(section);
+        if (rows == nullptr) return;
+        for (const std::string &row : *rows) putRow(below, row);
+        sameDots(section, below, found);
+    }
+    void text();
+    void display();
+};
 
 void Check::text() {
-    const auto *rows = section("text");
+    const Lines *rows = file.find("text");
     if (rows == nullptr) return;
     std::string expected, found;
-    for (int row = 1; row <= textRowCount; row++) {
-        std::string codes = utf8FromCalculator(textRowCodes(row));
+    for (std::size_t row = 0; row < textRowCount; row++) {
+        std::string codes = utf8FromCalculator(textRowCodes(static_cast<int>(row) + 1));
         codes.erase(codes.find_last_not_of(' ') + 1);
-        found += "|" + codes + "\n";
-        const auto index = static_cast<std::size_t>(row - 1);
-        expected += (index < rows->size() ? (*rows)[index] : "|") + "\n";
+        found += "\n|" + codes;
+        expected += "\n" + (row < rows->size() ? (*rows)[row] : "|");
     }
-    if (expected != found) differences += "text: expected\n" + expected + "found\n" + found;
-}
-
-void Check::surface(const std::string &name, const Surface &found) {
-    const auto *rows = section(name);
-    if (rows == nullptr) return;
-    Surface expected(displayWidth, displayHeight);
-    for (const std::string &row : *rows) putRow(expected, row);
-    if (expected.dots != found.dots)
-        differences += name + ": expected\n" + pictureOf(expected) + "found\n" + pictureOf(found);
-}
-
-void Check::textDots() {
-    const auto *rows = section("dots text");
-    if (rows == nullptr) return;
-    Surface expected = textScreen();
-    for (const std::string &row : *rows) putRow(expected, row);
-    if (expected.dots != textScreen().dots)
-        differences += "text dots: expected\n" + pictureOf(expected) + "found\n" + pictureOf(textScreen());
+    same("text", expected, found);
 }
 
 void Check::display() {
-    const std::string which = line("display", "");
+    const std::string which = file.line("display", "");
     if (which.empty()) return;
     Surface expected = which == "graph" ? graphScreen() : which == "matrix" ? matrixScreen() : textScreen();
-    if (which == "short") {
-        for (int y = 56; y < displayHeight; y++) {
-            for (int x = 0; x < displayWidth; x++) putDot(expected, x, y, dotAt(graphScreen(), x, y));
-        }
-    }
-    if (displayNow().dots != expected.dots)
-        differences += "display: expected " + which + "\n" + pictureOf(expected) + "found\n" + pictureOf(displayNow());
-}
-
-std::string numberOf(double value) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.12g", value);
-    return text;
-}
-
-std::string valueOf(ComplexValue value) {
-    // A residue of polar arithmetic is told apart by the tests of the evaluator.
-    if (std::fabs(value.im) < 1e-9) return numberOf(value.re);
-    return numberOf(value.re) + (value.im < 0 ? "-" : "+") + numberOf(std::fabs(value.im)) + "i";
-}
-
-constexpr const char *windowNames[] = {"Xmin",   "Xmax",      "Xscale",    "Ymin",       "Ymax",
-                                       "Yscale", "TThetaMin", "TThetaMax", "TThetaPitch"};
-
-void Check::variables() {
-    if (section("vars") == nullptr) return;
-    const std::string expected = line("vars", "");
-    std::string found;
-    const auto add = [&](const std::string &name, ComplexValue value, bool always) {
-        if (always || value.re != 0 || value.im != 0 || std::isnan(value.re))
-            found += (found.empty() ? "" : " ") + name + "=" + valueOf(value);
-    };
-    for (int i = 0; i < variableCount; i++) {
-        const std::string name = i == variableR       ? "r"
-                                 : i == variableTheta ? "theta"
-                                                      : std::string(1, static_cast<char>('A' + i));
-        add(name, machine.variables[static_cast<std::size_t>(i)], false);
-    }
-    add("Ans", machine.ans, false);
-    for (std::size_t i = 0; i < windowValueCount; i++) {
-        if (expected.find(windowNames[i]) != std::string::npos) add(windowNames[i], machine.window[i], true);
-    }
-    same("vars", expected, found);
-}
-
-MatrixSlot slotOf(const std::string &name, bool isList) {
-    if (!isList)
-        return machine.matrixSlots[name == "Ans" ? static_cast<std::size_t>(matrixAnsSlot)
-                                                 : static_cast<std::size_t>(name[0] - 'A')];
-    const auto file = static_cast<std::size_t>(name[0] - '1');
-    const std::string number = name.substr(2);
-    return machine.listSlots[file][number == "Ans" ? static_cast<std::size_t>(listAnsSlot)
-                                                   : static_cast<std::size_t>(std::stoi(number) - 1)];
-}
-
-void Check::array(const std::string &line) {
-    const std::vector<std::string> words = wordsOf(line);
-    const bool isList = words[0] == "list";
-    MatrixSlot slot = slotOf(words[1], isList);
-    std::string found = slot == nullptr ? "none" : "";
-    for (int row = 0; slot != nullptr && row < slot->rows; row++) {
-        for (int column = 0; column < slot->cols; column++)
-            found += (found.empty()            ? ""
-                      : column == 0 && !isList ? "; "
-                                               : " ") +
-                     numberOf(matrixElement(slot, column, row));
-    }
-    const std::size_t equals = line.find("= ");
-    same(words[0] + " " + words[1], equals == std::string::npos ? "" : line.substr(equals + 2), found);
+    for (int y = which == "short" ? 56 : displayHeight; y < displayHeight; y++)
+        for (int x = 0; x < displayWidth; x++) putDot(expected, x, y, dotAt(graphScreen(), x, y));
+    sameDots("display of the " + which, expected, displayNow());
 }
 
 }  // namespace
@@ -355,29 +282,29 @@ void Check::array(const std::string &line) {
 std::string checkRunFile(const std::string &path) {
     const RunFile file = readRunFile(path);
     const RecordedUi recorded;
-    useSettings(file);
-    freshMachine();
-    const RunReport report = runScripted(file.script, [&] {
-        programsClear();
-        for (const ProgramText &program : file.programs)
-            programAdd(calculatorFromUtf8(program.name), imageOf(program.words));
-        return true;
-    });
-    Check check{file, report};
-    check.same("ended", file.ended, endName(report.ended));
-    check.errors();
-    check.boxes();
+    freshMachine(file);
+    const RunReport report = runOf(file);
+    constexpr const char *endNames[] = {"running", "end", "triangle", "cursor", "input", "limit", "memory", "nothing"};
+    Check check{file};
+    check.same("ended", file.line("ended", "end"), endNames[static_cast<int>(report.ended)]);
+    check.same("errors", file.line("errors", "none"), errorsFound(report));
+    check.same("boxes", file.line("boxes", "none"), boxesFound());
     check.text();
-    check.surface("graph", graphScreen());
-    check.surface("matrix", matrixScreen());
-    check.surface("shown", displayNow());
-    check.textDots();
+    const Surface empty(displayWidth, displayHeight);
+    check.surface("graph", graphScreen(), empty);
+    check.surface("matrix", matrixScreen(), empty);
+    check.surface("shown", displayNow(), empty);
+    check.surface("dots text", textScreen(), textScreen());
     check.display();
-    check.variables();
-    for (const std::string &array : file.arrays) check.array(array);
-    check.same("row", check.line("row", std::to_string(machine.textRow)), std::to_string(machine.textRow));
-    check.same("mode", check.line("mode", std::to_string(machine.screenMode)), std::to_string(machine.screenMode));
-    if (check.section("switches") != nullptr) check.same("switches", check.line("switches", ""), switchesOn());
+    const std::string variables = file.line("vars", "");
+    if (file.find("vars") != nullptr) check.same("vars", variables, variablesFound(variables));
+    for (const char *sort : {"list", "mat"})
+        for (const auto &[line, lines] : file.all(sort))
+            check.same(sort + (" " + firstWord(line)), behindFirstWord(behindFirstWord(line)),
+                       arrayFound(sort[0] == 'l', firstWord(line)));
+    for (const auto &[what, found] : {std::pair{"row", machine.textRow}, {"mode", machine.screenMode}})
+        check.same(what, file.line(what, std::to_string(found)), std::to_string(found));
+    if (file.find("switches") != nullptr) check.same("switches", file.line("switches", ""), switchesFound());
     return check.differences;
 }
 

@@ -8,12 +8,12 @@
 
 #include "drawing/dot_fonts.h"
 #include "emulator/display.h"
+#include "emulator/expressions.h"
 #include "emulator/programs.h"
 #include "emulator/runner.h"
 #include "emulator/scripted_run.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
-#include "text/program_bytes.h"
 #include "text/token_table.h"
 
 namespace numalink {
@@ -21,13 +21,6 @@ namespace numalink {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-Bytes imageOf(const std::string &words) {
-    Bytes image = {':'};
-    EXPECT_EQ(tokensFromWords(words, image), -1);
-    image.insert(image.end(), {0xFF, 0});
-    return image;
-}
 
 struct RunThreads : testing::Test {
     RunThreads() {
@@ -43,7 +36,7 @@ struct RunThreads : testing::Test {
         machineStart();
         programsClear();
         int number = 0;
-        for (const std::string &words : programs) programAdd("P" + std::to_string(number++), imageOf(words));
+        for (const std::string &words : programs) programAdd("P" + std::to_string(number++), imageOfWords(words));
         ASSERT_TRUE(runStart());
     }
 };
@@ -129,19 +122,9 @@ TEST_F(RunThreads, ThePaceIsWhatAStatementCosts) {
     const auto before = Clock::now();
     runScripted({}, [] {
         programsClear();
-        return programAdd("P", imageOf("\\For 1\\->I \\To 20:A\\->A:\\Next"));
+        return programAdd("P", imageOfWords("\\For 1\\->I \\To 20:A\\->A:\\Next"));
     });
     EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(80));
-}
-
-TEST_F(RunThreads, ACallWaitsLikeItsLooksWithThePaceOn) {
-    settingsSetInt(setting::fullSpeed, 0);
-    const auto before = Clock::now();
-    runScripted({}, [] {
-        programsClear();
-        return programAdd("P0", imageOf("\\Prog \"P1\":1\\->A")) && programAdd("P1", imageOf("2\\->B"));
-    });
-    EXPECT_GE(Clock::now() - before, std::chrono::milliseconds(100));
 }
 
 }  // namespace numalink

@@ -1,7 +1,3 @@
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
@@ -97,17 +93,6 @@ TEST_F(StartUp, ExitCloseAndSignalsEndTheEventLoop) {
         running = false;
         tearDown();
     }
-}
-
-TEST_F(StartUp, LibraryHeldByAnotherProgramIsToldAndLeftAlone) {
-    folder.write("storage.dat", "");
-    const int holder = ::open((folder.path + "storage.dat").c_str(), O_RDWR | O_CLOEXEC);
-    ASSERT_EQ(::flock(holder, LOCK_EX | LOCK_NB), 0);
-    EXPECT_FALSE(startProgram());
-    ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[1], languageText(3));
-    ::close(holder);
-    EXPECT_EQ(folder.read("storage.dat"), "");
 }
 
 }  // namespace numalink

@@ -38,20 +38,6 @@ struct Tree : ShellTest {
     }
 };
 
-TEST_F(Tree, ShowsFoldersAndItemsMixedByNameAndHidesTheTemporaryFolder) {
-    add(kind::folder, "beta");
-    add(kind::matrix, "Alpha");
-    add(kind::list, "alpha");
-    const ItemId outer = add(kind::folder, "Outer");
-    add(kind::matrix, "inner", outer);
-    refreshTree();
-    EXPECT_EQ(rootNames(), QStringList({QStringLiteral("Alpha"), QStringLiteral("alpha"), QStringLiteral("beta"),
-                                        QStringLiteral("Outer")}));
-    EXPECT_EQ(treeView->topLevelItem(3)->child(0)->text(0), QStringLiteral("inner"));
-    EXPECT_TRUE(treeView->topLevelItem(3)->isExpanded());
-    EXPECT_EQ(selectedItemId(), noItem);
-}
-
 TEST_F(Tree, StraysAndCirclesStandAtTheRoot) {
     const auto entry = [](ItemId id, ItemId parent, ItemKind itemKind, const char *name) {
         return ItemEntry{.id = id, .parent = parent, .kind = itemKind, .name = name};
@@ -309,16 +295,9 @@ TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {
 }
 
 TEST_F(Tree, HidesAndShowsWithItsColumn) {
-    mainWindow->resize(800, 600);
-    const int width = clientArea->width();
-    EXPECT_EQ(containerWindow->geometry().x(), 212);
-    EXPECT_EQ(containerWindow->width(), width - 212);
     QTest::mouseClick(treeToggleButton, Qt::LeftButton);
     EXPECT_FALSE(treeView->isVisible());
-    EXPECT_EQ(containerWindow->geometry().x(), 12);
-    EXPECT_EQ(containerWindow->width(), width - 12);
-    EXPECT_EQ(programEdit->geometry().x(), 52);
-    EXPECT_EQ(treeToggleButton->text(), QStringLiteral(">"));
+    EXPECT_EQ(containerWindow->width(), clientArea->width() - 12);
     EXPECT_TRUE(commandAction(command::hideTree)->isChecked());
     QTest::keyClick(mainWindow, Qt::Key_F11);
     EXPECT_TRUE(treeView->isVisible());

@@ -86,7 +86,7 @@ struct PowerLoss : ::testing::Test {
 };
 
 TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
-    const int wanted = countFromEnvironment("NUMALINK_CRASH_STATES", 1500);
+    const int wanted = countFromEnvironment("NUMALINK_CRASH_STATES", 400);
     for (std::uint32_t seed = 1; tried < wanted && !HasFatalFailure(); seed++) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         random.seed(seed);
@@ -155,7 +155,7 @@ std::vector<LibraryState> statesOf(const Bytes &library, std::uint32_t seed, std
 TEST(KilledProcess, LeavesWhatItHadAcknowledged) {
     const RecordedUi ui;
     const ScratchFolder folder;
-    const int kills = countFromEnvironment("NUMALINK_KILLS", 20);
+    const int kills = countFromEnvironment("NUMALINK_KILLS", 8);
     Random random(7);
     int hot = 0;
     for (std::uint32_t number = 0; number < static_cast<std::uint32_t>(kills); number++) {

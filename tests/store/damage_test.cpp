@@ -1,14 +1,17 @@
-// Opening a library that is damaged: what is told, what stays usable, and that nothing unread is written over.
+// Opening, checking and repairing a library that is damaged: what is told, what stays usable, that nothing unread is
+// written over, and that a repair leaves a sound library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "store/store_support.h"
+#include "store/library_check.h"
+#include "store/store_worker.h"
 
 namespace numalink {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using Ids = std::vector<ItemId>;
 
 // Ids 2 (temp), 3 folder F, 4 "A" in F, 5 "B" in F, 6 folder G in F; each record but the folders' has 10 bytes of
 // payload.
@@ -20,27 +23,62 @@ struct DamagedStore : Store {
         add("A", kind::program, parent, Bytes(4, 0xA1), Bytes(6, 0xA2));
         add("B", kind::list, parent, Bytes(4, 0xB1), Bytes(6, 0xB2));
         add("G", kind::folder, parent);
+        items = libraryState();
         storeClose();
         sound = file();
     }
 
     static constexpr std::size_t folder = 8032 + 92, first = folder + 92, second = first + 102, last = second + 102;
 
-    // Opens the sound library with one number altered; gives the lines shown.
-    std::vector<std::string> openWith(std::size_t offset, std::uint32_t number) {
+    Bytes with(std::size_t offset, std::uint32_t number) const {
         Bytes bytes = sound;
         writeLittle32(bytes, offset, number);
-        opened = restart(bytes);
+        return bytes;
+    }
+
+    // Opens the sound library with one number altered; gives the lines shown.
+    std::vector<std::string> openWith(std::size_t offset, std::uint32_t number) {
+        opened = restart(with(offset, number));
         return uiRecord.lines;
     }
 
-    std::vector<ItemId> ids() const {
-        std::vector<ItemId> found;
+    static Ids ids() {
+        Ids found;
         for (const ItemEntry &entry : storeListItems()) found.push_back(entry.id);
         return found;
     }
 
+    // Checks and repairs these bytes; gives the ids of what the library then holds beside the temporary folder.
+    Ids idsAfterRepair(const Bytes &damaged) {
+        memoryDisk.files.clear();
+        file() = damaged;
+        const LibraryCheck checked = checkLibrary(false);
+        EXPECT_EQ(file(), damaged) << "a check alone writes nothing";
+        check = checkLibrary(true);
+        EXPECT_EQ(check.damage, checked.damage);
+        EXPECT_TRUE(check.damage == 0 || memoryDisk.files["/library/storage.dat.damaged-1"] == damaged);
+        EXPECT_EQ(checkLibrary(false).damage, 0U) << "in order now";
+        uiRecord.lines.clear();
+        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(uiRecord.lines.empty());
+        Ids left;
+        int flawed = 0;  // a payload has nothing by which a flipped byte could be told
+        for (const StoredItem &item : allItems()) {
+            if (item.kind == kind::temporaryFolder) continue;
+            left.push_back(item.id);
+            const auto original = std::ranges::find(items, item.id, &ItemEntry::id);
+            flawed += original != items.end() && item.data != original->data ? 1 : 0;
+        }
+        EXPECT_LE(flawed, 1);
+        checkFile();
+        storeClose();
+        std::ranges::sort(left);
+        return left;
+    }
+
+    LibraryState items;
     Bytes sound;
+    LibraryCheck check;
     bool opened = false;
 };
 
@@ -64,30 +102,31 @@ TEST_F(DamagedStore, AHeadThatCantBeUsedIsRefusedAndNotTouched) {
 }
 
 TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
-    struct Case {
+    const Ids all = {3, 4, 5, 6}, allAndTemp = {2, 3, 4, 5, 6}, withoutA = {2, 3, 5, 6}, savedButA = {3, 5, 6};
+    const struct {
         const char *what;
         std::size_t offset;
         std::uint32_t number;
-        std::vector<ItemId> sound;
+        Ids sound, repaired;
+    } cases[] = {
+        {"signature", first, 0, withoutA, savedButA},
+        {"offset outside the file", 28 + 4 * 2, 0xFFFFFFFF, withoutA, all},
+        {"offset in the head record", 28 + 4 * 2, 100, withoutA, all},
+        {"two slots for one record", 28 + 4 * 2, second, withoutA, all},
+        {"size that wraps", first + 68, 0xFFFFFFFF - 80, withoutA, savedButA},
+        {"size past the end of the file", last + 72, 1, {2, 3, 4, 5}, {3, 4, 5}},
+        {"reaches into the next record", first + 72, 7, withoutA, savedButA},
+        {"id of the root", first + 84, 1, withoutA, savedButA},
+        {"id that another has", second + 84, 4, {2, 3, 4, 6}, {3, 4, 6, 7}},
+        {"id that leaves none", second + 84, 0xF0000005, {2, 3, 4, 6, 0xF0000005}, {3, 4, 6, 7}},
+        {"next id too low", 8028, 6, allAndTemp, all},
+        {"end too low", 24, 8032, allAndTemp, all},
+        {"end outside the file", 24, 100000, allAndTemp, all},
+        {"more items than slots", 20, 2001, allAndTemp, all},
+        {"offset outside the file, of the last", 28 + 4 * 4, 0xFFFFFFFF, {2, 3, 4, 5}, all},
+        {"fewer items than there are", 20, 4, {2, 3, 4, 5}, all},
     };
-    const Case cases[] = {
-        {"signature", first, 0, {2, 3, 5, 6}},
-        {"offset outside the file", 28 + 4 * 2, 0xFFFFFFFF, {2, 3, 5, 6}},
-        {"offset in the head record", 28 + 4 * 2, 100, {2, 3, 5, 6}},
-        {"two slots for one record", 28 + 4 * 2, second, {2, 3, 5, 6}},
-        {"size that wraps", first + 68, 0xFFFFFFFF - 80, {2, 3, 5, 6}},
-        {"size past the end of the file", last + 72, 1, {2, 3, 4, 5}},
-        {"reaches into the next record", first + 72, 7, {2, 3, 5, 6}},
-        {"id of the root", first + 84, 1, {2, 3, 5, 6}},
-        {"id that another has", second + 84, 4, {2, 3, 4, 6}},
-        {"next id too low", 8028, 6, {2, 3, 4, 5, 6}},
-        {"end too low", 24, 8032, {2, 3, 4, 5, 6}},
-        {"end outside the file", 24, 100000, {2, 3, 4, 5, 6}},
-        {"more items than slots", 20, 2001, {2, 3, 4, 5, 6}},
-        {"offset outside the file, of the last", 28 + 4 * 4, 0xFFFFFFFF, {2, 3, 4, 5}},
-        {"fewer items than there are", 20, 4, {2, 3, 4, 5}},
-    };
-    for (const Case &damage : cases) {
+    for (const auto &damage : cases) {
         SCOPED_TRACE(damage.what);
         EXPECT_THAT(openWith(damage.offset, damage.number),
                     ElementsAre("box 36 / 2 1 " + std::to_string(damage.offset == 20 ? 0 : 5 - damage.sound.size())));
@@ -97,13 +136,28 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
         storeClose();
         EXPECT_EQ(file(), before) << "nothing is written unless something changes";
         EXPECT_EQ(memoryDisk.files.size(), 1U);
+        EXPECT_EQ(idsAfterRepair(before), damage.repaired);
+        memoryDisk.files.clear();
     }
     EXPECT_THAT(openWith(folder + 88, 6), ElementsAre("box 36 / 2 2 0")) << "a circle of two folders";
-    EXPECT_EQ(ids(), (std::vector<ItemId>{2, 3, 4, 5, 6}));
+    EXPECT_EQ(ids(), allAndTemp);
+    storeClose();
+    EXPECT_EQ(idsAfterRepair(with(folder + 88, 6)), all);
     Bytes endless = sound;
     std::fill_n(endless.begin() + first + 15, 53, std::uint8_t{'n'});
     EXPECT_TRUE(restart(endless));
-    EXPECT_EQ(ids(), (std::vector<ItemId>{2, 3, 5, 6}));
+    EXPECT_EQ(ids(), withoutA);
+    storeClose();
+    EXPECT_EQ(idsAfterRepair(sound), all);
+    EXPECT_FALSE(check.repaired);
+    EXPECT_EQ(idsAfterRepair(with(0, 0)), all) << "no head that is one";
+    EXPECT_FALSE(check.headUsable);
+    Bytes both = with(first + 72, 7);
+    writeLittle32(both, 0, 0);
+    EXPECT_EQ(idsAfterRepair(both), savedButA) << "without a table too";
+    EXPECT_EQ(idsAfterRepair(with(8028, 0xFFFFFFFF)), all) << "the ids used up";
+    EXPECT_EQ(idsAfterRepair(Bytes(8031)), Ids{});
+    EXPECT_EQ(idsAfterRepair(Bytes(sound.begin(), sound.begin() + last + 50)), (Ids{3, 4, 5}));
 }
 
 TEST_F(DamagedStore, ACopyComesBeforeTheFirstChangeAndUnreadBytesStay) {
@@ -157,13 +211,56 @@ TEST_F(DamagedStore, PayloadsThatDontComeWholeAreTold) {
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
 }
 
-TEST_F(DamagedStore, ALibraryThatAnotherProgramHoldsIsRefused) {
+TEST_F(DamagedStore, WhatWasDeletedStaysDeleted) {
+    ASSERT_TRUE(restart(sound));
+    ASSERT_TRUE(storeDelete(4));
+    const Bytes longer = file();
+    storeClose();
+    EXPECT_EQ(idsAfterRepair(longer), (Ids{3, 5, 6})) << "though its bytes lie behind the end";
+    openWith(folder + 88, 6);
+    ASSERT_TRUE(storeDelete(4));
+    storeClose();
+    EXPECT_EQ(idsAfterRepair(Bytes(file())), (Ids{3, 5, 6})) << "nor where records aren't moved";
+}
+
+TEST_F(DamagedStore, AnyByteMayBeFlippedAndAnyLengthCut) {
+    Random random(3);
+    for (int round = 0; round < 120; round++) {
+        Bytes damaged = sound;
+        const std::size_t place = round % 2 ? random() % damaged.size() : 8000 + random() % (damaged.size() - 8000);
+        SCOPED_TRACE(std::to_string(round) + ", at " + std::to_string(place));
+        if (round % 4 == 3)
+            damaged.resize(place);
+        else
+            damaged[place] ^= static_cast<std::uint8_t>(1 + random() % 255);
+        memoryDisk.files.clear();
+        ASSERT_NO_FATAL_FAILURE(restart(damaged));
+        const bool isOpen = storeIsOpen(), changes = storeIsDamaged() && storeRename(3, "new");
+        storeClose();
+        EXPECT_TRUE(!changes || memoryDisk.files["/library/storage.dat.damaged-1"] == damaged);
+        EXPECT_TRUE(isOpen || file() == damaged);
+        if (readLittle32(damaged.size() < 20 ? Bytes(20) : damaged, 16) > storeNewestFormat) continue;
+        const Ids left = idsAfterRepair(damaged);
+        EXPECT_GE(left.size(), round % 4 == 3 ? 0U : 3U) << "one byte costs one record at most";
+    }
+}
+
+TEST_F(DamagedStore, ALibraryThatIsHeldOrMissingIsLeftAlone) {
+    ASSERT_TRUE(storeOpen());
+    EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::held);
+    EXPECT_TRUE(storeIsOpen());
+    storeClose();
+    const Bytes before = file();
     int other = -1;
     ASSERT_EQ(filePort.openLocked("/library/storage.dat", false, other), OpenResult::opened);
     EXPECT_FALSE(storeOpen());
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 33 / 2 /library/storage.dat"));
-    EXPECT_EQ(file(), sound);
+    EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::held);
+    EXPECT_EQ(file(), before);
     filePort.close(other);
+    memoryDisk.files.clear();
+    EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::absent);
+    EXPECT_TRUE(memoryDisk.files.empty());
 }
 
 }  // namespace
