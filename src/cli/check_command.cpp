@@ -24,6 +24,8 @@ const char *wordOf(RecordFate fate) {
             return "found outside the table";
         case RecordFate::lost:
             return "lost";
+        case RecordFate::rest:
+            return "bytes of no record";
     }
     return "";
 }
@@ -42,13 +44,16 @@ std::string causeOf(CheckOutcome outcome, const std::string &file) {
 }
 
 void tellRecords(const LibraryCheck &check) {
-    std::size_t counts[3] = {};
+    std::size_t counts[4] = {};
     for (const CheckedRecord &record : check.records) {
         counts[static_cast<std::size_t>(record.fate)]++;
         if (record.fate == RecordFate::sound) continue;
         std::printf("%s: at %llu", wordOf(record.fate), static_cast<unsigned long long>(record.offset));
         if (record.id != noItem) std::printf(", id %u", record.id);
-        std::printf(", kind %u, name %s\n", record.kind, utf8FromCalculator(record.name).c_str());
+        if (record.fate == RecordFate::rest)
+            std::printf(", behind %s\n", record.name.empty() ? "the head" : utf8FromCalculator(record.name).c_str());
+        else
+            std::printf(", kind %u, name %s\n", record.kind, utf8FromCalculator(record.name).c_str());
     }
     std::printf("records: %zu sound, %zu found outside the table, %zu lost\n", counts[0], counts[1], counts[2]);
     if (check.circles > 0) std::printf("folders in a circle: %u\n", check.circles);

@@ -5,7 +5,6 @@
 #include <set>
 
 #include "platform/program_folder.h"
-#include "store/store_changes.h"
 #include "store/store_check.h"
 #include "store/store_copy.h"
 
@@ -13,7 +12,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t scanBlock = 64 * 1024;  // bytes
+constexpr std::size_t scanBlock = 64 * 1024, unreadableSkip = 512;  // bytes
 constexpr int textTooNew = 119;
 constexpr ItemId idLimit = noItem / 2;  // no library lives to see it: a next id from here on is damage
 
@@ -23,6 +22,7 @@ struct Examined {
     std::vector<Slot> slots;             // of the table
     std::vector<std::uint64_t> offsets;  // of the records found outside it
     std::vector<ItemHeader> found;       // their heads
+    std::vector<Stretch> strays;
     std::uint64_t fileSize = 0;
 };
 
@@ -35,7 +35,13 @@ std::uint64_t nextSignature(std::uint64_t from, std::uint64_t limit) REQUIRES_LO
     Bytes block;
     while (limit - std::min(from, limit) >= sizeof itemSignature) {
         block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, limit - from)));
-        if (!storeFileRead(from, block)) return limit;
+        if (!storeFileRead(from, block)) {
+            if (block.size() > unreadableSkip) block.resize(unreadableSkip);
+            if (!storeFileRead(from, block)) {
+                from += block.size();
+                continue;
+            }
+        }
         const auto hit = std::search(block.begin(), block.end(), std::begin(itemSignature), std::end(itemSignature));
         if (hit != block.end()) return from + static_cast<std::uint64_t>(hit - block.begin());
         from += block.size() - (sizeof itemSignature - 1);
@@ -55,12 +61,23 @@ bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t 
     return true;
 }
 
+bool payloadsReadable(const ItemHeader &head, std::uint64_t offset) REQUIRES_LOCK(storeLock) {
+    const std::uint64_t end = offset + recordSize(head);
+    Bytes block;
+    for (std::uint64_t at = offset; at < end; at += block.size()) {
+        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, end - at)));
+        if (!storeFileRead(at, block)) return false;
+    }
+    return true;
+}
+
 // Looks through one stretch that no record of the table covers.
 void searchStretch(Examined &examined, std::set<ItemId> &ids, std::uint64_t from, std::uint64_t limit)
     REQUIRES_LOCK(storeLock) {
     for (std::uint64_t at = nextSignature(from, limit); at < limit; at = nextSignature(at, limit)) {
         ItemHeader head{};
-        if (!readHead(at, head) || !recordIsSound(head, at, limit) || !sizeIsCredible(head, at, limit)) {
+        if (!readHead(at, head) || !recordIsSound(head, at, limit) || !sizeIsCredible(head, at, limit) ||
+            !payloadsReadable(head, at)) {
             at++;
             continue;
         }
@@ -99,8 +116,39 @@ CheckedRecord recordOf(const ItemHeader &head, std::uint64_t offset, RecordFate 
     return {head.id, head.kind, std::string(nameOf(head).substr(0, storeNameLimit)), offset, fate};
 }
 
+// Records whose bytes the disk doesn't give are lost, whatever their heads say.
+std::uint32_t dropUnreadable(Examined &examined) REQUIRES_LOCK(storeLock) {
+    std::uint32_t count = 0;
+    for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
+        Slot &record = examined.slots[slot];
+        if (!record.sound || payloadsReadable(record.head, examined.main.offsets[slot])) continue;
+        record.sound = false;
+        count++;
+    }
+    return count;
+}
+
+void listRecords(const Examined &examined, LibraryCheck &check) {
+    std::size_t room = storeSlotCount;
+    for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
+        const bool sound = examined.slots[slot].sound;
+        if (sound) room--;
+        check.records.push_back(recordOf(examined.slots[slot].head, examined.main.offsets[slot],
+                                         sound ? RecordFate::sound : RecordFate::lost));
+    }
+    for (std::size_t i = 0; i < examined.found.size(); i++)
+        check.records.push_back(
+            recordOf(examined.found[i], examined.offsets[i], i < room ? RecordFate::found : RecordFate::lost));
+    for (const Stretch &stray : examined.strays) {
+        const bool explained = std::ranges::any_of(
+            examined.offsets, [&](std::uint64_t offset) { return offset >= stray.from && offset < stray.to; });
+        if (!explained) check.records.push_back({noItem, kind::unknown, stray.before, stray.from, RecordFate::rest});
+    }
+}
+
 void examine(Examined &examined, LibraryCheck &check) REQUIRES_LOCK(storeLock) {
     bool headLies = !check.headUsable;
+    std::uint32_t unreadable = 0;
     if (check.headUsable) {
         readSlots(examined.main, examined.slots);
         check.damage = checkStore(examined.main, examined.fileSize, examined.slots);
@@ -108,14 +156,14 @@ void examine(Examined &examined, LibraryCheck &check) REQUIRES_LOCK(storeLock) {
         check.circles = static_cast<std::uint32_t>(foldersInCircle(examined.slots).size());
         if (examined.main.nextId >= idLimit) check.damage++;
         headLies = check.damage > static_cast<std::uint32_t>(lost) + check.circles;
+        if (check.damage == 0) examined.strays = strayStretches(examined.main, examined.slots);
+        unreadable = dropUnreadable(examined);
     }
     searchFile(examined, headLies);
-    check.damage += static_cast<std::uint32_t>(examined.found.size()) + (check.headUsable ? 0 : 1);
-    for (std::size_t slot = 0; slot < examined.slots.size(); slot++)
-        check.records.push_back(recordOf(examined.slots[slot].head, examined.main.offsets[slot],
-                                         examined.slots[slot].sound ? RecordFate::sound : RecordFate::lost));
-    for (std::size_t i = 0; i < examined.found.size(); i++)
-        check.records.push_back(recordOf(examined.found[i], examined.offsets[i], RecordFate::found));
+    check.damage +=
+        static_cast<std::uint32_t>(examined.strays.empty() ? examined.found.size() : examined.strays.size());
+    check.damage += unreadable + (check.headUsable ? 0 : 1);
+    listRecords(examined, check);
 }
 
 // The head of a kept record in a table without circles.
@@ -170,15 +218,10 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     return true;
 }
 
+// By a new file rather than by a change, which would have to read first what it writes over.
 bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
     Bytes file;
-    if (!composeFile(examined, file) || !storeFileKeepCopy()) return false;
-    const std::uint64_t size = file.size();
-    changeBegin();
-    changeWrite(0, std::move(file));
-    if (changeCommit() != ChangeResult::done) return false;
-    storeFileCut(size);
-    return true;
+    return composeFile(examined, file) && storeFileKeepCopy() && storeFileReplace(file);
 }
 
 void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {

@@ -19,7 +19,8 @@ enum class CheckOutcome {
 enum class RecordFate {
     sound,
     found,  // sound, but the table of records doesn't know it
-    lost    // named by the table, and nothing that could be a record
+    lost,   // named by the table, and nothing that could be a record; or found, and the table is full
+    rest    // bytes that no record explains, behind the record of this name, whose size may be what is wrong
 };
 
 struct CheckedRecord {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <utility>
 
 namespace numalink {
 
@@ -23,6 +24,21 @@ void markDoubledIds(std::vector<Slot> &slots) {
     const auto order = soundSlotsBy(slots, [&](std::size_t slot) { return slots[slot].head.id; });
     for (std::size_t i = 1; i < order.size(); i++)
         if (slots[order[i]].head.id == slots[order[i - 1]].head.id) slots[order[i]].sound = false;
+}
+
+// The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
+// a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
+std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
+    std::vector<Slot *> folders;
+    for (Slot &slot : slots)
+        if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
+    const auto isTemporary = [](const Slot *slot) {
+        return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
+    };
+    std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
+    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
+    for (Slot *slot : folders) slot->head.kind = kind::folder;
+    return static_cast<std::uint32_t>(folders.size());
 }
 
 // Of two records that overlap, the one that reaches over the other's head lies about its size. From the last on, so
@@ -57,18 +73,20 @@ bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t f
            recordSize(head) <= fileSize - std::min(offset, fileSize) && head.id > rootId && head.id != noItem;
 }
 
-std::vector<std::uint64_t> uncoveredStarts(const MainHeader &main, const std::vector<Slot> &slots) {
-    std::vector<std::uint64_t> starts;
+std::vector<Stretch> uncoveredStretches(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::vector<Stretch> stretches;
     std::uint64_t covered = sizeof main;
+    std::string before;
     const auto lookAhead = [&](std::uint64_t next) {
-        if (next >= covered + sizeof(ItemHeader)) starts.push_back(covered);
+        if (next > covered) stretches.push_back({covered, next, before});
     };
     for (const std::size_t slot : soundSlotsBy(slots, [&](std::size_t at) { return main.offsets[at]; })) {
         lookAhead(main.offsets[slot]);
         covered = main.offsets[slot] + recordSize(slots[slot].head);
+        before = nameOf(slots[slot].head);
     }
     lookAhead(main.endOffset);
-    return starts;
+    return stretches;
 }
 
 std::vector<ItemId> foldersInCircle(const std::vector<Slot> &slots) {
@@ -107,11 +125,12 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
         slots[slot].sound = slots[slot].sound && recordIsSound(slots[slot].head, main.offsets[slot], fileSize);
     markOverlaps(main, slots);
     markDoubledIds(slots);
+    const std::uint32_t wrongKinds = takeForOrdinary(slots);
     // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
     if (main.itemCount > storeSlotCount)
         while (!slots.empty() && !slots.back().sound) slots.pop_back();
     const auto unsound = std::ranges::count(slots, false, &Slot::sound);
-    return static_cast<std::uint32_t>(unsound) + headFaults(main, fileSize, slots) +
+    return static_cast<std::uint32_t>(unsound) + wrongKinds + headFaults(main, fileSize, slots) +
            static_cast<std::uint32_t>(foldersInCircle(slots).size());
 }
 

@@ -7,20 +7,48 @@ namespace numalink {
 namespace {
 
 constexpr int noFile = -1;
-constexpr std::size_t blockSize = 64 * 1024;  // bytes
-constexpr int copyLimit = 1000;               // damaged files kept beside the library
+constexpr std::size_t blockSize = 64 * 1024, sectorBytes = 512;
+constexpr int copyLimit = 1000;  // damaged files kept beside the library
 
-bool copyInto(int target) REQUIRES_LOCK(storeLock) {
+// With holes, what can't be read comes out as zero bytes, a sector at a time.
+bool readForCopy(std::uint64_t at, std::span<std::uint8_t> block, bool holes) REQUIRES_LOCK(storeLock) {
+    if (storeFileRead(at, block)) return true;
+    if (!holes) return false;
+    for (std::size_t from = 0; from < block.size(); from += sectorBytes) {
+        const auto part = block.subspan(from, std::min(sectorBytes, block.size() - from));
+        if (!storeFileRead(at + from, part)) std::ranges::fill(part, std::uint8_t{0});
+    }
+    return true;
+}
+
+bool copyInto(int target, bool holes) REQUIRES_LOCK(storeLock) {
     const std::int64_t known = storeFileSize();
     if (known < 0) return false;
     const auto size = static_cast<std::uint64_t>(known);
     Bytes block(blockSize);
     for (std::uint64_t at = 0; at < size; at += block.size()) {
         block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, size - at)));
-        if (!storeFileRead(at, block) || filePort.writeAt(target, at, block.data(), block.size()) != block.size())
+        if (!readForCopy(at, block, holes) || filePort.writeAt(target, at, block.data(), block.size()) != block.size())
             return false;
     }
-    return filePort.sync(target);
+    return true;
+}
+
+// Fills a file of another name, which becomes path's once it is whole.
+template <typename Fill>
+bool makeWhole(const std::string &path, Fill fill) REQUIRES_LOCK(storeLock) {
+    const std::string made = path + "-new";
+    int file = noFile;
+    if (filePort.openLocked(made.c_str(), true, file) != OpenResult::opened) return false;
+    const bool filled = filePort.cut(file, 0) && fill(file) && filePort.sync(file);
+    filePort.close(file);
+    if (filled && filePort.rename(made.c_str(), path.c_str())) return filePort.syncFolder(path.c_str());
+    filePort.remove(made.c_str());
+    return false;
+}
+
+bool copyTo(const std::string &path, bool holes) REQUIRES_LOCK(storeLock) {
+    return makeWhole(path, [&](int file) REQUIRES_LOCK(storeLock) { return copyInto(file, holes); });
 }
 
 }  // namespace
@@ -28,30 +56,19 @@ bool copyInto(int target) REQUIRES_LOCK(storeLock) {
 bool storeFileKeepCopy() {
     for (int number = 1; number <= copyLimit; number++) {
         const std::string path = storeFilePath() + ".damaged-" + std::to_string(number);
-        int copy = noFile;
-        // An empty one is what a copy that failed has left.
-        const OpenResult there = filePort.openLocked(path.c_str(), false, copy);
-        const bool usable = there == OpenResult::opened && filePort.size(copy) == 0;
-        if (there == OpenResult::opened && !usable) filePort.close(copy);
-        if (there != OpenResult::absent && !usable) continue;
-        if (!usable && filePort.openLocked(path.c_str(), true, copy) != OpenResult::opened) return false;
-        const bool copied = copyInto(copy) && filePort.syncFolder(path.c_str());
-        if (!copied) filePort.cut(copy, 0);
-        filePort.close(copy);
-        return copied;
+        int there = noFile;
+        const OpenResult opened = filePort.openLocked(path.c_str(), false, there);
+        if (opened == OpenResult::opened) filePort.close(there);
+        if (opened == OpenResult::absent) return copyTo(path, true);
     }
     return false;
 }
 
-bool storeFileCopyTo(const std::string &path) {
-    const std::string made = path + "-new";
-    int copy = noFile;
-    if (filePort.openLocked(made.c_str(), true, copy) != OpenResult::opened) return false;
-    const bool copied = filePort.cut(copy, 0) && copyInto(copy);
-    filePort.close(copy);
-    if (copied && filePort.rename(made.c_str(), path.c_str())) return filePort.syncFolder(path.c_str());
-    filePort.remove(made.c_str());
-    return false;
+bool storeFileCopyTo(const std::string &path) { return copyTo(path, false); }
+
+bool storeFileReplace(ByteView bytes) {
+    return makeWhole(storeFilePath(),
+                     [&](int file) { return filePort.writeAt(file, 0, bytes.data(), bytes.size()) == bytes.size(); });
 }
 
 }  // namespace numalink

@@ -268,7 +268,7 @@ Fault resetTemp() {
     }
     const ItemId id = freshId(storeState.main.nextId);
     if (id == noItem) return Fault::full;
-    const NewItem temp{.name = "temp", .kind = kind::temporaryFolder, .head = {}, .data = {}};
+    const NewItem temp{.name = temporaryFolderName, .kind = kind::temporaryFolder, .head = {}, .data = {}};
     const NewRecord record{makeHead(temp, temp.name, id), {}, {}};
     return changeRecords(leaving, {&record, 1}, id + 1);
 }

@@ -58,7 +58,8 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     readSlots(storeState.main, storeState.slots);
     opening.damage =
         opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
-    if (opening.damage == 0) opening.damage = countUnlisted(storeState.main, storeState.slots);
+    if (opening.damage == 0)
+        opening.damage = static_cast<std::uint32_t>(strayStretches(storeState.main, storeState.slots).size());
     opening.lost = std::ranges::count(storeState.slots, false, &Slot::sound);
     storeState.main.itemCount = static_cast<std::uint32_t>(storeState.slots.size());
     storeState.main.nextId = safeNextId(storeState.main, storeState.slots);

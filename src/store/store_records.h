@@ -15,6 +15,7 @@ static_assert(std::endian::native == std::endian::little, "the records are littl
 
 inline constexpr char mainSignature[16] = "MAINHEADER    ";
 inline constexpr char itemSignature[15] = "ITEMHEADER    ";
+inline constexpr char temporaryFolderName[] = "temp";
 
 struct MainHeader {
     char signature[16];

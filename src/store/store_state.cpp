@@ -34,6 +34,19 @@ constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 
 // How many codes a name of this kind may have.
 std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
 
+// Whether deleted records, and nothing else, fill the stretch: they have lost their signature and kept their sizes.
+bool isGap(const Stretch &stretch) REQUIRES_LOCK(storeLock) {
+    std::uint64_t at = stretch.from;
+    while (at < stretch.to) {
+        ItemHeader head{};
+        if (stretch.to - at < sizeof head || !storeFileRead(at, {reinterpret_cast<std::uint8_t *>(&head), sizeof head}))
+            return false;
+        if (std::ranges::any_of(head.signature, [](char code) { return code != 0; }) || head.id <= rootId) return false;
+        at += recordSize(head);
+    }
+    return at == stretch.to;
+}
+
 }  // namespace
 
 bool storeTold(Fault fault) {
@@ -83,13 +96,10 @@ void readSlots(const MainHeader &main, std::vector<Slot> &slots) {
     }
 }
 
-std::uint32_t countUnlisted(const MainHeader &main, const std::vector<Slot> &slots) {
-    std::uint32_t count = 0;
-    for (const std::uint64_t start : uncoveredStarts(main, slots)) {
-        std::uint8_t signature[sizeof itemSignature] = {};
-        if (storeFileRead(start, signature) && std::memcmp(signature, itemSignature, sizeof signature) == 0) count++;
-    }
-    return count;
+std::vector<Stretch> strayStretches(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::vector<Stretch> strays = uncoveredStretches(main, slots);
+    std::erase_if(strays, [](const Stretch &stretch) REQUIRES_LOCK(storeLock) { return isGap(stretch); });
+    return strays;
 }
 
 ItemEntry entryOf(const ItemHeader &head) {

@@ -5,7 +5,7 @@
 //   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file; main.itemCount is their number.
 //   (2) main is what the file's first 8032 bytes hold, unless opening found damage and nothing was changed since.
 //   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset. What else lies there
-//       (gaps, until the end of the run) doesn't begin as a record does.
+//       (gaps, until the end of the run) are deleted records, one behind the other, without their signature.
 #pragma once
 
 #include <new>
@@ -71,8 +71,10 @@ MainHeader emptyMain();
 // Reads the head record, and of each slot the head of its record; a text number that tells what is wrong, or 0.
 int readMain(MainHeader &main) REQUIRES_LOCK(storeLock);
 void readSlots(const MainHeader &main, std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
-// How many records lie in the file, below the end, that the table doesn't know.
-std::uint32_t countUnlisted(const MainHeader &main, const std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
+// Stretches that neither a record of the table nor deleted ones explain: a record that the table has lost, or the rest
+// of one whose size says too little. In a file without damage there are none.
+struct Stretch;
+std::vector<Stretch> strayStretches(const MainHeader &main, const std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
 bool isFolderId(ItemId id) REQUIRES_LOCK(storeLock);  // the root is one
 ItemEntry entryOf(const ItemHeader &head);
 

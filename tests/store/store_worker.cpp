@@ -33,6 +33,7 @@ struct Scene {
 
 Scene sceneNow() {
     Scene scene{storeListItems()};
+    std::erase_if(scene.items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
     for (const ItemEntry &entry : scene.items)
         if (isFolderKind(entry.kind)) scene.folders.push_back(entry.id);
     return scene;
