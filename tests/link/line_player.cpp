@@ -14,8 +14,8 @@
 #include "platform/serial_line.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
-#include "support/pseudo_terminal.h"
 #include "support/scratch_folder.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <random>
 
-#include "support/pseudo_terminal.h"
 #include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace monkey {
 
