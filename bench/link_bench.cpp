@@ -14,9 +14,9 @@
 #include "platform/user_interface.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
-#include "support/pseudo_terminal.h"
 #include "support/scratch_folder.h"
 #include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "../tests/support/memory_file.h"
+#include "support/simulated_disk.h"
 #include "platform/program_folder.h"
 #include "store/item_store.h"
 #include "store/store_records.h"
@@ -46,7 +46,7 @@ struct FullLibrary {
 };
 
 void openAndList(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     for (auto step : state) {
         storeClose();
@@ -55,7 +55,7 @@ void openAndList(benchmark::State &state) {
 }
 
 void findByPath(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     for (auto step : state) {
         const ItemId folder = storeResolvePath("/games/old/", false);
@@ -64,7 +64,7 @@ void findByPath(benchmark::State &state) {
 }
 
 void addThenDeleteLast(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     for (auto step : state) {
         const ItemId id = storeAddItem(program(itemTotal, library.folder));
@@ -80,13 +80,13 @@ void replaceEachFirst(benchmark::State &state, const FullLibrary &library) {
 }
 
 void replaceFirst(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     replaceEachFirst(state, library);
 }
 
 void deleteFirst(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     std::uint32_t number = 0;
     for (auto step : state) {

@@ -9,7 +9,7 @@
 #include <ctime>
 #include <map>
 
-#include "../tests/support/memory_file.h"
+#include "support/simulated_disk.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/item_rules.h"
@@ -69,7 +69,7 @@ void report(benchmark::State &state, double work, double plain) {
 }
 
 void openListAndArrange(benchmark::State &state) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     double work = 0;
     double plain = 0;
@@ -86,7 +86,7 @@ void openListAndArrange(benchmark::State &state) {
 }
 
 void refreshOnScreen(benchmark::State &state, bool moveAll) {
-    const MemoryFiles disk;
+    const SimulatedFiles disk(Steps::forgotten);
     const FullLibrary library;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     int argumentCount = 1;

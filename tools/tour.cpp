@@ -29,8 +29,8 @@
 #include "shell/start_up.h"
 #include "shell/surface_view.h"
 #include "store/item_store.h"
-#include "support/pseudo_terminal.h"
 #include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace {
 

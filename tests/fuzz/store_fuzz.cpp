@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <map>
 
-#include "../tests/support/memory_file.h"
 #include "platform/program_folder.h"
 #include "store/item_store.h"
 #include "store/store_journal.h"
+#include "support/simulated_disk.h"
 
 namespace {
 
@@ -144,12 +144,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static constexpr std::size_t choices = 8;
     if (size < choices) return 0;
     setLibraryFolder("/library/");
-    const MemoryFiles disk;
-    Bytes &file = memoryDisk.files["/library/storage.dat"];
+    const SimulatedFiles disk(Steps::forgotten);
+    Bytes &file = diskFile("/library/storage.dat");
     const Bytes before = fileOf(data, size - choices);
     file = before;
     const Bytes journal = journalOf(before, data + size - choices);
-    if (!journal.empty()) memoryDisk.files["/library/storage.dat-journal"] = journal;
+    if (!journal.empty()) diskFile("/library/storage.dat-journal") = journal;
     const bool opened = storeOpen();
     const bool damaged = storeIsDamaged();
     REQUIRE((opened && !damaged) || file == before || !journal.empty());

@@ -4,16 +4,9 @@
 #include <random>
 #include <set>
 
-#include "link/attention.h"
-#include "link/conversation.h"
-#include "link/idle_loop.h"
-#include "link/notices.h"
+#include "link/link_scene.h"
 #include "link/scripted_line.h"
-#include "link/transmit_queue.h"
-#include "platform/file_port.h"
-#include "settings/settings_store.h"
-#include "store/item_store.h"
-#include "support/scratch_folder.h"
+#include "support/random_items.h"
 #include "virtual_calculator/calculator_mover.h"
 
 namespace numalink {
@@ -46,40 +39,6 @@ bool oneIn(std::uint64_t count) { return roll(count) == 0; }
 
 void fail(const std::string &what) {
     if (current->fault.empty()) current->fault = "seed " + std::to_string(current->seed) + ": " + what;
-}
-
-Bytes randomBytes(std::size_t count, std::uint64_t values) {
-    Bytes bytes(count);
-    for (std::uint8_t &byte : bytes) byte = static_cast<std::uint8_t>(roll(values));
-    return bytes;
-}
-
-std::string randomName() { return std::string(1, static_cast<char>('A' + roll(6))); }
-
-Item randomItem(bool algebra) {
-    const std::string name = randomName();
-    const auto seed = static_cast<std::uint8_t>(roll(256));
-    const int rows = static_cast<int>(1 + roll(4));
-    if (algebra && oneIn(2))
-        return calculator::algebraBlock(name, static_cast<std::uint8_t>(2 + roll(5)), 2 + roll(300), seed);
-    if (algebra) return calculator::algebraProgram(name, randomBytes(roll(300), 255));
-    switch (roll(8)) {
-        case 0:
-            return calculator::valueItem("MT", name, "", rows, static_cast<int>(1 + roll(3)), seed);
-        case 1:
-            return calculator::valueItem("LT", name, oneIn(2) ? "File1" : "", rows, 1, seed);
-        case 2:
-            return calculator::memory(oneIn(2) ? "GM" : "GF", name, 2 + roll(200), seed);
-        case 3:
-            return calculator::picture(8 * rows, 16, 1, static_cast<int>(1 + roll(3)), seed);
-        case 4:
-            return current->receives ? calculator::screenCopy(oneIn(2), 64, 128, seed)
-                                     : calculator::program(name, {1, 2});
-        case 5:
-            return calculator::memory("BU", name, 2 + roll(500), seed);
-        default:
-            return calculator::program(name, randomBytes(roll(200), 255));
-    }
 }
 
 // A head that promises something else than what follows, or nothing that is known.
@@ -121,13 +80,14 @@ void chooseFaults(Case &one) {
     one.other.manners.silent = oneIn(20);
     one.other.manners.silentAfterHead = oneIn(20);
     if (oneIn(10))
-        for (const std::uint8_t byte : randomBytes(roll(300), 256)) one.stray.push_back(byte);
+        for (const std::uint8_t byte : calculator::randomBytes(current->chance, roll(300), 256))
+            one.stray.push_back(byte);
 }
 
 void chooseItems(Case &one) {
     const std::size_t count = 1 + roll(3);
     for (std::size_t i = 0; i < count; i++) {
-        Item item = randomItem(one.algebra);
+        Item item = calculator::randomItem(one.chance, one.algebra, one.receives);
         if (one.faulty && one.receives && oneIn(3)) spoilItem(item);
         one.items.push_back(item);
         if (one.receives) one.other.toSend.push_back(item);
@@ -238,10 +198,11 @@ void checkAllThere(const Case &one) {
 void queueItems(const Case &one) {
     for (const Item &item : one.items) {
         ItemKind itemKind = one.algebra ? kind::algebraBlock : classifyFrame(ByteView(item.head).subspan(1));
-        NewItem stored{.name = randomName(), .kind = itemKind, .head = item.head, .data = item.data};
+        NewItem stored{
+            .name = calculator::randomName(current->chance), .kind = itemKind, .head = item.head, .data = item.data};
         if (one.algebra && item.head[10] == 1) {
             stored.kind = kind::program;
-            stored.data = calculator::program("X", randomBytes(roll(300), 255)).data;
+            stored.data = calculator::program("X", calculator::randomBytes(current->chance, roll(300), 255)).data;
         }
         if (isTextKind(stored.kind))
             stored.head = encodeProgramInfo(
@@ -275,27 +236,18 @@ void checkAfter(const Case &one) {
     if (!one.receives && transmitQueueCount() != 0) fail("the queue is not empty");
 }
 
-void emptyLibrary() {
-    for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
-    transmitQueueClear();
-    attentionForget();
-    linkNoticeForget();
-}
-
 void runOne(Case &one) {
     current = &one;
     one.chance.seed(one.seed);
     one.algebra = oneIn(2);
     one.receives = oneIn(2);
-    settingsSetValue(setting::linkType, one.algebra ? "algebra" : "cfx");
-    settingsSetInt(setting::removeColor, static_cast<int>(roll(2)));
+    const bool removeColour = roll(2) == 1;
     one.other.algebra = one.algebra;
     chooseFaults(one);
     chooseItems(one);
-    emptyLibrary();
+    for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
     scriptedLineInstall(lineOf(one));
-    conversationReset();
-    conversationLineOpened();
+    LinkScene::prepare(one.algebra, removeColour);
     if (one.receives) {
         if (!one.algebra && oneIn(2)) one.other.manners.attention = 0x15;
         startSending(one.other);
@@ -310,11 +262,10 @@ void runOne(Case &one) {
 }  // namespace
 
 CampaignResult runCampaign(std::uint64_t first, std::uint64_t count) {
-    const ScratchFolder folder;
+    const LinkScene scene;
     result = {};
     installUi();
-    filePort.sync = [](int) { return true; };  // no power is lost here, and a disk takes its time
-    if (!storeOpen()) result.fault = "no library";
+    if (!scene.isOpen) result.fault = "no library";
     for (std::uint64_t seed = first; seed < first + count && result.fault.empty(); seed++) {
         Case one;
         one.seed = seed;
@@ -325,10 +276,6 @@ CampaignResult runCampaign(std::uint64_t first, std::uint64_t count) {
         storeClose();
         if (!storeOpen() || storeIsDamaged()) result.fault = "a damaged library after seed " + std::to_string(seed);
     }
-    storeClose();
-    filePort = systemFilePort;
-    scriptedLineRemove();
-    userInterface = userInterfaceSilent;
     return result;
 }
 

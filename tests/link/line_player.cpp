@@ -2,20 +2,16 @@
 
 #include <algorithm>
 #include <deque>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
 
 #include "calculator/charset.h"
-#include "link/attention.h"
-#include "link/conversation.h"
-#include "link/idle_loop.h"
-#include "link/notices.h"
-#include "link/transmit_queue.h"
-#include "platform/clock.h"
-#include "platform/file_port.h"
-#include "platform/serial_line.h"
+#include "calculator/program_info.h"
+#include "link/link_scene.h"
 #include "settings/language_table.h"
-#include "settings/settings_store.h"
-#include "support/pseudo_terminal.h"
-#include "support/scratch_folder.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
 
@@ -23,14 +19,39 @@ namespace {
 
 constexpr std::uint64_t dropQuiet = 50;
 
+struct ScriptItem {
+    std::string path;  // or name
+    ItemKind kind = 0;
+    bool inTemp = false;
+    Bytes head;
+    Bytes data;
+};
+
+enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, breakDisk };
+
+struct Event {
+    EventSort sort;
+    Bytes bytes;
+    std::string text;
+    int lineNumber;
+};
+
+// What the file says, and how far the playing has come.
 struct Player {
-    const LineScript *script = nullptr;
+    std::string name;
+    bool algebra = false;
+    bool removeColour = false;
+    std::vector<ScriptItem> have, expected;
+    std::vector<std::string> queue, deleted, gone;
+    std::deque<std::string> answers;
+    std::string slot = "0", left = "0";
+    std::vector<Event> events;
+
     PlayMode mode = PlayMode::whole;
     std::size_t next = 0;              // event
     std::deque<std::uint8_t> pending;  // of a "<" event that has begun
     Bytes sent;                        // of a ">" event that has begun
-    std::deque<std::string> answers;
-    std::uint64_t clock = 1000000;  // microseconds
+    std::uint64_t clock = 1000000;     // microseconds
     PseudoTerminal *terminal = nullptr;
     std::string fault;
 };
@@ -45,22 +66,104 @@ std::string hexOf(ByteView bytes) {
     return text;
 }
 
+const Event *nextEvent() { return player.next < player.events.size() ? &player.events[player.next] : nullptr; }
+
 bool fail(const std::string &what) {
-    if (player.fault.empty()) {
-        const bool ended = player.next >= player.script->events.size();
-        const std::string where =
-            ended ? "at the end" : "ahead of line " + std::to_string(player.script->events[player.next].lineNumber);
-        player.fault = player.script->name + ", " + where + ": " + what;
-    }
+    const Event *event = nextEvent();
+    const std::string where = event == nullptr ? "at the end" : "ahead of line " + std::to_string(event->lineNumber);
+    if (player.fault.empty()) player.fault = player.name + ", " + where + ": " + what;
     return false;
 }
 
-const ScriptEvent *nextEvent() {
-    return player.next < player.script->events.size() ? &player.script->events[player.next] : nullptr;
+// Throws std::exception at what is no bytes.
+Bytes parseBytes(const std::string &text) {
+    Bytes bytes;
+    for (std::size_t at = 0; at < text.size();) {
+        if (text[at] == ' ') {
+            at++;
+            continue;
+        }
+        std::string part(1, ' ');
+        std::size_t used = 0;
+        if (text[at] == '"') {
+            part = text.substr(at + 1, text.find('"', at + 1) - at - 1);
+            at += part.size() + 2;
+        } else {
+            part[0] = static_cast<char>(std::stoi(text.substr(at, 2), &used, 16));
+            at += 2;
+        }
+        std::size_t count = 1;
+        if (at < text.size() && text[at] == '*') {
+            count = std::stoul(text.substr(at + 1), &used);
+            at += 1 + used;
+        }
+        while (count-- > 0) bytes.insert(bytes.end(), part.begin(), part.end());
+    }
+    return bytes;
+}
+
+ScriptItem parseItem(const std::string &text) {
+    ScriptItem item;
+    item.inTemp = text.starts_with("temp ");
+    std::istringstream words(text.substr(item.inTemp ? 5 : 0));
+    words >> item.kind;
+    std::getline(words >> std::ws, item.path);
+    return item;
+}
+
+Bytes parseInfo(const std::string &text) {
+    ProgramInfo info;
+    std::istringstream(text) >> info.imageLength >> info.name >> info.password;
+    return encodeProgramInfo(info);
+}
+
+constexpr std::pair<const char *, EventSort> eventWords[] = {
+    {">", EventSort::sent},    {"<", EventSort::received},      {"<<", EventSort::dropped},
+    {"~", EventSort::silence}, {"!", EventSort::shown},         {"tick", EventSort::tick},
+    {"cut", EventSort::cut},   {"break", EventSort::breakDisk}, {"begin", EventSort::begin}};
+
+// Takes in one line; current is the item that info, head and data belong to.
+void takeLine(const std::string &word, const std::string &rest, int number, ScriptItem *&current) {
+    const auto *event = std::ranges::find(eventWords, word, [](const auto &row) { return std::string(row.first); });
+    if (event != std::end(eventWords)) {
+        const bool hasBytes = event->second <= EventSort::dropped;
+        player.events.push_back({event->second, hasBytes ? parseBytes(rest) : Bytes{}, rest, number});
+    } else if (word == "have" || word == "=") {
+        current = &(word == "=" ? player.expected : player.have).emplace_back(parseItem(rest));
+    } else if (word == "info" || word == "head") {
+        current->head = word == "info" ? parseInfo(rest) : parseBytes(rest);
+    } else if (word == "data") {
+        const Bytes more = parseBytes(rest);
+        current->data.insert(current->data.end(), more.begin(), more.end());
+    } else if (word == "type") {
+        player.algebra = rest == "algebra";
+    } else if (word == "removecolour") {
+        player.removeColour = true;
+    } else if (word == "answer") {
+        player.answers.push_back(rest);
+    } else if (word == "slot" || word == "left") {
+        (word == "slot" ? player.slot : player.left) = rest;
+    } else if (word == "queue" || word == "delete" || word == "gone") {
+        (word == "queue" ? player.queue : word == "delete" ? player.deleted : player.gone).push_back(rest);
+    } else {
+        fail("what is " + word);
+    }
+}
+
+void readFile(const std::string &path) {
+    player.name = std::filesystem::path(path).stem();
+    std::ifstream file(path);
+    std::string line;
+    ScriptItem *current = nullptr;
+    for (int number = 1; std::getline(file, line); number++) {
+        if (line.empty() || line[0] == '#') continue;
+        const std::size_t blank = std::min(line.find(' '), line.size());
+        takeLine(line.substr(0, blank), line.substr(std::min(blank + 1, line.size())), number, current);
+    }
 }
 
 void show(const std::string &text) {
-    const ScriptEvent *event = nextEvent();
+    const Event *event = nextEvent();
     if (!player.pending.empty() || event == nullptr || event->sort != EventSort::shown || event->text != text) {
         fail("shown: " + text);
         return;
@@ -72,7 +175,7 @@ bool writePlayed(ByteView bytes) {
     if (!systemSerialLine.write(bytes)) return fail("the line takes nothing");
     const Bytes came = player.terminal->take(bytes.size(), 2000);
     player.sent.insert(player.sent.end(), came.begin(), came.end());
-    const ScriptEvent *event = nextEvent();
+    const Event *event = nextEvent();
     if (event == nullptr || event->sort != EventSort::sent) return fail("sent: " + hexOf(came));
     const bool fits = player.sent.size() <= event->bytes.size() &&
                       std::equal(player.sent.begin(), player.sent.end(), event->bytes.begin());
@@ -98,7 +201,7 @@ std::size_t feed(std::span<std::uint8_t> target) {
 }
 
 LineRead readDropped(std::span<std::uint8_t> target) {
-    const ScriptEvent *event = nextEvent();
+    const Event *event = nextEvent();
     if (event != nullptr && event->sort == EventSort::dropped) {
         const std::size_t count = std::min(event->bytes.size(), target.size());
         player.next++;
@@ -111,7 +214,7 @@ LineRead readDropped(std::span<std::uint8_t> target) {
 // Takes up events that need no bytes. Nothing when bytes are pending; else how the read ends.
 std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
     while (player.pending.empty()) {
-        const ScriptEvent *event = nextEvent();
+        const Event *event = nextEvent();
         if (event == nullptr) {
             if (transmitConversationRuns()) fail("the conversation still waits");
             return ReadEnd::gone;
@@ -189,7 +292,7 @@ void installUi() {
     };
     userInterface.askPictureSlot = [](const std::string &name, int preset) {
         show("slot " + name + " " + std::to_string(preset));
-        return player.script->slot;
+        return std::stoi(player.slot);
     };
     userInterface.refreshTree = [] { show("tree"); };
 }
@@ -212,18 +315,14 @@ ItemId itemNamed(const std::string &name) {
     return noItem;
 }
 
-void setUpLibrary(const LineScript &script) {
-    settingsSetValue(setting::linkType, script.algebra ? "algebra" : "cfx");
-    settingsSetInt(setting::removeColor, script.removeColour ? 1 : 0);
-    transmitQueueClear();
-    attentionForget();
-    for (const ScriptItem &item : script.have) {
+void setUpLibrary() {
+    for (const ScriptItem &item : player.have) {
         const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(standardFolderOfKind(item.kind));
         storeAddItem({.name = item.path, .parent = parent, .kind = item.kind, .head = item.head, .data = item.data});
     }
-    for (const std::string &name : script.queue)
+    for (const std::string &name : player.queue)
         if (itemNamed(name) == noItem || !queueItem(itemNamed(name))) fail("can't be queued: " + name);
-    for (const std::string &name : script.deleted) storeDelete(itemNamed(name));
+    for (const std::string &name : player.deleted) storeDelete(itemNamed(name));
 }
 
 std::string pathOf(const ItemEntry &entry) {
@@ -232,72 +331,61 @@ std::string pathOf(const ItemEntry &entry) {
     return parent ? pathOf(*parent) + "/" + name : name;
 }
 
-void compareItem(const StoredItem &item) {
-    const std::string path = pathOf(item);
-    const auto had = std::ranges::find_if(
-        player.script->have, [&](const ScriptItem &have) { return item.name == have.path && item.kind == have.kind; });
-    const auto wanted = std::ranges::find(player.script->expected, path, &ScriptItem::path);
-    if (wanted != player.script->expected.end()) {
-        if (wanted->kind != item.kind) fail(path + " is of kind " + std::to_string(item.kind));
-        if (wanted->head != item.head) fail(path + " has the head " + hexOf(item.head));
-        if (wanted->data != item.data) fail(path + " has the data " + hexOf(item.data));
-    } else if (had == player.script->have.end()) {
-        fail("in the library: " + path);
-    } else if (had->head != item.head || had->data != item.data) {
-        fail("altered in the library: " + path);
-    }
+std::string contentOf(ItemKind itemKind, ByteView head, ByteView data) {
+    return std::to_string(itemKind) + ", head " + hexOf(head) + ", data " + hexOf(data);
 }
 
-void compareLibrary(const LineScript &script) {
+// By path, without folders.
+using Library = std::map<std::string, std::string>;
+
+Library libraryNow() {
+    Library library;
     for (const ItemEntry &entry : storeListItems()) {
         StoredItem item;
-        if (!isFolderKind(entry.kind) && storeReadItem(entry.id, item)) compareItem(item);
+        if (!isFolderKind(entry.kind) && storeReadItem(entry.id, item))
+            library[pathOf(item)] = contentOf(item.kind, item.head, item.data);
     }
-    for (const ScriptItem &item : script.expected) {
-        const bool there =
-            std::ranges::any_of(storeListItems(), [&](const ItemEntry &entry) { return pathOf(entry) == item.path; });
-        if (!there) fail("not in the library: " + item.path);
-    }
-    for (const ScriptItem &item : script.have) {
-        const bool isGone = std::ranges::find(script.gone, item.path) != script.gone.end() ||
-                            std::ranges::find(script.deleted, item.path) != script.deleted.end();
-        if (isGone != (itemNamed(item.path) == noItem)) fail((isGone ? "still there: " : "gone: ") + item.path);
-    }
-    if (transmitQueueCount() != script.left) fail("in the queue: " + std::to_string(transmitQueueCount()));
+    return library;
+}
+
+// What was there is to be there still, but for what has gone, was replaced, or has come.
+void compareLibrary(Library wanted) {
+    for (const std::string &name : player.gone)
+        if (std::erase_if(wanted, [&](const auto &item) { return item.first.ends_with("/" + name); }) != 1)
+            fail("never was there: " + name);
+    for (const ScriptItem &item : player.expected) wanted[item.path] = contentOf(item.kind, item.head, item.data);
+    Library found = libraryNow();
+    for (const auto &[path, content] : wanted)
+        if (found[path] != content) fail(path + " is of kind " + found[path] + ", not " + content);
+    for (const auto &[path, content] : found)
+        if (!wanted.contains(path)) fail("in the library: " + path);
+    if (std::to_string(transmitQueueCount()) != player.left) fail("left in the queue");
 }
 
 }  // namespace
 
-std::string playLineScript(const LineScript &script, PlayMode mode) {
-    if (!script.fault.empty()) return script.name + ": " + script.fault;
-    const ScratchFolder folder;
+std::string playLineFile(const std::string &path, PlayMode mode) {
     PseudoTerminal terminal;
     const std::uint64_t clock = player.clock + 10000000;
     player = Player{};
-    player.clock = clock;
-    player.script = &script;
     player.mode = mode;
+    player.clock = clock;
     player.terminal = &terminal;
-    player.answers.assign(script.answers.begin(), script.answers.end());
+    readFile(path);
+    const LinkScene scene;
     installUi();
     installClock();
-    filePort.sync = [](int) { return true; };  // no power is lost here, and a disk takes its time
-    if (!storeOpen()) return script.name + ": no library";
-    setUpLibrary(script);
-    linkNoticeForget();
-    conversationReset();
-    conversationLineOpened();
-    const unsigned baud = script.algebra ? 38400 : 9600;
+    if (!scene.isOpen) fail("no library");
+    LinkScene::prepare(player.algebra, player.removeColour);
+    setUpLibrary();
+    const Library before = libraryNow();
+    const unsigned baud = player.algebra ? 38400 : 9600;
     if (serialLine.open(terminal.path, baud).fault != LineFault::none) fail("the terminal doesn't open");
-    linkIdleLoop(script.algebra ? Family::algebra : Family::cfx);
+    linkIdleLoop(player.algebra ? Family::algebra : Family::cfx);
     if (nextEvent() != nullptr) fail("ended too early");
     serialLine.close();
     filePort = systemFilePort;
-    compareLibrary(script);
-    userInterface = userInterfaceSilent;  // a library that could not be written says so once more
-    storeClose();
-    clockPort = systemClock;
-    serialLine = systemSerialLine;
+    compareLibrary(before);
     return player.fault;
 }
 

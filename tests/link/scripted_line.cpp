@@ -75,11 +75,6 @@ void scriptedLineInstall(ScriptedLine line) {
     clockPort.tickCount = [] { return lineClock / 1000; };
 }
 
-void scriptedLineRemove() {
-    serialLine = systemSerialLine;
-    clockPort = systemClock;
-}
-
 std::uint64_t scriptedLineReads() { return reads; }
 
 }  // namespace numalink

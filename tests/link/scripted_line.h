@@ -19,7 +19,6 @@ struct ScriptedLine {
 };
 
 void scriptedLineInstall(ScriptedLine line);
-void scriptedLineRemove();
 std::uint64_t scriptedLineReads();  // since it was installed: a conversation that never ends shows here
 
 }  // namespace numalink

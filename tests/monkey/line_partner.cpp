@@ -2,39 +2,16 @@
 
 #include <filesystem>
 #include <memory>
-#include <random>
 
-#include "support/pseudo_terminal.h"
+#include "support/random_items.h"
 #include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace monkey {
 
 namespace {
 
 using namespace calculator;
-
-Item someItem(bool algebra, std::mt19937_64 &chance) {
-    const std::string names[] = {"HELLO", "GAME", "A", "LOOP", "SNAKE", "M-2"};
-    const std::string texts[] = {"\"HELLO\"\r\"YOU\"", "1",
-                                 "\"A\"?\x0E"
-                                 "A",
-                                 ""};
-    const std::string &name = names[chance() % std::size(names)];
-    const std::string &text = texts[chance() % std::size(texts)];
-    const auto seed = static_cast<std::uint8_t>(chance());
-    if (algebra)
-        return chance() % 2 == 0 ? algebraProgram(name, {text.begin(), text.end()}) : algebraBlock(name, 1, 200, seed);
-    switch (chance() % 6) {
-        case 0:
-            return valueItem("MT", "Mat A", "", 3, 4, seed);
-        case 1:
-            return picture(64, 128, 1, 1, seed);
-        case 2:
-            return screenCopy(true, 64, 128, seed);
-        default:
-            return program(name, {text.begin(), text.end()});
-    }
-}
 
 std::unique_ptr<numalink::PseudoTerminal> plugIn(const std::string &port) {
     auto terminal = std::make_unique<numalink::PseudoTerminal>();
@@ -69,7 +46,7 @@ void LinePartner::live(std::uint64_t seed) {
         const bool sends = chance() % 3 != 0;
         if (sends) {
             for (std::uint64_t count = 1 + chance() % 3; count > 0; count--)
-                own.toSend.push_back(someItem(own.algebra, chance));
+                own.toSend.push_back(randomItem(chance, own.algebra, true));
             startSending(own);
         }
         const std::size_t wanted = own.toSend.size();

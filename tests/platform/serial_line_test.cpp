@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <thread>
 
-#include "support/pseudo_terminal.h"
 #include "support/scratch_folder.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
 

@@ -18,10 +18,7 @@ using ::testing::IsEmpty;
 
 constexpr int workPerRun = 3;
 
-struct PowerLoss : ::testing::Test {
-    PowerLoss() { setLibraryFolder("/library/"); }
-    ~PowerLoss() override { setLibraryFolder(programFolder()); }
-
+struct PowerLoss : Store {
     static void powerOff() {
         simulatedDisk.dead = true;
         storeClose();
@@ -81,8 +78,6 @@ struct PowerLoss : ::testing::Test {
     std::vector<std::size_t> endOf;
     SimulatedDisk ended;
     int tried = 0;
-    SimulatedFiles files;
-    RecordedUi ui;
 };
 
 TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
@@ -138,8 +133,8 @@ std::size_t acknowledgedByKilled(std::uint32_t seed, std::chrono::microseconds t
 // The same work on a disk in memory, from the library's file as it was: what it held after each operation.
 std::vector<LibraryState> statesOf(const Bytes &library, std::uint32_t seed, std::size_t count) {
     setLibraryFolder("/library/");
-    const MemoryFiles disk;
-    if (!library.empty()) memoryDisk.files["/library/storage.dat"] = library;
+    const SimulatedFiles disk;
+    if (!library.empty()) diskFile("/library/storage.dat") = library;
     Random random(seed);
     std::vector<LibraryState> states;
     EXPECT_TRUE(storeOpen());

@@ -50,13 +50,13 @@ struct DamagedStore : Store {
 
     // Checks and repairs these bytes; gives the ids of what the library then holds beside the temporary folder.
     Ids idsAfterRepair(const Bytes &damaged) {
-        memoryDisk.files.clear();
+        diskLoad({});
         file() = damaged;
         const LibraryCheck checked = checkLibrary(false);
         EXPECT_EQ(file(), damaged) << "a check alone writes nothing";
         check = checkLibrary(true);
         EXPECT_EQ(check.damage, checked.damage);
-        EXPECT_TRUE(check.damage == 0 || memoryDisk.files["/library/storage.dat.damaged-1"] == damaged);
+        EXPECT_TRUE(check.damage == 0 || diskFile("/library/storage.dat.damaged-1") == damaged);
         EXPECT_EQ(checkLibrary(false).damage, 0U) << "in order now";
         uiRecord.lines.clear();
         EXPECT_TRUE(storeOpen());
@@ -135,9 +135,9 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
         const Bytes before = file();
         storeClose();
         EXPECT_EQ(file(), before) << "nothing is written unless something changes";
-        EXPECT_EQ(memoryDisk.files.size(), 1U);
+        EXPECT_EQ(simulatedDisk.now.names.size(), 1U);
         EXPECT_EQ(idsAfterRepair(before), damage.repaired);
-        memoryDisk.files.clear();
+        diskLoad({});
     }
     EXPECT_THAT(openWith(folder + 88, 6), ElementsAre("box 36 / 2 2 0")) << "a circle of two folders";
     EXPECT_EQ(ids(), allAndTemp);
@@ -164,11 +164,11 @@ TEST_F(DamagedStore, ACopyComesBeforeTheFirstChangeAndUnreadBytesStay) {
     openWith(first + 68, 0x7FFFFFFF);
     Bytes damaged = file();
     const ItemId added = add("N", kind::program, 3, {1}, {2});
-    EXPECT_EQ(memoryDisk.files["/library/storage.dat.damaged-1"], damaged);
+    EXPECT_EQ(diskFile("/library/storage.dat.damaged-1"), damaged);
     ASSERT_TRUE(storeDelete(5));
     ASSERT_TRUE(storeWriteItem(added, item("N", kind::program, 3, {1}, {3})));
     ASSERT_TRUE(storeResetTemp());
-    EXPECT_EQ(memoryDisk.files.size(), 3U) << "one copy a run, and the journal";
+    EXPECT_EQ(simulatedDisk.now.names.size(), 3U) << "one copy a run, and the journal";
     std::fill_n(damaged.begin() + second, sizeof itemSignature, std::uint8_t{0});
     EXPECT_TRUE(std::equal(damaged.begin() + first, damaged.end(), file().begin() + first)) << "no record was moved";
     storeClose();
@@ -177,19 +177,19 @@ TEST_F(DamagedStore, ACopyComesBeforeTheFirstChangeAndUnreadBytesStay) {
     EXPECT_EQ(ids(), (std::vector<ItemId>{3, 6, added, added + 1}));
     EXPECT_EQ(read(added).data, Bytes{3});
     ASSERT_TRUE(storeRename(added, "M"));
-    EXPECT_TRUE(memoryDisk.files.contains("/library/storage.dat.damaged-2"));
+    EXPECT_TRUE(simulatedDisk.now.names.contains("/library/storage.dat.damaged-2"));
 }
 
 TEST_F(DamagedStore, WithoutACopyNothingChanges) {
     openWith(first, 0);
     const Bytes damaged = file();
-    memoryDisk.failingFrom = memoryDisk.operations + 1;
-    memoryDisk.failingCount = 1;
+    simulatedDisk.failingFrom = simulatedDisk.operations + 1;
+    simulatedDisk.failingCount = 1;
     EXPECT_FALSE(storeDelete(5));
     EXPECT_EQ(file(), damaged);
     EXPECT_EQ(uiRecord.lines.back(), "box 166 / 2");
     EXPECT_TRUE(storeDelete(5)) << "there is room again";
-    EXPECT_EQ(memoryDisk.files["/library/storage.dat.damaged-1"], damaged);
+    EXPECT_EQ(diskFile("/library/storage.dat.damaged-1"), damaged);
 }
 
 TEST_F(DamagedStore, FoldersOfACircleCanBeTakenOutOfItOrDeleted) {
@@ -233,11 +233,11 @@ TEST_F(DamagedStore, AnyByteMayBeFlippedAndAnyLengthCut) {
             damaged.resize(place);
         else
             damaged[place] ^= static_cast<std::uint8_t>(1 + random() % 255);
-        memoryDisk.files.clear();
+        diskLoad({});
         ASSERT_NO_FATAL_FAILURE(restart(damaged));
         const bool isOpen = storeIsOpen(), changes = storeIsDamaged() && storeRename(3, "new");
         storeClose();
-        EXPECT_TRUE(!changes || memoryDisk.files["/library/storage.dat.damaged-1"] == damaged);
+        EXPECT_TRUE(!changes || diskFile("/library/storage.dat.damaged-1") == damaged);
         EXPECT_TRUE(isOpen || file() == damaged);
         if (readLittle32(damaged.size() < 20 ? Bytes(20) : damaged, 16) > storeNewestFormat) continue;
         const Ids left = idsAfterRepair(damaged);
@@ -341,9 +341,9 @@ TEST_F(DamagedStore, ALibraryThatIsHeldOrMissingIsLeftAlone) {
     EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::held);
     EXPECT_EQ(file(), before);
     filePort.close(other);
-    memoryDisk.files.clear();
+    diskLoad({});
     EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::absent);
-    EXPECT_TRUE(memoryDisk.files.empty());
+    EXPECT_TRUE(simulatedDisk.now.names.empty());
 }
 
 }  // namespace

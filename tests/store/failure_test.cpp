@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
-#include "store/failing_memory.h"
 #include "store/store_worker.h"
+#include "support/failing_memory.h"
 
 namespace numalink {
 namespace {
@@ -32,18 +32,13 @@ constexpr Operation operations[] = {
     [] { return storeResetTemp(); },
 };
 
-struct Failures : ::testing::Test {
+struct Failures : Store {
     Failures() {
-        setLibraryFolder("/library/");
         storeOpen();
-        Store::add("F", kind::folder);
-        Store::add("A", kind::program, 2, {1}, Bytes(40, 1));
-        Store::add("B", kind::program, rootId, {2}, Bytes(20, 2));
+        add("F", kind::folder);
+        add("A", kind::program, 2, {1}, Bytes(40, 1));
+        add("B", kind::program, rootId, {2}, Bytes(20, 2));
         fresh = simulatedDisk.now;
-    }
-    ~Failures() override {
-        storeClose();
-        setLibraryFolder(programFolder());
     }
 
     static void failDisk(int n, bool forGood) {
@@ -51,6 +46,7 @@ struct Failures : ::testing::Test {
         simulatedDisk.failingFrom = n;
         simulatedDisk.failingCount = forGood ? 1000000 : 1;
     }
+    static bool allocationHasFailed() { return failingMemory.failed; }
     static bool diskHasFailed() { return simulatedDisk.operations >= simulatedDisk.failingFrom; }
 
     // Lets every n-th attempt of each operation fail, from the same disk each time.
@@ -128,8 +124,6 @@ struct Failures : ::testing::Test {
     bool noBoxes = false;
     int attempts = 0, refusals = 0;
     DiskImage fresh;
-    SimulatedFiles files;
-    RecordedUi ui;
 };
 
 TEST_F(Failures, OfTheDisk) {
@@ -141,9 +135,9 @@ TEST_F(Failures, OfTheDisk) {
 }
 
 TEST_F(Failures, OfMemory) {
-    sweep(failMemory, memoryHasFailed, false);
+    sweep(failMemory, allocationHasFailed, false);
     noBoxes = true;
-    sweep(failMemory, memoryHasFailed, true);
+    sweep(failMemory, allocationHasFailed, true);
     EXPECT_EQ(refusals, 0);
     std::printf("attempts: %d\n", attempts);
 }

@@ -5,8 +5,8 @@
 
 #include "store/item_store.h"
 #include "store/store_check.h"
-#include "support/memory_file.h"
 #include "support/scratch_folder.h"
+#include "support/simulated_disk.h"
 #include "support/ui_recorder.h"
 
 namespace numalink {
@@ -23,7 +23,7 @@ struct Store : ::testing::Test {
         setLibraryFolder(programFolder());
     }
 
-    static Bytes &file() { return memoryDisk.files["/library/storage.dat"]; }
+    static Bytes &file() { return diskFile("/library/storage.dat"); }
 
     static NewItem item(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},
                         const Bytes &data = {}) {
@@ -86,8 +86,12 @@ struct Store : ::testing::Test {
         EXPECT_LE(end, bytes.size());
     }
 
-    MemoryFiles disk;
+    SimulatedFiles disk;
     RecordedUi ui;
+};
+
+struct OpenStore : Store {
+    OpenStore() { EXPECT_TRUE(storeOpen()); }
 };
 
 }  // namespace numalink

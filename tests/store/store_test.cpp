@@ -39,8 +39,7 @@ TEST_F(Store, ANewFileIsOneHeadAndASecondStartHoldsTheTempFolderAlone) {
     EXPECT_THAT(uiRecord.lines, IsEmpty());
 }
 
-TEST_F(Store, AnAddReplacesOnlyTheSameKindAndNameUnderTheSameParent) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, AnAddReplacesOnlyTheSameKindAndNameUnderTheSameParent) {
     const ItemId folder = add("F", kind::folder);
     const ItemId old = add("ABC", kind::program, folder, {1}, {1, 1, 1});
     const ItemId matrix = add("Mat A", kind::matrix, folder, {2}, {2});
@@ -69,8 +68,7 @@ TEST_F(Store, AnAddReplacesOnlyTheSameKindAndNameUnderTheSameParent) {
     checkFile();
 }
 
-TEST_F(Store, ARenamedProgramCarriesItsNameInItsHeadToo) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, ARenamedProgramCarriesItsNameInItsHeadToo) {
     ProgramInfo info;
     info.name = "PROGRAMX";
     info.password = "PASS";
@@ -84,8 +82,7 @@ TEST_F(Store, ARenamedProgramCarriesItsNameInItsHeadToo) {
     EXPECT_EQ(storeFreeName(std::string(60, 'x'), rootId, kind::matrix), std::string(52, 'x'));
 }
 
-TEST_F(Store, StoringAnEditedItemReplacesItsOwnRecordAlone) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, StoringAnEditedItemReplacesItsOwnRecordAlone) {
     const ItemId first = add("A", kind::program, rootId, {1}, {1});
     const ItemId second = add("B", kind::program, rootId, {2}, {2});
     ASSERT_TRUE(storeRename(second, "A"));
@@ -102,10 +99,9 @@ TEST_F(Store, StoringAnEditedItemReplacesItsOwnRecordAlone) {
     checkFile();
 }
 
-TEST_F(Store, OperationsOnAnAbsentIdWriteNothing) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, OperationsOnAnAbsentIdWriteNothing) {
     add("A", kind::program);
-    const std::uint64_t written = memoryDisk.writtenBytes;
+    const std::size_t written = simulatedDisk.steps.size();
     for (const ItemId id : {ItemId{0}, rootId, ItemId{77}, noItem}) {
         StoredItem untouched;
         untouched.name = "kept";
@@ -119,15 +115,14 @@ TEST_F(Store, OperationsOnAnAbsentIdWriteNothing) {
         EXPECT_EQ(storeFindSlot(id), -1);
         EXPECT_EQ(storeGetFlags(id), 0U);
     }
-    EXPECT_EQ(memoryDisk.writtenBytes, written);
+    EXPECT_EQ(simulatedDisk.steps.size(), written);
     EXPECT_THAT(uiRecord.lines, IsEmpty());
     EXPECT_EQ(add("B", kind::program, 77), noItem);
-    EXPECT_EQ(memoryDisk.writtenBytes, written);
+    EXPECT_EQ(simulatedDisk.steps.size(), written);
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 166 / 2"));
 }
 
-TEST_F(Store, InPlaceChangesAlterTheirFieldAlone) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, InPlaceChangesAlterTheirFieldAlone) {
     const ItemId folder = add("F", kind::folder);
     const ItemId inner = add("G", kind::folder, folder);
     const ItemId program = add("A long old name", kind::program, inner, {1, 2}, {3});
@@ -149,8 +144,7 @@ TEST_F(Store, InPlaceChangesAlterTheirFieldAlone) {
     checkFile();
 }
 
-TEST_F(Store, DeletingAFolderEmptiesItAtAnyDepthAndTheEndOfTheRunClosesTheGaps) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, DeletingAFolderEmptiesItAtAnyDepthAndTheEndOfTheRunClosesTheGaps) {
     const ItemId folder = add("F", kind::folder);
     const ItemId stays = add("S", kind::program, rootId, {7}, Bytes(100, 7));
     const ItemId inner = add("G", kind::folder, folder);
@@ -172,8 +166,7 @@ TEST_F(Store, DeletingAFolderEmptiesItAtAnyDepthAndTheEndOfTheRunClosesTheGaps) 
     EXPECT_TRUE(allItems() == left);
 }
 
-TEST_F(Store, WhatWentComesBackUnderItsOwnIdWhereThatIsFree) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, WhatWentComesBackUnderItsOwnIdWhereThatIsFree) {
     const ItemId folder = add("F", kind::folder);
     add("A", kind::program, folder, {1}, {2, 3});
     EXPECT_EQ(Bytes(file().end() - 3, file().end()), (Bytes{1, 2, 3})) << "head, then data";
@@ -185,8 +178,7 @@ TEST_F(Store, WhatWentComesBackUnderItsOwnIdWhereThatIsFree) {
     EXPECT_TRUE(allItems() == gone);
 }
 
-TEST_F(Store, PathsNameFoldersOnlyAndNeverTheTempFolder) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, PathsNameFoldersOnlyAndNeverTheTempFolder) {
     EXPECT_EQ(storeResolvePath("", true), rootId);
     EXPECT_EQ(storeResolvePath("/", true), rootId);
     EXPECT_EQ(storeResolvePath("/A/B/", false), noItem);
@@ -218,8 +210,7 @@ TEST_F(Store, PathsNameFoldersOnlyAndNeverTheTempFolder) {
     checkFile();
 }
 
-TEST_F(Store, StandardFoldersAreFoundByKindAndNeverReplace) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, StandardFoldersAreFoundByKindAndNeverReplace) {
     languageLoad("English", "English");
     const ItemId taken = add(languageText(15), kind::folder);
     const ItemId programs = storeStandardFolder(1001);
@@ -233,8 +224,7 @@ TEST_F(Store, StandardFoldersAreFoundByKindAndNeverReplace) {
         EXPECT_EQ(storeStandardFolder(other), noItem);
 }
 
-TEST_F(Store, ManyItemsComeAndMoveInOneChange) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, ManyItemsComeAndMoveInOneChange) {
     const ItemId folder = add("F", kind::folder);
     const std::vector<ItemId> ids =
         storeAddItems({item("A", kind::program, folder, {1}, {2}), item("a", kind::list, folder, {}, {3, 4})});
@@ -251,8 +241,7 @@ TEST_F(Store, ManyItemsComeAndMoveInOneChange) {
     EXPECT_EQ(read(ids[0]).parent, rootId);
 }
 
-TEST_F(Store, AFullTableRefusesButStillReplaces) {
-    ASSERT_TRUE(storeOpen());
+TEST_F(OpenStore, AFullTableRefusesButStillReplaces) {
     std::vector<NewItem> many;
     while (many.size() <= storeSlotCount)
         many.push_back(item(std::string("P").append(std::to_string(many.size())), kind::program, rootId, {}, {1}));

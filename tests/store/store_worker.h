@@ -3,7 +3,6 @@
 
 #include <optional>
 
-#include "store/simulated_disk.h"
 #include "store/store_support.h"
 
 namespace numalink {

@@ -6,7 +6,6 @@
 #include "calculator/program_info.h"
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "platform/program_folder.h"
 #include "store/daily_copies.h"
 #include "store/store_undo.h"
 #include "store_support.h"
@@ -15,7 +14,7 @@ namespace numalink {
 
 namespace {
 
-using Undo = Store;
+using Undo = OpenStore;
 
 // All but the temporary folder, by id.
 std::vector<StoredItem> seen() {
@@ -35,7 +34,6 @@ bool redo() {
 }
 
 TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
-    ASSERT_TRUE(storeOpen());
     add("first", kind::list, rootId, {1}, {2});
     const ItemId outer = storeResolvePath("/A", true);
     const ItemId inner = storeResolvePath("/A/B", true);
@@ -61,7 +59,6 @@ TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
 }
 
 TEST_F(Undo, AReplacedItemComesBackAndAnEditedOneStaysBesideIt) {
-    ASSERT_TRUE(storeOpen());
     add("A", kind::list, rootId, {1}, {1});
     const auto before = seen();
     add("A", kind::list, rootId, {2}, {2});
@@ -78,7 +75,6 @@ TEST_F(Undo, AReplacedItemComesBackAndAnEditedOneStaysBesideIt) {
 }
 
 TEST_F(Undo, AProgramWhoseNameIsTakenByNowComesBackUnderAnotherInItsHeadToo) {
-    ASSERT_TRUE(storeOpen());
     ProgramInfo info;
     info.name = "RACE";
     const ItemId folder = storeResolvePath("/A", true);
@@ -92,7 +88,6 @@ TEST_F(Undo, AProgramWhoseNameIsTakenByNowComesBackUnderAnotherInItsHeadToo) {
 }
 
 TEST_F(Undo, AGroupIsOneStepAndTheTemporaryFolderNone) {
-    ASSERT_TRUE(storeOpen());
     for (const char *name : {"A", "B"}) add(name, kind::list, rootId, {1}, {1});
     const auto before = seen();
     {
@@ -109,15 +104,14 @@ TEST_F(Undo, AGroupIsOneStepAndTheTemporaryFolderNone) {
 }
 
 TEST_F(Undo, AFailedWriteKeepsTheStep) {
-    ASSERT_TRUE(storeOpen());
     const ItemId id = add("A", kind::list, rootId, {1}, {1});
     const auto before = seen();
     ASSERT_TRUE(storeDelete(id));
-    memoryDisk.failingFrom = memoryDisk.operations + 1;
-    memoryDisk.failingCount = 1;
+    simulatedDisk.failingFrom = simulatedDisk.operations + 1;
+    simulatedDisk.failingCount = 1;
     EXPECT_FALSE(undo());
     EXPECT_FALSE(uiRecord.lines.empty());
-    memoryDisk.failingFrom = 0;
+    simulatedDisk.failingFrom = 0;
     ASSERT_TRUE(undo());
     EXPECT_EQ(seen(), before);
 }
@@ -125,14 +119,9 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
 std::string dateOfTest;
 
 TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
-    const std::string folder = std::filesystem::temp_directory_path().string() + "/numalink-copies-test/";
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    const FilePort before = filePort;
-    const ClockPort clock = clockPort;
-    filePort = systemFilePort;
+    const ScratchFolder scratch;
+    const std::string folder = scratch.path;
     clockPort.localDate = [] { return dateOfTest; };
-    setLibraryFolder(folder);
     for (int day = 10; day < 24; day++) {
         dateOfTest = "2026-05-" + std::to_string(day);
         for (int start = 0; start < (day == 15 ? 1 : 2); start++) {
@@ -142,9 +131,8 @@ TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
             storeClose();
         }
     }
-    std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(folder + "backups")) names.push_back(entry.path());
-    EXPECT_EQ(names.size(), dailyCopyLimit);
+    const std::filesystem::directory_iterator copies(folder + "backups");
+    EXPECT_EQ(static_cast<std::size_t>(std::distance(begin(copies), end(copies))), dailyCopyLimit);
     EXPECT_FALSE(fileExists(folder + "backups/storage-2026-05-15.dat")) << "nothing had changed on the day before";
     EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-14.dat"));
     EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-23.dat"));
@@ -155,10 +143,7 @@ TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
     EXPECT_TRUE(storeItemExists("Day 2026-05-13", rootId));
     EXPECT_FALSE(storeItemExists("Day 2026-05-15", rootId));
     storeClose();
-    setLibraryFolder(programFolder());
-    filePort = before;
-    clockPort = clock;
-    std::filesystem::remove_all(folder);
+    clockPort = systemClock;
 }
 
 }  // namespace

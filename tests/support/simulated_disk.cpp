@@ -1,9 +1,9 @@
-#include "store/simulated_disk.h"
+#include "support/simulated_disk.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "store/failing_memory.h"
+#include "support/failing_memory.h"
 
 namespace numalink {
 
@@ -51,12 +51,19 @@ void perform(DiskImage &image, const DiskStep &step) {
 
 bool take(DiskStep step) {
     perform(disk.now, step);
-    disk.steps.push_back(std::move(step));
+    if (disk.remembers) disk.steps.push_back(std::move(step));
     return true;
 }
 
 bool isOfNames(const DiskStep &step) {
     return step.action == DiskAction::create || step.action == DiskAction::remove || step.action == DiskAction::rename;
+}
+
+int newFile() {
+    int number = static_cast<int>(disk.now.files.size());
+    while (disk.now.files.contains(number)) number++;
+    disk.now.files[number];
+    return number;
 }
 
 OpenResult openLocked(const char *path, bool create, int &file) {
@@ -65,10 +72,7 @@ OpenResult openLocked(const char *path, bool create, int &file) {
     auto found = disk.now.names.find(path);
     if (found == disk.now.names.end()) {
         if (!create) return OpenResult::absent;
-        int number = static_cast<int>(disk.now.files.size());
-        while (disk.now.files.contains(number)) number++;
-        disk.now.files[number];
-        take({DiskAction::create, number, 0, {}, path, {}});
+        take({DiskAction::create, newFile(), 0, {}, path, {}});
         found = disk.now.names.find(path);
     }
     for (const auto &[handle, open] : disk.openFiles)
@@ -91,7 +95,11 @@ std::size_t writeAt(int file, std::uint64_t offset, const void *bytes, std::size
     const SpareMemory spare;
     if (fails()) count = disk.dead ? 0 : count / 2;
     const auto *from = static_cast<const std::uint8_t *>(bytes);
-    if (count > 0) take({DiskAction::write, disk.openFiles[file], offset, {from, from + count}, {}, {}});
+    const int number = disk.openFiles[file];
+    if (!disk.remembers)
+        writeInto(disk.now.files[number], offset, {from, count});
+    else if (count > 0)
+        take({DiskAction::write, number, offset, {from, from + count}, {}, {}});
     return count;
 }
 
@@ -163,8 +171,15 @@ void performTorn(DiskImage &image, const DiskStep &step, Random &random) {
 }  // namespace
 
 void diskLoad(const DiskImage &image) {
+    const bool remembers = disk.remembers;
     disk = {};
     disk.start = disk.now = image;
+    disk.remembers = remembers;
+}
+
+Bytes &diskFile(const std::string &path) {
+    if (!disk.now.names.contains(path)) disk.now.names[path] = newFile();
+    return disk.now.files[disk.now.names[path]];
 }
 
 DiskImage diskAfterCrash(const SimulatedDisk &of, std::size_t stepCount, Random &random) {
@@ -190,7 +205,8 @@ DiskImage diskAfterCrash(const SimulatedDisk &of, std::size_t stepCount, Random 
     return image;
 }
 
-SimulatedFiles::SimulatedFiles() {
+SimulatedFiles::SimulatedFiles(Steps steps) {
+    disk.remembers = steps == Steps::remembered;
     diskLoad({});
     filePort = simulatedFilePort;
 }

@@ -37,12 +37,16 @@ struct SimulatedDisk {
     DiskImage now;                // as programs see it
     std::vector<DiskStep> steps;  // from start to now
     std::map<int, int> openFiles;
-    bool dead = false;   // the power is off: nothing reaches the disk
-    int operations = 0;  // of any sort so far, reads included
-    int failingFrom = 0;
+    bool dead = false;    // the power is off: nothing reaches the disk
+    int operations = 0;   // of any sort so far, reads included
+    int failingFrom = 0;  // the first of them that fails, counted from 1; 0 for none
     int failingCount = 0;
+    bool remembers = true;  // the steps
 };
 inline SimulatedDisk simulatedDisk;
+
+// What the file of this name holds now, to read or to put in; an empty one where there was none.
+Bytes &diskFile(const std::string &path);
 
 // Holds this image, with nothing open, no steps and no failures.
 void diskLoad(const DiskImage &image);
@@ -50,9 +54,11 @@ void diskLoad(const DiskImage &image);
 // What that disk can hold when the power goes after these first steps.
 DiskImage diskAfterCrash(const SimulatedDisk &of, std::size_t stepCount, Random &random);
 
-// In place of the system's files for the life of the object, from an empty disk.
+enum class Steps { remembered, forgotten };
+
+// In place of the system's files for the life of the object, from an empty disk. Without steps it is fast.
 struct SimulatedFiles {
-    SimulatedFiles();
+    explicit SimulatedFiles(Steps steps = Steps::remembered);
     ~SimulatedFiles();
     SimulatedFiles(const SimulatedFiles &) = delete;
     SimulatedFiles &operator=(const SimulatedFiles &) = delete;

@@ -12,8 +12,8 @@
 #include <iterator>
 #include <thread>
 
-#include "support/pseudo_terminal.h"
 #include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace {
 

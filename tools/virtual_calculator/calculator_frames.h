@@ -31,7 +31,7 @@ Bytes modelFrame();
 // Heads and data end to end, as in a cas file. What isn't whole at the end is left out.
 std::vector<Item> itemsOf(const Bytes &file);
 
-// Items made up for tests.
+// Items made up, for tests and for people without any at hand.
 Item program(const std::string &name, const Bytes &tokens);
 Item valueItem(const std::string &type, const std::string &name, const std::string &group, int rows, int columns,
                std::uint8_t seed);
