@@ -2,12 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
+#include <thread>
 
 #include "calculator/program_info.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "store/daily_copies.h"
+#include "store/failing_memory.h"
 #include "store/store_undo.h"
 #include "store_support.h"
 
@@ -25,13 +28,13 @@ std::vector<StoredItem> seen() {
 }
 
 bool undo() {
-    ItemId shown = noItem;
-    return storeUndo(shown);
+    TakenBack done;
+    return storeUndo(done);
 }
 
 bool redo() {
-    ItemId shown = noItem;
-    return storeRedo(shown);
+    TakenBack done;
+    return storeRedo(done);
 }
 
 TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
@@ -122,7 +125,172 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
     EXPECT_EQ(seen(), before);
 }
 
+TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
+    ASSERT_TRUE(storeOpen());
+    static const ItemId folder = storeResolvePath("/F", true);
+    bool (*const touches[])(ItemId) = {
+        [](ItemId id) { return storeRename(id, "B"); }, [](ItemId id) { return storeMove(id, folder); },
+        [](ItemId id) { return storeWriteItem(id, item("A", kind::matrix, rootId, {1}, {2})); }};
+    for (const auto touch : touches) {
+        const ItemId old = add("A", kind::list, rootId, {1}, {1});
+        const ItemId id = add("A", kind::list, rootId, {1}, {2});
+        ASSERT_TRUE(touch(id));
+        ASSERT_TRUE(undo());
+        EXPECT_EQ(read(id).data, Bytes{2});
+        EXPECT_EQ(read(old).data, Bytes{1});
+        EXPECT_TRUE(storeDelete(id) && storeDelete(old));
+    }
+}
+
+TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySawIsNone) {
+    ASSERT_TRUE(storeOpen());
+    for (const char *name : {"A", "B", "X"}) add(name, kind::list, rootId, {1}, {1});
+    {
+        const UndoGroup group;
+        add("A", kind::list, rootId, {2}, {2});
+        std::thread([] { EXPECT_TRUE(storeDelete(storeFindItem("X", rootId))); }).join();
+        add("B", kind::list, rootId, {2}, {2});
+    }
+    const ItemId folder = storeResolvePath("/F/G", true);
+    EXPECT_FALSE(storeDropFolder(read(folder).parent)) << "it holds something";
+    ASSERT_TRUE(storeDropFolder(folder));
+    EXPECT_EQ(storeUndoOffer()->name, "X");
+    ASSERT_TRUE(undo());
+    EXPECT_EQ(storeUndoOffer()->count, 2U);
+}
+
+TEST_F(Undo, WhatComesBackTogetherGetsNamesOfItsOwn) {
+    ASSERT_TRUE(storeOpen());
+    for (const bool taken : {false, true}) {
+        const ItemId folders[] = {storeResolvePath("/F", true), storeResolvePath("/G", true)};
+        std::vector<ItemId> ids;
+        for (const char *name : {"A", "A 2"})
+            for (const ItemId folder : folders) ids.push_back(add(name, kind::list, folder));
+        {
+            const UndoGroup group;
+            for (const ItemId id : ids) ASSERT_TRUE(storeDelete(id));
+        }
+        for (const ItemId folder : folders) ASSERT_TRUE(storeDropFolder(folder));
+        if (taken) ids.push_back(add("A", kind::list));
+        ASSERT_TRUE(undo());
+        std::set<std::string> names;
+        for (const ItemEntry &entry : storeListChildren(rootId)) names.insert(entry.name);
+        EXPECT_EQ(names.size(), ids.size());
+        for (const ItemId id : ids) storeDelete(id);
+    }
+}
+
+// On real files: what is counted are the store's own allocations.
+TEST(StoreMemory, NoFailureIsToldOfAChangeThatWasMade) {
+    const ScratchFolder scratch;
+    const RecordedUi ui;
+    const Bytes large(1200 * 1024, 1);  // once deleted, a gap that is closed at once
+    for (int n = 1; n == 1 || memoryHasFailed(); n++) {
+        SCOPED_TRACE(n);
+        ASSERT_TRUE(storeOpen());
+        const ItemId id = Store::add("large", kind::list, rootId, {}, large);
+        const ItemId behind = Store::add("behind", kind::list, rootId, {}, {1});
+        failMemory(n, true);
+        const bool deleted = storeDelete(id);
+        failMemory(0, false);
+        EXPECT_NE(storeReadEntry(id).has_value(), deleted);
+        EXPECT_EQ(storeUndoOffer().has_value(), deleted);
+        storeDelete(id);
+        EXPECT_TRUE(storeDelete(behind));
+        storeClose();
+        ASSERT_LT(n, 200);
+    }
+}
+
+TEST(StoreMemory, ReadingWithoutItGivesNothing) {
+    const ScratchFolder scratch;
+    const RecordedUi ui;
+    ASSERT_TRUE(storeOpen());
+    static const ItemId id = Store::add("a name that lies on the heap", kind::list);
+    ASSERT_TRUE(storeDelete(Store::add("another", kind::list)));
+    bool (*const gives[])() = {
+        [] { return !storeListItems().empty(); }, [] { return !storeListChildren(rootId).empty(); },
+        [] { return storeReadEntry(id).has_value(); }, [] { return storeUndoOffer().has_value(); }, keepDailyCopy};
+    for (const auto given : gives) {
+        for (int n = 1; n < 10; n++) {
+            failMemory(n, true);
+            const bool gave = given();
+            failMemory(0, false);
+            EXPECT_NE(gave, memoryHasFailed()) << n;
+        }
+        EXPECT_TRUE(given());
+    }
+    storeClose();
+}
+
 std::string dateOfTest;
+
+// The copies that lie there after a start on that day with a changed library.
+std::set<std::string> copiesAfter(const ScratchFolder &scratch, const std::string &today) {
+    dateOfTest = today;
+    EXPECT_TRUE(storeOpen());
+    EXPECT_NE(storeAddItem(Store::item("N", kind::list)), noItem);
+    EXPECT_TRUE(keepDailyCopy());
+    storeClose();
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(scratch.path + "backups"))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+TEST(DailyCopies, AnOddClockAndForeignNamesCostNoTrueCopy) {
+    const ScratchFolder scratch;
+    const RecordedUi ui;
+    const ClockPort clock = clockPort;
+    clockPort.localDate = [] { return dateOfTest; };
+    std::filesystem::create_directory(scratch.path + "backups");
+    std::set<std::string> expected = {"storage-1-original.dat", "storage-2026-02-30.dat", "storage-2026-01-1x.dat"};
+    for (const std::string &name : expected) scratch.write("backups/" + name, "mine");
+    for (int day = 10; day < 19; day++) {
+        scratch.write("backups/storage-2099-01-" + std::to_string(day) + ".dat", "");
+        expected.insert("storage-2099-01-" + std::to_string(day) + ".dat");
+    }
+    struct Start {
+        const char *today, *gone;
+    };
+    for (const Start &start : {Start{"2026-05-01", ""}, Start{"2026-05-02", "2099-01-10"},
+                               Start{"1970-01-01", "2026-05-01"}, Start{"2026-05-03", "2099-01-11"}}) {
+        expected.erase("storage-" + std::string(start.gone) + ".dat");
+        expected.insert("storage-" + std::string(start.today) + ".dat");
+        EXPECT_EQ(copiesAfter(scratch, start.today), expected) << start.today;
+    }
+    std::filesystem::copy_file(scratch.path + "storage.dat", scratch.path + "backups/storage-2099-02-01.dat");
+    dateOfTest = "2026-05-04";
+    ASSERT_TRUE(storeOpen());
+    EXPECT_TRUE(keepDailyCopy());
+    storeClose();
+    EXPECT_FALSE(fileExists(scratch.path + "backups/storage-2026-05-04.dat")) << "as on the day before";
+    clockPort = clock;
+}
+
+TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken) {
+    const std::string copy = dailyCopyFolder() + "storage-" + clockPort.localDate() + ".dat";
+    ASSERT_TRUE(storeOpen());
+    add("A", kind::list);
+    Bytes damaged = file();
+    damaged[sizeof(MainHeader)] = 0;
+    for (const int failing : {1, 2, 3, 1000}) {
+        memoryDisk.failingFrom = memoryDisk.operations + 1;
+        memoryDisk.failingCount = failing;
+        EXPECT_FALSE(keepDailyCopy()) << failing;
+        memoryDisk.failingFrom = 0;
+        EXPECT_FALSE(memoryDisk.files.contains(copy));
+    }
+    memoryDisk.failingFrom = memoryDisk.operations + 3;  // once the journal is on the disk
+    memoryDisk.failingCount = 1000;
+    EXPECT_FALSE(storeResetTemp());
+    memoryDisk.failingFrom = 0;
+    EXPECT_FALSE(keepDailyCopy());
+    EXPECT_FALSE(memoryDisk.files.contains(copy));
+    ASSERT_TRUE(restart(damaged) && storeIsDamaged());
+    EXPECT_TRUE(keepDailyCopy());
+    EXPECT_FALSE(memoryDisk.files.contains(copy));
+}
 
 TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
     const std::string folder = std::filesystem::temp_directory_path().string() + "/numalink-copies-test/";
