@@ -170,15 +170,17 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     return true;
 }
 
-bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
+CheckOutcome rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
     Bytes file;
-    if (!composeFile(examined, file) || !storeFileKeepCopy()) return false;
+    if (!composeFile(examined, file) || !storeFileKeepCopy()) return CheckOutcome::notWritten;
     const std::uint64_t size = file.size();
     changeBegin();
     changeWrite(0, std::move(file));
-    if (changeCommit() != ChangeResult::done) return false;
+    const ChangeResult result = changeCommit();
+    if (result == ChangeResult::broken) return CheckOutcome::broken;
+    if (result != ChangeResult::done) return CheckOutcome::notWritten;
     storeFileCut(size);
-    return true;
+    return CheckOutcome::checked;
 }
 
 void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
@@ -197,8 +199,8 @@ void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
     if (size == 0) return;  // a new library, that the next start gives its head
     examine(examined, check);
     if (!repair || check.damage == 0) return;
-    check.repaired = rewrite(examined);
-    if (!check.repaired) check.outcome = CheckOutcome::notWritten;
+    check.outcome = rewrite(examined);
+    check.repaired = check.outcome == CheckOutcome::checked;
 }
 
 }  // namespace

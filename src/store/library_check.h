@@ -13,7 +13,8 @@ enum class CheckOutcome {
     absent,      // there is no storage.dat in the library folder
     held,        // some program has it open
     unreadable,  // it, or its journal, can't be read, or a newer version wrote it
-    notWritten   // a repair failed; the file is as it was
+    notWritten,  // a repair failed; the file is as it was
+    broken       // a repair failed half-way; the next repair or opening takes it back
 };
 
 enum class RecordFate {

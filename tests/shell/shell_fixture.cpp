@@ -57,19 +57,6 @@ void answerOpenDialog() {
 
 }  // namespace
 
-int startSecondCopy(const std::string &libraryFolder) {
-    setLibraryFolder(libraryFolder);
-    QTimer closing;
-    QObject::connect(&closing, &QTimer::timeout, [] {
-        QWidget *box = QApplication::activeModalWidget();
-        if (box == nullptr) return;
-        std::printf("%s\n", wordingOf(box).c_str());
-        box->close();
-    });
-    closing.start(20);
-    return startUp() ? 1 : 0;
-}
-
 void ShellTest::SetUp() {
     current = this;
     answering = new QTimer;

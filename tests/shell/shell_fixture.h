@@ -18,11 +18,6 @@ class QTreeWidgetItem;
 
 namespace numalink {
 
-// With this argument and a library's folder the test program is a second copy: it starts up, closes each box that it
-// shows with its text to the standard output, and ends; with 1 when it could have gone on.
-inline constexpr char secondCopyArgument[] = "--second-copy";
-int startSecondCopy(const std::string &libraryFolder);
-
 struct ShellTest : testing::Test {
     void SetUp() override;
     void TearDown() override;

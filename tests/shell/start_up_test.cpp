@@ -85,7 +85,8 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
     mainWindow->hide();
     const FolderContent before = contentOf(folder);
     QProcess second;
-    second.start(QCoreApplication::applicationFilePath(), {secondCopyArgument, QString::fromStdString(folder.path)});
+    second.start(QCoreApplication::applicationFilePath(),
+                 {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
     const std::string held = ownText(OwnText::storeHeld, {folder.path + "storage.dat"});

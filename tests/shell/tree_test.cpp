@@ -332,11 +332,11 @@ TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     select(games);
     emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
     QAction *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
-    EXPECT_EQ(undoAction->text(), textOf(OwnText::undoReplacement, {"ABC"}));
+    EXPECT_EQ(undoAction->text(), textOf(OwnText::undoReplacement, {"XY"}));
     undoAction->trigger();
     EXPECT_TRUE(storeReadEntry(program)) << "all of it in one step";
     for (const ItemId id : received) EXPECT_EQ(storeReadEntry(id).has_value(), id == received[1]);
-    EXPECT_EQ(selectedItemId(), program);
+    EXPECT_EQ(selectedItemId(), received[1]);
 }
 
 }  // namespace numalink

@@ -181,91 +181,48 @@ TEST_F(Undo, WhatComesBackTogetherGetsNamesOfItsOwn) {
 }
 
 // On real files: what is counted are the store's own allocations.
-TEST(StoreMemory, NoFailureIsToldOfAChangeThatWasMade) {
+struct WithoutMemory : ::testing::Test {
+    static bool failing(int n, bool (*operation)()) {
+        failMemory(n, true);
+        const bool result = operation();
+        failMemory(0, false);
+        return result;
+    }
     const ScratchFolder scratch;
     const RecordedUi ui;
+    const bool open = storeOpen();
+    inline static ItemId id = noItem;
+};
+
+TEST_F(WithoutMemory, NoFailureIsToldOfAChangeThatWasMade) {
     const Bytes large(1200 * 1024, 1);  // once deleted, a gap that is closed at once
     for (int n = 1; n == 1 || memoryHasFailed(); n++) {
-        SCOPED_TRACE(n);
         ASSERT_TRUE(storeOpen());
-        const ItemId id = Store::add("large", kind::list, rootId, {}, large);
+        id = Store::add("large", kind::list, rootId, {}, large);
         const ItemId behind = Store::add("behind", kind::list, rootId, {}, {1});
-        failMemory(n, true);
-        const bool deleted = storeDelete(id);
-        failMemory(0, false);
-        EXPECT_NE(storeReadEntry(id).has_value(), deleted);
-        EXPECT_EQ(storeUndoOffer().has_value(), deleted);
+        const bool deleted = failing(n, [] { return storeDelete(id); });
+        EXPECT_NE(storeReadEntry(id).has_value(), deleted) << n;
+        EXPECT_EQ(storeUndoOffer().has_value(), deleted) << n;
         storeDelete(id);
         EXPECT_TRUE(storeDelete(behind));
         storeClose();
-        ASSERT_LT(n, 200);
     }
 }
 
-TEST(StoreMemory, ReadingWithoutItGivesNothing) {
-    const ScratchFolder scratch;
-    const RecordedUi ui;
-    ASSERT_TRUE(storeOpen());
-    static const ItemId id = Store::add("a name that lies on the heap", kind::list);
+TEST_F(WithoutMemory, ReadingGivesNothing) {
+    id = Store::add("a name that lies on the heap", kind::list);
     ASSERT_TRUE(storeDelete(Store::add("another", kind::list)));
     bool (*const gives[])() = {
         [] { return !storeListItems().empty(); }, [] { return !storeListChildren(rootId).empty(); },
         [] { return storeReadEntry(id).has_value(); }, [] { return storeUndoOffer().has_value(); }, keepDailyCopy};
     for (const auto given : gives) {
         for (int n = 1; n < 10; n++) {
-            failMemory(n, true);
-            const bool gave = given();
-            failMemory(0, false);
+            const bool gave = failing(n, given);
             EXPECT_NE(gave, memoryHasFailed()) << n;
         }
         EXPECT_TRUE(given());
     }
     storeClose();
-}
-
-std::string dateOfTest;
-
-// The copies that lie there after a start on that day with a changed library.
-std::set<std::string> copiesAfter(const ScratchFolder &scratch, const std::string &today) {
-    dateOfTest = today;
-    EXPECT_TRUE(storeOpen());
-    EXPECT_NE(storeAddItem(Store::item("N", kind::list)), noItem);
-    EXPECT_TRUE(keepDailyCopy());
-    storeClose();
-    std::set<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(scratch.path + "backups"))
-        names.insert(entry.path().filename().string());
-    return names;
-}
-
-TEST(DailyCopies, AnOddClockAndForeignNamesCostNoTrueCopy) {
-    const ScratchFolder scratch;
-    const RecordedUi ui;
-    const ClockPort clock = clockPort;
-    clockPort.localDate = [] { return dateOfTest; };
-    std::filesystem::create_directory(scratch.path + "backups");
-    std::set<std::string> expected = {"storage-1-original.dat", "storage-2026-02-30.dat", "storage-2026-01-1x.dat"};
-    for (const std::string &name : expected) scratch.write("backups/" + name, "mine");
-    for (int day = 10; day < 19; day++) {
-        scratch.write("backups/storage-2099-01-" + std::to_string(day) + ".dat", "");
-        expected.insert("storage-2099-01-" + std::to_string(day) + ".dat");
-    }
-    struct Start {
-        const char *today, *gone;
-    };
-    for (const Start &start : {Start{"2026-05-01", ""}, Start{"2026-05-02", "2099-01-10"},
-                               Start{"1970-01-01", "2026-05-01"}, Start{"2026-05-03", "2099-01-11"}}) {
-        expected.erase("storage-" + std::string(start.gone) + ".dat");
-        expected.insert("storage-" + std::string(start.today) + ".dat");
-        EXPECT_EQ(copiesAfter(scratch, start.today), expected) << start.today;
-    }
-    std::filesystem::copy_file(scratch.path + "storage.dat", scratch.path + "backups/storage-2099-02-01.dat");
-    dateOfTest = "2026-05-04";
-    ASSERT_TRUE(storeOpen());
-    EXPECT_TRUE(keepDailyCopy());
-    storeClose();
-    EXPECT_FALSE(fileExists(scratch.path + "backups/storage-2026-05-04.dat")) << "as on the day before";
-    clockPort = clock;
 }
 
 TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken) {
@@ -274,59 +231,78 @@ TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken
     add("A", kind::list);
     Bytes damaged = file();
     damaged[sizeof(MainHeader)] = 0;
-    for (const int failing : {1, 2, 3, 1000}) {
-        memoryDisk.failingFrom = memoryDisk.operations + 1;
-        memoryDisk.failingCount = failing;
-        EXPECT_FALSE(keepDailyCopy()) << failing;
-        memoryDisk.failingFrom = 0;
-        EXPECT_FALSE(memoryDisk.files.contains(copy));
+    const auto failFrom = [](int n, int count) {
+        memoryDisk.failingFrom = n == 0 ? 0 : memoryDisk.operations + n;
+        memoryDisk.failingCount = count;
+    };
+    for (const int count : {1, 2, 3, 1000}) {
+        failFrom(1, count);
+        EXPECT_FALSE(keepDailyCopy() || memoryDisk.files.contains(copy)) << count;
     }
-    memoryDisk.failingFrom = memoryDisk.operations + 3;  // once the journal is on the disk
-    memoryDisk.failingCount = 1000;
+    failFrom(3, 1000);  // once the journal is on the disk
     EXPECT_FALSE(storeResetTemp());
-    memoryDisk.failingFrom = 0;
-    EXPECT_FALSE(keepDailyCopy());
-    EXPECT_FALSE(memoryDisk.files.contains(copy));
+    failFrom(0, 0);
+    EXPECT_FALSE(keepDailyCopy() || memoryDisk.files.contains(copy));
     ASSERT_TRUE(restart(damaged) && storeIsDamaged());
-    EXPECT_TRUE(keepDailyCopy());
-    EXPECT_FALSE(memoryDisk.files.contains(copy));
+    EXPECT_TRUE(keepDailyCopy() && !memoryDisk.files.contains(copy));
 }
 
-TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
-    const std::string folder = std::filesystem::temp_directory_path().string() + "/numalink-copies-test/";
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    const FilePort before = filePort;
-    const ClockPort clock = clockPort;
-    filePort = systemFilePort;
-    clockPort.localDate = [] { return dateOfTest; };
-    setLibraryFolder(folder);
-    for (int day = 10; day < 24; day++) {
-        dateOfTest = "2026-05-" + std::to_string(day);
-        for (int start = 0; start < (day == 15 ? 1 : 2); start++) {
-            ASSERT_TRUE(storeOpen());
-            EXPECT_TRUE(keepDailyCopy());
-            if (day % 7 != 0) storeResolvePath("/Day " + dateOfTest, true);
-            storeClose();
-        }
+struct DailyCopies : ::testing::Test {
+    DailyCopies() {
+        clockPort.localDate = [] { return today; };
     }
-    std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(folder + "backups")) names.push_back(entry.path());
+    ~DailyCopies() override { clockPort = systemClock; }
+
+    // A run of the program on that day, and the copies that lie there after it.
+    std::set<std::string> run(const std::string &date, bool changes) {
+        today = date;
+        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(keepDailyCopy());
+        if (changes) storeResolvePath("/Day " + today, true);
+        storeClose();
+        std::set<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(backups))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+    inline static std::string today;
+    const RecordedUi ui;
+    const ScratchFolder scratch;
+    const std::string backups = scratch.path + "backups/";
+};
+
+TEST_F(DailyCopies, AnOddClockAndForeignNamesCostNoTrueCopy) {
+    std::filesystem::create_directory(backups);
+    std::set<std::string> expected = {"storage-1-original.dat", "storage-2026-02-30.dat", "storage-2026-01-1x.dat"};
+    for (int day = 10; day < 19; day++) expected.insert("storage-2099-01-" + std::to_string(day) + ".dat");
+    for (const std::string &name : expected) scratch.write("backups/" + name, "");
+    struct Run {
+        const char *today, *gone;
+        bool changes = true, copied = true;
+    };
+    for (const Run &row : {Run{"2026-05-01", ""}, Run{"2026-05-02", "2099-01-10"}, Run{"1970-01-01", "2026-05-01"},
+                           Run{"2026-05-03", "2099-01-11", false}, Run{"2026-05-04", "", true, false}}) {
+        expected.erase("storage-" + std::string(row.gone) + ".dat");
+        if (row.copied) expected.insert("storage-" + std::string(row.today) + ".dat");
+        EXPECT_EQ(run(row.today, row.changes), expected) << row.today;
+    }
+}
+
+TEST_F(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
+    std::set<std::string> names;
+    for (int day = 10; day < 24; day++)
+        for (int start = 0; start < (day == 15 ? 1 : 2); start++)
+            names = run("2026-05-" + std::to_string(day), day % 7 != 0);
     EXPECT_EQ(names.size(), dailyCopyLimit);
-    EXPECT_FALSE(fileExists(folder + "backups/storage-2026-05-15.dat")) << "nothing had changed on the day before";
-    EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-14.dat"));
-    EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-23.dat"));
-    EXPECT_FALSE(fileExists(folder + "backups/storage-2026-05-12.dat"));
-    std::filesystem::copy_file(folder + "backups/storage-2026-05-14.dat", folder + "storage.dat",
+    EXPECT_FALSE(names.contains("storage-2026-05-15.dat")) << "nothing had changed on the day before";
+    EXPECT_TRUE(names.contains("storage-2026-05-14.dat") && names.contains("storage-2026-05-23.dat"));
+    EXPECT_FALSE(names.contains("storage-2026-05-12.dat"));
+    std::filesystem::copy_file(backups + "storage-2026-05-14.dat", scratch.path + "storage.dat",
                                std::filesystem::copy_options::overwrite_existing);
     ASSERT_TRUE(storeOpen());
     EXPECT_TRUE(storeItemExists("Day 2026-05-13", rootId));
     EXPECT_FALSE(storeItemExists("Day 2026-05-15", rootId));
     storeClose();
-    setLibraryFolder(programFolder());
-    filePort = before;
-    clockPort = clock;
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace
