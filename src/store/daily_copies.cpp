@@ -15,7 +15,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t blockSize = 64 * 1024;  // bytes
+constexpr std::size_t blockSize = std::size_t{64} * 1024;  // bytes
 constexpr std::string_view dateForm = "storage-YYYY-MM-DD.dat";
 
 std::string copyName(const std::string &date) { return "storage-" + date + ".dat"; }
@@ -81,7 +81,7 @@ void dropCopies(const std::string &folder, const std::string &today) {
     std::vector<std::string> names = copiesIn(folder);
     const std::size_t extra = names.size() - std::min(names.size(), dailyCopyLimit);
     const auto next = std::ranges::upper_bound(names, today);
-    std::ranges::rotate(names, next);
+    std::rotate(names.begin(), next, names.end());
     std::erase(names, today);
     std::error_code error;
     for (std::size_t i = 0; i < std::min(extra, names.size()); i++) std::filesystem::remove(folder + names[i], error);
