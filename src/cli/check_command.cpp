@@ -62,7 +62,8 @@ void tellRecords(const LibraryCheck &check) {
 int checkCommand(const CheckOptions &options) {
     setLibraryFolder(options.library);
     const LibraryCheck check = checkLibrary(options.repair);
-    if (check.outcome != CheckOutcome::checked && check.outcome != CheckOutcome::notWritten)
+    const bool notRepaired = check.outcome == CheckOutcome::notWritten;
+    if (check.outcome != CheckOutcome::checked && !notRepaired)
         return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
     if (check.interrupted)
         std::printf(options.repair ? "an interrupted change was taken back\n"
@@ -72,8 +73,7 @@ int checkCommand(const CheckOptions &options) {
     tellRecords(check);
     std::printf("places with damage: %u\n", check.damage);
     if (check.repaired) std::printf("repaired; the damaged file is kept beside it as storage.dat.damaged-N\n");
-    if (check.outcome == CheckOutcome::notWritten)
-        return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
+    if (notRepaired) return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
     return check.damage > 0 || check.interrupted ? exitShown : exitDone;
 }
 
