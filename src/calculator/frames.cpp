@@ -92,11 +92,12 @@ Bytes frameOf(ItemKind itemKind, Family family, const ProgramInfo &info) {
     if (!cfx && itemKind == kind::program) return algebraHead(info);
     if (itemKind == kind::endOfTransmission)
         return cfx ? startFrame(headFrameSize, ":END") : startFrame(shortHeadFrameSize, ":END1");
-    if (!cfx && itemKind == kind::modelFrame)
+    if (!cfx && itemKind == kind::modelFrame) {
         return startFrame(shortHeadFrameSize,
                           ":MDL1ZX945\xFF"
                           "038400N1.10"
                           "\0\0\x10\0\0\0\4\0\0\0\1\0\7"sv);
+    }
     return {};
 }
 

@@ -65,10 +65,11 @@ int checkCommand(const CheckOptions &options) {
     const bool notRepaired = check.outcome == CheckOutcome::notWritten;
     if (check.outcome != CheckOutcome::checked && !notRepaired)
         return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
-    if (check.interrupted)
+    if (check.interrupted) {
         std::printf(options.repair ? "an interrupted change was taken back\n"
                                    : "a change was interrupted: the next start, or --repair, takes it back; what "
                                      "follows tells of its middle\n");
+    }
     if (!check.headUsable && check.damage > 0) std::printf("the head of the file can't be used\n");
     tellRecords(check);
     std::printf("places with damage: %u\n", check.damage);

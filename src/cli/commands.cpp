@@ -53,7 +53,7 @@ int runCommandLine(int argc, const char *const *argv) {
         return app.exit(fault) == 0 ? exitDone : exitFailed;
     }
     const int status = chosen();
-    if (std::fflush(stdout) != 0) return commandFailed("the output could not be written");
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) return commandFailed("the output could not be written");
     return std::max(status, terminalBoxCount() > 0 ? exitShown : exitDone);
 }
 

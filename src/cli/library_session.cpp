@@ -23,15 +23,16 @@ ItemId findInFolder(std::string_view folderPath, std::string_view name) {
     return folder == noItem ? noItem : storeFindItem(name, folder);
 }
 
-}  // namespace
-
-LibrarySession::LibrarySession(const std::string &folder) {
+bool loadTablesFor(const std::string &folder) {
     std::error_code ignored;  // storeOpen tells that there is no such folder
     std::filesystem::create_directories(folder, ignored);
     setLibraryFolder(folder);
-    tokens = loadTables();
-    open = storeOpen();
+    return loadTables();
 }
+
+}  // namespace
+
+LibrarySession::LibrarySession(const std::string &folder) : tokens(loadTablesFor(folder)), open(storeOpen()) {}
 
 LibrarySession::~LibrarySession() { storeClose(); }
 

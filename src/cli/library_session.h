@@ -15,8 +15,8 @@ struct LibrarySession {
     LibrarySession(const LibrarySession &) = delete;
     LibrarySession &operator=(const LibrarySession &) = delete;
 
-    bool open = false;
     bool tokens = false;  // the token table is there: without it no program can be read
+    bool open = false;
 };
 
 // Wording and token table beside the program, with the settings of the library folder. False without a token table.

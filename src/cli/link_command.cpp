@@ -7,7 +7,6 @@
 #include <atomic>
 #include <cstdio>
 #include <memory>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
@@ -18,6 +17,7 @@
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
+#include "platform/lock.h"
 #include "platform/user_interface.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
@@ -47,7 +47,7 @@ std::atomic<int> chosenSlot = 0;
 std::atomic<bool> asJson = false;
 std::atomic<int> progressMaximum = 0;
 std::atomic<std::size_t> queueShown = 0;
-std::mutex printMutex;
+Lock printLock;  // one line at a time on standard output
 
 struct AnswerRow {
     const char *word;
@@ -72,7 +72,7 @@ bool chooseAnswer(const std::string &word) {
 
 void print(const nlohmann::ordered_json &object, const std::string &line) {
     const std::string text = asJson ? object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) : line;
-    const std::lock_guard held(printMutex);
+    const HoldLock hold(printLock);
     std::printf("%s\n", text.c_str());
     std::fflush(stdout);
 }

@@ -13,8 +13,8 @@ namespace numalink {
 namespace {
 
 constexpr int characterCount = 256;
-constexpr std::size_t largeGlyphSize = largeCharWidth * largeCharHeight;
-constexpr std::size_t smallGlyphSize = smallCharWidthLimit * smallCharHeight;
+constexpr std::size_t largeGlyphSize = std::size_t{largeCharWidth} * largeCharHeight;
+constexpr std::size_t smallGlyphSize = std::size_t{smallCharWidthLimit} * smallCharHeight;
 static_assert(characterCount * largeGlyphSize == largeFontSize);
 
 // Far more than either font; a file beyond it isn't read at all.

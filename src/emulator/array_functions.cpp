@@ -142,8 +142,8 @@ CallResult makeSequence(const Arguments &arguments) {
 
 struct CallRow {
     Token token;
-    const char *name;
-    CallResult (*run)(const Arguments &arguments);
+    const char *name = nullptr;
+    CallResult (*run)(const Arguments &arguments) = nullptr;
 };
 
 constexpr CallRow calls[] = {

@@ -6,8 +6,8 @@
 namespace numalink {
 
 struct Stretch {
-    ProgramCell *cells;
-    int first;
+    ProgramCell *cells = nullptr;
+    int first = 0;
     int &count;              // falls as cells go
     StepMask pending = 0;    // the steps that still have to walk
     bool hasBlanks = false;  // cells wait to be compacted

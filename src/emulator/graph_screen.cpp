@@ -27,7 +27,9 @@ std::uint64_t changes = 0;
 
 bool isOnScreen(int x, int y) { return x >= 0 && x < displayWidth && y >= 0 && y < displayHeight; }
 
-Color &dotOf(int x, int y) { return surface.dots[static_cast<std::size_t>(y * displayWidth + x)]; }
+Color &dotOf(int x, int y) {
+    return surface.dots[static_cast<std::size_t>(y) * displayWidth + static_cast<std::size_t>(x)];
+}
 
 void writeDot(int x, int y, PixelColor color) {
     if (!isOnScreen(x, y) || dotOf(x, y) == colorOf(color)) return;
@@ -45,8 +47,10 @@ void putLineDot(double x, double y, PixelColor color) {
     if (y < lineBottom) putPixel(cutToInteger(x), cutToInteger(y), color);
 }
 
+// The walks go by tenths of a dot or of a degree as the calculators' do: how these add up is part of the picture.
 // Behind the lower or right edge a walk meets no dot any more.
 void walkDown(double x, double fromY, double toY, PixelColor color) {
+    // NOLINTNEXTLINE(cert-flp30-c): see above; a step too small to count ends it
     for (double y = fromY; y <= toY && y < lineBottom && runGoesOn(); y += lineStep) {
         if (y + lineStep == y) return;
         putLineDot(x, y, color);
@@ -56,6 +60,7 @@ void walkDown(double x, double fromY, double toY, PixelColor color) {
 void walkRight(PlotPoint from, PlotPoint to, PixelColor color) {
     const double slope = (from.y - to.y) / (from.x - to.x);
     double y = from.y;
+    // NOLINTNEXTLINE(cert-flp30-c): see above; a step too small to count ends it
     for (double x = from.x; x <= to.x && x < displayWidth && runGoesOn(); x += lineStep) {
         if (x + lineStep == x) return;
         putLineDot(x, y, color);
@@ -128,6 +133,7 @@ void drawLastLine(PixelColor color) {
 }
 
 void drawCircle(double x, double y, double radius, PixelColor color) {
+    // NOLINTNEXTLINE(cert-flp30-c): see the walks of a line
     for (double t = 0; t < circleEnd; t += circleStep) {
         const double column = mapX(std::sin(t) * radius + x);
         const double row = mapY(std::cos(t) * radius + y);

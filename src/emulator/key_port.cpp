@@ -5,8 +5,14 @@
 
 namespace numalink {
 
+namespace {
+
+int heldKey() { return keyCode.load(std::memory_order_relaxed); }
+
+}  // namespace
+
 const KeyPort windowKeys = {
-    .getKey = [] { return keyCode.load(std::memory_order_relaxed); },
+    .getKey = heldKey,
     .beforeWaitTest = [] { return true; },
 };
 

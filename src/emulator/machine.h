@@ -37,6 +37,7 @@ enum class CellKind : std::uint8_t { blank, token, number, string, matrix, list 
 
 // One element of a program, of a statement and of the evaluator's work. A pass that turns a cell into another kind
 // leaves the fields of the old kind standing; value starts as 0, and the pointers hold for their own kind alone.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the union has a first value, which the check doesn't see
 struct ProgramCell {
     CellKind kind = CellKind::blank;
     std::uint8_t token1 = 0;

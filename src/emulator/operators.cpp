@@ -145,7 +145,7 @@ const OperatorRow *rowOf(Token token, Step step) {
 // The tokens of the steps that aren't operators.
 struct StructureRow {
     Token token;
-    StepMask steps;
+    StepMask steps = 0;
 };
 constexpr StructureRow structure[] = {
     {token::list, maskOf(Step::arrays)},

@@ -71,8 +71,8 @@ bool showAtTriangle(const RunState &state) {
 }
 
 bool showAtEnd(RunState &state) {
-    ProgramCell &cell = state.statement[0];
     if (machine.screenMode == textMode) {
+        ProgramCell &cell = state.statement[0];
         if (isNumber(cell)) makeNumber(cell, {});
         displayValue(cell, pixelColor::blue);
     }

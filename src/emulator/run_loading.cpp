@@ -74,6 +74,7 @@ std::vector<ItemId> itemsBeside(ItemId item) {
     std::vector<ItemEntry> siblings = storeListChildren(entry->parent);
     std::ranges::stable_sort(siblings, {}, [](const ItemEntry &sibling) { return foldCase(sibling.name); });
     std::vector<ItemId> order;
+    order.reserve(siblings.size());
     for (const ItemEntry &sibling : siblings) order.push_back(sibling.id);
     return order;
 }

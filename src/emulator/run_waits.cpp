@@ -1,12 +1,13 @@
 // How a run ends by itself, and the passes of its waits.
+#include <chrono>
 #include <condition_variable>
-#include <mutex>
 
 #include "emulator/key_port.h"
 #include "emulator/pace.h"
 #include "emulator/run_state.h"
 #include "emulator/run_waits.h"
 #include "platform/clock.h"
+#include "platform/lock.h"
 
 namespace numalink {
 
@@ -14,7 +15,7 @@ std::atomic<bool> runHalted = false;
 
 namespace {
 
-std::mutex wakeMutex;
+Lock wakeLock;  // guards nothing: a wake can't fall between the look and the sleep of a wait
 std::condition_variable wakeCondition;
 std::atomic<RunEnd> endCause = RunEnd::running;
 
@@ -34,7 +35,7 @@ void runEndForget(RunEnd cause) {
 RunEnd runEndCause() { return endCause; }
 
 void runWake() {
-    const std::lock_guard held(wakeMutex);
+    const HoldLock hold(wakeLock);
     wakeCondition.notify_all();
 }
 
@@ -54,8 +55,9 @@ void waitPassSleep(std::uint64_t milliseconds) {
         sleepMilliseconds(milliseconds);
         return;
     }
-    std::unique_lock held(wakeMutex);
-    wakeCondition.wait_for(held, std::chrono::milliseconds(milliseconds), [] { return !runGoesOn(); });
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    HoldLock hold(wakeLock);
+    while (runGoesOn() && std::chrono::steady_clock::now() < end) hold.waitUntil(wakeCondition, end);
 }
 
 void waitPassPace(int units) {

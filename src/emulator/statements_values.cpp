@@ -43,7 +43,7 @@ bool assignToVariables(RunState &state) {
     return true;
 }
 
-bool assignListLength(RunState &state) {
+bool assignListLength(const RunState &state) {
     if (state.cellCount != 5 || !isCell(state, 2, token::dim) || !isCell(state, 3, token::list)) return false;
     MatrixSlot *slot = listNamedBy(state, 4);
     if (slot == nullptr) return false;

@@ -83,7 +83,7 @@ bool sameItem(const OutgoingItem &item, const ImportedItem &back, ExportTarget t
 bool readsBack(const OutgoingItem &item, ExportTarget target, ByteView record) {
     ImportReport report;
     std::size_t same = 0;
-    const ItemSink sink = [&](ImportedItem &back) {
+    const ItemSink sink = [&](const ImportedItem &back) {
         if (sameItem(item, back, target)) same++;
         return true;
     };

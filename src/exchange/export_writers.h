@@ -27,7 +27,7 @@ enum class ExportFault {
 };
 
 struct ExportRefusal {
-    ExportFault fault;
+    ExportFault fault{};
     int code = 0;  // the token's first byte, for code
 };
 

@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
 #include <thread>
 
 #include "link/attention.h"
@@ -12,6 +11,7 @@
 #include "link/notices.h"
 #include "link/transmit_queue.h"
 #include "platform/graphical_calls.h"
+#include "platform/lock.h"
 #include "platform/serial_line.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
@@ -22,8 +22,8 @@ namespace {
 
 constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't there
 
-std::thread linkThread;
-std::mutex closedMutex;
+std::thread linkThread;  // graphical thread
+Lock closedLock;         // guards nothing: a stop can't fall between the look and the sleep of waitClosed
 std::condition_variable closedChanged;
 
 struct Cause {
@@ -62,8 +62,9 @@ void waitClosed(const LineOpening &opening) {
         attentionSent();
         tellClosed(opening, true);
     }
-    std::unique_lock held(closedMutex);
-    closedChanged.wait_for(held, lookAgain, [] { return conversationStopped(); });
+    const auto end = std::chrono::steady_clock::now() + lookAgain;
+    HoldLock hold(closedLock);
+    while (!conversationStopped() && std::chrono::steady_clock::now() < end) hold.waitUntil(closedChanged, end);
 }
 
 void converse(Family family, const LineOpening &opening) {
@@ -97,7 +98,7 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
 void stopLinkThread() {
     if (!linkThread.joinable()) return;
     {
-        const std::lock_guard held(closedMutex);
+        const HoldLock hold(closedLock);
         conversationStop();
     }
     closedChanged.notify_all();

@@ -5,31 +5,33 @@
 #include <condition_variable>
 #include <deque>
 #include <map>
-#include <mutex>
+
+#include "platform/lock.h"
 
 namespace numalink {
 
 namespace {
 
+Lock requestLock;
+std::condition_variable requestChanged;
+
 struct GraphicalRequest {
     GraphicalWork work;
     void *arguments;
-    bool started = false;
-    bool done = false;
+    bool started GUARDED_BY(requestLock) = false;
+    bool done GUARDED_BY(requestLock) = false;
 };
 
-std::mutex requestMutex;
-std::condition_variable requestChanged;
-std::deque<GraphicalRequest *> waitingRequests;
-std::array<bool, threadRoleCount> refused;
-std::map<GraphicalQuestion, std::optional<int>> openQuestions;
-std::deque<std::function<void()>> laterWork;  // nobody waits for it
-GraphicalQuestion lastQuestion = 0;
+std::deque<GraphicalRequest *> waitingRequests GUARDED_BY(requestLock);
+std::array<bool, threadRoleCount> refused GUARDED_BY(requestLock);
+std::map<GraphicalQuestion, std::optional<int>> openQuestions GUARDED_BY(requestLock);
+std::deque<std::function<void()>> laterWork GUARDED_BY(requestLock);  // nobody waits for it
+GraphicalQuestion lastQuestion GUARDED_BY(requestLock) = 0;
 
-bool &refusedFor(ThreadRole role) { return refused[static_cast<std::size_t>(role)]; }
+bool &refusedFor(ThreadRole role) REQUIRES_LOCK(requestLock) { return refused[static_cast<std::size_t>(role)]; }
 
 void setRefused(ThreadRole caller, bool value) {
-    const std::lock_guard held(requestMutex);
+    const HoldLock hold(requestLock);
     refusedFor(caller) = value;
     requestChanged.notify_all();
 }
@@ -44,42 +46,43 @@ bool graphicalCall(GraphicalWork work, void *arguments) {
         return true;
     }
     GraphicalRequest request{work, arguments};
-    std::unique_lock held(requestMutex);
+    HoldLock hold(requestLock);
     if (refusedFor(threadRole)) return false;
     waitingRequests.push_back(&request);
-    held.unlock();
-    graphicalWake();
-    held.lock();
-    requestChanged.wait(held, [&] { return request.done || (refusedFor(threadRole) && !request.started); });
+    {
+        const PauseLock pause(requestLock);
+        graphicalWake();
+    }
+    while (!request.done && (request.started || !refusedFor(threadRole))) hold.wait(requestChanged);
     if (!request.started) std::erase(waitingRequests, &request);
     return request.done;
 }
 
 namespace {
 
-// One that nobody waits for, if there is one. Called with requestMutex held.
-bool runLaterWork(std::unique_lock<std::mutex> &held) {
+// One that nobody waits for, if there is one.
+bool runLaterWork() REQUIRES_LOCK(requestLock) {
     if (laterWork.empty()) return false;
     const std::function<void()> work = std::move(laterWork.front());
     laterWork.pop_front();
-    held.unlock();
+    const PauseLock pause(requestLock);
     work();
-    held.lock();
     return true;
 }
 
 }  // namespace
 
 void graphicalCallsServe() {
-    std::unique_lock held(requestMutex);
-    while (runLaterWork(held) || !waitingRequests.empty()) {
+    const HoldLock hold(requestLock);
+    while (runLaterWork() || !waitingRequests.empty()) {
         if (waitingRequests.empty()) continue;
         GraphicalRequest &request = *waitingRequests.front();
         waitingRequests.pop_front();
         request.started = true;
-        held.unlock();
-        request.work(request.arguments);
-        held.lock();
+        {
+            const PauseLock pause(requestLock);
+            request.work(request.arguments);
+        }
         request.done = true;
         requestChanged.notify_all();
     }
@@ -87,25 +90,27 @@ void graphicalCallsServe() {
 
 std::optional<int> graphicalAsk(std::function<void(GraphicalQuestion)> open,
                                 std::function<void(GraphicalQuestion)> close) {
-    std::unique_lock held(requestMutex);
+    HoldLock hold(requestLock);
     const GraphicalQuestion question = ++lastQuestion;
     openQuestions.emplace(question, std::nullopt);
-    held.unlock();
-    const bool opened = graphicalRun([&] { open(question); });
-    held.lock();
-    std::optional<int> &answer = openQuestions.at(question);
-    requestChanged.wait(held, [&] { return !opened || answer || refusedFor(threadRole); });
+    bool opened = false;
+    {
+        const PauseLock pause(requestLock);
+        opened = graphicalRun([&] { open(question); });
+    }
+    const std::optional<int> &answer = openQuestions.at(question);
+    while (opened && !answer && !refusedFor(threadRole)) hold.wait(requestChanged);
     const std::optional<int> result = answer;
     openQuestions.erase(question);
     if (!opened || result) return result;
     laterWork.push_back([close = std::move(close), question] { close(question); });
-    held.unlock();
+    const PauseLock pause(requestLock);
     graphicalWake();
     return std::nullopt;
 }
 
 void graphicalAnswer(GraphicalQuestion question, int answer) {
-    const std::lock_guard held(requestMutex);
+    const HoldLock hold(requestLock);
     const auto found = openQuestions.find(question);
     if (found != openQuestions.end()) found->second = answer;
     requestChanged.notify_all();

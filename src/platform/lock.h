@@ -1,6 +1,9 @@
-// One lock type for the whole program, with the annotations that let clang check its use.
+// One lock type for the whole program, with the annotations that let clang check its use: it refuses to compile a line
+// that touches what is GUARDED_BY a lock where that lock isn't held.
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
 
 #if defined(__clang__)
@@ -25,6 +28,30 @@ struct THREAD_ATTRIBUTE(scoped_lockable) HoldLock {
     ~HoldLock() THREAD_ATTRIBUTE(release_capability()) { lock.give(); }
     HoldLock(const HoldLock &) = delete;
     HoldLock &operator=(const HoldLock &) = delete;
+
+    // Sleeps, with the lock given up meanwhile, until the signal is notified or the time is over; it may also wake for
+    // nothing. So the caller asks in a loop for what it waits for: there, unlike in a function that it would hand over,
+    // clang sees that the lock is held.
+    void wait(std::condition_variable &signal) {
+        std::unique_lock<std::mutex> held(lock.mutex, std::adopt_lock);
+        signal.wait(held);
+        held.release();
+    }
+    void waitUntil(std::condition_variable &signal, std::chrono::steady_clock::time_point end) {
+        std::unique_lock<std::mutex> held(lock.mutex, std::adopt_lock);
+        signal.wait_until(held, end);
+        held.release();
+    }
+
+    Lock &lock;
+};
+
+// Gives up a lock that is held, for the length of a block.
+struct THREAD_ATTRIBUTE(scoped_lockable) PauseLock {
+    explicit PauseLock(Lock &which) THREAD_ATTRIBUTE(release_capability(which)) : lock(which) { lock.give(); }
+    ~PauseLock() THREAD_ATTRIBUTE(release_capability()) { lock.take(); }
+    PauseLock(const PauseLock &) = delete;
+    PauseLock &operator=(const PauseLock &) = delete;
 
     Lock &lock;
 };

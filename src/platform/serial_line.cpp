@@ -223,7 +223,7 @@ LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
 
 // Waits until little enough is waiting in the system, so that a stop and the progress shown are honest.
 bool waitForRoom(int descriptor) {
-    Line &own = line();
+    const Line &own = line();
     for (;;) {
         if (own.interrupted) return false;
         int waiting = 0;

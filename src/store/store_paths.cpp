@@ -44,9 +44,9 @@ Fault resolvePath(std::string_view path, bool create, ItemId &id) REQUIRES_LOCK(
         if (found == noItem) missing.push_back(name);
         if (found != noItem) parent = found;
     }
-    if (missing.empty()) id = parent;
-    if (missing.empty()) return Fault::none;
-    return create ? addFolders(parent, missing, id) : Fault::absent;
+    if (!missing.empty()) return create ? addFolders(parent, missing, id) : Fault::absent;
+    id = parent;
+    return Fault::none;
 }
 
 std::size_t slotOfKind(ItemKind itemKind) REQUIRES_LOCK(storeLock) {

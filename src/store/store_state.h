@@ -20,7 +20,7 @@
 namespace numalink {
 
 struct Slot {
-    ItemHeader head;
+    ItemHeader head{};
     bool sound = true;  // a record with damage keeps its slot, and no operation sees it
 };
 

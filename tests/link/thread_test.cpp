@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <mutex>
 #include <set>
 #include <thread>
 
@@ -13,6 +12,7 @@
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
 #include "platform/graphical_calls.h"
+#include "platform/lock.h"
 #include "platform/serial_line.h"
 #include "platform/user_interface.h"
 #include "settings/language_table.h"
@@ -28,17 +28,22 @@ namespace {
 
 constexpr std::uint64_t patience = 60000;  // milliseconds that a loaded machine may take
 
-std::mutex shownMutex;
-std::multiset<int> shownNumbers;  // of status lines and boxes
+Lock shownLock;
+std::multiset<int> shownNumbers GUARDED_BY(shownLock);  // of status lines and boxes
 
 void noteShown(int number) {
-    const std::lock_guard held(shownMutex);
+    const HoldLock hold(shownLock);
     shownNumbers.insert(number);
 }
 
 std::size_t timesShown(int number) {
-    const std::lock_guard held(shownMutex);
+    const HoldLock hold(shownLock);
     return shownNumbers.count(number);
+}
+
+void forgetShown() {
+    const HoldLock hold(shownLock);
+    shownNumbers.clear();
 }
 
 bool wasShown(int number) { return timesShown(number) > 0; }
@@ -59,7 +64,7 @@ struct LinkThreads : testing::Test {
     void SetUp() override {
         threadRole = ThreadRole::graphical;
         languageLoad("English", "English");
-        shownNumbers.clear();
+        forgetShown();
         userInterface = userInterfaceSilent;
         userInterface.statusText = [](StatusPart, int number, const std::string &) { noteShown(number); };
         userInterface.messageBox = [](const Box &box) {
