@@ -93,7 +93,7 @@ bool storeReceived(const Received &received) {
     std::string storedName = received.name;
     const ItemId id = storeAddItem(item, &storedName);
     if (id == noItem) {
-        if (place.groupMade) storeDelete(place.parent);
+        if (place.groupMade) storeDropFolder(place.parent);
         return false;
     }
     sayWhatHappened(received.name, storedName, same != noItem && !keepsSame);

@@ -1,4 +1,5 @@
-// One copy of the program a library: a second start raises the window of the first. Graphical thread only.
+// One copy of the program a library: a second start raises the window of the first, and ends with the boxes of a
+// library that is held. Graphical thread only.
 #pragma once
 
 namespace numalink {

@@ -3,8 +3,8 @@
 
 namespace numalink {
 
-// Runs the start order. False when the program must end at once: another copy has been raised, or the library can't be
-// used (told). Everything is then gone again.
+// Runs the start order. False when the program must end at once: the library can't be used (told). Everything
+// is then gone again.
 bool startUp();
 
 // Leaves the view, closes the library and ends the event loop; does nothing when the view can't be left. With a

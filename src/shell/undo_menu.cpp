@@ -23,30 +23,30 @@ namespace {
 bool isTyping() { return programEdit->isVisible() && programEdit->hasFocus(); }
 
 // The view is left first, as ahead of a deletion: it may be of an item that goes.
-void changeLibrary(bool (*change)(ItemId &), const std::string &message) {
+void changeLibrary(bool (*change)(TakenBack &)) {
     if (!leaveCurrentView()) return;
-    ItemId shown = noItem;
-    const bool changed = change(shown);
+    TakenBack done;
+    const bool changed = change(done);
     refreshTree();
-    if (changed && shown != noItem) selectItem(shown);
-    if (changed) userInterface.statusText(StatusPart::item, 0, message);
+    if (changed && done.shown != noItem) selectItem(done.shown);
+    const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
+    if (changed && change == storeUndo) statusLine(StatusPart::item, OwnText::itemsCameBack, words);
+    if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, 0, "");
     treeView->setFocus();
 }
 
 void undo() {
     if (emulatorRunning) return;
     if (isTyping()) return undoInProgram();
-    const auto offer = storeUndoOffer();
-    if (!offer) return statusLine(StatusPart::item, OwnText::nothingToUndo);
-    changeLibrary(storeUndo,
-                  ownText(OwnText::itemsCameBack, {utf8FromCalculator(offer->name), std::to_string(offer->count)}));
+    if (!storeUndoOffer()) return statusLine(StatusPart::item, OwnText::nothingToUndo);
+    changeLibrary(storeUndo);
 }
 
 void redo() {
     if (emulatorRunning) return;
     if (isTyping()) return redoInProgram();
     if (!storeCanRedo()) return statusLine(StatusPart::item, OwnText::nothingToRedo);
-    changeLibrary(storeRedo, "");
+    changeLibrary(storeRedo);
 }
 
 QString undoWords() {

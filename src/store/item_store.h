@@ -69,6 +69,7 @@ bool storeWriteHead();
 bool storeIsDamaged();
 
 int storeFindSlot(ItemId id);  // -1 when there is none
+// Reading with too little memory is told, and gives what an absent item or an empty library would.
 std::optional<ItemEntry> storeReadEntry(ItemId id);
 // False when there is no such item, or it can't be read whole (told); item is then untouched.
 bool storeReadItem(ItemId id, StoredItem &item);
@@ -93,6 +94,7 @@ bool storeMoveItems(const std::vector<ItemMove> &moves);
 bool storeSetFlags(ItemId id, std::uint32_t value);
 std::uint32_t storeGetFlags(ItemId id);  // 0 when there is no such item
 bool storeDelete(ItemId id);             // with all that a folder holds
+bool storeDropFolder(ItemId id);         // only one that holds nothing, and not to be taken back
 // Takes back deletes and replacements: the items of leaving go, and these come back as they were, under their own ids
 // and in this order. Refused when an id is in use, or a parent is neither there nor ahead in the list.
 bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving = {});

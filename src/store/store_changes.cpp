@@ -61,12 +61,17 @@ std::uint64_t endOfRecords(const StoreState &state) {
 }
 
 // Once the gaps are larger than the records, they are closed without waiting for the end of the run. Should that fail,
-// nothing is lost but the room.
+// nothing is lost but the room, so it says nothing: the change ahead of it is done.
 void closeLargeGaps() REQUIRES_LOCK(storeLock) {
     std::uint64_t used = sizeof storeState.main;
     for (const Slot &slot : storeState.slots) used += recordSize(slot.head);
     const std::uint64_t waste = storeState.main.endOffset - std::min<std::uint64_t>(used, storeState.main.endOffset);
-    if (!storeState.damaged && waste > std::max(wasteLimit, used)) closeGaps();
+    if (storeState.damaged || waste <= std::max(wasteLimit, used)) return;
+    try {
+        closeGaps();
+    } catch (const std::bad_alloc &) {
+        changeBegin();  // what was gathered for it is dropped
+    }
 }
 
 // Those that go lose their signature: what lies in a gap is no record. Never behind the new end, where the end of the

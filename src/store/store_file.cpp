@@ -180,6 +180,8 @@ void storeFileClose() {
 const std::string &storeFilePath() { return store.path; }
 std::string storeJournalPath() { return store.path + "-journal"; }
 
+bool storeFileIsBroken() { return store.broken; }
+
 std::int64_t storeFileSize() { return filePort.size(store.file); }
 
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) {

@@ -27,6 +27,7 @@ const std::string &storeFilePath() REQUIRES_LOCK(storeLock);
 std::string storeJournalPath() REQUIRES_LOCK(storeLock);
 std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);                                             // -1 on failure
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) REQUIRES_LOCK(storeLock);  // whole or false
+bool storeFileIsBroken() REQUIRES_LOCK(storeLock);  // a change is in it half-way, until it is opened anew
 // For bytes that have no meaning, behind the end of the records.
 void storeFileCut(std::uint64_t size) REQUIRES_LOCK(storeLock);
 

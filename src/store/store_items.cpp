@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "calculator/program_info.h"
+#include "store/keep_for_undo.h"
 #include "store/store_changes.h"
-#include "store/undo_steps.h"
 
 namespace numalink {
 
@@ -130,11 +130,12 @@ Fault moveItems(std::span<const ItemMove> moves) REQUIRES_LOCK(storeLock) {
 template <typename Fits>
 std::vector<ItemEntry> entriesWhere(Fits fits) {
     std::vector<ItemEntry> entries;
-    {
-        const HoldLock hold(storeLock);
+    const bool whole = storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         for (const Slot &slot : storeState.slots)
             if (slot.sound && fits(slot.head)) entries.push_back(entryOf(slot.head));
-    }
+        return Fault::none;
+    }));
+    if (!whole) entries.clear();
     std::ranges::sort(entries, {}, &ItemEntry::id);
     return entries;
 }
@@ -229,7 +230,7 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     UndoStep step;
     if (replaced != noSlot) {
         if (const Fault fault = undoStepFor(replaced, step); fault != Fault::none) return fault;
-        step.cameInstead.push_back({newId, digestOf(head, item.data)});
+        step.cameInstead.push_back({newId, digestOf(entryOf(record.head), head, item.data)});
     }
     const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
@@ -290,9 +291,13 @@ int storeFindSlot(ItemId id) {
 }
 
 std::optional<ItemEntry> storeReadEntry(ItemId id) {
-    const HoldLock hold(storeLock);
-    const std::size_t slot = slotOfId(id);
-    return slot == noSlot ? std::nullopt : std::optional(entryOf(storeState.slots[slot].head));
+    std::optional<ItemEntry> entry;
+    storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+        const std::size_t slot = slotOfId(id);
+        if (slot != noSlot) entry = entryOf(storeState.slots[slot].head);
+        return Fault::none;
+    }));
+    return entry;
 }
 
 bool storeReadItem(ItemId id, StoredItem &item) {
@@ -380,6 +385,14 @@ bool storeDelete(ItemId id) {
         const Fault fault = changeRecords(leaving, {}, storeState.main.nextId);
         if (fault == Fault::none) keepUndoStep(std::move(step));
         return fault;
+    });
+}
+
+bool storeDropFolder(ItemId id) {
+    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
+        const auto liesIn = [&](const ItemHeader &head) { return head.parent == id; };
+        const bool empty = isFolderKind(storeState.slots[slot].head.kind) && lowestSlot(liesIn) == noSlot;
+        return empty ? changeRecords(marked(slot), {}, storeState.main.nextId) : Fault::absent;
     });
 }
 

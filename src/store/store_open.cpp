@@ -7,7 +7,7 @@
 #include "store/store_changes.h"
 #include "store/store_check.h"
 #include "store/store_copy.h"
-#include "store/undo_steps.h"
+#include "store/keep_for_undo.h"
 
 namespace numalink {
 

@@ -118,12 +118,13 @@ bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent) {
     return head.parent == parent && head.kind != kind::temporaryFolder && equalWithoutCase(nameOf(head), name);
 }
 
-std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) {
+std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind,
+                     const std::function<bool(std::string_view)> &alsoTaken) {
     name = storedName(name);
     std::string candidate(name);
     for (std::uint32_t number = 2;; number++) {
         const auto taken = [&](const ItemHeader &head) { return isNamed(head, candidate, parent); };
-        if (lowestSlot(taken) == noSlot) return candidate;
+        if (lowestSlot(taken) == noSlot && !(alsoTaken && alsoTaken(candidate))) return candidate;
         const std::string digits = std::to_string(number);
         candidate = name.substr(0, nameLimitOf(itemKind) - digits.size() - 1);
         candidate.append(" ").append(digits);

@@ -8,6 +8,7 @@
 //       (gaps, until the end of the run) are deleted records, one behind the other, without their signature.
 #pragma once
 
+#include <functional>
 #include <new>
 #include <string_view>
 #include <vector>
@@ -95,7 +96,9 @@ std::string_view storedName(std::string_view name);
 
 // Whether the record is seen under this name by people: the temporary folder never is.
 bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent);
-std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind) REQUIRES_LOCK(storeLock);
+// The name itself or the next one that neither a record under parent has nor alsoTaken refuses.
+std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind,
+                     const std::function<bool(std::string_view)> &alsoTaken = {}) REQUIRES_LOCK(storeLock);
 
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
 // Folders one within the other, the first of them under parent; id is the last one's.

@@ -3,7 +3,8 @@
 
 #include <algorithm>
 
-#include "store/undo_steps.h"
+#include "calculator/charset.h"
+#include "store/keep_for_undo.h"
 
 namespace numalink {
 
@@ -34,19 +35,30 @@ bool holdsId(const std::vector<StoredItem> &items, ItemId id) {
     return std::ranges::find(items, id, &StoredItem::id) != items.end();
 }
 
-// The steps of the newest group as one. What came and left again within it is in neither list.
-UndoStep newestGroup(const std::vector<UndoStep> &steps) {
-    UndoStep joined{.group = steps.back().group, .items = {}, .cameInstead = {}};
-    for (auto step = steps.rbegin(); step != steps.rend() && step->group == joined.group; ++step) {
-        joined.items.insert(joined.items.end(), step->items.begin(), step->items.end());
-        joined.cameInstead.insert(joined.cameInstead.end(), step->cameInstead.begin(), step->cameInstead.end());
+// The steps of the newest group as one. What came and left again within it is in neither list. The items lie in steps.
+struct NewestGroup {
+    std::vector<const StoredItem *> items;
+    std::vector<ItemDigest> came;
+};
+
+NewestGroup newestGroup(const std::vector<UndoStep> &steps) {
+    NewestGroup joined;
+    std::vector<ItemId> left, came;
+    for (auto step = steps.rbegin(); step != steps.rend() && step->group == steps.back().group; ++step) {
+        for (const StoredItem &item : step->items) left.push_back(item.id);
+        for (const ItemDigest &item : step->cameInstead) came.push_back(item.id);
+        for (const StoredItem &item : step->items) joined.items.push_back(&item);
+        joined.came.insert(joined.came.end(), step->cameInstead.begin(), step->cameInstead.end());
     }
-    const auto came = joined.cameInstead;
-    std::erase_if(joined.cameInstead, [&](const ItemDigest &item) { return holdsId(joined.items, item.id); });
-    std::erase_if(joined.items, [&](const StoredItem &item) {
-        return std::ranges::find(came, item.id, &ItemDigest::id) != came.end();
-    });
+    std::erase_if(joined.came, [&](const ItemDigest &item) { return std::ranges::count(left, item.id) > 0; });
+    std::erase_if(joined.items, [&](const StoredItem *item) { return std::ranges::count(came, item->id) > 0; });
     return joined;
+}
+
+UndoOffer offerOf(const NewestGroup &newest) {
+    return {.name = newest.items.empty() ? std::string() : newest.items.front()->name,
+            .count = newest.items.size(),
+            .replacement = !newest.came.empty()};
 }
 
 void dropNewestGroup(std::vector<UndoStep> &steps) {
@@ -60,7 +72,7 @@ Fault readUnchanged(const std::vector<ItemDigest> &came, std::vector<StoredItem>
         StoredItem now;
         if (slotOfId(item.id) == noSlot) continue;
         if (const Fault fault = readItem(item.id, now); fault != Fault::none) return fault;
-        if (digestOf(now.head, now.data) == item.digest) unchanged.push_back(std::move(now));
+        if (digestOf(now, now.head, now.data) == item.digest) unchanged.push_back(std::move(now));
     }
     return Fault::none;
 }
@@ -71,36 +83,49 @@ bool nameTaken(const StoredItem &item, const std::vector<StoredItem> &leaving) R
            }) != noSlot;
 }
 
-// Gives each item a folder that is there, and a name that is free in it.
+// Gives each item a folder that is there, and a name that is free in it. What comes back with its folder keeps its
+// name, and so do items that bore one name side by side.
 void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &leaving) REQUIRES_LOCK(storeLock) {
-    std::vector<StoredItem> ahead;
+    std::vector<ItemId> homeless;
     for (StoredItem &item : items) {
-        const bool comesToo = holdsId(ahead, item.parent);
-        if (!comesToo && !isFolderId(item.parent)) item.parent = rootId;
-        if (!comesToo && nameTaken(item, leaving)) {
-            item.name = freeName(item.name, item.parent, item.kind);
-            if (item.kind == kind::program) renameProgram(item.head, item.name);
-        }
-        if (isFolderKind(item.kind)) ahead.push_back(item);
+        if (holdsId(items, item.parent) || isFolderId(item.parent)) continue;
+        item.parent = rootId;
+        homeless.push_back(item.id);
+    }
+    for (StoredItem &item : items) {
+        const auto othersBear = [&](std::string_view name) {
+            return std::ranges::any_of(items, [&](const StoredItem &other) {
+                return other.id != item.id && other.parent == item.parent && equalWithoutCase(other.name, name);
+            });
+        };
+        if (holdsId(items, item.parent)) continue;
+        const bool isHomeless = std::ranges::count(homeless, item.id) > 0;
+        if (!nameTaken(item, leaving) && !(isHomeless && othersBear(item.name))) continue;
+        item.name = freeName(item.name, item.parent, item.kind, othersBear);
+        if (item.kind == kind::program) renameProgram(item.head, item.name);
     }
 }
 
 // Does the newest group of from, and makes the step that undoes this for to.
-Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, ItemId &shown) REQUIRES_LOCK(storeLock) {
-    UndoStep step = newestGroup(from);
+Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, TakenBack &done) REQUIRES_LOCK(storeLock) {
+    const NewestGroup newest = newestGroup(from);
+    TakenBack doing{.step = offerOf(newest)};
     UndoStep inverse{.group = ++lastGroup, .items = {}, .cameInstead = {}};
-    if (const Fault fault = readUnchanged(step.cameInstead, inverse.items); fault != Fault::none) return fault;
-    if (step.items.empty() && inverse.items.size() != step.cameInstead.size()) {
+    if (const Fault fault = readUnchanged(newest.came, inverse.items); fault != Fault::none) return fault;
+    if (newest.items.empty() && inverse.items.size() != newest.came.size()) {
         from.clear();  // what came back was changed: it isn't taken away again
         return Fault::absent;
     }
-    findPlaces(step.items, inverse.items);
+    std::vector<StoredItem> items;
+    for (const StoredItem *item : newest.items) items.push_back(*item);
+    findPlaces(items, inverse.items);
     std::vector<ItemId> leaving;
     for (const StoredItem &item : inverse.items) leaving.push_back(item.id);
-    for (const StoredItem &item : step.items) inverse.cameInstead.push_back({item.id, digestOf(item.head, item.data)});
+    for (const StoredItem &item : items) inverse.cameInstead.push_back({item.id, digestOf(item, item.head, item.data)});
     to.reserve(to.size() + 1);
-    if (const Fault fault = putBack(step.items, leaving); fault != Fault::none) return fault;
-    shown = step.items.empty() ? noItem : step.items.front().id;
+    if (const Fault fault = putBack(items, leaving); fault != Fault::none) return fault;
+    if (!items.empty()) doing.shown = items.front().id;
+    done = std::move(doing);
     dropNewestGroup(from);
     to.push_back(std::move(inverse));
     redoArrivals = storeState.arrivals;
@@ -114,11 +139,14 @@ bool redoIsSound() REQUIRES_LOCK(storeLock) {
 
 }  // namespace
 
-std::uint64_t digestOf(ByteView head, ByteView data) {
+std::uint64_t digestOf(const ItemEntry &entry, ByteView head, ByteView data) {
     std::uint64_t digest = 0xCBF29CE484222325;
-    const auto add = [&](std::uint8_t byte) { digest = (digest ^ byte) * 0x100000001B3; };
+    const auto add = [&](auto part) { digest = (digest ^ part) * 0x100000001B3; };
+    for (const char code : entry.name) add(static_cast<std::uint8_t>(code));
+    for (const std::uint64_t number :
+         {std::uint64_t{entry.parent}, std::uint64_t{entry.kind}, std::uint64_t{head.size()}})
+        add(number);
     std::ranges::for_each(head, add);
-    add(static_cast<std::uint8_t>(head.size()));
     std::ranges::for_each(data, add);
     return digest;
 }
@@ -149,7 +177,8 @@ Fault undoStepFor(std::size_t slot, UndoStep &step) {
 void keepUndoStep(UndoStep step) {
     if (step.items.empty()) return;
     step.group = threadGroup != 0 ? threadGroup : ++lastGroup;
-    undoSteps.push_back(std::move(step));
+    const auto after = std::ranges::find(undoSteps.rbegin(), undoSteps.rend(), step.group, &UndoStep::group);
+    undoSteps.insert(after == undoSteps.rend() ? undoSteps.end() : after.base(), std::move(step));
     redoSteps.clear();
 }
 
@@ -162,12 +191,12 @@ UndoGroup::UndoGroup() { threadGroup = newGroup(); }
 UndoGroup::~UndoGroup() { threadGroup = 0; }
 
 std::optional<UndoOffer> storeUndoOffer() {
-    const HoldLock hold(storeLock);
-    if (undoSteps.empty()) return std::nullopt;
-    const UndoStep step = newestGroup(undoSteps);
-    return UndoOffer{.name = step.items.empty() ? std::string() : step.items.front().name,
-                     .count = step.items.size(),
-                     .replacement = !step.cameInstead.empty()};
+    std::optional<UndoOffer> offer;
+    withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+        if (!undoSteps.empty()) offer = offerOf(newestGroup(undoSteps));
+        return Fault::none;
+    });
+    return offer;
 }
 
 bool storeCanRedo() {
@@ -175,15 +204,15 @@ bool storeCanRedo() {
     return redoIsSound();
 }
 
-bool storeUndo(ItemId &shown) {
+bool storeUndo(TakenBack &done) {
     return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
-        return undoSteps.empty() ? Fault::absent : takeBack(undoSteps, redoSteps, shown);
+        return undoSteps.empty() ? Fault::absent : takeBack(undoSteps, redoSteps, done);
     }));
 }
 
-bool storeRedo(ItemId &shown) {
+bool storeRedo(TakenBack &done) {
     return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
-        return redoIsSound() ? takeBack(redoSteps, undoSteps, shown) : Fault::absent;
+        return redoIsSound() ? takeBack(redoSteps, undoSteps, done) : Fault::absent;
     }));
 }
 

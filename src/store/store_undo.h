@@ -10,19 +10,23 @@
 namespace numalink {
 
 struct UndoOffer {
-    std::string name;          // of the item, or of the folder that was deleted
+    std::string name;          // of the item, or of the folder that was deleted, as it was
     std::size_t count = 0;     // items that come back
     bool replacement = false;  // they were replaced by others
 };
-std::optional<UndoOffer> storeUndoOffer();  // nothing when there is nothing to take back
+std::optional<UndoOffer> storeUndoOffer();  // nothing when there is nothing to take back, or no memory to tell it
 
-// Brings back what the newest step took out, in one change. What came in its place leaves again, unless it was changed
-// since: then both stay. A name that is taken by now gives the next free one; a folder that is gone gives the top
-// level. False when there is nothing, or the change failed (told); shown then is as it was. Else shown is the item to
-// select, noItem when there is none.
-bool storeUndo(ItemId &shown);
-// Undoes the undo. Only as long as nothing has been added, deleted or moved since.
-bool storeRedo(ItemId &shown);
+// What was done, for telling of it.
+struct TakenBack {
+    ItemId shown = noItem;  // the item to select, noItem when there is none
+    UndoOffer step;
+};
+// Brings back what the newest step took out, in one change. What came in its place leaves again, unless it was changed,
+// renamed or moved since: then both stay. A name that is taken by now gives the next free one; a folder that is gone
+// gives the top level. False when there is nothing, or the change failed (told); done then is as it was.
+bool storeUndo(TakenBack &done);
+// Undoes the undo. Only as long as nothing has been added, deleted or moved since, and what came back is unchanged.
+bool storeRedo(TakenBack &done);
 bool storeCanRedo();
 
 // While one lives, all that its thread deletes or replaces is one step.

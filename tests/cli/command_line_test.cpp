@@ -6,6 +6,7 @@
 
 #include "cli/commands.h"
 #include "cli/hex_text.h"
+#include "platform/file_port.h"
 #include "platform/user_interface.h"
 #include "support/scratch_folder.h"
 
@@ -185,6 +186,48 @@ TEST_F(CommandLine, AProgramRunsWithItsFolder) {
     EXPECT_EQ(halted["ended"], "end");
     EXPECT_EQ(run(on({"run", "games/Mat B"})).status, 2);
     EXPECT_EQ(run(on({"run", "games/NONE"})).status, 2);
+}
+
+int writesLeft = 0;
+
+TEST_F(CommandLine, CheckTellsOfALibraryAndRepairsIt) {
+    ASSERT_EQ(run(on({"import", file})).status, 0);
+    const std::string name = "library/new/storage.dat", sound = "places with damage: 0\n";
+    enum class Before { none, damage, hold, remove };
+    struct Row {
+        Before before;
+        bool repair;
+        int writes, status;
+        std::string tells;
+    };
+    const Row rows[] = {
+        {Before::none, false, 99, 0, sound},
+        {Before::none, true, 99, 0, sound},
+        {Before::damage, false, 99, 1, "lost: at 8032, id "},
+        {Before::none, true, 0, 2, "could not be repaired; it is as it was"},
+        {Before::none, true, 1, 2, "could not be repaired; it is as it was"},  // once its copy is written
+        {Before::none, true, 99, 1, "repaired; the damaged file is kept"},
+        {Before::none, false, 99, 0, sound},
+        {Before::hold, true, 99, 2, "in use by another program"},
+        {Before::remove, true, 99, 2, "there is no such file"},
+    };
+    filePort.writeAt = [](int to, std::uint64_t offset, const void *bytes, std::size_t count) {
+        return writesLeft-- > 0 ? systemFilePort.writeAt(to, offset, bytes, count) : 0;
+    };
+    for (const Row &row : rows) {
+        std::string bytes = scratch.read(name);
+        int held = -1;
+        if (row.before == Before::damage) scratch.write(name, bytes.replace(8032, 1, "x"));
+        if (row.before == Before::hold) filePort.openLocked((scratch.path + name).c_str(), false, held);
+        if (row.before == Before::remove) std::filesystem::remove(scratch.path + name);
+        writesLeft = row.writes;
+        const Outcome outcome = run(row.repair ? on({"check", "--repair"}) : on({"check"}));
+        if (held >= 0) filePort.close(held);
+        EXPECT_EQ(outcome.status, row.status) << row.tells;
+        EXPECT_THAT(outcome.out + outcome.err, HasSubstr(row.tells));
+        EXPECT_TRUE((row.status == 1 && row.repair) || scratch.read(name) == bytes) << row.tells;
+    }
+    filePort = systemFilePort;
 }
 
 TEST_F(CommandLine, BytesRunAsAProgram) {

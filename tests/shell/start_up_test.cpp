@@ -4,12 +4,14 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QTest>
-#include <QThread>
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
 #include <csignal>
+#include <filesystem>
+#include <map>
 
 #include "shell/command_table.h"
 #include "shell/item_tree.h"
@@ -17,7 +19,6 @@
 #include "shell/shell_fixture.h"
 #include "shell/shell_texts.h"
 #include "shell/shell_widgets.h"
-#include "shell/single_copy.h"
 #include "shell/start_up.h"
 #include "text/token_table.h"
 
@@ -67,16 +68,32 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
 
-TEST_F(StartUp, SecondCopyRaisesTheFirstAndEnds) {
+using FolderContent = std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>>;
+
+FolderContent contentOf(const ScratchFolder &folder) {
+    FolderContent content;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder.path)) {
+        const std::string name = std::filesystem::relative(entry.path(), folder.path).string();
+        content[name] = {entry.is_directory() ? "" : folder.read(name), entry.last_write_time()};
+    }
+    return content;
+}
+
+TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
     ASSERT_TRUE(startProgram());
+    addProgram("ABC", "A");
     mainWindow->hide();
-    bool raised = false;
-    QThread *second = QThread::create([&] { raised = raiseRunningCopy(); });
-    second->start();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return second->isFinished(); }));
-    delete second;
-    EXPECT_TRUE(raised);
+    const FolderContent before = contentOf(folder);
+    QProcess second;
+    second.start(QCoreApplication::applicationFilePath(),
+                 {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
+    EXPECT_EQ(second.exitCode(), 0);
+    const std::string held = ownText(OwnText::storeHeld, {folder.path + "storage.dat"});
+    EXPECT_EQ(second.readAllStandardOutput().toStdString(),
+              languageText(33) + "\n" + held + "\n" + languageText(3) + "\n");
     EXPECT_TRUE(mainWindow->isVisible());
+    EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
 }
 
 TEST_F(StartUp, ExitCloseAndSignalsEndTheEventLoop) {

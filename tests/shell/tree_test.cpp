@@ -23,6 +23,7 @@
 #include "shell/shell_widgets.h"
 #include "shell/start_up.h"
 #include "shell/tree_events.h"
+#include "store/store_undo.h"
 
 namespace numalink {
 
@@ -321,6 +322,21 @@ TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     QTest::keyClick(programEdit, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(storeReadEntry(program)) << "typing is undone, not the library";
     EXPECT_FALSE(programEdit->toPlainText().startsWith(QStringLiteral("BCD")));
+    std::vector<ItemId> received;
+    {
+        const UndoGroup group;  // as a conversation with a calculator
+        for (const char *name : {"ABC", "XY"}) received.push_back(addProgram(name, "B", games));
+        for (const char *name : {"ABC", "XY"}) received.push_back(addProgram(name, "C", games));
+    }
+    refreshTree();
+    select(games);
+    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
+    QAction *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    EXPECT_EQ(undoAction->text(), textOf(OwnText::undoReplacement, {"XY"}));
+    undoAction->trigger();
+    EXPECT_TRUE(storeReadEntry(program)) << "all of it in one step";
+    for (const ItemId id : received) EXPECT_EQ(storeReadEntry(id).has_value(), id == received[1]);
+    EXPECT_EQ(selectedItemId(), received[1]);
 }
 
 }  // namespace numalink

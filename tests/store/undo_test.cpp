@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
+#include <thread>
 
 #include "calculator/program_info.h"
 #include "platform/clock.h"
@@ -9,6 +11,7 @@
 #include "store/daily_copies.h"
 #include "store/store_undo.h"
 #include "store_support.h"
+#include "support/failing_memory.h"
 
 namespace numalink {
 
@@ -24,13 +27,13 @@ std::vector<StoredItem> seen() {
 }
 
 bool undo() {
-    ItemId shown = noItem;
-    return storeUndo(shown);
+    TakenBack done;
+    return storeUndo(done);
 }
 
 bool redo() {
-    ItemId shown = noItem;
-    return storeRedo(shown);
+    TakenBack done;
+    return storeRedo(done);
 }
 
 TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
@@ -116,34 +119,188 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
     EXPECT_EQ(seen(), before);
 }
 
-std::string dateOfTest;
-
-TEST(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
-    const ScratchFolder scratch;
-    const std::string folder = scratch.path;
-    clockPort.localDate = [] { return dateOfTest; };
-    for (int day = 10; day < 24; day++) {
-        dateOfTest = "2026-05-" + std::to_string(day);
-        for (int start = 0; start < (day == 15 ? 1 : 2); start++) {
-            ASSERT_TRUE(storeOpen());
-            EXPECT_TRUE(keepDailyCopy());
-            if (day % 7 != 0) storeResolvePath("/Day " + dateOfTest, true);
-            storeClose();
-        }
+TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
+    static const ItemId folder = storeResolvePath("/F", true);
+    bool (*const touches[])(ItemId) = {
+        [](ItemId id) { return storeRename(id, "B"); }, [](ItemId id) { return storeMove(id, folder); },
+        [](ItemId id) { return storeWriteItem(id, item("A", kind::matrix, rootId, {1}, {2})); }};
+    for (const auto touch : touches) {
+        const ItemId old = add("A", kind::list, rootId, {1}, {1});
+        const ItemId id = add("A", kind::list, rootId, {1}, {2});
+        ASSERT_TRUE(touch(id));
+        ASSERT_TRUE(undo());
+        EXPECT_EQ(read(id).data, Bytes{2});
+        EXPECT_EQ(read(old).data, Bytes{1});
+        EXPECT_TRUE(storeDelete(id) && storeDelete(old));
     }
-    const std::filesystem::directory_iterator copies(folder + "backups");
-    EXPECT_EQ(static_cast<std::size_t>(std::distance(begin(copies), end(copies))), dailyCopyLimit);
-    EXPECT_FALSE(fileExists(folder + "backups/storage-2026-05-15.dat")) << "nothing had changed on the day before";
-    EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-14.dat"));
-    EXPECT_TRUE(fileExists(folder + "backups/storage-2026-05-23.dat"));
-    EXPECT_FALSE(fileExists(folder + "backups/storage-2026-05-12.dat"));
-    std::filesystem::copy_file(folder + "backups/storage-2026-05-14.dat", folder + "storage.dat",
+}
+
+TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySawIsNone) {
+    for (const char *name : {"A", "B", "X"}) add(name, kind::list, rootId, {1}, {1});
+    {
+        const UndoGroup group;
+        add("A", kind::list, rootId, {2}, {2});
+        std::thread([] { EXPECT_TRUE(storeDelete(storeFindItem("X", rootId))); }).join();
+        add("B", kind::list, rootId, {2}, {2});
+    }
+    const ItemId folder = storeResolvePath("/F/G", true);
+    EXPECT_FALSE(storeDropFolder(read(folder).parent)) << "it holds something";
+    ASSERT_TRUE(storeDropFolder(folder));
+    EXPECT_EQ(storeUndoOffer()->name, "X");
+    ASSERT_TRUE(undo());
+    EXPECT_EQ(storeUndoOffer()->count, 2U);
+}
+
+TEST_F(Undo, WhatComesBackTogetherGetsNamesOfItsOwn) {
+    for (const bool taken : {false, true}) {
+        const ItemId folders[] = {storeResolvePath("/F", true), storeResolvePath("/G", true)};
+        std::vector<ItemId> ids;
+        for (const char *name : {"A", "A 2"})
+            for (const ItemId folder : folders) ids.push_back(add(name, kind::list, folder));
+        {
+            const UndoGroup group;
+            for (const ItemId id : ids) ASSERT_TRUE(storeDelete(id));
+        }
+        for (const ItemId folder : folders) ASSERT_TRUE(storeDropFolder(folder));
+        if (taken) ids.push_back(add("A", kind::list));
+        ASSERT_TRUE(undo());
+        std::set<std::string> names;
+        for (const ItemEntry &entry : storeListChildren(rootId)) names.insert(entry.name);
+        EXPECT_EQ(names.size(), ids.size());
+        for (const ItemId id : ids) storeDelete(id);
+    }
+}
+
+// On real files: what is counted are the store's own allocations.
+struct WithoutMemory : ::testing::Test {
+    static bool failing(int n, bool (*operation)()) {
+        failMemory(n, true);
+        const bool result = operation();
+        failMemory(0, false);
+        return result;
+    }
+    const ScratchFolder scratch;
+    const RecordedUi ui;
+    const bool open = storeOpen();
+    inline static ItemId id = noItem;
+};
+
+TEST_F(WithoutMemory, NoFailureIsToldOfAChangeThatWasMade) {
+    const Bytes large(1200 * 1024, 1);  // once deleted, a gap that is closed at once
+    for (int n = 1; n == 1 || failingMemory.failed; n++) {
+        ASSERT_TRUE(storeOpen());
+        id = Store::add("large", kind::list, rootId, {}, large);
+        const ItemId behind = Store::add("behind", kind::list, rootId, {}, {1});
+        const bool deleted = failing(n, [] { return storeDelete(id); });
+        EXPECT_NE(storeReadEntry(id).has_value(), deleted) << n;
+        EXPECT_EQ(storeUndoOffer().has_value(), deleted) << n;
+        storeDelete(id);
+        EXPECT_TRUE(storeDelete(behind));
+        storeClose();
+    }
+}
+
+TEST_F(WithoutMemory, ReadingGivesNothing) {
+    id = Store::add("a name that lies on the heap", kind::list);
+    ASSERT_TRUE(storeDelete(Store::add("another", kind::list)));
+    bool (*const gives[])() = {
+        [] { return !storeListItems().empty(); }, [] { return !storeListChildren(rootId).empty(); },
+        [] { return storeReadEntry(id).has_value(); }, [] { return storeUndoOffer().has_value(); }, keepDailyCopy};
+    for (const auto given : gives) {
+        for (int n = 1; n < 10; n++) {
+            const bool gave = failing(n, given);
+            EXPECT_NE(gave, failingMemory.failed) << n;
+        }
+        EXPECT_TRUE(given());
+    }
+    storeClose();
+}
+
+TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken) {
+    const std::string copy = dailyCopyFolder() + "storage-" + clockPort.localDate() + ".dat";
+    const auto failing = [](int n, auto operation) {
+        simulatedDisk.operations = 0;
+        simulatedDisk.failingFrom = n;
+        simulatedDisk.failingCount = 1000;
+        const bool result = operation();
+        simulatedDisk.failingFrom = 0;
+        return result;
+    };
+    const auto copied = [&] { return simulatedDisk.now.names.erase(copy) > 0; };
+    add("A", kind::list);
+    const Bytes sound = file();
+    int broken = 0;
+    for (int n = 1; n < 12; n++) {
+        EXPECT_EQ(failing(n, keepDailyCopy), copied()) << n;
+        ASSERT_TRUE(restart(sound));
+        failing(n, storeResetTemp);
+        const bool usable = storeResetTemp();
+        if (!usable) broken++;
+        EXPECT_TRUE(keepDailyCopy() == usable && copied() == usable) << n;
+    }
+    EXPECT_GT(broken, 0);
+    Bytes damaged = sound;
+    damaged[sizeof(MainHeader)] = 0;
+    ASSERT_TRUE(restart(damaged) && storeIsDamaged());
+    EXPECT_TRUE(keepDailyCopy() && !copied());
+}
+
+struct DailyCopies : ::testing::Test {
+    DailyCopies() {
+        clockPort.localDate = [] { return today; };
+    }
+    ~DailyCopies() override { clockPort = systemClock; }
+
+    // A run of the program on that day, and the copies that lie there after it.
+    std::set<std::string> run(const std::string &date, bool changes) {
+        today = date;
+        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(keepDailyCopy());
+        if (changes) storeResolvePath("/Day " + today, true);
+        storeClose();
+        std::set<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(backups))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+    inline static std::string today;
+    const RecordedUi ui;
+    const ScratchFolder scratch;
+    const std::string backups = scratch.path + "backups/";
+};
+
+TEST_F(DailyCopies, AnOddClockAndForeignNamesCostNoTrueCopy) {
+    std::filesystem::create_directory(backups);
+    std::set<std::string> expected = {"storage-1-original.dat", "storage-2026-02-30.dat", "storage-2026-01-1x.dat"};
+    for (int day = 10; day < 19; day++) expected.insert("storage-2099-01-" + std::to_string(day) + ".dat");
+    for (const std::string &name : expected) scratch.write("backups/" + name, "");
+    struct Run {
+        const char *today, *gone;
+        bool changes = true, copied = true;
+    };
+    for (const Run &row : {Run{"2026-05-01", ""}, Run{"2026-05-02", "2099-01-10"}, Run{"1970-01-01", "2026-05-01"},
+                           Run{"2026-05-03", "2099-01-11", false}, Run{"2026-05-04", "", true, false}}) {
+        expected.erase("storage-" + std::string(row.gone) + ".dat");
+        if (row.copied) expected.insert("storage-" + std::string(row.today) + ".dat");
+        EXPECT_EQ(run(row.today, row.changes), expected) << row.today;
+    }
+}
+
+TEST_F(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
+    std::set<std::string> names;
+    for (int day = 10; day < 24; day++)
+        for (int start = 0; start < (day == 15 ? 1 : 2); start++)
+            names = run("2026-05-" + std::to_string(day), day % 7 != 0);
+    EXPECT_EQ(names.size(), dailyCopyLimit);
+    EXPECT_FALSE(names.contains("storage-2026-05-15.dat")) << "nothing had changed on the day before";
+    EXPECT_TRUE(names.contains("storage-2026-05-14.dat") && names.contains("storage-2026-05-23.dat"));
+    EXPECT_FALSE(names.contains("storage-2026-05-12.dat"));
+    std::filesystem::copy_file(backups + "storage-2026-05-14.dat", scratch.path + "storage.dat",
                                std::filesystem::copy_options::overwrite_existing);
     ASSERT_TRUE(storeOpen());
     EXPECT_TRUE(storeItemExists("Day 2026-05-13", rootId));
     EXPECT_FALSE(storeItemExists("Day 2026-05-15", rootId));
     storeClose();
-    clockPort = systemClock;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// What the operations hand over to be taken back later. Only store/ includes this. The caller holds storeLock.
+// How the operations hand over what leaves, so that it can be taken back later. Only store/ includes this; the
+// undoing itself is in store_undo.h. The caller holds storeLock.
 #pragma once
 
 #include <vector>
@@ -7,12 +8,12 @@
 
 namespace numalink {
 
-// An item by what it held at the time, so that one that was changed since is told apart.
+// An item by what it was at the time, so that one that was changed, renamed or moved since is told apart.
 struct ItemDigest {
     ItemId id = noItem;
     std::uint64_t digest = 0;
 };
-std::uint64_t digestOf(ByteView head, ByteView data);
+std::uint64_t digestOf(const ItemEntry &entry, ByteView head, ByteView data);  // of entry: name, parent, kind
 
 struct UndoStep {
     std::uint64_t group = 0;
@@ -23,7 +24,8 @@ struct UndoStep {
 // Reads the record with all that it holds. Of the temporary folder nothing is kept. To be asked ahead of the change,
 // which is refused when this is.
 Fault undoStepFor(std::size_t slot, UndoStep &step) REQUIRES_LOCK(storeLock);
-void keepUndoStep(UndoStep step) REQUIRES_LOCK(storeLock);  // once the change is done; allocates nothing
+// Once the change is done; allocates nothing. It stands with its group, whatever else was kept meanwhile.
+void keepUndoStep(UndoStep step) REQUIRES_LOCK(storeLock);
 void forgetUndoSteps() REQUIRES_LOCK(storeLock);
 
 }  // namespace numalink
