@@ -215,11 +215,11 @@ TEST_F(CommandLine, CheckTellsOfALibraryAndRepairsIt) {
         return writesLeft-- > 0 ? systemFilePort.writeAt(to, offset, bytes, count) : 0;
     };
     for (const Row &row : rows) {
-        std::string bytes = scratch.read(name);
         int held = -1;
-        if (row.before == Before::damage) scratch.write(name, bytes.replace(8032, 1, "x"));
+        if (row.before == Before::damage) scratch.write(name, scratch.read(name).replace(8032, 1, "x"));
         if (row.before == Before::hold) filePort.openLocked((scratch.path + name).c_str(), false, held);
         if (row.before == Before::remove) std::filesystem::remove(scratch.path + name);
+        const std::string bytes = scratch.read(name);
         writesLeft = row.writes;
         const Outcome outcome = run(row.repair ? on({"check", "--repair"}) : on({"check"}));
         if (held >= 0) filePort.close(held);
