@@ -74,7 +74,7 @@ FolderContent contentOf(const ScratchFolder &folder) {
     FolderContent content;
     for (const auto &entry : std::filesystem::recursive_directory_iterator(folder.path)) {
         const std::string name = std::filesystem::relative(entry.path(), folder.path).string();
-        content[name] = {folder.read(name), entry.last_write_time()};
+        content[name] = {entry.is_directory() ? "" : folder.read(name), entry.last_write_time()};
     }
     return content;
 }

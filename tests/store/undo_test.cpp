@@ -9,15 +9,15 @@
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "store/daily_copies.h"
-#include "support/failing_memory.h"
 #include "store/store_undo.h"
 #include "store_support.h"
+#include "support/failing_memory.h"
 
 namespace numalink {
 
 namespace {
 
-using Undo = Store;
+using Undo = OpenStore;
 
 // All but the temporary folder, by id.
 std::vector<StoredItem> seen() {
@@ -37,7 +37,6 @@ bool redo() {
 }
 
 TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
-    ASSERT_TRUE(storeOpen());
     add("first", kind::list, rootId, {1}, {2});
     const ItemId outer = storeResolvePath("/A", true);
     const ItemId inner = storeResolvePath("/A/B", true);
@@ -63,7 +62,6 @@ TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
 }
 
 TEST_F(Undo, AReplacedItemComesBackAndAnEditedOneStaysBesideIt) {
-    ASSERT_TRUE(storeOpen());
     add("A", kind::list, rootId, {1}, {1});
     const auto before = seen();
     add("A", kind::list, rootId, {2}, {2});
@@ -80,7 +78,6 @@ TEST_F(Undo, AReplacedItemComesBackAndAnEditedOneStaysBesideIt) {
 }
 
 TEST_F(Undo, AProgramWhoseNameIsTakenByNowComesBackUnderAnotherInItsHeadToo) {
-    ASSERT_TRUE(storeOpen());
     ProgramInfo info;
     info.name = "RACE";
     const ItemId folder = storeResolvePath("/A", true);
@@ -94,7 +91,6 @@ TEST_F(Undo, AProgramWhoseNameIsTakenByNowComesBackUnderAnotherInItsHeadToo) {
 }
 
 TEST_F(Undo, AGroupIsOneStepAndTheTemporaryFolderNone) {
-    ASSERT_TRUE(storeOpen());
     for (const char *name : {"A", "B"}) add(name, kind::list, rootId, {1}, {1});
     const auto before = seen();
     {
@@ -111,7 +107,6 @@ TEST_F(Undo, AGroupIsOneStepAndTheTemporaryFolderNone) {
 }
 
 TEST_F(Undo, AFailedWriteKeepsTheStep) {
-    ASSERT_TRUE(storeOpen());
     const ItemId id = add("A", kind::list, rootId, {1}, {1});
     const auto before = seen();
     ASSERT_TRUE(storeDelete(id));
@@ -125,7 +120,6 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
 }
 
 TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
-    ASSERT_TRUE(storeOpen());
     static const ItemId folder = storeResolvePath("/F", true);
     bool (*const touches[])(ItemId) = {
         [](ItemId id) { return storeRename(id, "B"); }, [](ItemId id) { return storeMove(id, folder); },
@@ -142,7 +136,6 @@ TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
 }
 
 TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySawIsNone) {
-    ASSERT_TRUE(storeOpen());
     for (const char *name : {"A", "B", "X"}) add(name, kind::list, rootId, {1}, {1});
     {
         const UndoGroup group;
@@ -159,7 +152,6 @@ TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySaw
 }
 
 TEST_F(Undo, WhatComesBackTogetherGetsNamesOfItsOwn) {
-    ASSERT_TRUE(storeOpen());
     for (const bool taken : {false, true}) {
         const ItemId folders[] = {storeResolvePath("/F", true), storeResolvePath("/G", true)};
         std::vector<ItemId> ids;
@@ -226,29 +218,37 @@ TEST_F(WithoutMemory, ReadingGivesNothing) {
 
 TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken) {
     const std::string copy = dailyCopyFolder() + "storage-" + clockPort.localDate() + ".dat";
-    ASSERT_TRUE(storeOpen());
-    add("A", kind::list);
-    Bytes damaged = file();
-    damaged[sizeof(MainHeader)] = 0;
-    const auto failFrom = [](int n, int count) {
-        simulatedDisk.failingFrom = n == 0 ? 0 : simulatedDisk.operations + n;
-        simulatedDisk.failingCount = count;
+    const auto failing = [](int n, auto operation) {
+        simulatedDisk.operations = 0;
+        simulatedDisk.failingFrom = n;
+        simulatedDisk.failingCount = 1000;
+        const bool result = operation();
+        simulatedDisk.failingFrom = 0;
+        return result;
     };
-    for (const int count : {1, 2, 3, 1000}) {
-        failFrom(1, count);
-        EXPECT_FALSE(keepDailyCopy() || simulatedDisk.now.names.contains(copy)) << count;
+    const auto copied = [&] {
+        const bool there = simulatedDisk.now.names.contains(copy);
+        EXPECT_TRUE(!there || diskFile(copy) == file());
+        return simulatedDisk.now.names.erase(copy) > 0;
+    };
+    add("A", kind::list);
+    const Bytes sound = file();
+    int broken = 0;
+    for (int n = 1; n < 12; n++) {
+        const bool kept = failing(n, keepDailyCopy);
+        EXPECT_TRUE(copied() || !kept) << n;
+        ASSERT_TRUE(restart(sound));
+        failing(n, storeResetTemp);
+        const bool usable = storeResetTemp();
+        if (!usable) broken++;
+        EXPECT_EQ(keepDailyCopy(), usable) << n;
+        EXPECT_EQ(copied(), usable) << n;
     }
-    bool broken = false;
-    for (int n = 3; n < 40 && !broken; n++) {  // once the journal is on the disk
-        failFrom(n, 1000);
-        EXPECT_FALSE(storeResetTemp());
-        failFrom(0, 0);
-        broken = !storeWriteHead();
-    }
-    EXPECT_TRUE(broken);
-    EXPECT_FALSE(keepDailyCopy() || simulatedDisk.now.names.contains(copy));
+    EXPECT_GT(broken, 0);
+    Bytes damaged = sound;
+    damaged[sizeof(MainHeader)] = 0;
     ASSERT_TRUE(restart(damaged) && storeIsDamaged());
-    EXPECT_TRUE(keepDailyCopy() && !simulatedDisk.now.names.contains(copy));
+    EXPECT_TRUE(keepDailyCopy() && !copied());
 }
 
 struct DailyCopies : ::testing::Test {
