@@ -87,6 +87,11 @@ void ShellTest::endProgram() {
 }
 
 void ShellTest::select(ItemId id) {
+    // Without a window manager a closed box may leave no window active, and keys would go nowhere.
+    if (QApplication::activeWindow() == nullptr) {
+        mainWindow->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(mainWindow));
+    }
     treeView->scrollToItem(treeEntryOf(id));
     QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, centreOf(id));
 }
