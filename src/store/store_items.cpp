@@ -177,6 +177,8 @@ Fault readItem(ItemId id, StoredItem &item) {
     const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
                        storeFileRead(offset + sizeof head, read.head) &&
                        storeFileRead(offset + sizeof head + head.headSize, read.data);
+    // Opening has taken a second temporary folder for an ordinary one.
+    if (head.kind == kind::folder && inFile.kind == kind::temporaryFolder) inFile.kind = kind::folder;
     // Another head than the one in memory: somebody has written to the file in spite of its lock.
     if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
     item = std::move(read);

@@ -4,10 +4,10 @@
 
 #include "platform/program_folder.h"
 #include "settings/tell_user.h"
+#include "store/keep_for_undo.h"
 #include "store/store_changes.h"
 #include "store/store_check.h"
 #include "store/store_copy.h"
-#include "store/keep_for_undo.h"
 
 namespace numalink {
 

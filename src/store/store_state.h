@@ -2,7 +2,8 @@
 // is told once the lock is free. Only store/ includes this. The caller holds storeLock throughout.
 //
 // Invariants between any two operations while the store is open:
-//   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file; main.itemCount is their number.
+//   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file but for the kind of a second
+//       temporary folder, which is an ordinary one here; main.itemCount is their number.
 //   (2) main is what the file's first 8032 bytes hold, unless opening found damage and nothing was changed since.
 //   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset. What else lies there
 //       (gaps, until the end of the run) are deleted records, one behind the other, without their signature.
