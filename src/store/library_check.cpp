@@ -172,7 +172,7 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
 
 bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
     Bytes file;
-    if (!composeFile(examined, file) || !storeFileKeepCopy()) return false;
+    if (!composeFile(examined, file) || !storeFileKeepCopy() || !storeJournalKeepTorn()) return false;
     const std::uint64_t size = file.size();
     changeBegin();
     changeWrite(0, std::move(file));

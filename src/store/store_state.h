@@ -44,6 +44,7 @@ enum class Fault {
     notWritten,
     headNotWritten,
     broken,
+    replaced,
     itemUnread,
     notCopied,
     noMemory,

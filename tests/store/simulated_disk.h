@@ -22,7 +22,7 @@ struct DiskImage {
     std::map<int, Bytes> files;
 };
 
-enum class DiskAction { write, cut, sync, create, remove, rename, syncFolder };
+enum class DiskAction { write, cut, sync, failedSync, create, remove, rename, syncFolder };
 
 struct DiskStep {
     DiskAction action;

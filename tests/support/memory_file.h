@@ -83,6 +83,12 @@ inline constexpr FilePort memoryFilePort = {
     .close = [](int file) { memoryDisk.openFiles[static_cast<std::size_t>(file)].clear(); },
     .remove = [](const char *path) { return !memoryFile::fails() && memoryDisk.files.erase(path) > 0; },
     .rename = memoryFile::rename,
+    .isNamed = [](int, const char *) { return std::optional(true); },
+    .realPath =
+        [](const char *path, std::string &real) {
+            real = path;
+            return true;
+        },
     .syncFolder = [](const char *) { return !memoryFile::fails(); },
 };
 
