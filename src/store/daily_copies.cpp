@@ -48,10 +48,9 @@ bool keepDailyCopy() {
     std::vector<std::string> names = copiesIn(folder);
     if (std::ranges::find(names, today) != names.end()) return true;
     if (!names.empty() && sameBytes(libraryFolder() + "storage.dat", folder + names.back())) return true;
-    std::error_code error;
-    std::filesystem::create_directory(folder, error);
-    if (!storeCopyTo(folder + today)) return false;
+    if (!makeFolders(folder) || !storeCopyTo(folder + today)) return false;
     names = copiesIn(folder);
+    std::error_code error;
     for (std::size_t extra = 0; extra + dailyCopyLimit < names.size(); extra++)
         std::filesystem::remove(folder + names[extra], error);
     return true;

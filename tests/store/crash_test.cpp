@@ -9,6 +9,7 @@
 
 #include <thread>
 
+#include "store/library_check.h"
 #include "store/store_worker.h"
 
 namespace numalink {
@@ -151,6 +152,61 @@ TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
     }
     RecordProperty("states", tried);
     std::printf("crash states: %d\n", tried);
+}
+
+struct GuardedChange {
+    const char *what;
+    bool (*change)();
+    const char *copy;  // of what was there ahead of it
+};
+
+// While the power goes at each step, and while each step fails.
+TEST_F(PowerLoss, LeavesADamagedLibraryWholeWithItsCopy) {
+    ASSERT_TRUE(storeOpen());
+    for (const char *name : {"A", "B", "C"}) Store::add(name, kind::list, rootId, {1}, Bytes(700, 2));
+    ASSERT_NE(storeTempFolder(), noItem);
+    storeClose();
+    DiskImage image = simulatedDisk.now;
+    Bytes &damaged = image.files[image.names[libraryPath]];
+    damaged[sizeof(MainHeader)] = 0;  // the signature of "A"
+    const GuardedChange changes[] = {
+        {"change", [] { return storeOpen() && storeRename(3, "new"); }, "/library/storage.dat.damaged-1"},
+        {"repair", [] { return checkLibrary(true).repaired; }, "/library/storage.dat.damaged-1"},
+        {"copy", [] { return storeOpen() && storeCopyTo("/library/copy"); }, "/library/copy"},
+    };
+    for (const auto &[what, change, copyPath] : changes) {
+        SCOPED_TRACE(what);
+        diskLoad(image);
+        ASSERT_TRUE(change());
+        powerOff();
+        std::swap(ended, simulatedDisk);
+        const Bytes result = libraryBytes(ended.now);
+        const auto check = [&](DiskImage left, bool acknowledged) {
+            diskLoad(left);
+            ASSERT_TRUE(storeOpen());
+            powerOff();
+            Bytes found = libraryBytes(simulatedDisk.now);
+            if (found != damaged) found.resize(std::min(found.size(), result.size()));  // behind its end lies anything
+            ASSERT_TRUE(found == result || (found == damaged && !acknowledged));
+            const Bytes copy = bytesAt(left, copyPath);
+            ASSERT_TRUE(copy == damaged || (found == damaged && !acknowledged));
+            ASSERT_TRUE(result != damaged || copy.empty() || copy == damaged) << "a name for what isn't whole";
+        };
+        for (std::size_t step = 0; step <= ended.steps.size() && !HasFatalFailure(); step++)
+            for (int turn = 0; turn < 8 && !HasFatalFailure(); turn++)
+                check(diskAfterCrash(ended, step, random), step == ended.steps.size());
+        bool failed = true;
+        for (int n = 1; failed && !HasFatalFailure(); n++) {
+            diskLoad(image);
+            simulatedDisk.failingFrom = n;
+            simulatedDisk.failingCount = n % 2 == 0 ? 1 : 1000000;
+            const bool done = change();
+            failed = simulatedDisk.operations >= n;
+            simulatedDisk.failingFrom = 0;
+            powerOff();
+            check(simulatedDisk.now, done);
+        }
+    }
 }
 
 // Works until it is killed, and says so after each operation.

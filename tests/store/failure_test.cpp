@@ -267,6 +267,46 @@ TEST_F(Failures, OfJournalsThatCannotBeUsed) {
     }
 }
 
+TEST_F(Failures, OfNamesThatLeadElsewhere) {
+    for (const char *name : {libraryPath, journalPath}) {
+        for (const int other : {0, 99}) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(other));
+            storeClose();
+            diskLoad(fresh);
+            ASSERT_TRUE(storeOpen() && storeRename(4, "C"));
+            simulatedDisk.now.names.erase(name);
+            simulatedDisk.now.files[99] = {1};
+            if (other != 0) simulatedDisk.now.names[name] = other;
+            const DiskImage found = simulatedDisk.now;
+            uiRecord.lines.clear();
+            EXPECT_FALSE(storeRename(4, "D") || storeRename(4, "E"));
+            EXPECT_EQ(uiRecord.lines, std::vector<std::string>(2, "box 166 / 2"));
+            EXPECT_TRUE(storeItemExists("C", rootId));
+            storeClose();
+            EXPECT_TRUE(simulatedDisk.now.names == found.names && simulatedDisk.now.files == found.files);
+        }
+    }
+}
+
+TEST(SystemFiles, AreFollowedThroughALinkAndWatchedForTheirNames) {
+    const RecordedUi ui;
+    const ScratchFolder folder;
+    const std::string file = folder.path + "elsewhere/library";
+    std::filesystem::create_directory(folder.path + "elsewhere");
+    std::filesystem::create_symlink("elsewhere/library", folder.path + "storage.dat");
+    ASSERT_TRUE(storeOpen());
+    EXPECT_NE(storeResolvePath("/A", true), noItem);
+    EXPECT_TRUE(std::filesystem::exists(file + "-journal"));
+    std::filesystem::rename(file, file + "-moved");
+    EXPECT_EQ(storeResolvePath("/B", true), noItem);
+    std::filesystem::rename(file + "-moved", file);
+    EXPECT_EQ(storeResolvePath("/B", true), noItem) << "what came meanwhile isn't known";
+    EXPECT_EQ(uiRecord.lines.size(), 2U);
+    storeClose();
+    EXPECT_TRUE(storeOpen() && storeResolvePath("/B", true) != noItem);
+    storeClose();
+}
+
 // A disk that is really full, where the system allows one to be made.
 TEST(FullDisk, RefusesAndGoesOnWhenThereIsRoomAgain) {
     const RecordedUi ui;

@@ -128,7 +128,8 @@ bool isAfterStart(const LibraryState &found, const LibraryState &expected) {
 
 Bytes bytesAt(const DiskImage &image, const std::string &path) {
     const auto name = image.names.find(path);
-    return name == image.names.end() ? Bytes() : image.files.at(name->second);
+    const auto file = name == image.names.end() ? image.files.end() : image.files.find(name->second);
+    return file == image.files.end() ? Bytes() : file->second;
 }
 
 bool workOnce(Random &random) {
