@@ -5,7 +5,7 @@
 // How a change goes, by what is on the disk at each instant:
 //   (1) The journal is written and synced: what the change is going to write over. storage.dat is untouched.
 //   (2) storage.dat is written and synced. Opened from here, the journal brings the old bytes back, unless all the new
-//       ones are there.
+//       ones are there: then they are written and synced once more.
 //   (3) The journal's first bytes are wiped. That needs no sync: with it or without, the file is the new one.
 #pragma once
 
