@@ -50,9 +50,12 @@ struct PowerLoss : ::testing::Test {
         note();
         const SimulatedDisk disk = simulatedDisk;
         const bool forGood = random() % 2 == 0, killed = forGood || random() % 2 == 0;
-        const int failing = 1 + static_cast<int>(random() % 40);
+        int failing = 1 + static_cast<int>(random() % 40);
+        const bool atSync = random() % 2 == 0;
         Random same = random;
+        simulatedDisk.operations = simulatedDisk.lastSync = 0;
         workOnce(same);
+        if (atSync) failing = simulatedDisk.lastSync;
         const LibraryState done = libraryState();
         powerOff();
         simulatedDisk = disk;

@@ -127,6 +127,7 @@ std::optional<bool> isNamed(int file, const char *path) {
 bool takeSync(DiskAction action, int file) {
     const SpareMemory spare;
     const bool failed = fails();
+    if (action == DiskAction::sync) disk.lastSync = disk.operations;
     if (failed && !disk.dead && action == DiskAction::sync) take({DiskAction::failedSync, file, 0, {}, {}, {}});
     return !failed && take({action, file, 0, {}, {}, {}});
 }

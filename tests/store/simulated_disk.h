@@ -39,6 +39,7 @@ struct SimulatedDisk {
     std::map<int, int> openFiles;
     bool dead = false;   // the power is off: nothing reaches the disk
     int operations = 0;  // of any sort so far, reads included
+    int lastSync = 0;    // which of them was the last sync of a file
     int failingFrom = 0;
     int failingCount = 0;
 };
