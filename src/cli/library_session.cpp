@@ -2,9 +2,9 @@
 
 #include <charconv>
 #include <cstdio>
-#include <filesystem>
 
 #include "calculator/charset.h"
+#include "platform/files.h"
 #include "platform/program_folder.h"
 #include "settings/language_table.h"
 #include "settings/settings_store.h"
@@ -24,8 +24,7 @@ ItemId findInFolder(std::string_view folderPath, std::string_view name) {
 }
 
 bool loadTablesFor(const std::string &folder) {
-    std::error_code ignored;  // storeOpen tells that there is no such folder
-    std::filesystem::create_directories(folder, ignored);
+    makeFolders(folder);  // storeOpen tells that there is none
     setLibraryFolder(folder);
     return loadTables();
 }

@@ -7,6 +7,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <string>
 
 namespace numalink {
@@ -79,6 +81,20 @@ bool sync(int file) {
     return result == 0;
 }
 
+std::optional<bool> isNamed(int file, const char *path) {
+    struct stat facts {
+    }, there{};
+    if (fstat(file, &facts) != 0) return std::nullopt;
+    if (stat(path, &there) == 0) return facts.st_dev == there.st_dev && facts.st_ino == there.st_ino;
+    return errno == ENOENT || errno == ENOTDIR || errno == ELOOP ? std::optional(false) : std::nullopt;
+}
+
+bool realPath(const char *path, std::string &real) {
+    const std::unique_ptr<char, decltype(&std::free)> found(realpath(path, nullptr), std::free);
+    if (found) real = found.get();
+    return found != nullptr;
+}
+
 bool syncFolder(const char *path) {
     const std::string name(path);
     const std::size_t slash = name.rfind('/');
@@ -105,6 +121,8 @@ const FilePort systemFilePort = {
     .close = [](int file) { ::close(file); },
     .remove = [](const char *path) { return ::unlink(path) == 0; },
     .rename = [](const char *from, const char *to) { return ::rename(from, to) == 0; },
+    .isNamed = isNamed,
+    .realPath = realPath,
     .syncFolder = syncFolder,
 };
 

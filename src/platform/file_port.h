@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 
 namespace numalink {
 
@@ -23,6 +25,10 @@ struct FilePort {
     void (*close)(int file);
     bool (*remove)(const char *path);
     bool (*rename)(const char *from, const char *to);  // takes the place of what bears the new name
+    // Whether the open file is what path leads to now; nothing when that can't be told.
+    std::optional<bool> (*isNamed)(int file, const char *path);
+    // The path of what is there with all links followed; false when it can't be told.
+    bool (*realPath)(const char *path, std::string &real);
     // Names that were made, changed or removed in the folder of path are on the disk when this gives true.
     bool (*syncFolder)(const char *path);
 };

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/file_port.h"
+
 namespace numalink {
 
 namespace {
@@ -129,6 +131,14 @@ bool sameFacts(const std::string &path, const std::string &other) {
 std::string nameOf(const std::string &path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
+
+bool makeFolders(std::string path) {
+    while (path.ends_with('/')) path.pop_back();
+    if (path.empty() || fileExists(path)) return true;
+    const std::size_t slash = path.rfind('/');
+    if (slash != std::string::npos && !makeFolders(path.substr(0, slash))) return false;
+    return mkdir(path.c_str(), 0777) == 0 && filePort.syncFolder(path.c_str());
+}
 
 bool fileExists(const std::string &path) {
     struct stat facts {};

@@ -17,6 +17,9 @@ FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t li
 // Writes beside path, syncs, and renames over it: path holds either its old content or the whole new one.
 FileResult writeWholeFile(const std::string &path, ByteView bytes);
 
+// Makes the folder and those it lies in, where they are missing; true when their names are on the disk.
+bool makeFolders(std::string path);
+
 // Whether a path leads to anything at all.
 bool fileExists(const std::string &path);
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/clock.h"
+#include "platform/files.h"
 #include "platform/program_folder.h"
 #include "store/item_store.h"
 #include "store/store_state.h"
@@ -94,9 +95,7 @@ bool makeDailyCopy() {
     if (std::ranges::find(names, today) != names.end()) return true;
     const auto next = std::ranges::upper_bound(names, today);
     if (next != names.begin() && isLibraryAsItStands(folder + *(next - 1))) return true;
-    std::error_code error;
-    std::filesystem::create_directory(folder, error);
-    if (libraryIsHalfChanged() || !storeCopyTo(folder + today)) return false;
+    if (libraryIsHalfChanged() || !makeFolders(folder) || !storeCopyTo(folder + today)) return false;
     dropCopies(folder, today);
     return true;
 }

@@ -221,7 +221,7 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
 // By a new file rather than by a change, which would have to read first what it writes over.
 bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
     Bytes file;
-    return composeFile(examined, file) && storeFileKeepCopy() && storeFileReplace(file);
+    return composeFile(examined, file) && storeFileKeepCopy() && storeJournalKeepTorn() && storeFileReplace(file);
 }
 
 void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {

@@ -10,7 +10,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t wasteLimit = 1024 * 1024;  // bytes that no record covers
+constexpr std::uint64_t wasteLimit = 16 * 1024;  // bytes that no record covers
 
 void appendRecord(Bytes &bytes, const NewRecord &record) {
     const auto *head = reinterpret_cast<const std::uint8_t *>(&record.head);
@@ -100,13 +100,15 @@ Fault faultOf(ChangeResult result) {
             return Fault::headNotWritten;
         case ChangeResult::broken:
             return Fault::broken;
+        case ChangeResult::replaced:
+            return Fault::replaced;
     }
     return Fault::broken;
 }
 
 Fault prepareChange() {
     if (!storeState.open) return Fault::absent;
-    if (storeState.damaged && !storeState.copied) storeState.copied = storeFileKeepCopy();
+    if (storeState.damaged && !storeState.copied) storeState.copied = storeFileKeepCopy() && storeJournalKeepTorn();
     return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
 }
 

@@ -22,9 +22,12 @@ struct Write {
 struct StoreFile {
     int file = noFile;
     int journal = noFile;
-    bool journalNamed = false;  // its name is on the disk for sure
-    bool broken = false;
-    std::string path;
+    bool ready = false;     // what came before the first change is on the disk for sure
+    bool torn = false;      // the journal isn't whole, and has not been written over
+    bool broken = false;    // a change is half done, or may be
+    bool replaced = false;  // what is open isn't any more what its name leads to
+    std::string givenPath;
+    std::string path;           // with links followed: the journal lies beside the file itself
     std::vector<Write> writes;  // of the change that is being handed over
 };
 StoreFile store GUARDED_BY(storeLock);
@@ -92,11 +95,21 @@ bool openJournal() REQUIRES_LOCK(storeLock) {
     if (store.journal == noFile &&
         filePort.openLocked(storeJournalPath().c_str(), true, store.journal) != OpenResult::opened)
         return false;
-    if (!store.journalNamed) store.journalNamed = filePort.syncFolder(store.path.c_str());
-    return store.journalNamed;
+    // The names of both files, and the cut at the end of the run before: a piece behind the file's end is told from
+    // what another file has there by its zero bytes.
+    if (!store.ready) store.ready = filePort.syncFolder(store.path.c_str()) && filePort.sync(store.file);
+    return store.ready;
+}
+
+// Whether both files are still what their names lead to; nothing when that can't be told.
+std::optional<bool> filesAreNamed() REQUIRES_LOCK(storeLock) {
+    const std::optional<bool> named = filePort.isNamed(store.file, store.givenPath.c_str());
+    if (!named || !*named || store.journal == noFile) return named;
+    return filePort.isNamed(store.journal, storeJournalPath().c_str());
 }
 
 bool writeJournal(ByteView journal) REQUIRES_LOCK(storeLock) {
+    store.torn = false;
     if (writeAll(store.journal, 0, journal) && filePort.sync(store.journal)) return true;
     filePort.cut(store.journal, 0);  // gives the room back on a full disk
     return false;
@@ -109,54 +122,57 @@ ChangeResult takeBack(const std::vector<Region> &regions, std::uint64_t size, bo
     return atHead ? ChangeResult::headRefused : ChangeResult::refused;
 }
 
-// Whether the file holds all that the change was to write. Nothing when it can't be read.
-std::optional<bool> holdsNew(const Journal &journal, std::uint64_t size) REQUIRES_LOCK(storeLock) {
-    std::uint64_t sum = 0;
-    for (const JournalRegion &region : journal.regions) {
-        if (region.offset > size || region.newSize > size - region.offset) return false;
-        Bytes bytes(static_cast<std::size_t>(region.newSize));
-        if (!storeFileRead(region.offset, bytes)) return std::nullopt;
-        sum = sumOf(bytes, sum);
-    }
-    return sum == journal.head.newSum;
-}
-
 Recovery applyJournal(const Journal &journal, bool apply) REQUIRES_LOCK(storeLock) {
-    const std::int64_t size = storeFileSize();
+    const std::int64_t known = storeFileSize();
+    const auto size = static_cast<std::uint64_t>(known);
     Bytes main;
-    if (size < 0 || !readMainHead(static_cast<std::uint64_t>(size), main)) return Recovery::failed;
-    const auto complete = holdsNew(journal, static_cast<std::uint64_t>(size));
-    if (!complete) return Recovery::failed;
-    if (!*complete && !journalFits(journal.head, main)) return Recovery::foreign;
-    if (!apply) return *complete ? Recovery::nothing : Recovery::broughtBack;
-    // A complete change may be so in the system's memory alone, when only the process died.
-    const bool done = *complete ? filePort.sync(store.file) : bringBack(journal.regions, journal.head.fileSize);
-    if (!done) return Recovery::failed;
+    if (known < 0 || !readMainHead(size, main)) return Recovery::failed;
+    bool complete = true, foreign = !journalFits(journal, main);
+    std::vector<Bytes> there;
+    for (const JournalRegion &region : journal.regions) {
+        const std::uint64_t rest = size - std::min(size, region.offset);
+        Bytes &bytes = there.emplace_back(static_cast<std::size_t>(std::min(rest, region.newSize)));
+        if (!storeFileRead(region.offset, bytes)) return Recovery::failed;
+        const Progress progress = progressOf(region, bytes);
+        complete = complete && progress == Progress::complete;
+        foreign = foreign || progress == Progress::foreign;
+    }
+    if (foreign) return Recovery::foreign;
+    if (!apply) return complete ? Recovery::nothing : Recovery::broughtBack;
+    if (!complete && !bringBack(journal.regions, journal.head.fileSize)) return Recovery::failed;
+    // A complete change may be so in the system's memory alone. That forgets to write what a failed sync was to
+    // write, so the bytes are written anew.
+    for (std::size_t i = 0; complete && i < there.size(); i++)
+        if (!writeAll(store.file, journal.regions[i].offset, there[i])) return Recovery::failed;
+    if (complete && !filePort.sync(store.file)) return Recovery::failed;
     retireJournal();
-    return *complete ? Recovery::nothing : Recovery::broughtBack;
+    return complete ? Recovery::nothing : Recovery::broughtBack;
 }
 
-// The journal's bytes when they can be a whole one, none when they can't; false when they can't be read.
-bool readJournal(Bytes &bytes) REQUIRES_LOCK(storeLock) {
-    const std::int64_t size = filePort.size(store.journal);
-    if (size < 0) return false;
-    if (static_cast<std::uint64_t>(size) < sizeof(JournalHead)) return true;
-    Bytes read(sizeof(JournalHead));
-    if (!readAll(store.journal, 0, read)) return false;
-    const auto head = decodeJournalHead(read);
-    if (!head || head->bodySize > static_cast<std::uint64_t>(size) - sizeof *head) return true;
-    read.resize(static_cast<std::size_t>(sizeof *head + head->bodySize));
-    if (!readAll(store.journal, 0, read)) return false;
-    bytes = std::move(read);
-    return true;
+// The journal's bytes, up to the end that its head tells; nothing when they can't be read.
+std::optional<Bytes> readJournal() REQUIRES_LOCK(storeLock) {
+    const std::int64_t known = filePort.size(store.journal);
+    if (known < 0) return std::nullopt;
+    const auto size = static_cast<std::uint64_t>(known);
+    JournalHead head{};
+    Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(size, sizeof head)));
+    if (!readAll(store.journal, 0, bytes)) return std::nullopt;
+    if (decodeJournalHead(bytes, head) != JournalState::whole) return bytes;
+    bytes.resize(sizeof head + static_cast<std::size_t>(std::min(size - sizeof head, head.bodySize)));
+    return readAll(store.journal, 0, bytes) ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
     const OpenResult there = filePort.openLocked(storeJournalPath().c_str(), false, store.journal);
     if (there == OpenResult::absent) return Recovery::nothing;
-    Bytes bytes;
-    if (there != OpenResult::opened || !readJournal(bytes)) return Recovery::unread;
-    const auto journal = decodeJournal(bytes);
+    const std::optional<Bytes> bytes = there == OpenResult::opened ? readJournal() : std::nullopt;
+    if (!bytes) return Recovery::unread;
+    JournalHead head{};
+    const JournalState state = decodeJournalHead(*bytes, head);
+    if (state == JournalState::wiped) return Recovery::nothing;
+    if (state == JournalState::other) return Recovery::unread;
+    const auto journal = decodeJournal(*bytes);
+    store.torn = !journal;
     return journal ? applyJournal(*journal, apply) : Recovery::nothing;
 }
 
@@ -164,13 +180,15 @@ Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
 
 OpenResult storeFileOpen(const std::string &path, bool create) {
     store = {};
-    store.path = path;
-    return filePort.openLocked(path.c_str(), create, store.file);
+    store.givenPath = path;
+    const OpenResult result = filePort.openLocked(path.c_str(), create, store.file);
+    return result == OpenResult::opened && !filePort.realPath(path.c_str(), store.path) ? OpenResult::failed : result;
 }
 
 void storeFileClose() {
     if (store.journal != noFile) {
-        if (!store.broken) filePort.remove(storeJournalPath().c_str());
+        const bool needed = store.broken || store.torn;
+        if (!needed && filesAreNamed() == true) filePort.remove(storeJournalPath().c_str());
         filePort.close(store.journal);
     }
     if (store.file != noFile) filePort.close(store.file);
@@ -209,17 +227,23 @@ std::string storeJournalSetAside() {
         if (!filePort.rename(storeJournalPath().c_str(), kept.c_str()) || !filePort.syncFolder(kept.c_str())) return {};
         filePort.close(store.journal);
         store.journal = noFile;
-        store.broken = false;
+        store.torn = store.broken = false;
         return kept;
     }
     return {};
 }
+
+bool storeJournalKeepTorn() { return !store.torn || !storeJournalSetAside().empty(); }
 
 void changeBegin() { store.writes.clear(); }
 void changeWrite(std::uint64_t offset, Bytes bytes) { store.writes.push_back({offset, std::move(bytes)}); }
 
 ChangeResult changeCommit() {
     if (store.file == noFile || store.broken) return ChangeResult::broken;
+    const std::optional<bool> named = filesAreNamed();
+    store.replaced = store.replaced || named == false;
+    if (store.replaced) return ChangeResult::replaced;
+    if (!named) return ChangeResult::refused;
     const std::int64_t known = storeFileSize();
     const std::uint64_t size = static_cast<std::uint64_t>(known);
     std::vector<Region> regions;

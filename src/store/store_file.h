@@ -5,7 +5,7 @@
 // How a change goes, by what is on the disk at each instant:
 //   (1) The journal is written and synced: what the change is going to write over. storage.dat is untouched.
 //   (2) storage.dat is written and synced. Opened from here, the journal brings the old bytes back, unless all the new
-//       ones are there.
+//       ones are there: then they are written and synced once more.
 //   (3) The journal's first bytes are wiped. That needs no sync: with it or without, the file is the new one.
 #pragma once
 
@@ -23,7 +23,7 @@ extern Lock storeLock;  // held for the whole length of each public operation of
 OpenResult storeFileOpen(const std::string &path, bool create) REQUIRES_LOCK(storeLock);
 // Harmless when closed. Removes the journal, unless it is still needed.
 void storeFileClose() REQUIRES_LOCK(storeLock);
-const std::string &storeFilePath() REQUIRES_LOCK(storeLock);
+const std::string &storeFilePath() REQUIRES_LOCK(storeLock);  // with links followed, as the journal's is
 std::string storeJournalPath() REQUIRES_LOCK(storeLock);
 std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);                                             // -1 on failure
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) REQUIRES_LOCK(storeLock);  // whole or false
@@ -35,19 +35,23 @@ enum class Recovery {
     nothing,      // no change was interrupted
     broughtBack,  // one was, and its old bytes are in the file again
     foreign,      // a journal whose bytes belong to another file: to be set aside, and the file can be used
-    unread,       // there is a journal that can't be read: the file can't be used, as nobody knows what it lacks
-    failed        // the old bytes could not be brought back: the same, and the journal stays
+    unread,  // a journal that can't be read, or not by this version: what the file lacks isn't known; it can't be used
+    failed   // the old bytes could not be brought back: the same, and the journal stays
 };
 // Asked once after opening, ahead of any reading. With apply unset nothing is written: broughtBack means would be.
 Recovery storeFileRecover(bool apply) REQUIRES_LOCK(storeLock);
 // Gives the journal another name, which is given; empty when that fails.
 std::string storeJournalSetAside() REQUIRES_LOCK(storeLock);
+// Does so with a journal that isn't whole, ahead of the first change of a damaged library: it may be of help. False
+// when it fails.
+bool storeJournalKeepTorn() REQUIRES_LOCK(storeLock);
 
 enum class ChangeResult {
     done,
     refused,      // nothing has changed
     headRefused,  // the same, and it was the head record that couldn't be written
-    broken        // the old state could not be brought back: no more changes until the file is opened anew
+    broken,       // the old state could not be brought back: no more changes until the file is opened anew
+    replaced      // nothing has changed, as a name leads to another file than the open one: no more changes either
 };
 
 void changeBegin() REQUIRES_LOCK(storeLock);

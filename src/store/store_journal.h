@@ -32,14 +32,14 @@ struct JournalHead {
     std::uint64_t fileSize;  // of storage.dat ahead of the change
     std::uint64_t bodySize;  // bytes of the entries
     std::uint64_t bodySum;
-    std::uint64_t newSum;   // of all that the change writes, in the order of the entries
     SectorSums oldHead;     // of the head record's sectors ahead of the change: they tell whose journal this is
-    SectorSums newHead;     // and after it
     std::uint64_t headSum;  // of all above
 };
-static_assert(sizeof(JournalHead) == 320);
+static_assert(sizeof(JournalHead) == 184);
+static_assert(sizeof(JournalHead) <= sectorSize, "so that a head is never torn");
 
-// Followed by oldSize bytes.
+// Followed by oldSize bytes, and by one sum for each piece of what the change writes there. Pieces end with a sector of
+// the file, and where the file ended ahead of the change: each of them is on the disk whole or not at all.
 struct JournalEntry {
     std::uint64_t offset;
     std::uint64_t newSize;
@@ -51,6 +51,7 @@ struct JournalRegion {
     std::uint64_t offset = 0;
     std::uint64_t newSize = 0;
     ByteView old;
+    ByteView newSums;  // 8 bytes each
 };
 
 struct Journal {
@@ -58,22 +59,33 @@ struct Journal {
     std::vector<JournalRegion> regions;  // views of the bytes decoded
 };
 
-// Any change in the bytes changes the sum. Sums of pieces are chained by the seed.
-std::uint64_t sumOf(ByteView bytes, std::uint64_t seed = 0);
-
-// The sums of a head record's sectors, of which a short file has fewer bytes, or none.
-SectorSums sectorSumsOf(ByteView mainHead);
+// Any change in the bytes changes the sum.
+std::uint64_t sumOf(ByteView bytes);
 
 // oldMain holds what the file has of its head record.
 Bytes encodeJournal(const std::vector<Region> &regions, std::uint64_t fileSize, ByteView oldMain);
 
-// The head alone, when it is one: then it tells how many bytes follow.
-std::optional<JournalHead> decodeJournalHead(ByteView bytes);
+enum class JournalState {
+    wiped,  // none, or one that has done its work
+    torn,   // not whole: it never was on the disk before the file was touched, unless it has rotted since
+    other,  // of another version of the program
+    whole
+};
+// By the first bytes alone. Of a whole head head is filled in: then it tells how many bytes follow.
+JournalState decodeJournalHead(ByteView bytes, JournalHead &head);
 // All of it, or nothing when it isn't whole.
 std::optional<Journal> decodeJournal(ByteView bytes);
 
-// Whether a file with these first bytes (8032, or all that it has) can be what an interrupted change of this journal
-// has left: each sector of its head is old or new.
-bool journalFits(const JournalHead &head, ByteView mainHead);
+// How far a change has come, by what the file holds where it writes.
+enum class Progress {
+    complete,
+    mixed,   // each piece is old or new; one behind the file's old end, zero bytes or cut short as well
+    foreign  // what is there comes from elsewhere
+};
+// there: the file's bytes at the region's place, as many of newSize as there are.
+Progress progressOf(const JournalRegion &region, ByteView there);
+// Whether the head's sectors that the change doesn't write are as they were. mainHead: 8032 bytes, or all that there
+// is.
+bool journalFits(const Journal &journal, ByteView mainHead);
 
 }  // namespace numalink

@@ -25,6 +25,7 @@ constexpr FaultText faultTexts[] = {
     {Fault::tooLarge, OwnText::storeTooLarge},
     {Fault::notWritten, OwnText::storeNotWritten},
     {Fault::broken, OwnText::storeBroken},
+    {Fault::replaced, OwnText::storeReplaced},
     {Fault::itemUnread, OwnText::storeItemUnread},
     {Fault::notCopied, OwnText::storeNotCopied},
     {Fault::noMemory, OwnText::storeNoMemory},

@@ -46,6 +46,7 @@ enum class Fault {
     notWritten,
     headNotWritten,
     broken,
+    replaced,
     itemUnread,
     notCopied,
     noMemory,

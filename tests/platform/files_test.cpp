@@ -55,6 +55,18 @@ TEST(Files, WritesThroughALink) {
     EXPECT_EQ(folder.read("target"), "new");
 }
 
+TEST(MakeFolders, AreOnTheDiskOneWithinTheOther) {
+    const ScratchFolder folder;
+    static int synced = 0;
+    filePort.syncFolder = [](const char *path) { return ++synced > 0 && systemFilePort.syncFolder(path); };
+    EXPECT_TRUE(makeFolders(folder.path + "a/b//c/"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path + "a/b/c") && makeFolders(folder.path + "a/b"));
+    EXPECT_EQ(synced, 3);
+    folder.write("file", "");
+    EXPECT_FALSE(makeFolders(folder.path + "file/d"));
+    filePort = systemFilePort;
+}
+
 TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
     const ScratchFolder folder;
     const std::string path = folder.path + "file";

@@ -255,7 +255,8 @@ TEST_F(DamagedStore, EachBitOfAHeadIsToldOrHarmsItsOwnRecordAlone) {
     add("T", kind::folder);
     ASSERT_TRUE(storeDelete(gone) && storeDelete(5));
     const Bytes killed = file();
-    const LibraryState all = libraryState();
+    LibraryState all = libraryState();
+    std::erase_if(all, [](const StoredItem &item) { return item.kind == kind::temporaryFolder; });
     std::vector<std::pair<std::size_t, ItemId>> fields{{0, noItem},
                                                        {8028, noItem}};  // of 4 bytes, with their item's id
     for (std::size_t at = 4; at < 28 + 4 * 9; at += 4) fields.emplace_back(at, noItem);

@@ -1,6 +1,9 @@
 #include "store/store_worker.h"
 
+#include <algorithm>
 #include <cstdlib>
+
+#include "store/store_undo.h"
 
 namespace numalink {
 
@@ -21,7 +24,8 @@ NewItem someItem(Random &random, ItemId parent) {
     item.parent = parent;
     item.kind = kinds[below(random, 4)];
     if (!isFolderKind(item.kind)) item.head = someBytes(random, 40);
-    if (!isFolderKind(item.kind)) item.data = someBytes(random, random() % 4 == 0 ? 3000 : 60);
+    const std::size_t dataSizes[] = {60, 60, 60, 3000, 60, 60, 60, 20000};
+    if (!isFolderKind(item.kind)) item.data = someBytes(random, dataSizes[below(random, 8)]);
     item.whenTaken = static_cast<NameTaken>(below(random, 3));
     return item;
 }
@@ -29,10 +33,14 @@ NewItem someItem(Random &random, ItemId parent) {
 struct Scene {
     std::vector<ItemEntry> items;
     std::vector<ItemId> folders{rootId};
+    ItemId temp = noItem;
 };
 
 Scene sceneNow() {
     Scene scene{storeListItems()};
+    std::erase_if(scene.items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
+    for (const ItemEntry &entry : scene.items)
+        if (entry.kind == kind::temporaryFolder) scene.temp = entry.id;
     std::erase_if(scene.items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
     for (const ItemEntry &entry : scene.items)
         if (isFolderKind(entry.kind)) scene.folders.push_back(entry.id);
@@ -56,7 +64,7 @@ bool putBackRenamed(ItemId id) {
 }
 
 bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId folder) {
-    switch (below(random, 12)) {
+    switch (below(random, 14)) {
         case 0:
             return storeWriteItem(chosen.id, someItem(random, folder));
         case 1:
@@ -81,6 +89,11 @@ bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId 
             return storeOpen();
         case 10:
             return putBackRenamed(chosen.id);
+        case 11:
+            return storeStandardFolder(ItemKind{1003 + below(random, 3)}) != noItem;
+        case 12:
+            return scene.temp == noItem ? storeTempFolder() != noItem
+                                        : storeAddItem(someItem(random, scene.temp)) != noItem;
         default:
             return !storeAddItems({someItem(random, folder), someItem(random, rootId)}).empty();
     }
@@ -95,7 +108,6 @@ LibraryState libraryState() {
         const std::vector<ItemEntry> children = storeListChildren(left.back());
         left.pop_back();
         for (const ItemEntry &entry : children) {
-            if (entry.kind == kind::temporaryFolder) continue;
             EXPECT_TRUE(storeReadItem(entry.id, state.emplace_back())) << entry.id;
             if (isFolderKind(entry.kind)) left.push_back(entry.id);
         }
@@ -103,7 +115,29 @@ LibraryState libraryState() {
     return state;
 }
 
+bool isAfterStart(const LibraryState &found, const LibraryState &expected) {
+    const auto withoutTemp = [](LibraryState state) {
+        std::vector<ItemId> temps;
+        for (const StoredItem &item : state)
+            if (item.kind == kind::temporaryFolder || std::ranges::count(temps, item.parent) > 0)
+                temps.push_back(item.id);
+        std::erase_if(state, [&](const StoredItem &item) { return std::ranges::count(temps, item.id) > 0; });
+        return std::pair(temps.size(), state);
+    };
+    const auto [count, stays] = withoutTemp(expected);
+    return count == 1 || found.empty() ? found == expected : withoutTemp(found) == std::pair(std::size_t{1}, stays);
+}
+
+Bytes bytesAt(const DiskImage &image, const std::string &path) {
+    const auto name = image.names.find(path);
+    const auto file = name == image.names.end() ? image.files.end() : image.files.find(name->second);
+    return file == image.files.end() ? Bytes() : file->second;
+}
+
 bool workOnce(Random &random) {
+    TakenBack shown;
+    if (storeCanRedo() && random() % 3 == 0) return storeRedo(shown);
+    if (storeUndoOffer() && random() % 6 == 0) return storeUndo(shown);
     const Scene scene = sceneNow();
     const ItemId folder = scene.folders[below(random, scene.folders.size())];
     if (scene.items.size() > crowd)

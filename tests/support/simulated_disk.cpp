@@ -44,6 +44,7 @@ void perform(DiskImage &image, const DiskStep &step) {
             image.names.erase(step.name);
             return;
         case DiskAction::sync:
+        case DiskAction::failedSync:
         case DiskAction::syncFolder:
             return;
     }
@@ -90,10 +91,14 @@ std::size_t readAt(int file, std::uint64_t offset, void *bytes, std::size_t coun
     return count;
 }
 
-// One that fails stops half-way, as on a full disk.
+// One that fails stops half-way, as on a full disk: with a sector, or anywhere behind the file's end.
 std::size_t writeAt(int file, std::uint64_t offset, const void *bytes, std::size_t count) {
     const SpareMemory spare;
-    if (fails()) count = disk.dead ? 0 : count / 2;
+    if (fails()) {
+        std::uint64_t end = offset + (disk.dead ? 0 : count / 2);
+        if (end < disk.now.files[disk.openFiles[file]].size()) end -= end % sector;
+        count = static_cast<std::size_t>(std::max(end, offset) - offset);
+    }
     const auto *from = static_cast<const std::uint8_t *>(bytes);
     const int number = disk.openFiles[file];
     if (!disk.remembers)
@@ -120,9 +125,19 @@ bool cut(int file, std::uint64_t size) {
     return !fails() && take({DiskAction::cut, disk.openFiles[file], size, {}, {}, {}});
 }
 
+std::optional<bool> isNamed(int file, const char *path) {
+    const SpareMemory spare;
+    if (fails()) return std::nullopt;
+    const auto found = disk.now.names.find(path);
+    return found != disk.now.names.end() && found->second == disk.openFiles[file];
+}
+
 bool takeSync(DiskAction action, int file) {
     const SpareMemory spare;
-    return !fails() && take({action, file, 0, {}, {}, {}});
+    const bool failed = fails();
+    if (action == DiskAction::sync) disk.lastSync = disk.operations;
+    if (failed && !disk.dead && action == DiskAction::sync) take({DiskAction::failedSync, file, 0, {}, {}, {}});
+    return !failed && take({action, file, 0, {}, {}, {}});
 }
 
 const FilePort simulatedFilePort = {
@@ -137,26 +152,15 @@ const FilePort simulatedFilePort = {
     .close = [](int file) { disk.openFiles.erase(file); },
     .remove = removeName,
     .rename = rename,
+    .isNamed = isNamed,
+    .realPath =
+        [](const char *path, std::string &real) {
+            const SpareMemory spare;
+            real = path;
+            return !fails();
+        },
     .syncFolder = [](const char *) { return takeSync(DiskAction::syncFolder, 0); },
 };
-
-// The steps that no sync has seen through by then, in their order; what was seen through is done to image.
-std::vector<const DiskStep *> unsyncedSteps(const SimulatedDisk &of, DiskImage &image, std::size_t stepCount) {
-    std::vector<const DiskStep *> waiting;
-    for (const DiskStep &step : std::span(of.steps).first(stepCount)) {
-        const bool ofFolder = step.action == DiskAction::syncFolder;
-        if (step.action != DiskAction::sync && !ofFolder) {
-            waiting.push_back(&step);
-            continue;
-        }
-        std::erase_if(waiting, [&](const DiskStep *other) {
-            const bool done = ofFolder ? isOfNames(*other) : !isOfNames(*other) && other->file == step.file;
-            if (done) perform(image, *other);
-            return done;
-        });
-    }
-    return waiting;
-}
 
 // The sectors of a write, each of them there or not.
 void performTorn(DiskImage &image, const DiskStep &step, Random &random) {
@@ -166,6 +170,31 @@ void performTorn(DiskImage &image, const DiskStep &step, Random &random) {
         if (random() % 2 == 0) writeInto(image.files[step.file], step.offset + from, part);
         from += part.size();
     }
+}
+
+// The steps that no sync has seen through by then, in their order; what was seen through is done to image. Of what a
+// failed sync was to write some comes to the disk, and the system forgets to write the rest.
+std::vector<const DiskStep *> unsyncedSteps(const SimulatedDisk &of, DiskImage &image, std::size_t stepCount,
+                                            Random &random) {
+    std::vector<const DiskStep *> waiting;
+    for (const DiskStep &step : std::span(of.steps).first(stepCount)) {
+        const bool ofFolder = step.action == DiskAction::syncFolder, failed = step.action == DiskAction::failedSync;
+        if (step.action != DiskAction::sync && !ofFolder && !failed) {
+            waiting.push_back(&step);
+            continue;
+        }
+        std::erase_if(waiting, [&](const DiskStep *other) {
+            const bool ofFile = !isOfNames(*other) && other->file == step.file;
+            if (failed && ofFile && other->action == DiskAction::write) {
+                performTorn(image, *other, random);
+                return true;
+            }
+            const bool done = !failed && (ofFolder ? isOfNames(*other) : ofFile);
+            if (done) perform(image, *other);
+            return done;
+        });
+    }
+    return waiting;
 }
 
 }  // namespace
@@ -184,7 +213,7 @@ Bytes &diskFile(const std::string &path) {
 
 DiskImage diskAfterCrash(const SimulatedDisk &of, std::size_t stepCount, Random &random) {
     DiskImage image = of.start;
-    const std::vector<const DiskStep *> waiting = unsyncedSteps(of, image, stepCount);
+    const std::vector<const DiskStep *> waiting = unsyncedSteps(of, image, stepCount, random);
     // Names change in the order of their steps, up to some of them; contents in any order.
     std::vector<const DiskStep *> contents;
     bool namesGoOn = true;

@@ -22,7 +22,7 @@ struct DiskImage {
     std::map<int, Bytes> files;
 };
 
-enum class DiskAction { write, cut, sync, create, remove, rename, syncFolder };
+enum class DiskAction { write, cut, sync, failedSync, create, remove, rename, syncFolder };
 
 struct DiskStep {
     DiskAction action;
@@ -40,6 +40,7 @@ struct SimulatedDisk {
     bool dead = false;    // the power is off: nothing reaches the disk
     int operations = 0;   // of any sort so far, reads included
     int failingFrom = 0;  // the first of them that fails, counted from 1; 0 for none
+    int lastSync = 0;     // which of them was the last sync of a file
     int failingCount = 0;
     bool remembers = true;  // the steps
 };
