@@ -1,7 +1,5 @@
 #include "store/store_worker.h"
 
-#include <cstdlib>
-
 namespace numalink {
 
 namespace {
@@ -110,11 +108,6 @@ bool workOnce(Random &random) {
                                                           : scene.folders[below(random, scene.folders.size() - 1) + 1]);
     if (scene.items.empty() || random() % 3 == 0) return storeAddItem(someItem(random, folder)) != noItem;
     return workOn(random, scene, scene.items[below(random, scene.items.size())], folder);
-}
-
-int countFromEnvironment(const char *variable, int otherwise) {
-    const char *count = std::getenv(variable);
-    return count ? std::atoi(count) : otherwise;
 }
 
 }  // namespace numalink

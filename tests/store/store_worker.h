@@ -14,7 +14,4 @@ LibraryState libraryState();
 // One operation on what is there, chosen by random alone. False when it was refused.
 bool workOnce(Random &random);
 
-// The number in this environment variable, or the other one.
-int countFromEnvironment(const char *variable, int otherwise);
-
 }  // namespace numalink
