@@ -1,7 +1,13 @@
-// Power that goes at every step of every operation: what was acknowledged is there, and of the operation under way all
-// or nothing. What a killed process leaves is among it, since each write reaches the system at once.
+// Power that goes at every step of every operation, and a process that is killed at any instant: what was acknowledged
+// is there, and of the operation under way all or nothing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
 
 #include "store/store_worker.h"
 #include "support/rounds.h"
@@ -93,6 +99,79 @@ TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
     }
     RecordProperty("states", tried);
     std::printf("crash states: %d\n", tried);
+}
+
+// Works until it is killed, and says so after each operation.
+[[noreturn]] void workInChild(int pipe, std::uint32_t seed) {
+    Random random(seed);
+    if (!storeOpen()) _exit(1);
+    for (;;) {
+        if (write(pipe, "d", 1) != 1) _exit(1);
+        workOnce(random);
+    }
+}
+
+// How many operations were acknowledged by a child that was killed after this time.
+std::size_t acknowledgedByKilled(std::uint32_t seed, std::chrono::microseconds time) {
+    int ends[2];
+    if (pipe(ends) != 0) return 0;
+    const pid_t child = fork();
+    if (child == 0) workInChild(ends[1], seed);
+    close(ends[1]);
+    pollfd ready{ends[0], POLLIN, 0};
+    poll(&ready, 1, -1);  // the start is over
+    std::this_thread::sleep_for(time);
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    std::size_t count = 0;
+    for (char told = 0; read(ends[0], &told, 1) == 1;) count++;
+    close(ends[0]);
+    return count;
+}
+
+// The same work on a disk in memory, from the library's file as it was: what it held after each operation.
+std::vector<LibraryState> statesOf(const Bytes &library, std::uint32_t seed, std::size_t count) {
+    setLibraryFolder("/library/");
+    const SimulatedFiles disk;
+    if (!library.empty()) diskFile("/library/storage.dat") = library;
+    Random random(seed);
+    std::vector<LibraryState> states;
+    EXPECT_TRUE(storeOpen());
+    for (std::size_t done = 0; done <= count; done++) {
+        if (done > 0) workOnce(random);
+        states.push_back(libraryState());
+    }
+    storeClose();
+    uiRecord.boxes.clear();  // of refusals
+    return states;
+}
+
+TEST(KilledProcess, LeavesWhatItHadAcknowledged) {
+    const RecordedUi ui;
+    const ScratchFolder folder;
+    const int kills = countFromEnvironment("NUMALINK_KILLS", 8);
+    Random random(7);
+    int hot = 0;
+    for (std::uint32_t number = 0; number < static_cast<std::uint32_t>(kills); number++) {
+        SCOPED_TRACE(number);
+        const std::string before = folder.read("storage.dat");
+        const std::size_t acknowledged =
+            acknowledgedByKilled(number, std::chrono::microseconds(random() % (number % 2 ? 3000 : 30000)));
+        ASSERT_GT(acknowledged, 0U);
+        const std::vector<LibraryState> states = statesOf({before.begin(), before.end()}, number, acknowledged);
+        setLibraryFolder(folder.path);
+        if (std::ranges::any_of(folder.read("storage.dat-journal").substr(0, 16), [](char code) { return code != 0; }))
+            hot++;
+        ASSERT_TRUE(storeOpen());
+        ASSERT_FALSE(storeIsDamaged());
+        const LibraryState found = libraryState();
+        storeClose();
+        ASSERT_TRUE(found == states[acknowledged - 1] || found == states[acknowledged]);
+        ASSERT_THAT(uiRecord.boxes, IsEmpty());
+    }
+    std::printf("kills: %d, with a journal in use: %d\n", kills, hot);
 }
 
 }  // namespace

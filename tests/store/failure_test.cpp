@@ -2,6 +2,7 @@
 // stays valid, the user is told, and the program goes on or refuses further changes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include "store/store_worker.h"
 #include "support/failing_memory.h"
@@ -178,6 +179,34 @@ TEST_F(Failures, AJournalOfAnotherFileIsSetAside) {
     EXPECT_EQ(uiRecord.lines, std::vector<std::string>{"box 166 / 2 /library/storage.dat-journal.kept-1"});
     EXPECT_TRUE(libraryState() == before);
     EXPECT_TRUE(simulatedDisk.now.names.contains("/library/storage.dat-journal.kept-1"));
+}
+
+// A disk that is really full, where the system allows one to be made.
+TEST(FullDisk, RefusesAndGoesOnWhenThereIsRoomAgain) {
+    const RecordedUi ui;
+    const ScratchFolder folder;
+    if (mount("tmpfs", folder.path.c_str(), "tmpfs", 0, "size=200k") != 0)
+        GTEST_SKIP() << "only root may mount a file system of its own";
+    ASSERT_TRUE(storeOpen());
+    const NewItem item = Store::item("P", kind::program, rootId, Bytes(32, 1), Bytes(3000, 2));
+    std::size_t added = 0;
+    while (storeAddItems({item}).size() == 1) added++;
+    EXPECT_GT(added, 10U);
+    EXPECT_EQ(uiRecord.lines.size(), 1U);
+    const LibraryState full = libraryState();
+    EXPECT_EQ(full.size(), added);
+    const bool deleted = storeDelete(full.front().id);
+    EXPECT_EQ(libraryState().size(), added - (deleted ? 1 : 0));
+    storeClose();
+    uiRecord.lines.clear();
+    ASSERT_TRUE(storeOpen());
+    EXPECT_FALSE(storeIsDamaged());
+    EXPECT_EQ(libraryState().size(), added - (deleted ? 1 : 0));
+    ASSERT_EQ(mount("tmpfs", folder.path.c_str(), "tmpfs", MS_REMOUNT, "size=2m"), 0);
+    EXPECT_TRUE(storeDelete(full.back().id));
+    EXPECT_EQ(storeAddItems({item}).size(), 1U);
+    storeClose();
+    umount(folder.path.c_str());
 }
 
 }  // namespace
