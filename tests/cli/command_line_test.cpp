@@ -8,6 +8,7 @@
 #include "cli/hex_text.h"
 #include "platform/file_port.h"
 #include "platform/user_interface.h"
+#include "support/cat_records.h"
 #include "support/scratch_folder.h"
 
 namespace numalink {
@@ -37,11 +38,8 @@ Outcome run(std::vector<std::string> arguments) {
 
 struct CommandLine : testing::Test {
     CommandLine() {
-        scratch.write("games.cat",
-                      "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:SNAKE\r\n"
-                      "%Data Record\r\n\\If A\\<>1\r\n\\Then \"a\\->b\"\\Disp\\Stop\r\n%End\r\n"
-                      "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:1\r\nColumns:1\r\nVariable Name:Mat A\r\n"
-                      "%Data Record\r\nValue : 1 1 2\r\n%End\r\n");
+        scratch.write("games.cat", catProgram("SNAKE", "\\If A\\<>1\r\n\\Then \"a\\->b\"\\Disp\\Stop") +
+                                       catValues("MT", "Mat A", 1, 1, "Value : 1 1 2\r\n"));
     }
     std::vector<std::string> on(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin() + 1, library);
@@ -143,17 +141,12 @@ std::vector<std::string> namesOf(const nlohmann::ordered_json &object) {
 }
 
 TEST_F(CommandLine, AProgramRunsWithItsFolder) {
-    const auto program = [](const std::string &name, const std::string &lines) {
-        return "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:" + name +
-               "\r\n%Data Record\r\n" + lines + "\r\n%End\r\n";
-    };
-    scratch.write("run.cat", program("MAIN",
-                                     "?\\->A:\\Getkey\\->B:\\Getkey\\->\\r\r\n\\Prog \"SUB\"\r\n1,2\r\n"
-                                     "{1,1,2}\\->\\List 3:\\Mat B[1,2]+3\\{i}\\->D:\\ViewWindow 0,127,0,0,63,0\r\n"
-                                     "\\Plot 1.5,1.5\\Disp") +
-                                 program("SUB", "\\File2:5\\->Z") +
-                                 "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:1\r\nColumns:2\r\n"
-                                 "Variable Name:Mat B\r\n%Data Record\r\nValue : 1 1 2\r\nValue : 1 2 7\r\n%End\r\n");
+    scratch.write("run.cat", catProgram("MAIN",
+                                        "?\\->A:\\Getkey\\->B:\\Getkey\\->\\r\r\n\\Prog \"SUB\"\r\n1,2\r\n"
+                                        "{1,1,2}\\->\\List 3:\\Mat B[1,2]+3\\{i}\\->D:\\ViewWindow 0,127,0,0,63,0\r\n"
+                                        "\\Plot 1.5,1.5\\Disp") +
+                                 catProgram("SUB", "\\File2:5\\->Z") +
+                                 catValues("MT", "Mat B", 1, 2, "Value : 1 1 2\r\nValue : 1 2 7\r\n"));
     ASSERT_EQ(run(on({"import", scratch.path + "run.cat", "--into", "games"})).status, 0);
     const std::vector<std::string> runMain = {
         "run", "games/MAIN", "--keys", "74,32,31,27", "--getkey", "31,72", "--set", "FillListsMatrices=0", "--json"};

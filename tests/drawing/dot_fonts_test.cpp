@@ -36,9 +36,6 @@ std::string solidSmallFont(int width, std::size_t size) {
 ByteView view(const std::string &text) { return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()}; }
 
 struct FontFiles : testing::Test {
-    FontFiles() : before(programFolder()) { setProgramFolder(folder.path); }
-    ~FontFiles() override { setProgramFolder(before); }
-
     std::string boxAfter(bool (*load)(), bool expected) const {
         uiRecord.boxes.clear();
         EXPECT_EQ(load(), expected);
@@ -49,8 +46,7 @@ struct FontFiles : testing::Test {
         return uiRecord.boxes[0].body;
     }
 
-    std::string before;
-    ScratchFolder folder;
+    EmptyProgramFolder folder;
     RecordedUi ui;
 };
 

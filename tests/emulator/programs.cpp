@@ -1,40 +1,9 @@
-// Limits of the ProgramTable, and bytes that aren't a sound image.
+// Limits of the ProgramTable.
 #include "emulator/programs.h"
 
 #include <gtest/gtest.h>
 
 namespace numalink {
-
-namespace {
-
-const LoadedProgram &added(const Bytes &image) {
-    programsClear();
-    EXPECT_TRUE(programAdd("A", image));
-    return loadedProgram(0);
-}
-
-}  // namespace
-
-TEST(Programs, EndInTheirMarkWhateverTheBytes) {
-    const Bytes images[] = {{},
-                            {':'},
-                            {':', 0xFF},
-                            {':', 'A', 0xFF},
-                            {':', 'A', 0xFF, 0x12},
-                            {':', 'A'},
-                            {':', 0x7F},
-                            {':', '"', 'A', 0xFF, 0},
-                            {':', 0xF7, 0xFF},
-                            {':', '1', 0x0F, 0xFF, 0},
-                            {':', '.', 0xFF, 0}};
-    for (const Bytes &image : images) {
-        const LoadedProgram &program = added(image);
-        ASSERT_GE(program.cellCount, 1);
-        const ProgramCell &last = program.cells[program.cellCount - 1];
-        EXPECT_TRUE(isToken(last, token::endOfProgram));
-        for (int i = 0; i + 1 < program.cellCount; i++) EXPECT_FALSE(isToken(program.cells[i], token::endOfProgram));
-    }
-}
 
 TEST(Programs, NamesAreCutAndTheTableEnds) {
     programsClear();

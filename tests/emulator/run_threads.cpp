@@ -32,7 +32,7 @@ struct RunThreads : testing::Test {
     }
     ~RunThreads() override { runStop(); }
 
-    static void start(std::initializer_list<std::string> programs) {
+    static void start(const std::vector<std::string> &programs) {
         machineStart();
         programsClear();
         int number = 0;
@@ -55,8 +55,8 @@ void expectQuickStop(std::chrono::milliseconds limit) {
 
 TEST_F(RunThreads, TwoHundredStopsAtRandomInstants) {
     std::mt19937 random(7);
-    const std::string nested[] = {callOf(1), callOf(2), callOf(3), callOf(4), callOf(5),
-                                  callOf(6), callOf(7), callOf(8), callOf(9), callOf(10)};
+    std::vector<std::string> nested;
+    for (int number = 1; number <= 10; number++) nested.push_back(callOf(number));
     const std::string last[] = {"\\Lbl 1:A+1\\->A:\\Locate 1,1,A:\\Goto1", "?\\->B", "\"WAIT\"\\Disp",
                                 "\\Plot 1,1\\Disp", "\\ViewWindow 0,1,0,0,1,0:\\F-Line \\(-)10^8,0,1,1"};
     std::atomic<bool> watching = true;
@@ -72,12 +72,13 @@ TEST_F(RunThreads, TwoHundredStopsAtRandomInstants) {
     });
     int innermostReached = 0;
     for (int i = 0; i < 200; i++) {
-        start({nested[0], nested[1], nested[2], nested[3], nested[4], nested[5], nested[6], nested[7], nested[8],
-               nested[9], last[static_cast<std::size_t>(i) % std::size(last)]});
+        std::vector<std::string> programs = nested;
+        programs.push_back(last[static_cast<std::size_t>(i) % std::size(last)]);
+        start(programs);
         // A few have the time to come to the innermost program for sure, whatever the machine's load.
         std::this_thread::sleep_for(std::chrono::microseconds(i % 40 == 0 ? 100000 : random() % 6000));
         runStop();
-        innermostReached += machine.variables[0].re >= std::size(nested);
+        innermostReached += machine.variables[0].re >= static_cast<double>(nested.size());
         EXPECT_FALSE(emulatorRunning);
         EXPECT_EQ(runEnded(), RunEnd::running);
     }

@@ -9,6 +9,7 @@
 #include "calculator/number_text.h"
 #include "exchange/export_writers.h"
 #include "text/token_table.h"
+#include "virtual_calculator/calculator_frames.h"
 
 namespace numalink {
 
@@ -56,40 +57,23 @@ struct ItemMaker {
         return item;
     }
 
-    Bytes head(std::string_view mark, std::uint32_t first, std::uint32_t second, const std::string &itemName) {
-        Bytes made(headFrameSize, 0xFF);
-        std::copy(mark.begin(), mark.end(), made.begin());
-        writeBig16(made, 7, first);
-        writeBig16(made, 9, second);
-        std::copy(itemName.begin(), itemName.end(), made.begin() + frameNameOffset);
-        return made;
-    }
-
     OutgoingItem picture(bool oddSizes) {
-        using namespace std::string_view_literals;
-        OutgoingItem item{.itemKind = kind::picture, .name = name(), .head = {}, .data = {}};
-        const std::uint32_t height = oddSizes ? 1 + below(70) : 64;
-        const std::uint32_t width = oddSizes ? 8 * (1 + below(20)) : 128;
-        item.head = head(":IMG\0PC"sv, height, width, item.name);
-        constexpr std::string_view rest = "DRUWF\0"sv;
-        std::copy(rest.begin(), rest.end(), item.head.begin() + 27);
-        writeBig16(item.head, 32, 1 + below(4));
-        writeBig16(item.head, 34, 1 + below(2));
-        for (std::uint64_t plane = 0; plane < picturePlaneCount(item.head); plane++) {
-            item.data.insert(item.data.end(), {':', 0, byte(), 0, byte()});
-            for (std::uint64_t i = 5; i < picturePlaneLength(item.head); i++) item.data.push_back(byte());
-        }
+        const int height = oddSizes ? static_cast<int>(1 + below(70)) : 64;
+        const int width = oddSizes ? 8 * static_cast<int>(1 + below(20)) : 128;
+        const int colours = static_cast<int>(1 + below(4)), sheets = static_cast<int>(1 + below(2));
+        OutgoingItem item = sent(kind::picture, calculator::picture(height, width, colours, sheets, byte()));
+        for (std::size_t plane = 0; plane < item.data.size(); plane += picturePlaneLength(item.head))
+            item.data[plane + 1] = item.data[plane + 3] = 0;  // sheet and colour are below 256
         return item;
     }
 
     OutgoingItem values(ItemKind itemKind) {
-        using namespace std::string_view_literals;
-        OutgoingItem item{.itemKind = itemKind, .name = name(), .head = {}, .data = {}};
-        const std::uint32_t rows = 1 + below(12);
-        const std::uint32_t columns = itemKind == kind::list ? 1 : 1 + below(6);
-        item.head = head(itemKind == kind::list ? ":VAL\0LT"sv : ":VAL\0MT"sv, rows, columns, item.name);
-        item.head[27] = 'R';
-        item.head[28] = 10;
+        const bool isList = itemKind == kind::list;
+        const std::uint32_t rows = 1 + below(12), columns = isList ? 1 : 1 + below(6);
+        OutgoingItem item =
+            sent(itemKind, calculator::valueItem(isList ? "LT" : "MT", name(), "", static_cast<int>(rows),
+                                                 static_cast<int>(columns), byte()));
+        item.data.clear();
         for (std::uint32_t place = 0; place < rows * columns; place++) {
             Bytes frame(valueFrameSize);
             encodeValue(std::span(frame).first<valueFrameSize>(), place / columns + 1, place % columns + 1, 0);
@@ -110,27 +94,21 @@ struct ItemMaker {
         while (small && frame[14] == 0);
     }
 
-    OutgoingItem block(ItemKind itemKind, std::string_view mark) {
-        OutgoingItem item{.itemKind = itemKind, .name = name(), .head = {}, .data = {}};
-        const std::uint32_t length = 2 + below(300);
-        item.head = head(mark, 0, length, item.name);
-        for (std::uint32_t i = 0; i < length; i++) item.data.push_back(byte());
-        return item;
+    // As the calculator of the tests sends it.
+    static OutgoingItem sent(ItemKind itemKind, const calculator::Item &item) {
+        const bool named = item.head.size() == headFrameSize || itemKind == kind::algebraBlock;
+        const ByteView name = ByteView(item.head).subspan(frameNameOffset);
+        return {itemKind, named ? copyFrameName(name) : "", item.head, item.data};
     }
-
+    OutgoingItem memory(ItemKind itemKind, const std::string &type) {
+        return sent(itemKind, calculator::memory(type, name(), 2 + below(300), byte()));
+    }
     OutgoingItem screen(ItemKind itemKind) {
-        const bool colour = itemKind == kind::colourScreen;
-        OutgoingItem item{.itemKind = itemKind, .name = {}, .head = Bytes(shortHeadFrameSize, 0xFF), .data = {}};
-        const std::string_view mark = colour ? ":DC" : ":DD";
-        std::copy(mark.begin(), mark.end(), item.head.begin());
-        item.head[3] = static_cast<std::uint8_t>(8 * (1 + below(16)));
-        item.head[4] = static_cast<std::uint8_t>(1 + below(64));
-        for (std::uint64_t left = frameDataLength(item.head); left > 0; left--) item.data.push_back(byte());
-        return item;
+        const int height = 8 * static_cast<int>(1 + below(16)), width = static_cast<int>(1 + below(64));
+        return sent(itemKind, calculator::screenCopy(itemKind == kind::colourScreen, height, width, byte()));
     }
 
     OutgoingItem make(ItemKind itemKind, ExportTarget target) {
-        using namespace std::string_view_literals;
         switch (itemKind) {
             case kind::program:
             case kind::functionMemory:
@@ -141,11 +119,11 @@ struct ItemMaker {
             case kind::list:
                 return values(itemKind);
             case kind::backup:
-                return block(itemKind, ":MEM\0BU"sv);
+                return memory(itemKind, "BU");
             case kind::graphMemory:
-                return block(itemKind, ":MEM\0GM"sv);
+                return memory(itemKind, "GM");
             case kind::graphFunction:
-                return block(itemKind, ":FNC\0GF"sv);
+                return memory(itemKind, "GF");
             default:
                 return screen(itemKind);
         }

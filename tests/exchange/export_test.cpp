@@ -7,18 +7,13 @@
 #include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <set>
 
 #include "exchange/export_items.h"
 #include "exchange/import_readers.h"
 #include "exchange/reader_calls.h"
-#include "platform/thread_role.h"
-#include "settings/language_table.h"
 #include "settings/settings_store.h"
-#include "store/item_store.h"
-#include "support/scratch_folder.h"
-#include "support/ui_recorder.h"
+#include "support/rounds.h"
 #include "text/program_bytes.h"
 
 namespace numalink {
@@ -37,11 +32,6 @@ std::string written(const OutgoingItem &item, ExportTarget target) {
 }
 
 std::string refused(ExportFault fault) { return "refused " + std::to_string(static_cast<int>(fault)); }
-
-int roundsOfKind() {
-    const char *wanted = std::getenv("NUMALINK_EXPORT_ROUNDS");
-    return wanted ? std::atoi(wanted) : 60;
-}
 
 void expectProgram(const OutgoingItem &item, const ImportedItem &back, bool hasPassword) {
     const auto info = decodeProgramInfo(back.head);
@@ -75,12 +65,6 @@ void expectFrames(Bytes before, const Bytes &after, std::size_t frameLength, boo
     ASSERT_EQ(before, after);
 }
 
-std::size_t frameLengthOf(const OutgoingItem &item) {
-    if (item.itemKind == kind::picture) return picturePlaneLength(item.head);
-    if (item.itemKind == kind::matrix || item.itemKind == kind::list) return 16;
-    return item.itemKind == kind::colourScreen ? item.data.size() / 3 : item.data.size();
-}
-
 void expectFrameItem(const OutgoingItem &item, const ImportedItem &back, bool asText) {
     EXPECT_EQ(back.name, item.name);
     Bytes before = item.head;
@@ -91,7 +75,8 @@ void expectFrameItem(const OutgoingItem &item, const ImportedItem &back, bool as
     before.back() = after.back();
     EXPECT_EQ(before, after);
     if (asText && item.itemKind != kind::picture) return expectValues(item, back);
-    expectFrames(item.data, back.data, frameLengthOf(item), !asText);
+    const std::size_t inner = calculator::frameLength(item.head);
+    expectFrames(item.data, back.data, inner == 0 ? item.data.size() : inner, !asText);
 }
 
 struct Round {
@@ -121,13 +106,12 @@ void roundTrip(const OutgoingItem &item, ExportTarget target) {
     expectFrameItem(item, read.taken[0], asText);
 }
 
-struct ExportRound : testing::TestWithParam<Round> {};
+struct ExportRound : Exchange, testing::WithParamInterface<Round> {};
 
 TEST_P(ExportRound, ComesBack) {
-    ASSERT_TRUE(tokenTableLoad());
-    languageLoad("English", "English");
     const auto [target, itemKind] = GetParam();
-    for (int i = 0; i < roundsOfKind() && !HasFatalFailure(); i++) {
+    const int rounds = countFromEnvironment("NUMALINK_EXPORT_ROUNDS", 60);
+    for (int i = 0; i < rounds && !HasFatalFailure(); i++) {
         SCOPED_TRACE("kind " + std::to_string(itemKind) + ", seed " + std::to_string(i));
         roundTrip(ItemMaker(static_cast<unsigned>(i)).make(itemKind, target), target);
     }
@@ -180,12 +164,7 @@ TEST(ExchangeWords, EverySequenceReadsBack) {
     }
 }
 
-struct ExportText : testing::Test {
-    ExportText() {
-        EXPECT_TRUE(tokenTableLoad());
-        languageLoad("English", "English");
-    }
-};
+using ExportText = Exchange;
 
 TEST_F(ExportText, RecordsOfAProgram) {
     EXPECT_EQ(written(program("AB\rC"), ExportTarget::cat),
@@ -222,13 +201,13 @@ TEST_F(ExportText, ValuesAndPictures) {
 }
 
 TEST_F(ExportText, WhatNoFileCanHold) {
-    OutgoingItem block = ItemMaker(3).block(kind::algebraBlock, ":MCS1");
+    const OutgoingItem block = ItemMaker::sent(kind::algebraBlock, calculator::algebraBlock("SETUP", 5, 9, 1));
     for (const ExportTarget target : {ExportTarget::cas, ExportTarget::cat, ExportTarget::catAlgebra})
         EXPECT_EQ(written(block, target), refused(ExportFault::kind));
     EXPECT_EQ(written(ItemMaker(4).text(kind::functionMemory, true), ExportTarget::cat), refused(ExportFault::kind));
     EXPECT_EQ(written(program("\x90"), ExportTarget::cat), refused(ExportFault::code));
     EXPECT_THAT(written(program("\x90"), ExportTarget::cas), HasSubstr(":\x90\xFF"));
-    OutgoingItem backup = ItemMaker(5).block(kind::backup, std::string_view(":MEM\0BU", 7));
+    OutgoingItem backup = ItemMaker(5).memory(kind::backup, "BU");
     backup.data.pop_back();
     EXPECT_EQ(written(backup, ExportTarget::cas), refused(ExportFault::sizesDiffer));
     backup.head.clear();
@@ -240,15 +219,7 @@ TEST_F(ExportText, WhatNoFileCanHold) {
         EXPECT_EQ(written(option, target), refused(ExportFault::notWhole)) << "a text file has no such bytes";
 }
 
-struct Export : testing::Test {
-    Export() {
-        threadRole = ThreadRole::graphical;
-        EXPECT_TRUE(tokenTableLoad());
-        languageLoad("English", "English");
-        EXPECT_TRUE(storeOpen());
-    }
-    ~Export() override { storeClose(); }
-
+struct Export : LibraryExchange {
     static ItemId add(const OutgoingItem &item, ItemId parent = rootId) {
         return storeAddItem(
             {.name = item.name, .parent = parent, .kind = item.itemKind, .head = item.head, .data = item.data});
@@ -256,16 +227,11 @@ struct Export : testing::Test {
     bool exportTo(const std::string &name, std::vector<ItemId> ids, ExportTarget target = ExportTarget::cat) const {
         return exportItems({.path = scratch.path + name, .ids = std::move(ids), .target = target});
     }
-
-    ScratchFolder scratch;
-    RecordedUi ui;
 };
 
 TEST_F(Export, ARefusedItemIsNamedAndNothingIsWritten) {
     const ItemId good = add(program("A"));
-    OutgoingItem block = ItemMaker(3).block(kind::algebraBlock, ":MCS1");
-    block.name = "SETUP";
-    const ItemId bad = add(block);
+    const ItemId bad = add(ItemMaker::sent(kind::algebraBlock, calculator::algebraBlock("SETUP", 5, 9, 1)));
     scratch.write("x.cat", "old");
     uiRecord.answers = {Answer::ok};
     EXPECT_FALSE(exportTo("x.cat", {good, bad}));

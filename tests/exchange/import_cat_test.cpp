@@ -6,8 +6,7 @@
 #include "calculator/number_text.h"
 #include "exchange/import.h"
 #include "exchange/reader_calls.h"
-#include "settings/language_table.h"
-#include "text/token_table.h"
+#include "support/cat_records.h"
 
 namespace numalink {
 namespace {
@@ -27,10 +26,8 @@ std::string programRecord(const std::string &name, const std::string &text) {
            text + lines("|%End|");
 }
 
-std::string valuesRecord(const std::string &sizes, const std::string &values) {
-    return lines("%Header Record|Format:VAL|Communication SW:0|Data Type:MT|" + sizes +
-                 "|Variable Name:Mat A|Group Name:|Variable Type:R|Variable Length:10|%Data Record|" + values +
-                 "%End|");
+std::string valuesRecord(int rows, int columns, const std::string &values) {
+    return catValues("MT", "Mat A", rows, columns, lines(values));
 }
 
 std::string pictureRecord(const std::string &sizes, const std::string &planes) {
@@ -38,12 +35,7 @@ std::string pictureRecord(const std::string &sizes, const std::string &planes) {
                  "%End|");
 }
 
-struct ImportCat : testing::Test {
-    ImportCat() {
-        EXPECT_TRUE(tokenTableLoad());
-        languageLoad("English", "English");
-    }
-};
+using ImportCat = Exchange;
 
 Bytes tokensOf(const ImportedItem &item) {
     const ByteView tokens = programTokens(item.data);
@@ -132,9 +124,8 @@ TEST_F(ImportCat, WhatEndsTheReadingIsTold) {
 }
 
 TEST_F(ImportCat, ValuesGoToTheirPlaces) {
-    const ReadResult read = readWith(
-        readCat,
-        valuesRecord("Rows:2|Columns:2", "Value : 2 1 -0.25|Value : 1 2 1.5\\EE+3|Value : 1 1 1|Value : 2 2 7|"));
+    const ReadResult read =
+        readWith(readCat, valuesRecord(2, 2, "Value : 2 1 -0.25|Value : 1 2 1.5\\EE+3|Value : 1 1 1|Value : 2 2 7|"));
     ASSERT_EQ(read.taken.size(), 1u);
     EXPECT_TRUE(read.messages.empty());
     const ImportedItem &item = read.taken[0];
@@ -150,8 +141,8 @@ TEST_F(ImportCat, ValuesGoToTheirPlaces) {
 }
 
 TEST_F(ImportCat, BadAndMissingValuesAreTold) {
-    const ReadResult read = readWith(
-        readCat, valuesRecord("Rows:2|Columns:2", "Value : 1 1 1\\EE+100|Value : 3 1 5|Value 1|Value : 2 2 1,5|"));
+    const ReadResult read =
+        readWith(readCat, valuesRecord(2, 2, "Value : 1 1 1\\EE+100|Value : 3 1 5|Value 1|Value : 2 2 1,5|"));
     ASSERT_EQ(read.taken.size(), 1u);
     EXPECT_EQ(read.taken[0].data.size(), 64u);
     ASSERT_EQ(read.messages.size(), 2u);
@@ -162,8 +153,8 @@ TEST_F(ImportCat, BadAndMissingValuesAreTold) {
 TEST_F(ImportCat, SizesThatLieAreRefusedAndTheRestIsRead) {
     const std::string good = programRecord("GOOD", "A");
     for (const std::string &bad :
-         {valuesRecord("Rows:0|Columns:2", "Value : 1 1 1|"), valuesRecord("Rows:65536|Columns:1", ""),
-          valuesRecord("Rows:255|Columns:255", ""), programRecord("HUGE", std::string(importItemLimit, 'A')),
+         {valuesRecord(0, 2, "Value : 1 1 1|"), valuesRecord(65536, 1, ""), valuesRecord(255, 255, ""),
+          programRecord("HUGE", std::string(importItemLimit, 'A')),
           pictureRecord("Height:8|Width:8|Colors:1|Sheets:1", "Sheet:1|Color:1|"),
           pictureRecord("Height:65535|Width:65535|Colors:65535|Sheets:65535", "Sheet:1|Color:1|00|"),
           pictureRecord("Height:0|Width:8|Colors:1|Sheets:1", "")}) {

@@ -4,6 +4,7 @@
 
 #include "calculator/frames.h"
 #include "exchange/reader_calls.h"
+#include "virtual_calculator/calculator_frames.h"
 
 namespace numalink {
 namespace {
@@ -16,26 +17,14 @@ std::string programHead(const std::string &name, std::uint32_t length, ItemKind 
     return textOf(*buildHeadFrame(itemKind, Family::cfx, {.imageLength = length, .name = name, .password = ""}));
 }
 
-std::string valueHead(const std::string &name) {
-    Bytes head(headFrameSize, 0xFF);
-    std::ranges::copy(std::string(":VAL\0LT\0\2\0\1", 11) + name, head.begin());
-    return textOf(head);
-}
-
-std::string pictureHead() {
-    Bytes head(headFrameSize, 0xFF);
-    std::ranges::copy(std::string(":IMG\0PC\0\x08\0\x08PIC", 14), head.begin());
-    std::ranges::copy(std::string("\0\1\0\2", 4), head.begin() + 32);
-    return textOf(head);
-}
-
-const std::string closing = textOf(*buildHeadFrame(kind::endOfTransmission, Family::cfx, {}));
+const std::string listHead = textOf(calculator::valueItem("LT", "List 1", "", 2, 1, 0).head);
+const std::string pictureHead = textOf(calculator::picture(8, 8, 1, 2, 0).head);
+const std::string closing = textOf(calculator::closingFrame(false));
 const std::string image = ":ABC\xFF\x12";
 
 TEST(ImportCas, ItemsUpToTheClosingFrame) {
     const std::string screen = ":DD\x08\x08" + std::string(35, '\xFF') + std::string(10, 'x');
-    const std::string dump =
-        programHead("ONE", 6) + image + valueHead("List 1") + std::string(32, 'v') + screen + closing;
+    const std::string dump = programHead("ONE", 6) + image + listHead + std::string(32, 'v') + screen + closing;
     const ReadResult read = readWith(readCas, dump + "rest");
     ASSERT_EQ(read.taken.size(), 3u);
     EXPECT_TRUE(read.messages.empty());
@@ -58,7 +47,7 @@ TEST(ImportCas, CutAnywhereItSaysWhereItStopped) {
 
 TEST(ImportCas, AHeadThatLies) {
     EXPECT_TRUE(readWith(readCas, programHead("ONE", 65535) + image).taken.empty());
-    std::string matrix = valueHead("List 1");
+    std::string matrix = listHead;
     matrix[7] = '\xFF';
     EXPECT_EQ(readWith(readCas, matrix + std::string(5000, 'v') + closing).messages.size(), 1u);
     const ReadResult unknown = readWith(readCas, programHead("ONE", 6) + image + ":XYZ" + std::string(60, ' '));
@@ -85,10 +74,9 @@ TEST(ImportFxi, EveryKindAndWhatFollowsIt) {
     const std::string gap(8, '-');
     const std::string program = contained(programHead("ONE", 6), "ABC\xFF") + gap;
     const std::string memory = contained(programHead("FMEM", 6, kind::functionMemory), "ABC\xFF") + gap;
-    const std::string list = contained(valueHead("List 1"), std::string(14, 'a') + std::string(14, 'b'));
-    const std::string picture = contained(pictureHead(), std::string(24, 'x'));
-    std::string graph = programHead("GMEM", 10);
-    std::ranges::copy(std::string_view("MEM\0GM", 6), graph.begin() + 1);
+    const std::string list = contained(listHead, std::string(14, 'a') + std::string(14, 'b'));
+    const std::string picture = contained(pictureHead, std::string(24, 'x'));
+    const std::string graph = textOf(calculator::memory("GM", "GMEM", 10, 0).head);
     const ReadResult read =
         readWith(readFxi, container(memory + list + picture + contained(graph, std::string(8, 'g')) + gap + program));
     std::vector<ItemKind> kinds;
@@ -104,23 +92,11 @@ TEST(ImportFxi, EveryKindAndWhatFollowsIt) {
     EXPECT_TRUE(frameIsGood(read.taken[3].head));
 }
 
-TEST(ImportFxi, CutAnywhereNothingHalfComes) {
-    const std::string file =
-        container(contained(valueHead("List 1"), std::string(28, 'a')) + contained(programHead("ONE", 6), "ABC\xFF"));
-    std::size_t most = 0;
-    for (std::size_t length = 0; length <= file.size(); length++) {
-        const ReadResult read = readWith(readFxi, file.substr(0, length));
-        EXPECT_GE(read.taken.size(), most) << length;
-        most = read.taken.size();
-        for (const ImportedItem &item : read.taken) EXPECT_TRUE(item.data.size() == 32 || item.data.size() == 6);
-    }
-    EXPECT_EQ(most, 2u);
-}
-
 TEST(ImportFxi, FaultsAreTold) {
     std::string lying = contained(programHead("ONE", 1), "");
     EXPECT_EQ(readWith(readFxi, container(lying)).messages.size(), 1u) << "a frame of one byte";
-    lying = contained(pictureHead().replace(7, 4, "\xFF\xFF\xFF\xFF").replace(32, 4, "\xFF\xFF\xFF\xFF"), "");
+    lying =
+        contained(std::string(pictureHead).replace(7, 4, "\xFF\xFF\xFF\xFF").replace(32, 4, "\xFF\xFF\xFF\xFF"), "");
     EXPECT_EQ(readWith(readFxi, container(lying)).messages.size(), 1u);
     EXPECT_EQ(readWith(readFxi, container(std::string("\2\0\1\0", 4) + std::string(50, 'n'))).messages.size(), 1u);
     EXPECT_EQ(readWith(readFxi, container(contained(":XYZ" + std::string(46, ' '), "abc"))).messages.size(), 1u);

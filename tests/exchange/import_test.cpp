@@ -6,15 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "calculator/frames.h"
+#include "exchange/reader_calls.h"
 #include "platform/file_port.h"
-#include "platform/thread_role.h"
-#include "settings/language_table.h"
 #include "settings/own_texts.h"
 #include "settings/settings_store.h"
-#include "store/item_store.h"
-#include "support/scratch_folder.h"
-#include "support/ui_recorder.h"
-#include "text/token_table.h"
+#include "support/cat_records.h"
 
 namespace numalink {
 namespace {
@@ -22,15 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-struct Import : testing::Test {
-    Import() {
-        threadRole = ThreadRole::graphical;
-        EXPECT_TRUE(tokenTableLoad());
-        languageLoad("English", "English");
-        EXPECT_TRUE(storeOpen());
-    }
-    ~Import() override { storeClose(); }
-
+struct Import : LibraryExchange {
     void importText(const std::string &name, const std::string &content) {
         scratch.write(name, content);
         importFile(scratch.path + name, importBaseName(name));
@@ -40,24 +28,16 @@ struct Import : testing::Test {
         for (const ItemEntry &entry : storeListChildren(folder)) names.push_back(entry.name);
         return names;
     }
-
-    ScratchFolder scratch;
-    RecordedUi ui;
 };
-
-std::string record(const std::string &name) {
-    return "%Header Record\r\nFormat:TXT\r\nData Type:PG\r\nCapacity:5\r\nFile Name:" + name +
-           "\r\n%Data Record\r\nA\r\n%End\r\n";
-}
 
 TEST_F(Import, OneItemGoesToTheFolderOfItsKindAndSeveralToOneNamedAsTheFile) {
     uiRecord.importAction = ImportAction::standardFolders;
-    importText("one.cat", record("ONE"));
+    importText("one.cat", catProgram("ONE"));
     EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::standardFolders);
     EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
     EXPECT_TRUE(namesIn(storeTempFolder()).empty());
     uiRecord.importAction = ImportAction::oneFolder;
-    importText("My games.v2.cat", record("ONE") + record("one") + record(""));
+    importText("My games.v2.cat", catProgram("ONE") + catProgram("one") + catProgram(""));
     EXPECT_EQ(uiRecord.lastQuestion.action, ImportAction::oneFolder);
     EXPECT_THAT(uiRecord.lastQuestion.itemNames, ElementsAre("ONE", "one", "My games"));
     EXPECT_THAT(namesIn(storeResolvePath("/My games.v2/", false)), ElementsAre("ONE", "one", "My games"));
@@ -72,10 +52,10 @@ TEST_F(Import, ManyItemsWaitForTheDiskAsLittleAsOne) {
         return systemFilePort.sync(file);
     };
     uiRecord.importAction = ImportAction::oneFolder;
-    importText("one.cat", record("ONE"));
+    importText("one.cat", catProgram("ONE"));
     const int ofOne = std::exchange(syncs, 0);
     std::string many;
-    for (int i = 0; i < 50; i++) many += record(std::to_string(i));
+    for (int i = 0; i < 50; i++) many += catProgram(std::to_string(i));
     importText("many.cat", many);
     filePort = systemFilePort;
     EXPECT_EQ(syncs, ofOne);
@@ -85,7 +65,7 @@ TEST_F(Import, ManyItemsWaitForTheDiskAsLittleAsOne) {
 TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     ASSERT_FALSE(
         storeAddItems(std::vector<NewItem>(storeSlotCount - 2, {.name = "A", .head = {}, .data = {}})).empty());
-    importText("two.cat", record("ONE") + record("TWO"));
+    importText("two.cat", catProgram("ONE") + catProgram("TWO"));
     EXPECT_TRUE(namesIn(storeTempFolder()).empty());
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::storeFull));
@@ -95,9 +75,9 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
 TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "temp";
-    importText("a.cat", record("ONE"));
+    importText("a.cat", catProgram("ONE"));
     uiRecord.importFolder = "  ";
-    importText("b.cat", record("TWO"));
+    importText("b.cat", catProgram("TWO"));
     const ItemId folder = storeResolvePath("/temp/", false);
     ASSERT_NE(folder, noItem);
     EXPECT_NE(folder, storeTempFolder());
@@ -106,22 +86,19 @@ TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
 }
 
 TEST_F(Import, CancelledItemsGoWithTheNextImport) {
-    importText("a.cat", record("ONE"));
+    importText("a.cat", catProgram("ONE"));
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
-    importText("b.cat", record("TWO"));
+    importText("b.cat", catProgram("TWO"));
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("TWO"));
     uiRecord.leaveAllowed = false;
-    importText("c.cat", record("THREE"));
+    importText("c.cat", catProgram("THREE"));
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("TWO")) << "the view would not be left";
 }
 
 TEST_F(Import, TransmittingQueuesWhatWasRead) {
     uiRecord.importAction = ImportAction::transmit;
     settingsSetValue(setting::linkType, "algebra");  // takes no lists
-    const std::string list =
-        "%Header Record\r\nFormat:VAL\r\nData Type:LT\r\nRows:1\r\nColumns:1\r\nVariable Name:LIST\r\n"
-        "%Data Record\r\nValue : 1 1 2\r\n%End\r\n";
-    importText("a.cat", list + record("ONE"));
+    importText("a.cat", catValues("LT", "LIST", 1, 1, "Value : 1 1 2\r\n") + catProgram("ONE"));
     settingsSetValue(setting::linkType, "cfx");
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(transmitQueueIds().size(), 1u);
@@ -146,7 +123,7 @@ TEST_F(Import, FilesThatAreNone) {
 
 TEST_F(Import, AfterAnErrorTheRestIsAskedAbout) {
     uiRecord.importAction = ImportAction::standardFolders;
-    importText("a.cat", "\xEF\xBB\xBF" + record("ONE") + record("FAR TOO LONG"));
+    importText("a.cat", "\xEF\xBB\xBF" + catProgram("ONE") + catProgram("FAR TOO LONG"));
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(uiRecord.boxes[0].bodyNumber, 100);
     EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
@@ -154,8 +131,7 @@ TEST_F(Import, AfterAnErrorTheRestIsAskedAbout) {
 
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
     std::string file;
-    for (int i = 0; i < 50; i++)
-        file += "%Header Record\r\nFormat:VAL\r\nData Type:MT\r\nRows:0\r\nColumns:1\r\n%Data Record\r\n%End\r\n";
+    for (int i = 0; i < 50; i++) file += catValues("MT", "A", 0, 1, "");
     importText("a.cat", file);
     EXPECT_EQ(uiRecord.boxes.size(), 9u);
     EXPECT_THAT(uiRecord.boxes.back().body, HasSubstr("42"));

@@ -1,10 +1,18 @@
-// The readers called with a text and a sink that keeps what comes.
+// The readers called with a text and a sink that keeps what comes, and what importers and exporters stand on.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "exchange/import_readers.h"
+#include "platform/thread_role.h"
+#include "settings/language_table.h"
+#include "store/item_store.h"
+#include "support/scratch_folder.h"
+#include "support/ui_recorder.h"
+#include "text/token_table.h"
 
 namespace numalink {
 
@@ -29,5 +37,22 @@ inline std::vector<int> numbersOf(const ImportReport &report) {
     for (const ImportMessage &message : report.messages) numbers.push_back(message.bodyNumber);
     return numbers;
 }
+
+struct Exchange : testing::Test {
+    Exchange() {
+        threadRole = ThreadRole::graphical;
+        EXPECT_TRUE(tokenTableLoad());
+        languageLoad("English", "English");
+    }
+};
+
+// With a library of its own.
+struct LibraryExchange : Exchange {
+    LibraryExchange() { EXPECT_TRUE(storeOpen()); }
+    ~LibraryExchange() override { storeClose(); }
+
+    ScratchFolder scratch;
+    RecordedUi ui;
+};
 
 }  // namespace numalink

@@ -1,22 +1,83 @@
-// Runs a fuzz target over every file of the folder given: how the corpora are replayed without libFuzzer.
+// Runs a fuzz target without libFuzzer over every file of the folder given, and over so many variants of each: some
+// bytes altered, put in or left out, or what another file holds in their place. The same ones each time.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-int main(int argc, char **argv) {
-    if (argc != 2) return 2;
-    int count = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(argv[1])) {
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());
-        count++;
+namespace {
+
+using Input = std::vector<char>;
+
+std::mt19937 chance(1);
+
+std::size_t below(std::size_t limit) { return limit == 0 ? 0 : chance() % limit; }
+
+std::vector<Input> inputsOf(const char *folder) {
+    std::vector<std::filesystem::path> paths;
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) paths.push_back(entry.path());
+    std::ranges::sort(paths);
+    std::vector<Input> inputs;
+    for (const auto &path : paths) {
+        std::ifstream file(path, std::ios::binary);
+        inputs.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     }
-    std::printf("%d inputs replayed\n", count);
-    return count > 0 ? 0 : 1;
+    return inputs;
+}
+
+void vary(Input &input, const Input &other) {
+    const auto place = input.begin() + static_cast<std::ptrdiff_t>(below(input.size() + 1));
+    const auto from = other.begin() + static_cast<std::ptrdiff_t>(below(other.size() + 1));
+    const std::size_t most = 1 + below(8);
+    const auto gone = std::min<std::ptrdiff_t>(input.end() - place, static_cast<std::ptrdiff_t>(most));
+    const auto taken = std::min<std::ptrdiff_t>(other.end() - from, static_cast<std::ptrdiff_t>(most));
+    if (below(10) == 0) {
+        input.erase(place, input.end());
+        return;
+    }
+    switch (below(4)) {
+        case 0:
+            if (place != input.end()) *place = static_cast<char>(chance());
+            break;
+        case 1:
+            input.erase(place, place + gone);
+            break;
+        case 2:
+            input.insert(place, from, from + taken);
+            break;
+        default:
+            std::copy(from, from + std::min(gone, taken), place);
+    }
+}
+
+void run(const Input &input, const char *program) {
+    const std::string path = std::string(program) + ".input";  // the one that a crash leaves
+    std::ofstream(path, std::ios::binary).write(input.data(), static_cast<std::streamsize>(input.size()));
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(input.data()), input.size());
+    std::filesystem::remove(path);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 3) return 2;
+    const int variants = std::atoi(argv[2]);
+    const std::vector<Input> inputs = inputsOf(argv[1]);
+    for (const Input &input : inputs) {
+        run(input, argv[0]);
+        for (int i = 0; i < variants; i++) {
+            Input variant = input;
+            for (std::size_t left = 1 + below(4); left > 0; left--) vary(variant, inputs[below(inputs.size())]);
+            run(variant, argv[0]);
+        }
+    }
+    std::printf("%zu inputs replayed, each with %d variants\n", inputs.size(), variants);
+    return inputs.empty() ? 1 : 0;
 }

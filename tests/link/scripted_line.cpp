@@ -2,10 +2,7 @@
 
 #include <algorithm>
 
-#include "link/conversation.h"
-#include "link/transmit_queue.h"
-#include "platform/clock.h"
-#include "platform/serial_line.h"
+#include "link/link_scene.h"
 
 namespace numalink {
 

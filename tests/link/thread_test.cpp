@@ -106,12 +106,10 @@ calculator::Item numberedItem(bool algebra, int number) {
     return algebra ? calculator::algebraProgram(name, tokens) : calculator::program(name, tokens);
 }
 
-struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {
-    // What a user does meanwhile.
-    void alterLibrary(int step) const;
-};
+struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {};
 
-void BesideTheUser::alterLibrary(int step) const {
+// What a user does meanwhile.
+void alterLibrary(int step, const std::string &file) {
     const NewItem own{.name = "OWN" + std::to_string(step % 5),
                       .parent = storeStandardFolder(1001),
                       .kind = kind::program,
@@ -121,7 +119,7 @@ void BesideTheUser::alterLibrary(int step) const {
     const ItemId id = storeAddItem(own);
     storeRename(id, "RENAMED" + std::to_string(step));
     if (step % 2 == 0) storeDelete(id);
-    if (step % 8 == 0) importFile(folder.path + "own.cas", "own");
+    if (step % 8 == 0) importFile(file, "own");
     storeListItems();
 }
 
@@ -137,7 +135,7 @@ TEST_P(BesideTheUser, itemsComeAndGo) {
         startSending(other);
         moveCalculator(other, terminal.master, moving);
     });
-    for (int step = 0; step < 40; step++) alterLibrary(step);
+    for (int step = 0; step < 40; step++) alterLibrary(step, folder.path + "own.cas");
     sending.join();
     ASSERT_TRUE(waitFor([] { return !linkConversationRuns(); }));
     EXPECT_EQ(other.failures, 0);
@@ -150,7 +148,7 @@ TEST_P(BesideTheUser, itemsComeAndGo) {
     std::thread receiving([this] { moveCalculator(other, terminal.master, moving); });
     for (int i = 0; i < 6; i++) EXPECT_TRUE(queueItem(storeFindItem("P" + std::to_string(i), programs)));
     EXPECT_TRUE(beginTransmit());
-    for (int step = 40; step < 80; step++) alterLibrary(step);
+    for (int step = 40; step < 80; step++) alterLibrary(step, folder.path + "own.cas");
     EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
     receiving.join();
     EXPECT_EQ(other.received.size(), 6u);

@@ -1,15 +1,12 @@
-// What the monkey has done of late, told when the program dies, and a watch over a program that hangs.
+// What the monkey does, told as it does it: the last lines ahead of a failure, and the seed in the first, say how it
+// came about.
 #pragma once
 
 #include <cstdint>
 
 namespace monkey {
 
-// Hooks into aborts and the sanitizers' deaths. Once, ahead of all else.
-void watchForDeath(std::uint64_t seed);
-void stopWatching();
-
-// The graphical thread alone. The text is cut at 150 bytes.
+// The graphical thread alone. A program that does nothing more for long after it is ended by an alarm.
 void logAction(std::uint64_t number, const char *format, ...) __attribute__((format(printf, 2, 3)));
 [[noreturn]] void fail(const char *format, ...) __attribute__((format(printf, 1, 2)));
 

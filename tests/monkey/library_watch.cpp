@@ -1,19 +1,13 @@
 #include "monkey/library_watch.h"
 
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <QApplication>
 #include <QTest>
 #include <QTreeWidget>
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
-#include <set>
 
 #include "monkey/action_log.h"
-#include "platform/program_folder.h"
 #include "shell/item_rules.h"
 #include "shell/item_tree.h"
 #include "shell/item_views.h"
@@ -63,41 +57,6 @@ std::string treeFault() {
     return {};
 }
 
-std::string lineOf(const ItemEntry &item) {
-    std::string line;
-    for (const std::uint32_t number :
-         {item.id, item.parent, static_cast<std::uint32_t>(item.kind), item.flags, item.headSize, item.dataSize})
-        line += std::to_string(number) + " ";
-    for (const char letter : item.name) line += std::to_string(static_cast<unsigned char>(letter)) + ",";
-    return line + "\n";
-}
-
-// Without the temporary folder, which each opening empties.
-std::string linesOfStore() {
-    const std::vector<ItemEntry> items = storeListItems();
-    std::set<ItemId> temporary;
-    for (std::size_t before = 1; before != temporary.size();) {
-        before = temporary.size();
-        for (const ItemEntry &item : items)
-            if (item.kind == kind::temporaryFolder || temporary.contains(item.parent)) temporary.insert(item.id);
-    }
-    std::string lines;
-    for (const ItemEntry &item : items)
-        if (!temporary.contains(item.id)) lines += lineOf(item);
-    return lines;
-}
-
-// Not by fork: the thread sanitizer doesn't bear it in a program of several threads.
-std::pair<int, std::string> readByItself(const std::string &copyFolder) {
-    std::string self = std::filesystem::read_symlink("/proc/self/exe"), option = "--list", folder = copyFolder;
-    char *const arguments[] = {self.data(), option.data(), folder.data(), nullptr};
-    pid_t child = 0;
-    int status = -1;
-    if (posix_spawn(&child, self.c_str(), nullptr, nullptr, arguments, environ) == 0) waitpid(child, &status, 0);
-    std::ifstream file(copyFolder + "list");
-    return {status, {std::istreambuf_iterator<char>(file), {}}};
-}
-
 }  // namespace
 
 void checkTree() {
@@ -109,14 +68,10 @@ void checkTree() {
 void checkFile(const std::string &copyFolder) {
     if (!storeIsOpen() || shuttingDown()) return;
     std::filesystem::create_directory(copyFolder);
-    std::string lines;
-    do {  // the link may store meanwhile
-        lines = linesOfStore();
-        if (!storeCopyTo(copyFolder + "storage.dat")) fail("No copy of the library");
-    } while (lines != linesOfStore());
-    const auto [ended, read] = readByItself(copyFolder);
-    if (ended != 0) fail("The library's file is damaged");
-    if (read != lines) fail("The library's file holds\n%sand the store\n%s", read.c_str(), lines.c_str());
+    if (!storeCopyTo(copyFolder + "storage.dat")) fail("No copy of the library");
+    const std::string program = QCoreApplication::applicationDirPath().toStdString() + "/numalink-cli";
+    const std::string command = program + " check " + copyFolder + " > /dev/null";
+    if (std::system(command.c_str()) != 0) fail("The library's file is damaged");
 }
 
 void checkWindowsGone() {
@@ -132,16 +87,6 @@ void checkClosedLibrary() {
     const LibraryCheck check = checkLibrary(false);
     if (check.outcome != CheckOutcome::checked || check.damage != 0 || check.interrupted)
         fail("The closed library is damaged: outcome %d, %u places", static_cast<int>(check.outcome), check.damage);
-}
-
-int listLibrary(const std::string &folder) {
-    setLibraryFolder(folder);
-    checkClosedLibrary();
-    if (!storeOpen()) return 1;
-    std::ofstream file(folder + "list");
-    file << linesOfStore();
-    storeClose();
-    return file.flush() ? 0 : 1;
 }
 
 }  // namespace monkey

@@ -1,10 +1,9 @@
 // numalink-monkey [--seed N] [--actions N | --seconds S]: starts the program in a scratch folder, lets a monkey at it,
 // ends it while things run, and starts it again. What fails aborts with the seed and the last actions.
+#include <CLI/CLI.hpp>
 #include <QApplication>
-#include <QDir>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 
 #include "link/link_thread.h"
@@ -82,33 +81,19 @@ int liveOften() {
     return lives;
 }
 
-bool takeArguments(int argc, char **argv) {
-    for (int i = 1; i + 1 < argc; i += 2) {
-        const std::uint64_t value = std::strtoull(argv[i + 1], nullptr, 10);
-        if (std::strcmp(argv[i], "--seed") == 0)
-            theMonkey.seed = value;
-        else if (std::strcmp(argv[i], "--actions") == 0)
-            theMonkey.actionLimit = value;
-        else if (std::strcmp(argv[i], "--seconds") == 0)
-            theMonkey.secondsLimit = value;
-        else
-            return false;
-    }
-    return argc % 2 == 1 && (theMonkey.actionLimit != 0 || theMonkey.secondsLimit != 0);
-}
-
 }  // namespace
 
 int main(int argc, char **argv) {
-    if (argc == 3 && std::strcmp(argv[1], "--list") == 0) return listLibrary(argv[2]);
-    if (!takeArguments(argc, argv)) {
-        std::fprintf(stderr, "usage: numalink-monkey [--seed N] [--actions N | --seconds S]\n");
-        return 2;
-    }
+    CLI::App options("Random keys and clicks at the real window");
+    options.add_option("--seed", theMonkey.seed);
+    auto *length = options.add_option_group("how long")->require_option(1);
+    length->add_option("--actions", theMonkey.actionLimit);
+    length->add_option("--seconds", theMonkey.secondsLimit);
+    CLI11_PARSE(options, argc, argv);
     const numalink::ScratchFolder folder;
     theMonkey.scratch = folder.path;
     leaveUserAlone(folder.path);
-    watchForDeath(theMonkey.seed);
+    logAction(0, "The seed is %llu", static_cast<unsigned long long>(theMonkey.seed));
     numalink::serialLine.open = openOwnPort;
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     const Application application(argc, argv);
@@ -120,6 +105,5 @@ int main(int argc, char **argv) {
                 static_cast<unsigned long long>(theMonkey.seed), static_cast<unsigned long long>(theMonkey.actions),
                 lives, static_cast<unsigned long long>(partner.sent),
                 static_cast<unsigned long long>(partner.received));
-    stopWatching();
     return 0;
 }

@@ -79,6 +79,7 @@ TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
     EXPECT_EQ(systemFilePort.openLocked(path.c_str(), true, second), OpenResult::heldByAnother);
 
     EXPECT_EQ(systemFilePort.writeAt(first, 4, "abc", 3), 3U);
+    EXPECT_EQ(folder.read("file").substr(4), "abc") << "nothing waits in the program, should it be killed";
     EXPECT_EQ(systemFilePort.size(first), 7);
     char read[4] = {};
     EXPECT_EQ(systemFilePort.readAt(first, 5, read, 4), 2U);

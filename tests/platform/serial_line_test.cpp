@@ -33,6 +33,14 @@ struct SerialLines : testing::Test {
     Bytes bytes;
 };
 
+template <typename Work>
+std::thread soon(Work work) {
+    return std::thread([work] {
+        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
+        work();
+    });
+}
+
 TEST_F(SerialLines, carryEveryByteBothWays) {
     Bytes all(256);
     for (std::size_t i = 0; i < all.size(); i++) all[i] = static_cast<std::uint8_t>(i);
@@ -56,10 +64,7 @@ TEST_F(SerialLines, giveUpAtTheirTotalAndAfterQuiet) {
 }
 
 TEST_F(SerialLines, wakeEndsOneReadAndInterruptAll) {
-    std::thread waker([] {
-        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
-        systemSerialLine.wake();
-    });
+    std::thread waker = soon([] { systemSerialLine.wake(); });
     EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::woken);
     waker.join();
     EXPECT_EQ(read(1, {.total = 20}).end, ReadEnd::timeOut);
@@ -70,19 +75,13 @@ TEST_F(SerialLines, wakeEndsOneReadAndInterruptAll) {
 }
 
 TEST_F(SerialLines, aStuckWriteEndsAtAnInterrupt) {
-    std::thread waker([] {
-        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
-        systemSerialLine.interrupt();
-    });
+    std::thread waker = soon([] { systemSerialLine.interrupt(); });
     EXPECT_FALSE(systemSerialLine.write(Bytes(1 << 20)));
     waker.join();
 }
 
 TEST_F(SerialLines, anUnpluggedDeviceIsGone) {
-    std::thread hand([this] {
-        systemSerialLine.sleepUntil(systemSerialLine.microseconds() + 50000);
-        terminal.unplug();
-    });
+    std::thread hand = soon([this] { terminal.unplug(); });
     EXPECT_EQ(read(1, {.total = 60000}).end, ReadEnd::gone);
     hand.join();
 }

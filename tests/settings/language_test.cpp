@@ -16,14 +16,8 @@ using ::testing::ElementsAre;
 using ::testing::Pair;
 
 // Language files of the test's own, beside "the program".
-struct LanguageFolder : ScratchFolder {
-    LanguageFolder() : real(programFolder()) {
-        setProgramFolder(path);
-        std::filesystem::create_directory(path + "Language");
-    }
-    ~LanguageFolder() { setProgramFolder(real); }
-
-    std::string real;
+struct LanguageFolder : EmptyProgramFolder {
+    LanguageFolder() { std::filesystem::create_directory(path + "Language"); }
 };
 
 TEST(LanguageFile, ReadsTheSectionAndTheNumberedLines) {

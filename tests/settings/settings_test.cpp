@@ -53,20 +53,6 @@ TEST(Settings, WhatTheFileSaysOverlaysTheDefaults) {
     EXPECT_EQ(settingsValue(setting::comPort), "COM2") << "each load begins with the defaults";
 }
 
-TEST(Settings, UnknownKeysKeepTheirNestingThroughLoadAndSave) {
-    const ScratchFolder folder;
-    const char *const keys[] = {"A.B.X", "A.C.X", "A.C", "A.C.X.Deep", "X", "A.B.Y", "Name with blanks.X"};
-    settingsLoad();
-    for (const char *key : keys) ASSERT_TRUE(settingsSetValue(key, std::string("v ") + key));
-    ASSERT_TRUE(settingsSave());
-    ASSERT_TRUE(settingsLoad());
-    for (const char *key : keys) EXPECT_EQ(settingsValue(key), std::string("v ") + key);
-    ASSERT_TRUE(settingsSave());
-    const std::string once = folder.read("settings.xml");
-    ASSERT_TRUE(settingsLoad() && settingsSave());
-    EXPECT_EQ(folder.read("settings.xml"), once);
-}
-
 TEST(Settings, RefusesWhatNeitherSlotNorFileCanHold) {
     const ScratchFolder folder;
     settingsLoad();

@@ -1,45 +1,19 @@
 // The editor by key events: what is typed becomes tokens at once, untouched bytes stay, undo goes key by key.
-#include <QApplication>
-#include <QClipboard>
-#include <QInputMethodEvent>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QMimeData>
-#include <QPlainTextEdit>
-#include <QTest>
-#include <QTextBlock>
-#include <QTextLayout>
-#include <QTimer>
-#include <QToolButton>
-#include <QTreeWidget>
-
 #include "calculator/frames.h"
-#include "calculator/program_info.h"
-#include "settings/settings_store.h"
-#include "shell/command_handler.h"
-#include "shell/command_table.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
 #include "shell/program_document.h"
 #include "shell/program_drafts.h"
 #include "shell/program_store.h"
 #include "shell/program_view.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
 #include "text/auto_correct.h"
-#include "text/token_table.h"
 
 namespace numalink {
 
 struct Editor : ShellTest {
     ItemId open(const std::string &tokens) {
-        setLibraryFolder(folder.path);
         EXPECT_TRUE(running || startProgram());
         const ItemId id = addProgram("PROG", tokens);
-        refreshTree();
-        select(id);
+        show(id);
         programEdit->setFocus();
         return id;
     }
@@ -252,7 +226,6 @@ TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
 }
 
 TEST_F(Editor, ColoursFollowTheSettings) {
-    setLibraryFolder(folder.path);
     ASSERT_TRUE(startProgram());
     settingsSetInt(setting::syntaxHighlighting, 1);
     settingsSetColour(setting::colorNumbers, 0x0000C0);

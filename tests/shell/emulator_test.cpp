@@ -1,31 +1,15 @@
-#include <QAction>
-#include <QApplication>
-#include <QMainWindow>
-#include <QPlainTextEdit>
-#include <QTest>
-#include <QTimer>
-
 #include "emulator/display.h"
 #include "emulator/keypad.h"
 #include "emulator/machine.h"
-#include "settings/settings_store.h"
-#include "shell/command_handler.h"
-#include "shell/command_table.h"
 #include "shell/emulator_window.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
-#include "shell/menus.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
 #include "text/program_bytes.h"
 
 namespace numalink {
 
-struct Emulator : ShellTest {
+struct Emulator : StartedShell {
     void SetUp() override {
-        ShellTest::SetUp();
-        ASSERT_TRUE(startProgram());
+        StartedShell::SetUp();
         settingsSetInt(setting::fullSpeed, 1);
     }
 
@@ -34,8 +18,7 @@ struct Emulator : ShellTest {
         Bytes tokens;
         ASSERT_EQ(tokensFromWords(words, tokens), -1);
         program = addProgram("RUN", std::string(tokens.begin(), tokens.end()));
-        refreshTree();
-        select(program);
+        show(program);
         QTest::keyClick(mainWindow, Qt::Key_F7);
         ASSERT_TRUE(emulatorRunning);
         window = mainWindow->findChild<QWidget *>(QStringLiteral("emulatorWindow"));

@@ -1,19 +1,6 @@
 // The question for an export and the one for a bitmap, in the running window.
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
-
 #include "exchange/import.h"
-#include "shell/command_handler.h"
-#include "shell/command_table.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
 
 namespace numalink {
 
@@ -47,12 +34,7 @@ void doubleClick(QListWidget *list, int row) {
 
 }  // namespace
 
-struct ExportByWindow : ShellTest {
-    void SetUp() override {
-        ShellTest::SetUp();
-        ASSERT_TRUE(startProgram());
-    }
-};
+using ExportByWindow = StartedShell;
 
 TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
     const ItemId games = storeResolvePath("/Games/old/", true);

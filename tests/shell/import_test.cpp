@@ -1,34 +1,9 @@
-#include <QApplication>
-#include <QDropEvent>
-#include <QMainWindow>
-#include <QMimeData>
-#include <QTest>
-#include <QTreeWidget>
-#include <QUrl>
-
-#include "shell/item_tree.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
+#include "support/cat_records.h"
 
 namespace numalink {
 
-namespace {
-
-std::string catRecord(const std::string &name) {
-    return "%Header Record\r\nFormat:TXT\r\nCommunication SW:0\r\nData Type:PG\r\nCapacity:10\r\nFile Name:" + name +
-           "\r\nGroup Name:\r\nPassword:\r\nOption1:NL\r\nOption2:\r\nOption3:\r\nOption4:\r\n%Data "
-           "Record\r\nABC\r\n%End\r\n";
-}
-
-}  // namespace
-
-struct ImportByWindow : ShellTest {
-    void SetUp() override {
-        ShellTest::SetUp();
-        ASSERT_TRUE(startProgram());
-    }
-
+struct ImportByWindow : StartedShell {
     void dropFiles(const std::vector<std::string> &names) {
         sendDrop(names);
         EXPECT_TRUE(shown.empty()) << "a dialog opened inside the drop";
@@ -50,8 +25,8 @@ struct ImportByWindow : ShellTest {
 };
 
 TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
-    folder.write("one.cat", catRecord("ONE"));
-    folder.write("Two Games.CAT", catRecord("TWO") + catRecord("THREE"));
+    folder.write("one.cat", catProgram("ONE"));
+    folder.write("Two Games.CAT", catProgram("TWO") + catProgram("THREE"));
     folder.write("no\xC3\xBCmlaut.cat", "%Header Record\r\nFo");
     answer("Return");
     answer("Return");
@@ -67,7 +42,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
 }
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {
-    folder.write("pair.cat", catRecord("A") + catRecord("B"));
+    folder.write("pair.cat", catProgram("A") + catProgram("B"));
     answer(toQt(languageText(159)).remove(QLatin1Char('&')).toStdString());
     answer("Return");
     dropFiles({"pair.cat"});
@@ -79,8 +54,8 @@ TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {
 }
 
 TEST_F(ImportByWindow, FilesDroppedWhileADialogIsOpenWaitForIt) {
-    folder.write("one.cat", catRecord("ONE"));
-    folder.write("two.cat", catRecord("TWO"));
+    folder.write("one.cat", catProgram("ONE"));
+    folder.write("two.cat", catProgram("TWO"));
     answer("Return");
     answer("Return");
     whileOpen = [this] { sendDrop({"two.cat"}); };

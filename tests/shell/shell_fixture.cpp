@@ -1,20 +1,6 @@
 #include "shell/shell_fixture.h"
 
-#include <QApplication>
-#include <QDialog>
-#include <QMainWindow>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
 #include <utility>
-
-#include "calculator/program_info.h"
-#include "shell/item_tree.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
 
 namespace numalink {
 
@@ -70,6 +56,11 @@ void ShellTest::TearDown() {
     current = nullptr;
 }
 
+void StartedShell::SetUp() {
+    ShellTest::SetUp();
+    ASSERT_TRUE(startProgram());
+}
+
 bool ShellTest::startProgram() {
     running = startUp();
     if (running) {
@@ -96,6 +87,11 @@ void ShellTest::select(ItemId id) {
     QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, centreOf(id));
 }
 
+void ShellTest::show(ItemId id) {
+    refreshTree();
+    select(id);
+}
+
 void ShellTest::typeKeys(const QString &text) {
     ASSERT_NE(QApplication::focusWidget(), nullptr);
     QTest::keyClicks(QApplication::focusWidget(), text);
@@ -120,26 +116,21 @@ void ShellTest::drag(ItemId item, ItemId target) {
 }
 
 ItemId ShellTest::add(ItemKind itemKind, const std::string &name, ItemId parent) {
-    NewItem item;
-    item.name = name;
-    item.kind = itemKind;
-    item.parent = parent;
-    item.flags = isFolderKind(itemKind) ? folderOpenFlag : 0;
-    item.whenTaken = NameTaken::keepBoth;
-    if (!isFolderKind(itemKind)) item.head.assign(50, 0xFF);
-    return storeAddItem(item);
+    const bool isFolder = isFolderKind(itemKind);
+    return storeAddItem({.name = name,
+                         .parent = parent,
+                         .kind = itemKind,
+                         .head = isFolder ? Bytes() : Bytes(50, 0xFF),
+                         .data = {},
+                         .whenTaken = NameTaken::keepBoth,
+                         .flags = isFolder ? folderOpenFlag : 0});
 }
 
 ItemId ShellTest::addProgram(const std::string &name, const std::string &tokens, ItemId parent) {
-    NewItem item;
-    item.name = name;
-    item.kind = kind::program;
-    item.parent = parent;
-    item.head = encodeProgramInfo({.imageLength = 1, .name = name, .password = {}});
-    item.data = {':'};
-    item.data.insert(item.data.end(), tokens.begin(), tokens.end());
-    item.data.push_back(0xFF);
-    return storeAddItem(item);
+    const Bytes head = encodeProgramInfo({.imageLength = 1, .name = name, .password = {}});
+    const std::string image = ":" + tokens + "\xFF";
+    return storeAddItem(
+        {.name = name, .parent = parent, .kind = kind::program, .head = head, .data = {image.begin(), image.end()}});
 }
 
 }  // namespace numalink

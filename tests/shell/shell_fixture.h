@@ -3,18 +3,26 @@
 
 #include <gtest/gtest.h>
 
-#include <QPoint>
-#include <QString>
+#include <QTest>
+#include <QtWidgets>
 #include <deque>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "calculator/item_kinds.h"
+#include "calculator/program_info.h"
+#include "settings/settings_store.h"
+#include "shell/command_handler.h"
+#include "shell/command_table.h"
+#include "shell/item_tree.h"
+#include "shell/item_views.h"
+#include "shell/menus.h"
+#include "shell/shell_texts.h"
+#include "shell/shell_widgets.h"
+#include "shell/start_up.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
-
-class QTreeWidgetItem;
+#include "text/token_table.h"
 
 namespace numalink {
 
@@ -28,6 +36,7 @@ struct ShellTest : testing::Test {
     bool startProgram();
     void endProgram();  // as the Exit command
     void select(ItemId id);
+    void show(ItemId id);                // selects it in a tree that is refreshed
     void typeKeys(const QString &text);  // into whatever has the focus
     QPoint centreOf(ItemId id);          // in the tree's viewport
     void drag(ItemId item, ItemId target);
@@ -41,6 +50,11 @@ struct ShellTest : testing::Test {
     std::vector<std::string> shown;   // the wording of each box, the title of each dialog
     bool running = false;
     bool answerBoxes = true;
+};
+
+// With the program started.
+struct StartedShell : ShellTest {
+    void SetUp() override;
 };
 
 }  // namespace numalink

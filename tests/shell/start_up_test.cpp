@@ -5,7 +5,6 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QProcess>
-#include <QTest>
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -13,14 +12,8 @@
 #include <filesystem>
 #include <map>
 
-#include "shell/command_table.h"
-#include "shell/item_tree.h"
-#include "shell/menus.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
-#include "text/token_table.h"
+#include "shell/single_copy.h"
 
 namespace numalink {
 
@@ -43,9 +36,7 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
 }
 
 TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
-    const ScratchFolder empty;
-    const std::string program = programFolder();
-    setProgramFolder(empty.path);
+    const EmptyProgramFolder empty;
     tokenTableSet({});
     setLibraryFolder(folder.path);
     ASSERT_TRUE(startProgram());
@@ -53,11 +44,9 @@ TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
     EXPECT_EQ(commandAction(command::open)->text(), QStringLiteral("<unknown string>"));
     EXPECT_EQ(menuAt(0)->title(), QStringLiteral("<unknown string>"));
     const ItemId item = addProgram("ABC", "A");
-    refreshTree();
-    select(item);
+    show(item);
     EXPECT_EQ(programEdit->toPlainText(), QStringLiteral("<65> "));
     endProgram();
-    setProgramFolder(program);
 }
 
 TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {

@@ -1,37 +1,12 @@
-#include <QAction>
-#include <QApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QScrollBar>
-#include <QTest>
-#include <QToolButton>
-#include <QTreeWidget>
-
-#include "calculator/program_info.h"
-#include "shell/command_handler.h"
-#include "shell/command_table.h"
 #include "shell/item_rules.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
 #include "shell/label_edit.h"
-#include "shell/menus.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
 #include "shell/tree_events.h"
 #include "store/store_undo.h"
 
 namespace numalink {
 
-struct Tree : ShellTest {
-    void SetUp() override {
-        ShellTest::SetUp();
-        ASSERT_TRUE(startProgram());
-    }
+struct Tree : StartedShell {
     QStringList rootNames() const {
         QStringList names;
         for (int i = 0; i < treeView->topLevelItemCount(); i++) names << treeView->topLevelItem(i)->text(0);
@@ -60,8 +35,7 @@ TEST_F(Tree, StraysAndCirclesStandAtTheRoot) {
 TEST_F(Tree, RefreshKeepsSelectionExpansionAndView) {
     const ItemId shut = add(kind::folder, "shut");
     const ItemId inside = addProgram("IN", "A", shut);
-    refreshTree();
-    select(inside);
+    show(inside);
     treeEntryOf(shut)->setExpanded(false);
     storeRename(shut, "zzz");
     add(kind::matrix, "new");
@@ -80,8 +54,7 @@ TEST_F(Tree, RefreshMovesAsLittleAsItMust) {
     EXPECT_EQ(longestRising({2, 1, 0}), (std::vector<bool>{false, false, true}));
     std::vector<ItemId> ids;
     for (char name = 'A'; name <= 'Z'; name++) ids.push_back(add(kind::matrix, std::string(1, name)));
-    refreshTree();
-    select(ids[20]);
+    show(ids[20]);
     treeView->verticalScrollBar()->setValue(3);
     storeRename(ids[0], "zz");
     storeRename(ids[20], "0");
@@ -99,8 +72,7 @@ TEST_F(Tree, NothingSelectsWithoutOpening) {
     const ItemId outer = add(kind::folder, "outer");
     const ItemId first = addProgram("ONE", "A", outer);
     const ItemId second = addProgram("TWO", "B", outer);
-    refreshTree();
-    select(first);
+    show(first);
     const QPoint place = centreOf(second);
     QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, QPoint(2, place.y()));
     QTest::mouseClick(treeView->viewport(), Qt::LeftButton, {}, place - QPoint(20, 0));
@@ -246,8 +218,7 @@ TEST_F(Tree, DragsFollowTheRulesByKind) {
     const ItemId matrices = storeStandardFolder(1005);
     const ItemId matrix = add(kind::matrix, "M", matrices);
     const ItemId program = addProgram("PROG", "A");
-    refreshTree();
-    select(folderId);
+    show(folderId);
     drag(program, matrix);
     EXPECT_EQ(storeReadEntry(program)->parent, rootId);
     EXPECT_EQ(viewItemId, noItem);
@@ -280,8 +251,7 @@ TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {
     const ItemId outer = add(kind::folder, "outer");
     addProgram("IN", "A", outer);
     const ItemId program = addProgram("PROG", "A");
-    refreshTree();
-    select(outer);
+    show(outer);
     QTest::keyClick(treeView, Qt::Key_Delete);
     EXPECT_TRUE(storeReadEntry(outer));
     ASSERT_EQ(shown.size(), 1u);
@@ -307,8 +277,7 @@ TEST_F(Tree, HidesAndShowsWithItsColumn) {
 TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     const ItemId games = add(kind::folder, "Games");
     const ItemId program = addProgram("ABC", "A", games);
-    refreshTree();
-    select(games);
+    show(games);
     answer("Return");
     QTest::keyClick(treeView, Qt::Key_Delete);
     ASSERT_FALSE(storeReadEntry(program));

@@ -1,38 +1,14 @@
 // Drawn views and the dialogs, in the real window.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QTest>
-#include <QTimer>
-
 #include "calculator/number_text.h"
-#include "calculator/program_info.h"
 #include "drawing/item_picture.h"
-#include "settings/settings_store.h"
-#include "shell/command_handler.h"
-#include "shell/command_table.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
-#include "shell/menus.h"
 #include "shell/shell_fixture.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
 #include "shell/surface_view.h"
-#include "text/token_table.h"
 
 namespace numalink {
 
-struct Views : ShellTest {
+struct Views : StartedShell {
     static ItemId addMatrix(int rows, int columns) {
-        NewItem item;
-        item.name = "MAT A";
-        item.kind = kind::matrix;
-        item.head.assign(50, 0xFF);
+        NewItem item{.name = "MAT A", .kind = kind::matrix, .head = Bytes(50, 0xFF), .data = {}};
         writeBig16(item.head, 7, static_cast<std::uint32_t>(rows));
         writeBig16(item.head, 9, static_cast<std::uint32_t>(columns));
         for (int row = 1; row <= rows; row++) {
@@ -42,18 +18,12 @@ struct Views : ShellTest {
         }
         return storeAddItem(item);
     }
-    void start() {
-        setLibraryFolder(folder.path);
-        ASSERT_TRUE(startProgram());
-    }
     QImage picture() const { return mainWindow->findChild<QWidget *>(QStringLiteral("surface"))->grab().toImage(); }
 };
 
 TEST_F(Views, MatrixFollowsItsPickedCellAndTheZoom) {
-    start();
     const ItemId id = addMatrix(100, 1);
-    refreshTree();
-    select(id);
+    show(id);
     ASSERT_TRUE(containerWindow->isVisible());
     auto *area = mainWindow->findChild<QScrollArea *>(QStringLiteral("surfaceView"));
     const QImage before = picture();
@@ -69,34 +39,25 @@ TEST_F(Views, MatrixFollowsItsPickedCellAndTheZoom) {
 }
 
 TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
-    start();
-    NewItem item;
-    item.name = "PIC";
-    item.kind = kind::picture;
-    item.head.assign(50, 0);
+    NewItem item{.name = "PIC", .kind = kind::picture, .head = Bytes(50), .data = Bytes(20, 0xFF)};
     writeBig16(item.head, 7, 16);
     writeBig16(item.head, 9, 24);
     writeBig16(item.head, 32, 2);
-    item.data.assign(20, 0xFF);
     item.data[4] = 2;
     const ItemId id = storeAddItem(item);
-    refreshTree();
-    select(id);
+    show(id);
     EXPECT_EQ(picture().size(), QSize(24, 16));
     EXPECT_EQ(picture().pixelColor(23, 15), QColor::fromRgb(lcdColor::blue));
     EXPECT_TRUE(itemField->text().contains(textOf(OwnText::viewEndsEarly))) << itemField->text().toStdString();
     const ItemId other = add(kind::graphFunction, "Y1");
-    refreshTree();
-    select(other);
+    show(other);
     EXPECT_FALSE(containerWindow->isVisible());
     EXPECT_EQ(itemField->text(), toQt(languageFormat(23, {"0"})));
 }
 
 TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
-    start();
     const ItemId id = addProgram("ABC", "A");
-    refreshTree();
-    select(id);
+    show(id);
     QTimer::singleShot(0, [] {
         auto *typed = QApplication::activeModalWidget()->findChild<QLineEdit *>();
         QTest::keyClicks(typed, QStringLiteral("SECRETS99"));
@@ -110,7 +71,6 @@ TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
 }
 
 TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
-    start();
     handleCommand(command::settings);  // Escape
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0);
     QTimer::singleShot(0, [] {

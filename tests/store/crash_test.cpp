@@ -11,6 +11,7 @@
 
 #include "store/library_check.h"
 #include "store/store_worker.h"
+#include "support/rounds.h"
 
 namespace numalink {
 namespace {

@@ -27,13 +27,7 @@ struct Store : ::testing::Test {
 
     static NewItem item(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},
                         const Bytes &data = {}) {
-        NewItem made;
-        made.name = name;
-        made.kind = itemKind;
-        made.parent = parent;
-        made.head = head;
-        made.data = data;
-        return made;
+        return {.name = name, .parent = parent, .kind = itemKind, .head = head, .data = data};
     }
 
     static ItemId add(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},

@@ -147,9 +147,4 @@ bool workOnce(Random &random) {
     return workOn(random, scene, scene.items[below(random, scene.items.size())], folder);
 }
 
-int countFromEnvironment(const char *variable, int otherwise) {
-    const char *count = std::getenv(variable);
-    return count ? std::atoi(count) : otherwise;
-}
-
 }  // namespace numalink

@@ -22,7 +22,4 @@ inline Bytes libraryBytes(const DiskImage &image) { return bytesAt(image, librar
 // One operation on what is there, chosen by random alone. False when it was refused.
 bool workOnce(Random &random);
 
-// The number in this environment variable, or the other one.
-int countFromEnvironment(const char *variable, int otherwise);
-
 }  // namespace numalink

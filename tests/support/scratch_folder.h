@@ -39,4 +39,14 @@ struct ScratchFolder {
     std::string path;
 };
 
+// Stands for the program's folder too, without any of its data files.
+struct EmptyProgramFolder : ScratchFolder {
+    EmptyProgramFolder() { setProgramFolder(path); }
+    ~EmptyProgramFolder() { setProgramFolder(real); }
+    EmptyProgramFolder(const EmptyProgramFolder &) = delete;
+    EmptyProgramFolder &operator=(const EmptyProgramFolder &) = delete;
+
+    const std::string real = programFolder();
+};
+
 }  // namespace numalink

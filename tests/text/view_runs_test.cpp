@@ -4,14 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <random>
-
 #include "settings/settings_store.h"
 #include "text/auto_correct.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
-#include "text/view_copy.h"
 
 namespace numalink {
 namespace {
@@ -49,91 +45,6 @@ struct ViewRuns : testing::Test {
         settingsSetInt(setting::autoCorrect, 1);
     }
 };
-
-// All tokens that a program can hold: every record with a display text, line ends, display commands, and bytes and
-// pairs that no record has.
-std::vector<Bytes> allTokens() {
-    std::vector<Bytes> tokens;
-    for (int byte = 1; byte < 255; byte++) {
-        if (byte != 0x7F && byte != 0xF7) tokens.push_back({static_cast<std::uint8_t>(byte)});
-    }
-    for (const int prefix : {0x7F, 0xF7}) {
-        for (int byte = 0; byte < 256; byte++)
-            tokens.push_back({static_cast<std::uint8_t>(prefix), static_cast<std::uint8_t>(byte)});
-    }
-    return tokens;
-}
-
-Bytes randomImage(const std::vector<Bytes> &tokens, std::mt19937 &random) {
-    Bytes image = {':'};
-    for (std::size_t left = random() % 40; left > 0; left--) {
-        if (random() % 8 == 0) {
-            image.push_back(static_cast<std::uint8_t>("\r\x0C\"'"[random() % 4]));
-            continue;
-        }
-        const Bytes &token = tokens[random() % tokens.size()];
-        image.insert(image.end(), token.begin(), token.end());
-    }
-    image.push_back(0xFF);
-    return image;
-}
-
-// Out as text that a mail takes the last blanks off, and in again.
-Bytes throughAMail(const ViewLine &line) {
-    std::vector<std::string> pieces = piecesOfLine(line);
-    if (pieces.back().starts_with('<') && pieces.back().ends_with("> ")) pieces.back().pop_back();
-    ViewLine back;
-    EXPECT_TRUE(lineOfPieces(pieces, back));
-    return lineBytes(readLine(back, true)).bytes;
-}
-
-TEST_F(ViewRuns, GeneratedProgramsComeBackByteForByte) {
-    const std::vector<Bytes> tokens = allTokens();
-    const char *wanted = std::getenv("NUMALINK_VIEW_PROGRAMS");
-    const char *seed = std::getenv("NUMALINK_VIEW_SEED");
-    const int programs = wanted != nullptr ? std::atoi(wanted) : 2000;
-    std::mt19937 random(seed != nullptr ? static_cast<unsigned>(std::atoi(seed)) : 2604);
-    for (int program = 0; program < programs; program++) {
-        Bytes image = randomImage(tokens, random);
-        const std::vector<ViewLine> lines = viewLines(image);
-        ASSERT_EQ(storedAgain(lines), image) << "program " << program;
-        for (const ViewLine &line : program % 16 == 0 ? lines : std::vector<ViewLine>())
-            ASSERT_EQ(throughAMail(line), lineBytes(readLine(line, true)).bytes) << "program " << program;
-        image.push_back(static_cast<std::uint8_t>(random()));  // a checksum is no part of the text
-        ASSERT_EQ(viewLines(image), lines);
-    }
-}
-
-TEST_F(ViewRuns, PairsThatReadOtherwiseSideBySideAreKeptApart) {
-    std::vector<std::pair<Bytes, std::string>> shown;
-    for (const Bytes &token : allTokens()) {
-        std::string_view text;
-        if (token[0] == '\r' || token[0] == 0x0C) continue;
-        if (static_cast<std::size_t>(tokenToText(token, text)) == token.size()) shown.emplace_back(token, text);
-    }
-    const auto typed = [](const std::string &text) {
-        Bytes read;
-        lineFromText(text, read);
-        return read;
-    };
-    constexpr std::size_t step = 7;
-    int joined = 0;
-    for (std::size_t a = 0; a < shown.size(); a += 5) {
-        const auto &[first, firstText] = shown[a];
-        const bool aloneAgrees = typed(firstText) == first;
-        for (std::size_t b = a % step; b < shown.size(); b += step) {
-            const auto &[second, secondText] = shown[b];
-            Bytes pair = first;
-            pair.insert(pair.end(), second.begin(), second.end());
-            const ViewLine line = lineOfTokens(pair);
-            ASSERT_EQ(line.text, firstText + secondText);
-            ASSERT_EQ(lineBytes(readLine(line, true)).bytes, pair);
-            if (!aloneAgrees || typed(secondText) != second || typed(line.text) == pair) continue;
-            joined++;
-        }
-    }
-    EXPECT_GT(joined, 0);
-}
 
 TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     // Letters of a string that spell a command, a star in a string, an assignment in letters.

@@ -79,6 +79,17 @@ std::size_t frameLength(const Bytes &head) {
     return startsWith(head, ":VAL") ? 16 : 0;
 }
 
+bool isGood(const Item &item) {
+    const std::size_t inner = frameLength(item.head);
+    const std::size_t step = inner == 0 ? item.data.size() : inner;
+    bool good = isGood(item.head);
+    for (std::size_t at = 0; good && step > 0 && at < item.data.size(); at += step) {
+        const auto begin = item.data.begin() + static_cast<std::ptrdiff_t>(at);
+        good = isGood(Bytes(begin, begin + static_cast<std::ptrdiff_t>(std::min(step, item.data.size() - at))));
+    }
+    return good;
+}
+
 bool isLastByNature(const Bytes &head) { return startsWith(head, ":D") || startsWith(head, typed("MEM", "BU")); }
 
 Bytes closingFrame(bool algebra) {

@@ -18,6 +18,7 @@ struct Item {
 std::uint8_t sumOf(const Bytes &bytes, std::size_t from, std::size_t to);
 void setSum(Bytes &frame);  // the last byte makes all bytes add up to 0x3A
 bool isGood(const Bytes &frame);
+bool isGood(const Item &item);  // its head and every frame of its data
 bool startsWith(const Bytes &bytes, const std::string &mark);
 
 std::size_t headLength(const Bytes &firstBytes);  // 40 or 50, told from at least 5 bytes
