@@ -246,6 +246,7 @@ TEST_F(Failures, OfJournalsThatCannotBeUsed) {
         {"rotten body of a change half done", half, journal, journal.size() - 1, {damaged}, true},
         {"never whole", sound, journal, journal.size() - 1, {}, false},
         {"of another head", longer, journal, SIZE_MAX, {aside}, true},
+        {"of another head, and an item alike", longer, ofRenaming, SIZE_MAX, {aside}, true},
         {"of a head alike, and another name", renamed, ofRenaming, SIZE_MAX, {aside}, true},
         {"of a change that was done",
          longer,
