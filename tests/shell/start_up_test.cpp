@@ -1,13 +1,4 @@
-#include <QAction>
-#include <QApplication>
-#include <QLabel>
-#include <QMainWindow>
-#include <QMenu>
-#include <QPlainTextEdit>
 #include <QProcess>
-#include <QTimer>
-#include <QToolBar>
-#include <QTreeWidget>
 #include <csignal>
 #include <filesystem>
 #include <map>

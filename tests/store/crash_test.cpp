@@ -40,16 +40,18 @@ struct PowerLoss : Store {
     }
     void note() { note(libraryState()); }
 
-    // An operation whose n-th step on the disk fails, once or for good; then the process is killed at times, or must
-    // be. What it would have done is tried out ahead.
+    // An operation whose n-th step on the disk fails, once, a few times or for good; then the process is killed at
+    // times, or must be. What it would have done is tried out ahead.
     void workInTrouble() {
         storeClose();
         ASSERT_TRUE(storeOpen());
         note();
         const SimulatedDisk unharmed = simulatedDisk;
-        const bool forGood = random() % 2 == 0, killed = forGood || random() % 2 == 0;
+        const bool severalFail = random() % 2 == 0, killed = severalFail || random() % 2 == 0;
         int failing = 1 + static_cast<int>(random() % 40);
         const bool atSync = random() % 2 == 0;
+        const int several = random() % 2 == 0 ? 2 + static_cast<int>(random() % 3) : 1000000;
+        const int count = severalFail ? several : 1;
         Random same = random;
         simulatedDisk.operations = simulatedDisk.lastSync = 0;
         workOnce(same);
@@ -61,7 +63,7 @@ struct PowerLoss : Store {
         ASSERT_TRUE(storeOpen());
         simulatedDisk.operations = 0;
         simulatedDisk.failingFrom = failing;
-        simulatedDisk.failingCount = forGood ? 1000000 : 1;
+        simulatedDisk.failingCount = count;
         workOnce(random);
         simulatedDisk.failingFrom = 0;
         if (killed || !storeIsOpen() || storeIsDamaged()) killAndStart();

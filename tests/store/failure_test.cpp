@@ -156,6 +156,19 @@ struct Failures : Store {
         }
     }
 
+    // The disk as a process leaves it that is killed behind this work.
+    static DiskImage diskAfter(const DiskImage &image, Operation work) {
+        storeClose();
+        diskLoad(image);
+        EXPECT_TRUE(storeOpen());
+        simulatedDisk.operations = 0;
+        work();
+        syncOfDeleting = simulatedDisk.lastSync;
+        simulatedDisk.dead = true;
+        storeClose();
+        return simulatedDisk.now;
+    }
+
     bool noBoxes = false;
     int attempts = 0, refusals = 0;
     DiskImage fresh;
@@ -200,6 +213,15 @@ TEST_F(Failures, OfTheDiskWhileAChangeIsBroughtBack) {
     }
 }
 
+struct JournalCase {
+    const char *what;
+    const Bytes &library;
+    Bytes journal;
+    std::size_t changed;
+    std::vector<std::string> lines;
+    bool keptAtChange;
+};
+
 // What the next start makes of a journal, beside a library that may have been put there from elsewhere.
 TEST_F(Failures, OfJournalsThatCannotBeUsed) {
     storeClose();
@@ -207,16 +229,6 @@ TEST_F(Failures, OfJournalsThatCannotBeUsed) {
     const Bytes sound = libraryBytes(image), half = libraryBytes(diskOfHalfAChange(deleting));
     const Bytes journal = bytesAt(diskOfHalfAChange(deleting), journalPath);
     const Bytes ofRenaming = bytesAt(diskOfHalfAChange(operations[2]), journalPath);
-    const auto diskAfter = [](const DiskImage &start, Operation work) {
-        diskLoad(start);
-        EXPECT_TRUE(storeOpen());
-        simulatedDisk.operations = 0;
-        work();
-        syncOfDeleting = simulatedDisk.lastSync;
-        simulatedDisk.dead = true;
-        storeClose();
-        return simulatedDisk.now;
-    };
     const Operation failing = [] {
         failDisk(syncOfDeleting, false);
         return storeDelete(2);
@@ -227,19 +239,13 @@ TEST_F(Failures, OfJournalsThatCannotBeUsed) {
     const Bytes broughtBack = bytesAt(diskAfter(diskOfHalfAChange(deleting), [] { return true; }), journalPath);
     const Bytes longer = libraryBytes(diskAfter(image, operations[0]));
     const std::string damaged = "box 36 / 2 1 1", aside = std::string("box 166 / 2 ") + journalPath + ".kept-1";
-    const struct {
-        const char *what;
-        const Bytes &library;
-        Bytes journal;
-        std::size_t changed;
-        std::vector<std::string> lines;
-        bool keptAtChange;
-    } cases[] = {
+    const JournalCase cases[] = {
         {"of a later version", half, journal, 16, {std::string("box 33 / 2 ") + journalPath}, false},
         {"rotten head of a change half done", half, journal, 30, {damaged}, true},
         {"rotten body of a change half done", half, journal, journal.size() - 1, {damaged}, true},
         {"never whole", sound, journal, journal.size() - 1, {}, false},
         {"of another head", longer, journal, SIZE_MAX, {aside}, true},
+        {"of another head, and an item alike", longer, ofRenaming, SIZE_MAX, {aside}, true},
         {"of a head alike, and another name", renamed, ofRenaming, SIZE_MAX, {aside}, true},
         {"of a change that was done",
          longer,
