@@ -7,7 +7,7 @@ namespace numalink {
 namespace {
 
 constexpr int noFile = -1;
-constexpr std::size_t blockSize = 64 * 1024, sectorBytes = 512;
+constexpr std::size_t blockSize = std::size_t{64} * 1024, sectorBytes = 512;
 constexpr int copyLimit = 1000;  // damaged files kept beside the library
 
 // With holes, what can't be read comes out as zero bytes, a sector at a time.
