@@ -15,8 +15,8 @@ std::atomic<bool> runHalted = false;
 
 namespace {
 
-Lock wakeLock;  // guards nothing: a wake can't fall between the look and the sleep of a wait
-std::condition_variable wakeCondition;
+Lock wakeLock;  // so that a wake can't fall between the look and the sleep of a wait
+std::condition_variable wakeCondition GUARDED_BY(wakeLock);
 std::atomic<RunEnd> endCause = RunEnd::running;
 
 }  // namespace

@@ -23,8 +23,8 @@ namespace {
 constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't there
 
 std::thread linkThread;  // graphical thread
-Lock closedLock;         // guards nothing: a stop can't fall between the look and the sleep of waitClosed
-std::condition_variable closedChanged;
+Lock closedLock;         // so that a stop can't fall between the look and the sleep of waitClosed
+std::condition_variable closedChanged GUARDED_BY(closedLock);
 
 struct Cause {
     LineFault fault;
@@ -100,8 +100,8 @@ void stopLinkThread() {
     {
         const HoldLock hold(closedLock);
         conversationStop();
+        closedChanged.notify_all();
     }
-    closedChanged.notify_all();
     graphicalCallsRefuse(ThreadRole::link);
     serialLine.interrupt();
     linkThread.join();

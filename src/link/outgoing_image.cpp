@@ -50,7 +50,7 @@ Refusal outgoingRefusal(const StoredItem &item, Family family) {
     return item.data.size() < frameDataLength(item.head) ? Refusal::shorterThanHead : Refusal::none;
 }
 
-Bytes imageWithoutColour(Bytes image) {
+Bytes imageWithoutColour(ByteView image) {
     Bytes kept;
     kept.reserve(image.size());
     for (const std::uint8_t byte : image) {
@@ -81,7 +81,7 @@ Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
     Outgoing outgoing{.head = item.head, .data = item.data};
     if (isTextKind(item.kind)) {
         outgoing.data = imageWithChecksumPlace(item.data);
-        if (removeColour) outgoing.data = imageWithoutColour(std::move(outgoing.data));
+        if (removeColour) outgoing.data = imageWithoutColour(outgoing.data);
         outgoing.head = *buildHeadFrame(item.kind, Family::cfx, sentInfo(item, outgoing.data.size()));
     }
     if (item.kind == kind::picture) {

@@ -15,7 +15,7 @@ enum class Refusal { none, kind, shorterThanHead, tooLong };
 Refusal outgoingRefusal(const StoredItem &item, Family family);
 
 // Without the two-byte colour commands, wherever these bytes stand.
-Bytes imageWithoutColour(Bytes image);
+Bytes imageWithoutColour(ByteView image);
 
 // The slot that a picture's name tells ("Picture3", "picture 3"), or nothing.
 std::optional<int> slotOfPictureName(std::string_view name);

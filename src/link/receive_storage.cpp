@@ -68,8 +68,9 @@ void sayWhatHappened(const std::string &name, const std::string &storedName, boo
 std::string nameOfNow() {
     for (;;) {
         const std::string date = clockPort.localDate();
-        const std::string time = clockPort.localTime();
-        if (date == clockPort.localDate()) return date + " " + time;
+        std::string now = date;
+        now.append(" ").append(clockPort.localTime());
+        if (date == clockPort.localDate()) return now;
     }
 }
 

@@ -7,7 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <filesystem>
 
 namespace numalink {
 
@@ -98,11 +98,9 @@ std::string folderOf(const std::string &path) {
 std::string targetOf(const std::string &path) {
     struct stat facts {};
     if (lstat(path.c_str(), &facts) != 0 || !S_ISLNK(facts.st_mode)) return path;
-    char *resolved = realpath(path.c_str(), nullptr);
-    if (resolved == nullptr) return path;
-    std::string target = resolved;
-    std::free(resolved);
-    return target;
+    std::error_code failure;
+    const std::filesystem::path resolved = std::filesystem::canonical(path, failure);
+    return failure ? path : resolved.string();
 }
 
 // A new file beside target, under a name that no other thread or program uses at the time. What a dead program of the
@@ -117,7 +115,7 @@ int createBeside(const std::string &target, std::string &beside) {
 // The rename itself survives a failing machine only when the folder is synced; a file system that can't is no fault.
 void syncFolder(const std::string &folder) {
     const OpenFile opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.file >= 0) fsync(opened.file);
+    if (opened.file >= 0) static_cast<void>(fsync(opened.file));
 }
 
 bool sameFacts(const std::string &path, const std::string &other) {

@@ -13,11 +13,11 @@ namespace numalink {
 namespace {
 
 Lock requestLock;
-std::condition_variable requestChanged;
+std::condition_variable requestChanged GUARDED_BY(requestLock);
 
 struct GraphicalRequest {
-    GraphicalWork work;
-    void *arguments;
+    GraphicalWork work = nullptr;
+    void *arguments = nullptr;
     bool started GUARDED_BY(requestLock) = false;
     bool done GUARDED_BY(requestLock) = false;
 };

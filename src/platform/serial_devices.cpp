@@ -26,6 +26,7 @@ std::vector<std::string> numbered(const std::string &folder, const std::string &
     }
     std::ranges::sort(found);
     std::vector<std::string> paths;
+    paths.reserve(found.size());
     for (const auto &[number, path] : found) paths.push_back(path);
     return paths;
 }

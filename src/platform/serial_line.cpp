@@ -20,6 +20,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <utility>
 
 #include "platform/lock.h"
 
@@ -31,11 +32,14 @@ constexpr unsigned bitsPerByte = 11;       // start, 8 data, 2 stop
 constexpr int outputAhead = 256;           // bytes that may wait in the system before more are written
 constexpr int outputPollMilliseconds = 5;  // how often a full output is looked at, and an interrupt seen
 
+Lock writeLock;  // one write at a time, and none on a descriptor that is being closed
+
+// The device and its timer are the link thread's.
 struct Line {
     asio::io_context context{1};
     asio::serial_port device{context};
     asio::steady_timer timer{context};
-    std::atomic<int> descriptor = -1;
+    int descriptor GUARDED_BY(writeLock) = -1;
     std::atomic<bool> woken = false;
     std::atomic<bool> interrupted = false;
     std::atomic<unsigned> baud = 9600;
@@ -46,8 +50,6 @@ Line &line() {
     static Line instance;
     return instance;
 }
-
-Lock writeLock;  // one write at a time, and none on a descriptor that is being closed
 
 std::uint64_t now() {
     timespec time{};
@@ -116,7 +118,7 @@ bool applySettings(asio::serial_port &device, unsigned baud) {
 void closeLine() {
     const HoldLock hold(writeLock);
     Line &own = line();
-    const int descriptor = own.descriptor.exchange(-1);
+    const int descriptor = std::exchange(own.descriptor, -1);
     if (descriptor < 0) return;
     tcflush(descriptor, TCOFLUSH);  // else closing waits until a stuck line has taken it all
     ioctl(descriptor, TIOCNXCL);
@@ -147,7 +149,7 @@ LineOpening openLine(const std::string &name, unsigned baud) {
         cfmakeraw(&state);
         state.c_iflag |= IGNPAR;
         state.c_cflag |= CREAD | CLOCAL;
-        tcsetattr(probe, TCSANOW, &state);
+        static_cast<void>(tcsetattr(probe, TCSANOW, &state));  // applySettings tells what a device refuses
     }
     asio::error_code fault;
     own.device.assign(probe, fault);
@@ -162,6 +164,7 @@ LineOpening openLine(const std::string &name, unsigned baud) {
     own.interrupted = false;
     own.baud = baud;
     own.freeAt = 0;
+    const HoldLock hold(writeLock);
     own.descriptor = probe;
     return opening;
 }
@@ -209,7 +212,7 @@ LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
     std::uint64_t lastByte = start;
     while (read.count < target.size()) {
         if (own.interrupted || own.woken.exchange(false)) return {read.count, ReadEnd::woken};
-        if (own.descriptor < 0) return {read.count, ReadEnd::gone};
+        if (!own.device.is_open()) return {read.count, ReadEnd::gone};
         std::uint64_t deadline = limits.total == 0 ? 0 : start + limits.total * 1000;
         const std::uint64_t quietEnd = lastByte + limits.quiet * 1000;
         if (limits.quiet != 0 && (deadline == 0 || quietEnd < deadline)) deadline = quietEnd;
@@ -232,7 +235,7 @@ bool waitForRoom(int descriptor) {
         if (ready > 0 && (entry.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) return false;
         if (ready <= 0) continue;
         if (ioctl(descriptor, TIOCOUTQ, &waiting) != 0 || waiting < outputAhead) return true;
-        sleepTo(now() + outputPollMilliseconds * 1000);
+        sleepTo(now() + std::uint64_t{outputPollMilliseconds} * 1000);
     }
 }
 

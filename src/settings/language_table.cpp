@@ -16,7 +16,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t fileSizeLimit = 1024 * 1024;  // bytes; the pool of all texts is far smaller
+constexpr std::uint64_t fileSizeLimit = std::uint64_t{1024} * 1024;  // bytes; the pool of all texts is far smaller
 const std::string unknownText = "<unknown string>";
 
 struct Language {

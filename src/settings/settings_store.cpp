@@ -12,7 +12,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t fileSizeLimit = 1024 * 1024;  // bytes; 100 settings need about 10,000
+constexpr std::uint64_t fileSizeLimit = std::uint64_t{1024} * 1024;  // bytes; 100 settings need about 10,000
 
 struct DefaultSetting {
     const char *key;

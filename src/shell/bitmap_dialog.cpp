@@ -24,7 +24,8 @@ constexpr int previewZoom = 3;  // pixels a dot
 // Whole pixels a dot, so that no dot is wider than another.
 QPixmap pixmapOf(const Surface &surface) {
     const QImage dots(reinterpret_cast<const uchar *>(surface.dots.data()), surface.width, surface.height,
-                      surface.width * static_cast<int>(sizeof(Color)), QImage::Format_RGB32);
+                      static_cast<qsizetype>(surface.width) * static_cast<qsizetype>(sizeof(Color)),
+                      QImage::Format_RGB32);
     return QPixmap::fromImage(dots.scaled(surface.width * previewZoom, surface.height * previewZoom));
 }
 

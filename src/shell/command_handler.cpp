@@ -150,11 +150,11 @@ int deleteWithQuestion() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || !askDelete(*item)) return 1;
     if (viewItemId != item->id && !leaveCurrentView()) return 1;
-    const QTreeWidgetItem *entry = treeEntryOf(item->id);
+    QTreeWidgetItem *entry = treeEntryOf(item->id);
     const QTreeWidgetItem *next = nullptr;
     if (entry != nullptr) {
         const QTreeWidgetItem *parent = entry->parent() != nullptr ? entry->parent() : treeView->invisibleRootItem();
-        const int place = parent->indexOfChild(const_cast<QTreeWidgetItem *>(entry));
+        const int place = parent->indexOfChild(entry);
         next = place + 1 < parent->childCount() ? parent->child(place + 1) : parent->child(place - 1);
         if (next == nullptr) next = entry->parent();
     }

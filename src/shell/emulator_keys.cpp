@@ -85,10 +85,11 @@ std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
 bool emulatorKeyDown(const QKeyEvent &event) {
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
         // Once its event has returned: the stop opens the program's view and moves the focus.
-        if (!event.isAutoRepeat())
+        if (!event.isAutoRepeat()) {
             QTimer::singleShot(0, [] {
                 if (emulatorRunning) emulatorToggle();
             });
+        }
         return true;
     }
     if (const std::optional<KeyboardKey> key = keyboardKeyOf(event)) keyCode = keyCodeOf(*key);

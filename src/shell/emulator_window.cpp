@@ -1,6 +1,7 @@
 #include "shell/emulator_window.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -86,7 +87,8 @@ void paintEmulator() {
     const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
     painter.drawImage(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
     const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
-                       display.width * static_cast<int>(sizeof(Color)), QImage::Format_RGB32);
+                       static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
+                       QImage::Format_RGB32);
     painter.drawImage(QRect(0, 0, display.width * size, display.height * size), image);
     painter.scale(size, size);
     paintKeyOutline(painter, outlinedKey);
@@ -107,10 +109,11 @@ void mousePressed(const QMouseEvent &mouse) {
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
     keyCode = key;
-    if (key == stopKey)
+    if (key == stopKey) {
         QTimer::singleShot(0, emulatorWindow, [] {
             if (emulatorRunning) emulatorToggle();
         });
+    }
 }
 
 bool emulatorEvent(QWidget *, QEvent *event) {

@@ -38,7 +38,8 @@ void paintFullScreen(QWidget *window) {
                                   static_cast<double>(window->height()) / fullScreenHeight);
     const Surface display = displayNow();
     const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
-                       display.width * static_cast<int>(sizeof(Color)), QImage::Format_RGB32);
+                       static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
+                       QImage::Format_RGB32);
     const double left = (window->width() - fullScreenWidth * scale) / 2;
     painter.drawImage(
         QRectF(left, 0, fullScreenWidth * scale, static_cast<int>(fullScreenHeight * displayShare) * scale), image);

@@ -93,6 +93,7 @@ void takeOutOfRow(QTreeWidgetItem *holder, const std::vector<QTreeWidgetItem *> 
     std::unordered_map<const QTreeWidgetItem *, int> placeOf;
     for (int i = 0; i < holder->childCount(); i++) placeOf[holder->child(i)] = i;
     std::vector<int> places;
+    places.reserve(row.size());
     for (const QTreeWidgetItem *item : row) places.push_back(placeOf[item]);
     const std::vector<bool> stays = longestRising(places);
     for (std::size_t i = 0; i < row.size(); i++)

@@ -1,5 +1,6 @@
 #include "shell/line_numbers.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QScrollBar>

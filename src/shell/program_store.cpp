@@ -168,7 +168,7 @@ bool leaveAtOnce() {
 }  // namespace
 
 void takeOpenedProgram(const StoredItem &item) {
-    openedEntry = item;
+    openedEntry = static_cast<const ItemEntry &>(item);  // without what it holds
     openedHead = item.head;
 }
 

@@ -125,11 +125,9 @@ bool keyPressed(const QKeyEvent &key) {
         undoInProgram();
     } else if (key.matches(QKeySequence::Redo)) {
         redoInProgram();
-    } else if (programEdit->isReadOnly()) {
-        return false;
-    } else if (key.matches(QKeySequence::InsertLineSeparator)) {
+    } else if (!programEdit->isReadOnly() && key.matches(QKeySequence::InsertLineSeparator)) {
         programEdit->textCursor().insertBlock();
-    } else if (isTypedText(key)) {
+    } else if (!programEdit->isReadOnly() && isTypedText(key)) {
         typeText(key.text());
     } else {
         return false;

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QTreeWidget>
 
 #include "calculator/charset.h"
 #include "emulator/machine.h"

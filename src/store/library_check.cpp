@@ -13,7 +13,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t scanBlock = 64 * 1024;  // bytes
+constexpr std::size_t scanBlock = std::size_t{64} * 1024;  // bytes
 constexpr int textTooNew = 119;
 constexpr ItemId idLimit = noItem / 2;  // no library lives to see it: a next id from here on is damage
 

@@ -10,7 +10,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t wasteLimit = 1024 * 1024;  // bytes that no record covers
+constexpr std::uint64_t wasteLimit = std::uint64_t{1024} * 1024;  // bytes that no record covers
 
 void appendRecord(Bytes &bytes, const NewRecord &record) {
     const auto *head = reinterpret_cast<const std::uint8_t *>(&record.head);

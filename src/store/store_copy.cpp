@@ -7,8 +7,8 @@ namespace numalink {
 namespace {
 
 constexpr int noFile = -1;
-constexpr std::size_t blockSize = 64 * 1024;  // bytes
-constexpr int copyLimit = 1000;               // damaged files kept beside the library
+constexpr std::size_t blockSize = std::size_t{64} * 1024;  // bytes
+constexpr int copyLimit = 1000;                            // damaged files kept beside the library
 
 bool copyInto(int target) REQUIRES_LOCK(storeLock) {
     const std::int64_t known = storeFileSize();

@@ -104,7 +104,8 @@ Outcome outcomeOf(FreshMachine &fresh, std::vector<ProgramCell> cells, bool plai
     const auto addDouble = [&](double value) { outcome.bits.push_back(std::bit_cast<std::uint64_t>(value)); };
     for (int i = 0; i < count; i++) {
         const ProgramCell &cell = cells[static_cast<std::size_t>(i)];
-        outcome.bits.push_back(static_cast<std::uint64_t>(cell.kind) << 16 | cell.token1 << 8 | cell.token2);
+        outcome.bits.push_back(static_cast<std::uint64_t>(cell.kind) << 16 | std::uint64_t{cell.token1} << 8 |
+                               cell.token2);
         addDouble(cell.value.re);
         addDouble(cell.value.im);
         if (!isArray(cell)) continue;
