@@ -6,10 +6,10 @@
 #include <cstring>
 #include <filesystem>
 
-#include "support/simulated_disk.h"
 #include "platform/program_folder.h"
 #include "store/item_store.h"
 #include "store/store_records.h"
+#include "support/simulated_disk.h"
 
 namespace {
 

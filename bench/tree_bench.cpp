@@ -9,13 +9,13 @@
 #include <ctime>
 #include <map>
 
-#include "support/simulated_disk.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/item_rules.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
 #include "shell/shell_widgets.h"
+#include "support/simulated_disk.h"
 
 namespace {
 
