@@ -1,4 +1,5 @@
-// What must hold between the monkey's actions: the tree shows the library, and its file is sound. Each fails with what differs.
+// What must hold between the monkey's actions: the tree shows the library, and its file is sound. Each fails with what
+// differs.
 #pragma once
 
 #include <string>
