@@ -242,6 +242,7 @@ TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
         return wasShown(24);
     }));
     EXPECT_EQ(transmitQueueCount(), 0u);
+    EXPECT_EQ(transmitDroppedCount(), 1u);
     EXPECT_EQ(transmitQueueAgain(), 1u);
     EXPECT_TRUE(transmitCanBegin());
     EXPECT_EQ(timesShown(44), 1u);
