@@ -24,6 +24,7 @@ std::string copyName(const std::string &date) { return "storage-" + date + ".dat
 bool isCopyName(const std::string &name) {
     int year = 0;
     unsigned month = 0, day = 0;
+    // NOLINTNEXTLINE(cert-err34-c): the widths keep the numbers small, and the name has to come out of them again
     if (name.size() != dateForm.size() || std::sscanf(name.c_str(), "storage-%4d-%2u-%2u", &year, &month, &day) != 3)
         return false;
     char same[dateForm.size() + 1] = {};
