@@ -219,7 +219,7 @@ Recovery storeFileRecover(bool apply) {
 
 std::string storeJournalSetAside() {
     for (int number = 1; number <= keptJournalLimit; number++) {
-        const std::string kept = storeJournalPath() + ".kept-" + std::to_string(number);
+        std::string kept = storeJournalPath() + ".kept-" + std::to_string(number);
         int other = noFile;
         const OpenResult there = filePort.openLocked(kept.c_str(), false, other);
         if (there == OpenResult::opened) filePort.close(other);

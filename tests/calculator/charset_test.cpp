@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "calculator/item_kinds.h"
-
 namespace numalink {
 namespace {
 
@@ -43,17 +41,6 @@ TEST(Charset, CaseFoldsLatinLettersOnly) {
     EXPECT_FALSE(equalWithoutCase("[", "{"));
     EXPECT_FALSE(equalWithoutCase("\xC1", "\xE1"));
     EXPECT_FALSE(startsWithoutCase("ab", "abc"));
-}
-
-TEST(ItemKinds, EveryItemKindHasANamedFolder) {
-    for (const ItemKind each : {kind::unknown, kind::matrix, kind::backup, kind::list, kind::graphFunction,
-                                kind::colourScreen, kind::monochromeScreen, kind::picture, kind::graphMemory,
-                                kind::program, kind::algebraBlock, kind::functionMemory})
-        EXPECT_NE(standardFolderName(standardFolderOfKind(each)), 0) << each;
-    EXPECT_EQ(standardFolderOfKind(kind::folder), kind::none);
-    EXPECT_EQ(standardFolderName(kind::temporaryFolder), 0);
-    EXPECT_EQ(treeImageOfKind(kind::list), 6);
-    EXPECT_EQ(treeImageOfKind(99), 8);
 }
 
 }  // namespace

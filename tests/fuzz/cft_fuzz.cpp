@@ -1,4 +1,7 @@
-// Both font readers over any bytes, then every character drawn from what they took in, near and beyond the edges.
+// Both font readers over any bytes, then every character drawn from what they took in, near and beyond the edges, and
+// so far away that nothing of it may show.
+#include <climits>
+
 #include "drawing/dot_fonts.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
@@ -19,5 +22,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     drawLargeText(surface, x, y, text, 1, 2);
     drawSmallText(surface, x, y, text, 1, 2);
     drawDigitText(surface, x, y, text, 1);
+    const std::vector<Color> before = surface.dots;
+    for (const int far : {INT_MIN, INT_MAX}) {
+        drawLargeText(surface, far, y, text, 1, 2);
+        drawSmallText(surface, x, far, text, 1, 2);
+        drawDigitText(surface, far, far, text, 1);
+        for (const int digit : {-1, 8, 13}) drawDigit(surface, far, y, digit, 1);
+    }
+    if (surface.dots != before) __builtin_trap();
     return 0;
 }

@@ -11,6 +11,7 @@
 #include "emulator/key_port.h"
 #include "emulator/pace.h"
 #include "emulator/programs.h"
+#include "platform/clock.h"
 #include "text/token_table.h"
 
 using namespace numalink;
@@ -93,6 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         machineStart();
     }
     fullSpeed = true;
+    clockPort.sleepMilliseconds = [](std::uint64_t) {};  // number input waits for keys
     emulatorRunning = true;
     keyPort.getKey = [] { return 27; };
     keyPort.beforeWaitTest = [] {

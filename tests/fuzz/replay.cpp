@@ -1,5 +1,6 @@
 // Runs a fuzz target without libFuzzer over every file of the folder given, and over so many variants of each: some
-// bytes altered, put in or left out, or what another file holds in their place. The same ones each time.
+// bytes altered, put in or left out, or what another file holds in their place. The same ones each time; with
+// NUMALINK_REPLAY_KEEP=FILE each is written there ahead of its run, so that the file holds what a crash came by.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -57,11 +58,10 @@ void vary(Input &input, const Input &other) {
     }
 }
 
-void run(const Input &input, const char *program) {
-    const std::string path = std::string(program) + ".input";  // the one that a crash leaves
-    std::ofstream(path, std::ios::binary).write(input.data(), static_cast<std::streamsize>(input.size()));
+void run(const Input &input) {
+    static const char *const kept = std::getenv("NUMALINK_REPLAY_KEEP");
+    if (kept != nullptr) std::ofstream(kept, std::ios::binary).write(input.data(), std::ssize(input));
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(input.data()), input.size());
-    std::filesystem::remove(path);
 }
 
 }  // namespace
@@ -71,11 +71,11 @@ int main(int argc, char **argv) {
     const int variants = std::atoi(argv[2]);
     const std::vector<Input> inputs = inputsOf(argv[1]);
     for (const Input &input : inputs) {
-        run(input, argv[0]);
+        run(input);
         for (int i = 0; i < variants; i++) {
             Input variant = input;
             for (std::size_t left = 1 + below(4); left > 0; left--) vary(variant, inputs[below(inputs.size())]);
-            run(variant, argv[0]);
+            run(variant);
         }
     }
     std::printf("%zu inputs replayed, each with %d variants\n", inputs.size(), variants);

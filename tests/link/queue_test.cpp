@@ -94,20 +94,6 @@ TEST_F(Queue, refusesTheHundredAndFirstOnce) {
     EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 172 / 2 P100"}));
 }
 
-TEST_F(Queue, isDroppedWhenNobodyAnswersAndComesBackOnDemand) {
-    const ItemId one = addProgram("A");
-    EXPECT_TRUE(queueItem(one));
-    EXPECT_TRUE(beginTransmit());
-    EXPECT_FALSE(transmitCanBegin());
-    EXPECT_EQ(transmitQueueDrop(), 1u);
-    attentionForget();
-    EXPECT_EQ(transmitDroppedCount(), 1u);
-    EXPECT_FALSE(beginTransmit());
-    EXPECT_EQ(transmitQueueAgain(), 1u);
-    EXPECT_EQ(transmitQueueIds(), std::vector<ItemId>{one});
-    EXPECT_TRUE(transmitCanBegin());
-}
-
 TEST(PictureSlots, comeFromTheNameAlone) {
     EXPECT_EQ(slotOfPictureName("PICTURE 3"), 3);
     EXPECT_EQ(slotOfPictureName("picture6"), 6);

@@ -43,7 +43,7 @@ void LinePartner::live(std::uint64_t seed) {
         Calculator own;
         own.algebra = algebra;
         if (chance() % 4 == 0) own.manners.dataAnswer = 0x15;
-        const bool sends = chance() % 3 != 0;
+        const bool sends = chance() % 2 == 0;
         if (sends) {
             for (std::uint64_t count = 1 + chance() % 3; count > 0; count--)
                 own.toSend.push_back(randomItem(chance, own.algebra, true));
