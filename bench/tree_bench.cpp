@@ -9,13 +9,13 @@
 #include <ctime>
 #include <map>
 
-#include "support/simulated_disk.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/item_rules.h"
 #include "shell/item_tree.h"
 #include "shell/menus.h"
 #include "shell/shell_widgets.h"
+#include "support/simulated_disk.h"
 
 namespace {
 
@@ -77,7 +77,7 @@ void openListAndArrange(benchmark::State &state) {
         work += secondsOf([&] {
             storeClose();
             storeOpen();
-            if (treeContent(storeListItems()).entries.size() < folderTotal * itemsPerFolder)
+            if (treeContent(storeListItems()).entries.size() < std::size_t{folderTotal} * itemsPerFolder)
                 state.SkipWithError("entries are missing");
         });
         plain += plainSort();
