@@ -95,9 +95,11 @@ int loopResult(int passes) {
 // The last number that the program prints when it runs the file; -1 when there is none.
 int lastNumberOf(const char *program, const std::string &path) {
     const std::string line = std::string(program) + " " + path + " 2>/dev/null </dev/null";
+    // NOLINTNEXTLINE(cert-env33-c): the rivals are found as a shell finds them
     const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(line.c_str(), "r"), pclose);
     int last = -1, number = 0;
     while (pipe != nullptr && feof(pipe.get()) == 0) {
+        // NOLINTNEXTLINE(cert-err34-c): a number that is too large is another result
         if (fscanf(pipe.get(), "%d", &number) == 1) {
             last = number;
         } else {
@@ -119,6 +121,7 @@ double secondsOf(const Rival &rival, int passes) {
 }
 
 void rivalLoop(benchmark::State &state, const Rival &rival) {
+    // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): as above; there is one thread
     if (std::system((std::string("command -v ") + rival.program + " >/dev/null 2>&1").c_str()) != 0) {
         state.SkipWithError("it isn't installed");
         return;

@@ -77,7 +77,7 @@ void openListAndArrange(benchmark::State &state) {
         work += secondsOf([&] {
             storeClose();
             storeOpen();
-            if (treeContent(storeListItems()).entries.size() < folderTotal * itemsPerFolder)
+            if (treeContent(storeListItems()).entries.size() < std::size_t{folderTotal} * itemsPerFolder)
                 state.SkipWithError("entries are missing");
         });
         plain += plainSort();

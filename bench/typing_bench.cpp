@@ -29,6 +29,7 @@ constexpr int keysAtEachPlace = 400;
 constexpr double limitMilliseconds = 16;
 
 Bytes longProgram() {
+    // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): a line in pieces, so that each code ends where it does
     constexpr std::string_view lines[] = {"'SNAKE \xA9 MOVES\r",
                                           "\"SCORE\"?\x0E"
                                           "A\r",

@@ -16,7 +16,7 @@ struct Line {
 
 [[noreturn]] inline void fault(const std::string &file, int line, const std::string &what) {
     std::cerr << file << ":" << line << ": " << what << "\n";
-    std::exit(1);
+    std::exit(1);  // NOLINT(concurrency-mt-unsafe): a tool has one thread
 }
 
 inline std::vector<Line> readLines(const std::string &file) {

@@ -4,6 +4,7 @@
 // number, name, then one a language, English first. Refuses gaps, translations whose %d and %s differ from the English
 // ones, menus in which two entries share a key, texts too long for the calculators' surfaces, and more texts than the
 // program keeps of two languages.
+#include <charconv>
 #include <map>
 #include <set>
 
@@ -52,6 +53,13 @@ struct Table {
     std::vector<Row> rows;
 };
 
+int numberOf(const std::string &file, const tool::Line &line, const std::string &text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size()) tool::fault(file, line.number, "no number: " + text);
+    return number;
+}
+
 Table readTable(const std::string &file, bool own) {
     Table table;
     for (const tool::Line &line : tool::readLines(file)) {
@@ -62,7 +70,7 @@ Table readTable(const std::string &file, bool own) {
             continue;
         }
         if (fields.size() != table.languages.size() + 2) tool::fault(file, line.number, "a language is missing");
-        Row row{std::atoi(fields[0].c_str()), fields[1], {fields.begin() + 2, fields.end()}};
+        Row row{numberOf(file, line, fields[0]), fields[1], {fields.begin() + 2, fields.end()}};
         if (own != (row.number >= firstOwnNumber) || row.number < languageNameNumber || row.number >= textNumberEnd)
             tool::fault(file, line.number, "number out of range");
         for (const std::string &text : row.texts) {

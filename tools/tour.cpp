@@ -87,7 +87,11 @@ void showItems() {
 }
 
 struct VirtualCalculator {
+    VirtualCalculator() = default;
     ~VirtualCalculator() { rest(); }
+    VirtualCalculator(const VirtualCalculator &) = delete;
+    VirtualCalculator &operator=(const VirtualCalculator &) = delete;
+
     // Until the conversation is over, on a thread of its own, at the speed of a real line.
     void converse() {
         rest();

@@ -133,7 +133,7 @@ void drawLastLine(PixelColor color) {
 }
 
 void drawCircle(double x, double y, double radius, PixelColor color) {
-    // NOLINTNEXTLINE(cert-flp30-c): see the walks of a line
+    // NOLINTNEXTLINE(cert-flp30-c,clang-analyzer-security.FloatLoopCounter): see the walks of a line
     for (double t = 0; t < circleEnd; t += circleStep) {
         const double column = mapX(std::sin(t) * radius + x);
         const double row = mapY(std::cos(t) * radius + y);

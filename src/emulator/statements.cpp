@@ -48,9 +48,9 @@ WayOut runGraphSwitch(RunState &state) {
 }
 
 struct StatementRow {
-    Token first, last;  // a run of tokens, or the same one twice
-    CellKind kind;      // string: the row of a string; else token
-    WayOut (*run)(RunState &state);
+    Token first, last;                // a run of tokens, or the same one twice
+    CellKind kind = CellKind::token;  // string: the row of a string
+    WayOut (*run)(RunState &state) = nullptr;
 };
 
 constexpr StatementRow one(Token token, WayOut (*run)(RunState &)) { return {token, token, CellKind::token, run}; }
@@ -110,13 +110,12 @@ constexpr StatementRow rows[] = {
     range({0xF7, 0xD0}, {0xF7, 0xD5}, runGraphSwitch<0xD0, false>),  // switch off
 };
 constexpr int rowCount = static_cast<int>(std::size(rows));
-constexpr std::int8_t noRow = -1;
-static_assert(rowCount < 127);
+constexpr std::int16_t noRow = -1;
 
 // The row of each token: a block for single bytes, one behind 0x7F, one behind 0xF7.
 struct RowIndex {
-    std::array<std::int8_t, 3 * 256> rowOf{};
-    std::int8_t ofString = noRow;
+    std::array<std::int16_t, std::size_t{3} * 256> rowOf{};
+    std::int16_t ofString = noRow;
 };
 
 constexpr std::size_t placeOf(std::uint8_t first, std::uint8_t second) {
@@ -129,7 +128,7 @@ constexpr RowIndex makeIndex() {
     RowIndex index;
     index.rowOf.fill(noRow);
     for (int i = 0; i < rowCount; i++) {
-        const auto number = static_cast<std::int8_t>(i);
+        const auto number = static_cast<std::int16_t>(i);
         if (rows[i].kind == CellKind::string) {
             index.ofString = number;
             continue;

@@ -63,7 +63,8 @@ void putText(int column, int row, std::string_view text, PixelColor color) {
 
 void scrollIfNeeded() {
     if (machine.textRow != textRowCount) return;
-    std::copy(surface.dots.begin() + rowHeight * displayWidth, surface.dots.end(), surface.dots.begin());
+    std::copy(surface.dots.begin() + std::ptrdiff_t{rowHeight} * displayWidth, surface.dots.end(),
+              surface.dots.begin());
     std::rotate(characters.begin(), characters.begin() + 1, characters.end());
     machine.textRow = textRowCount - 1;
     putText(1, textRowCount, blankRow, pixelColor::background);

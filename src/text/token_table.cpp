@@ -89,7 +89,7 @@ bool tokenTableLoad() {
 void tokenTableSet(ByteView file) {
     recordCount = 0;
     for (; file.size() >= tokenRecordSize && recordCount < tokenRecordLimit; file = file.subspan(tokenRecordSize)) {
-        TokenRecord record;
+        TokenRecord record{};
         std::memcpy(&record, file.data(), tokenRecordSize);
         if (record.length != 1 && record.length != 2) continue;
         record.displayText[tokenTextSize - 1] = '\0';

@@ -22,6 +22,7 @@ ViewToken markOf(std::string_view piece) {
     ViewToken token;
     int first = 0;
     int second = -1;
+    // NOLINTNEXTLINE(cert-err34-c): three digits at most, and the mark is compared with the text below
     const int numbers = std::sscanf(std::string(piece).c_str(), "<%3d,%3d", &first, &second);
     // 0 and 255 would end the program.
     if (numbers < 1 || first <= 0 || first >= 0xFF || second > 0xFF) return token;

@@ -222,11 +222,12 @@ std::string arrayFound(bool isList, const std::string &name) {
     const std::string number = name.substr(isList ? 2 : 0);
     const bool isAns = number == "Ans";
     MatrixSlot slot = nullptr;
-    if (isList)
+    if (isList) {
         slot = machine.listSlots[static_cast<std::size_t>(name[0] - '1')]
                                 [static_cast<std::size_t>(isAns ? listAnsSlot : std::stoi(number) - 1)];
-    else
+    } else {
         slot = machine.matrixSlots[static_cast<std::size_t>(isAns ? matrixAnsSlot : name[0] - 'A')];
+    }
     if (slot == nullptr) return "none";
     Lines rows;
     for (int row = 0; row < slot->rows; row++) {
@@ -302,9 +303,10 @@ std::string checkRunFile(const std::string &path) {
     const std::string variables = file.line("vars", "");
     if (file.find("vars") != nullptr) check.same("vars", variables, variablesFound(variables));
     for (const char *sort : {"list", "mat"})
-        for (const auto &[line, lines] : file.all(sort))
+        for (const auto &[line, lines] : file.all(sort)) {
             check.same(sort + (" " + firstWord(line)), behindFirstWord(behindFirstWord(line)),
                        arrayFound(sort[0] == 'l', firstWord(line)));
+        }
     for (const auto &[what, found] : {std::pair{"row", machine.textRow}, {"mode", machine.screenMode}})
         check.same(what, file.line(what, std::to_string(found)), std::to_string(found));
     if (file.find("switches") != nullptr) check.same("switches", file.line("switches", ""), switchesFound());

@@ -67,7 +67,7 @@ std::vector<std::uint64_t> result(bool plainly) {
     for (const ComplexValue &variable : machine.variables) bits.push_back(std::bit_cast<std::uint64_t>(variable.re));
     for (int i = 1; i <= count; i++) {
         const ProgramCell &cell = cells[static_cast<std::size_t>(i)];
-        bits.push_back(static_cast<std::uint64_t>(cell.kind) << 16 | cell.token1 << 8 | cell.token2);
+        bits.push_back(static_cast<std::uint64_t>(cell.kind) << 16 | std::uint64_t{cell.token1} << 8 | cell.token2);
         bits.push_back(std::bit_cast<std::uint64_t>(cell.value.re));
         bits.push_back(std::bit_cast<std::uint64_t>(cell.value.im));
         bits.push_back(isArray(cell) ? static_cast<std::uint64_t>(cell.matrix->cols) : 0);

@@ -99,10 +99,11 @@ Content readAll() {
         bytes = std::move(item.head);
         bytes.insert(bytes.end(), item.data.begin(), item.data.end());
         bytes.insert(bytes.end(), item.name.begin(), item.name.end());
-        for (const std::uint32_t number : {item.parent, static_cast<std::uint32_t>(item.kind), item.flags})
+        for (const std::uint32_t number : {item.parent, static_cast<std::uint32_t>(item.kind), item.flags}) {
             bytes.insert(bytes.end(),
                          {static_cast<std::uint8_t>(number), static_cast<std::uint8_t>(number >> 8),
                           static_cast<std::uint8_t>(number >> 16), static_cast<std::uint8_t>(number >> 24)});
+        }
     }
     return content;
 }

@@ -168,7 +168,7 @@ TEST_F(LinkThreads, restartAtAnyMomentWithoutWaiting) {
         startLinkThread();
         startSending(sender);
         std::thread sending([&] { moveCalculator(sender, terminal.master, move); });
-        sleepMilliseconds(static_cast<std::uint64_t>(7 * round));
+        sleepMilliseconds(std::uint64_t{7} * static_cast<std::uint64_t>(round));
         const std::uint64_t start = tickCount();
         startLinkThread();
         times.push_back(tickCount() - start);

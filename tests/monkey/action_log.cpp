@@ -8,6 +8,7 @@
 
 namespace monkey {
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): as printf, whose arguments the compiler checks by the header
 void logAction(std::uint64_t number, const char *format, ...) {
     constexpr unsigned hangSeconds = 150;  // a sanitized program on a busy machine is slow
     alarm(hangSeconds);
@@ -19,6 +20,7 @@ void logAction(std::uint64_t number, const char *format, ...) {
     std::fputc('\n', stderr);
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): as printf, whose arguments the compiler checks by the header
 void fail(const char *format, ...) {
     va_list arguments;
     va_start(arguments, format);

@@ -83,6 +83,7 @@ int liveOften() {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): it ends the program with its wording
 int main(int argc, char **argv) {
     CLI::App options("Random keys and clicks at the real window");
     options.add_option("--seed", theMonkey.seed);

@@ -175,7 +175,8 @@ TEST_F(PowerLoss, LeavesADamagedLibraryWholeWithItsCopy) {
         {"repair", [] { return checkLibrary(true).repaired; }, "/library/storage.dat.damaged-"},
         {"copy", [] { return storeOpen() && storeCopyTo("/library/copy"); }, "/library/copy"},
     };
-    for (const auto &[what, change, copyPath] : changes) {
+    for (const auto &[what, change, copyName] : changes) {
+        const std::string copyPath = copyName;
         SCOPED_TRACE(what);
         diskLoad(image);
         ASSERT_TRUE(change());

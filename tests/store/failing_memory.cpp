@@ -5,6 +5,7 @@
 
 using numalink::failingMemory;
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): what new and delete stand on
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
     const bool fails = failingMemory.left > 0 && --failingMemory.left == 0;
     if (fails && failingMemory.forGood) failingMemory.left = 1;
@@ -17,3 +18,4 @@ void *operator new(std::size_t size) {
 }
 void operator delete(void *memory) noexcept { std::free(memory); }
 void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
+// NOLINTEND(cppcoreguidelines-no-malloc)

@@ -281,7 +281,7 @@ TEST_F(DailyCopies, AnOddClockAndForeignNamesCostNoTrueCopy) {
     for (int day = 10; day < 19; day++) expected.insert("storage-2099-01-" + std::to_string(day) + ".dat");
     for (const std::string &name : expected) scratch.write("backups/" + name, "");
     struct Run {
-        const char *today, *gone;
+        const char *today = "", *gone = "";
         bool changes = true, copied = true;
     };
     for (const Run &row : {Run{"2026-05-01", ""}, Run{"2026-05-02", "2099-01-10"}, Run{"1970-01-01", "2026-05-01"},

@@ -144,6 +144,7 @@ int run(Options options) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): it ends the program with its wording
 int main(int argc, char **argv) {
     Options options;
     CLI::App app("Plays a calculator on a pseudo terminal, whose path it prints first.", "numalink-calculator");

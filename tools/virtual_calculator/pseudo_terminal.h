@@ -14,18 +14,13 @@
 namespace numalink {
 
 struct PseudoTerminal {
-    PseudoTerminal() {
-        master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        grantpt(master);
-        unlockpt(master);
+    PseudoTerminal() : master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
         char name[128] = "";
-        ptsname_r(master, name, sizeof name);
-        path = name;
         termios state{};
-        tcgetattr(master, &state);
+        if (grantpt(master) != 0 || unlockpt(master) != 0 || ptsname_r(master, name, sizeof name) != 0) return;
+        if (tcgetattr(master, &state) != 0) return;
         cfmakeraw(&state);
-        tcsetattr(master, TCSANOW, &state);
-        fcntl(master, F_SETFL, O_NONBLOCK);
+        if (tcsetattr(master, TCSANOW, &state) == 0 && fcntl(master, F_SETFL, O_NONBLOCK) == 0) path = name;
     }
     ~PseudoTerminal() { unplug(); }
     PseudoTerminal(const PseudoTerminal &) = delete;
@@ -59,7 +54,7 @@ struct PseudoTerminal {
     }
 
     int master = -1;
-    std::string path;
+    std::string path;  // empty when the system has none to give
 };
 
 }  // namespace numalink
