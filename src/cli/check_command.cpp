@@ -37,7 +37,7 @@ std::string causeOf(CheckOutcome outcome, const std::string &file) {
         case CheckOutcome::held:
             return file + " is in use by another program";
         case CheckOutcome::notWritten:
-            return file + " could not be repaired; it is as it was";
+            return file + " could not be repaired for certain; it is as it was, or repaired: check it again";
         default:
             return file + " could not be read, or a newer version wrote it";
     }

@@ -23,7 +23,8 @@ struct TakenBack {
 };
 // Brings back what the newest step took out, in one change. What came in its place leaves again, unless it was changed,
 // renamed or moved since: then both stay. A name that is taken by now gives the next free one; a folder that is gone
-// gives the top level. False when there is nothing, or the change failed (told); done then is as it was.
+// gives the top level. False when there is nothing, when all that would leave was changed since (the step is
+// dropped), or when the change failed (told); done then is as it was.
 bool storeUndo(TakenBack &done);
 // Undoes the undo. Only as long as nothing has been added, deleted or moved since, and what came back is unchanged.
 bool storeRedo(TakenBack &done);

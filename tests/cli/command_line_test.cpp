@@ -197,8 +197,8 @@ TEST_F(CommandLine, CheckTellsOfALibraryAndRepairsIt) {
         {Before::none, false, 99, 0, sound},
         {Before::none, true, 99, 0, sound},
         {Before::damage, false, 99, 1, "lost: at 8032, id "},
-        {Before::none, true, 0, 2, "could not be repaired; it is as it was"},
-        {Before::none, true, 1, 2, "could not be repaired; it is as it was"},  // once its copy is written
+        {Before::none, true, 0, 2, "could not be repaired"},
+        {Before::none, true, 1, 2, "could not be repaired"},  // once its copy is written
         {Before::none, true, 99, 1, "repaired; the damaged file is kept"},
         {Before::none, false, 99, 0, sound},
         {Before::hold, true, 99, 2, "in use by another program"},

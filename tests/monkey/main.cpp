@@ -8,7 +8,6 @@
 
 #include "link/link_thread.h"
 #include "monkey/action_log.h"
-#include "monkey/hand_over.h"
 #include "monkey/library_watch.h"
 #include "monkey/monkey.h"
 #include "platform/program_folder.h"
@@ -97,7 +96,7 @@ int main(int argc, char **argv) {
     logAction(0, "The seed is %llu", static_cast<unsigned long long>(theMonkey.seed));
     numalink::serialLine.open = openOwnPort;
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    const Application application(argc, argv);
+    const QApplication application(argc, argv);
     LinePartner partner(folder.path + "port", theMonkey.seed);
     theMonkey.partner = &partner;
     beginActing();

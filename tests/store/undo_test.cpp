@@ -135,6 +135,21 @@ TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
     }
 }
 
+TEST_F(Undo, AStepWithNothingLeftToDoGoesAndTheOlderOnesStay) {
+    const ItemId older = add("OLD", kind::list, rootId, {1}, {1});
+    EXPECT_TRUE(storeDelete(older));
+    const ItemId first = add("A", kind::list, rootId, {1}, {1});
+    const ItemId second = add("A", kind::list, rootId, {1}, {2});
+    ASSERT_TRUE(undo());
+    EXPECT_TRUE(storeRename(first, "B"));
+    EXPECT_TRUE(redo());
+    EXPECT_TRUE(storeRename(second, "C"));
+    EXPECT_FALSE(undo()) << "both were renamed, and stay";
+    EXPECT_EQ(read(first).data.size() + read(second).data.size(), 2U);
+    ASSERT_TRUE(undo());
+    EXPECT_EQ(read(older).data, Bytes{1});
+}
+
 TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySawIsNone) {
     for (const char *name : {"A", "B", "X"}) add(name, kind::list, rootId, {1}, {1});
     {
