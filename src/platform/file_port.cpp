@@ -89,6 +89,14 @@ std::optional<bool> isNamed(int file, const char *path) {
     return errno == ENOENT || errno == ENOTDIR || errno == ELOOP ? std::optional(false) : std::nullopt;
 }
 
+void giveRights(int from, int to) {
+    struct stat facts {};
+    if (fstat(from, &facts) != 0) return;
+    // Another owner is for root alone, and takes some rights away: so it comes first.
+    if (fchown(to, facts.st_uid, facts.st_gid) != 0 && fchown(to, static_cast<uid_t>(-1), facts.st_gid) != 0) errno = 0;
+    if (fchmod(to, facts.st_mode & 07777) != 0) errno = 0;
+}
+
 bool realPath(const char *path, std::string &real) {
     const std::unique_ptr<char, decltype(&std::free)> found(realpath(path, nullptr), std::free);
     if (found) real = found.get();
@@ -122,6 +130,7 @@ const FilePort systemFilePort = {
     .remove = [](const char *path) { return ::unlink(path) == 0; },
     .rename = [](const char *from, const char *to) { return ::rename(from, to) == 0; },
     .isNamed = isNamed,
+    .giveRights = giveRights,
     .realPath = realPath,
     .syncFolder = syncFolder,
 };

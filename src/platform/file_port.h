@@ -27,6 +27,8 @@ struct FilePort {
     bool (*rename)(const char *from, const char *to);  // takes the place of what bears the new name
     // Whether the open file is what path leads to now; nothing when that can't be told.
     std::optional<bool> (*isNamed)(int file, const char *path);
+    // Gives the second file the owner and the rights of the first, as far as the system lets this user.
+    void (*giveRights)(int from, int to);
     // The path of what is there with all links followed; false when it can't be told.
     bool (*realPath)(const char *path, std::string &real);
     // Names that were made, changed or removed in the folder of path are on the disk when this gives true.

@@ -39,7 +39,9 @@ template <typename Fill>
 bool makeWhole(const std::string &path, Fill fill) REQUIRES_LOCK(storeLock) {
     const std::string made = path + "-new";
     int file = noFile;
+    filePort.remove(made.c_str());  // of a copy that was cut short, or a link to elsewhere
     if (filePort.openLocked(made.c_str(), true, file) != OpenResult::opened) return false;
+    storeFileGiveRights(file);
     const bool filled = filePort.cut(file, 0) && fill(file) && filePort.sync(file);
     filePort.close(file);
     if (filled && filePort.rename(made.c_str(), path.c_str())) return filePort.syncFolder(path.c_str());

@@ -13,6 +13,9 @@ namespace {
 
 constexpr int noFile = -1;
 constexpr int keptJournalLimit = 1000;
+// Bytes of entries in a journal: all that a library can hold, its sums, and room to spare. More is none of ours, and
+// isn't taken into memory.
+constexpr std::uint64_t journalLimit = std::uint64_t{5} << 30;
 
 struct Write {
     std::uint64_t offset;
@@ -25,7 +28,9 @@ struct StoreFile {
     bool ready = false;     // what came before the first change is on the disk for sure
     bool torn = false;      // the journal isn't whole, and has not been written over
     bool broken = false;    // a change is half done, or may be
-    bool replaced = false;  // what is open isn't any more what its name leads to
+    bool replaced = false;  // what is open isn't any more what its name leads to, or another program wrote into it
+    std::optional<std::uint64_t> knownSize;  // the file as this program read or left it
+    Bytes knownHead;
     std::string givenPath;
     std::string path;           // with links followed: the journal lies beside the file itself
     std::vector<Write> writes;  // of the change that is being handed over
@@ -92,9 +97,10 @@ void retireJournal() REQUIRES_LOCK(storeLock) {
 }
 
 bool openJournal() REQUIRES_LOCK(storeLock) {
-    if (store.journal == noFile &&
-        filePort.openLocked(storeJournalPath().c_str(), true, store.journal) != OpenResult::opened)
-        return false;
+    if (store.journal == noFile) {
+        if (filePort.openLocked(storeJournalPath().c_str(), true, store.journal) != OpenResult::opened) return false;
+        filePort.giveRights(store.file, store.journal);
+    }
     // The names of both files, and the cut at the end of the run before: a piece behind the file's end is told from
     // what another file has there by its zero bytes.
     if (!store.ready) store.ready = filePort.syncFolder(store.path.c_str()) && filePort.sync(store.file);
@@ -106,6 +112,32 @@ std::optional<bool> filesAreNamed() REQUIRES_LOCK(storeLock) {
     const std::optional<bool> named = filePort.isNamed(store.file, store.givenPath.c_str());
     if (!named || !*named || store.journal == noFile) return named;
     return filePort.isNamed(store.journal, storeJournalPath().c_str());
+}
+
+// Takes the file as it is for what this program knows of it.
+void getToKnow() REQUIRES_LOCK(storeLock) {
+    const std::int64_t size = storeFileSize();
+    store.knownSize.reset();
+    if (size >= 0 && readMainHead(static_cast<std::uint64_t>(size), store.knownHead))
+        store.knownSize = static_cast<std::uint64_t>(size);
+}
+
+// The head record once these regions are written.
+Bytes headWith(Bytes head, const std::vector<Region> &regions) {
+    for (const Region &region : regions) {
+        if (region.offset >= sizeof(MainHeader)) break;
+        const auto from = static_cast<std::size_t>(region.offset);
+        const std::size_t count = std::min(region.now.size(), sizeof(MainHeader) - from);
+        head.resize(std::max(head.size(), from + count));
+        std::copy_n(region.now.begin(), count, head.begin() + static_cast<std::ptrdiff_t>(from));
+    }
+    return head;
+}
+
+// Whether nobody else has written into it, as one does who copies another library over this one while it is open. A
+// change would tear the two apart, as would the cut at the end.
+bool isAsKnown(std::uint64_t size, const Bytes &head) REQUIRES_LOCK(storeLock) {
+    return !store.knownSize || (*store.knownSize == size && store.knownHead == head);
 }
 
 bool writeJournal(ByteView journal) REQUIRES_LOCK(storeLock) {
@@ -158,6 +190,7 @@ std::optional<Bytes> readJournal() REQUIRES_LOCK(storeLock) {
     Bytes bytes(static_cast<std::size_t>(std::min<std::uint64_t>(size, sizeof head)));
     if (!readAll(store.journal, 0, bytes)) return std::nullopt;
     if (decodeJournalHead(bytes, head) != JournalState::whole) return bytes;
+    if (head.bodySize > journalLimit) return std::nullopt;
     bytes.resize(sizeof head + static_cast<std::size_t>(std::min(size - sizeof head, head.bodySize)));
     return readAll(store.journal, 0, bytes) ? std::optional(std::move(bytes)) : std::nullopt;
 }
@@ -206,14 +239,23 @@ bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) {
     return filePort.readAt(store.file, offset, bytes.data(), bytes.size()) == bytes.size();
 }
 
+void storeFileGiveRights(int other) { filePort.giveRights(store.file, other); }
+
 void storeFileCut(std::uint64_t size) {
-    if (!store.broken) cutTo(size);
+    const std::int64_t grown = storeFileSize();
+    if (store.broken || store.replaced || grown < 0 || static_cast<std::uint64_t>(grown) <= size) return;
+    Bytes head;
+    if (filesAreNamed() != true || !readMainHead(static_cast<std::uint64_t>(grown), head)) return;
+    if (!isAsKnown(static_cast<std::uint64_t>(grown), head)) return;
+    // The journal of a change that was taken back tells of bytes that are cut off here: first it goes for good.
+    if (store.journal == noFile || filePort.sync(store.journal)) filePort.cut(store.file, size);
 }
 
 Recovery storeFileRecover(bool apply) {
     store.broken = true;  // whatever ends the work half-way leaves the journal
     const Recovery result = recover(apply);
     store.broken = !apply || result == Recovery::unread || result == Recovery::failed || result == Recovery::foreign;
+    getToKnow();
     return result;
 }
 
@@ -250,11 +292,18 @@ ChangeResult changeCommit() {
     Bytes oldMain;
     if (known < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
     store.writes.clear();
+    store.replaced = !isAsKnown(size, oldMain);
+    if (store.replaced) return ChangeResult::replaced;
+    Bytes head = headWith(oldMain, regions);
     if (!openJournal() || !writeJournal(encodeJournal(regions, size, oldMain))) return ChangeResult::refused;
     for (const Region &region : regions)
         if (!writeAll(store.file, region.offset, region.now)) return takeBack(regions, size, region.offset == 0);
     if (!filePort.sync(store.file)) return takeBack(regions, size, false);
     retireJournal();
+    store.knownHead = std::move(head);
+    store.knownSize = size;
+    for (const Region &region : regions)
+        store.knownSize = std::max(*store.knownSize, region.offset + region.now.size());
     return ChangeResult::done;
 }
 

@@ -29,6 +29,7 @@ std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);                          
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) REQUIRES_LOCK(storeLock);  // whole or false
 bool storeFileIsBroken() REQUIRES_LOCK(storeLock);  // a change is in it half-way, until it is opened anew
 // For bytes that have no meaning, behind the end of the records.
+void storeFileGiveRights(int other) REQUIRES_LOCK(storeLock);  // the owner and the rights of storage.dat
 void storeFileCut(std::uint64_t size) REQUIRES_LOCK(storeLock);
 
 enum class Recovery {

@@ -304,9 +304,17 @@ TEST(SystemFiles, AreFollowedThroughALinkAndWatchedForTheirNames) {
     const std::string file = folder.path + "elsewhere/library";
     std::filesystem::create_directory(folder.path + "elsewhere");
     std::filesystem::create_symlink("elsewhere/library", folder.path + "storage.dat");
+    folder.write("elsewhere/library", "");
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     ASSERT_TRUE(storeOpen());
     EXPECT_NE(storeResolvePath("/A", true), noItem);
-    EXPECT_TRUE(std::filesystem::exists(file + "-journal"));
+    std::filesystem::create_symlink("elsewhere/library", folder.path + "copy-new");
+    EXPECT_TRUE(storeCopyTo(folder.path + "copy"));
+    for (const std::string &made : {file + "-journal", folder.path + "copy"}) {
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(made)));
+        EXPECT_EQ(std::filesystem::status(made).permissions(), std::filesystem::status(file).permissions())
+            << "nobody else may read it";
+    }
     std::filesystem::rename(file, file + "-moved");
     EXPECT_EQ(storeResolvePath("/B", true), noItem);
     std::filesystem::rename(file + "-moved", file);

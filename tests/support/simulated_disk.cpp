@@ -153,6 +153,7 @@ const FilePort simulatedFilePort = {
     .remove = removeName,
     .rename = rename,
     .isNamed = isNamed,
+    .giveRights = [](int, int) {},
     .realPath =
         [](const char *path, std::string &real) {
             const SpareMemory spare;
