@@ -139,7 +139,7 @@ std::vector<ItemMove> movesTo(const std::string &folderName, ImportAction action
 void placeItems(const std::string &folderName, ImportAction action) {
     const std::vector<ItemMove> moves = movesTo(folderName, action);
     // What could not be moved stays where the next attempt finds it.
-    if (!moves.empty() && storeMoveItems(moves)) storeResetTemp();
+    if (!moves.empty() && storeMoveItems(moves)) storeTidyTemp();
     userInterface.refreshTree();
 }
 

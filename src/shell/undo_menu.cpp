@@ -31,7 +31,7 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     refreshTree();
     if (changed && done.shown != noItem) selectItem(done.shown);
     const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
-    if (!changed) statusLine(StatusPart::item, OwnText::changedSince);
+    if (done.changedSince) statusLine(StatusPart::item, OwnText::changedSince);
     if (changed && change == storeUndo) statusLine(StatusPart::item, OwnText::itemsCameBack, words);
     if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, 0, "");
     treeView->setFocus();

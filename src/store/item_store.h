@@ -110,6 +110,7 @@ std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKin
 ItemId storeResolvePath(std::string_view path, bool create);
 ItemId storeStandardFolder(ItemKind folderKind);  // found by kind, else made; noItem for kinds that are none
 ItemId storeTempFolder();                         // the folder of kind 1002, made when absent
-bool storeResetTemp();                            // deletes every folder of kind 1002 and makes one
+void storeTidyTemp();   // as storeResetTemp, but tells of nothing: should it fail, the next reset or start does it
+bool storeResetTemp();  // deletes every folder of kind 1002 and makes one
 
 }  // namespace numalink

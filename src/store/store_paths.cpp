@@ -107,6 +107,10 @@ ItemId storeTempFolder() {
     return foundOrTold([](ItemId &id) REQUIRES_LOCK(storeLock) { return tempFolder(id); });
 }
 
+void storeTidyTemp() {
+    withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); });
+}
+
 bool storeResetTemp() {
     return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
 }

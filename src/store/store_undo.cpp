@@ -113,7 +113,8 @@ Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, TakenBack
     UndoStep inverse{.group = ++lastGroup, .items = {}, .cameInstead = {}};
     if (const Fault fault = readUnchanged(newest.came, inverse.items); fault != Fault::none) return fault;
     if (newest.items.empty() && inverse.items.size() != newest.came.size()) {
-        dropNewestGroup(from);  // what came was changed: it isn't taken away again
+        dropNewestGroup(from);
+        done.changedSince = true;
         return Fault::absent;
     }
     std::vector<StoredItem> items;

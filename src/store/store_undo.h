@@ -20,11 +20,11 @@ std::optional<UndoOffer> storeUndoOffer();  // nothing when there is nothing to 
 struct TakenBack {
     ItemId shown = noItem;  // the item to select, noItem when there is none
     UndoOffer step;
+    bool changedSince = false;  // all that would leave was changed since: nothing was done, and the step is dropped
 };
 // Brings back what the newest step took out, in one change. What came in its place leaves again, unless it was changed,
 // renamed or moved since: then both stay. A name that is taken by now gives the next free one; a folder that is gone
-// gives the top level. False when there is nothing, when all that would leave was changed since (the step is
-// dropped), or when the change failed (told); done then is as it was.
+// gives the top level. False when there is nothing, when it was changed since, or when the change failed (told).
 bool storeUndo(TakenBack &done);
 // Undoes the undo. Only as long as nothing has been added, deleted or moved since, and what came back is unchanged.
 bool storeRedo(TakenBack &done);

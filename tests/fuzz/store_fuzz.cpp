@@ -37,6 +37,8 @@ void change(std::uint8_t operation, std::uint8_t choice) {
     std::vector<ItemEntry> items = storeListItems();
     std::erase_if(items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
     const ItemId id = items.empty() ? choice : items[choice % items.size()].id;
+    // The folder itself is nothing that a user can reach.
+    if (const auto entry = storeReadEntry(id); entry && entry->kind == kind::temporaryFolder) return;
     const ItemId other = items.empty() ? rootId : items[operation % items.size()].id;
     switch (operation % 9) {
         case 0:
