@@ -38,8 +38,12 @@ std::string causeOf(CheckOutcome outcome, const std::string &file) {
             return file + " is in use by another program";
         case CheckOutcome::notWritten:
             return file + " could not be repaired for certain; it is as it was, or repaired: check it again";
+        case CheckOutcome::journalUnusable:
+            return file + "-journal can't be read, or the interrupted change that it tells of can't be taken back";
+        case CheckOutcome::newer:
+            return file + " was written by a newer version";
         default:
-            return file + " could not be read, or a newer version wrote it";
+            return file + " could not be opened for reading and writing";
     }
 }
 
@@ -70,6 +74,9 @@ int checkCommand(const CheckOptions &options) {
                                    : "a change was interrupted: the next start, or --repair, takes it back; what "
                                      "follows tells of its middle\n");
     }
+    if (!check.otherJournal.empty())
+        std::printf("an interrupted change that belongs to another library file was left alone: %s\n",
+                    check.otherJournal.c_str());
     if (!check.headUsable && check.damage > 0) std::printf("the head of the file can't be used\n");
     tellRecords(check);
     std::printf("places with damage: %u\n", check.damage);

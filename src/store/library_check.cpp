@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <set>
+#include <map>
 
 #include "platform/program_folder.h"
 #include "store/store_check.h"
@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::size_t scanBlock = std::size_t{64} * 1024, unreadableSkip = 512;  // bytes
 constexpr int textTooNew = 119;
-constexpr ItemId idLimit = noItem / 2;  // no library lives to see it: a next id from here on is damage
 
 // What an examination has found: the head as it lies, and the records that can be kept.
 struct Examined {
@@ -30,31 +29,57 @@ bool readHead(std::uint64_t offset, ItemHeader &head) REQUIRES_LOCK(storeLock) {
     return storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&head), sizeof head});
 }
 
-// The next place from this one on where the signature of a record lies, or limit.
-std::uint64_t nextSignature(std::uint64_t from, std::uint64_t limit) REQUIRES_LOCK(storeLock) {
+// The next place from this one on where the signature of a record lies, or limit. Called again and again from there
+// on, it goes on in the block that it has.
+struct SignatureSearch {
+    std::uint64_t start = 0;
     Bytes block;
+
+    std::uint64_t next(std::uint64_t from, std::uint64_t limit) REQUIRES_LOCK(storeLock);
+};
+
+std::uint64_t SignatureSearch::next(std::uint64_t from, std::uint64_t limit) {
+    const auto hitIn = [&](std::uint64_t place) {
+        const auto first = block.begin() + static_cast<std::ptrdiff_t>(place - start);
+        const auto hit = std::search(first, block.end(), std::begin(itemSignature), std::end(itemSignature));
+        return hit == block.end() ? limit : start + static_cast<std::uint64_t>(hit - block.begin());
+    };
+    if (from >= start && from - start < block.size()) {
+        if (const std::uint64_t hit = hitIn(from); hit < limit)
+            return hit <= limit - sizeof itemSignature ? hit : limit;
+        from = std::max(from, start + block.size() - std::min(block.size(), sizeof itemSignature - 1));
+    }
     while (limit - std::min(from, limit) >= sizeof itemSignature) {
+        start = from;
         block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, limit - from)));
         if (!storeFileRead(from, block)) {
             if (block.size() > unreadableSkip) block.resize(unreadableSkip);
             if (!storeFileRead(from, block)) {
                 from += block.size();
+                block.clear();
                 continue;
             }
         }
-        const auto hit = std::search(block.begin(), block.end(), std::begin(itemSignature), std::end(itemSignature));
-        if (hit != block.end()) return from + static_cast<std::uint64_t>(hit - block.begin());
+        if (const std::uint64_t hit = hitIn(from); hit < limit) return hit;
         from += block.size() - (sizeof itemSignature - 1);
     }
     return limit;
 }
 
+// Whether the signature of a record lies here.
+bool signatureAt(std::uint64_t offset) REQUIRES_LOCK(storeLock) {
+    char there[sizeof itemSignature];
+    return storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(there), sizeof there}) &&
+           std::memcmp(there, itemSignature, sizeof there) == 0;
+}
+
 // Whether a record's size can be believed: behind it lies another record or the end, or within it none.
 bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t limit) REQUIRES_LOCK(storeLock) {
     const std::uint64_t end = offset + recordSize(head);
-    if (end == limit || nextSignature(end, std::min(limit, end + sizeof itemSignature)) == end) return true;
+    if (end == limit || (limit - end >= sizeof itemSignature && signatureAt(end))) return true;
+    SignatureSearch search;
     const std::uint64_t last = std::min(limit, end + sizeof itemSignature - 1);
-    for (std::uint64_t at = nextSignature(offset + sizeof head, last); at < last; at = nextSignature(at + 1, last)) {
+    for (std::uint64_t at = search.next(offset + sizeof head, last); at < last; at = search.next(at + 1, last)) {
         ItemHeader inner{};
         if (readHead(at, inner) && recordIsSound(inner, at, limit)) return false;
     }
@@ -71,19 +96,32 @@ bool payloadsReadable(const ItemHeader &head, std::uint64_t offset) REQUIRES_LOC
     return true;
 }
 
-// Looks through one stretch that no record of the table covers.
-void searchStretch(Examined &examined, std::set<ItemId> &ids, std::uint64_t from, std::uint64_t limit)
+// Whether a record of this size lies at either place, the same to the byte.
+bool isSameRecord(std::uint64_t one, std::uint64_t other, std::uint64_t size) REQUIRES_LOCK(storeLock) {
+    Bytes there, elsewhere;
+    for (std::uint64_t at = 0; at < size; at += there.size()) {
+        there.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, size - at)));
+        elsewhere.resize(there.size());
+        if (!storeFileRead(one + at, there) || !storeFileRead(other + at, elsewhere) || there != elsewhere)
+            return false;
+    }
+    return true;
+}
+
+// Looks through one stretch that no record of the table covers. ids: where the record of each id lies. One that has the
+// id of another, and isn't a copy of it, is kept beside it under an id of its own.
+void searchStretch(Examined &examined, std::map<ItemId, std::uint64_t> &ids, std::uint64_t from, std::uint64_t limit)
     REQUIRES_LOCK(storeLock) {
-    for (std::uint64_t at = nextSignature(from, limit); at < limit; at = nextSignature(at, limit)) {
+    SignatureSearch search;
+    for (std::uint64_t at = search.next(from, limit); at < limit; at = search.next(at, limit)) {
         ItemHeader head{};
         if (!readHead(at, head) || !recordIsSound(head, at, limit) || !sizeIsCredible(head, at, limit) ||
             !payloadsReadable(head, at)) {
             at++;
             continue;
         }
-        const bool ownId = ids.insert(head.id).second;
-        const bool listed = std::ranges::count(examined.main.offsets, at) > 0;
-        if (ownId || listed) {
+        const auto [same, ownId] = ids.emplace(head.id, at);
+        if (ownId || !isSameRecord(same->second, at, recordSize(head))) {
             examined.offsets.push_back(at);
             examined.found.push_back(head);
             if (!ownId) examined.found.back().id = noItem;  // gets one of its own
@@ -94,11 +132,11 @@ void searchStretch(Examined &examined, std::set<ItemId> &ids, std::uint64_t from
 
 // Behind the end of the records lies what was deleted, unless the head can't be believed.
 void searchFile(Examined &examined, bool headLies) REQUIRES_LOCK(storeLock) {
-    std::set<ItemId> ids;
+    std::map<ItemId, std::uint64_t> ids;
     std::vector<std::pair<std::uint64_t, std::uint64_t>> covered;
     for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
         if (!examined.slots[slot].sound) continue;
-        ids.insert(examined.slots[slot].head.id);
+        ids.emplace(examined.slots[slot].head.id, examined.main.offsets[slot]);
         covered.emplace_back(examined.main.offsets[slot], recordSize(examined.slots[slot].head));
     }
     std::ranges::sort(covered);
@@ -154,7 +192,6 @@ void examine(Examined &examined, LibraryCheck &check) REQUIRES_LOCK(storeLock) {
         check.damage = checkStore(examined.main, examined.fileSize, examined.slots);
         const auto lost = std::ranges::count(examined.slots, false, &Slot::sound);
         check.circles = static_cast<std::uint32_t>(foldersInCircle(examined.slots).size());
-        if (examined.main.nextId >= idLimit) check.damage++;
         headLies = check.damage > static_cast<std::uint32_t>(lost) + check.circles;
         if (check.damage == 0) examined.strays = strayStretches(examined.main, examined.slots);
         unreadable = dropUnreadable(examined);
@@ -189,9 +226,17 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
         kept.push_back(examined.slots[slot]);
         offsets.push_back(examined.main.offsets[slot]);
     }
+    takeForOrdinary(kept);
+    const auto temporary =
+        std::ranges::find(kept, kind::temporaryFolder, [](const Slot &slot) { return slot.head.kind; });
+    const ItemId emptied = temporary == kept.end() ? noItem : temporary->head.id;
     for (std::size_t i = 0; i < examined.found.size() && kept.size() < storeSlotCount; i++) {
         kept.push_back({examined.found[i], true});
         offsets.push_back(examined.offsets[i]);
+        // What was saved isn't to go with the temporary folder's contents at the next start.
+        ItemHeader &head = kept.back().head;
+        if (head.kind == kind::temporaryFolder) head.kind = kind::folder;
+        if (head.parent == emptied) head.parent = rootId;
     }
     MainHeader main = emptyMain();
     main.formatNumber = std::min(examined.main.formatNumber, storeNewestFormat);
@@ -207,6 +252,7 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     for (std::size_t i = 0; i < kept.size(); i++) {
         const ItemHeader head = keptHead(kept[i], circle);
         const std::size_t place = file.size();
+        if (place + recordSize(head) > UINT32_MAX) return false;
         file.resize(place + static_cast<std::size_t>(recordSize(head)));
         if (!storeFileRead(offsets[i], std::span(file).subspan(place))) return false;
         std::memcpy(file.data() + place, &head, sizeof head);
@@ -227,19 +273,23 @@ bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
 void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
     Recovery recovery = storeFileRecover(repair);
     check.interrupted = recovery == Recovery::broughtBack;
-    if (recovery == Recovery::foreign && repair && storeJournalSetAside().empty()) recovery = Recovery::failed;
+    if (recovery == Recovery::foreign) check.otherJournal = repair ? storeJournalSetAside() : storeJournalPath();
+    if (recovery == Recovery::foreign && check.otherJournal.empty()) recovery = Recovery::failed;
+    if (recovery == Recovery::unread || recovery == Recovery::failed) check.outcome = CheckOutcome::journalUnusable;
     const std::int64_t size = storeFileSize();
     if (recovery == Recovery::unread || recovery == Recovery::failed || size < 0) return;
     Examined examined;
     examined.fileSize = static_cast<std::uint64_t>(size);
     const int fault = readMain(examined.main);
-    if (fault == textTooNew) return;
-    check.headUsable = fault == 0;
+    check.headUsable = fault == 0 || fault == textTooNew;
     if (!check.headUsable) examined.main = {};
     check.outcome = CheckOutcome::checked;
     if (size == 0) return;  // a new library, that the next start gives its head
     examine(examined, check);
-    if (!repair || check.damage == 0) return;
+    // A newer version may have written it, unless nothing but that number is out of order.
+    if (fault == textTooNew && examined.main.formatNumber <= newerFormatLimit && check.damage > 1)
+        check.outcome = CheckOutcome::newer;
+    if (check.outcome != CheckOutcome::checked || !repair || check.damage == 0) return;
     check.repaired = rewrite(examined);
     if (!check.repaired) check.outcome = CheckOutcome::notWritten;
 }

@@ -10,10 +10,12 @@ namespace numalink {
 
 enum class CheckOutcome {
     checked,
-    absent,      // there is no storage.dat in the library folder
-    held,        // some program has it open
-    unreadable,  // it, or its journal, can't be read, or a newer version wrote it
-    notWritten   // a repair failed; the file is as it was
+    absent,           // there is no storage.dat in the library folder
+    held,             // some program has it open
+    unreadable,       // it can't be opened for reading and writing
+    journalUnusable,  // the journal beside it can't be read, or a change that it tells of can't be taken back
+    newer,            // a newer version wrote it
+    notWritten        // a repair failed; the file is as it was, or whole
 };
 
 enum class RecordFate {
@@ -33,8 +35,8 @@ struct CheckedRecord {
 
 struct LibraryCheck {
     CheckOutcome outcome = CheckOutcome::unreadable;
-    bool interrupted =
-        false;  // a change was; only a repair or an opening takes it back, and the records tell its middle
+    bool interrupted = false;   // a change was; a repair or an opening takes it back, and the records tell its middle
+    std::string otherJournal;   // the path of one that belongs to another library file; set aside by a repair
     bool headUsable = false;    // if not, the library doesn't open
     std::uint32_t damage = 0;   // places; 0 for a file in order
     std::uint32_t circles = 0;  // folders in a circle of parents

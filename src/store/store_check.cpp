@@ -26,21 +26,6 @@ void markDoubledIds(std::vector<Slot> &slots) {
         if (slots[order[i]].head.id == slots[order[i - 1]].head.id) slots[order[i]].sound = false;
 }
 
-// The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
-// a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
-std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
-    std::vector<Slot *> folders;
-    for (Slot &slot : slots)
-        if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
-    const auto isTemporary = [](const Slot *slot) {
-        return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
-    };
-    std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
-    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
-    for (Slot *slot : folders) slot->head.kind = kind::folder;
-    return static_cast<std::uint32_t>(folders.size());
-}
-
 // Of two records that overlap, the one that reaches over the other's head lies about its size. From the last on, so
 // that one which lies is no witness against those ahead of it.
 void markOverlaps(const MainHeader &main, std::vector<Slot> &slots) {
@@ -61,7 +46,8 @@ std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const s
     std::uint32_t faults = 0;
     if (main.itemCount > storeSlotCount) faults++;
     if (main.endOffset < end || main.endOffset > fileSize) faults++;
-    if (main.nextId != safeNextId(main, slots)) faults++;
+    if (main.nextId != safeNextId(main, slots) || main.nextId >= idLimit) faults++;
+    if (main.formatNumber > storeNewestFormat) faults++;
     return faults;
 }
 
@@ -118,6 +104,19 @@ std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots)
     for (const Slot &slot : slots)
         if (slot.sound) next = std::max(next, slot.head.id + 1);
     return next;
+}
+
+std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
+    std::vector<Slot *> folders;
+    for (Slot &slot : slots)
+        if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
+    const auto isTemporary = [](const Slot *slot) {
+        return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
+    };
+    std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
+    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
+    for (Slot *slot : folders) slot->head.kind = kind::folder;
+    return static_cast<std::uint32_t>(folders.size());
 }
 
 std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots) {

@@ -9,6 +9,11 @@
 
 namespace numalink {
 
+// A format number above it was written by no version that is yet to come: it is damage.
+inline constexpr std::uint32_t newerFormatLimit = 2 * storeNewestFormat - 1;
+// No library lives to see it: a next id, or an id, from here on is damage.
+inline constexpr ItemId idLimit = noItem / 2;
+
 // Marks in slots what isn't sound, and gives the number of places with damage, 0 when all is well. slots holds a
 // head for each slot of main, unsound where it couldn't be read. A circle of parents counts as damage, and its
 // folders stay usable, so that they can be dragged out of it or deleted. So does a second temporary folder, which stays
@@ -17,6 +22,11 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
 
 // Whether a record can lie at this offset, by its head and the file's size alone.
 bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t fileSize);
+
+// The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
+// a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
+// How many those were.
+std::uint32_t takeForOrdinary(std::vector<Slot> &slots);
 
 // Bytes below the end of the records that no sound record covers.
 struct Stretch {

@@ -13,13 +13,13 @@ namespace numalink {
 
 namespace {
 
-constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36;
+constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36, textTooNew = 119;
 
 int createStore() REQUIRES_LOCK(storeLock) {
     storeState.main = emptyMain();
     changeBegin();
     changeWrite(0, bytesOf(storeState.main));
-    return changeCommit() == ChangeResult::done ? 0 : textHeadTooShort;
+    return changeCommit() == ChangeResult::done ? 0 : textCannotOpen;
 }
 
 std::string storePath() { return libraryFolder() + "storage.dat"; }
@@ -30,6 +30,7 @@ struct Opening {
     Recovery recovery = Recovery::nothing;
     std::string journal;       // its path; where it was set aside
     bool isNew = false;        // an empty file, which gets its head
+    bool isNewer = false;      // a newer version wrote it, by all one can tell
     std::uint32_t damage = 0;  // places
     std::ptrdiff_t lost = 0;   // records among them
     Fault resetFault = Fault::none;
@@ -54,7 +55,9 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     const std::int64_t size = storeFileSize();
     if (size < 0) return textHeadTooShort;
     opening.isNew = size == 0;
-    if (const int fault = opening.isNew ? createStore() : readMain(storeState.main); fault != 0) return fault;
+    const int fault = opening.isNew ? createStore() : readMain(storeState.main);
+    opening.isNewer = storeState.main.formatNumber <= newerFormatLimit;
+    if (fault != 0) return fault;
     readSlots(storeState.main, storeState.slots);
     opening.damage =
         opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
@@ -79,14 +82,16 @@ void letGo() {
 
 bool tellNotOpened(int textNumber, const Opening &opening) {
     const bool held = opening.file == OpenResult::heldByAnother;
-    if (opening.recovery == Recovery::unread || opening.recovery == Recovery::failed)
+    if (opening.recovery == Recovery::unread)
+        tellMore(textNumber, OwnText::storeJournalUnread, {opening.journal});
+    else if (opening.recovery == Recovery::failed)
         tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
     else if (textNumber == textCannotOpen)
         tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
-    else if (opening.isNew)
-        tellMore(textNumber, OwnText::storeNotWritten, {});
-    else
+    else if (textNumber == textTooNew && opening.isNewer)
         tellUser(textNumber);
+    else
+        tellMore(textNumber, OwnText::storeMayBeSaved, {libraryFolder()});
     return false;
 }
 
@@ -103,8 +108,8 @@ bool storeOpen() {
     });
     if (textNumber != 0) letGo();
     if (fault != Fault::none) return storeTold(fault);
-    if (textNumber != 0) return tellNotOpened(textNumber, opening);
     if (opening.recovery == Recovery::foreign) tellUser(OwnText::storeJournalSetAside, {opening.journal});
+    if (textNumber != 0) return tellNotOpened(textNumber, opening);
     if (opening.damage > 0)
         tellMore(textDamaged, OwnText::storeDamageCount,
                  {std::to_string(opening.damage), std::to_string(opening.lost)});
