@@ -3,7 +3,6 @@
 #include "exchange/bitmap_import.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 

@@ -3,7 +3,6 @@
 #include "link/transmit_queue.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "calculator/frames.h"
 #include "exchange/reader_calls.h"

@@ -32,12 +32,6 @@ inline ReadResult readWith(ReaderCall reader, std::string_view text) {
     return result;
 }
 
-inline std::vector<int> numbersOf(const ImportReport &report) {
-    std::vector<int> numbers;
-    for (const ImportMessage &message : report.messages) numbers.push_back(message.bodyNumber);
-    return numbers;
-}
-
 struct Exchange : testing::Test {
     Exchange() {
         threadRole = ThreadRole::graphical;

@@ -24,7 +24,7 @@
 //   gone ABC                      an item of "have" that isn't there any more
 //   left 1                        entries in the queue at the end (0 unless told)
 //
-// BYTES are hexadecimal pairs, texts in double quotes, and both with *COUNT behind them.
+// BYTES are those of support/byte_text.h.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,12 +32,11 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 
 #include "calculator/charset.h"
-#include "calculator/program_info.h"
 #include "link/link_scene.h"
 #include "settings/language_table.h"
+#include "support/byte_text.h"
 #include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
@@ -90,15 +89,6 @@ struct Player {
 };
 Player player;
 
-std::string hexOf(ByteView bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        constexpr char digits[] = "0123456789ABCDEF";
-        text += {digits[byte / 16], digits[byte % 16], ' '};
-    }
-    return text;
-}
-
 const Event *nextEvent() { return player.next < player.events.size() ? &player.events[player.next] : nullptr; }
 
 bool fail(const std::string &what) {
@@ -108,33 +98,6 @@ bool fail(const std::string &what) {
     return false;
 }
 
-// Throws std::exception at what is no bytes.
-Bytes parseBytes(const std::string &text) {
-    Bytes bytes;
-    for (std::size_t at = 0; at < text.size();) {
-        if (text[at] == ' ') {
-            at++;
-            continue;
-        }
-        std::string part(1, ' ');
-        std::size_t used = 0;
-        if (text[at] == '"') {
-            part = text.substr(at + 1, text.find('"', at + 1) - at - 1);
-            at += part.size() + 2;
-        } else {
-            part[0] = static_cast<char>(std::stoi(text.substr(at, 2), &used, 16));
-            at += 2;
-        }
-        std::size_t count = 1;
-        if (at < text.size() && text[at] == '*') {
-            count = std::stoul(text.substr(at + 1), &used);
-            at += 1 + used;
-        }
-        while (count-- > 0) bytes.insert(bytes.end(), part.begin(), part.end());
-    }
-    return bytes;
-}
-
 ScriptItem parseItem(const std::string &text) {
     ScriptItem item;
     item.inTemp = text.starts_with("temp ");
@@ -142,12 +105,6 @@ ScriptItem parseItem(const std::string &text) {
     words >> item.kind;
     std::getline(words >> std::ws, item.path);
     return item;
-}
-
-Bytes parseInfo(const std::string &text) {
-    ProgramInfo info;
-    std::istringstream(text) >> info.imageLength >> info.name >> info.password;
-    return encodeProgramInfo(info);
 }
 
 constexpr std::pair<const char *, EventSort> eventWords[] = {
