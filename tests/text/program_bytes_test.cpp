@@ -1,8 +1,7 @@
-// Typed text to bytes and back, with and without auto-correct.
+// Typed text to bytes and back. Spellings and marks are those of the command line's session typed_text.
 #include "text/program_bytes.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "settings/settings_store.h"
 #include "support/ui_recorder.h"
@@ -14,8 +13,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class ProgramText : public testing::Test {
-protected:
+struct ProgramText : testing::Test {
     ProgramText() {
         EXPECT_TRUE(tokenTableLoad());
         settingsSetInt(setting::autoCorrect, 1);
@@ -23,31 +21,6 @@ protected:
 
     RecordedUi ui;
 };
-
-Bytes tokensOf(std::string_view text) {
-    Bytes tokens;
-    EXPECT_EQ(lineFromText(text, tokens), -1) << text;
-    return tokens;
-}
-
-TEST_F(ProgramText, OrdinarySpellingsBecomeTokens) {
-    EXPECT_THAT(tokensOf("5->A"), ElementsAre('5', 0x0E, 'A'));
-    EXPECT_THAT(tokensOf("5 -> A"), ElementsAre('5', 0x0E, 'A')) << "the blanks go";
-    EXPECT_THAT(tokensOf("A\x99>B"), ElementsAre('A', 0x0E, 'B'));
-    EXPECT_THAT(tokensOf("A=/=B=>-C*D^E+F"),
-                ElementsAre('A', 0x11, 'B', 0x13, 0x99, 'C', 0xA9, 'D', 0xA8, 'E', 0x89, 'F'));
-    EXPECT_THAT(tokensOf("\"a->b-c\""), ElementsAre('"', 'a', 0x0E, 'b', 0x99, 'c', '"')) << "in strings too";
-    EXPECT_THAT(tokensOf("List->Mat("), ElementsAre(0x7F, 0x4A));
-    EXPECT_THAT(tokensOf("LIST->M"), ElementsAre('L', 'I', 'S', 'T', 0x0E, 'M')) << "this spelling is exact";
-}
-
-TEST_F(ProgramText, CommandsForgiveCaseOutsideOfStringsOnly) {
-    EXPECT_THAT(tokensOf("whileend"), ElementsAre(0xF7, 0x09)) << "the longest display text wins";
-    EXPECT_EQ(tokensOf("\"whileend").size(), 9u);
-    EXPECT_EQ(tokensOf("'whileend").size(), 9u);
-    EXPECT_THAT(tokensOf("'a\rwhileend"), ElementsAre('\'', 'a', 0x0D, 0xF7, 0x09)) << "a line end closes the comment";
-    EXPECT_NE(tokensOf("a"), tokensOf("A"));
-}
 
 TEST_F(ProgramText, WithoutAutoCorrectOnlyPlusAndMinusAreForgiven) {
     settingsSetInt(setting::autoCorrect, 0);
@@ -70,10 +43,6 @@ TEST_F(ProgramText, TextAndBytesAreTheSameProgram) {
     EXPECT_EQ(back, Bytes(image.begin(), image.end() - 1));
     EXPECT_EQ(programPlainText(Bytes{':', 0xFF}), "");
     EXPECT_EQ(programPlainText({}), "");
-}
-
-TEST_F(ProgramText, UnknownBytesAreMarks) {
-    EXPECT_EQ(programPlainText(Bytes{':', 'A', 0xF7, 0xF3, 0x90, 0x7F, 0xFF}), "A<247,243><144> <127> ");
     tokenTableSet({});
     EXPECT_EQ(programPlainText(Bytes{':', 'A', 0x0D, 0xFF}), "<65> <13> ");
 }

@@ -3,16 +3,12 @@
 #include "text/token_table.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
-
-#include "text/program_bytes.h"
 
 namespace numalink {
 namespace {
 
-using testing::ElementsAre;
 using testing::Optional;
 
 TokenRecord recordOf(std::uint8_t length, std::uint8_t byte1, std::uint8_t byte2, const char *display,
@@ -62,18 +58,6 @@ TEST(TokenTable, DamagedTables) {
     std::string_view text;
     EXPECT_EQ(tokenToText(Bytes{'A'}, text), 0);
     EXPECT_EQ(asciiToToken("A"), nullptr);
-}
-
-TEST(ExchangeWords, LineEndsAndEscapes) {
-    ASSERT_TRUE(tokenTableLoad());
-    Bytes tokens;
-    EXPECT_EQ(tokensFromWords("A\r\r\nB\nC\r\n\r\n", tokens), -1);
-    EXPECT_THAT(tokens, ElementsAre('A', 0x0D, 'B', 'C', 0x0D, 0x0D));
-    tokens.clear();
-    EXPECT_EQ(tokensFromWords("\\Xmin\\\x90?\xE9", tokens), 8) << "a high byte without a backslash is nothing";
-    EXPECT_THAT(tokens, ElementsAre(0x7F, 0x00, 0x90, '?'));
-    EXPECT_EQ(tokensFromWords("A\\", tokens), 1);
-    EXPECT_EQ(wordsFromTokens(Bytes{0x7F, 0x00, 0x0D, 0x90, 0x7F}), "\\Xmin\r\n\\\x90\\\x7F");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "text/view_runs.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "settings/settings_store.h"
 #include "text/auto_correct.h"
