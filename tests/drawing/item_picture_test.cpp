@@ -2,7 +2,6 @@
 #include "drawing/item_picture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 

@@ -1,20 +1,15 @@
 // What must hold for every item that a reader hands on, whatever the file.
 #pragma once
 
-#include <cstdlib>
-
 #include "calculator/frames.h"
 #include "exchange/import.h"
 #include "exchange/import_readers.h"
+#include "require.h"
 #include "settings/language_table.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
 
 namespace numalink {
-
-inline void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 inline void checkItem(const ImportedItem &item) {
     require(item.data.size() <= importItemLimit);

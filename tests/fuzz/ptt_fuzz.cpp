@@ -1,8 +1,8 @@
 // Any bytes as a token table, and look-ups of the same bytes in it and in the shipped table: they must agree with a
 // plain walk in file order.
 #include <algorithm>
-#include <cstdlib>
 
+#include "require.h"
 #include "text/auto_correct.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
@@ -10,10 +10,6 @@
 namespace {
 
 using namespace numalink;
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 const TokenRecord *plainWalk(std::string_view text) {
     const TokenRecord *best = nullptr;

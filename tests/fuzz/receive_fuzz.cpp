@@ -11,18 +11,15 @@ ByteView input;
 
 bool isSilent() { return input.size() > 1 && input[0] == 0xFE && input[1] % 2 == 1; }
 
-ScriptedLine lineOfInput() {
-    return {.hear = [](std::uint8_t) {},
-            .speak =
-                [](std::deque<std::uint8_t> &incoming) {
-                    if (input.empty() || isSilent()) return;
-                    incoming.push_back(input.front());
-                    input = input.subspan(1);
-                },
-            .silence = [] { input = input.subspan(isSilent() ? 2 : 0); },
-            .delay = [] { return std::uint64_t{0}; },
-            .isOver = [] { return input.empty(); }};
-}
+struct InputLine : ScriptedLine {
+    void speak(std::deque<std::uint8_t> &said) override {
+        if (input.empty() || isSilent()) return;
+        said.push_back(input.front());
+        input = input.subspan(1);
+    }
+    void silence() override { input = input.subspan(isSilent() ? 2 : 0); }
+    bool isOver() override { return input.empty(); }
+};
 
 // What is stored is whole, whatever came.
 void checkLibrary() {
@@ -47,7 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
     input = {data + 1, size - 1};
     const bool algebra = data[0] % 2 != 0;
-    scriptedLineInstall(lineOfInput());
+    InputLine line;
+    scriptedLineInstall(line);
     LinkScene::prepare(algebra, false);
     linkIdleLoop(algebra ? Family::algebra : Family::cfx);
     checkLibrary();

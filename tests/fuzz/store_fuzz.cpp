@@ -1,11 +1,11 @@
 // Any bytes as storage.dat, some of them as its journal: opened, walked, changed in a few ways that the bytes choose,
 // and opened anew. What was sound when it opened must still be there, and a file that the store has made sound must
 // open as sound.
-#include <cstdio>
-#include <cstdlib>
+#include <functional>
 #include <map>
 
 #include "platform/program_folder.h"
+#include "require.h"
 #include "store/item_store.h"
 #include "store/store_journal.h"
 #include "support/simulated_disk.h"
@@ -13,13 +13,6 @@
 namespace {
 
 using namespace numalink;
-
-#define REQUIRE(holds) ((holds) ? void() : brokenAt(__LINE__))
-
-[[noreturn]] void brokenAt(int line) {
-    std::fprintf(stderr, "line %d: what must hold doesn't\n", line);
-    std::abort();
-}
 
 NewItem someItem(std::uint8_t choice, ItemId parent) {
     constexpr ItemKind kinds[] = {kind::program, kind::matrix, kind::folder, kind::list};
@@ -40,34 +33,17 @@ void change(std::uint8_t operation, std::uint8_t choice) {
     // The folder itself is nothing that a user can reach.
     if (const auto entry = storeReadEntry(id); entry && entry->kind == kind::temporaryFolder) return;
     const ItemId other = items.empty() ? rootId : items[operation % items.size()].id;
-    switch (operation % 9) {
-        case 0:
-            storeAddItem(someItem(choice, other));
-            break;
-        case 1:
-            storeAddItem(someItem(choice, rootId));
-            break;
-        case 2:
-            storeWriteItem(id, someItem(choice, other));
-            break;
-        case 3:
-            storeDelete(id);
-            break;
-        case 4:
-            storeMove(id, other);
-            break;
-        case 5:
-            storeRename(id, std::string(choice, 'r'));
-            break;
-        case 6:
-            storeResetTemp();
-            break;
-        case 7:
-            storeResolvePath("/" + std::string(1, static_cast<char>(choice)) + "/temp/", true);
-            break;
-        default:
-            storeStandardFolder(1000 + choice % 14U);
-    }
+    const std::function<void()> operations[] = {
+        [&] { storeAddItem(someItem(choice, other)); },
+        [&] { storeAddItem(someItem(choice, rootId)); },
+        [&] { storeWriteItem(id, someItem(choice, other)); },
+        [&] { storeDelete(id); },
+        [&] { storeMove(id, other); },
+        [&] { storeRename(id, std::string(choice, 'r')); },
+        [] { storeResetTemp(); },
+        [&] { storeResolvePath("/" + std::string(1, static_cast<char>(choice)) + "/temp/", true); },
+        [&] { storeStandardFolder(1000 + choice % 14U); }};
+    operations[operation % 9]();
 }
 
 // What was read of the library: what an end and a start leave, and how many items there are with the temporary ones.
@@ -91,10 +67,10 @@ Content readAll() {
     Content content;
     for (const ItemEntry &entry : storeListItems()) {
         StoredItem item;
-        REQUIRE(storeReadItem(entry.id, item) && item.head.size() == entry.headSize &&
+        require(storeReadItem(entry.id, item) && item.head.size() == entry.headSize &&
                 item.data.size() == entry.dataSize);
-        REQUIRE(item.name == entry.name && item.name.size() <= storeNameLimit);
-        REQUIRE(storeReadEntry(entry.id).has_value() && storeFindSlot(entry.id) >= 0 && entry.id < storeNextId());
+        require(item.name == entry.name && item.name.size() <= storeNameLimit);
+        require(storeReadEntry(entry.id).has_value() && storeFindSlot(entry.id) >= 0 && entry.id < storeNextId());
         content.count++;
         if (waitsInTemp(entry)) continue;
         Bytes &bytes = content.kept[entry.id];
@@ -102,9 +78,8 @@ Content readAll() {
         bytes.insert(bytes.end(), item.data.begin(), item.data.end());
         bytes.insert(bytes.end(), item.name.begin(), item.name.end());
         for (const std::uint32_t number : {item.parent, static_cast<std::uint32_t>(item.kind), item.flags}) {
-            bytes.insert(bytes.end(),
-                         {static_cast<std::uint8_t>(number), static_cast<std::uint8_t>(number >> 8),
-                          static_cast<std::uint8_t>(number >> 16), static_cast<std::uint8_t>(number >> 24)});
+            bytes.resize(bytes.size() + 4);
+            writeLittle32(bytes, bytes.size() - 4, number);
         }
     }
     return content;
@@ -155,19 +130,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (!journal.empty()) diskFile("/library/storage.dat-journal") = journal;
     const bool opened = storeOpen();
     const bool damaged = storeIsDamaged();
-    REQUIRE((opened && !damaged) || file == before || !journal.empty());
+    require((opened && !damaged) || file == before || !journal.empty());
     if (!opened) return 0;
     readAll();
     for (const std::uint8_t *choice = data + size - choices; choice < data + size; choice += 2)
         change(choice[0], choice[1]);
     const Content content = readAll();
     storeClose();
-    REQUIRE(storeOpen());
-    REQUIRE(damaged || !storeIsDamaged());
+    require(storeOpen());
+    require(damaged || !storeIsDamaged());
     // An opening that is sound empties the temp folder; one that isn't may find more, such as the second of two records
     // of one id when the first has gone.
     const Content again = readAll();
-    REQUIRE(damaged ? again.count >= content.count || !storeIsDamaged() : again.kept == content.kept);
+    require(damaged ? again.count >= content.count || !storeIsDamaged() : again.kept == content.kept);
     storeClose();
     return 0;
 }

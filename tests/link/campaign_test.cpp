@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <set>
 
@@ -55,26 +56,21 @@ void fail(const std::string &what) {
 
 // A head that promises something else than what follows, or nothing that is known.
 void spoilItem(Item &item) {
-    switch (roll(6)) {
-        case 0:
-            item.head[1] = static_cast<std::uint8_t>(roll(256));
-            break;
-        case 1:
-            for (const std::size_t at : {7u, 8u, 9u, 10u}) item.head[at] = static_cast<std::uint8_t>(roll(256));
-            break;
-        case 2:
-            item.head[9] = item.head[10] = item.head[8] = 0xFF;
-            break;
-        case 3:
-            item.head = calculator::closingFrame(current->algebra);
-            break;
-        case 4:
-            item.data.resize(roll(item.data.size() + 1));
-            break;
-        default:
-            for (std::size_t at = 32; at < 36 && at < item.head.size(); at++)
-                item.head[at] = static_cast<std::uint8_t>(roll(256));
-    }
+    const auto spoil = [&](std::initializer_list<std::size_t> places) {
+        for (const std::size_t at : places)
+            if (at < item.head.size()) item.head[at] = static_cast<std::uint8_t>(roll(256));
+    };
+    const std::function<void()> ways[] = {[&] { spoil({1}); },
+                                          [&] {
+                                              spoil({7, 8, 9, 10});
+                                          },
+                                          [&] { item.head[9] = item.head[10] = item.head[8] = 0xFF; },
+                                          [&] { item.head = calculator::closingFrame(current->algebra); },
+                                          [&] { item.data.resize(roll(item.data.size() + 1)); },
+                                          [&] {
+                                              spoil({32, 33, 34, 35});
+                                          }};
+    ways[roll(6)]();
     if (oneIn(2)) calculator::setSum(item.head);
 }
 
@@ -110,40 +106,33 @@ void chooseItems(Case &one) {
     if (!one.algebra && !one.receives && oneIn(4)) one.other.manners.headAnswer = 0x21;
 }
 
-ScriptedLine lineOf(Case &one) {
-    return {.hear =
-                [&one](std::uint8_t byte) {
-                    for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte)) hear(one.other, spoilt);
-                },
-            .speak =
-                [&one](std::deque<std::uint8_t> &incoming) {
-                    for (const std::uint8_t byte : one.other.said)
-                        for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte))
-                            incoming.push_back(spoilt);
-                    one.other.said.clear();
-                    if (!one.stray.empty() && oneIn(4)) {
-                        incoming.push_back(one.stray.front());
-                        one.stray.pop_front();
-                    }
-                },
-            .silence =
-                [&one] {
-                    hearSilence(one.other);
-                    transmitDeadlineTest();
-                },
-            .delay =
-                [&one] {
-                    if (one.late == 0) return std::uint64_t{0};
-                    const bool late = std::uniform_real_distribution<double>(0, 1)(one.chance) < one.late;
-                    return late ? roll(15000) : std::uint64_t{0};
-                },
-            .isOver =
-                [&one] {
-                    const bool rests =
-                        one.other.state == calculator::State::over || one.other.state == calculator::State::rest;
-                    return rests && one.other.said.empty() && one.stray.empty() && !attentionIsOut();
-                }};
-}
+struct CalculatorLine : ScriptedLine {
+    explicit CalculatorLine(Case &of) : one(of) {}
+    void hear(std::uint8_t byte) override {
+        for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte)) calculator::hear(one.other, spoilt);
+    }
+    void speak(std::deque<std::uint8_t> &said) override {
+        for (const std::uint8_t byte : std::exchange(one.other.said, {}))
+            for (const std::uint8_t spoilt : calculator::spoil(one.faults, byte)) said.push_back(spoilt);
+        if (one.stray.empty() || !oneIn(4)) return;
+        said.push_back(one.stray.front());
+        one.stray.pop_front();
+    }
+    void silence() override {
+        hearSilence(one.other);
+        transmitDeadlineTest();
+    }
+    std::uint64_t delay() override {
+        const bool late = one.late != 0 && std::uniform_real_distribution<double>(0, 1)(one.chance) < one.late;
+        return late ? roll(15000) : 0;
+    }
+    bool isOver() override {
+        const bool rests = one.other.state == calculator::State::over || one.other.state == calculator::State::rest;
+        return rests && one.other.said.empty() && one.stray.empty() && !attentionIsOut();
+    }
+
+    Case &one;
+};
 
 Answer answerBox(const Box &box) {
     static const std::set<int> known{0, 24, 41, 42, 43, 45, 51, 106, 108, 172};
@@ -252,7 +241,8 @@ void runOne(Case &one) {
     chooseFaults(one);
     chooseItems(one);
     for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
-    scriptedLineInstall(lineOf(one));
+    CalculatorLine line(one);
+    scriptedLineInstall(line);
     LinkScene::prepare(one.algebra, removeColour);
     if (one.receives) {
         if (!one.algebra && oneIn(2)) one.other.manners.attention = 0x15;

@@ -1,14 +1,9 @@
 // What may wait for a calculator, and what is refused by name.
 #include <gtest/gtest.h>
 
-#include "link/attention.h"
+#include "link/link_scene.h"
 #include "link/outgoing_image.h"
-#include "link/transmit_queue.h"
-#include "platform/serial_line.h"
 #include "settings/language_table.h"
-#include "settings/settings_store.h"
-#include "store/item_store.h"
-#include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
 
 namespace numalink {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t readLimit = 400000;  // reads of one conversation, far beyond any that ends
 
-ScriptedLine scripted;
+ScriptedLine *scripted = nullptr;
 std::deque<std::uint8_t> incoming;
 std::uint64_t lineClock = 1000000;  // microseconds
 std::uint64_t reads = 0;
@@ -20,7 +20,7 @@ std::uint64_t pendingDelay = 0;  // milliseconds of the byte that is late
 LineRead timeOut(std::size_t count, std::uint64_t end, std::uint64_t limit) {
     constexpr std::uint64_t shortestAnswerTime = 500;
     lineClock = std::max(lineClock, end);
-    if (limit >= shortestAnswerTime) scripted.silence();
+    if (limit >= shortestAnswerTime) scripted->silence();
     return {count, ReadEnd::timeOut};
 }
 
@@ -32,11 +32,11 @@ LineRead readScripted(std::span<std::uint8_t> target, ReadLimits limits) {
     std::size_t count = 0;
     while (count < target.size()) {
         if (incoming.empty()) {
-            scripted.speak(incoming);
-            if (!incoming.empty()) pendingDelay = scripted.delay();
+            scripted->speak(incoming);
+            if (!incoming.empty()) pendingDelay = scripted->delay();
         }
         if (incoming.empty()) {
-            if (!transmitConversationRuns() && scripted.isOver()) return {count, ReadEnd::gone};
+            if (!transmitConversationRuns() && scripted->isOver()) return {count, ReadEnd::gone};
             return timeOut(count, end, limit);
         }
         if (lineClock + pendingDelay * 1000 > end) {
@@ -46,7 +46,7 @@ LineRead readScripted(std::span<std::uint8_t> target, ReadLimits limits) {
         lineClock += pendingDelay * 1000 + 1000;
         target[count++] = incoming.front();
         incoming.pop_front();
-        pendingDelay = incoming.empty() ? 0 : scripted.delay();
+        pendingDelay = incoming.empty() ? 0 : scripted->delay();
         if (limits.quiet != 0) end = lineClock + limit * 1000;
     }
     return {count, ReadEnd::complete};
@@ -54,8 +54,8 @@ LineRead readScripted(std::span<std::uint8_t> target, ReadLimits limits) {
 
 }  // namespace
 
-void scriptedLineInstall(ScriptedLine line) {
-    scripted = std::move(line);
+void scriptedLineInstall(ScriptedLine &line) {
+    scripted = &line;
     incoming.clear();
     reads = 0;
     pendingDelay = 0;
@@ -63,7 +63,7 @@ void scriptedLineInstall(ScriptedLine line) {
     serialLine = systemSerialLine;
     serialLine.read = readScripted;
     serialLine.write = [](ByteView bytes) {
-        for (const std::uint8_t byte : bytes) scripted.hear(byte);
+        for (const std::uint8_t byte : bytes) scripted->hear(byte);
         return true;
     };
     serialLine.wake = [] {};

@@ -3,22 +3,21 @@
 #pragma once
 
 #include <deque>
-#include <functional>
-#include <optional>
 
 #include "platform/bytes.h"
 
 namespace numalink {
 
 struct ScriptedLine {
-    std::function<void(std::uint8_t)> hear;                 // what the link sends
-    std::function<void(std::deque<std::uint8_t> &)> speak;  // adds what there is to say by now
-    std::function<void()> silence;                          // the link has waited in vain
-    std::function<std::uint64_t()> delay;                   // milliseconds ahead of the next byte
-    std::function<bool()> isOver;                           // nothing more will be said
+    virtual ~ScriptedLine() = default;
+    virtual void hear(std::uint8_t) {}                       // what the link sends
+    virtual void speak(std::deque<std::uint8_t> &said) = 0;  // adds what there is to say by now
+    virtual void silence() = 0;                              // the link has waited in vain
+    virtual std::uint64_t delay() { return 0; }              // milliseconds ahead of the next byte
+    virtual bool isOver() = 0;                               // nothing more will be said
 };
 
-void scriptedLineInstall(ScriptedLine line);
-std::uint64_t scriptedLineReads();  // since it was installed: a conversation that never ends shows here
+void scriptedLineInstall(ScriptedLine &line);  // which is needed until the next one
+std::uint64_t scriptedLineReads();             // since it was installed: a conversation that never ends shows here
 
 }  // namespace numalink

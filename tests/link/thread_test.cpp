@@ -4,21 +4,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <set>
+#include <array>
 #include <thread>
 
 #include "exchange/import.h"
+#include "link/link_scene.h"
 #include "link/link_thread.h"
-#include "link/transmit_queue.h"
-#include "platform/clock.h"
 #include "platform/graphical_calls.h"
-#include "platform/lock.h"
-#include "platform/serial_line.h"
-#include "platform/user_interface.h"
 #include "settings/language_table.h"
-#include "settings/settings_store.h"
-#include "store/item_store.h"
-#include "support/scratch_folder.h"
 #include "virtual_calculator/calculator_mover.h"
 #include "virtual_calculator/pseudo_terminal.h"
 
@@ -28,25 +21,10 @@ namespace {
 
 constexpr std::uint64_t patience = 60000;  // milliseconds that a loaded machine may take
 
-Lock shownLock;
-std::multiset<int> shownNumbers GUARDED_BY(shownLock);  // of status lines and boxes
+std::array<std::atomic<int>, 1000> timesShown;  // of status lines and boxes, by their numbers
 
-void noteShown(int number) {
-    const HoldLock hold(shownLock);
-    shownNumbers.insert(number);
-}
-
-std::size_t timesShown(int number) {
-    const HoldLock hold(shownLock);
-    return shownNumbers.count(number);
-}
-
-void forgetShown() {
-    const HoldLock hold(shownLock);
-    shownNumbers.clear();
-}
-
-bool wasShown(int number) { return timesShown(number) > 0; }
+void noteShown(int number) { timesShown.at(static_cast<std::size_t>(number))++; }
+bool wasShown(std::size_t number) { return timesShown[number] > 0; }
 
 template <typename Condition>
 bool waitFor(Condition condition) {
@@ -64,7 +42,7 @@ struct LinkThreads : testing::Test {
     void SetUp() override {
         threadRole = ThreadRole::graphical;
         languageLoad("English", "English");
-        forgetShown();
+        for (auto &times : timesShown) times = 0;
         userInterface = userInterfaceSilent;
         userInterface.statusText = [](StatusPart, int number, const std::string &) { noteShown(number); };
         userInterface.messageBox = [](const Box &box) {
@@ -245,7 +223,7 @@ TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
     EXPECT_EQ(transmitDroppedCount(), 1u);
     EXPECT_EQ(transmitQueueAgain(), 1u);
     EXPECT_TRUE(transmitCanBegin());
-    EXPECT_EQ(timesShown(44), 1u);
+    EXPECT_EQ(timesShown[44], 1);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "platform/files.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "platform/file_port.h"

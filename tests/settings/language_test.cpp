@@ -2,7 +2,6 @@
 #include "settings/language_table.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "settings/language_file.h"
 #include "settings/tell_user.h"

@@ -1,7 +1,6 @@
 // Power that goes at every step of every operation, and a process that is killed at any instant: what was acknowledged
 // is there, and of the operation under way all or nothing.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>

@@ -1,7 +1,6 @@
 // Opening, checking and repairing a library that is damaged: what is told, what stays usable, that nothing unread is
 // written over, and that a repair leaves a sound library.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "store/library_check.h"
 #include "store/store_worker.h"

@@ -1,7 +1,6 @@
 // Every file operation and every allocation of each change fails in turn, once or for good: the library on the disk
 // stays valid, the user is told, and the program goes on or refuses further changes.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 
 #include "store/store_undo.h"

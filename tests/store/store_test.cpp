@@ -1,6 +1,5 @@
 // The library as its callers see it, and the bytes that it leaves on the disk.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "calculator/program_info.h"
 #include "settings/language_table.h"

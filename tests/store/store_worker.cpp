@@ -1,7 +1,7 @@
 #include "store/store_worker.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <functional>
 
 #include "store/store_undo.h"
 
@@ -38,7 +38,6 @@ struct Scene {
 
 Scene sceneNow() {
     Scene scene{storeListItems()};
-    std::erase_if(scene.items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
     for (const ItemEntry &entry : scene.items)
         if (entry.kind == kind::temporaryFolder) scene.temp = entry.id;
     std::erase_if(scene.items, [](const ItemEntry &entry) { return entry.kind == kind::temporaryFolder; });
@@ -63,40 +62,29 @@ bool putBackRenamed(ItemId id) {
     return storePutBack({item}, {id});
 }
 
+std::string pathOf(Random &random) { return std::string("/") + static_cast<char>('A' + below(random, 26)) + "/X/Y/"; }
+
 bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId folder) {
-    switch (below(random, 14)) {
-        case 0:
-            return storeWriteItem(chosen.id, someItem(random, folder));
-        case 1:
-            return storeDelete(chosen.id);
-        case 2:
-            return storeMove(chosen.id, folder);
-        case 3:
-            return moveSeveral(random, scene);
-        case 4:
-            return storeRename(chosen.id, std::string(below(random, 50), 'r'), Bytes(chosen.headSize, 9));
-        case 5:
-            return storeSetFlags(chosen.id, below(random, 2));
-        case 6:
-            return storeRewriteHead(chosen.id, Bytes(chosen.headSize, static_cast<std::uint8_t>(random())));
-        case 7:
-            return storeResetTemp();
-        case 8:
-            return storeResolvePath(std::string("/") + static_cast<char>('A' + below(random, 26)) + "/X/Y/", true) !=
-                   noItem;
-        case 9:
-            storeClose();
-            return storeOpen();
-        case 10:
-            return putBackRenamed(chosen.id);
-        case 11:
-            return storeStandardFolder(ItemKind{1003 + below(random, 3)}) != noItem;
-        case 12:
-            return scene.temp == noItem ? storeTempFolder() != noItem
-                                        : storeAddItem(someItem(random, scene.temp)) != noItem;
-        default:
+    const std::function<bool()> operations[] = {
+        [&] { return storeWriteItem(chosen.id, someItem(random, folder)); },
+        [&] { return storeDelete(chosen.id); },
+        [&] { return storeMove(chosen.id, folder); },
+        [&] { return moveSeveral(random, scene); },
+        [&] { return storeRename(chosen.id, std::string(below(random, 50), 'r'), Bytes(chosen.headSize, 9)); },
+        [&] { return storeSetFlags(chosen.id, below(random, 2)); },
+        [&] { return storeRewriteHead(chosen.id, Bytes(chosen.headSize, static_cast<std::uint8_t>(random()))); },
+        [] { return storeResetTemp(); },
+        [&] { return storeResolvePath(pathOf(random), true) != noItem; },
+        [] { return (storeClose(), storeOpen()); },
+        [&] { return putBackRenamed(chosen.id); },
+        [&] { return storeStandardFolder(ItemKind{1003 + below(random, 3)}) != noItem; },
+        [&] {
+            return (scene.temp == noItem ? storeTempFolder() : storeAddItem(someItem(random, scene.temp))) != noItem;
+        },
+        [&] {
             return !storeAddItems({someItem(random, folder), someItem(random, rootId)}).empty();
-    }
+        }};
+    return operations[below(random, 14)]();
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // Items by chance, as a calculator sends them: every kind, with few names, so that some come again.
 #pragma once
 
+#include <algorithm>
+#include <functional>
 #include <random>
 
 #include "virtual_calculator/calculator_frames.h"
@@ -23,22 +25,17 @@ inline Item randomItem(std::mt19937_64 &chance, bool algebra, bool sends) {
     const int rows = static_cast<int>(1 + roll(4));
     if (algebra && roll(2) == 0) return algebraBlock(name, static_cast<std::uint8_t>(2 + roll(5)), 2 + roll(300), seed);
     if (algebra) return algebraProgram(name, randomBytes(chance, roll(300), 255));
-    switch (roll(8)) {
-        case 0:
-            return valueItem("MT", name, "", rows, static_cast<int>(1 + roll(3)), seed);
-        case 1:
-            return valueItem("LT", name, roll(2) == 0 ? "File1" : "", rows, 1, seed);
-        case 2:
-            return memory(roll(2) == 0 ? "GM" : "GF", name, 2 + roll(200), seed);
-        case 3:
-            return picture(8 * rows, 16, 1, static_cast<int>(1 + roll(3)), seed);
-        case 4:
+    const std::function<Item()> makers[] = {
+        [&] { return valueItem("MT", name, "", rows, static_cast<int>(1 + roll(3)), seed); },
+        [&] { return valueItem("LT", name, roll(2) == 0 ? "File1" : "", rows, 1, seed); },
+        [&] { return memory(roll(2) == 0 ? "GM" : "GF", name, 2 + roll(200), seed); },
+        [&] { return picture(8 * rows, 16, 1, static_cast<int>(1 + roll(3)), seed); },
+        [&] {
             return sends ? screenCopy(roll(2) == 0, 64, 128, seed) : program(name, {1, 2});
-        case 5:
-            return memory("BU", name, 2 + roll(500), seed);
-        default:
-            return program(name, randomBytes(chance, roll(200), 255));
-    }
+        },
+        [&] { return memory("BU", name, 2 + roll(500), seed); },
+        [&] { return program(name, randomBytes(chance, roll(200), 255)); }};
+    return makers[std::min<std::uint64_t>(roll(8), 6)]();
 }
 
 }  // namespace calculator
