@@ -89,44 +89,13 @@ Bytes imageOfWords(const std::string &words) {
     return image;
 }
 
-std::vector<ProgramCell> cellsOfWords(const std::string &words) {
-    static int loads = 0;
-    if (!programAdd("T" + std::to_string(loads++), imageOfWords(words))) throw std::runtime_error("no room");
-    const LoadedProgram &program = loadedProgram(programCount() - 1);
-    const ProgramCell *end = std::find_if(program.cells, program.cells + program.cellCount,
-                                          [](const ProgramCell &cell) { return isToken(cell, token::endOfProgram); });
-    return {program.cells, end};
-}
-
 std::string textOfCells(const ProgramCell *cells, int count) {
     std::string text;
     for (int i = 0; i < count; i++) text += (i > 0 ? " " : "") + textOfCell(cells[i]);
     return text;
 }
 
-std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells) {
-    int count = static_cast<int>(cells.size());
-    evaluate(cells.data(), 0, count);
-    std::string text = textOfCells(cells.data(), count);
-    for (const char *sort : {"Syn", "Dim", "Arg", "Ma", "Go"}) {
-        if (std::ranges::any_of(fresh.reports,
-                                [&](const ErrorReport &report) { return report.text.starts_with(sort); }))
-            text += std::string(" !") + sort;
-    }
-    return text;
-}
-
-std::string evaluated(const std::string &words) {
-    const FreshMachine fresh;
-    keyPort.getKey = [] { return 47; };
-    machine.variables[0] = complexReal(5);
-    machine.variables[1] = complexMake(2, 3);
-    setMatrix('A', 2, {1, 2, 3, 4});
-    setMatrix('B', 1, {5, 6});
-    setList(1, {4, 5, 6});
-    setList(2, {7, 8, 9});
-    return evaluated(fresh, cellsOfWords(words));
-}
+namespace {
 
 void setList(int number, const std::vector<double> &elements) {
     MatrixSlot &slot =
@@ -139,6 +108,30 @@ void setMatrix(char letter, int cols, const std::vector<double> &elements) {
     MatrixSlot &slot = machine.matrixSlots[static_cast<std::size_t>(letter - 'A')];
     matrixRenew(ownedByVariable, slot, cols, static_cast<int>(elements.size()) / cols);
     std::ranges::copy(elements, matrixElements(slot));
+}
+
+}  // namespace
+
+std::string evaluated(const std::string &words) {
+    const FreshMachine fresh;
+    keyPort.getKey = [] { return 47; };
+    machine.variables[0] = complexReal(5);
+    machine.variables[1] = complexMake(2, 3);
+    setMatrix('A', 2, {1, 2, 3, 4});
+    setMatrix('B', 1, {5, 6});
+    setList(1, {4, 5, 6});
+    setList(2, {7, 8, 9});
+    if (!programAdd("T", imageOfWords(words))) throw std::runtime_error("no room");
+    const LoadedProgram &program = loadedProgram(0);
+    std::vector<ProgramCell> cells(program.cells, program.cells + program.cellCount - 1);  // but for the end mark
+    int count = static_cast<int>(cells.size());
+    evaluate(cells.data(), 0, count);
+    std::string text = textOfCells(cells.data(), count);
+    for (const std::string sort : {"Syn", "Dim", "Arg", "Ma", "Go"}) {
+        const auto isOfSort = [&](const ErrorReport &report) { return report.text.starts_with(sort); };
+        if (std::ranges::any_of(fresh.reports, isOfSort)) text += " !" + sort;
+    }
+    return text;
 }
 
 }  // namespace numalink

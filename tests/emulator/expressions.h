@@ -22,18 +22,12 @@ struct FreshMachine {
 // A program's image; \x{F77B} among the words stands for raw bytes.
 Bytes imageOfWords(const std::string &words);
 std::string digitsOf(double value);  // 12 of them
-// The cells of the words as a program has them, without the end mark.
-std::vector<ProgramCell> cellsOfWords(const std::string &words);
 
 // What is left of the cells, one blank between: 3, 1+2i, <89> for a token, {1,2} for a list, [1,2][3,4] for a matrix;
-// numbers with 12 digits. Behind them "!Syn" for each sort of report made since.
+// numbers with 12 digits.
 std::string textOfCells(const ProgramCell *cells, int count);
-std::string evaluated(const FreshMachine &fresh, std::vector<ProgramCell> cells);
-// On a machine of its own, with A = 5, B = 2+3i, Mat A [1,2][3,4], Mat B [5][6] List 1 {4,5,6},
-// List 2 {7,8,9} and the key 47 held.
+// So behind an expression, with "!Syn" for each sort of report; on a machine of its own, with A = 5, B = 2+3i, Mat A
+// [1,2][3,4], Mat B [5][6] List 1 {4,5,6}, List 2 {7,8,9} and the key 47 held.
 std::string evaluated(const std::string &words);
-
-void setList(int number, const std::vector<double> &elements);
-void setMatrix(char letter, int cols, const std::vector<double> &elements);
 
 }  // namespace numalink

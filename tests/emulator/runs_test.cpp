@@ -221,21 +221,12 @@ std::string variablesFound(const std::string &expected) {
 std::string arrayFound(bool isList, const std::string &name) {
     const std::string number = name.substr(isList ? 2 : 0);
     const bool isAns = number == "Ans";
-    MatrixSlot slot = nullptr;
-    if (isList) {
-        slot = machine.listSlots[static_cast<std::size_t>(name[0] - '1')]
-                                [static_cast<std::size_t>(isAns ? listAnsSlot : std::stoi(number) - 1)];
-    } else {
-        slot = machine.matrixSlots[static_cast<std::size_t>(isAns ? matrixAnsSlot : name[0] - 'A')];
-    }
-    if (slot == nullptr) return "none";
-    Lines rows;
-    for (int row = 0; row < slot->rows; row++) {
-        Lines cells;
-        for (int column = 0; column < slot->cols; column++) cells.push_back(digitsOf(matrixElement(slot, column, row)));
-        rows.push_back(joined(cells, " "));
-    }
-    return joined(rows, isList ? " " : "; ");
+    ProgramCell cell;
+    cell.kind = isList ? CellKind::list : CellKind::matrix;
+    cell.matrix = isList ? machine.listSlots[static_cast<std::size_t>(name[0] - '1')]
+                                            [static_cast<std::size_t>(isAns ? listAnsSlot : std::stoi(number) - 1)]
+                         : machine.matrixSlots[static_cast<std::size_t>(isAns ? matrixAnsSlot : name[0] - 'A')];
+    return cell.matrix == nullptr ? "none" : textOfCells(&cell, 1);
 }
 
 struct Check {

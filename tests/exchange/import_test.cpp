@@ -1,12 +1,17 @@
-// A file's way into the library: told apart, parked, asked about, moved.
+// A file's way into the library: told apart, parked, asked about, moved. Bitmaps into pictures: the raster step, the
+// planes, and files that are whole, broken or huge.
 #include "exchange/import.h"
-#include "link/transmit_queue.h"
 
 #include <gmock/gmock.h>
 
-#include "calculator/frames.h"
+#include <algorithm>
+
+#include "drawing/plane_picture.h"
+#include "exchange/bitmap_import.h"
 #include "exchange/reader_calls.h"
+#include "link/transmit_queue.h"
 #include "platform/file_port.h"
+#include "platform/picture_file.h"
 #include "settings/own_texts.h"
 #include "settings/settings_store.h"
 #include "support/cat_records.h"
@@ -105,35 +110,107 @@ TEST_F(Import, TransmittingQueuesWhatWasRead) {
     transmitQueueClear();
 }
 
-TEST_F(Import, FilesThatAreNone) {
-    importFile(scratch.path + "no such file.cat", "x");
-    importFile(scratch.path, "x");
-    importText("empty.cat", "");
-    importText("picture.bmp", "BM and more");
-    importText("Ü b.cas", std::string(":END") + std::string(46, '\xFF'));
-    std::vector<int> numbers;
-    for (const Box &box : uiRecord.boxes) numbers.push_back(box.bodyNumber);
-    EXPECT_THAT(numbers, ElementsAre(93, 93, 99, 175, 165));
-    EXPECT_THAT(uiRecord.boxes[0].body, HasSubstr("no such file.cat: there is no such file"));
-    EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("is a folder"));
-    EXPECT_THAT(uiRecord.boxes[2].body, HasSubstr("empty.cat is empty"));
-    EXPECT_THAT(uiRecord.boxes[4].body, HasSubstr("Ü b"));
-}
-
-TEST_F(Import, AfterAnErrorTheRestIsAskedAbout) {
-    uiRecord.importAction = ImportAction::standardFolders;
-    importText("a.cat", "\xEF\xBB\xBF" + catProgram("ONE") + catProgram("FAR TOO LONG"));
-    ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, 100);
-    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("ONE"));
-}
-
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
     std::string file;
     for (int i = 0; i < 50; i++) file += catValues("MT", "A", 0, 1, "");
     importText("a.cat", file);
     EXPECT_EQ(uiRecord.boxes.size(), 9u);
     EXPECT_THAT(uiRecord.boxes.back().body, HasSubstr("42"));
+}
+
+// Every hue in turn, brightness rising and falling.
+Surface manyColours() {
+    Surface picture(calculatorPictureWidth, calculatorPictureHeight);
+    for (std::size_t i = 0; i < picture.dots.size(); i++) picture.dots[i] = static_cast<Color>(i * 0x030507) & 0xFFFFFF;
+    return picture;
+}
+
+// The expected colours come from the raster step as it was worked out apart from the program.
+TEST(Raster, GivesEachDotOneOfFourColoursAndOwesTheRestToTheNext) {
+    const struct {
+        RasterType type;
+        std::string_view first;  // dots, by place in colours
+        std::vector<std::ptrdiff_t> counts;
+    } cases[] = {{RasterType::sharp,
+                  "111111111111122222222222220000000000011111100000"
+                  "000222222200000000000000003333333333311111111100",
+                  {3310, 1612, 1627, 1643}},
+                 {RasterType::image,
+                  "111121112312121321210210220020000200201130131013"
+                  "013001032302322023200202023333033303311010100100",
+                  {2953, 1464, 2082, 1693}}};
+    const std::vector<Color> colours = {0xBEDCC8, 0x009600, 0x0000C8, 0xFF6400};
+    for (const auto &[type, first, counts] : cases) {
+        const Surface raster = rasterPicture(manyColours(), type);
+        for (std::size_t i = 0; i < first.size(); i++)
+            EXPECT_EQ(raster.dots[i], colours[static_cast<std::size_t>(first[i] - '0')]) << i;
+        for (std::size_t i = 0; i < colours.size(); i++)
+            EXPECT_EQ(std::ranges::count(raster.dots, colours[i]), counts[i]) << i;
+    }
+}
+
+TEST(PictureItem, HasItsCornersInPlaceAndIsDrawnAsItsRaster) {
+    Surface raster(calculatorPictureWidth, calculatorPictureHeight);
+    putDot(raster, 0, 0, 0xFF6400);
+    putDot(raster, 127, 63, 0x009600);
+    putDot(raster, 126, 63, 0x1010D0);  // near enough to blue
+    const Bytes data = pictureItem(raster, "PIC").data;
+    ASSERT_EQ(data.size(), 4120u);
+    EXPECT_THAT((std::vector<int>{data[5 + 1023], data[1030 + 5], data[2060 + 5], data[3090 + 4]}),
+                ElementsAre(0x80, 2, 1, 4));
+    raster = rasterPicture(manyColours(), RasterType::image);
+    const ImportedItem item = pictureItem(raster, "PIC");
+    Surface drawn(calculatorPictureWidth, calculatorPictureHeight, lcdColor::background);
+    drawPicture(drawn, item.head, item.data);
+    EXPECT_EQ(drawn.dots, raster.dots);
+}
+
+// Of 2 by 2 dots with 24 bits: red and green over blue and white; rows stand from the bottom.
+const std::string bmp = std::string("BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0", 30) +
+                        std::string(24, '\0') + std::string("\xFF\0\0\xFF\xFF\xFF\0\0\0\0\xFF\0\xFF\0\0\0", 16);
+
+ByteView viewOf(const std::string &text) { return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()}; }
+
+TEST(PictureFile, IsScaledToTheNearestDot) {
+    Surface scaled(4, 4);
+    for (const std::string &file : {bmp, "P6\n2 2\n255\n" + std::string("\xFF\0\0\0\xFF\0\0\0\xFF\xFF\xFF\xFF", 12)}) {
+        ASSERT_EQ(readScaledPicture(viewOf(file), scaled), PictureResult::done);
+        EXPECT_THAT(
+            (std::vector<Color>{dotAt(scaled, 1, 1), dotAt(scaled, 2, 0), dotAt(scaled, 0, 3), dotAt(scaled, 3, 2)}),
+            ElementsAre(0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF));
+    }
+}
+
+TEST(PictureFile, BrokenAndHugeFilesEndWithAResult) {
+    Surface scaled(4, 4);
+    for (std::size_t length = 0; length < bmp.size(); length++)
+        EXPECT_EQ(readScaledPicture(viewOf(bmp.substr(0, length)), scaled), PictureResult::unreadable) << length;
+    std::string huge = bmp;
+    for (const std::string &sides : {std::string("\0\0\1\0\0\0\1\0", 8), std::string("\0\x40\0\0\0\xC0\xFF\xFF", 8),
+                                     std::string("\0\0\0\x80\0\0\0\x80", 8)}) {
+        huge.replace(18, 8, sides);
+        EXPECT_EQ(readScaledPicture(viewOf(huge), scaled), PictureResult::tooLarge);
+    }
+    EXPECT_TRUE(isPictureFile(viewOf(huge)));
+    EXPECT_FALSE(isPictureFile(viewOf(std::string("<svg"))));
+}
+
+TEST_F(Import, BitmapsAreAskedForAndParkedOrRefused) {
+    importText("Logo.bmp", bmp);
+    EXPECT_THAT(uiRecord.lines, ElementsAre("bitmap Logo")) << "refused: no question where to";
+    uiRecord.bitmapAccepted = true;
+    uiRecord.bitmapType = RasterType::sharp;
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("Logo.bmp", bmp);
+    EXPECT_EQ(uiRecord.lastQuestion.itemNames, std::vector<std::string>{"Logo"});
+    const std::vector<ItemEntry> pictures = storeListChildren(storeStandardFolder(1007));
+    ASSERT_EQ(pictures.size(), 1u);
+    StoredItem stored;
+    ASSERT_TRUE(storeReadItem(pictures[0].id, stored));
+    EXPECT_EQ(stored.data, pictureItem(uiRecord.lastBitmap.sharp, "Logo").data);
+    EXPECT_TRUE(uiRecord.boxes.empty());
+    importText("broken.bmp", "BM and nothing else");
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
 }
 
 }  // namespace

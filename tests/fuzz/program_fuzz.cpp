@@ -22,38 +22,29 @@ using namespace numalink;
 constexpr const char *names[] = {"MAIN", "SUB", "f1", "f2", "A"};
 constexpr std::size_t stringSize = 2;
 
+std::atomic<std::uint64_t> runs = 0;
+
 // A single statement may walk a line of any length: what a user would do is stop it.
 void stopSlowRuns() {
-    static std::atomic<std::uint64_t> seen = 0;
-    static const bool watching = [] {
-        std::thread([] {
-            std::uint64_t last = 0;
-            for (;;) {
-                std::this_thread::sleep_for(std::chrono::seconds(1));
-                const std::uint64_t now = seen.load();
-                if (now == last && emulatorRunning) runHalt(RunEnd::limit);
-                last = now;
-            }
-        }).detach();  // to the end of the process
-        return true;
-    }();
-    static_cast<void>(watching);
-    seen++;
+    for (std::uint64_t last = 0;;) {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        const std::uint64_t now = runs;
+        if (now == last && emulatorRunning) runHalt(RunEnd::limit);
+        last = now;
+    }
 }
 
-void prepareOnce() {
-    static const bool prepared = [] {
-        threadRole = ThreadRole::graphical;
-        tokenTableLoad();
-        loadLargeFont();
-        loadSmallFont();
-        settingsLoad();
-        settingsSetInt(setting::fullSpeed, 1);
-        clockPort.sleepMilliseconds = [](std::uint64_t) {};
-        userInterface = userInterfaceSilent;
-        return true;
-    }();
-    (void)prepared;
+bool prepare() {
+    threadRole = ThreadRole::graphical;
+    tokenTableLoad();
+    loadLargeFont();
+    loadSmallFont();
+    settingsLoad();
+    settingsSetInt(setting::fullSpeed, 1);
+    clockPort.sleepMilliseconds = [](std::uint64_t) {};
+    userInterface = userInterfaceSilent;
+    std::thread(stopSlowRuns).detach();  // to the end of the process
+    return true;
 }
 
 bool loadPrograms(ByteView input) {
@@ -74,8 +65,8 @@ bool loadPrograms(ByteView input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    prepareOnce();
-    stopSlowRuns();
+    [[maybe_unused]] static const bool prepared = prepare();
+    runs++;
     if (size == 0) return 0;
     settingsSetInt(setting::haltOnError, data[0] & 1);
     settingsSetInt(setting::fillListsMatrices, data[0] >> 1 & 1);

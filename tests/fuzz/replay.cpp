@@ -43,19 +43,11 @@ void vary(Input &input, const Input &other) {
         input.erase(place, input.end());
         return;
     }
-    switch (below(4)) {
-        case 0:
-            if (place != input.end()) *place = static_cast<char>(chance());
-            break;
-        case 1:
-            input.erase(place, place + gone);
-            break;
-        case 2:
-            input.insert(place, from, from + taken);
-            break;
-        default:
-            std::copy(from, from + std::min(gone, taken), place);
-    }
+    const std::size_t way = below(4);
+    if (way == 0 && place != input.end()) *place = static_cast<char>(chance());
+    if (way == 1) input.erase(place, place + gone);
+    if (way == 2) input.insert(place, from, from + taken);
+    if (way == 3) std::copy(from, from + std::min(gone, taken), place);
 }
 
 void run(const Input &input) {

@@ -259,11 +259,6 @@ Answer nextAnswer() {
     return answer == "yes" ? Answer::yes : answer == "no" ? Answer::no : answer == "ok" ? Answer::ok : Answer::cancel;
 }
 
-std::string statusLineOf(int number, const std::string &text) {
-    const bool plain = number > 0 && number < 164 && text == languageText(number);
-    return "status " + std::to_string(number) + (plain ? "" : " " + text);
-}
-
 void installUi() {
     userInterface = userInterfaceSilent;
     userInterface.messageBox = [](const Box &box) {
@@ -274,7 +269,8 @@ void installUi() {
         return box.buttons == BoxButtons::ok ? Answer::ok : nextAnswer();
     };
     userInterface.statusText = [](StatusPart, int number, const std::string &text) {
-        show(statusLineOf(number, text));
+        const bool plain = number > 0 && number < 164 && text == languageText(number);
+        show("status " + std::to_string(number) + (plain ? "" : " " + text));
     };
     userInterface.askItemExists = [](const std::string &question) {
         show("ask " + question);
@@ -311,7 +307,7 @@ void setUpLibrary() {
         storeAddItem({.name = item.path, .parent = parent, .kind = item.kind, .head = item.head, .data = item.data});
     }
     for (const std::string &name : player.queue)
-        if (itemNamed(name) == noItem || !queueItem(itemNamed(name))) fail("can't be queued: " + name);
+        if (!queueItem(itemNamed(name)) && player.next == 0) fail("refused without a box: " + name);
     for (const std::string &name : player.deleted) storeDelete(itemNamed(name));
 }
 

@@ -10,17 +10,11 @@ namespace numalink {
 
 namespace {
 
-Bytes infoOf(std::uint32_t length) { return encodeProgramInfo({.imageLength = length, .name = "P", .password = {}}); }
-
 struct Queue : testing::Test {
-    void SetUp() override {
+    Queue() {
         languageLoad("English", "English");
-        settingsSetValue(setting::linkType, "cfx");
-        ASSERT_TRUE(storeOpen());
-        transmitQueueClear();
-        attentionForget();
+        LinkScene::prepare(false, false);
     }
-    void TearDown() override { storeClose(); }
 
     ItemId add(const std::string &name, ItemKind itemKind, Bytes head, Bytes data, ItemId parent = rootId) {
         return storeAddItem({.name = name,
@@ -31,12 +25,13 @@ struct Queue : testing::Test {
                              .whenTaken = NameTaken::nextFreeName});
     }
     ItemId addProgram(const std::string &name, ItemId parent = rootId) {
-        return add(name, kind::program, infoOf(3), {':', 0xFF, 0}, parent);
+        return add(name, kind::program, encodeProgramInfo({.imageLength = 3, .name = "P", .password = {}}),
+                   {':', 0xFF, 0}, parent);
     }
     ItemId addFolder(const std::string &name, ItemId parent) { return add(name, kind::folder, {}, {}, parent); }
 
-    ScratchFolder folder;
-    RecordedUi recorded;
+    const LinkScene scene;
+    const RecordedUi recorded;
 };
 
 TEST_F(Queue, takesAllThatAFolderHoldsButWhatCannotGo) {
@@ -51,27 +46,16 @@ TEST_F(Queue, takesAllThatAFolderHoldsButWhatCannotGo) {
     EXPECT_TRUE(transmitCanBegin());
 }
 
-TEST_F(Queue, refusesByNameWhatIsNotWholeOrTooLongOrOfAnotherFamily) {
-    EXPECT_FALSE(queueItem(add("short", kind::program, infoOf(9), {':', 0xFF, 0})));
-    EXPECT_FALSE(queueItem(add("cut", kind::backup, Bytes(50, 0x11), {':', 1})));
-    EXPECT_FALSE(queueItem(add("long", kind::program, infoOf(3), Bytes(65536, 'A'))));
-    settingsSetValue(setting::linkType, "ALGEBRA");
-    EXPECT_FALSE(queueItem(add("memory", kind::functionMemory, infoOf(3), {':', 0xFF, 0})));
-    EXPECT_TRUE(queueItem(addProgram("fits")));
-    EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 108 / 2 short", "box 108 / 2 cut", "box 108 / 2 long",
-                                                        "box 108 / 2 memory"}));
-}
-
 TEST_F(Queue, endsInACircleOfFoldersAndTellsAFewRefusalsOnly) {
     const ItemId outer = addFolder("outer", rootId);
     const ItemId inner = addFolder("inner", outer);
     const ItemId program = addProgram("A", inner);
     for (int i = 0; i < 11; i++) add("S" + std::to_string(i), kind::monochromeScreen, Bytes(40), {':', 0x3A}, inner);
     storeClose();
-    std::string file = folder.read("storage.dat");
+    std::string file = scene.folder.read("storage.dat");
     constexpr std::size_t parentBehindName = 73;  // in the head of a record
     file[file.find("outer") + parentBehindName] = static_cast<char>(inner);
-    folder.write("storage.dat", file);
+    scene.folder.write("storage.dat", file);
     ASSERT_TRUE(storeOpen());
     ASSERT_EQ(storeReadEntry(outer)->parent, inner);
     uiRecord.lines.clear();

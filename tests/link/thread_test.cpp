@@ -86,15 +86,18 @@ calculator::Item numberedItem(bool algebra, int number) {
 
 struct BesideTheUser : LinkThreads, testing::WithParamInterface<bool> {};
 
+ItemId addProgram(const std::string &name) {
+    return storeAddItem({.name = name,
+                         .parent = storeStandardFolder(1001),
+                         .kind = kind::program,
+                         .head = encodeProgramInfo({}),
+                         .data = {':', 0xFF, 0},
+                         .whenTaken = NameTaken::nextFreeName});
+}
+
 // What a user does meanwhile.
 void alterLibrary(int step, const std::string &file) {
-    const NewItem own{.name = "OWN" + std::to_string(step % 5),
-                      .parent = storeStandardFolder(1001),
-                      .kind = kind::program,
-                      .head = encodeProgramInfo({}),
-                      .data = {':', 0xFF, 0},
-                      .whenTaken = NameTaken::nextFreeName};
-    const ItemId id = storeAddItem(own);
+    const ItemId id = addProgram("OWN" + std::to_string(step % 5));
     storeRename(id, "RENAMED" + std::to_string(step));
     if (step % 2 == 0) storeDelete(id);
     if (step % 8 == 0) importFile(file, "own");
@@ -205,12 +208,7 @@ TEST_F(LinkThreads, takeUpAPortThatComesBack) {
 TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
     usePort(folder.path + "absent");
     startLinkThread();
-    const NewItem item{.name = "A",
-                       .parent = storeStandardFolder(1001),
-                       .kind = kind::program,
-                       .head = encodeProgramInfo({}),
-                       .data = {':', 0xFF, 0}};
-    EXPECT_TRUE(queueItem(storeAddItem(item)));
+    EXPECT_TRUE(queueItem(addProgram("A")));
     EXPECT_FALSE(wasShown(44)) << "nobody has asked for the port yet";
     EXPECT_TRUE(beginTransmit());
     EXPECT_FALSE(transmitCanBegin());

@@ -50,9 +50,7 @@ TEST_F(Editor, OpeningAloneStoresNothingAndAnEditOnlyWhatItTouches) {
     key(Qt::Key_Home);
     typeKeys(QStringLiteral("-"));
     EXPECT_TRUE(leaveCurrentView());
-    EXPECT_EQ(stored(id),
-              "\x99\"Score*\"A or DO\xFA"
-              "1\rX");
+    EXPECT_EQ(stored(id), "\x99\"Score*\"A or DO\xFA\x31\rX");
 }
 
 TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
@@ -61,23 +59,17 @@ TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
     key(Qt::Key_Return);
     typeKeys(QStringLiteral("2->B"));
     EXPECT_EQ(viewToText().toStdString().substr(0, 3), "If ");
-    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192B"));
-    key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192"));
-    key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2212"));
-    EXPECT_EQ(programEdit->textCursor().positionInBlock(), 2);
-    key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2"));
-    for (int step = 0; step < 3; step++)
+    for (const char16_t *line : {u"2\u2192B", u"2\u2192", u"2\u2212", u"2"}) {
+        EXPECT_EQ(programEdit->textCursor().block().text(), QString::fromUtf16(line));
+        EXPECT_EQ(programEdit->textCursor().positionInBlock(), QString::fromUtf16(line).size());
+        key(Qt::Key_Z, Qt::ControlModifier);
+    }
+    for (int step = 0; step < 4; step++)
         QTest::keyClick(programEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(programEdit->textCursor().block().text(), QStringLiteral("2\u2192B"));
     EXPECT_EQ(programEdit->textCursor().positionInBlock(), 3);
     EXPECT_TRUE(leaveCurrentView());
-    EXPECT_EQ(stored(id), std::string("\xF7\x00"
-                                      "A>1\r2\x0E"
-                                      "B",
-                                      9));
+    EXPECT_EQ(stored(id), std::string("\xF7\x00\x41>1\r2\x0E\x42", 9));
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_TRUE(frameIsGood(item.data));
@@ -124,18 +116,11 @@ TEST_F(Editor, InputMethodsSymbolsAndPasteAreConvertedToo) {
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_FALSE(symbols->isVisible());
-    EXPECT_EQ(stored(id),
-              "*\xA9\xB9"
-              "1\x0E"
-              "A\r\xF7\x08"
-              "A\x12\xD0");
+    EXPECT_EQ(stored(id), "*\xA9\xB9\x31\x0E\x41\r\xF7\x08\x41\x12\xD0");
 }
 
 TEST_F(Editor, CopyIsReadableAndComesBackWithItsBytes) {
-    const std::string line =
-        "\"or*\"\x0E"
-        "A\x89"
-        "1<\xFA\r";
+    const std::string line = "\"or*\"\x0E\x41\x89\x31<\xFA\r";
     const ItemId id = open(line);
     key(Qt::Key_A, Qt::ControlModifier);
     key(Qt::Key_C, Qt::ControlModifier);
@@ -207,10 +192,7 @@ TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {
 }
 
 TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
-    open(
-        "B\x0E"
-        "A\rXb\x0E"
-        "a");
+    open("B\x0E\x41\rXb\x0E\x61");
     QTimer::singleShot(0, [] {
         QTest::keyClicks(QApplication::activeModalWidget()->findChild<QLineEdit *>(), QStringLiteral("b->a"));
     });

@@ -20,12 +20,6 @@ using ::testing::IsEmpty;
 constexpr int workPerRun = 3;
 
 struct PowerLoss : Store {
-    static void powerOff() {
-        simulatedDisk.dead = true;
-        storeClose();
-        simulatedDisk.dead = false;
-    }
-
     static void killAndStart() {
         powerOff();
         ASSERT_TRUE(storeOpen());
@@ -60,9 +54,7 @@ struct PowerLoss : Store {
         simulatedDisk = unharmed;
         simulatedDisk.openFiles.clear();
         ASSERT_TRUE(storeOpen());
-        simulatedDisk.operations = 0;
-        simulatedDisk.failingFrom = failing;
-        simulatedDisk.failingCount = count;
+        failDisk(failing, count);
         workOnce(random);
         simulatedDisk.failingFrom = 0;
         if (killed || !storeIsOpen() || storeIsDamaged()) killAndStart();

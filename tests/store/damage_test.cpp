@@ -215,8 +215,7 @@ TEST_F(DamagedStore, ACopyComesBeforeTheFirstChangeAndUnreadBytesStay) {
 TEST_F(DamagedStore, WithoutACopyNothingChanges) {
     openWith(first, 0);
     const Bytes damaged = file();
-    simulatedDisk.failingFrom = simulatedDisk.operations + 1;
-    simulatedDisk.failingCount = 1;
+    failDisk(1, 1);
     EXPECT_FALSE(storeDelete(5));
     EXPECT_EQ(file(), damaged);
     EXPECT_EQ(uiRecord.lines.back(), "box 166 / 2");

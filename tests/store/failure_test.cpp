@@ -65,19 +65,13 @@ struct Failures : Store {
         storeOpen();
     }
 
-    static void failDisk(int n, bool forGood) {
-        simulatedDisk.operations = 0;
-        simulatedDisk.failingFrom = n;
-        simulatedDisk.failingCount = forGood ? 1000000 : 1;
-    }
+    static void failDiskAsTold(int n, bool forGood) { failDisk(n, forGood ? 1000000 : 1); }
     static bool allocationHasFailed() { return failingMemory.failed; }
     static bool diskHasFailed() { return simulatedDisk.operations >= simulatedDisk.failingFrom; }
 
     // Lets every n-th attempt of each operation fail, from the same disk each time.
     void sweep(void (*fail)(int, bool), bool (*hasFailed)(), bool forGood) {
-        storeClose();
-        diskLoad(fresh);
-        storeOpen();
+        openOn(fresh);
         for (const Operation &operation : operations) {
             storeClose();
             const DiskImage image = simulatedDisk.now;
@@ -93,10 +87,8 @@ struct Failures : Store {
             }
             attempts += n;
             EXPECT_GT(n, 3);
-            simulatedDisk.dead = true;
-            storeClose();
-            diskLoad(image);
-            ASSERT_TRUE(storeOpen());
+            powerOff();
+            ASSERT_TRUE(openOn(image));
             prepare(operation);
             ASSERT_TRUE(operation());
         }
@@ -104,9 +96,7 @@ struct Failures : Store {
 
     bool attempt(const DiskImage &image, Operation operation, void (*fail)(int, bool), bool (*hasFailed)(), int n,
                  bool forGood, const LibraryState &before, const LibraryState &after) {
-        storeClose();
-        diskLoad(image);
-        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(openOn(image));
         prepare(operation);
         uiRecord.lines.clear();
         fail(n, forGood);
@@ -120,9 +110,8 @@ struct Failures : Store {
         checkAfter(done, told, before, after);
         if (!goesOn) refusals++;
         EXPECT_TRUE(goesOn || uiRecord.lines.size() > told);
-        if (n % 2 == 0) simulatedDisk.dead = true;  // a crash rather than an end
+        if (n % 2 == 0) powerOff();  // a crash rather than an end
         storeClose();
-        simulatedDisk.dead = false;
         EXPECT_TRUE(storeOpen() && !storeIsDamaged());
         const LibraryState found = libraryState();
         EXPECT_TRUE(!goesOn || found == (done ? after : before));
@@ -142,14 +131,11 @@ struct Failures : Store {
 
     // The disk as it stands when the power goes while a change is half written.
     DiskImage diskOfHalfAChange(Operation change) {
-        storeClose();
         for (int n = 1;; n++) {
-            diskLoad(fresh);
-            EXPECT_TRUE(storeOpen());
-            failDisk(n, true);
+            EXPECT_TRUE(openOn(fresh));
+            failDisk(n, 1000000);
             const bool done = change();
-            simulatedDisk.dead = true;
-            storeClose();
+            powerOff();
             EXPECT_FALSE(done) << "nothing was half done";
             if (done || libraryBytes(simulatedDisk.now) != libraryBytes(fresh)) return simulatedDisk.now;
         }
@@ -157,14 +143,11 @@ struct Failures : Store {
 
     // The disk as a process leaves it that is killed behind this work.
     static DiskImage diskAfter(const DiskImage &image, Operation work) {
-        storeClose();
-        diskLoad(image);
-        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(openOn(image));
         simulatedDisk.operations = 0;
         work();
         syncOfDeleting = simulatedDisk.lastSync;
-        simulatedDisk.dead = true;
-        storeClose();
+        powerOff();
         return simulatedDisk.now;
     }
 
@@ -175,9 +158,9 @@ struct Failures : Store {
 };
 
 TEST_F(Failures, OfTheDisk) {
-    sweep(failDisk, diskHasFailed, false);
+    sweep(failDiskAsTold, diskHasFailed, false);
     EXPECT_EQ(refusals, 0);
-    sweep(failDisk, diskHasFailed, true);
+    sweep(failDiskAsTold, diskHasFailed, true);
     EXPECT_GT(refusals, 0) << "what can't be brought back ends all changes";
     std::printf("attempts: %d, further changes refused: %d\n", attempts, refusals);
 }
@@ -198,11 +181,11 @@ TEST_F(Failures, OfTheDiskWhileAChangeIsBroughtBack) {
             SCOPED_TRACE(n);
             diskLoad(half);
             uiRecord.lines.clear();
-            failDisk(n, forGood);
+            failDiskAsTold(n, forGood);
             const bool opened = storeOpen();
             if (!diskHasFailed()) tried = n;
             EXPECT_TRUE(opened || uiRecord.lines.size() == 1);
-            failDisk(0, false);
+            failDisk(0, 0);
             storeClose();
             ASSERT_TRUE(storeOpen());
             EXPECT_FALSE(storeIsDamaged());
@@ -229,7 +212,7 @@ TEST_F(Failures, OfJournalsThatCannotBeUsed) {
     const Bytes journal = bytesAt(diskOfHalfAChange(deleting), journalPath);
     const Bytes ofRenaming = bytesAt(diskOfHalfAChange(operations[2]), journalPath);
     const Operation failing = [] {
-        failDisk(syncOfDeleting, false);
+        failDisk(syncOfDeleting, 1);
         return storeDelete(2);
     };
     const Bytes renamed = libraryBytes(diskAfter(image, [] { return storeRename(4, "other"); }));
@@ -280,9 +263,7 @@ TEST_F(Failures, OfNamesThatLeadElsewhere) {
     for (const char *name : {libraryPath, journalPath}) {
         for (const int other : {0, 99}) {
             SCOPED_TRACE(std::string(name) + " " + std::to_string(other));
-            storeClose();
-            diskLoad(fresh);
-            ASSERT_TRUE(storeOpen() && storeRename(4, "C"));
+            ASSERT_TRUE(openOn(fresh) && storeRename(4, "C"));
             simulatedDisk.now.names.erase(name);
             simulatedDisk.now.files[99] = {1};
             if (other != 0) simulatedDisk.now.names[name] = other;

@@ -25,9 +25,28 @@ struct Store : ::testing::Test {
 
     static Bytes &file() { return diskFile("/library/storage.dat"); }
 
+    // From its n-th operation on, from now, the disk fails so many times. 0: never.
+    static void failDisk(int n, int times) {
+        simulatedDisk.operations = 0;
+        simulatedDisk.failingFrom = n;
+        simulatedDisk.failingCount = times;
+    }
+
+    static void powerOff() {
+        simulatedDisk.dead = true;
+        storeClose();
+        simulatedDisk.dead = false;
+    }
+
+    static bool openOn(const DiskImage &image) {
+        storeClose();
+        diskLoad(image);
+        return storeOpen();
+    }
+
     static NewItem item(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},
-                        const Bytes &data = {}) {
-        return {.name = name, .parent = parent, .kind = itemKind, .head = head, .data = data};
+                        const Bytes &data = {}, NameTaken whenTaken = NameTaken::replaceSameKind) {
+        return {.name = name, .parent = parent, .kind = itemKind, .head = head, .data = data, .whenTaken = whenTaken};
     }
 
     static ItemId add(const std::string &name, ItemKind itemKind, ItemId parent = rootId, const Bytes &head = {},

@@ -56,13 +56,12 @@ TEST_F(OpenStore, AnAddReplacesOnlyTheSameKindAndNameUnderTheSameParent) {
     EXPECT_EQ(renamed, "ABC 2") << "another kind isn't replaced";
     EXPECT_NE(storeAddItem(item("f", kind::folder, rootId), &renamed), noItem);
     EXPECT_EQ(renamed, "f 2") << "nor is a folder";
-    NewItem careful = item("abc", kind::program, folder);
-    careful.whenTaken = NameTaken::nextFreeName;
-    EXPECT_NE(storeAddItem(careful, &renamed), noItem);
-    EXPECT_EQ(renamed, "abc 3");
-    careful.whenTaken = NameTaken::keepBoth;
-    EXPECT_NE(storeAddItem(careful, &renamed), noItem);
-    EXPECT_EQ(renamed, "abc");
+    const std::pair<NameTaken, const char *> names[] = {{NameTaken::nextFreeName, "abc 3"},
+                                                        {NameTaken::keepBoth, "abc"}};
+    for (const auto &[whenTaken, name] : names) {
+        EXPECT_NE(storeAddItem(item("abc", kind::program, folder, {}, {}, whenTaken), &renamed), noItem);
+        EXPECT_EQ(renamed, name);
+    }
     EXPECT_TRUE(storeReadEntry(replacing));
     checkFile();
 }
@@ -195,11 +194,7 @@ TEST_F(OpenStore, PathsNameFoldersOnlyAndNeverTheTempFolder) {
     ASSERT_NE(own, temp);
     EXPECT_EQ(storeReadEntry(own)->name, "temp");
     add("kept", kind::program, own);
-    for (int i = 0; i < 2; i++) {
-        NewItem parked = item("X", kind::program, temp);
-        parked.whenTaken = NameTaken::keepBoth;
-        storeAddItem(parked);
-    }
+    for (int i = 0; i < 2; i++) storeAddItem(item("X", kind::program, temp, {}, {}, NameTaken::keepBoth));
     EXPECT_EQ(storeListChildren(temp).size(), 2U);
     ASSERT_TRUE(storeResetTemp());
     EXPECT_FALSE(storeReadEntry(temp));

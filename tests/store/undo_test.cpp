@@ -98,9 +98,7 @@ TEST_F(Undo, AGroupIsOneStepAndTheTemporaryFolderNone) {
         for (const std::uint8_t value : {std::uint8_t{2}, std::uint8_t{3}})
             for (const char *name : {"A", "B"}) add(name, kind::list, rootId, {1}, {value});
     }
-    NewItem parked = item("X", kind::list, storeTempFolder());
-    parked.whenTaken = NameTaken::keepBoth;
-    ASSERT_TRUE(storeDelete(storeAddItem(parked)));
+    ASSERT_TRUE(storeDelete(storeAddItem(item("X", kind::list, storeTempFolder(), {}, {}, NameTaken::keepBoth))));
     ASSERT_TRUE(undo());
     EXPECT_EQ(seen(), before);
     EXPECT_FALSE(storeUndoOffer());
@@ -110,11 +108,9 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
     const ItemId id = add("A", kind::list, rootId, {1}, {1});
     const auto before = seen();
     ASSERT_TRUE(storeDelete(id));
-    simulatedDisk.failingFrom = simulatedDisk.operations + 1;
-    simulatedDisk.failingCount = 1;
+    failDisk(1, 1);
     EXPECT_FALSE(undo());
     EXPECT_FALSE(uiRecord.lines.empty());
-    simulatedDisk.failingFrom = 0;
     ASSERT_TRUE(undo());
     EXPECT_EQ(seen(), before);
 }
@@ -234,9 +230,7 @@ TEST_F(WithoutMemory, ReadingGivesNothing) {
 TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken) {
     const std::string copy = dailyCopyFolder() + "storage-" + clockPort.localDate() + ".dat";
     const auto failing = [](int n, auto operation) {
-        simulatedDisk.operations = 0;
-        simulatedDisk.failingFrom = n;
-        simulatedDisk.failingCount = 1000;
+        failDisk(n, 1000);
         const bool result = operation();
         simulatedDisk.failingFrom = 0;
         return result;

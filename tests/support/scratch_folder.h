@@ -43,8 +43,6 @@ struct ScratchFolder {
 struct EmptyProgramFolder : ScratchFolder {
     EmptyProgramFolder() { setProgramFolder(path); }
     ~EmptyProgramFolder() { setProgramFolder(real); }
-    EmptyProgramFolder(const EmptyProgramFolder &) = delete;
-    EmptyProgramFolder &operator=(const EmptyProgramFolder &) = delete;
 
     const std::string real = programFolder();
 };

@@ -28,26 +28,11 @@ void writeInto(Bytes &content, std::uint64_t offset, ByteView bytes) {
 }
 
 void perform(DiskImage &image, const DiskStep &step) {
-    switch (step.action) {
-        case DiskAction::write:
-            return writeInto(image.files[step.file], step.offset, step.bytes);
-        case DiskAction::cut:
-            return image.files[step.file].resize(static_cast<std::size_t>(step.offset));
-        case DiskAction::create:
-            image.names[step.name] = step.file;
-            return;
-        case DiskAction::remove:
-            image.names.erase(step.name);
-            return;
-        case DiskAction::rename:
-            image.names[step.newName] = step.file;
-            image.names.erase(step.name);
-            return;
-        case DiskAction::sync:
-        case DiskAction::failedSync:
-        case DiskAction::syncFolder:
-            return;
-    }
+    if (step.action == DiskAction::write) writeInto(image.files[step.file], step.offset, step.bytes);
+    if (step.action == DiskAction::cut) image.files[step.file].resize(static_cast<std::size_t>(step.offset));
+    if (step.action == DiskAction::create) image.names[step.name] = step.file;
+    if (step.action == DiskAction::rename) image.names[step.newName] = step.file;
+    if (step.action == DiskAction::remove || step.action == DiskAction::rename) image.names.erase(step.name);
 }
 
 bool take(DiskStep step) {

@@ -37,40 +37,21 @@ void recordBitmap(BitmapQuestion &question) {
     question.type = uiRecord.bitmapType;
 }
 
-constexpr UserInterface recorder = {
-    .messageBox = recordBox,
-    .statusText =
-        [](StatusPart part, int, const std::string &text) {
-            uiRecord.lines.push_back("status " + std::to_string(static_cast<int>(part)) + ": " + text);
-        },
-    .progressRange = [](int) {},
-    .progressPosition = [](int) {},
-    .waitCursor = [](bool) {},
-    .refreshTree = [] { uiRecord.lines.push_back("tree"); },
-    .leaveCurrentView = [] { return uiRecord.leaveAllowed; },
-    .askImport = recordImport,
-    .askExport = [](ExportQuestion &) {},
-    .askBitmap = recordBitmap,
-    .askItemExists =
-        [](const std::string &question) {
-            uiRecord.lines.push_back("ask " + question);
-            return nextAnswer();
-        },
-    .askPictureSlot =
-        [](const std::string &name, int preset) {
-            uiRecord.lines.push_back("slot " + name + " " + std::to_string(preset));
-            return uiRecord.pictureSlot;
-        },
-    .itemReceived = [](std::uint32_t id) { uiRecord.lines.push_back("received " + std::to_string(id)); },
-    .transmitQueueChanged = [] {},
-    .displayChanged = [] {},
-};
+void recordLine(const std::string &line) { uiRecord.lines.push_back(line); }
 
 }  // namespace
 
 RecordedUi::RecordedUi() {
     uiRecord = UiRecord{};
-    userInterface = recorder;
+    userInterface = userInterfaceSilent;
+    userInterface.messageBox = recordBox;
+    userInterface.statusText = [](StatusPart part, int, const std::string &text) {
+        recordLine("status " + std::to_string(static_cast<int>(part)) + ": " + text);
+    };
+    userInterface.refreshTree = [] { recordLine("tree"); };
+    userInterface.leaveCurrentView = [] { return uiRecord.leaveAllowed; };
+    userInterface.askImport = recordImport;
+    userInterface.askBitmap = recordBitmap;
 }
 
 RecordedUi::~RecordedUi() { userInterface = userInterfaceSilent; }

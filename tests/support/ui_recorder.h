@@ -14,7 +14,6 @@ struct UiRecord {
     std::vector<Box> boxes;
     std::deque<Answer> answers;  // taken from the front, "cancel" when empty
     bool leaveAllowed = true;
-    int pictureSlot = 0;                             // the answer to each question for a picture's slot
     ImportAction importAction = ImportAction::none;  // the answer to the import question
     std::string importFolder;                        // typed into it unless empty
     ImportQuestion lastQuestion;                     // as it was asked

@@ -58,18 +58,12 @@ TEST_F(ViewRuns, UntouchedLettersBesideTypedTextKeepTheirBytes) {
     EXPECT_EQ(afterTyping("Ao", 2, "r"), "A\xAA");
     EXPECT_EQ(afterTyping("A\x99", 2, ">"), "A\x0E");
     EXPECT_EQ(afterTyping("\xAA", 0, "x"), "\x9A");
-    EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"),
-              "2\x11"
-              "3");
-    EXPECT_EQ(afterTyping("", 0, "P\xB9L\x99Orange"),
-              "\x7F"
-              "1");
+    EXPECT_EQ(afterTyping("2=\xB9", 3, "=3"), "2\x11\x33");
+    EXPECT_EQ(afterTyping("", 0, "P\xB9L\x99Orange"), "\x7F\x31");
 }
 
 TEST_F(ViewRuns, MarksFromBytesGiveThemBackAndTypedOnesAreText) {
-    const std::string unknown =
-        "A\xFA\x7F\x03"
-        "B";
+    const std::string unknown = "A\xFA\x7F\x03\x42";
     ViewLine line = viewLines(imageOf(unknown)).front();
     EXPECT_EQ(line.text, "A<250> <127,3>B");
     EXPECT_EQ(afterTyping(unknown, line.text.size(), "C"), unknown + "C");
@@ -116,9 +110,7 @@ std::string classesOf(std::string_view tokens) {
 
 TEST_F(ViewRuns, ClassesFollowTheRules) {
     EXPECT_EQ(classesOf("A12.5{}"), "0:1 3:4 0:2 ");
-    EXPECT_EQ(classesOf("A\x0E"
-                        "B"),
-              "0:1 5:1 0:1 ");
+    EXPECT_EQ(classesOf("A\x0E\x42"), "0:1 5:1 0:1 ");
     EXPECT_EQ(classesOf("\x81\x7F\x4A"), "4:4 6:9 ");
     EXPECT_EQ(classesOf("\"A1\x0E\"B"), "7:5 0:1 ");
     // A ' inside quotes opens no comment; a quote inside a comment flips all the same, and the comment wins.

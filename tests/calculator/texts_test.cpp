@@ -1,7 +1,12 @@
-// Codes to Unicode and back, and what becomes of characters without a code.
+// Codes to Unicode and back, what becomes of characters without a code, and numbers that no frame holds. Whole frames,
+// and numbers on their way to text and back, are those of the cases in tests/exchange/cases.
 #include "calculator/charset.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <limits>
+
+#include "calculator/number_text.h"
 
 namespace numalink {
 namespace {
@@ -41,6 +46,21 @@ TEST(Charset, CaseFoldsLatinLettersOnly) {
     EXPECT_FALSE(equalWithoutCase("[", "{"));
     EXPECT_FALSE(equalWithoutCase("\xC1", "\xE1"));
     EXPECT_FALSE(startsWithoutCase("ab", "abc"));
+}
+
+TEST(NumberText, WhatAFrameCannotHoldIsRefusedUntouched) {
+    std::array<std::uint8_t, valueFrameSize> frame{};
+    for (const double value : {1e100, -1e-100, std::numeric_limits<double>::infinity(),
+                               std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::denorm_min()})
+        EXPECT_FALSE(encodeValue(frame, 1, 1, value)) << value;
+    EXPECT_THAT(frame, testing::Each(0));
+    EXPECT_EQ(formatValueText(std::numeric_limits<double>::infinity()), "");
+    EXPECT_EQ(parseValueText(""), std::nullopt);
+    ASSERT_TRUE(encodeValue(frame, 258, 772, 0));
+    EXPECT_THAT(frame, testing::ElementsAre(0x3A, 1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0));
+    frame[5] = 0x3F;
+    frame[13] = 0x72;
+    EXPECT_DOUBLE_EQ(decodeValue(frame), 15) << "digits beyond nine count as they stand";
 }
 
 }  // namespace
