@@ -29,7 +29,7 @@ constexpr int keysAtEachPlace = 400;
 constexpr double limitMilliseconds = 16;
 
 Bytes longProgram() {
-    // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): a line in pieces, so that each code ends where it does
+    // NOLINTBEGIN(bugprone-suspicious-missing-comma): a line in pieces, so that each code ends where it does
     constexpr std::string_view lines[] = {"'SNAKE \xA9 MOVES\r",
                                           "\"SCORE\"?\x0E"
                                           "A\r",
@@ -46,6 +46,7 @@ Bytes longProgram() {
                                           "\xE2"
                                           "1\r\xEC"
                                           "1\r"};
+    // NOLINTEND(bugprone-suspicious-missing-comma)
     Bytes image = {':'};
     for (std::size_t i = 0; image.size() < programSize; i++) {
         const std::string_view line = lines[i % std::size(lines)];

@@ -293,11 +293,12 @@ std::string checkRunFile(const std::string &path) {
     check.display();
     const std::string variables = file.line("vars", "");
     if (file.find("vars") != nullptr) check.same("vars", variables, variablesFound(variables));
-    for (const char *sort : {"list", "mat"})
+    for (const char *sort : {"list", "mat"}) {
         for (const auto &[line, lines] : file.all(sort)) {
             check.same(sort + (" " + firstWord(line)), behindFirstWord(behindFirstWord(line)),
                        arrayFound(sort[0] == 'l', firstWord(line)));
         }
+    }
     for (const auto &[what, found] : {std::pair{"row", machine.textRow}, {"mode", machine.screenMode}})
         check.same(what, file.line(what, std::to_string(found)), std::to_string(found));
     if (file.find("switches") != nullptr) check.same("switches", file.line("switches", ""), switchesFound());

@@ -78,11 +78,12 @@ void checkFile(const std::string &copyFolder) {
 void checkWindowsGone() {
     if (storeIsOpen()) fail("The library is open after the end");
     if (QApplication::activeModalWidget() != nullptr) fail("A dialog is open after the end");
-    for (const QWidget *window : QApplication::topLevelWidgets())
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
         if (window->isVisible()) {
             fail("A window is open after the end: %s %s", window->metaObject()->className(),
                  qPrintable(window->windowTitle()));
         }
+    }
 }
 
 void checkClosedLibrary() {
