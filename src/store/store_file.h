@@ -28,8 +28,9 @@ std::string storeJournalPath() REQUIRES_LOCK(storeLock);
 std::int64_t storeFileSize() REQUIRES_LOCK(storeLock);                                             // -1 on failure
 bool storeFileRead(std::uint64_t offset, std::span<std::uint8_t> bytes) REQUIRES_LOCK(storeLock);  // whole or false
 bool storeFileIsBroken() REQUIRES_LOCK(storeLock);  // a change is in it half-way, until it is opened anew
-// For bytes that have no meaning, behind the end of the records.
-void storeFileGiveRights(int other) REQUIRES_LOCK(storeLock);  // the owner and the rights of storage.dat
+// Gives another open file the owner and the rights of storage.dat.
+void storeFileGiveRights(int other) REQUIRES_LOCK(storeLock);
+// For bytes that have no meaning, behind the end of the records. Without effect when anything is in doubt.
 void storeFileCut(std::uint64_t size) REQUIRES_LOCK(storeLock);
 
 enum class Recovery {
