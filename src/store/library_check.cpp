@@ -68,7 +68,7 @@ std::uint64_t SignatureSearch::next(std::uint64_t from, std::uint64_t limit) {
 
 // Whether the signature of a record lies here.
 bool signatureAt(std::uint64_t offset) REQUIRES_LOCK(storeLock) {
-    char there[sizeof itemSignature];
+    char there[sizeof itemSignature] = {};
     return storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(there), sizeof there}) &&
            std::memcmp(there, itemSignature, sizeof there) == 0;
 }
