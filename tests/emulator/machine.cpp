@@ -163,7 +163,7 @@ TEST_F(Loading, ItemsThatNameNoSlotOrNoSizeArePassedOverAndOneBeyondThePoolIsTol
     loadMatrixItem(matrixHead(0, 2, 'A'), {});
     loadMatrixItem(Bytes(15), {});
     loadPictureItem(pictureHead(128, 64, 1, '7'), Bytes(2000, 0xFF));
-    loadPictureItem(Bytes(20, '1'), Bytes(2000, 0xFF));
+    loadPictureItem(Bytes(18, '1'), Bytes(2000, 0xFF));
     EXPECT_TRUE(uiRecord.boxes.empty());
     loadMatrixItem(matrixHead(65535, 65535, 'A'), Bytes(64));
     EXPECT_EQ(uiRecord.lines, std::vector<std::string>{"box 55 / 2"});

@@ -11,7 +11,7 @@
 //   = item 15 ABC                 comes of it, followed by its "= head" or "= info", and "= data"
 //   = told 100 /Record 2, ABC     a message: its number, and what stands behind that text, "/" for a line end
 //   = skipped 1                   records without a kind
-//   = refused notWhole            nothing is written
+//   = refused notWhole            nothing is written; of code with the code behind it
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -93,8 +93,11 @@ void expectWritten(const Case &one) {
     const auto refusal = one.format == "cas"   ? appendItem(one.item, ExportTarget::cas, file)
                          : one.format == "cat" ? appendItem(one.item, ExportTarget::cat, file)
                                                : appendItem(one.item, ExportTarget::catAlgebra, file);
-    const std::string found =
-        refusal ? std::string("refused ") + faults[static_cast<std::size_t>(refusal->fault)] + "\n" : "";
+    std::string found;
+    if (refusal) {
+        found = std::string("refused ") + faults[static_cast<std::size_t>(refusal->fault)];
+        found += (refusal->code == 0 ? "" : " " + std::to_string(refusal->code)) + "\n";
+    }
     EXPECT_EQ(found, one.expected);
     EXPECT_EQ(std::string(file.begin(), file.end()), std::string(one.file.begin(), one.file.end()));
 }

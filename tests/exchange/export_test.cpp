@@ -248,6 +248,7 @@ TEST(ExchangeWords, EverySequenceReadsBack) {
         }
     }
     EXPECT_EQ(pairs.size(), 20u) << "docs/formats.md lists them";
+    EXPECT_EQ(check({0x7F, 0x00, '\r', 0x90, 0x7F}), "\\Xmin\r\n\\\x90\\\x7F") << "bytes without a word";
     Bytes tokens;
     EXPECT_EQ(tokensFromWords("A\r\r\nB\nC\r\n\r\n", tokens), -1);
     EXPECT_EQ(tokens, (Bytes{'A', '\r', 'B', 'C', '\r', '\r'})) << "a line feed alone is nothing";

@@ -39,10 +39,11 @@ TEST_F(Queue, takesAllThatAFolderHoldsButWhatCannotGo) {
     const ItemId first = addProgram("A", outer);
     const ItemId inner = addFolder("inner", outer);
     const ItemId second = addProgram("B", inner);
-    add("screen", kind::monochromeScreen, Bytes(40), {':', 0x3A}, outer);
+    const ItemId screen = add("screen", kind::monochromeScreen, Bytes(40), {':', 0x3A}, outer);
+    EXPECT_FALSE(queueItem(screen));
     EXPECT_TRUE(queueItem(outer));
     EXPECT_EQ(transmitQueueIds(), (std::vector<ItemId>{first, second}));
-    EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 108 / 2 screen"}));
+    EXPECT_EQ(uiRecord.lines, std::vector<std::string>(2, "box 108 / 2 screen"));
     EXPECT_TRUE(transmitCanBegin());
 }
 

@@ -166,6 +166,21 @@ TEST_F(DamagedStore, EachSortOfDamageIsCountedAndTheSoundRecordsStay) {
     EXPECT_EQ(idsAfterRepair(Bytes(sound.begin(), sound.begin() + last + 50)), (Ids{3, 4, 5}));
 }
 
+TEST_F(DamagedStore, WhatIsSavedIsDoubledOnlyWhereItDiffersAndDoesntGoWithTheTemporaryFolder) {
+    Bytes waiting = with(28 + 4 * 2, 0xFFFFFFFF);
+    writeLittle32(waiting, first + 88, 2);
+    EXPECT_EQ(idsAfterRepair(waiting), (Ids{3, 4, 5, 6}));
+    ASSERT_TRUE(restart(sound));
+    const ItemId large = add("L", kind::backup, rootId, {}, Bytes(70000, 1));
+    storeClose();
+    Bytes doubled = file();
+    doubled.insert(doubled.end(), file().begin() + static_cast<std::ptrdiff_t>(sound.size()), file().end());
+    writeLittle32(doubled, 0, 0);
+    EXPECT_EQ(idsAfterRepair(doubled), (Ids{2, 3, 4, 5, 6, large}));
+    doubled.back()++;
+    EXPECT_EQ(idsAfterRepair(doubled), (Ids{2, 3, 4, 5, 6, large, large + 1}));
+}
+
 TEST_F(DamagedStore, WhatANewerVersionWroteIsNotRepaired) {
     Bytes newer = with(16, 1001);
     newer[first] = 0;
@@ -181,6 +196,10 @@ TEST_F(DamagedStore, ALibraryThatAnotherWritesOverWhileItIsOpenIsLeftAlone) {
     Bytes longer = sound;
     longer.resize(longer.size() + 100, 7);  // behind the end of its records: an end would cut it off
     for (const Bytes &other : {longer, with(8028, 99), Bytes(sound.begin(), sound.begin() + last)}) {
+        ASSERT_TRUE(restart(sound) && storeRename(4, "C"));
+        file() = other;
+        storeClose();
+        EXPECT_EQ(file(), other) << "nor by a run that changes nothing more";
         ASSERT_TRUE(restart(sound) && storeRename(4, "C"));
         file() = other;
         EXPECT_FALSE(storeRename(4, "D") || storeDelete(3));
