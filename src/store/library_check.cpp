@@ -226,7 +226,6 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
         kept.push_back(examined.slots[slot]);
         offsets.push_back(examined.main.offsets[slot]);
     }
-    takeForOrdinary(kept);
     const auto temporary =
         std::ranges::find(kept, kind::temporaryFolder, [](const Slot &slot) { return slot.head.kind; });
     const ItemId emptied = temporary == kept.end() ? noItem : temporary->head.id;

@@ -51,6 +51,22 @@ std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const s
     return faults;
 }
 
+// The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
+// a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
+// How many those were.
+std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
+    std::vector<Slot *> folders;
+    for (Slot &slot : slots)
+        if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
+    const auto isTemporary = [](const Slot *slot) {
+        return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
+    };
+    std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
+    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
+    for (Slot *slot : folders) slot->head.kind = kind::folder;
+    return static_cast<std::uint32_t>(folders.size());
+}
+
 }  // namespace
 
 bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t fileSize) {
@@ -104,19 +120,6 @@ std::uint32_t safeNextId(const MainHeader &main, const std::vector<Slot> &slots)
     for (const Slot &slot : slots)
         if (slot.sound) next = std::max(next, slot.head.id + 1);
     return next;
-}
-
-std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
-    std::vector<Slot *> folders;
-    for (Slot &slot : slots)
-        if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
-    const auto isTemporary = [](const Slot *slot) {
-        return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
-    };
-    std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
-    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
-    for (Slot *slot : folders) slot->head.kind = kind::folder;
-    return static_cast<std::uint32_t>(folders.size());
 }
 
 std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots) {

@@ -23,11 +23,6 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
 // Whether a record can lie at this offset, by its head and the file's size alone.
 bool recordIsSound(const ItemHeader &head, std::uint64_t offset, std::uint64_t fileSize);
 
-// The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
-// a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
-// How many those were.
-std::uint32_t takeForOrdinary(std::vector<Slot> &slots);
-
 // Bytes below the end of the records that no sound record covers.
 struct Stretch {
     std::uint64_t from, to;
