@@ -157,8 +157,7 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
     EXPECT_TRUE(folder.read("draft-1.txt").find("\u20AC1") != std::string::npos);
     answer(ownText(OwnText::draftOpen));
     ASSERT_TRUE(startProgram());
-    QTest::qWait(100);
-    EXPECT_EQ(viewToText(), QStringLiteral("A\nB\u20AC1"));
+    EXPECT_TRUE(QTest::qWaitFor([] { return viewToText() == QStringLiteral("A\nB\u20AC1"); }));
     key(Qt::Key_End, Qt::ControlModifier);
     key(Qt::Key_Backspace);
     key(Qt::Key_Backspace);
@@ -184,8 +183,7 @@ TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {
     ASSERT_TRUE(storeDelete(id));
     answer(languageText(112));
     refreshTree();
-    QTest::qWait(50);
-    ASSERT_EQ(shown.size(), 1u);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !shown.empty(); }));
     const ItemId back = storeFindItem("PROG", rootId);
     ASSERT_NE(back, noItem);
     EXPECT_EQ(stored(back), "BA");
