@@ -240,12 +240,13 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     MainHeader main = emptyMain();
     main.formatNumber = std::min(examined.main.formatNumber, storeNewestFormat);
     if (examined.main.formatNumber == 0) main.formatNumber = storeNewestFormat;
-    main.nextId = examined.main.nextId < idLimit ? examined.main.nextId : 0;
+    constexpr ItemId keptLimit = idLimit - storeSlotCount - 1;  // room for all to get others
+    main.nextId = examined.main.nextId < keptLimit ? examined.main.nextId : 0;
     std::vector<Slot> known = kept;
-    std::erase_if(known, [](const Slot &slot) { return slot.head.id >= idLimit; });
+    std::erase_if(known, [](const Slot &slot) { return slot.head.id >= keptLimit; });
     main.nextId = safeNextId(main, known);
     for (Slot &slot : kept)
-        if (slot.head.id >= idLimit) renumber(kept, slot.head, main.nextId++);
+        if (slot.head.id >= keptLimit) renumber(kept, slot.head, main.nextId++);
     const std::vector<ItemId> circle = foldersInCircle(kept);
     file.resize(sizeof main);
     for (std::size_t i = 0; i < kept.size(); i++) {

@@ -5,6 +5,7 @@
 #include "calculator/program_info.h"
 #include "store/keep_for_undo.h"
 #include "store/store_changes.h"
+#include "store/store_check.h"
 
 namespace numalink {
 
@@ -70,11 +71,12 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
 
 // The first id from this one on that a new item may have, or noItem when all are used up. Passed over is what a record
 // without a folder names as its parent, so that nothing comes to lie in a folder that it never was in, and the id of a
-// record with damage.
+// record with damage. noItem when all are used up; in a sound library that is ahead of the limit, so that it stays one.
 ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
+    const ItemId limit = id < idLimit ? idLimit - 1 : noItem;
     const auto names = [&](const Slot &slot) { return slot.head.parent == id || slot.head.id == id; };
-    while (id < noItem && std::ranges::any_of(storeState.slots, names)) id++;
-    return id;
+    while (id < limit && std::ranges::any_of(storeState.slots, names)) id++;
+    return id < limit ? id : noItem;
 }
 
 // Runs one change of an existing record with the lock held, and tells its fault without it.

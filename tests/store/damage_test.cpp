@@ -181,6 +181,15 @@ TEST_F(DamagedStore, WhatIsSavedIsDoubledOnlyWhereItDiffersAndDoesntGoWithTheTem
     EXPECT_EQ(idsAfterRepair(doubled), (Ids{2, 3, 4, 5, 6, large, large + 1}));
 }
 
+TEST_F(DamagedStore, IdsAreRefusedAheadOfTheirLimit) {
+    ASSERT_TRUE(restart(with(8028, 0x7FFFFFFD)));
+    EXPECT_EQ(add("X", kind::program), 0x7FFFFFFDU);
+    EXPECT_EQ(add("Y", kind::program), noItem);
+    ASSERT_TRUE(restart(Bytes(file())));
+    EXPECT_THAT(uiRecord.lines, IsEmpty()) << "still in order";
+    EXPECT_EQ(ids().size(), 6U);
+}
+
 TEST_F(DamagedStore, WhatANewerVersionWroteIsNotRepaired) {
     Bytes newer = with(16, 1001);
     newer[first] = 0;
