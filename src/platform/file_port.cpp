@@ -93,8 +93,10 @@ void giveRights(int from, int to) {
     struct stat facts {};
     if (fstat(from, &facts) != 0) return;
     // Another owner is for root alone, and takes some rights away: so it comes first.
-    if (fchown(to, facts.st_uid, facts.st_gid) != 0 && fchown(to, static_cast<uid_t>(-1), facts.st_gid) != 0) errno = 0;
-    if (fchmod(to, facts.st_mode & 07777) != 0) errno = 0;
+    constexpr uid_t sameOwner = static_cast<uid_t>(-1);
+    [[maybe_unused]] const bool owned =
+        fchown(to, facts.st_uid, facts.st_gid) == 0 || fchown(to, sameOwner, facts.st_gid) == 0;
+    [[maybe_unused]] const bool given = fchmod(to, facts.st_mode & 07777) == 0;
 }
 
 bool realPath(const char *path, std::string &real) {

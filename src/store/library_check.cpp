@@ -13,7 +13,6 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t scanBlock = std::size_t{64} * 1024, unreadableSkip = 512;  // bytes
-constexpr int textTooNew = 119;
 
 // What an examination has found: the head as it lies, and the records that can be kept.
 struct Examined {
@@ -29,39 +28,38 @@ bool readHead(std::uint64_t offset, ItemHeader &head) REQUIRES_LOCK(storeLock) {
     return storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&head), sizeof head});
 }
 
-// The next place from this one on where the signature of a record lies, or limit. Called again and again from there
-// on, it goes on in the block that it has.
+// Looks for the signatures of records ahead of limit. Called again and again, it goes on in the block that it has.
 struct SignatureSearch {
-    std::uint64_t start = 0;
+    const std::uint64_t limit;
+    std::uint64_t start = 0;  // of block in the file
     Bytes block;
 
-    std::uint64_t next(std::uint64_t from, std::uint64_t limit) REQUIRES_LOCK(storeLock);
+    // Reads on from here; false when that can't be read, and block is then what is to be passed over.
+    bool load(std::uint64_t from) REQUIRES_LOCK(storeLock);
+    // The next place from this one on where a signature lies, or limit.
+    std::uint64_t next(std::uint64_t from) REQUIRES_LOCK(storeLock);
 };
 
-std::uint64_t SignatureSearch::next(std::uint64_t from, std::uint64_t limit) {
-    const auto hitIn = [&](std::uint64_t place) {
-        const auto first = block.begin() + static_cast<std::ptrdiff_t>(place - start);
-        const auto hit = std::search(first, block.end(), std::begin(itemSignature), std::end(itemSignature));
-        return hit == block.end() ? limit : start + static_cast<std::uint64_t>(hit - block.begin());
-    };
-    if (from >= start && from - start < block.size()) {
-        if (const std::uint64_t hit = hitIn(from); hit < limit)
-            return hit <= limit - sizeof itemSignature ? hit : limit;
-        from = std::max(from, start + block.size() - std::min(block.size(), sizeof itemSignature - 1));
-    }
+bool SignatureSearch::load(std::uint64_t from) {
+    start = from;
+    block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, limit - from)));
+    if (storeFileRead(from, block)) return true;
+    if (block.size() > unreadableSkip) block.resize(unreadableSkip);
+    return storeFileRead(from, block);
+}
+
+std::uint64_t SignatureSearch::next(std::uint64_t from) {
     while (limit - std::min(from, limit) >= sizeof itemSignature) {
-        start = from;
-        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(scanBlock, limit - from)));
-        if (!storeFileRead(from, block)) {
-            if (block.size() > unreadableSkip) block.resize(unreadableSkip);
-            if (!storeFileRead(from, block)) {
-                from += block.size();
-                block.clear();
-                continue;
-            }
+        const bool atHand = from >= start && from + sizeof itemSignature <= start + block.size();
+        if (!atHand && !load(from)) {
+            from += block.size();
+            block.clear();
+            continue;
         }
-        if (const std::uint64_t hit = hitIn(from); hit < limit) return hit;
-        from += block.size() - (sizeof itemSignature - 1);
+        const auto first = block.begin() + static_cast<std::ptrdiff_t>(from - start);
+        const auto hit = std::search(first, block.end(), std::begin(itemSignature), std::end(itemSignature));
+        if (hit != block.end()) return start + static_cast<std::uint64_t>(hit - block.begin());
+        from = start + block.size() - (sizeof itemSignature - 1);
     }
     return limit;
 }
@@ -77,9 +75,9 @@ bool signatureAt(std::uint64_t offset) REQUIRES_LOCK(storeLock) {
 bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t limit) REQUIRES_LOCK(storeLock) {
     const std::uint64_t end = offset + recordSize(head);
     if (end == limit || (limit - end >= sizeof itemSignature && signatureAt(end))) return true;
-    SignatureSearch search;
     const std::uint64_t last = std::min(limit, end + sizeof itemSignature - 1);
-    for (std::uint64_t at = search.next(offset + sizeof head, last); at < last; at = search.next(at + 1, last)) {
+    SignatureSearch search{.limit = last, .block = {}};
+    for (std::uint64_t at = search.next(offset + sizeof head); at < last; at = search.next(at + 1)) {
         ItemHeader inner{};
         if (readHead(at, inner) && recordIsSound(inner, at, limit)) return false;
     }
@@ -112,8 +110,8 @@ bool isSameRecord(std::uint64_t one, std::uint64_t other, std::uint64_t size) RE
 // id of another, and isn't a copy of it, is kept beside it under an id of its own.
 void searchStretch(Examined &examined, std::map<ItemId, std::uint64_t> &ids, std::uint64_t from, std::uint64_t limit)
     REQUIRES_LOCK(storeLock) {
-    SignatureSearch search;
-    for (std::uint64_t at = search.next(from, limit); at < limit; at = search.next(at, limit)) {
+    SignatureSearch search{.limit = limit, .block = {}};
+    for (std::uint64_t at = search.next(from); at < limit; at = search.next(at)) {
         ItemHeader head{};
         if (!readHead(at, head) || !recordIsSound(head, at, limit) || !sizeIsCredible(head, at, limit) ||
             !payloadsReadable(head, at)) {
@@ -287,8 +285,7 @@ void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
     if (size == 0) return;  // a new library, that the next start gives its head
     examine(examined, check);
     // A newer version may have written it, unless nothing but that number is out of order.
-    if (fault == textTooNew && examined.main.formatNumber <= newerFormatLimit && check.damage > 1)
-        check.outcome = CheckOutcome::newer;
+    if (mayBeNewer(fault, examined.main) && check.damage > 1) check.outcome = CheckOutcome::newer;
     if (check.outcome != CheckOutcome::checked || !repair || check.damage == 0) return;
     check.repaired = rewrite(examined);
     if (!check.repaired) check.outcome = CheckOutcome::notWritten;

@@ -9,11 +9,6 @@
 
 namespace numalink {
 
-// A format number above it was written by no version that is yet to come: it is damage.
-inline constexpr std::uint32_t newerFormatLimit = 2 * storeNewestFormat - 1;
-// No library lives to see it: a next id, or an id, from here on is damage.
-inline constexpr ItemId idLimit = noItem / 2;
-
 // Marks in slots what isn't sound, and gives the number of places with damage, 0 when all is well. slots holds a
 // head for each slot of main, unsound where it couldn't be read. A circle of parents counts as damage, and its
 // folders stay usable, so that they can be dragged out of it or deleted. So does a second temporary folder, which stays

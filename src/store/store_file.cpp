@@ -286,11 +286,11 @@ ChangeResult changeCommit() {
     store.replaced = store.replaced || named == false;
     if (store.replaced) return ChangeResult::replaced;
     if (!named) return ChangeResult::refused;
-    const std::int64_t known = storeFileSize();
-    const std::uint64_t size = static_cast<std::uint64_t>(known);
+    const std::int64_t found = storeFileSize();
+    const std::uint64_t size = static_cast<std::uint64_t>(found);
     std::vector<Region> regions;
     Bytes oldMain;
-    if (known < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
+    if (found < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
     store.writes.clear();
     store.replaced = !isAsKnown(size, oldMain);
     if (store.replaced) return ChangeResult::replaced;
@@ -300,6 +300,7 @@ ChangeResult changeCommit() {
         if (!writeAll(store.file, region.offset, region.now)) return takeBack(regions, size, region.offset == 0);
     if (!filePort.sync(store.file)) return takeBack(regions, size, false);
     retireJournal();
+    // Nothing from here on may fail: the change is made.
     store.knownHead = std::move(head);
     store.knownSize = size;
     for (const Region &region : regions)

@@ -5,7 +5,6 @@
 #include "calculator/program_info.h"
 #include "store/keep_for_undo.h"
 #include "store/store_changes.h"
-#include "store/store_check.h"
 
 namespace numalink {
 
@@ -69,9 +68,9 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
 }
 
-// The first id from this one on that a new item may have, or noItem when all are used up. Passed over is what a record
-// without a folder names as its parent, so that nothing comes to lie in a folder that it never was in, and the id of a
-// record with damage. noItem when all are used up; in a sound library that is ahead of the limit, so that it stays one.
+// The first id from this one on that a new item may have, or noItem when all are used up: in a sound library that is
+// ahead of idLimit, so that it stays one. Passed over is what a record without a folder names as its parent, so that
+// nothing comes to lie in a folder that it never was in, and the id of a record with damage.
 ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
     const ItemId limit = id < idLimit ? idLimit - 1 : noItem;
     const auto names = [&](const Slot &slot) { return slot.head.parent == id || slot.head.id == id; };

@@ -13,7 +13,7 @@ namespace numalink {
 
 namespace {
 
-constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36, textTooNew = 119;
+constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36;
 
 int createStore() REQUIRES_LOCK(storeLock) {
     storeState.main = emptyMain();
@@ -56,7 +56,7 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     if (size < 0) return textHeadTooShort;
     opening.isNew = size == 0;
     const int fault = opening.isNew ? createStore() : readMain(storeState.main);
-    opening.isNewer = storeState.main.formatNumber <= newerFormatLimit;
+    opening.isNewer = mayBeNewer(fault, storeState.main);
     if (fault != 0) return fault;
     readSlots(storeState.main, storeState.slots);
     opening.damage =
@@ -88,7 +88,7 @@ bool tellNotOpened(int textNumber, const Opening &opening) {
         tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
     else if (textNumber == textCannotOpen)
         tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
-    else if (textNumber == textTooNew && opening.isNewer)
+    else if (opening.isNewer)
         tellUser(textNumber);
     else
         tellMore(textNumber, OwnText::storeMayBeSaved, {libraryFolder()});

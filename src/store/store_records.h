@@ -17,6 +17,9 @@ inline constexpr char mainSignature[16] = "MAINHEADER    ";
 inline constexpr char itemSignature[15] = "ITEMHEADER    ";
 inline constexpr char temporaryFolderName[] = "temp";
 
+// No library lives to see it: a next id, or an id, from here on is damage.
+inline constexpr ItemId idLimit = noItem / 2;
+
 struct MainHeader {
     char signature[16];
     std::uint32_t formatNumber;

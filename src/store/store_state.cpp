@@ -30,7 +30,7 @@ constexpr FaultText faultTexts[] = {
     {Fault::notCopied, OwnText::storeNotCopied},
     {Fault::noMemory, OwnText::storeNoMemory},
 };
-constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 37, textTooNew = 119;
+constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 37;
 
 // How many codes a name of this kind may have.
 std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
@@ -87,6 +87,11 @@ int readMain(MainHeader &main) {
     if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return textHeadTooShort;
     if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return textWrongHead;
     return main.formatNumber > storeNewestFormat ? textTooNew : 0;
+}
+
+bool mayBeNewer(int textNumber, const MainHeader &main) {
+    constexpr std::uint32_t limit = 2 * storeNewestFormat;
+    return textNumber == textTooNew && main.formatNumber < limit;
 }
 
 void readSlots(const MainHeader &main, std::vector<Slot> &slots) {
