@@ -29,7 +29,7 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     TakenBack done;
     const bool changed = change(done);
     refreshTree();
-    if (changed && done.shown != noItem) selectItem(done.shown);
+    if (const ItemId shown = changed ? done.shown : selectedItemId(); shown != noItem) selectItem(shown);
     const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
     if (done.changedSince) statusLine(StatusPart::item, OwnText::changedSince);
     if (changed && change == storeUndo) statusLine(StatusPart::item, OwnText::itemsCameBack, words);
