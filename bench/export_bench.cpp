@@ -8,8 +8,8 @@
 
 #include "calculator/frames.h"
 #include "calculator/number_text.h"
-#include "exchange/export.h"
-#include "exchange/import.h"
+#include "exchange/export/export.h"
+#include "exchange/import/import.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"

@@ -9,8 +9,8 @@
 #include <random>
 #include <string>
 
-#include "exchange/import.h"
-#include "exchange/import_readers.h"
+#include "exchange/import/import.h"
+#include "exchange/import/import_readers.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"

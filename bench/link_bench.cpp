@@ -11,10 +11,10 @@
 #include "platform/clock.h"
 #include "platform/serial_line.h"
 #include "platform/thread_role.h"
-#include "platform/user_interface.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
+#include "telling/user_interface.h"
 #include "virtual_calculator/calculator_mover.h"
 #include "virtual_calculator/pseudo_terminal.h"
 

@@ -7,8 +7,8 @@
 #include <filesystem>
 
 #include "platform/program_folder.h"
+#include "store/file/records.h"
 #include "store/item_store.h"
-#include "store/store_records.h"
 #include "support/simulated_disk.h"
 
 namespace {

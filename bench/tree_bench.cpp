@@ -11,10 +11,10 @@
 
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
-#include "shell/item_rules.h"
-#include "shell/item_tree.h"
-#include "shell/menus.h"
-#include "shell/shell_widgets.h"
+#include "shell/commands/menus.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/tree/item_tree.h"
+#include "shell/tree/tree_rules.h"
 #include "support/simulated_disk.h"
 
 namespace {

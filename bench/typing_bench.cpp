@@ -13,11 +13,11 @@
 #include "calculator/program_info.h"
 #include "platform/program_folder.h"
 #include "settings/settings_store.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
-#include "shell/program_view.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
+#include "shell/app/start_up.h"
+#include "shell/editor/program_view.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/item_views.h"
 #include "store/item_store.h"
 
 namespace {

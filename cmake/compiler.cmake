@@ -20,6 +20,9 @@ endif()
 find_program(CCACHE ccache)
 if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_compile_options(-fpch-preprocess)  # else a file with a precompiled header is never found in the cache
+    endif()
 endif()
 # g++ 12 sees an overlap in std::string's own operator+ that isn't there (its bug 105651).
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

@@ -1,12 +1,22 @@
 # A room is a folder of src/: one static library, which may use the rooms below it and nothing else.
 
-# numalink_room(NAME [room...]): the library numalink_NAME from src/NAME/*.cpp, over the rooms named.
+# numalink_room(NAME): the library numalink_NAME from src/NAME, over the rooms that src/layers names for it.
 function(numalink_room name)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
     add_library(numalink_${name} STATIC ${sources})
     target_include_directories(numalink_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
-    list(TRANSFORM ARGN PREPEND numalink_ OUTPUT_VARIABLE below)
+    numalink_layer(${name} below)
     target_link_libraries(numalink_${name} PUBLIC ${below})
+endfunction()
+
+# numalink_layer(NAME RESULT): the libraries of the rooms below NAME.
+set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/layers)
+function(numalink_layer name result)
+    file(STRINGS ${CMAKE_SOURCE_DIR}/src/layers line REGEX "^${name}:")
+    string(REGEX REPLACE "^${name}: *" "" below "${line}")
+    separate_arguments(below)
+    list(TRANSFORM below PREPEND numalink_)
+    set(${result} ${below} PARENT_SCOPE)
 endfunction()
 
 # numalink_test(NAME library...): tests/NAME/*.cpp as one test program.

@@ -5,7 +5,7 @@
 #include "calculator/charset.h"
 #include "cli/commands.h"
 #include "platform/program_folder.h"
-#include "store/library_check.h"
+#include "store/care/library_check.h"
 
 namespace numalink {
 

@@ -5,9 +5,9 @@
 #include "cli/commands.h"
 #include "cli/export_target.h"
 #include "cli/library_session.h"
-#include "exchange/bitmap_import.h"
-#include "exchange/export.h"
-#include "exchange/import.h"
+#include "exchange/export/export.h"
+#include "exchange/import/bitmap_import.h"
+#include "exchange/import/import.h"
 #include "platform/files.h"
 #include "platform/picture_file.h"
 

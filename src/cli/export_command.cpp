@@ -1,5 +1,5 @@
 // numalink-cli export
-#include "exchange/export.h"
+#include "exchange/export/export.h"
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "cli/terminal_ui.h"
-#include "exchange/import.h"
+#include "exchange/import/import.h"
 
 namespace numalink {
 

@@ -6,9 +6,9 @@
 #include "calculator/charset.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
-#include "settings/language_table.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
+#include "telling/language_table.h"
 #include "text/token_table.h"
 
 namespace numalink {

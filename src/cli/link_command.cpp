@@ -18,9 +18,9 @@
 #include "link/transmit_queue.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
-#include "platform/user_interface.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

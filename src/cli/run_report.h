@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "emulator/scripted_run.h"
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

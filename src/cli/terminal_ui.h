@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

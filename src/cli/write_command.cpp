@@ -6,8 +6,8 @@
 #include "cli/library_session.h"
 #include "platform/files.h"
 #include "settings/settings_store.h"
-#include "settings/tell_user.h"
 #include "store/item_store.h"
+#include "telling/tell_user.h"
 #include "text/view_edit.h"
 
 namespace numalink {

@@ -5,7 +5,7 @@
 
 #include "calculator/charset.h"
 #include "drawing/dot_fonts.h"
-#include "settings/language_table.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

@@ -6,7 +6,7 @@
 
 #include "platform/files.h"
 #include "platform/program_folder.h"
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

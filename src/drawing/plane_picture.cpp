@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "emulator/errors.h"
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

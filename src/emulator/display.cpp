@@ -9,7 +9,7 @@
 #include "emulator/screen_number.h"
 #include "emulator/text_screen.h"
 #include "platform/lock.h"
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 #include "text/token_table.h"
 
 namespace numalink {

@@ -7,7 +7,7 @@
 #include "emulator/errors.h"
 #include "emulator/evaluator.h"
 #include "emulator/evaluator_steps.h"
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

@@ -9,8 +9,8 @@
 #include "emulator/arrays.h"
 #include "emulator/pictures.h"
 #include "emulator/programs.h"
-#include "settings/tell_user.h"
 #include "store/item_store.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

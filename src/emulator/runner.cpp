@@ -18,9 +18,9 @@
 #include "emulator/run_waits.h"
 #include "emulator/statements.h"
 #include "platform/clock.h"
-#include "platform/graphical_calls.h"
 #include "settings/settings_store.h"
-#include "settings/tell_user.h"
+#include "telling/graphical_calls.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

@@ -5,7 +5,7 @@
 
 #include "link/control_bytes.h"
 #include "platform/serial_line.h"
-#include "settings/language_table.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

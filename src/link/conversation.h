@@ -9,7 +9,7 @@
 #include <string>
 
 #include "calculator/frames.h"
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

@@ -10,11 +10,11 @@
 #include "link/link_family.h"
 #include "link/notices.h"
 #include "link/transmit_queue.h"
-#include "platform/graphical_calls.h"
 #include "platform/lock.h"
 #include "platform/serial_line.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
+#include "telling/graphical_calls.h"
 
 namespace numalink {
 

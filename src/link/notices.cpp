@@ -2,7 +2,7 @@
 
 #include "platform/clock.h"
 #include "platform/lock.h"
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "settings/own_texts.h"
+#include "telling/own_texts.h"
 
 namespace numalink {
 

@@ -8,8 +8,8 @@
 #include "link/conversation.h"
 #include "link/conversations.h"
 #include "link/receive_storage.h"
-#include "settings/language_table.h"
-#include "store/store_undo.h"
+#include "store/undo/undo.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

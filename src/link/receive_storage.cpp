@@ -5,8 +5,8 @@
 #include "calculator/charset.h"
 #include "link/notices.h"
 #include "platform/clock.h"
-#include "platform/user_interface.h"
 #include "store/item_store.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

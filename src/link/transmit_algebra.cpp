@@ -5,7 +5,7 @@
 #include "link/conversation.h"
 #include "link/conversations.h"
 #include "link/transmit_end.h"
-#include "settings/language_table.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

@@ -7,8 +7,8 @@
 #include "link/conversation.h"
 #include "link/conversations.h"
 #include "link/transmit_end.h"
-#include "settings/language_table.h"
 #include "settings/settings_store.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

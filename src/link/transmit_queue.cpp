@@ -8,9 +8,9 @@
 #include "link/link_family.h"
 #include "link/notices.h"
 #include "platform/lock.h"
-#include "settings/language_table.h"
-#include "settings/tell_user.h"
 #include "store/item_store.h"
+#include "telling/language_table.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 

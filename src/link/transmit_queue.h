@@ -8,7 +8,7 @@
 #include "calculator/frames.h"
 #include "calculator/item_kinds.h"
 #include "link/outgoing_image.h"
-#include "platform/user_interface.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

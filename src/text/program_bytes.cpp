@@ -8,7 +8,7 @@
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
 #include "settings/settings_store.h"
-#include "settings/tell_user.h"
+#include "telling/tell_user.h"
 #include "text/auto_correct.h"
 #include "text/token_table.h"
 

@@ -17,10 +17,10 @@
 
 #include "cli/commands.h"
 #include "platform/file_port.h"
-#include "platform/user_interface.h"
 #include "support/byte_text.h"
 #include "support/cat_records.h"
 #include "support/scratch_folder.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 namespace {

@@ -17,7 +17,7 @@
 #include <filesystem>
 
 #include "calculator/charset.h"
-#include "exchange/export_writers.h"
+#include "exchange/export/export_writers.h"
 #include "exchange/reader_calls.h"
 #include "support/byte_text.h"
 #include "virtual_calculator/calculator_frames.h"

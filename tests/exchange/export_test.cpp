@@ -1,5 +1,5 @@
 // Items out into files and back: by chance for every kind and target, then each trap on its own.
-#include "exchange/export.h"
+#include "exchange/export/export.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -11,7 +11,7 @@
 
 #include "calculator/frames.h"
 #include "calculator/number_text.h"
-#include "exchange/export_writers.h"
+#include "exchange/export/export_writers.h"
 #include "exchange/reader_calls.h"
 #include "settings/settings_store.h"
 #include "support/rounds.h"

@@ -1,20 +1,20 @@
 // A file's way into the library: told apart, parked, asked about, moved. Bitmaps into pictures: the raster step, the
 // planes, and files that are whole, broken or huge.
-#include "exchange/import.h"
+#include "exchange/import/import.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 
 #include "drawing/plane_picture.h"
-#include "exchange/bitmap_import.h"
+#include "exchange/import/bitmap_import.h"
 #include "exchange/reader_calls.h"
 #include "link/transmit_queue.h"
 #include "platform/file_port.h"
 #include "platform/picture_file.h"
-#include "settings/own_texts.h"
 #include "settings/settings_store.h"
 #include "support/cat_records.h"
+#include "telling/own_texts.h"
 
 namespace numalink {
 namespace {

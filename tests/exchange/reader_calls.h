@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "exchange/import_readers.h"
+#include "exchange/import/import_readers.h"
 #include "platform/thread_role.h"
-#include "settings/language_table.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
+#include "telling/language_table.h"
 #include "text/token_table.h"
 
 namespace numalink {

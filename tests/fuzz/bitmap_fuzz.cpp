@@ -1,5 +1,5 @@
 // Any bytes as a picture file: decoded or refused, and what comes of it is a whole picture item.
-#include "exchange/bitmap_import.h"
+#include "exchange/import/bitmap_import.h"
 #include "import_checks.h"
 #include "platform/picture_file.h"
 

@@ -2,7 +2,7 @@
 // for each argument that the program gives.
 #include <cstdlib>
 
-#include "settings/language_file.h"
+#include "telling/language_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const numalink::LanguageFile file = numalink::languageParse({reinterpret_cast<const char *>(data), size});

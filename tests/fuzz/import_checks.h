@@ -2,10 +2,10 @@
 #pragma once
 
 #include "calculator/frames.h"
-#include "exchange/import.h"
-#include "exchange/import_readers.h"
+#include "exchange/import/import.h"
+#include "exchange/import/import_readers.h"
 #include "require.h"
-#include "settings/language_table.h"
+#include "telling/language_table.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
 

@@ -11,8 +11,8 @@
 #include "emulator/scripted_run.h"
 #include "platform/clock.h"
 #include "platform/thread_role.h"
-#include "platform/user_interface.h"
 #include "settings/settings_store.h"
+#include "telling/user_interface.h"
 #include "text/token_table.h"
 
 namespace {

@@ -6,8 +6,8 @@
 
 #include "platform/program_folder.h"
 #include "require.h"
+#include "store/file/journal.h"
 #include "store/item_store.h"
-#include "store/store_journal.h"
 #include "support/simulated_disk.h"
 
 namespace {

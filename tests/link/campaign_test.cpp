@@ -10,9 +10,9 @@
 
 #include "link/link_scene.h"
 #include "link/scripted_line.h"
-#include "settings/language_table.h"
 #include "support/random_items.h"
 #include "support/rounds.h"
+#include "telling/language_table.h"
 #include "virtual_calculator/calculator_mover.h"
 
 namespace numalink {

@@ -35,8 +35,8 @@
 
 #include "calculator/charset.h"
 #include "link/link_scene.h"
-#include "settings/language_table.h"
 #include "support/byte_text.h"
+#include "telling/language_table.h"
 #include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {

@@ -10,10 +10,10 @@
 #include "platform/clock.h"
 #include "platform/file_port.h"
 #include "platform/serial_line.h"
-#include "platform/user_interface.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 

@@ -3,8 +3,8 @@
 
 #include "link/link_scene.h"
 #include "link/outgoing_image.h"
-#include "settings/language_table.h"
 #include "support/ui_recorder.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

@@ -7,11 +7,11 @@
 #include <array>
 #include <thread>
 
-#include "exchange/import.h"
+#include "exchange/import/import.h"
 #include "link/link_scene.h"
 #include "link/link_thread.h"
-#include "platform/graphical_calls.h"
-#include "settings/language_table.h"
+#include "telling/graphical_calls.h"
+#include "telling/language_table.h"
 #include "virtual_calculator/calculator_mover.h"
 #include "virtual_calculator/pseudo_terminal.h"
 

@@ -8,16 +8,16 @@
 #include <map>
 
 #include "monkey/action_log.h"
-#include "shell/item_rules.h"
-#include "shell/item_tree.h"
-#include "shell/item_views.h"
-#include "shell/program_view.h"
-#include "shell/shell_texts.h"
-#include "shell/shell_widgets.h"
-#include "shell/start_up.h"
-#include "shell/tree_events.h"
+#include "shell/app/start_up.h"
+#include "shell/editor/program_view.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+#include "shell/tree/tree_mouse.h"
+#include "shell/tree/tree_rules.h"
+#include "shell/views/item_views.h"
+#include "store/care/library_check.h"
 #include "store/item_store.h"
-#include "store/library_check.h"
 
 namespace monkey {
 

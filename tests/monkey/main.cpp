@@ -13,7 +13,7 @@
 #include "platform/program_folder.h"
 #include "platform/serial_line.h"
 #include "settings/settings_store.h"
-#include "shell/start_up.h"
+#include "shell/app/start_up.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
 

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/graphical_calls.h"
+#include "telling/graphical_calls.h"
 
 namespace numalink {
 namespace {

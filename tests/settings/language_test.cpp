@@ -1,12 +1,12 @@
 // Language files, the fallback from one language to another, and the boxes that are made of their texts.
-#include "settings/language_table.h"
+#include "telling/language_table.h"
 
 #include <gmock/gmock.h>
 
-#include "settings/language_file.h"
-#include "settings/tell_user.h"
 #include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
+#include "telling/language_file.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 namespace {

@@ -1,9 +1,9 @@
 // The editor by key events: what is typed becomes tokens at once, untouched bytes stay, undo goes key by key.
 #include "calculator/frames.h"
-#include "shell/program_document.h"
-#include "shell/program_drafts.h"
-#include "shell/program_store.h"
-#include "shell/program_view.h"
+#include "shell/editor/program_document.h"
+#include "shell/editor/program_drafts.h"
+#include "shell/editor/program_store.h"
+#include "shell/editor/program_view.h"
 #include "shell/shell_fixture.h"
 #include "text/auto_correct.h"
 

@@ -3,7 +3,7 @@
 #include "emulator/display.h"
 #include "emulator/keypad.h"
 #include "emulator/machine.h"
-#include "shell/emulator_window.h"
+#include "shell/run/emulator_window.h"
 #include "shell/shell_fixture.h"
 #include "text/program_bytes.h"
 

@@ -1,5 +1,5 @@
 // The question for an export and the one for a bitmap, in the running window.
-#include "exchange/import.h"
+#include "exchange/import/import.h"
 #include "shell/shell_fixture.h"
 
 namespace numalink {

@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "platform/program_folder.h"
-#include "shell/start_up.h"
+#include "shell/app/start_up.h"
 
 namespace {
 

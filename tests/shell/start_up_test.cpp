@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <map>
 
+#include "shell/app/single_copy.h"
 #include "shell/shell_fixture.h"
-#include "shell/single_copy.h"
 
 namespace numalink {
 

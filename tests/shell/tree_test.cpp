@@ -1,8 +1,8 @@
-#include "shell/item_rules.h"
-#include "shell/label_edit.h"
 #include "shell/shell_fixture.h"
-#include "shell/tree_events.h"
-#include "store/store_undo.h"
+#include "shell/tree/label_edit.h"
+#include "shell/tree/tree_mouse.h"
+#include "shell/tree/tree_rules.h"
+#include "store/undo/undo.h"
 
 namespace numalink {
 

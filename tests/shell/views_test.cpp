@@ -2,7 +2,7 @@
 #include "calculator/number_text.h"
 #include "drawing/item_picture.h"
 #include "shell/shell_fixture.h"
-#include "shell/surface_view.h"
+#include "shell/views/surface_view.h"
 
 namespace numalink {
 

@@ -8,7 +8,7 @@
 
 #include <thread>
 
-#include "store/library_check.h"
+#include "store/care/library_check.h"
 #include "store/store_worker.h"
 #include "support/rounds.h"
 

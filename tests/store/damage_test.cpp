@@ -2,7 +2,7 @@
 // written over, and that a repair leaves a sound library.
 #include <gmock/gmock.h>
 
-#include "store/library_check.h"
+#include "store/care/library_check.h"
 #include "store/store_worker.h"
 
 namespace numalink {

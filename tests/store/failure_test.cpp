@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <sys/mount.h>
 
-#include "store/store_undo.h"
 #include "store/store_worker.h"
+#include "store/undo/undo.h"
 #include "support/failing_memory.h"
 
 namespace numalink {

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "store/file/check.h"
 #include "store/item_store.h"
-#include "store/store_check.h"
 #include "support/scratch_folder.h"
 #include "support/simulated_disk.h"
 #include "support/ui_recorder.h"

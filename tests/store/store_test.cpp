@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "calculator/program_info.h"
-#include "settings/language_table.h"
 #include "store/store_support.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 namespace {

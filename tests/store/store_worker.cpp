@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "store/store_undo.h"
+#include "store/undo/undo.h"
 
 namespace numalink {
 

@@ -8,8 +8,8 @@
 #include "calculator/program_info.h"
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "store/daily_copies.h"
-#include "store/store_undo.h"
+#include "store/care/daily_copies.h"
+#include "store/undo/undo.h"
 #include "store_support.h"
 #include "support/failing_memory.h"
 

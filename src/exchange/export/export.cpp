@@ -1,0 +1,273 @@
+// From chosen items to a file: reading, holding against the target, asking, writing.
+#include "exchange/export/export.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "calculator/charset.h"
+#include "exchange/shown_progress.h"
+#include "platform/files.h"
+#include "platform/program_folder.h"
+#include "platform/thread_role.h"
+#include "settings/settings_store.h"
+#include "store/care/daily_copies.h"
+#include "store/item_store.h"
+#include "telling/language_table.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int codeNotExported = 91;
+constexpr int kindNotExported = 92;
+constexpr std::size_t itemsNamed = 10;  // in one message
+
+struct TargetRow {
+    ExportTarget target;
+    const char *name;
+    const char *ending;
+};
+
+constexpr TargetRow targetRows[] = {
+    {ExportTarget::cat, "cat", ".cat"},
+    {ExportTarget::cas, "cas", ".cas"},
+    {ExportTarget::catAlgebra, "cat (algebra)", ".cat"},
+};
+
+std::vector<ItemId> lastChosen;  // of the question, for this run
+
+const TargetRow *rowOf(ExportTarget target) {
+    const auto row = std::ranges::find(targetRows, target, &TargetRow::target);
+    return row == std::end(targetRows) ? nullptr : row;
+}
+
+// What the program itself reads and writes.
+constexpr std::array ownFiles = {"storage.dat", "settings.xml", "casio.ptt",   "large.cft",
+                                 "small.cft",   "numalink",     "numalink-cli"};
+
+// Whether path is a file of folder whose name begins so.
+bool isFileIn(const std::string &path, const std::string &folder, std::string_view beginning) {
+    std::error_code failure;
+    for (const auto &entry : std::filesystem::directory_iterator(folder, failure)) {
+        if (entry.path().filename().native().starts_with(beginning) && isSameFile(path, entry.path())) return true;
+    }
+    return false;
+}
+
+bool isOwnFile(const std::string &path) {
+    for (const std::string &folder : {libraryFolder(), programFolder()}) {
+        for (const char *name : ownFiles) {
+            if (isSameFile(path, folder + name)) return true;
+        }
+        // Copies of a damaged library, and what was being typed when the program ended.
+        if (isFileIn(path, folder, "storage.dat") || isFileIn(path, folder, "draft-")) return true;
+    }
+    return isFileIn(path, dailyCopyFolder(), "") || isFileIn(path, programFolder() + "Language", "");
+}
+
+// One box for all items that are refused for the same cause.
+struct Refusals {
+    std::map<std::pair<ExportFault, int>, std::vector<std::string>> names{};
+};
+
+void addRefusal(Refusals &refusals, const ExportRefusal &refusal, const std::string &name) {
+    refusals.names[{refusal.fault, refusal.code}].push_back(name.empty() ? "?" : utf8FromCalculator(name));
+}
+
+std::string listOf(const std::vector<std::string> &names) {
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), itemsNamed); i++) list += (i == 0 ? "" : ", ") + names[i];
+    return names.size() > itemsNamed ? list + " ... (" + std::to_string(names.size()) + ")" : list;
+}
+
+struct CauseText {
+    int number;
+    std::string body;
+};
+
+CauseText causeText(ExportFault fault, int code, ExportTarget target) {
+    const auto own = [](OwnText text) { return CauseText{ownTextNumber(text), ownText(text, {})}; };
+    switch (fault) {
+        case ExportFault::code:
+            return {codeNotExported, languageFormat(codeNotExported, {std::to_string(code)})};
+        case ExportFault::kind:
+            if (target == ExportTarget::cas) return own(OwnText::exportNotInCas);
+            return {kindNotExported, languageText(kindNotExported)};
+        case ExportFault::sizesDiffer:
+            return own(OwnText::exportSizesDiffer);
+        case ExportFault::tooLarge:
+            return own(OwnText::exportTooLarge);
+        default:
+            return own(OwnText::exportNotWhole);
+    }
+}
+
+Answer showBox(int bodyNumber, const std::string &body, const std::vector<std::string> &arguments,
+               BoxButtons buttons = BoxButtons::ok) {
+    Box box;
+    box.bodyNumber = bodyNumber;
+    box.titleNumber = titleOfWarnings;
+    box.body = body;
+    box.title = languageText(titleOfWarnings);
+    box.buttons = buttons;
+    box.arguments = arguments;
+    return userInterface.messageBox(box);
+}
+
+// False when there was something to tell.
+bool tellRefusals(const Refusals &refusals, ExportTarget target) {
+    for (const auto &[cause, names] : refusals.names) {
+        const CauseText text = causeText(cause.first, cause.second, target);
+        const std::string list = listOf(names);
+        showBox(text.number, text.body + "\n" + ownText(OwnText::exportItems, {list}), {list});
+    }
+    return refusals.names.empty();
+}
+
+bool tellNotWritten(FileResult result, const std::string &path) {
+    switch (result) {
+        case FileResult::missing:
+            return failWith(OwnText::fileMissing, {path});
+        case FileResult::denied:
+            return failWith(OwnText::fileDenied, {path});
+        case FileResult::isFolder:
+            return failWith(OwnText::fileIsFolder, {path});
+        case FileResult::diskFull:
+            return failWith(OwnText::fileDiskFull, {path});
+        default:
+            return failWith(OwnText::fileFailed, {path});
+    }
+}
+
+bool pathIsFree(const ExportJob &job) {
+    if (isOwnFile(job.path)) return failWith(OwnText::exportOwnFile, {job.path});
+    std::error_code failure;
+    if (std::filesystem::is_directory(job.path, failure)) return tellNotWritten(FileResult::isFolder, job.path);
+    if (job.mayReplace || !fileExists(job.path)) return true;
+    return showBox(ownTextNumber(OwnText::exportReplace), ownText(OwnText::exportReplace, {job.path}), {job.path},
+                   BoxButtons::okCancel) == Answer::ok;
+}
+
+bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
+    appendFileEnd(job.target, file);
+    const FileResult result = writeWholeFile(job.path, file);
+    if (result != FileResult::done) return tellNotWritten(result, job.path);
+    statusLine(StatusPart::item, OwnText::exportDone, {std::to_string(count)});
+    return true;
+}
+
+// Gives the item of a place, or false when it can't be had, which has been told.
+using ItemSource = bool (*)(const void *items, std::size_t place, OutgoingItem &item);
+
+bool itemFromLibrary(const void *items, std::size_t place, OutgoingItem &item) {
+    StoredItem stored;
+    if (!storeReadItem((*static_cast<const std::vector<ItemId> *>(items))[place], stored)) return false;
+    item = {stored.kind, std::move(stored.name), std::move(stored.head), std::move(stored.data)};
+    return true;
+}
+
+bool itemFromMemory(const void *items, std::size_t place, OutgoingItem &item) {
+    item = (*static_cast<const std::vector<OutgoingItem> *>(items))[place];
+    return true;
+}
+
+bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTarget target, Bytes &file) {
+    Refusals refusals;
+    {
+        ShownProgress progress(count);
+        for (std::size_t i = 0; i < count; i++) {
+            OutgoingItem item;
+            if (!source(items, i, item)) return false;
+            if (const auto refusal = appendItem(item, target, file)) addRefusal(refusals, *refusal, item.name);
+            progress.step(i + 1);
+        }
+    }
+    return tellRefusals(refusals, target);
+}
+
+bool exportFrom(ItemSource source, const void *items, std::size_t count, const ExportJob &job) {
+    assertRole(ThreadRole::graphical);
+    const TargetRow *row = rowOf(job.target);
+    if (!row || count == 0 || !pathIsFree(job)) return false;
+    settingsSetValue(setting::lastExportType, row->name);
+    Bytes file;
+    return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);
+}
+
+// "Games/Old"; nothing for the temporary folder and what lies in it.
+std::optional<std::string> pathOfFolder(ItemId id, const std::unordered_map<ItemId, const ItemEntry *> &folders) {
+    std::vector<std::string> names;
+    std::unordered_set<ItemId> seen;
+    // A folder whose parents lead nowhere, or round in a circle, counts from there on.
+    for (auto folder = folders.find(id); folder != folders.end() && seen.insert(folder->first).second;
+         folder = folders.find(folder->second->parent)) {
+        if (folder->second->kind == kind::temporaryFolder) return std::nullopt;
+        names.push_back(utf8FromCalculator(folder->second->name));
+    }
+    std::string path;
+    for (auto name = names.rbegin(); name != names.rend(); ++name) path += (path.empty() ? "" : "/") + *name;
+    return path;
+}
+
+std::vector<ExportCandidate> exportCandidates() {
+    const std::vector<ItemEntry> entries = storeListItems();
+    std::unordered_map<ItemId, const ItemEntry *> folders;
+    for (const ItemEntry &entry : entries) {
+        if (isFolderKind(entry.kind)) folders.emplace(entry.id, &entry);
+    }
+    std::unordered_map<ItemId, std::optional<std::string>> paths;
+    std::vector<ExportCandidate> candidates;
+    for (const ItemEntry &entry : entries) {
+        if (isFolderKind(entry.kind)) continue;
+        const auto [path, added] = paths.try_emplace(entry.parent);
+        if (added) path->second = pathOfFolder(entry.parent, folders);
+        if (path->second) candidates.push_back({entry.id, *path->second, utf8FromCalculator(entry.name)});
+    }
+    std::ranges::stable_sort(candidates, {}, [](const ExportCandidate &item) {
+        return std::pair(foldCase(item.folder), foldCase(item.name));
+    });
+    return candidates;
+}
+
+}  // namespace
+
+void exportWithQuestion() {
+    assertRole(ThreadRole::graphical);
+    ExportQuestion question{.items = exportCandidates(),
+                            .chosen = lastChosen,
+                            .target = exportTargetOf(settingsValue(setting::lastExportType)),
+                            .path = {}};
+    userInterface.askExport(question);
+    lastChosen = question.chosen;
+    if (!question.path.empty()) exportItems({.path = question.path, .ids = question.chosen, .target = question.target});
+}
+
+bool exportItems(const ExportJob &job) { return exportFrom(itemFromLibrary, &job.ids, job.ids.size(), job); }
+
+bool exportToFile(const std::vector<OutgoingItem> &items, const ExportJob &job) {
+    return exportFrom(itemFromMemory, &items, items.size(), job);
+}
+
+std::string exportTargetName(ExportTarget target) {
+    const TargetRow *row = rowOf(target);
+    return row ? row->name : "";
+}
+
+ExportTarget exportTargetOf(const std::string &name) {
+    for (const TargetRow &row : targetRows) {
+        if (equalWithoutCase(name, row.name)) return row.target;
+    }
+    return ExportTarget::none;
+}
+
+const char *exportFileEnding(ExportTarget target) {
+    const TargetRow *row = rowOf(target);
+    return row ? row->ending : "";
+}
+
+}  // namespace numalink

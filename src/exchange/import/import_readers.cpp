@@ -1,0 +1,73 @@
+// What the readers share: messages, and the test of a head against its data.
+#include "exchange/import/import_readers.h"
+
+#include "calculator/charset.h"
+#include "calculator/frames.h"
+#include "exchange/import/import.h"
+#include "telling/language_table.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::string_view catMark = "%Header Record";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+std::uint64_t lengthByHead(const ImportedItem &item) {
+    // By the kind, not by the mark: a text file may put a number into the byte that a mark has as 0.
+    if (item.itemKind == kind::picture) return picturePlaneCount(item.head) * picturePlaneLength(item.head);
+    if (!isTextKind(item.itemKind)) return frameDataLength(item.head);
+    const auto info = decodeProgramInfo(item.head);
+    return info ? info->imageLength : 0;
+}
+
+}  // namespace
+
+ItemReader itemReaderOf(ByteView &file) {
+    const std::string_view text{reinterpret_cast<const char *>(file.data()), file.size()};
+    if (text.starts_with(byteOrderMark) && startsWithoutCase(text.substr(byteOrderMark.size()), catMark)) {
+        file = file.subspan(byteOrderMark.size());
+        return readCat;
+    }
+    if (startsWithoutCase(text, catMark)) return readCat;
+    if (text.starts_with("20")) return readFxi;
+    return text.starts_with(':') ? readCas : nullptr;
+}
+
+void addMessage(ImportReport &report, OwnText text, const std::vector<std::string> &arguments) {
+    report.messages.push_back({ownTextNumber(text), ownText(text, arguments)});
+}
+
+void addMessage(ImportReport &report, int bodyNumber, const std::string &detail) {
+    report.messages.push_back({bodyNumber, languageText(bodyNumber) + detail});
+}
+
+void addStopMessage(ImportReport &report, std::size_t place) {
+    addMessage(report, OwnText::importStopped, {std::to_string(report.items), std::to_string(place)});
+}
+
+bool deliver(ImportedItem item, const ItemSink &sink, ImportReport &report) {
+    const std::string name = item.name.empty() ? "?" : utf8FromCalculator(item.name);
+    if (item.data.size() > importItemLimit) {
+        addMessage(report, OwnText::importTooLarge, {name, std::to_string(importItemLimit)});
+        return true;
+    }
+    if (lengthByHead(item) != item.data.size()) {
+        addMessage(report, OwnText::importSizesDiffer, {name});
+        return true;
+    }
+    if (!sink(item)) return false;
+    report.items++;
+    return true;
+}
+
+ImportedItem itemFromFrame(ByteView head, Bytes data) {
+    ImportedItem item{.itemKind = classifyFrame(head.subspan(1)),
+                      .name = copyFrameName(head.subspan(frameNameOffset)),
+                      .head = {head.begin(), head.end()},
+                      .data = std::move(data)};
+    if (const auto info = infoFromHeadFrame(head)) item.head = encodeProgramInfo(*info);
+    return item;
+}
+
+}  // namespace numalink

@@ -1,0 +1,169 @@
+#include "shell/app/start_up.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMainWindow>
+#include <QThread>
+#include <QTimer>
+
+#include "drawing/dot_fonts.h"
+#include "platform/program_folder.h"
+#include "platform/thread_role.h"
+#include "settings/settings_store.h"
+#include "shell/app/message_boxes.h"
+#include "shell/app/single_copy.h"
+#include "shell/app/stop_signals.h"
+#include "shell/app/tray.h"
+#include "shell/app/window_events.h"
+#include "shell/commands/link_commands.h"
+#include "shell/commands/menus.h"
+#include "shell/commands/undo_menu.h"
+#include "shell/commands/view_menu.h"
+#include "shell/dialogs/about_box.h"
+#include "shell/editor/program_drafts.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/tree/item_tree.h"
+#include "shell/tree/label_edit.h"
+#include "shell/views/item_views.h"
+#include "store/care/daily_copies.h"
+#include "store/item_store.h"
+#include "telling/language_table.h"
+#include "telling/tell_user.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+struct StartStep {
+    const char *name;
+    bool (*run)();
+    bool stops;  // the program ends when it gives false
+};
+
+bool done(void (*work)()) {
+    work();
+    return true;
+}
+
+bool openLibrary() {
+    if (storeOpen()) return true;
+    tellUser(3);
+    return false;
+}
+
+// Once the window is alive: the questions must not hold up the start.
+void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
+
+bool settingsRead = true;
+
+// What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
+bool tellSettings() {
+    tellUser(OwnText::fileFailed, {libraryFolder() + "settings.xml"});
+    return true;
+}
+
+bool showFirst() {
+    mainWindow->show();
+    showSplash();
+    return true;
+}
+
+// In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
+constexpr StartStep startSteps[] = {
+    {"running copy", [] { return !raiseRunningCopy(); }, false},  // if one runs, opening the library ends the start
+    {"settings", [] { return settingsRead = settingsLoad(); }, false},
+    {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
+    {"main window", [] { return done(makeMainWindow); }, false},
+    {"menus", [] { return done(buildMenus); }, false},
+    {"boxes and status bar", [] { return done(installUserInterface); }, false},
+    {"widgets", [] { return done(makeClientWidgets); }, false},
+    {"toolbar", [] { return done(buildToolbar); }, false},
+    {"communication menu", [] { return done(buildCommunicationMenu); }, false},
+    {"undo menu", [] { return done(buildUndoMenu); }, false},
+    {"view menu", [] { return done(buildViewMenu); }, false},
+    {"views", [] { return done(connectViews); }, false},
+    {"window events", [] { return done(connectWindow); }, false},
+    {"window on screen", showFirst, false},
+    {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
+    {"library", openLibrary, true},
+    {"daily copy", [] { return keepDailyCopy() || failWith(OwnText::dailyCopyFailed, {dailyCopyFolder()}); }, false},
+    {"further copies", [] { return done(answerFurtherCopies); }, false},
+    {"tree", [] { return done(connectTree); }, false},
+    {"notification area", [] { return done(addTrayIcon); }, false},
+    {"tokens", tokenTableLoad, false},
+    {"large font", loadLargeFont, false},
+    {"small font", loadSmallFont, false},
+    {"link", [] { return done(startLink); }, false},
+    {"signals", [] { return done(watchStopSignals); }, false},
+    {"drafts", [] { return done(offerDraftsSoon); }, false},
+};
+
+bool shutting = false;
+
+void closeLibraryAndQuit() {
+    shutting = true;
+    stopLink();
+    storeClose();
+    removeTrayIcon();
+    stopAnsweringCopies();
+    forgetStopSignals();
+    // Not quit(): that asks every window first, and this one only ever closes by shutDown.
+    if (QThread::currentThread()->loopLevel() > 0) QCoreApplication::exit(0);
+}
+
+}  // namespace
+
+bool startUp() {
+    threadRole = ThreadRole::graphical;
+    shutting = false;
+    QApplication::setQuitOnLastWindowClosed(false);
+    for (const StartStep &step : startSteps) {
+        if (!step.run() && step.stops) {
+            storeClose();
+            tearDown();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool shuttingDown() { return shutting; }
+
+void shutDown() {
+    if (shutting) return;
+    if (QWidget *dialog = QApplication::activeModalWidget()) {
+        dialog->raise();
+        dialog->activateWindow();
+        return;
+    }
+    if (finishLabelEdit() && leaveViewAtEnd()) closeLibraryAndQuit();
+}
+
+void shutDownAtOnce() {
+    if (shutting) return;
+    while (QWidget *menu = QApplication::activePopupWidget()) {
+        menu->close();
+        if (QApplication::activePopupWidget() == menu) break;
+    }
+    while (QWidget *dialog = QApplication::activeModalWidget()) {
+        dialog->close();
+        if (QApplication::activeModalWidget() == dialog) break;
+    }
+    finishLabelEditAtOnce();
+    leaveViewAtOnce();
+    closeLibraryAndQuit();
+}
+
+void tearDown() {
+    stopAnsweringCopies();
+    removeTrayIcon();
+    forgetStopSignals();
+    removeUserInterface();
+    forgetMenus();
+    forgetTree();
+    forgetViews();
+    destroyWidgets();
+}
+
+}  // namespace numalink

@@ -1,0 +1,152 @@
+#include "shell/commands/link_commands.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMenu>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+
+#include "link/link_thread.h"
+#include "link/transmit_queue.h"
+#include "platform/serial_line.h"
+#include "shell/commands/command_table.h"
+#include "shell/commands/menus.h"
+#include "shell/dialogs/settings_dialog.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+#include "store/item_store.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int deadlineMilliseconds = 500;
+constexpr int transmitQueueText = 89;
+
+QPointer<QTimer> deadlineTimer;
+QPointer<QDialog> queueWindow;
+QPointer<QListWidget> queueList;
+QPointer<QPushButton> sendButton, removeButton, clearButton, againButton;
+
+void showButtons() {
+    sendButton->setEnabled(transmitCanBegin());
+    removeButton->setEnabled(queueList->currentItem() != nullptr);
+    clearButton->setEnabled(queueList->count() > 0);
+    againButton->setEnabled(transmitDroppedCount() > 0);
+}
+
+// The list is made anew with each entry that goes; what is chosen in it stays chosen.
+void showQueue() {
+    setCommandEnabled(command::transmitQueue, transmitCanBegin());
+    if (queueList == nullptr) return;
+    const QListWidgetItem *chosen = queueList->currentItem();
+    const ItemId chosenId = chosen == nullptr ? noItem : chosen->data(Qt::UserRole).toUInt();
+    queueList->clear();
+    for (const ItemId id : transmitQueueIds()) {
+        const std::optional<ItemEntry> item = storeReadEntry(id);
+        auto *row = new QListWidgetItem(item ? nameToQt(item->name) : QStringLiteral("?"), queueList);
+        row->setData(Qt::UserRole, id);
+        if (id == chosenId) queueList->setCurrentItem(row);
+    }
+    showButtons();
+}
+
+void removeChosen() {
+    const QListWidgetItem *row = queueList->currentItem();
+    if (row != nullptr) transmitQueueRemove(row->data(Qt::UserRole).toUInt());
+}
+
+QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pressed)()) {
+    QPushButton *button = buttons->addButton(text, QDialogButtonBox::ActionRole);
+    button->setAutoDefault(false);  // Enter in the list does nothing
+    QObject::connect(button, &QPushButton::clicked, queueWindow, pressed);
+    return button;
+}
+
+void makeQueueWindow() {
+    queueWindow = new QDialog(mainWindow, Qt::Tool);
+    queueWindow->setObjectName(QStringLiteral("queueWindow"));
+    queueWindow->setWindowTitle(textOf(OwnText::queueTitle));
+    queueList = new QListWidget;
+    queueList->setAccessibleName(textOf(OwnText::queueTitle));
+    auto *buttons = new QDialogButtonBox(Qt::Vertical);
+    sendButton = addButton(buttons, textOf(transmitQueueText), [] { beginTransmit(); });
+    removeButton = addButton(buttons, textOf(OwnText::queueRemove), removeChosen);
+    clearButton = addButton(buttons, textOf(OwnText::queueClear), transmitQueueClear);
+    againButton = addButton(buttons, textOf(OwnText::queueAgain), [] { transmitQueueAgain(); });
+    QObject::connect(queueList, &QListWidget::currentItemChanged, queueWindow, showButtons);
+    auto *layout = new QHBoxLayout(queueWindow);
+    layout->addWidget(queueList);
+    layout->addWidget(buttons);
+}
+
+void openQueueWindow() {
+    if (queueWindow == nullptr) makeQueueWindow();
+    showQueue();
+    queueWindow->show();
+    queueWindow->raise();
+}
+
+std::vector<std::string> portsOffered() {
+    std::vector<std::string> ports = {"COM1", "COM2", "COM3", "COM4"};
+    for (const std::string &device : serialDevices()) ports.push_back(device);
+    return ports;
+}
+
+}  // namespace
+
+void startLink() {
+    listSerialPorts = portsOffered;
+    linkSettingsChanged = startLinkThread;
+    deadlineTimer = new QTimer(mainWindow);
+    QObject::connect(deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    deadlineTimer->start(deadlineMilliseconds);
+    startLinkThread();
+}
+
+void stopLink() {
+    if (deadlineTimer != nullptr) deadlineTimer->stop();
+    stopLinkThread();
+}
+
+int transmitSelected() {
+    const bool wasEmpty = transmitQueueCount() == 0;
+    queueItem(selectedItemId());  // of a full or mixed folder something waits all the same
+    if (wasEmpty) beginTransmit();
+    return 1;
+}
+
+int queueSelected() {
+    queueItem(selectedItemId());
+    return 1;
+}
+
+int transmitQueued() {
+    beginTransmit();
+    return 1;
+}
+
+void buildCommunicationMenu() {
+    QMenu *menu = menuAt(static_cast<int>(MenuPosition::communication));
+    QAction *queue = menu->addAction(textOf(OwnText::menuQueue));
+    queue->setObjectName(QStringLiteral("queueAction"));
+    QObject::connect(queue, &QAction::triggered, menu, openQueueWindow);
+}
+
+void queueMarked() {
+    QMetaObject::invokeMethod(
+        qApp,
+        [] {
+            if (mainWindow != nullptr) showQueue();
+        },
+        Qt::QueuedConnection);
+}
+
+}  // namespace numalink

@@ -1,0 +1,115 @@
+#include "shell/dialogs/about_box.h"
+
+#include <QDesktopServices>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QTimer>
+#include <QUrl>
+
+#include "shell/parts/cursors.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int pictureWidth = 300, pictureHeight = 200;
+constexpr int bandLeft = 16, bandRight = 239;
+constexpr int webTop = 146, webBottom = 156, mailTop = 161, mailBottom = 174;
+constexpr int versionBaseline = 190;
+
+const QString webPage = QStringLiteral("https://numalink.example/");
+const QString mailAddress = QStringLiteral("hello@numalink.example");
+const QString versionText = QStringLiteral("0.2.3 B\u00E8ta 1");
+
+void paintPicture(QWidget *widget) {
+    static QSvgRenderer drawing(QStringLiteral(":/images/splash.svg"));
+    QPainter painter(widget);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawing.render(&painter, QRectF(0, 0, pictureWidth, pictureHeight));
+    QFont font = widget->font();
+    font.setPixelSize(11);
+    painter.setFont(font);
+    painter.setPen(QColor(0xE8, 0xEE, 0xF4));
+    painter.drawText(bandLeft, versionBaseline, versionText);
+    painter.setPen(QColor(0x9C, 0xD4, 0xFF));
+    painter.drawText(QRect(bandLeft, webTop - 2, bandRight - bandLeft, webBottom - webTop + 4), Qt::AlignVCenter,
+                     webPage);
+    painter.drawText(QRect(bandLeft, mailTop - 2, bandRight - bandLeft, mailBottom - mailTop + 4), Qt::AlignVCenter,
+                     mailAddress);
+}
+
+void clickAt(QWidget *widget, const QPoint &place) {
+    switch (aboutBandAt(place.x(), place.y())) {
+        case AboutBand::webPage:
+            QDesktopServices::openUrl(QUrl(webPage));
+            break;
+        case AboutBand::mail:
+            QDesktopServices::openUrl(QUrl(QStringLiteral("mailto:") + mailAddress));
+            break;
+        case AboutBand::none:
+            widget->close();
+            break;
+    }
+}
+
+bool aboutEvent(QWidget *widget, QEvent *event) {
+    switch (event->type()) {
+        case QEvent::Paint:
+            paintPicture(widget);
+            return true;
+        case QEvent::MouseMove: {
+            const QPoint place = static_cast<QMouseEvent *>(event)->position().toPoint();
+            const bool link = aboutBandAt(place.x(), place.y()) != AboutBand::none;
+            widget->setCursor(link ? linkCursor() : QCursor(Qt::ArrowCursor));
+            return true;
+        }
+        case QEvent::MouseButtonPress: {
+            const auto &mouse = *static_cast<QMouseEvent *>(event);
+            if (mouse.button() == Qt::LeftButton) clickAt(widget, mouse.position().toPoint());
+            return true;
+        }
+        case QEvent::KeyPress:
+            widget->close();
+            return true;
+        default:
+            return false;
+    }
+}
+
+QDialog *makePicture(Qt::WindowFlags flags) {
+    auto *dialog = new QDialog(mainWindow, flags);
+    dialog->setObjectName(QStringLiteral("aboutBox"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setMouseTracking(true);
+    dialog->setFixedSize(pictureWidth, pictureHeight);
+    dialog->setWindowTitle(textOf(90).remove(QLatin1Char('&')));
+    dialog->move(mainWindow->geometry().center() - QPoint(pictureWidth / 2, pictureHeight / 2));
+    hookEvents(dialog, aboutEvent);
+    return dialog;
+}
+
+}  // namespace
+
+AboutBand aboutBandAt(int x, int y) {
+    if (x < bandLeft || x > bandRight) return AboutBand::none;
+    if (y >= webTop && y <= webBottom) return AboutBand::webPage;
+    return y >= mailTop && y <= mailBottom ? AboutBand::mail : AboutBand::none;
+}
+
+void showSplash() {
+    QDialog *splash = makePicture(Qt::Tool | Qt::FramelessWindowHint);
+    splash->setAttribute(Qt::WA_ShowWithoutActivating);
+    splash->show();
+    QTimer::singleShot(splashMilliseconds, splash, &QWidget::close);
+}
+
+void showAboutBox() { makePicture(Qt::Dialog)->exec(); }
+
+}  // namespace numalink

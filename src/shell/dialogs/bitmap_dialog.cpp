@@ -1,0 +1,87 @@
+#include "shell/dialogs/bitmap_dialog.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QImage>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPixmap>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int previewZoom = 3;  // pixels a dot
+
+// Whole pixels a dot, so that no dot is wider than another.
+QPixmap pixmapOf(const Surface &surface) {
+    const QImage dots(reinterpret_cast<const uchar *>(surface.dots.data()), surface.width, surface.height,
+                      static_cast<qsizetype>(surface.width) * static_cast<qsizetype>(sizeof(Color)),
+                      QImage::Format_RGB32);
+    return QPixmap::fromImage(dots.scaled(surface.width * previewZoom, surface.height * previewZoom));
+}
+
+QGroupBox *pictureBox(const QString &title, QLabel *picture) {
+    auto *box = new QGroupBox(title);
+    picture->setFrameShape(QFrame::Panel);
+    picture->setFrameShadow(QFrame::Sunken);
+    picture->setAccessibleName(title);
+    (new QVBoxLayout(box))->addWidget(picture, 0, Qt::AlignCenter);
+    return box;
+}
+
+struct BitmapControls {
+    QRadioButton *image = new QRadioButton(textOf(110));
+    QRadioButton *sharp = new QRadioButton(textOf(111));
+    QLabel *result = new QLabel;
+};
+
+QGroupBox *choicesBox(const BitmapQuestion &question, const BitmapControls &controls) {
+    auto *box = new QGroupBox(textOf(115));
+    auto *layout = new QHBoxLayout(box);
+    layout->addWidget(controls.image);
+    layout->addWidget(controls.sharp);
+    layout->addStretch();
+    const auto show = [&question, controls] {
+        controls.result->setPixmap(pixmapOf(controls.image->isChecked() ? question.image : question.sharp));
+    };
+    QObject::connect(controls.image, &QRadioButton::toggled, box, show);
+    (question.type == RasterType::image ? controls.image : controls.sharp)->setChecked(true);
+    show();
+    return box;
+}
+
+}  // namespace
+
+void askBitmap(BitmapQuestion &question) {
+    QDialog dialog(mainWindow);
+    dialog.setObjectName(QStringLiteral("bitmapDialog"));
+    dialog.setWindowTitle(textOf(114) + QStringLiteral(" - ") + toQt(question.fileName));
+    const BitmapControls controls;
+    auto *layout = new QVBoxLayout(&dialog);
+    auto *original = new QLabel;
+    original->setPixmap(pixmapOf(question.scaled));
+    layout->addWidget(pictureBox(textOf(OwnText::bitmapOriginal), original));
+    layout->addWidget(pictureBox(textOf(OwnText::bitmapResult), controls.result));
+    layout->addWidget(choicesBox(question, controls));
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    controls.image->setFocus();
+    question.accepted = dialog.exec() == QDialog::Accepted;
+    question.type = controls.image->isChecked() ? RasterType::image : RasterType::sharp;
+}
+
+}  // namespace numalink

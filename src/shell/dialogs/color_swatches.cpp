@@ -1,0 +1,183 @@
+#include "shell/dialogs/color_swatches.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "shell/editor/program_document.h"
+#include "shell/parts/color_contrast.h"
+#include "shell/parts/fonts.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/program_colors.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr int swatchWidth = 36, swatchHeight = 16, previewLines = 6;
+
+// In the order of the dialog, down each column: the class and its wording.
+struct SwatchRow {
+    RunClass runClass;
+    int textNumber;
+};
+constexpr SwatchRow swatchRows[] = {
+    {RunClass::ascii, 131},
+    {RunClass::text, 132},
+    {RunClass::numbers, 133},
+    {RunClass::error, 134},
+    {RunClass::twoByteCommand, 135},
+    {RunClass::oneByteCommand, 136},
+    {RunClass::oneByteCharacter, 137},
+    {RunClass::comment, 138},
+};
+
+// A program in which each class occurs. It holds a zero byte.
+constexpr std::string_view previewTokens =
+    "'DEMO\r\"SCORE\"?\x0E"
+    "A\x0C"
+    "\xF7\x00"
+    "A>12.5\x13\xF7\x0C\r"
+    "\xD1\r"
+    "\x81"
+    "A\x89\x7F\x40"
+    "1\xFA"sv;
+
+std::array<QColor, runClassCount> colours;
+std::array<QPushButton *, runClassCount> buttons;
+QPlainTextEdit *preview = nullptr;
+
+std::size_t placeOf(RunClass runClass) { return static_cast<std::size_t>(runClass); }
+
+QIcon swatchIcon(const QColor &colour, const QWidget *widget) {
+    const qreal scale = widget->devicePixelRatioF();
+    QPixmap picture(qRound(swatchWidth * scale), qRound(swatchHeight * scale));
+    picture.setDevicePixelRatio(scale);
+    picture.fill(colour);
+    QPainter painter(&picture);
+    painter.setPen(widget->palette().color(QPalette::Mid));
+    painter.drawRect(QRectF(0.5, 0.5, swatchWidth - 1, swatchHeight - 1));
+    return QIcon(picture);
+}
+
+void showColours() {
+    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colours[i], preview));
+    const QColor ground = preview->palette().color(QPalette::Base);
+    Bytes image(std::size(previewTokens) + 2, 0xFF);  // ':', the tokens, the end mark
+    image[0] = ':';
+    std::copy(std::begin(previewTokens), std::end(previewTokens), image.begin() + 1);
+    preview->clear();
+    QTextCursor cursor(preview->document());
+    for (const ViewLine &line : viewLines(image)) {
+        if (!cursor.atStart()) cursor.insertBlock();
+        for (const ColourRun &run : colourRuns(line, readLine(line, false))) {
+            QTextCharFormat format;
+            format.setForeground(readableOn(ground, colours[placeOf(run.runClass)]));
+            cursor.insertText(qtFromCodes(std::string_view(line.text).substr(run.from, run.size)), format);
+        }
+    }
+    preview->moveCursor(QTextCursor::Start);
+}
+
+void chooseColour(RunClass runClass, const QString &name) {
+    const QColor chosen = QColorDialog::getColor(colours[placeOf(runClass)], preview->window(), name);
+    if (!chosen.isValid()) return;
+    colours[placeOf(runClass)] = chosen;
+    showColours();
+}
+
+// A scheme is no use with highlighting off: the choice turns it on.
+void takeScheme(const ColorScheme &scheme) {
+    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = QColor::fromRgb(scheme[i]);
+    if (auto *box = preview->window()->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting)))
+        box->setChecked(true);
+    showColours();
+}
+
+void addSwatches(QGridLayout *grid) {
+    constexpr int rowsPerColumn = 8;
+    int place = 0;
+    for (const SwatchRow &row : swatchRows) {
+        auto *button = new QPushButton;
+        button->setIconSize({swatchWidth, swatchHeight});
+        button->setFixedWidth(swatchWidth + 16);
+        button->setAutoDefault(false);
+        const QString name = textOf(row.textNumber);
+        button->setAccessibleName(name);
+        button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
+        QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColour(row.runClass, name); });
+        buttons[placeOf(row.runClass)] = button;
+        auto *label = new QLabel(name);
+        label->setBuddy(button);
+        grid->addWidget(button, place % rowsPerColumn, place / rowsPerColumn * 2);
+        grid->addWidget(label, place % rowsPerColumn, place / rowsPerColumn * 2 + 1);
+        place++;
+    }
+    grid->setColumnStretch(1, 1);
+}
+
+QPushButton *schemeButton(OwnText text, const ColorScheme &scheme, const char *name) {
+    auto *button = new QPushButton(textOf(text));
+    button->setAutoDefault(false);
+    button->setObjectName(QString::fromLatin1(name));
+    QObject::connect(button, &QPushButton::clicked, button, [&scheme] { takeScheme(scheme); });
+    return button;
+}
+
+void makePreview() {
+    preview = new QPlainTextEdit;
+    preview->setFont(programFont());
+    preview->setReadOnly(true);
+    preview->setLineWrapMode(QPlainTextEdit::NoWrap);
+    preview->setAccessibleName(textOf(OwnText::colorPreview));
+    preview->setTabChangesFocus(true);
+    preview->setMinimumWidth(300);
+    preview->setFixedHeight(previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
+    preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
+}  // namespace
+
+QWidget *makeColorSwatches() {
+    auto *part = new QWidget;
+    auto *layout = new QVBoxLayout(part);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *title = new QLabel(textOf(130));
+    layout->addWidget(title);
+    auto *grid = new QGridLayout;
+    addSwatches(grid);
+    layout->addLayout(grid);
+    layout->addWidget(schemeButton(OwnText::schemeLight, lightScheme, "lightScheme"));
+    layout->addWidget(schemeButton(OwnText::schemeDark, darkScheme, "darkScheme"));
+    makePreview();
+    layout->addWidget(new QLabel(textOf(OwnText::colorPreview)));
+    layout->addWidget(preview);
+    layout->addStretch();
+    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = qtColour(settingsColour(programColorKeys[i]));
+    showColours();
+    return part;
+}
+
+void storeSwatches() {
+    for (std::size_t i = 0; i < colours.size(); i++) settingsSetColour(programColorKeys[i], settingColour(colours[i]));
+}
+
+void forgetSwatches() {
+    buttons.fill(nullptr);
+    preview = nullptr;
+}
+
+}  // namespace numalink

@@ -1,0 +1,281 @@
+#include "shell/dialogs/export_dialog.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QRadioButton>
+#include <algorithm>
+#include <functional>
+#include <iterator>
+
+#include "exchange/export/export.h"
+#include "shell/parts/fonts.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+namespace {
+
+QString lastFolder;  // of the file dialog, for this run
+
+constexpr int idRole = Qt::UserRole;
+constexpr int orderRole = Qt::UserRole + 1;  // place among the items of the question, by folder and name
+
+// Both lists are sorted by their items' places in the question.
+class CandidateItem : public QListWidgetItem {
+public:
+    using QListWidgetItem::QListWidgetItem;
+    bool operator<(const QListWidgetItem &other) const override {
+        return data(orderRole).toInt() < other.data(orderRole).toInt();
+    }
+};
+
+struct TargetChoice {
+    ExportTarget target;
+    OwnText text;
+    OwnText filter;
+    const char *pattern;
+};
+
+constexpr TargetChoice targetChoices[] = {
+    {ExportTarget::cas, OwnText::exportTypeCas, OwnText::filterCas, "*.cas *.CAS"},
+    {ExportTarget::cat, OwnText::exportTypeCat, OwnText::filterCat, "*.cat *.CAT"},
+    {ExportTarget::catAlgebra, OwnText::exportTypeCatAlgebra, OwnText::filterCat, "*.cat *.CAT"},
+};
+
+struct ExportControls {
+    QListWidget *available = nullptr;
+    QListWidget *chosen = nullptr;
+    QRadioButton *targets[std::size(targetChoices)] = {};
+    QPushButton *ok = nullptr;
+};
+
+const TargetChoice *choiceOf(const ExportControls &controls) {
+    for (std::size_t i = 0; i < std::size(targetChoices); i++) {
+        if (controls.targets[i]->isChecked()) return &targetChoices[i];
+    }
+    return nullptr;
+}
+
+void enableOk(const ExportControls &controls) {
+    controls.ok->setEnabled(choiceOf(controls) != nullptr && controls.chosen->count() > 0);
+}
+
+// Moves rows of one list, which rise, to the other; then the row that stands where the first one stood is selected.
+void moveRows(const ExportControls &controls, QListWidget *from, QListWidget *to, const std::vector<int> &rows) {
+    if (rows.empty()) return;
+    from->setUpdatesEnabled(false);
+    to->setUpdatesEnabled(false);
+    to->clearSelection();
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) to->addItem(from->takeItem(*row));
+    to->sortItems();
+    from->clearSelection();
+    from->setCurrentRow(std::min(rows.front(), from->count() - 1));
+    from->setUpdatesEnabled(true);
+    to->setUpdatesEnabled(true);
+    enableOk(controls);
+}
+
+void moveSelected(const ExportControls &controls, QListWidget *from, QListWidget *to) {
+    std::vector<int> rows;
+    for (int row = 0; row < from->count(); row++) {
+        if (from->item(row)->isSelected()) rows.push_back(row);
+    }
+    moveRows(controls, from, to, rows);
+    from->setFocus();
+}
+
+void moveAll(const ExportControls &controls, QListWidget *from, QListWidget *to) {
+    std::vector<int> rows(static_cast<std::size_t>(from->count()));
+    for (std::size_t i = 0; i < rows.size(); i++) rows[i] = static_cast<int>(i);
+    moveRows(controls, from, to, rows);
+    to->setFocus();
+    to->setCurrentRow(0);
+}
+
+// A list that takes what is dragged from the other one as if its button had been pressed.
+class CandidateList : public QListWidget {
+public:
+    std::function<void()> takeDrop;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override { allowFromOther(event); }
+    void dragMoveEvent(QDragMoveEvent *event) override { allowFromOther(event); }
+    void dropEvent(QDropEvent *event) override {
+        allowFromOther(event);
+        if (event->isAccepted()) takeDrop();
+    }
+
+private:
+    void allowFromOther(QDropEvent *event) {
+        const bool fromOther =
+            event->source() != nullptr && event->source() != this && event->source()->parent() == parent();
+        // Copied as far as Qt knows: the source would otherwise take its lines away a second time.
+        event->setDropAction(Qt::CopyAction);
+        event->setAccepted(fromOther);
+    }
+};
+
+CandidateList *makeList(const QString &name, const QString &title) {
+    auto *list = new CandidateList;
+    list->setObjectName(name);
+    list->setAccessibleName(title);
+    list->setFont(treeFont());
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    list->setDragEnabled(true);
+    list->setAcceptDrops(true);
+    list->setDragDropMode(QAbstractItemView::DragDrop);
+    list->setDefaultDropAction(Qt::CopyAction);
+    list->setUniformItemSizes(true);
+    list->setSpacing(1);
+    return list;
+}
+
+void fillLists(const ExportQuestion &question, const ExportControls &controls) {
+    int order = 0;
+    for (const ExportCandidate &candidate : question.items) {
+        const std::string folder = candidate.folder.empty() ? "" : "(" + candidate.folder + ") ";
+        auto *item = new CandidateItem(toQt(folder + candidate.name));
+        item->setData(idRole, candidate.id);
+        item->setData(orderRole, order++);
+        const bool isChosen = std::ranges::find(question.chosen, candidate.id) != question.chosen.end();
+        (isChosen ? controls.chosen : controls.available)->addItem(item);
+    }
+    for (QListWidget *list : {controls.available, controls.chosen}) list->setCurrentRow(0);
+}
+
+QPushButton *moveButton(const QString &sign, OwnText tip, const std::function<void()> &work) {
+    auto *button = new QPushButton(sign);
+    button->setToolTip(textOf(tip));
+    button->setAccessibleName(textOf(tip));
+    button->setAutoDefault(false);
+    QObject::connect(button, &QPushButton::clicked, button, work);
+    return button;
+}
+
+QVBoxLayout *moveButtons(const ExportControls &controls) {
+    QListWidget *left = controls.available;
+    QListWidget *right = controls.chosen;
+    auto *layout = new QVBoxLayout;
+    layout->addStretch();
+    layout->addWidget(
+        moveButton(QStringLiteral(">"), OwnText::exportAdd, [=] { moveSelected(controls, left, right); }));
+    layout->addWidget(moveButton(QStringLiteral(">>"), OwnText::exportAddAll, [=] { moveAll(controls, left, right); }));
+    layout->addWidget(
+        moveButton(QStringLiteral("<"), OwnText::exportRemove, [=] { moveSelected(controls, right, left); }));
+    layout->addWidget(
+        moveButton(QStringLiteral("<<"), OwnText::exportRemoveAll, [=] { moveAll(controls, right, left); }));
+    layout->addStretch();
+    return layout;
+}
+
+QGroupBox *targetBox(const ExportQuestion &question, ExportControls &controls) {
+    auto *box = new QGroupBox(textOf(118));
+    auto *layout = new QHBoxLayout(box);
+    for (std::size_t i = 0; i < std::size(targetChoices); i++) {
+        controls.targets[i] = new QRadioButton(textOf(targetChoices[i].text));
+        controls.targets[i]->setChecked(targetChoices[i].target == question.target);
+        layout->addWidget(controls.targets[i]);
+    }
+    layout->addStretch();
+    return box;
+}
+
+QLabel *titleOf(const QString &text, QListWidget *list) {
+    auto *title = new QLabel(text);
+    title->setBuddy(list);
+    return title;
+}
+
+QGridLayout *listsLayout(ExportControls &controls) {
+    auto *left = makeList(QStringLiteral("availableItems"), textOf(116));
+    auto *right = makeList(QStringLiteral("chosenItems"), textOf(117));
+    controls.available = left;
+    controls.chosen = right;
+    auto *layout = new QGridLayout;
+    layout->addWidget(titleOf(textOf(116), left), 0, 0);
+    layout->addWidget(titleOf(textOf(117), right), 0, 2);
+    layout->addWidget(left, 1, 0);
+    layout->addWidget(right, 1, 2);
+    layout->setColumnStretch(0, 1);
+    layout->setColumnStretch(2, 1);
+    return layout;
+}
+
+void connectLists(const ExportControls &controls, QGridLayout *layout) {
+    auto *left = static_cast<CandidateList *>(controls.available);
+    auto *right = static_cast<CandidateList *>(controls.chosen);
+    left->takeDrop = [=] { moveSelected(controls, right, left); };
+    right->takeDrop = [=] { moveSelected(controls, left, right); };
+    QObject::connect(left, &QListWidget::itemDoubleClicked, right, [=] { moveSelected(controls, left, right); });
+    QObject::connect(right, &QListWidget::itemDoubleClicked, left, [=] { moveSelected(controls, right, left); });
+    for (QRadioButton *target : controls.targets)
+        QObject::connect(target, &QRadioButton::toggled, left, [=] { enableOk(controls); });
+    layout->addLayout(moveButtons(controls), 1, 1);
+}
+
+void takeAnswers(ExportQuestion &question, const ExportControls &controls) {
+    question.chosen.clear();
+    for (int row = 0; row < controls.chosen->count(); row++)
+        question.chosen.push_back(controls.chosen->item(row)->data(idRole).toUInt());
+    const TargetChoice *choice = choiceOf(controls);
+    question.target = choice == nullptr ? ExportTarget::none : choice->target;
+}
+
+// Whether an existing file may be replaced is asked further down, for every front end alike.
+void askPath(ExportQuestion &question) {
+    const auto choice = std::ranges::find(targetChoices, question.target, &TargetChoice::target);
+    if (choice == std::end(targetChoices)) return;
+    const QString filter = textOf(choice->filter) + QStringLiteral(" (") + QLatin1String(choice->pattern) +
+                           QStringLiteral(");;") + textOf(OwnText::filterAllFiles) + QStringLiteral(" (*)");
+    QString path = QFileDialog::getSaveFileName(mainWindow, textOf(OwnText::exportTitle), lastFolder, filter, nullptr,
+                                                QFileDialog::DontConfirmOverwrite);
+    if (path.isEmpty()) return;
+    if (QFileInfo(path).suffix().isEmpty()) path += QLatin1String(exportFileEnding(question.target));
+    lastFolder = QFileInfo(path).absolutePath();
+    question.path = QFile::encodeName(path).toStdString();
+}
+
+}  // namespace
+
+void askExport(ExportQuestion &question) {
+    QDialog dialog(mainWindow);
+    dialog.setObjectName(QStringLiteral("exportDialog"));
+    dialog.setWindowTitle(textOf(59));
+    ExportControls controls;
+    auto *layout = new QVBoxLayout(&dialog);
+    QGridLayout *lists = listsLayout(controls);
+    layout->addLayout(lists);
+    layout->addWidget(targetBox(question, controls));
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    controls.ok = buttons->button(QDialogButtonBox::Ok);
+    controls.ok->setText(textOf(112));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    layout->addWidget(buttons);
+    fillLists(question, controls);
+    connectLists(controls, lists);
+    enableOk(controls);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    dialog.resize(680, 440);
+    if (dialog.exec() != QDialog::Accepted) return;
+    takeAnswers(question, controls);
+    askPath(question);
+}
+
+int saveItems() {
+    exportWithQuestion();
+    return 1;
+}
+
+}  // namespace numalink

@@ -1,0 +1,13 @@
+// Dialog 119: which items go into a file, and into what sort of file. Graphical thread only.
+#pragma once
+
+#include "telling/user_interface.h"
+
+namespace numalink {
+
+void askExport(ExportQuestion &question);
+
+// The command behind it.
+int saveItems();
+
+}  // namespace numalink

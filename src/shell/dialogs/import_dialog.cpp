@@ -1,0 +1,86 @@
+#include "shell/dialogs/import_dialog.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "exchange/import/import.h"
+#include "link/transmit_queue.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+
+namespace numalink {
+
+namespace {
+
+struct ImportControls {
+    QRadioButton *oneFolder;
+    QRadioButton *standardFolders;
+    QRadioButton *transmit;
+    QLineEdit *folder;
+};
+
+QGroupBox *itemsBox(const ImportQuestion &question) {
+    auto *box = new QGroupBox(textOf(156));
+    auto *list = new QListWidget;
+    for (const std::string &name : question.itemNames) list->addItem(toQt(name));
+    list->setAccessibleName(textOf(156));
+    (new QVBoxLayout(box))->addWidget(list);
+    return box;
+}
+
+QGroupBox *choicesBox(const ImportQuestion &question, ImportControls &controls) {
+    auto *box = new QGroupBox(textOf(157));
+    controls.oneFolder = new QRadioButton(textOf(158));
+    controls.folder = new QLineEdit(toQt(question.folderName));
+    controls.folder->setMaxLength(static_cast<int>(importFolderNameLimit));
+    controls.folder->setAccessibleName(textOf(158));
+    controls.standardFolders = new QRadioButton(textOf(159));
+    controls.transmit = new QRadioButton(textOf(160));
+    controls.transmit->setEnabled(transmitAvailable());
+    auto *layout = new QVBoxLayout(box);
+    for (QWidget *control :
+         {static_cast<QWidget *>(controls.oneFolder), static_cast<QWidget *>(controls.folder),
+          static_cast<QWidget *>(controls.standardFolders), static_cast<QWidget *>(controls.transmit)})
+        layout->addWidget(control);
+    (question.action == ImportAction::oneFolder ? controls.oneFolder : controls.standardFolders)->setChecked(true);
+    controls.folder->setEnabled(controls.oneFolder->isChecked());
+    QObject::connect(controls.oneFolder, &QRadioButton::toggled, controls.folder, &QWidget::setEnabled);
+    return box;
+}
+
+ImportAction chosen(const ImportControls &controls) {
+    if (controls.oneFolder->isChecked()) return ImportAction::oneFolder;
+    return controls.standardFolders->isChecked() ? ImportAction::standardFolders : ImportAction::transmit;
+}
+
+}  // namespace
+
+void askImport(ImportQuestion &question) {
+    QDialog dialog(mainWindow);
+    dialog.setWindowTitle(textOf(155));
+    dialog.setObjectName(QStringLiteral("importDialog"));
+    ImportControls controls{};
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->addWidget(itemsBox(question));
+    layout->addWidget(choicesBox(question, controls));
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    layout->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    dialog.resize(360, 380);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    question.action = accepted ? chosen(controls) : ImportAction::none;
+    question.folderName = controls.folder->text().toStdString();
+}
+
+}  // namespace numalink

@@ -1,0 +1,78 @@
+#include "shell/editor/edit_menu.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPlainTextEdit>
+
+#include "shell/editor/program_view.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+
+namespace numalink {
+
+namespace {
+
+bool hasSelection() { return programEdit->textCursor().hasSelection(); }
+bool canCut() { return hasSelection() && !programEdit->isReadOnly(); }
+bool canPaste() { return programEdit->canPaste(); }
+bool always() { return true; }
+bool canUndo() { return programEdit->document()->isUndoAvailable(); }
+bool canRedo() { return programEdit->document()->isRedoAvailable(); }
+
+void deleteSelection() {
+    QTextCursor cursor = programEdit->textCursor();
+    cursor.removeSelectedText();
+}
+
+struct EditRow {
+    int textNumber;  // 0 for a text of our own
+    OwnText ownText;
+    QKeySequence::StandardKey key;
+    bool (*enabled)();
+    void (*run)();
+};
+
+constexpr EditRow editRows[] = {
+    {0, OwnText::undo, QKeySequence::Undo, canUndo, undoInProgram},
+    {0, OwnText::redo, QKeySequence::Redo, canRedo, redoInProgram},
+    {8, {}, QKeySequence::Copy, hasSelection, [] { programEdit->copy(); }},
+    {7, {}, QKeySequence::Cut, canCut, [] { programEdit->cut(); }},
+    {9, {}, QKeySequence::Paste, canPaste, [] { programEdit->paste(); }},
+    {10, {}, QKeySequence::Delete, canCut, deleteSelection},
+    {11, {}, QKeySequence::SelectAll, always, [] { programEdit->selectAll(); }},
+};
+
+void showEditMenu(const QPoint &where) {
+    QMenu menu(programEdit);
+    menu.setObjectName(QStringLiteral("editMenu"));
+    for (const EditRow &row : editRows) {
+        QAction *action = menu.addAction(row.textNumber != 0 ? textOf(row.textNumber) : textOf(row.ownText));
+        action->setShortcut(row.key);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        action->setEnabled(row.enabled());
+        QObject::connect(action, &QAction::triggered, programEdit, row.run);
+        if (row.key == QKeySequence::Redo || row.key == QKeySequence::Delete) menu.addSeparator();
+    }
+    menu.exec(where);
+    refreshTreeWhenFree();
+}
+
+bool menuEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::ContextMenu) return false;
+    const auto &asked = *static_cast<QContextMenuEvent *>(event);
+    const bool byKey = asked.reason() == QContextMenuEvent::Keyboard;
+    showEditMenu(byKey ? programEdit->viewport()->mapToGlobal(programEdit->cursorRect().bottomLeft())
+                       : asked.globalPos());
+    return true;
+}
+
+}  // namespace
+
+void connectEditMenu() {
+    hookEvents(programEdit, menuEvent);
+    hookEvents(programEdit->viewport(), menuEvent);
+}
+
+}  // namespace numalink

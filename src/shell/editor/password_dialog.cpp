@@ -1,0 +1,67 @@
+#include "shell/editor/password_dialog.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QVBoxLayout>
+
+#include "calculator/program_info.h"
+#include "shell/parts/dialog_parts.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/item_views.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int typedLimit = 9;  // characters; the password keeps 8 of them
+
+bool askPassword(QString &password) {
+    QDialog dialog(mainWindow);
+    dialog.setObjectName(QStringLiteral("passwordDialog"));
+    dialog.setWindowTitle(textOf(61));
+    auto *typed = new QLineEdit(password);
+    typed->setEchoMode(QLineEdit::Password);
+    typed->setMaxLength(typedLimit);
+    typed->setAccessibleName(textOf(61));
+    typed->selectAll();
+    auto *label = new QLabel(textOf(61));
+    label->setBuddy(typed);
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->addWidget(label);
+    layout->addWidget(typed);
+    layout->addWidget(dialogButtons(&dialog));
+    dialog.setMinimumWidth(240);
+    if (dialog.exec() != QDialog::Accepted) return false;
+    password = typed->text();
+    return true;
+}
+
+}  // namespace
+
+int changePassword() {
+    StoredItem item;
+    const ItemId id = selectedItemId();
+    if (id == noItem || !storeReadItem(id, item) || item.kind != kind::program) return 1;
+    std::optional<ProgramInfo> info = decodeProgramInfo(item.head);
+    if (!info) return 1;
+    QString password = nameToQt(info->password);
+    if (!askPassword(password)) return 1;
+    int missing = 0;
+    const std::string codes = calculatorFromUtf8(password.toStdString(), &missing);
+    if (missing > 0) {
+        tellUser(OwnText::nameHasForeignCharacter);
+        return 1;
+    }
+    info->password = codes.substr(0, programNameLimit);
+    if (storeRewriteHead(id, encodeProgramInfo(*info))) itemInfoToStatus(id);
+    return 1;
+}
+
+}  // namespace numalink

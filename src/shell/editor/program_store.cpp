@@ -1,0 +1,210 @@
+#include "shell/editor/program_store.h"
+
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include "calculator/frames.h"
+#include "calculator/program_info.h"
+#include "shell/app/message_boxes.h"
+#include "shell/editor/program_document.h"
+#include "shell/editor/program_drafts.h"
+#include "shell/editor/program_view.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/item_views.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int lineNotStorable = 18;
+
+ItemEntry openedEntry;
+Bytes openedHead;
+
+struct ReadText {
+    std::vector<LineBytes> lines;
+    std::vector<ViewLine> kept;  // what each line is once it is stored
+    int faultAt = -1;            // position in the document
+    int faultLine = 0;           // from 1
+};
+
+ReadText readText() {
+    ReadText read;
+    const QTextDocument *document = programEdit->document();
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        ViewLine line;
+        const LineReading reading = readBlock(block, line);
+        if (reading.faultAt >= 0) {
+            read.faultAt = block.position() + static_cast<int>(reading.faultAt);
+            read.faultLine = block.blockNumber() + 1;
+            return read;
+        }
+        read.lines.push_back(lineBytes(reading));
+        read.kept.push_back(keptLine(line, reading));
+    }
+    return read;
+}
+
+enum class Choice { goBack, discard, draft };
+
+void putCaretOn(int place) {
+    putCaretAt(place);
+    programEdit->setFocus();
+}
+
+Choice askUnstored(const QString &why, bool mayKeepDraft) {
+    QMessageBox box(QMessageBox::Critical, textOf(titleOfWarnings), why, QMessageBox::NoButton, mainWindow);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton *goBack = box.addButton(textOf(OwnText::goBack), QMessageBox::RejectRole);
+    const QPushButton *discard = box.addButton(textOf(OwnText::discardChanges), QMessageBox::DestructiveRole);
+    const QPushButton *draft =
+        mayKeepDraft ? box.addButton(textOf(OwnText::keepDraft), QMessageBox::AcceptRole) : nullptr;
+    box.setDefaultButton(goBack);
+    box.setEscapeButton(goBack);
+    box.exec();
+    refreshTreeWhenFree();
+    if (box.clickedButton() == discard) return Choice::discard;
+    return draft != nullptr && box.clickedButton() == draft ? Choice::draft : Choice::goBack;
+}
+
+// The record of the text under the item's own id; a free name in its folder when the item has gone.
+NewItem recordOf(Bytes image) {
+    StoredItem stored;
+    const bool isThere = storeReadEntry(viewItemId) && storeReadItem(viewItemId, stored);
+    NewItem item;
+    item.name = isThere ? stored.name : openedEntry.name;
+    item.parent = isThere ? stored.parent : openedEntry.parent;
+    item.kind = viewKind;
+    ProgramInfo info = decodeProgramInfo(isThere ? stored.head : openedHead)
+                           .value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
+    info.imageLength = static_cast<std::uint32_t>(image.size());
+    item.head = encodeProgramInfo(info);
+    item.data = std::move(image);
+    return item;
+}
+
+bool addAsNew(NewItem item) {
+    item.whenTaken = NameTaken::nextFreeName;
+    if (!storeReadEntry(item.parent) && item.parent != rootId)
+        item.parent = storeStandardFolder(standardFolderOfKind(item.kind));
+    std::string name = storeFreeName(item.name, item.parent, item.kind);
+    item.name = name;
+    if (std::optional<ProgramInfo> info = decodeProgramInfo(item.head)) {
+        info->name = name.substr(0, programNameLimit);
+        item.head = encodeProgramInfo(*info);
+    }
+    const ItemId id = storeAddItem(item, &name);
+    if (id == noItem) return false;
+    viewItemId = id;
+    if (const std::optional<ItemEntry> entry = storeReadEntry(id)) openedEntry = *entry;
+    refreshTree();
+    tellUser(OwnText::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
+    return true;
+}
+
+bool writeText(const ReadText &read) {
+    Bytes image = imageOfLines(read.lines);
+    image.push_back(0);
+    frameChecksum(image);
+    NewItem item = recordOf(std::move(image));
+    const bool written = storeReadEntry(viewItemId) ? storeWriteItem(viewItemId, item) : addAsNew(std::move(item));
+    if (!written) return false;
+    QTextBlock block = programEdit->document()->begin();
+    for (const ViewLine &line : read.kept) {
+        rememberLine(block, line);
+        block = block.next();
+    }
+    takeReference();
+    forgetDraft();
+    itemInfoToStatus(viewItemId);
+    return true;
+}
+
+QString whyNot(const ReadText &read) {
+    return read.faultAt >= 0 ? toQt(languageFormat(lineNotStorable, {std::to_string(read.faultLine)}))
+                             : textOf(OwnText::programNotStored);
+}
+
+// False to go back.
+bool settleUnstored(const ReadText &read, bool mayKeepDraft) {
+    for (;;) {
+        if (read.faultAt >= 0) putCaretOn(read.faultAt);
+        switch (askUnstored(whyNot(read), mayKeepDraft)) {
+            case Choice::discard:
+                forgetDraft();
+                return true;
+            case Choice::draft:
+                if (keepDraft(openedEntry, viewToText())) return true;
+                tellUser(OwnText::draftNotWritten, {draftFolder()});
+                break;
+            case Choice::goBack:
+                if (read.faultAt >= 0) putCaretOn(read.faultAt);
+                return false;
+        }
+    }
+}
+
+bool tryToStore(ReadText &read) {
+    read = readText();
+    return read.faultAt < 0 && writeText(read);
+}
+
+// The link and a run may still be speaking to the user interface: only what this thread says is left out.
+bool leaveAtOnce() {
+    silenceBoxes(true);
+    ReadText read;
+    const bool left = tryToStore(read) || keepDraft(openedEntry, viewToText());
+    silenceBoxes(false);
+    return left;
+}
+
+}  // namespace
+
+void takeOpenedProgram(const StoredItem &item) {
+    openedEntry = static_cast<const ItemEntry &>(item);  // without what it holds
+    openedHead = item.head;
+}
+
+void forgetOpenedProgram() {
+    openedEntry = {};
+    openedHead.clear();
+}
+
+bool storeEditedProgram() {
+    ReadText read;
+    if (tryToStore(read)) return true;
+    if (read.faultAt >= 0) {
+        tellUser(lineNotStorable, {std::to_string(read.faultLine)}, BoxIcon::error);
+        putCaretOn(read.faultAt);
+    }
+    return false;
+}
+
+bool leaveProgram(Leaving leaving) {
+    if (!programChanged()) {
+        releaseDraft();
+        return true;
+    }
+    if (leaving == Leaving::atOnce) return leaveAtOnce();
+    ReadText read;
+    return tryToStore(read) || settleUnstored(read, leaving == Leaving::program);
+}
+
+bool storeProgramFirst() {
+    if (!isTextKind(viewKind) || !programChanged()) return true;
+    ReadText read;
+    if (tryToStore(read)) return true;
+    if (!settleUnstored(read, false)) return false;
+    StoredItem item;
+    if (storeReadItem(viewItemId, item)) programToView(item.data);
+    return true;
+}
+
+}  // namespace numalink

@@ -1,0 +1,278 @@
+// Invariants of the document, true between any two events:
+//   (1) A character that the user typed has no origin; Qt never hands it that of its neighbour, since every way in
+//       (keys, input methods, paste, drop, symbols) inserts with a format of its own.
+//   (2) Every block that changed has been converted and coloured; changes by undo and redo are only coloured.
+#include "shell/editor/program_view.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <algorithm>
+#include <vector>
+
+#include "shell/editor/edit_menu.h"
+#include "shell/editor/line_numbers.h"
+#include "shell/editor/program_document.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/main_widgets.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+struct Caret {
+    int anchor = 0;
+    int position = 0;
+};
+
+// Where the caret stood ahead of a change and behind it; undoSteps names the change.
+struct CaretStep {
+    int undoSteps;
+    Caret before;
+    Caret after;
+};
+
+QString programReference;
+bool filling = false;     // the document's changes are ours
+bool travelling = false;  // by undo or redo
+int changedFrom = -1;     // characters changed since the last conversion, or -1
+int changedTo = -1;
+Caret lastCaret;
+int blankAddedAt = -1;  // where the caret stands behind a blank that a conversion has added, or -1
+std::vector<CaretStep> caretSteps;
+
+QTextDocument *document() { return programEdit->document(); }
+
+Caret caretNow() {
+    const QTextCursor cursor = programEdit->textCursor();
+    return {cursor.anchor(), cursor.position()};
+}
+
+void putCaret(const Caret &caret) {
+    const int end = document()->characterCount() - 1;
+    QTextCursor cursor = programEdit->textCursor();
+    cursor.setPosition(std::min(caret.anchor, end));
+    cursor.setPosition(std::min(caret.position, end), QTextCursor::KeepAnchor);
+    programEdit->setTextCursor(cursor);
+}
+
+void contentsChange(int position, int, int added) {
+    if (filling) return;
+    changedFrom = changedFrom < 0 ? position : std::min(changedFrom, position);
+    changedTo = std::max(changedTo, position + added);
+}
+
+// The changed blocks, by number: conversion moves positions but makes no blocks.
+void convertChanged(int firstBlock, int lastBlock) {
+    const Caret before = lastCaret;
+    for (int number = firstBlock; number <= lastBlock; number++) convertBlock(document()->findBlockByNumber(number));
+    // Qt joins a key to the one before it while the document counts as modified.
+    document()->setModified(false);
+    const int steps = document()->availableUndoSteps();
+    std::erase_if(caretSteps, [&](const CaretStep &step) { return step.undoSteps >= steps; });
+    caretSteps.push_back({steps, before, caretNow()});
+}
+
+void contentsChanged() {
+    if (filling || changedFrom < 0) return;
+    filling = true;
+    const int firstBlock = document()->findBlock(changedFrom).blockNumber();
+    const QTextBlock last = document()->findBlock(changedTo);
+    const int lastBlock = last.isValid() ? last.blockNumber() : document()->blockCount() - 1;
+    changedFrom = changedTo = -1;
+    if (!travelling) convertChanged(firstBlock, lastBlock);
+    for (int number = firstBlock; number <= lastBlock; number++) colourBlock(document()->findBlockByNumber(number));
+    filling = false;
+    lastCaret = caretNow();
+    updateLineNumbers();
+}
+
+void caretMoved() {
+    if (filling) return;
+    lastCaret = caretNow();
+}
+
+// Typed text comes in with no format of its surroundings, and in an edit block: Qt joins nothing to a lone insertion.
+void insertTyped(QTextCursor cursor, const QString &text) {
+    cursor.beginEditBlock();
+    cursor.insertText(text, QTextCharFormat());
+    cursor.endEditBlock();
+}
+
+// A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
+void typeText(const QString &text) {
+    const bool isBlank = text == QLatin1String(" ");
+    const bool isThere = isBlank && !programEdit->textCursor().hasSelection() && caretNow().position == blankAddedAt;
+    blankAddedAt = -1;
+    if (isThere) return;
+    insertTyped(programEdit->textCursor(), text);
+    const int position = caretNow().position;
+    if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) blankAddedAt = position;
+    programEdit->ensureCursorVisible();
+}
+
+bool isTypedText(const QKeyEvent &key) {
+    const auto held = key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const bool isShortcut = held != 0 && held != (Qt::ControlModifier | Qt::AltModifier);
+    return !isShortcut && !key.text().isEmpty() && key.text().at(0).isPrint();
+}
+
+bool keyPressed(const QKeyEvent &key) {
+    if (key.matches(QKeySequence::Undo)) {
+        undoInProgram();
+    } else if (key.matches(QKeySequence::Redo)) {
+        redoInProgram();
+    } else if (!programEdit->isReadOnly() && key.matches(QKeySequence::InsertLineSeparator)) {
+        programEdit->textCursor().insertBlock();
+    } else if (!programEdit->isReadOnly() && isTypedText(key)) {
+        typeText(key.text());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// The text that an input method is done with is put in by Qt, in the format that the cursor has by then.
+void committing(const QInputMethodEvent &event) {
+    if (event.commitString().isEmpty()) return;
+    QTextCursor cursor = programEdit->textCursor();
+    cursor.removeSelectedText();
+    programEdit->setTextCursor(cursor);
+    programEdit->setCurrentCharFormat(QTextCharFormat());
+}
+
+bool editEvent(QWidget *, QEvent *event) {
+    switch (event->type()) {
+        case QEvent::KeyPress:
+            return keyPressed(*static_cast<QKeyEvent *>(event));
+        case QEvent::InputMethod:
+            committing(*static_cast<QInputMethodEvent *>(event));
+            return false;
+        case QEvent::PaletteChange:
+            recolourProgram();
+            return false;
+        default:
+            return false;
+    }
+}
+
+void fill(const std::vector<ViewLine> &lines) {
+    document()->setUndoRedoEnabled(false);
+    document()->clear();
+    QTextCursor cursor(document());
+    cursor.beginEditBlock();
+    for (std::size_t i = 0; i < lines.size(); i++) {
+        if (i > 0) cursor.insertBlock(QTextBlockFormat(), QTextCharFormat());
+        insertLine(cursor, lines[i]);
+    }
+    cursor.endEditBlock();
+    for (std::size_t i = 0; i < lines.size(); i++)
+        rememberLine(document()->findBlockByNumber(static_cast<int>(i)), lines[i]);
+    document()->setUndoRedoEnabled(true);
+}
+
+}  // namespace
+
+void connectProgramView() {
+    QObject::connect(document(), &QTextDocument::contentsChange, programEdit, contentsChange);
+    QObject::connect(document(), &QTextDocument::contentsChanged, programEdit, contentsChanged);
+    QObject::connect(programEdit, &QPlainTextEdit::cursorPositionChanged, programEdit, caretMoved);
+    QObject::connect(programEdit, &QPlainTextEdit::selectionChanged, programEdit, caretMoved);
+    QObject::connect(programEdit, &QPlainTextEdit::updateRequest, programEdit, updateLineNumbers);
+    hookEvents(programEdit, editEvent);
+    connectEditMenu();
+    connectLineNumbers();
+}
+
+void forgetProgramView() {
+    programReference.clear();
+    caretSteps.clear();
+    changedFrom = changedTo = -1;
+}
+
+void programToView(ByteView image) {
+    filling = true;
+    readColours();
+    fill(viewLines(image));
+    programEdit->setReadOnly(tokenCount() == 0);
+    colourDocument();
+    document()->setModified(false);
+    caretSteps.clear();
+    filling = false;
+    putCaret({});
+    programEdit->ensureCursorVisible();
+    lastCaret = {};
+    takeReference();
+    updateLineNumbers();
+}
+
+QString viewToText() { return programEdit->toPlainText(); }
+
+bool programChanged() { return viewToText() != programReference; }
+
+void takeReference() { programReference = viewToText(); }
+
+void replaceProgramText(const QString &text) {
+    const QString now = viewToText();
+    const qsizetype shorter = std::min(now.size(), text.size());
+    qsizetype ahead = 0;
+    while (ahead < shorter && now[ahead] == text[ahead]) ahead++;
+    qsizetype behind = 0;
+    while (behind < shorter - ahead && now[now.size() - behind - 1] == text[text.size() - behind - 1]) behind++;
+    QTextCursor cursor(document());
+    cursor.setPosition(static_cast<int>(ahead));
+    cursor.setPosition(static_cast<int>(now.size() - behind), QTextCursor::KeepAnchor);
+    insertTyped(cursor, text.mid(ahead, text.size() - ahead - behind));
+}
+
+void recolourLine() {
+    filling = true;
+    const QTextBlock block = programEdit->textCursor().block();
+    convertBlock(block);
+    colourBlock(block);
+    filling = false;
+}
+
+void recolourProgram() {
+    filling = true;
+    readColours();
+    colourDocument();
+    filling = false;
+}
+
+void putCaretAt(int position) {
+    putCaret({position, position});
+    programEdit->ensureCursorVisible();
+}
+
+void undoInProgram() {
+    const int steps = document()->availableUndoSteps();
+    travelling = true;
+    programEdit->undo();
+    travelling = false;
+    document()->setModified(false);
+    const auto step = std::ranges::find(caretSteps, steps, &CaretStep::undoSteps);
+    if (step != caretSteps.end()) putCaret(step->before);
+}
+
+void redoInProgram() {
+    travelling = true;
+    programEdit->redo();
+    travelling = false;
+    document()->setModified(false);
+    const auto step = std::ranges::find(caretSteps, document()->availableUndoSteps(), &CaretStep::undoSteps);
+    if (step != caretSteps.end()) putCaret(step->after);
+}
+
+void typeSymbol(char code) {
+    if (programEdit->isReadOnly()) return;
+    typeText(qtFromCodes(std::string_view(&code, 1)));
+    programEdit->setFocus();
+}
+
+void updateLineNumbers() { repaintLineNumbers(); }
+
+}  // namespace numalink

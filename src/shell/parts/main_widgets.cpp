@@ -1,0 +1,153 @@
+#include "shell/parts/main_widgets.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QIcon>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <algorithm>
+
+#include "shell/commands/command_handler.h"
+#include "shell/editor/program_edit.h"
+#include "shell/parts/fonts.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+QMainWindow *mainWindow = nullptr;
+QWidget *clientArea = nullptr;
+QTreeWidget *treeView = nullptr;
+QToolButton *treeToggleButton = nullptr;
+QStatusBar *statusBar = nullptr;
+QProgressBar *progressBar = nullptr;
+QLabel *linkField = nullptr;
+QLabel *itemField = nullptr;
+QPlainTextEdit *programEdit = nullptr;
+QWidget *lineNumberEdit = nullptr;
+QWidget *containerWindow = nullptr;
+QToolBar *toolbar = nullptr;
+QMenu *itemMenu = nullptr;
+
+namespace {
+
+constexpr int windowWidth = 640, windowHeight = 430;
+constexpr int progressWidth = 150, progressHeight = 18, linkFieldWidth = 200;
+constexpr int toolbarImageSize = 24, treeImageSize = 16;
+
+QLabel *makeField() {
+    auto *field = new QLabel;
+    field->setTextFormat(Qt::PlainText);
+    return field;
+}
+
+void makeStatusBar() {
+    statusBar = mainWindow->statusBar();
+    progressBar = new QProgressBar;
+    progressBar->setFixedSize(progressWidth, progressHeight);
+    progressBar->setRange(0, 1);
+    progressBar->setTextVisible(false);
+    linkField = makeField();
+    linkField->setFixedWidth(linkFieldWidth);
+    itemField = makeField();
+    statusBar->addWidget(progressBar);
+    statusBar->addWidget(linkField);
+    statusBar->addWidget(itemField, 1);
+}
+
+void makeTree() {
+    treeView = new QTreeWidget(clientArea);
+    treeView->setObjectName(QStringLiteral("treeView"));
+    treeView->setAccessibleName(textOf(OwnText::libraryTree));
+    treeView->setHeaderHidden(true);
+    treeView->setIconSize({treeImageSize, treeImageSize});
+    treeView->setFont(treeFont());
+    treeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    treeView->setSelectionMode(QAbstractItemView::SingleSelection);
+    treeView->setDragEnabled(false);
+    treeView->setMouseTracking(true);
+    treeView->setUniformRowHeights(true);
+}
+
+void makeProgramEdit() {
+    programEdit = new ProgramEdit(clientArea);
+    programEdit->setObjectName(QStringLiteral("programEdit"));
+    programEdit->setAccessibleName(textOf(147));
+    programEdit->setFont(programFont());
+    programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    programEdit->setTabChangesFocus(true);
+    programEdit->setFrameShape(QFrame::NoFrame);
+    programEdit->hide();
+    lineNumberEdit = new QWidget(clientArea);
+    lineNumberEdit->setObjectName(QStringLiteral("lineNumberEdit"));
+    lineNumberEdit->setFocusPolicy(Qt::NoFocus);
+    lineNumberEdit->hide();
+}
+
+void centreMainWindow(int width) {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    mainWindow->resize(std::min(width, screen.width()), windowHeight);
+    mainWindow->move((screen.width() - mainWindow->width()) / 2, (screen.height() - windowHeight) / 2);
+}
+
+}  // namespace
+
+void makeMainWindow() {
+    loadScreenFace();
+    mainWindow = new QMainWindow;
+    mainWindow->setWindowTitle(QStringLiteral("Vesper Foundry - Numalink"));
+    mainWindow->setWindowIcon(QIcon(QStringLiteral(":/images/numalink.svg")));
+    mainWindow->setAcceptDrops(true);
+    centreMainWindow(windowWidth);
+    clientArea = new QWidget;
+    mainWindow->setCentralWidget(clientArea);
+}
+
+void makeClientWidgets() {
+    treeVisible = true;
+    makeTree();
+    treeToggleButton = new QToolButton(clientArea);
+    treeToggleButton->setText(QStringLiteral("<"));
+    treeToggleButton->setAutoRaise(true);
+    treeToggleButton->setFocusPolicy(Qt::NoFocus);
+    treeToggleButton->setAccessibleName(textOf(161).remove(QLatin1Char('&')));
+    makeStatusBar();
+    makeProgramEdit();
+    containerWindow = new QWidget(clientArea);
+    containerWindow->setObjectName(QStringLiteral("containerWindow"));
+    containerWindow->hide();
+    toolbar = mainWindow->addToolBar(QString::fromLatin1("Numalink"));
+    toolbar->setObjectName(QStringLiteral("toolbar"));
+    toolbar->setMovable(false);
+    toolbar->setIconSize({toolbarImageSize, toolbarImageSize});
+    toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    toolbar->setContextMenuPolicy(Qt::PreventContextMenu);
+    statusBar->show();
+}
+
+void fitWindowToToolbar() {
+    const int needed = toolbar->sizeHint().width();
+    if (needed > windowWidth) centreMainWindow(needed);
+}
+
+void destroyWidgets() {
+    delete mainWindow;
+    mainWindow = nullptr;
+    clientArea = containerWindow = nullptr;
+    treeView = nullptr;
+    treeToggleButton = nullptr;
+    statusBar = nullptr;
+    progressBar = nullptr;
+    linkField = itemField = nullptr;
+    programEdit = nullptr;
+    lineNumberEdit = nullptr;
+    toolbar = nullptr;
+}
+
+}  // namespace numalink

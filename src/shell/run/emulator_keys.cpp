@@ -1,0 +1,104 @@
+#include "shell/run/emulator_keys.h"
+
+#include <QKeyEvent>
+#include <QTimer>
+#include <optional>
+
+#include "emulator/keypad.h"
+#include "emulator/machine.h"
+#include "shell/run/emulator_window.h"
+
+namespace numalink {
+
+namespace {
+
+struct NamedKey {
+    int key;
+    KeyboardKey name;
+};
+
+// Keys that are the same wherever they stand.
+constexpr NamedKey namedKeys[] = {
+    {Qt::Key_Tab, KeyboardKey::tab},
+    {Qt::Key_Backtab, KeyboardKey::tab},
+    {Qt::Key_Return, KeyboardKey::enter},
+    {Qt::Key_Enter, KeyboardKey::enter},
+    {Qt::Key_Shift, KeyboardKey::shift},
+    {Qt::Key_Space, KeyboardKey::space},
+    {Qt::Key_Left, KeyboardKey::left},
+    {Qt::Key_Up, KeyboardKey::up},
+    {Qt::Key_Right, KeyboardKey::right},
+    {Qt::Key_Down, KeyboardKey::down},
+    {Qt::Key_BracketLeft, KeyboardKey::openBracket},
+};
+
+constexpr NamedKey padKeys[] = {
+    {Qt::Key_Period, KeyboardKey::padPoint}, {Qt::Key_Comma, KeyboardKey::padPoint},
+    {Qt::Key_Delete, KeyboardKey::padPoint}, {Qt::Key_Asterisk, KeyboardKey::padMultiply},
+    {Qt::Key_Slash, KeyboardKey::padDivide}, {Qt::Key_Plus, KeyboardKey::padPlus},
+    {Qt::Key_Minus, KeyboardKey::padMinus},
+};
+
+// The letters of the three rows of a keyboard by the numbers that X gives their places: q to p, a to l, z to m.
+struct LetterRow {
+    quint32 firstCode;
+    const char *letters;
+};
+constexpr LetterRow letterRows[] = {{24, "qwertyuiop"}, {38, "asdfghjkl"}, {52, "zxcvbnm"}};
+
+KeyboardKey offsetFrom(KeyboardKey first, int steps) {
+    return static_cast<KeyboardKey>(static_cast<int>(first) + steps);
+}
+
+template <std::size_t count>
+std::optional<KeyboardKey> foundIn(const NamedKey (&keys)[count], int key) {
+    for (const NamedKey &row : keys)
+        if (row.key == key) return row.name;
+    return std::nullopt;
+}
+
+std::optional<KeyboardKey> letterByPlace(quint32 scanCode) {
+    for (const LetterRow &row : letterRows) {
+        const quint32 place = scanCode - row.firstCode;
+        if (scanCode >= row.firstCode && place < std::char_traits<char>::length(row.letters))
+            return offsetFrom(KeyboardKey::a, row.letters[place] - 'a');
+    }
+    return std::nullopt;
+}
+
+std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
+    const int key = event.key();
+    if (event.modifiers() & Qt::KeypadModifier) {
+        if (key >= Qt::Key_0 && key <= Qt::Key_9) return offsetFrom(KeyboardKey::pad0, key - Qt::Key_0);
+        if (const auto pad = foundIn(padKeys, key)) return pad;
+    }
+    if (const auto named = foundIn(namedKeys, key)) return named;
+    if (key >= Qt::Key_A && key <= Qt::Key_Z) return offsetFrom(KeyboardKey::a, key - Qt::Key_A);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F6) return offsetFrom(KeyboardKey::f1, key - Qt::Key_F1);
+    if (key == Qt::Key_5) return KeyboardKey::main5;
+    const bool ascii = key < 0x80;
+    return ascii ? std::nullopt : letterByPlace(event.nativeScanCode());
+}
+
+}  // namespace
+
+bool emulatorKeyDown(const QKeyEvent &event) {
+    if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
+        // Once its event has returned: the stop opens the program's view and moves the focus.
+        if (!event.isAutoRepeat()) {
+            QTimer::singleShot(0, [] {
+                if (emulatorRunning) emulatorToggle();
+            });
+        }
+        return true;
+    }
+    if (const std::optional<KeyboardKey> key = keyboardKeyOf(event)) keyCode = keyCodeOf(*key);
+    return true;
+}
+
+bool emulatorKeyUp(const QKeyEvent &event) {
+    if (!event.isAutoRepeat()) keyCode = 0;
+    return true;
+}
+
+}  // namespace numalink

@@ -1,0 +1,257 @@
+#include "shell/run/emulator_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <algorithm>
+#include <atomic>
+
+#include "emulator/display.h"
+#include "emulator/keypad.h"
+#include "emulator/machine.h"
+#include "emulator/run_loading.h"
+#include "emulator/runner.h"
+#include "settings/settings_store.h"
+#include "shell/commands/command_handler.h"
+#include "shell/commands/command_table.h"
+#include "shell/commands/menus.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/run/debug_window.h"
+#include "shell/run/emulator_keys.h"
+#include "shell/run/full_screen.h"
+#include "shell/run/keypad_skin.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/bitmap_export.h"
+#include "shell/views/item_views.h"
+#include "shell/views/surface_view.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
+
+QWidget *emulatorWindow = nullptr;
+QImage skin;           // the key pad at the present scale
+double skinScale = 0;  // pixels of the screen a dot, for which skin was drawn
+Surface display;       // the copy that is on screen
+std::uint64_t displaySeen = 0;
+int outlinedKey = 0;
+std::atomic<bool> marked{false};
+
+int dotPixels() {
+    if (surfaceZoom() != zoomToFit) return surfaceZoom();
+    return std::clamp(std::min(emulatorWindow->width() / keypadWidth, emulatorWindow->height() / keypadHeight), 1, 64);
+}
+
+// Where the surface's top left dot stands in the window.
+QPoint origin() {
+    const QSize surface = QSize(keypadWidth, keypadHeight) * dotPixels();
+    const QSize room = emulatorWindow->size();
+    if (surface.width() > room.width() || surface.height() > room.height()) return {1, 1};
+    return {(room.width() - surface.width()) / 2 + 1, (room.height() - surface.height()) / 2 + 1};
+}
+
+// The dot of the surface under a place of the window.
+QPoint dotAtPlace(const QPointF &place) {
+    const QPointF relative = place - QPointF(origin());
+    const double size = dotPixels();
+    return {static_cast<int>(std::floor(relative.x() / size)), static_cast<int>(std::floor(relative.y() / size))};
+}
+
+const QImage &skinAt(double pixelsPerDot) {
+    if (skinScale == pixelsPerDot) return skin;
+    skin = QImage(qRound(keypadWidth * pixelsPerDot), qRound(keypadHeight * pixelsPerDot),
+                  QImage::Format_ARGB32_Premultiplied);
+    skin.fill(Qt::transparent);
+    QPainter painter(&skin);
+    painter.scale(pixelsPerDot, pixelsPerDot);
+    paintKeypad(painter, pixelsPerDot);
+    skinScale = pixelsPerDot;
+    return skin;
+}
+
+void paintEmulator() {
+    QPainter painter(emulatorWindow);
+    painter.translate(origin());
+    const int size = dotPixels();
+    const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
+    painter.drawImage(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
+    const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
+                       static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
+                       QImage::Format_RGB32);
+    painter.drawImage(QRect(0, 0, display.width * size, display.height * size), image);
+    painter.scale(size, size);
+    paintKeyOutline(painter, outlinedKey);
+}
+
+void mouseMoved(const QMouseEvent &mouse) {
+    if (!emulatorRunning) return;
+    const QPoint dot = dotAtPlace(mouse.position());
+    const int key = keyHit(dot.x(), dot.y());
+    if (key == outlinedKey) return;
+    outlinedKey = key;
+    emulatorWindow->update();
+}
+
+void mousePressed(const QMouseEvent &mouse) {
+    emulatorWindow->setFocus();
+    if (!emulatorRunning || mouse.button() != Qt::LeftButton) return;
+    const QPoint dot = dotAtPlace(mouse.position());
+    const int key = keyHit(dot.x(), dot.y());
+    keyCode = key;
+    if (key == stopKey) {
+        QTimer::singleShot(0, emulatorWindow, [] {
+            if (emulatorRunning) emulatorToggle();
+        });
+    }
+}
+
+bool emulatorEvent(QWidget *, QEvent *event) {
+    switch (event->type()) {
+        case QEvent::Paint:
+            paintEmulator();
+            return true;
+        case QEvent::MouseMove:
+            mouseMoved(*static_cast<QMouseEvent *>(event));
+            return true;
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+            mousePressed(*static_cast<QMouseEvent *>(event));
+            return true;
+        case QEvent::MouseButtonRelease:
+            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) keyCode = 0;
+            return true;
+        case QEvent::Leave:
+            outlinedKey = 0;
+            emulatorWindow->update();
+            return false;
+        case QEvent::FocusOut:
+            keyCode = 0;
+            return false;
+        case QEvent::ShortcutOverride:
+            // While a run is on, the keys of the commands are keys of the calculator.
+            if (!emulatorRunning) return false;
+            event->accept();
+            return true;
+        case QEvent::KeyPress:
+            return emulatorRunning && emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+        case QEvent::KeyRelease:
+            return emulatorKeyUp(*static_cast<QKeyEvent *>(event));
+        default:
+            return false;
+    }
+}
+
+void takeDisplay() {
+    marked = false;
+    if (emulatorWindow == nullptr || !emulatorShown()) return;
+    if (displayCopy(display, displaySeen)) emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+    fullScreenRepaint();
+    updateDebugWindow();
+}
+
+// A run is on or not: the menu, the toolbar's word, and which keys are commands.
+void showRunState(bool running) {
+    commandAction(command::emulate)->setIconText(running ? textOf(OwnText::editorButton) : textOf(60));
+    menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
+    setCommandEnabled(command::screenshot, running);
+    setShortcutsEnabled(!running);
+}
+
+bool startRun(ItemId item) {
+    machineStart();
+    if (!loadRun(item, itemsBeside(item))) return false;
+    displaySeen = 0;
+    display = displayNow();
+    return runStart();
+}
+
+int stopAndShowProgram() {
+    if (leaveCurrentView()) handleCommand(command::openView);
+    return 1;
+}
+
+}  // namespace
+
+bool emulatorShown() { return emulatorWindow != nullptr && !emulatorWindow->isHidden(); }
+
+int emulatorToggle() {
+    if (emulatorRunning) return stopAndShowProgram();
+    const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
+    if (!item || item->kind != kind::program || !leaveCurrentView()) return 1;
+    outlinedKey = 0;
+    placeEmulatorWindow();
+    emulatorWindow->show();
+    emulatorWindow->raise();
+    if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
+    if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
+    showRunState(true);
+    if (!startRun(item->id)) {
+        emulatorStop();
+        return 1;
+    }
+    emulatorWindow->setFocus();
+    return 1;
+}
+
+void emulatorStop() {
+    if (!emulatorShown()) return;
+    runStop();
+    keyCode = 0;
+    showRunState(false);
+    fullScreenLeave();
+    hideDebugWindow();
+    emulatorWindow->hide();
+}
+
+int saveScreenshot() {
+    const Surface picture = displayNow();
+    const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
+    saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
+    return 1;
+}
+
+void displayMarked() {
+    if (marked.exchange(true)) return;
+    QMetaObject::invokeMethod(
+        qApp, [] { QTimer::singleShot(repaintMilliseconds, qApp, takeDisplay); }, Qt::QueuedConnection);
+}
+
+void makeEmulatorWindow() {
+    emulatorWindow = new QWidget(clientArea);
+    emulatorWindow->setObjectName(QStringLiteral("emulatorWindow"));
+    emulatorWindow->setFocusPolicy(Qt::StrongFocus);
+    emulatorWindow->setMouseTracking(true);
+    emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);
+    emulatorWindow->hide();
+    display = Surface(displayWidth, displayHeight);
+    hookEvents(emulatorWindow, emulatorEvent);
+}
+
+void placeEmulatorWindow() {
+    if (emulatorWindow != nullptr) emulatorWindow->setGeometry(containerWindow->geometry());
+}
+
+void zoomEmulatorWindow() {
+    if (emulatorWindow != nullptr) emulatorWindow->update();
+}
+
+void forgetEmulatorWindow() {
+    emulatorWindow = nullptr;
+    skin = QImage();
+    skinScale = 0;
+    forgetFullScreen();
+    forgetDebugWindow();
+}
+
+}  // namespace numalink

@@ -1,0 +1,59 @@
+#include "shell/tree/delete_question.h"
+
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPushButton>
+#include <optional>
+
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/item_tree.h"
+#include "shell/tree/tree_rules.h"
+#include "shell/views/item_views.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+bool askDelete(const ItemEntry &item) {
+    std::string body = languageText(20) + "\n\n" + utf8FromCalculator(item.name);
+    if (isFolderKind(item.kind)) {
+        const int count = countBelow(storeListItems(), item.id);
+        body.append("\n").append(ownText(OwnText::folderHolds, {std::to_string(count)}));
+    }
+    const Box box{
+        .bodyNumber = 20, .body = body, .title = programTitle, .buttons = BoxButtons::okCancel, .arguments = {}};
+    return userInterface.messageBox(box) == Answer::ok;
+}
+
+TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
+    QMessageBox box(QMessageBox::Question, QString::fromLatin1(programTitle),
+                    textOf(OwnText::nameTakenThere, {utf8FromCalculator(moved.name)}), QMessageBox::NoButton,
+                    mainWindow);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton *replace = mayReplace ? box.addButton(textOf(OwnText::replace), QMessageBox::DestructiveRole) : nullptr;
+    QPushButton *keepBoth = box.addButton(textOf(OwnText::keepBoth), QMessageBox::AcceptRole);
+    QPushButton *cancel = box.addButton(textOf(113), QMessageBox::RejectRole);
+    box.setDefaultButton(keepBoth);
+    box.setEscapeButton(cancel);
+    box.exec();
+    refreshTreeWhenFree();
+    if (replace != nullptr && box.clickedButton() == replace) return TakenAnswer::replace;
+    return box.clickedButton() == keepBoth ? TakenAnswer::keepBoth : TakenAnswer::cancel;
+}
+
+void moveDropped(ItemId item, ItemId folder) {
+    const std::optional<ItemEntry> moved = storeReadEntry(item);
+    if (!moved || moved->parent == folder || !leaveCurrentView()) return;
+    const ItemId taken = storeFindItem(moved->name, folder);
+    TakenAnswer answer = TakenAnswer::keepBoth;
+    std::optional<ItemEntry> other = taken != noItem ? storeReadEntry(taken) : std::nullopt;
+    if (other) answer = askNameTaken(*moved, other->kind == moved->kind);
+    if (answer != TakenAnswer::cancel && storeMove(item, folder)) {
+        // The old item goes only once the moved one is in its place.
+        if (answer == TakenAnswer::replace) storeDelete(other->id);
+        refreshTree();
+    }
+    selectItem(item);
+}
+
+}  // namespace numalink

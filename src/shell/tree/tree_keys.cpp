@@ -1,0 +1,144 @@
+#include "shell/tree/tree_keys.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTreeWidget>
+
+#include "emulator/machine.h"
+#include "platform/clock.h"
+#include "shell/commands/command_handler.h"
+#include "shell/commands/command_table.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/tree/item_tree.h"
+
+namespace numalink {
+
+namespace {
+
+QString typedText;
+std::uint64_t typedAt = 0;
+
+ItemId idOf(const QTreeWidgetItem *entry) { return entry == nullptr ? noItem : entry->data(0, Qt::UserRole).toUInt(); }
+
+QTreeWidgetItem *firstEntry() { return treeView->topLevelItem(0); }
+
+QTreeWidgetItem *lastEntry() {
+    QTreeWidgetItem *entry = treeView->topLevelItem(treeView->topLevelItemCount() - 1);
+    while (entry != nullptr && entry->isExpanded() && entry->childCount() > 0)
+        entry = entry->child(entry->childCount() - 1);
+    return entry;
+}
+
+QTreeWidgetItem *pageAway(QTreeWidgetItem *from, bool down) {
+    const int rowHeight = std::max(1, treeView->visualItemRect(from).height());
+    QTreeWidgetItem *entry = from;
+    for (int rows = treeView->viewport()->height() / rowHeight - 1; rows > 0; rows--) {
+        QTreeWidgetItem *next = down ? treeView->itemBelow(entry) : treeView->itemAbove(entry);
+        if (next == nullptr) break;
+        entry = next;
+    }
+    return entry;
+}
+
+// Left and right open and close a folder, or go to the entry above or the first below.
+QTreeWidgetItem *sideways(QTreeWidgetItem *from, bool right) {
+    if (right) {
+        if (from->childCount() == 0) return from;
+        if (from->isExpanded()) return from->child(0);
+        from->setExpanded(true);
+        return from;
+    }
+    if (from->isExpanded() && from->childCount() > 0) {
+        from->setExpanded(false);
+        return from;
+    }
+    return from->parent() != nullptr ? from->parent() : from;
+}
+
+// The next visible entry, from the current one on, that begins with what has been typed lately.
+QTreeWidgetItem *searchTyped(const QString &text) {
+    const std::uint64_t now = tickCount();
+    const bool going = now - typedAt < static_cast<std::uint64_t>(QApplication::keyboardInputInterval());
+    typedText = going ? typedText + text : text;
+    typedAt = now;
+    QTreeWidgetItem *start = selectedEntry() != nullptr ? selectedEntry() : firstEntry();
+    QTreeWidgetItem *entry = start;
+    if (entry != nullptr && typedText.size() == 1) entry = treeView->itemBelow(entry);
+    for (int wrapped = 0; wrapped < 2; wrapped++) {
+        for (; entry != nullptr; entry = treeView->itemBelow(entry))
+            if (entry->text(0).startsWith(typedText, Qt::CaseInsensitive)) return entry;
+        entry = firstEntry();
+    }
+    return start;
+}
+
+bool isNavigation(int key) {
+    switch (key) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Left:
+        case Qt::Key_Right:
+        case Qt::Key_Home:
+        case Qt::Key_End:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+            return true;
+        default:
+            return false;
+    }
+}
+
+QTreeWidgetItem *navigated(int key, QTreeWidgetItem *from) {
+    switch (key) {
+        case Qt::Key_Home:
+            return firstEntry();
+        case Qt::Key_End:
+            return lastEntry();
+        default:
+            break;
+    }
+    if (from == nullptr) return firstEntry();
+    switch (key) {
+        case Qt::Key_Up:
+            return treeView->itemAbove(from) != nullptr ? treeView->itemAbove(from) : from;
+        case Qt::Key_Down:
+            return treeView->itemBelow(from) != nullptr ? treeView->itemBelow(from) : from;
+        case Qt::Key_Left:
+            return sideways(from, false);
+        case Qt::Key_Right:
+            return sideways(from, true);
+        default:
+            return pageAway(from, key == Qt::Key_PageDown);
+    }
+}
+
+void goTo(QTreeWidgetItem *entry) {
+    if (entry == nullptr || entry == selectedEntry()) return;
+    if (selectItem(idOf(entry))) treeView->scrollToItem(entry);
+}
+
+}  // namespace
+
+bool treeKeyPressed(const QKeyEvent &key) {
+    if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
+    if (key.key() == Qt::Key_Delete) return handleCommand(command::deleteKey) != 0;
+    // Whatever is held down with them: Qt's tree would select without asking the view.
+    if (isNavigation(key.key())) {
+        goTo(navigated(key.key(), selectedEntry()));
+        return true;
+    }
+    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0)
+        return key.key() == Qt::Key_Space;
+    if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+        if (QTreeWidgetItem *entry = selectedEntry()) entry->setExpanded(!entry->isExpanded());
+        return true;
+    }
+    if (!key.text().isEmpty() && key.text().at(0).isPrint()) {
+        goTo(searchTyped(key.text()));
+        return true;
+    }
+    return false;
+}
+
+}  // namespace numalink

@@ -1,0 +1,270 @@
+#include "shell/tree/tree_mouse.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include "platform/clock.h"
+#include "shell/commands/command_handler.h"
+#include "shell/commands/command_table.h"
+#include "shell/commands/menus.h"
+#include "shell/parts/cursors.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/tree/item_tree.h"
+#include "shell/tree/tree_keys.h"
+#include "shell/tree/tree_rules.h"
+#include "shell/views/item_views.h"
+
+namespace numalink {
+
+std::uint64_t labelEditBlockedUntil = 0;
+ItemId dragItemId = noItem;
+bool dragActive = false;
+bool dragCanDrop = false;
+
+namespace {
+
+constexpr std::uint64_t blockAfterRightClick = 1000;  // milliseconds
+
+ItemId pressedItem = noItem;
+QPoint pressedAt;
+bool pressedWasSelected = false;
+ItemId dropTarget = noItem;
+
+ItemId idAt(const QPoint &place) {
+    const QTreeWidgetItem *entry = treeView->itemAt(place);
+    return entry == nullptr ? noItem : entry->data(0, Qt::UserRole).toUInt();
+}
+
+// Whether the place is on the icon or label of an entry, not on its branch or the empty rest of the row.
+bool onEntry(const QPoint &place) {
+    const QTreeWidgetItem *entry = treeView->itemAt(place);
+    if (entry == nullptr) return false;
+    QRect row = treeView->visualItemRect(entry);
+    const int labelWidth =
+        treeView->iconSize().width() + 8 + treeView->fontMetrics().horizontalAdvance(entry->text(0)) + 8;
+    row.setWidth(std::min(row.width(), labelWidth));
+    return row.contains(place);
+}
+
+bool leftOfEntry(const QPoint &place) {
+    const QTreeWidgetItem *entry = treeView->itemAt(place);
+    return entry != nullptr && place.x() < treeView->visualItemRect(entry).left();
+}
+
+// Where the mark is drawn that opens and closes a folder.
+bool onBranchMark(const QPoint &place) {
+    if (!leftOfEntry(place)) return false;
+    const QTreeWidgetItem *entry = treeView->itemAt(place);
+    return entry->childIndicatorPolicy() == QTreeWidgetItem::ShowIndicator &&
+           place.x() >= treeView->visualItemRect(entry).left() - treeView->indentation();
+}
+
+void toggleFolderAt(const QPoint &place) {
+    QTreeWidgetItem *entry = treeView->itemAt(place);
+    entry->setExpanded(!entry->isExpanded());
+}
+
+void beginDrag() {
+    dragItemId = pressedItem;
+    dragActive = true;
+    dragCanDrop = false;
+    treeView->viewport()->grabMouse(noDropCursor());
+    treeView->setFocus();
+}
+
+// The folder that a drop at this place would go to, or noItem.
+ItemId folderUnder(const QPoint &place) {
+    if (!onEntry(place)) return noItem;
+    const std::optional<ItemEntry> entry = storeReadEntry(idAt(place));
+    if (!entry) return noItem;
+    return isFolderKind(entry->kind) ? entry->id : entry->parent;
+}
+
+void markTarget(ItemId target) {
+    if (target == dropTarget) return;
+    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, QBrush());
+    dropTarget = target;
+    QColor mark = treeView->palette().highlight().color();
+    mark.setAlpha(96);  // the name stays readable on it, in dark and light looks
+    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, mark);
+}
+
+void dragTo(const QPoint &place) {
+    const ItemId target = folderUnder(place);
+    const std::optional<ItemEntry> dragged = storeReadEntry(dragItemId);
+    const std::optional<ItemEntry> folder = storeReadEntry(target);
+    dragCanDrop = dragged && folder && canDrop(dragged->kind, folder->kind);
+    treeView->viewport()->setCursor(dragCanDrop ? dropCursor() : noDropCursor());
+    markTarget(dragCanDrop ? target : noItem);
+}
+
+void drop(const QPoint &place) {
+    dragTo(place);
+    const ItemId dragged = dragItemId;
+    const ItemId target = dragCanDrop ? folderUnder(place) : noItem;
+    endDrag();
+    if (target != noItem) moveDropped(dragged, target);
+}
+
+// A second click on the selected entry's label, with no double click behind it, edits the label.
+void editAfterPause(ItemId item) {
+    QTimer::singleShot(QApplication::doubleClickInterval(), treeView, [item] {
+        if (pressedItem == noItem && selectedItemId() == item && treeView->hasFocus() && !dragActive &&
+            tickCount() >= labelEditBlockedUntil)
+            startLabelEdit(item);
+    });
+}
+
+void leftPressed(const QMouseEvent &event) {
+    const QPoint place = event.position().toPoint();
+    treeView->setFocus();
+    if (onBranchMark(place)) toggleFolderAt(place);
+    pressedItem = leftOfEntry(place) ? noItem : idAt(place);
+    pressedAt = place;
+    pressedWasSelected = pressedItem != noItem && pressedItem == selectedItemId();
+}
+
+void leftReleased(const QMouseEvent &event) {
+    const QPoint place = event.position().toPoint();
+    if (dragActive) return drop(place);
+    // The entry may stand elsewhere by now: the press has ended the edit of another one's label.
+    const ItemId item = pressedItem;
+    pressedItem = noItem;
+    if (treeEntryOf(item) == nullptr) return;
+    if (!pressedWasSelected) {
+        selectItem(item);
+    } else if (idAt(place) == item && onEntry(place)) {
+        editAfterPause(item);
+    }
+}
+
+bool mouseMoved(const QMouseEvent &event) {
+    const QPoint place = event.position().toPoint();
+    if ((event.buttons() & Qt::LeftButton) == 0) {
+        // The release went to a box.
+        if (dragActive) endDrag();
+        pressedItem = noItem;
+    } else if (dragActive) {
+        dragTo(place);
+    } else if (pressedItem != noItem && (place - pressedAt).manhattanLength() >= QApplication::startDragDistance()) {
+        beginDrag();
+        dragTo(place);
+    }
+    return (event.buttons() & Qt::LeftButton) != 0;
+}
+
+void doubleClicked(const QMouseEvent &event) {
+    if (event.button() != Qt::LeftButton) return;
+    const QPoint place = event.position().toPoint();
+    pressedItem = noItem;
+    labelEditBlockedUntil = tickCount() + static_cast<std::uint64_t>(QApplication::doubleClickInterval());
+    if (onBranchMark(place)) {
+        toggleFolderAt(place);
+    } else if (idAt(place) != noItem && !leftOfEntry(place)) {
+        if (!pressedWasSelected && !selectItem(idAt(place))) return;
+        toggleFolderAt(place);
+    }
+}
+
+// The menu of an entry, or on empty ground what makes new items.
+void showItemMenu(const QPoint &place, const QPoint &onScreen) {
+    labelEditBlockedUntil = tickCount() + blockAfterRightClick;
+    const ItemId item = idAt(place);
+    if (item != noItem) {
+        if (selectItem(item)) itemMenu->exec(onScreen);
+    } else {
+        QMenu menu(treeView);
+        menu.addAction(commandAction(command::newFolder));
+        menu.addAction(commandAction(command::newProgram));
+        menu.exec(onScreen);
+    }
+    refreshTreeWhenFree();
+}
+
+bool contextMenu(const QContextMenuEvent &event) {
+    // The right button in a drag ends the drag and nothing else.
+    if ((QApplication::mouseButtons() & Qt::LeftButton) != 0) return true;
+    if (event.reason() == QContextMenuEvent::Keyboard) {
+        QTreeWidgetItem *entry = selectedEntry();
+        const QPoint place = entry != nullptr ? treeView->visualItemRect(entry).center() : QPoint(-1, -1);
+        showItemMenu(place, treeView->viewport()->mapToGlobal(entry != nullptr ? place : QPoint(0, 0)));
+    } else {
+        showItemMenu(event.pos(), event.globalPos());
+    }
+    return true;
+}
+
+// No button goes on to Qt's tree, which would select without asking the view.
+void buttonPressed(const QMouseEvent &event) {
+    if (dragActive) return endDrag();
+    if (event.button() == Qt::LeftButton) leftPressed(event);
+}
+
+void buttonReleased(const QMouseEvent &event) {
+    if (event.button() == Qt::LeftButton) leftReleased(event);
+}
+
+bool viewportEvent(QWidget *, QEvent *event) {
+    switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            buttonPressed(*static_cast<QMouseEvent *>(event));
+            return true;
+        case QEvent::MouseMove:
+            return mouseMoved(*static_cast<QMouseEvent *>(event));
+        case QEvent::MouseButtonRelease:
+            buttonReleased(*static_cast<QMouseEvent *>(event));
+            return true;
+        case QEvent::MouseButtonDblClick:
+            doubleClicked(*static_cast<QMouseEvent *>(event));
+            return true;
+        case QEvent::ContextMenu:
+            return contextMenu(*static_cast<QContextMenuEvent *>(event));
+        case QEvent::Hide:
+            if (dragActive) endDrag();
+            return false;
+        default:
+            return false;
+    }
+}
+
+bool treeEvent(QWidget *, QEvent *event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto &key = *static_cast<QKeyEvent *>(event);
+        if (labelEditRunning()) return true;  // a key that the editor has no use for
+        if (dragActive) {
+            if (key.key() == Qt::Key_Escape) endDrag();
+            return true;
+        }
+        return treeKeyPressed(key);
+    }
+    if ((event->type() == QEvent::FocusOut || event->type() == QEvent::WindowDeactivate) && dragActive) endDrag();
+    return false;
+}
+
+}  // namespace
+
+bool dragRunning() { return dragActive; }
+
+void endDrag() {
+    dragActive = false;
+    dragCanDrop = false;
+    dragItemId = noItem;
+    pressedItem = noItem;
+    markTarget(noItem);
+    treeView->viewport()->releaseMouse();
+    treeView->viewport()->unsetCursor();
+    refreshTreeWhenFree();
+}
+
+void connectTreeEvents() {
+    hookEvents(treeView->viewport(), viewportEvent);
+    hookEvents(treeView, treeEvent);
+}
+
+}  // namespace numalink

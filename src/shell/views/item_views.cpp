@@ -1,0 +1,231 @@
+#include "shell/views/item_views.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <algorithm>
+#include <utility>
+
+#include "calculator/charset.h"
+#include "calculator/program_info.h"
+#include "drawing/item_picture.h"
+#include "drawing/matrix_picture.h"
+#include "platform/thread_role.h"
+#include "shell/commands/menus.h"
+#include "shell/editor/program_store.h"
+#include "shell/editor/program_view.h"
+#include "shell/editor/symbols_window.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_window.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/surface_view.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+ItemKind viewKind = kind::none;
+ItemId viewItemId = noItem;
+
+namespace {
+
+MatrixValues matrixOnView;
+PickedCell picked;
+std::string matrixInfo;  // the status line of the matrix on view, without its picked cell
+
+bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
+
+void showProgram(const StoredItem &item) {
+    statusLine(StatusPart::item, 21);
+    programToView(item.data);
+    takeOpenedProgram(item);
+    lineNumberEdit->show();
+    programEdit->show();
+    showSymbols();
+    setEditMenuEnabled(true);
+    if (tokenCount() == 0) tellUser(OwnText::withoutTable);
+}
+
+// Places of a cell in the table, in dots.
+void scrollToPicked() {
+    constexpr int columnWidth = 28, rowHeight = 8, headWidth = 18, headHeight = 9;
+    const int x = picked.column == 1 ? 0 : (picked.column - 1) * columnWidth + headWidth;
+    const int y = picked.row == 1 ? 0 : (picked.row - 1) * rowHeight + headHeight;
+    showSurfacePart(x, y, columnWidth + (picked.column == 1 ? headWidth : 0),
+                    rowHeight + (picked.row == 1 ? headHeight : 0));
+}
+
+// The value below a large table is out of sight: the status bar has it too.
+std::string pickedInfo() {
+    const std::size_t place =
+        static_cast<std::size_t>(picked.row - 1) * static_cast<std::size_t>(matrixOnView.columns) +
+        static_cast<std::size_t>(picked.column - 1);
+    if (place >= matrixOnView.values.size()) return {};
+    return "; " + std::to_string(picked.row) + ", " + std::to_string(picked.column) + ": " +
+           utf8FromCalculator(matrixPickedText(matrixOnView.values[place]));
+}
+
+bool matrixKeys(const QKeyEvent &key) {
+    const PickedCell before = picked;
+    switch (key.key()) {
+        case Qt::Key_Left:
+            picked.column--;
+            break;
+        case Qt::Key_Right:
+            picked.column++;
+            break;
+        case Qt::Key_Up:
+            picked.row--;
+            break;
+        case Qt::Key_Down:
+            picked.row++;
+            break;
+        default:
+            return false;
+    }
+    picked.column = std::clamp(picked.column, 1, std::max(1, matrixOnView.columns));
+    picked.row = std::clamp(picked.row, 1, std::max(1, matrixOnView.rows));
+    if (picked.row != before.row || picked.column != before.column) {
+        redrawSurface();
+        userInterface.statusText(StatusPart::item, 23, matrixInfo + pickedInfo());
+    }
+    scrollToPicked();
+    return true;
+}
+
+Surface partOfMatrix(int left, int top, int width, int height) {
+    return matrixPart(matrixOnView, picked, left, top, {width, height});
+}
+
+void showDrawn(const StoredItem &item) {
+    if (!isMatrix(item.kind)) {
+        showSurface(itemSurface(item.kind, item.head, item.data));
+        return;
+    }
+    matrixOnView = matrixValuesOf(item.head, item.data);
+    picked = {};
+    const PictureSize size = matrixSize(matrixOnView);
+    showSurfaceInParts(size.width, size.height, partOfMatrix, matrixKeys);
+}
+
+std::optional<OwnText> faultText(PictureFault fault) {
+    switch (fault) {
+        case PictureFault::tooLarge:
+            return OwnText::viewTooLarge;
+        case PictureFault::unknownColor:
+            return OwnText::viewUnknownColor;
+        case PictureFault::endsEarly:
+            return OwnText::viewEndsEarly;
+        case PictureFault::none:
+            break;
+    }
+    return std::nullopt;
+}
+
+void infoToStatus(const StoredItem &item) {
+    const std::string size = std::to_string(item.dataSize);
+    const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
+    if (info && !info->password.empty()) {
+        statusLine(StatusPart::item, 22, {size, utf8FromCalculator(info->password)});
+        return;
+    }
+    std::string line = languageFormat(23, {size});
+    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + ownText(*fault);
+    if (isMatrix(item.kind)) {
+        matrixInfo = line;
+        line += pickedInfo();
+    }
+    userInterface.statusText(StatusPart::item, 23, line);
+}
+
+void closeView() {
+    setEditMenuEnabled(false);
+    userInterface.statusText(StatusPart::item, 0, "");
+    hideSymbols();
+    programEdit->hide();
+    lineNumberEdit->hide();
+    hideSurface();
+    emulatorStop();
+    matrixOnView = {};
+    picked = {};
+    forgetOpenedProgram();
+    viewKind = kind::none;
+    viewItemId = noItem;
+}
+
+bool leave(Leaving how) {
+    assertRole(ThreadRole::graphical);
+    if (isTextKind(viewKind) && !leaveProgram(how) && how != Leaving::atOnce) return false;
+    closeView();
+    return true;
+}
+
+}  // namespace
+
+void connectViews() {
+    connectProgramView();
+    makeSurfaceView();
+    makeEmulatorWindow();
+    makeSymbolsWindow();
+}
+
+void forgetViews() {
+    viewKind = kind::none;
+    viewItemId = noItem;
+    forgetProgramView();
+    forgetSurfaceView();
+    forgetEmulatorWindow();
+    forgetSymbolsWindow();
+    forgetOpenedProgram();
+}
+
+int openSelectedItem() {
+    assertRole(ThreadRole::graphical);
+    const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
+    if (!entry || isFolderKind(entry->kind)) return entry ? 1 : 0;
+    userInterface.waitCursor(true);
+    StoredItem item;
+    const bool read = storeReadItem(entry->id, item);
+    if (read) {
+        viewKind = item.kind;
+        viewItemId = item.id;
+    }
+    userInterface.waitCursor(false);
+    if (!read) return 1;
+    if (isTextKind(item.kind)) showProgram(item);
+    if (isDrawn(item.kind)) showDrawn(item);
+    infoToStatus(item);
+    return 1;
+}
+
+bool reopenView() {
+    const bool hadFocus = mainWindow->focusWidget() == programEdit;
+    const ItemId id = viewItemId;
+    const int caret = programEdit->textCursor().position();
+    if (!leaveCurrentView()) return false;
+    openSelectedItem();
+    if (viewItemId != id || !isTextKind(viewKind)) return true;
+    putCaretAt(caret);
+    if (hadFocus) programEdit->setFocus();
+    return true;
+}
+
+bool leaveCurrentView() { return leave(Leaving::view); }
+bool leaveViewAtEnd() { return leave(Leaving::program); }
+bool leaveViewAtOnce() { return leave(Leaving::atOnce); }
+
+void dropCurrentView() { closeView(); }
+
+void viewedItemGone() {
+    if (!isTextKind(viewKind) || !programChanged()) closeView();
+}
+
+void itemInfoToStatus(ItemId id) {
+    StoredItem item;
+    if (storeReadItem(id, item)) infoToStatus(item);
+}
+
+}  // namespace numalink

@@ -1,0 +1,189 @@
+#include "store/file/changes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+
+#include "store/file/copy.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint64_t wasteLimit = std::uint64_t{16} * 1024;  // bytes that no record covers
+
+void appendRecord(Bytes &bytes, const NewRecord &record) {
+    const auto *head = reinterpret_cast<const std::uint8_t *>(&record.head);
+    bytes.insert(bytes.end(), head, head + sizeof record.head);
+    bytes.insert(bytes.end(), record.firstPayload.begin(), record.firstPayload.end());
+    bytes.insert(bytes.end(), record.secondPayload.begin(), record.secondPayload.end());
+}
+
+// The state without the slots that leave; their records still lie in the file.
+StoreState withoutSlots(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
+    StoreState next = storeState;
+    if (leaving.empty()) return next;
+    std::size_t kept = 0;
+    for (std::size_t slot = 0; slot < leaving.size(); slot++) {
+        if (leaving[slot]) continue;
+        next.main.offsets[kept] = storeState.main.offsets[slot];
+        next.slots[kept] = storeState.slots[slot];
+        kept++;
+    }
+    std::fill(next.main.offsets + kept, next.main.offsets + leaving.size(), 0U);
+    next.slots.resize(kept);
+    next.main.itemCount = static_cast<std::uint32_t>(kept);
+    return next;
+}
+
+// Puts the added records one behind the other from place on.
+Fault appendRecords(StoreState &next, std::span<const NewRecord> added, std::uint64_t place, Bytes &bytes) {
+    if (next.slots.size() + added.size() > storeSlotCount) return Fault::full;
+    std::uint64_t size = bytes.size();
+    for (const NewRecord &record : added) size += recordSize(record.head);
+    if (place + size > UINT32_MAX) return Fault::tooLarge;
+    bytes.reserve(static_cast<std::size_t>(size));
+    for (const NewRecord &record : added) {
+        next.main.offsets[next.slots.size()] = static_cast<std::uint32_t>(place + bytes.size());
+        next.slots.push_back({record.head, true});
+        appendRecord(bytes, record);
+        next.main.endOffset = static_cast<std::uint32_t>(place + bytes.size());
+    }
+    next.main.itemCount = static_cast<std::uint32_t>(next.slots.size());
+    return Fault::none;
+}
+
+std::uint64_t endOfRecords(const StoreState &state) {
+    std::uint64_t end = sizeof state.main;
+    for (std::size_t slot = 0; slot < state.slots.size(); slot++)
+        end = std::max(end, state.main.offsets[slot] + recordSize(state.slots[slot].head));
+    return end;
+}
+
+// Once the gaps are larger than the records, they are closed without waiting for the end of the run. Should that fail,
+// nothing is lost but the room, so it says nothing: the change ahead of it is done.
+void closeLargeGaps() REQUIRES_LOCK(storeLock) {
+    std::uint64_t used = sizeof storeState.main;
+    for (const Slot &slot : storeState.slots) used += recordSize(slot.head);
+    const std::uint64_t waste = storeState.main.endOffset - std::min<std::uint64_t>(used, storeState.main.endOffset);
+    if (storeState.damaged || waste <= std::max(wasteLimit, used)) return;
+    try {
+        closeGaps();
+    } catch (const std::bad_alloc &) {
+        changeBegin();  // what was gathered for it is dropped
+    }
+}
+
+// Those that go lose their signature: what lies in a gap is no record. Never behind the new end, where the end of the
+// run cuts: a change counts as done only while all that it wrote is there.
+void unmarkRecords(const std::vector<bool> &leaving, std::uint64_t end) REQUIRES_LOCK(storeLock) {
+    for (std::size_t slot = 0; slot < leaving.size(); slot++)
+        if (leaving[slot] && storeState.main.offsets[slot] + sizeof itemSignature <= end)
+            changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
+}
+
+}  // namespace
+
+Bytes bytesOf(const MainHeader &main) {
+    Bytes bytes(sizeof main);
+    std::memcpy(bytes.data(), &main, sizeof main);
+    return bytes;
+}
+
+Fault faultOf(ChangeResult result) {
+    switch (result) {
+        case ChangeResult::done:
+            return Fault::none;
+        case ChangeResult::refused:
+            return Fault::notWritten;
+        case ChangeResult::headRefused:
+            return Fault::headNotWritten;
+        case ChangeResult::broken:
+            return Fault::broken;
+        case ChangeResult::replaced:
+            return Fault::replaced;
+    }
+    return Fault::broken;
+}
+
+Fault prepareChange() {
+    if (!storeState.open) return Fault::absent;
+    if (storeState.damaged && !storeState.copied) storeState.copied = storeFileKeepCopy() && storeJournalKeepTorn();
+    return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
+}
+
+Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId) {
+    if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
+    StoreState next = withoutSlots(leaving);
+    next.main.nextId = nextId;
+    const std::int64_t fileSize = storeFileSize();
+    if (fileSize < 0) return Fault::notWritten;
+    if (!storeState.damaged) next.main.endOffset = static_cast<std::uint32_t>(endOfRecords(next));
+    // In a damaged file, whose head may lie, behind everything.
+    const auto place = storeState.damaged ? static_cast<std::uint64_t>(fileSize) : next.main.endOffset;
+    Bytes bytes;
+    if (const Fault fault = appendRecords(next, added, place, bytes); fault != Fault::none) return fault;
+    changeBegin();
+    unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
+    changeWrite(place, std::move(bytes));
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault != Fault::none) return fault;
+    next.arrivals++;
+    storeState = std::move(next);
+    closeLargeGaps();
+    return Fault::none;
+}
+
+Fault closeGaps() {
+    if (!storeState.open || storeState.damaged) return Fault::absent;
+    StoreState next = storeState;
+    std::vector<std::size_t> order(next.slots.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::sort(order, {}, [&](std::size_t slot) { return next.main.offsets[slot]; });
+    std::uint64_t place = sizeof next.main, from = 0;
+    Bytes moved;  // all from the first gap on
+    for (const std::size_t slot : order) {
+        const std::uint64_t offset = next.main.offsets[slot], size = recordSize(next.slots[slot].head);
+        if (moved.empty()) from = place;
+        if (offset != place || !moved.empty()) {
+            moved.resize(moved.size() + static_cast<std::size_t>(size));
+            if (!storeFileRead(offset, std::span(moved).last(static_cast<std::size_t>(size)))) return Fault::notWritten;
+        }
+        next.main.offsets[slot] = static_cast<std::uint32_t>(place);
+        place += size;
+    }
+    if (place == storeState.main.endOffset) return Fault::none;
+    next.main.endOffset = static_cast<std::uint32_t>(place);
+    changeBegin();
+    changeWrite(from, std::move(moved));
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault == Fault::none) storeState = std::move(next);
+    return fault;
+}
+
+Fault changeInPlace(std::span<const Patch> patches) {
+    if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
+    changeBegin();
+    for (const Patch &patch : patches)
+        changeWrite(std::uint64_t{storeState.main.offsets[patch.slot]} + patch.offset, patch.bytes);
+    const Fault fault = faultOf(changeCommit());
+    if (fault != Fault::none) return fault;
+    for (const Patch &patch : patches) {
+        if (patch.bytes.empty()) continue;
+        ItemHeader &head = storeState.slots[patch.slot].head;
+        if (patch.offset + patch.bytes.size() <= sizeof head)
+            std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + patch.offset, patch.bytes.data(), patch.bytes.size());
+    }
+    return Fault::none;
+}
+
+Fault changeHead() {
+    if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
+    changeBegin();
+    changeWrite(0, bytesOf(storeState.main));
+    return faultOf(changeCommit());
+}
+
+}  // namespace numalink

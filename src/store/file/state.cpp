@@ -1,0 +1,140 @@
+#include "store/file/state.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "calculator/charset.h"
+#include "calculator/program_info.h"
+#include "store/file/check.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+StoreState storeState;
+
+namespace {
+
+struct FaultText {
+    Fault fault;
+    OwnText text;
+};
+constexpr FaultText faultTexts[] = {
+    {Fault::full, OwnText::storeFull},
+    {Fault::noFolder, OwnText::storeNoFolder},
+    {Fault::intoItself, OwnText::storeIntoItself},
+    {Fault::tooLarge, OwnText::storeTooLarge},
+    {Fault::notWritten, OwnText::storeNotWritten},
+    {Fault::broken, OwnText::storeBroken},
+    {Fault::replaced, OwnText::storeReplaced},
+    {Fault::itemUnread, OwnText::storeItemUnread},
+    {Fault::notCopied, OwnText::storeNotCopied},
+    {Fault::noMemory, OwnText::storeNoMemory},
+};
+constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 37;
+
+// How many codes a name of this kind may have.
+std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
+
+// Whether deleted records, and nothing else, fill the stretch: they have lost their signature and kept their sizes.
+bool isGap(const Stretch &stretch) REQUIRES_LOCK(storeLock) {
+    std::uint64_t at = stretch.from;
+    while (at < stretch.to) {
+        ItemHeader head{};
+        if (stretch.to - at < sizeof head || !storeFileRead(at, {reinterpret_cast<std::uint8_t *>(&head), sizeof head}))
+            return false;
+        if (std::ranges::any_of(head.signature, [](char code) { return code != 0; }) || head.id <= rootId) return false;
+        at += recordSize(head);
+    }
+    return at == stretch.to;
+}
+
+}  // namespace
+
+bool storeTold(Fault fault) {
+    if (fault == Fault::none) return true;
+    try {
+        if (fault == Fault::headNotWritten) return failWith(textOfHeadNotWritten);
+        for (const FaultText &row : faultTexts)
+            if (row.fault == fault) return failWith(row.text);
+    } catch (const std::bad_alloc &) {
+        // Without memory for a box the caller's false is all that tells.
+    }
+    return false;
+}
+
+std::size_t slotOfId(ItemId id) {
+    for (std::size_t slot = 0; slot < storeState.slots.size(); slot++)
+        if (storeState.slots[slot].sound && storeState.slots[slot].head.id == id) return slot;
+    return noSlot;
+}
+
+bool isFolderId(ItemId id) {
+    if (id == rootId) return true;
+    const std::size_t slot = slotOfId(id);
+    return slot != noSlot && isFolderKind(storeState.slots[slot].head.kind);
+}
+
+MainHeader emptyMain() {
+    MainHeader main{};
+    std::memcpy(main.signature, mainSignature, sizeof mainSignature);
+    main.formatNumber = storeNewestFormat;
+    main.endOffset = sizeof main;
+    main.nextId = rootId + 1;
+    return main;
+}
+
+int readMain(MainHeader &main) {
+    if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return textHeadTooShort;
+    if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return textWrongHead;
+    return main.formatNumber > storeNewestFormat ? textTooNew : 0;
+}
+
+bool mayBeNewer(int textNumber, const MainHeader &main) {
+    constexpr std::uint32_t limit = 2 * storeNewestFormat;
+    return textNumber == textTooNew && main.formatNumber < limit;
+}
+
+void readSlots(const MainHeader &main, std::vector<Slot> &slots) {
+    slots.assign(std::min(main.itemCount, storeSlotCount), Slot{});
+    for (std::size_t i = 0; i < slots.size(); i++) {
+        const std::span<std::uint8_t> head(reinterpret_cast<std::uint8_t *>(&slots[i].head), sizeof(ItemHeader));
+        slots[i].sound = storeFileRead(main.offsets[i], head);
+    }
+}
+
+std::vector<Stretch> strayStretches(const MainHeader &main, const std::vector<Slot> &slots) {
+    std::vector<Stretch> strays = uncoveredStretches(main, slots);
+    std::erase_if(strays, [](const Stretch &stretch) REQUIRES_LOCK(storeLock) { return isGap(stretch); });
+    return strays;
+}
+
+ItemEntry entryOf(const ItemHeader &head) {
+    return {.id = head.id,
+            .parent = head.parent,
+            .kind = head.kind,
+            .flags = head.flags,
+            .name = std::string(nameOf(head)),
+            .headSize = head.headSize,
+            .dataSize = head.dataSize};
+}
+
+std::string_view storedName(std::string_view name) { return name.substr(0, name.find('\0')).substr(0, storeNameLimit); }
+
+bool isNamed(const ItemHeader &head, std::string_view name, ItemId parent) {
+    return head.parent == parent && head.kind != kind::temporaryFolder && equalWithoutCase(nameOf(head), name);
+}
+
+std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind,
+                     const std::function<bool(std::string_view)> &alsoTaken) {
+    name = storedName(name);
+    std::string candidate(name);
+    for (std::uint32_t number = 2;; number++) {
+        const auto taken = [&](const ItemHeader &head) { return isNamed(head, candidate, parent); };
+        if (lowestSlot(taken) == noSlot && !(alsoTaken && alsoTaken(candidate))) return candidate;
+        const std::string digits = std::to_string(number);
+        candidate = name.substr(0, nameLimitOf(itemKind) - digits.size() - 1);
+        candidate.append(" ").append(digits);
+    }
+}
+
+}  // namespace numalink

@@ -1,0 +1,151 @@
+// Opening with all its checks, and closing.
+#include <algorithm>
+#include <cstring>
+
+#include "platform/program_folder.h"
+#include "store/file/changes.h"
+#include "store/file/check.h"
+#include "store/file/copy.h"
+#include "store/undo/keep_for_undo.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36;
+
+int createStore() REQUIRES_LOCK(storeLock) {
+    storeState.main = emptyMain();
+    changeBegin();
+    changeWrite(0, bytesOf(storeState.main));
+    return changeCommit() == ChangeResult::done ? 0 : textCannotOpen;
+}
+
+std::string storePath() { return libraryFolder() + "storage.dat"; }
+
+// What came of opening, for telling once the lock is free.
+struct Opening {
+    OpenResult file = OpenResult::failed;
+    Recovery recovery = Recovery::nothing;
+    std::string journal;       // its path; where it was set aside
+    bool isNew = false;        // an empty file, which gets its head
+    bool isNewer = false;      // a newer version wrote it, by all one can tell
+    std::uint32_t damage = 0;  // places
+    std::ptrdiff_t lost = 0;   // records among them
+    Fault resetFault = Fault::none;
+};
+
+// Takes an interrupted change back. False when the file can't be used.
+bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
+    opening.recovery = storeFileRecover(true);
+    opening.journal = storeJournalPath();
+    if (opening.recovery != Recovery::foreign)
+        return opening.recovery != Recovery::unread && opening.recovery != Recovery::failed;
+    const std::string kept = storeJournalSetAside();
+    opening.recovery = kept.empty() ? Recovery::failed : Recovery::foreign;
+    if (!kept.empty()) opening.journal = kept;
+    return !kept.empty();
+}
+
+// The text number of what keeps the file from being used, or 0.
+int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
+    opening.file = storeFileOpen(storePath(), true);
+    if (opening.file != OpenResult::opened || !recoverFile(opening)) return textCannotOpen;
+    const std::int64_t size = storeFileSize();
+    if (size < 0) return textHeadTooShort;
+    opening.isNew = size == 0;
+    const int fault = opening.isNew ? createStore() : readMain(storeState.main);
+    opening.isNewer = mayBeNewer(fault, storeState.main);
+    if (fault != 0) return fault;
+    readSlots(storeState.main, storeState.slots);
+    opening.damage =
+        opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
+    if (opening.damage == 0)
+        opening.damage = static_cast<std::uint32_t>(strayStretches(storeState.main, storeState.slots).size());
+    opening.lost = std::ranges::count(storeState.slots, false, &Slot::sound);
+    storeState.main.itemCount = static_cast<std::uint32_t>(storeState.slots.size());
+    storeState.main.nextId = safeNextId(storeState.main, storeState.slots);
+    storeState.damaged = opening.damage > 0;
+    storeState.open = true;
+    // A start alone changes nothing, so that the daily copies are of days with changes.
+    if (!opening.isNew && opening.damage == 0 && !tempIsFresh()) opening.resetFault = resetTemp();
+    return 0;
+}
+
+void letGo() {
+    const HoldLock hold(storeLock);
+    storeFileClose();
+    storeState = {};
+    forgetUndoSteps();
+}
+
+bool tellNotOpened(int textNumber, const Opening &opening) {
+    const bool held = opening.file == OpenResult::heldByAnother;
+    if (opening.recovery == Recovery::unread)
+        tellMore(textNumber, OwnText::storeJournalUnread, {opening.journal});
+    else if (opening.recovery == Recovery::failed)
+        tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
+    else if (textNumber == textCannotOpen)
+        tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
+    else if (opening.isNewer)
+        tellUser(textNumber);
+    else
+        tellMore(textNumber, OwnText::storeMayBeSaved, {libraryFolder()});
+    return false;
+}
+
+}  // namespace
+
+bool storeOpen() {
+    int textNumber = 0;
+    Opening opening;
+    const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+        if (storeState.open) return Fault::none;
+        textNumber = textCannotOpen;  // unless it comes to an end
+        textNumber = openFile(opening);
+        return Fault::none;
+    });
+    if (textNumber != 0) letGo();
+    if (fault != Fault::none) return storeTold(fault);
+    if (opening.recovery == Recovery::foreign) tellUser(OwnText::storeJournalSetAside, {opening.journal});
+    if (textNumber != 0) return tellNotOpened(textNumber, opening);
+    if (opening.damage > 0)
+        tellMore(textDamaged, OwnText::storeDamageCount,
+                 {std::to_string(opening.damage), std::to_string(opening.lost)});
+    storeTold(opening.resetFault);  // the library is usable all the same
+    return true;
+}
+
+void storeClose() {
+    withStoreLocked([]() REQUIRES_LOCK(storeLock) {
+        if (!storeState.open || storeState.damaged) return Fault::none;
+        closeGaps();  // should it fail, the next end of a run does it
+        storeFileCut(storeState.main.endOffset);
+        return Fault::none;
+    });
+    letGo();
+}
+
+bool storeIsOpen() {
+    const HoldLock hold(storeLock);
+    return storeState.open;
+}
+
+bool storeWriteHead() {
+    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return changeHead(); }));
+}
+
+bool storeCopyTo(const std::string &path) {
+    return withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+               if (!storeState.open) return Fault::absent;
+               return storeFileCopyTo(path) ? Fault::none : Fault::notCopied;
+           }) == Fault::none;
+}
+
+bool storeIsDamaged() {
+    const HoldLock hold(storeLock);
+    return storeState.damaged;
+}
+
+}  // namespace numalink
