@@ -7,6 +7,7 @@
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/pace.h"
+#include "emulator/run/machine_start.h"
 #include "text/token_table.h"
 
 namespace numalink {

@@ -10,6 +10,7 @@
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
 

@@ -14,6 +14,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/pace.h"
+#include "emulator/run/machine_start.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/screens/pictures.h"
 #include "platform/clock.h"

@@ -9,6 +9,7 @@
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "emulator/run/runner.h"
 #include "emulator/run/scripted_run.h"
 #include "emulator/screens/display.h"

@@ -11,6 +11,7 @@
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "platform/clock.h"
 #include "text/token_table.h"
 

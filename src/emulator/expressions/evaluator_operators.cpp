@@ -4,6 +4,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
+#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 

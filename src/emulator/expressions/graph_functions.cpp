@@ -4,7 +4,7 @@
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/programs.h"
-#include "emulator/statements/run_state.h"
+#include "emulator/machine/run_waits.h"
 
 namespace numalink {
 

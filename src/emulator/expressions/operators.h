@@ -1,10 +1,8 @@
-// The evaluator's vocabulary as one table: which token acts in which step, on what, and what it computes. Fixed; any
-// thread.
+// What the evaluator knows of a token: the steps that act on it, on what, and what it computes. Any thread.
 #pragma once
 
 #include <array>
 #include <cstdint>
-#include <span>
 
 #include "emulator/machine/cells.h"
 
@@ -53,23 +51,21 @@ struct OperatorRow {
     void (*onArrays)(ProgramCell *, int) = nullptr;  // Dim, Identity, Sum: the cell of the token
 };
 
-std::span<const OperatorRow> operatorRows();  // in the order of the steps, then of the tokens
-
 // Whether a token opens a pair of parentheses, and whether it is a function call. It follows the token table as it was
-// when openingTokensRefresh last ran: machineStart does that.
+// when openingTokensRefresh (vocabulary.h) last ran.
 enum class Opening : std::uint8_t { none, plain, function };
-void openingTokensRefresh();
 
-// What the evaluator knows of one token. Looked up by the lead byte's page, then by the byte that counts.
+// Looked up by the lead byte's page, then by the byte that counts.
 struct TokenFacts {
-    StepMask steps = 0;                // the steps that act on it
-    const OperatorRow *row = nullptr;  // of its step with an operation; plus and minus: the binary one
+    StepMask steps = 0;                 // the steps that act on it
+    const OperatorRow *row = nullptr;   // of its step with an operation; plus and minus: the binary one
+    const OperatorRow *sign = nullptr;  // unary plus and minus
     Opening opening = Opening::none;
     bool standsBetween = false;        // a binary operator, or a token that no step knows
     ComplexValue *variable = nullptr;  // what variableRef gives
 };
 using TokenPage = std::array<TokenFacts, 256>;
-extern std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by openingTokensRefresh alone
+inline std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by openingTokensRefresh alone
 
 inline const TokenFacts &factsOf(const ProgramCell &cell) {  // of a token cell
     if (!isTwoByteLead(cell.token1)) return tokenFacts[0][cell.token1];
@@ -82,9 +78,8 @@ inline const OperatorRow *operatorRow(const ProgramCell &cell, Step step) {
     const OperatorRow *row = factsOf(cell).row;
     return row != nullptr && row->step == step ? row : nullptr;
 }
-const OperatorRow *signRow(const ProgramCell &cell);  // unary plus and minus
-
-// A generator of 0 to 32767, never seeded: each process meets the same sequence.
-int chance();
+inline const OperatorRow *signRow(const ProgramCell &cell) {
+    return cell.kind == CellKind::token ? factsOf(cell).sign : nullptr;
+}
 
 }  // namespace numalink

@@ -1,34 +1,16 @@
 // The five reports as one table of wordings.
 #include "emulator/machine/errors.h"
 
-#include "emulator/screens/display.h"
-#include "emulator/screens/text_screen.h"
+#include "emulator/machine/machine.h"
 
 namespace numalink {
 
+void (*errorShown)(const char *text) = nullptr;
+
 namespace {
 
-constexpr int errorColumn = 6;
-
-// The last report on the screen, and what the screen was then. The same again leaves it as it is: a faulty expression
-// may report hundreds of times, and drawing a text takes longer than evaluating one.
-struct ShownReport {
-    const char *text = nullptr;
-    PixelColor rowColor = 0;
-    std::uint64_t screenChanges = 0;
-    friend bool operator==(const ShownReport &, const ShownReport &) = default;
-};
-ShownReport shown;  // run thread
-
-void show(const char *text) {
-    const PixelColor rowColor = machine.rowColor[textRowCount - 1];
-    if (shown == ShownReport{text, rowColor, textScreenChanges()}) return setScreenMode(textMode);
-    putText(errorColumn, textRowCount, text, pixelColor::blue);
-    shown = {text, rowColor, textScreenChanges()};
-}
-
 void report(const char *text) {
-    show(text);
+    if (errorShown != nullptr) errorShown(text);
     machine.errorFlag = true;
     if (machine.errorTrace != nullptr) machine.errorTrace->push_back({text, machine.statementsRun});
 }

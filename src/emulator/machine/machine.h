@@ -139,9 +139,8 @@ extern std::atomic<int> keyCode;
 // Set and cleared by emulatorToggle alone (and by a test or the command line in its place); run threads read it.
 extern std::atomic<bool> emulatorRunning;
 
-// The reset at the start of a run. What it leaves alone lasts as long as the process: Ans, the view window with its
-// memories, the picture memories and the plotted points.
-void machineStart();
+// The mode of the screen that is to be on display. Whoever writes to a screen sets its mode. Run thread.
+void setScreenMode(int mode);
 
 // The double without its fraction, toward 0. Beyond 32 bits, and for what is no number, an integer that lies outside
 // of every table and screen, so that it may be lowered by 1 without overflow.

@@ -5,7 +5,6 @@
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/run_waits.h"
-#include "emulator/statements/run_state.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
 

@@ -3,6 +3,7 @@
 
 #include "emulator/machine/cells.h"
 #include "emulator/machine/pace.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/text_screen.h"
 

@@ -154,12 +154,15 @@ LoopEnd runStatements(RunState &state) {
     }
 }
 
+void callProgram(std::string_view name);
+
 void runProgramThread(int callIndex) {
     threadRole = ThreadRole::run;
     fullSpeed = settingsInt(setting::fullSpeed) == 1;
     RunState state;
     state.programIndex = calls[static_cast<std::size_t>(callIndex)].program;
     state.program = loadedProgram(state.programIndex).cells;
+    state.callProgram = callProgram;
     while (runStatements(state) == LoopEnd::programEnded && callIndex == 0 && showAtEnd(state)) {
         haltTold = false;
         state.position = 0;
@@ -173,13 +176,7 @@ void waitLikeAPoll(std::uint64_t since) {
     waitPassSleep(callPoll - past);
 }
 
-void joinRun() {
-    if (calls[0].thread.joinable()) calls[0].thread.join();
-    nextCall = 0;
-}
-
-}  // namespace
-
+// Prog: runs the program on a thread of its own and returns when it has ended. Run thread.
 void callProgram(std::string_view name) {
     const int program = findProgram(name);
     if (program < 0 || nextCall >= callLimit) {
@@ -199,6 +196,13 @@ void callProgram(std::string_view name) {
     }
     nextCall--;
 }
+
+void joinRun() {
+    if (calls[0].thread.joinable()) calls[0].thread.join();
+    nextCall = 0;
+}
+
+}  // namespace
 
 bool runStart(const RunOptions &options) {
     if (emulatorRunning) return false;

@@ -3,9 +3,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
-#include "emulator/statements/run_state.h"
+#include "emulator/machine/run_waits.h"
 
 namespace numalink {
 
@@ -22,9 +21,6 @@ void runStop();
 // Blocks until the run has ended by itself (the command line, tests), and then stops; serves nothing.
 void runWait();
 RunEnd runEnded();  // where the last run was when it ended by itself; running after a stop
-
-// Prog: runs the program on a thread of its own and returns when it has ended. Run thread.
-void callProgram(std::string_view name);
 
 // The rows of the MatrixTable that variables and temporaries own, as the last statement left them. Counted while the
 // setting DisplayDebug is on. Any thread.

@@ -2,6 +2,7 @@
 #include "emulator/run/scripted_run.h"
 
 #include "emulator/machine/key_port.h"
+#include "emulator/run/machine_start.h"
 #include "emulator/run/runner.h"
 
 namespace numalink {

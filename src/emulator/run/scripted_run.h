@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "emulator/machine/machine.h"
-#include "emulator/statements/run_state.h"
+#include "emulator/machine/run_waits.h"
 
 namespace numalink {
 

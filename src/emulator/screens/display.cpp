@@ -83,11 +83,6 @@ void showMatrix(const ProgramCell &cell) {
 
 }  // namespace
 
-void setScreenMode(int mode) {
-    machine.shortCopy = machine.screenMode == graphMode && mode == textMode;
-    machine.screenMode = mode;
-}
-
 std::string valueText(const ProgramCell &cell) {
     if (isNumber(cell)) return numberText(cell.value.re);
     return cell.kind == CellKind::string ? stringText(cell) : std::string();

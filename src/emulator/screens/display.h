@@ -8,7 +8,6 @@
 
 namespace numalink {
 
-void setScreenMode(int mode);
 std::string valueText(const ProgramCell &cell);                // calculator codes; empty for what has no text
 void displayValue(const ProgramCell &cell, PixelColor color);  // a string, a number, a matrix; else an empty line
 const Surface &matrixScreen();

@@ -7,9 +7,8 @@
 
 #include "drawing/dot_fonts.h"
 #include "emulator/machine/pace.h"
-#include "emulator/screens/display.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/screens/pictures.h"
-#include "emulator/statements/run_state.h"
 
 namespace numalink {
 
@@ -65,6 +64,18 @@ void walkRight(PlotPoint from, PlotPoint to, PixelColor color) {
         if (x + lineStep == x) return;
         putLineDot(x, y, color);
         y += slope / 10;
+    }
+}
+
+// The mode is left alone. Other numbers than those of the memories recall nothing.
+void recallQuietly(int number) {
+    const Surface *memory = pictureMemory(number);
+    if (!memory) return;
+    for (int y = 0; y < displayHeight; y++) {
+        for (int x = 0; x < displayWidth; x++) {
+            const Color dot = dotAt(*memory, x, y);
+            if (dot != lcdColor::background) putPixel(x, y, pixelColorOf(dot));
+        }
     }
 }
 
@@ -162,6 +173,16 @@ void graphText(double first, double second, std::string_view text, PixelColor co
     changes++;
 }
 
+void storePicture(int number) {
+    if (Surface *memory = pictureMemory(number)) *memory = graphScreen();
+}
+
+void recallPicture(int number) {
+    if (!pictureMemory(number)) return;
+    recallQuietly(number);
+    setScreenMode(graphMode);
+}
+
 void clearGraph() {
     emptyScreen();
     setScreenMode(graphMode);
@@ -170,7 +191,7 @@ void clearGraph() {
 
 void clearScreen() {
     emptyScreen();
-    if (machine.backgroundPicture != 0) recallPictureQuietly(machine.backgroundPicture);
+    if (machine.backgroundPicture != 0) recallQuietly(machine.backgroundPicture);
 }
 
 }  // namespace numalink

@@ -34,6 +34,10 @@ void drawHorizontal(double y, PixelColor color);
 
 void graphText(double first, double second, std::string_view text, PixelColor color);  // small font; first is down
 
+// The picture memories 1 to 6; other numbers do nothing.
+void storePicture(int number);   // a copy of the graph screen
+void recallPicture(int number);  // by putPixel over the graph screen, then mode 1
+
 void clearGraph();   // background, mode 1, the background picture recalled
 void clearScreen();  // the same with the screen in view left as it is
 

@@ -4,9 +4,9 @@
 #include <array>
 
 #include "emulator/machine/pace.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/text_screen.h"
-#include "emulator/statements/run_state.h"
 #include "platform/clock.h"
 
 namespace numalink {

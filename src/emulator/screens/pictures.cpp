@@ -3,9 +3,6 @@
 
 #include <array>
 
-#include "emulator/screens/display.h"
-#include "emulator/screens/graph_screen.h"
-
 namespace numalink {
 
 namespace {
@@ -23,27 +20,6 @@ std::array<Surface, memoryCount> &memories() {
 
 Surface *pictureMemory(int number) {
     return number >= 1 && number <= memoryCount ? &memories()[static_cast<std::size_t>(number - 1)] : nullptr;
-}
-
-void storePicture(int number) {
-    if (Surface *memory = pictureMemory(number)) *memory = graphScreen();
-}
-
-void recallPictureQuietly(int number) {
-    const Surface *memory = pictureMemory(number);
-    if (!memory) return;
-    for (int y = 0; y < displayHeight; y++) {
-        for (int x = 0; x < displayWidth; x++) {
-            const Color dot = dotAt(*memory, x, y);
-            if (dot != lcdColor::background) putPixel(x, y, pixelColorOf(dot));
-        }
-    }
-}
-
-void recallPicture(int number) {
-    if (!pictureMemory(number)) return;
-    recallPictureQuietly(number);
-    setScreenMode(graphMode);
 }
 
 }  // namespace numalink

@@ -5,13 +5,13 @@
 #include <array>
 
 #include "drawing/dot_fonts.h"
-#include "emulator/screens/display.h"
 
 namespace numalink {
 
 namespace {
 
 constexpr int rowHeight = 8;
+constexpr int errorColumn = 6;
 constexpr int drawableColumns = 1000;  // beyond it to either side no character of any text reaches the screen
 
 constexpr char blankRow[] = "                     ";
@@ -43,6 +43,16 @@ void keepCharacters(int column, int row, std::string_view text) {
         column++;
     }
 }
+
+// The last report on the screen, and what the screen was then. The same again leaves it as it is: a faulty expression
+// may report hundreds of times, and drawing a text takes longer than evaluating one.
+struct ShownReport {
+    const char *text = nullptr;
+    PixelColor rowColor = 0;
+    std::uint64_t screenChanges = 0;
+    friend bool operator==(const ShownReport &, const ShownReport &) = default;
+};
+ShownReport shownReport;  // run thread
 
 }  // namespace
 
@@ -87,6 +97,13 @@ void printText(std::string_view text, PixelColor color, bool rightAligned) {
         scrollIfNeeded();
         machine.textRow++;
     }
+}
+
+void showError(const char *text) {
+    const PixelColor rowColor = machine.rowColor[textRowCount - 1];
+    if (shownReport == ShownReport{text, rowColor, textScreenChanges()}) return setScreenMode(textMode);
+    putText(errorColumn, textRowCount, text, pixelColor::blue);
+    shownReport = {text, rowColor, textScreenChanges()};
 }
 
 void clearText() {

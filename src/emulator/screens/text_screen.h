@@ -19,4 +19,7 @@ void printText(std::string_view text, PixelColor color, bool rightAligned);  // 
 void scrollIfNeeded();                                                       // leaves the cursor on row 7 at most
 void clearText();                                                            // empties the screen, cursor on row 1
 
+// A report in blue at column 6 of row 8, where a scroll wipes it.
+void showError(const char *text);
+
 }  // namespace numalink

@@ -6,7 +6,6 @@
 
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/errors.h"
-#include "emulator/run/runner.h"
 #include "emulator/screens/display.h"
 #include "emulator/statements/statement_rows.h"
 
@@ -17,7 +16,8 @@ namespace {
 WayOut runProg(RunState &state) {
     const bool fits = state.cellCount == 2 && state.statement[1].kind == CellKind::string;
     if (!fits) synError();
-    if (hasCell(state, 1) && state.statement[1].kind == CellKind::string) callProgram(valueText(state.statement[1]));
+    if (hasCell(state, 1) && state.statement[1].kind == CellKind::string)
+        state.callProgram(valueText(state.statement[1]));
     return handled(state);
 }
 

@@ -13,6 +13,7 @@
 
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
+#include "emulator/run/machine_start.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/run/runner.h"
 #include "emulator/screens/display.h"

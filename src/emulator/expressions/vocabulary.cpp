@@ -1,5 +1,5 @@
 // The operator rows, and the table of token facts that the evaluator's passes look into.
-#include "emulator/expressions/operators.h"
+#include "emulator/expressions/vocabulary.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,6 +20,13 @@ Value truth(bool holds) { return complexReal(holds ? 1 : 0); }
 
 Value getKeyValue() { return complexReal(keyPort.getKey()); }
 Value imaginaryUnit() { return complexMake(0, 1); }
+// A generator of 0 to 32767, never seeded: each process meets the same sequence.
+int chance() {
+    static std::uint32_t state = 1;
+    state = state * 1103515245 + 12345;
+    return static_cast<int>(state >> 16 & 0x7FFF);
+}
+
 Value randomValue() { return complexReal(chance() / 32767.0); }
 Value piValue() { return complexReal(2 * std::acos(0.0)); }
 
@@ -136,12 +143,6 @@ constexpr OperatorRow rows[] = {
 };
 static_assert(std::ranges::is_sorted(rows, {}, &OperatorRow::step), "operator rows stand in the order of the steps");
 
-const OperatorRow *rowOf(Token token, Step step) {
-    const auto found =
-        std::ranges::find_if(rows, [=](const OperatorRow &row) { return row.token == token && row.step == step; });
-    return found == std::end(rows) ? nullptr : found;
-}
-
 // The tokens of the steps that aren't operators.
 struct StructureRow {
     Token token;
@@ -178,7 +179,7 @@ TokenFacts factsOfToken(Token token) {
     for (const OperatorRow &row : rows) {
         if (row.token != token) continue;
         facts.steps |= maskOf(row.step);
-        if (row.step != Step::sign) facts.row = &row;
+        (row.step == Step::sign ? facts.sign : facts.row) = &row;
     }
     for (const StructureRow &row : structure) {
         if (row.token == token) facts.steps |= row.steps;
@@ -195,16 +196,7 @@ TokenFacts factsOfToken(Token token) {
 
 }  // namespace
 
-std::array<TokenPage, 3> tokenFacts;
-
 std::span<const OperatorRow> operatorRows() { return rows; }
-
-const OperatorRow *signRow(const ProgramCell &cell) {
-    static const OperatorRow *const plus = rowOf(token::plus, Step::sign);
-    static const OperatorRow *const minus = rowOf(token::minus, Step::sign);
-    if (isToken(cell, token::plus)) return plus;
-    return isToken(cell, token::minus) ? minus : nullptr;
-}
 
 void openingTokensRefresh() {
     constexpr std::uint8_t leads[] = {0, 0x7F, 0xF7};
@@ -215,12 +207,6 @@ void openingTokensRefresh() {
             tokenFacts[page][last] = factsOfToken(token);
         }
     }
-}
-
-int chance() {
-    static std::uint32_t state = 1;
-    state = state * 1103515245 + 12345;
-    return static_cast<int>(state >> 16 & 0x7FFF);
 }
 
 }  // namespace numalink
