@@ -40,6 +40,7 @@ int runCommandLine(int argc, const char *const *argv) {
         "Works on a Numalink library without a window.\nMessages go to standard error, one line each: "
         "box BODY-TEXT-NUMBER TITLE-TEXT-NUMBER: wording.\nExit status: 0 done, 1 done with messages, 2 not done.",
         "numalink-cli");
+    app.set_version_flag("--version", "numalink-cli " NUMALINK_VERSION);
     app.require_subcommand(1);
     CommandRun chosen;
     for (const CommandRow &row : commandRows) {

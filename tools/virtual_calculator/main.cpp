@@ -148,6 +148,7 @@ int run(Options options) {
 int main(int argc, char **argv) {
     Options options;
     CLI::App app("Plays a calculator on a pseudo terminal, whose path it prints first.", "numalink-calculator");
+    app.set_version_flag("--version", "numalink-calculator " NUMALINK_VERSION);
     app.add_option("--type", options.type, "cfx or algebra")->check(CLI::IsMember({"cfx", "algebra"}));
     app.add_option("--send", options.sent, "Item files (cas) to send, once, when the program has opened the port");
     app.add_option("--receive", options.folder, "Folder for what comes");

@@ -26,7 +26,7 @@ constexpr int versionBaseline = 190;
 
 const QString webPage = QStringLiteral("https://numalink.example/");
 const QString mailAddress = QStringLiteral("hello@numalink.example");
-const QString versionText = QStringLiteral("0.2.3 B\u00E8ta 1");
+const QString versionText = QStringLiteral(NUMALINK_VERSION " B\u00E8ta 1");
 
 void paintPicture(QWidget *widget) {
     static QSvgRenderer drawing(QStringLiteral(":/images/splash.svg"));
