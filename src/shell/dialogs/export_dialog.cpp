@@ -163,18 +163,18 @@ QPushButton *moveButton(const QString &sign, OwnText tip, const std::function<vo
     return button;
 }
 
+// They stand between the lists, and Tab meets them there.
 QVBoxLayout *moveButtons(const ExportControls &controls) {
     QListWidget *left = controls.available;
     QListWidget *right = controls.chosen;
+    QPushButton *const buttons[] = {
+        moveButton(QStringLiteral(">"), OwnText::exportAdd, [=] { moveSelected(controls, left, right); }),
+        moveButton(QStringLiteral(">>"), OwnText::exportAddAll, [=] { moveAll(controls, left, right); }),
+        moveButton(QStringLiteral("<"), OwnText::exportRemove, [=] { moveSelected(controls, right, left); }),
+        moveButton(QStringLiteral("<<"), OwnText::exportRemoveAll, [=] { moveAll(controls, right, left); })};
     auto *layout = new QVBoxLayout;
     layout->addStretch();
-    layout->addWidget(
-        moveButton(QStringLiteral(">"), OwnText::exportAdd, [=] { moveSelected(controls, left, right); }));
-    layout->addWidget(moveButton(QStringLiteral(">>"), OwnText::exportAddAll, [=] { moveAll(controls, left, right); }));
-    layout->addWidget(
-        moveButton(QStringLiteral("<"), OwnText::exportRemove, [=] { moveSelected(controls, right, left); }));
-    layout->addWidget(
-        moveButton(QStringLiteral("<<"), OwnText::exportRemoveAll, [=] { moveAll(controls, right, left); }));
+    for (QPushButton *button : buttons) layout->addWidget(button);
     layout->addStretch();
     return layout;
 }
@@ -221,7 +221,16 @@ void connectLists(const ExportControls &controls, QGridLayout *layout) {
     QObject::connect(right, &QListWidget::itemDoubleClicked, left, [=] { moveSelected(controls, right, left); });
     for (QRadioButton *target : controls.targets)
         QObject::connect(target, &QRadioButton::toggled, left, [=] { enableOk(controls); });
-    layout->addLayout(moveButtons(controls), 1, 1);
+    QVBoxLayout *buttons = moveButtons(controls);
+    layout->addLayout(buttons, 1, 1);
+    QWidget *ahead = left;
+    for (int i = 0; i < buttons->count(); i++) {
+        QWidget *button = buttons->itemAt(i)->widget();
+        if (button == nullptr) continue;
+        QWidget::setTabOrder(ahead, button);
+        ahead = button;
+    }
+    QWidget::setTabOrder(ahead, right);
 }
 
 void takeAnswers(ExportQuestion &question, const ExportControls &controls) {
