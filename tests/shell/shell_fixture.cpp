@@ -15,7 +15,8 @@ std::string wordingOf(QWidget *dialog) {
     const auto *box = qobject_cast<QMessageBox *>(dialog);
     if (box != nullptr) {
         EXPECT_EQ(box->textFormat(), Qt::PlainText) << "names may hold what reads as markup";
-        EXPECT_TRUE(box->windowTitle() == QLatin1String(programTitle) || box->windowTitle() == textOf(titleOfWarnings));
+        EXPECT_TRUE(box->windowTitle() == QLatin1String(programTitle) ||
+                    box->windowTitle() == textOf(Text::warningTitle));
     }
     return box != nullptr ? box->text().toStdString() : dialog->windowTitle().toStdString();
 }

@@ -46,9 +46,9 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     folder.write("storage.dat", std::string(9000, 'x'));
     EXPECT_FALSE(startProgram());
     ASSERT_EQ(shown.size(), 2U);
-    EXPECT_TRUE(shown[0].starts_with(languageText(35)) &&
+    EXPECT_TRUE(shown[0].starts_with(wording(Text::libraryWrongHead)) &&
                 shown[0].find("--repair " + folder.path) != std::string::npos);
-    EXPECT_EQ(shown[1], languageText(3));
+    EXPECT_EQ(shown[1], wording(Text::noLibraryAtStart));
     EXPECT_EQ(mainWindow, nullptr);
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }

@@ -31,8 +31,8 @@ TEST_F(Views, MatrixFollowsItsPickedCellAndTheZoom) {
     for (int i = 0; i < 120; i++) QTest::keyClick(area, Qt::Key_Down);
     EXPECT_EQ(picture().pixelColor(19, 99 * 8 + 10), QColor::fromRgb(lcdColor::blue));
     EXPECT_NE(picture().pixelColor(19, 10), QColor::fromRgb(lcdColor::blue));
-    EXPECT_EQ(area->accessibleName(), QStringLiteral("MAT A, ") + textOf(OwnText::kindMatrix));
-    EXPECT_EQ(area->accessibleDescription(), textOf(OwnText::pickedCell, {"100", "1", "150"}));
+    EXPECT_EQ(area->accessibleName(), QStringLiteral("MAT A, ") + textOf(Text::kindMatrix));
+    EXPECT_EQ(area->accessibleDescription(), textOf(Text::pickedCell, {"100", "1", "150"}));
     const int bottom = area->viewport()->height() - area->widget()->y();
     EXPECT_GE(bottom, 99 * 8 + 17);
     setSurfaceZoom(3);
@@ -50,11 +50,11 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     show(id);
     EXPECT_EQ(picture().size(), QSize(24, 16));
     EXPECT_EQ(picture().pixelColor(23, 15), QColor::fromRgb(lcdColor::blue));
-    EXPECT_TRUE(itemField->text().contains(textOf(OwnText::viewEndsEarly))) << itemField->text().toStdString();
+    EXPECT_TRUE(itemField->text().contains(textOf(Text::viewEndsEarly))) << itemField->text().toStdString();
     const ItemId other = add(kind::graphFunction, "Y1");
     show(other);
     EXPECT_FALSE(containerWindow->isVisible());
-    EXPECT_EQ(itemField->text(), toQt(languageFormat(23, {"0"})));
+    EXPECT_EQ(itemField->text(), toQt(wording(Text::size, {"0"})));
 }
 
 TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
@@ -64,7 +64,7 @@ TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
         auto *typed = QApplication::activeModalWidget()->findChild<QLineEdit *>();
         QTest::keyClicks(typed, QStringLiteral("SECRETS99"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::password);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
@@ -81,7 +81,7 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
         EXPECT_TRUE(dialog->findChild<QPlainTextEdit *>()->toPlainText().endsWith(QStringLiteral("1<250> ")));
         dialog->findChild<QComboBox *>(QString::fromLatin1(setting::comPort))->setEditText(QStringLiteral("ttyS7"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::settings);
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);

@@ -9,13 +9,13 @@
 
 namespace numalink {
 
-QString boxTitle(bool warns) { return warns ? textOf(titleOfWarnings) : QString::fromLatin1(programTitle); }
+QString boxTitle(bool warns) { return warns ? textOf(Text::warningTitle) : QString::fromLatin1(programTitle); }
 
 QDialogButtonBox *dialogButtons(QDialog *dialog) {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
     buttons->button(QDialogButtonBox::Ok)->setDefault(true);
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     return buttons;

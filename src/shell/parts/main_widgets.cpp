@@ -53,7 +53,7 @@ void makeStatusBar() {
     progressBar->setFixedSize(progressWidth, progressHeight);
     progressBar->setRange(0, 1);
     progressBar->setTextVisible(false);
-    progressBar->setAccessibleName(textOf(OwnText::progressName));
+    progressBar->setAccessibleName(textOf(Text::progressName));
     linkField = makeField();
     linkField->setFixedWidth(linkFieldWidth);
     itemField = makeField();
@@ -65,7 +65,7 @@ void makeStatusBar() {
 void makeTree() {
     treeView = new QTreeWidget(clientArea);
     treeView->setObjectName(QStringLiteral("treeView"));
-    treeView->setAccessibleName(textOf(OwnText::libraryTree));
+    treeView->setAccessibleName(textOf(Text::libraryTree));
     treeView->setHeaderHidden(true);
     treeView->setIconSize({treeImageSize, treeImageSize});
     treeView->setFont(treeFont());
@@ -79,7 +79,7 @@ void makeTree() {
 void makeProgramEdit() {
     programEdit = new ProgramEdit(clientArea);
     programEdit->setObjectName(QStringLiteral("programEdit"));
-    programEdit->setAccessibleName(textOf(147));
+    programEdit->setAccessibleName(textOf(Text::settingsEditor));
     programEdit->setFont(programFont());
     programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
     programEdit->setTabChangesFocus(true);
@@ -117,7 +117,7 @@ void makeClientWidgets() {
     treeToggleButton->setText(QStringLiteral("<"));
     treeToggleButton->setAutoRaise(true);
     treeToggleButton->setFocusPolicy(Qt::NoFocus);
-    treeToggleButton->setAccessibleName(textOf(161).remove(QLatin1Char('&')));
+    treeToggleButton->setAccessibleName(textOf(Text::menuHideFiles).remove(QLatin1Char('&')));
     makeStatusBar();
     makeProgramEdit();
     containerWindow = new QWidget(clientArea);

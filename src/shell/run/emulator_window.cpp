@@ -168,7 +168,7 @@ void takeDisplay() {
 
 // A run is on or not: the menu, the toolbar's word, and which keys are commands.
 void showRunState(bool running) {
-    commandAction(command::emulate)->setIconText(running ? textOf(OwnText::editorButton) : textOf(60));
+    commandAction(command::emulate)->setIconText(running ? textOf(Text::editorButton) : textOf(Text::toolEmulate));
     menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
     setCommandEnabled(command::screenshot, running);
     setShortcutsEnabled(!running);
@@ -236,7 +236,7 @@ void displayMarked() {
 void makeEmulatorWindow() {
     emulatorWindow = new QWidget(clientArea);
     emulatorWindow->setObjectName(QStringLiteral("emulatorWindow"));
-    emulatorWindow->setAccessibleName(textOf(OwnText::displayName));
+    emulatorWindow->setAccessibleName(textOf(Text::displayName));
     emulatorWindow->setFocusPolicy(Qt::StrongFocus);
     emulatorWindow->setMouseTracking(true);
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);

@@ -40,14 +40,14 @@ ItemId idOf(const QTreeWidgetItem *entry) { return entry->data(0, Qt::UserRole).
 // A kind's image, and the word for it that a screen reader says.
 struct KindLook {
     const char *image;
-    OwnText word;
+    Text word;
 };
 
-constexpr KindLook kindLooks[] = {{"program", OwnText::kindProgram}, {"folder", OwnText::kindFolder},
-                                  {"matrix", OwnText::kindMatrix},   {"backup", OwnText::kindBackup},
-                                  {"picture", OwnText::kindPicture}, {"screen", OwnText::kindScreen},
-                                  {"list", OwnText::kindList},       {"block", OwnText::kindBlock},
-                                  {"unknown", OwnText::kindUnknown}, {"function", OwnText::kindFunction}};
+constexpr KindLook kindLooks[] = {{"program", Text::kindProgram}, {"folder", Text::kindFolder},
+                                  {"matrix", Text::kindMatrix},   {"backup", Text::kindBackup},
+                                  {"picture", Text::kindPicture}, {"screen", Text::kindScreen},
+                                  {"list", Text::kindList},       {"block", Text::kindBlock},
+                                  {"unknown", Text::kindUnknown}, {"function", Text::kindFunction}};
 
 QIcon treeImage(ItemKind itemKind) {
     static std::unordered_map<int, QIcon> images;
@@ -158,7 +158,7 @@ void placeEntry(const TreeEntry &entry, std::unordered_map<ItemId, int> &placed,
 void tellStrays(int strays) {
     if (strays == 0 || straysTold) return;
     straysTold = true;
-    tellUser(120);
+    tellUser(Text::itemWithoutFolder);
 }
 
 void refreshNow() {

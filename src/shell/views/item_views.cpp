@@ -41,14 +41,14 @@ std::string matrixInfo;  // the status line of the matrix on view, without its p
 bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
 
 void showProgram(const StoredItem &item) {
-    statusLine(StatusPart::item, 21);
+    statusLine(StatusPart::item, Text::openingProgram);
     programToView(item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
     showSymbols();
     setEditMenuEnabled(true);
-    if (tokenCount() == 0) tellUser(OwnText::withoutTable);
+    if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 
 // Places of a cell in the table, in dots.
@@ -81,7 +81,7 @@ void describeDrawn() {
     const std::string value = isMatrix(item->kind) ? pickedValue() : std::string();
     const QString cell =
         value.empty() ? QString()
-                      : textOf(OwnText::pickedCell, {std::to_string(picked.row), std::to_string(picked.column), value});
+                      : textOf(Text::pickedCell, {std::to_string(picked.row), std::to_string(picked.column), value});
     describeSurface(spokenName(item->name, item->kind), cell);
 }
 
@@ -108,7 +108,7 @@ bool matrixKeys(const QKeyEvent &key) {
     if (picked.row != before.row || picked.column != before.column) {
         redrawSurface();
         describeDrawn();
-        userInterface.statusText(StatusPart::item, 23, matrixInfo + pickedInfo());
+        userInterface.statusText(StatusPart::item, Text::size, matrixInfo + pickedInfo());
     }
     scrollToPicked();
     return true;
@@ -129,14 +129,14 @@ void showDrawn(const StoredItem &item) {
     showSurfaceInParts(size.width, size.height, partOfMatrix, matrixKeys);
 }
 
-std::optional<OwnText> faultText(PictureFault fault) {
+std::optional<Text> faultText(PictureFault fault) {
     switch (fault) {
         case PictureFault::tooLarge:
-            return OwnText::viewTooLarge;
+            return Text::viewTooLarge;
         case PictureFault::unknownColor:
-            return OwnText::viewUnknownColor;
+            return Text::viewUnknownColor;
         case PictureFault::endsEarly:
-            return OwnText::viewEndsEarly;
+            return Text::viewEndsEarly;
         case PictureFault::none:
             break;
     }
@@ -147,21 +147,21 @@ void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, 22, {size, utf8FromCalculator(info->password)});
+        statusLine(StatusPart::item, Text::sizeWithPassword, {size, utf8FromCalculator(info->password)});
         return;
     }
-    std::string line = languageFormat(23, {size});
-    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + ownText(*fault);
+    std::string line = wording(Text::size, {size});
+    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + wording(*fault);
     if (isMatrix(item.kind)) {
         matrixInfo = line;
         line += pickedInfo();
     }
-    userInterface.statusText(StatusPart::item, 23, line);
+    userInterface.statusText(StatusPart::item, Text::size, line);
 }
 
 void closeView() {
     setEditMenuEnabled(false);
-    userInterface.statusText(StatusPart::item, 0, "");
+    userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
     programEdit->hide();
     lineNumberEdit->hide();
