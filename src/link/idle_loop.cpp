@@ -46,6 +46,8 @@ void sendAttention() {
     if (transmitQueueCount() > 0) {
         send(control::attention);
         attentionSent();
+    } else {
+        attentionAnswered();
     }
     userInterface.transmitQueueChanged();
 }
@@ -59,14 +61,14 @@ void (*conversationOf(Family family, std::uint8_t byte))() {
 }
 
 void actOn(Family family, std::uint8_t byte) {
-    attentionAnswered();
     const auto conversation = conversationOf(family, byte);
+    if (conversation != nullptr) transmitConversation(true);
+    attentionAnswered();
     if (family == Family::cfx && byte != control::ready) dropQueue();
     if (conversation == nullptr) {
         if (family == Family::algebra) linkStatus(unknownByteText);
         return;
     }
-    transmitConversation(true);
     conversation();
     transmitConversation(false);
 }
@@ -75,15 +77,16 @@ void actOn(Family family, std::uint8_t byte) {
 
 bool linkIdleLoop(Family family) {
     bool idleIsDue = true;
+    bool hasActed = false;
     while (!conversationOver()) {
         if (idleIsDue || linkNoticeState() == NoticeState::over) showIdle(family);
-        if (idleIsDue) linkNoticeRepeat();
+        if (idleIsDue && !linkNoticeRepeat() && hasActed) tellWaiting();
         idleIsDue = false;
         sendAttention();
         const IdleRead idle = readIdle(family);
         if (idle.end != IdleEnd::byte || conversationOver()) continue;
         actOn(family, idle.byte);
-        idleIsDue = true;
+        idleIsDue = hasActed = true;
         if (conversationOver()) return !conversationStopped();
     }
     return false;

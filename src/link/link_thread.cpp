@@ -1,5 +1,6 @@
 #include "link/link_thread.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <thread>
@@ -25,6 +26,7 @@ constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't th
 std::thread linkThread;  // graphical thread
 Lock closedLock;         // so that a stop can't fall between the look and the sleep of waitClosed
 std::condition_variable closedChanged GUARDED_BY(closedLock);
+std::atomic<LinkPort> portState = LinkPort::untried;
 
 struct Cause {
     LineFault fault;
@@ -53,7 +55,9 @@ void tellClosed(const LineOpening &opening, bool asBox) {
 
 void tellLost(const std::string &path, bool inTransfer) {
     if (inTransfer) tellUser(OwnText::portLostInTransfer, {path});
-    statusLine(StatusPart::link, OwnText::portLost, {path});
+    std::string text = ownText(OwnText::portLost, {path});
+    if (const std::string waiting = waitingText(); !waiting.empty()) text += " " + waiting;
+    userInterface.statusText(StatusPart::link, ownTextNumber(OwnText::portLost), text);
 }
 
 // While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
@@ -81,6 +85,8 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
     while (!conversationStopped()) {
         conversationLineOpened();
         const LineOpening opening = serialLine.open(port, familyBaud(family));
+        if (opening.fault == LineFault::none) portState = LinkPort::opened;
+        if (portState == LinkPort::untried) portState = LinkPort::refused;
         if (opening.fault == LineFault::none && !conversationStopped()) {
             converse(family, opening);
             told = true;
@@ -124,10 +130,12 @@ void startLinkThread() {
         }
     }
     conversationReset();
+    portState = LinkPort::untried;
     linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort), restart);
 }
 
 bool linkConversationRuns() { return transmitConversationRuns(); }
+LinkPort linkPort() { return portState; }
 bool linkThreadRuns() { return linkThread.joinable(); }
 
 }  // namespace numalink

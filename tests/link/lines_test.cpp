@@ -5,12 +5,14 @@
 //   # a comment
 //   type cfx                      or algebra
 //   removecolour                  the setting is on
-//   have 15 ABC                   an item of this kind; temp ahead of the kind puts it into the temporary folder
+//   have 15 ABC                   an item of this kind; temp ahead of the kind puts it into the temporary folder,
+//                                 beside 18 into the standard folder of that kind
 //   info 20 ABC PASS              its first payload, as a ProgramInfo; or
 //   head BYTES                    byte for byte
 //   data BYTES
 //   queue ABC   delete ABC        ahead of the conversation
 //   begin                         the user starts the transmission; also later, while the line is read
+//   transmit ABC                  the user sends this item
 //   answer yes                    no, cancel, ok: to the next questions
 //   slot 3                        to the questions for a picture's slot
 //   > BYTES                       we send
@@ -54,12 +56,13 @@ enum class PlayMode {
 struct ScriptItem {
     std::string path;  // or name
     ItemKind kind = 0;
+    ItemKind folderKind = 0;  // of the standard folder
     bool inTemp = false;
     Bytes head;
     Bytes data;
 };
 
-enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, breakDisk };
+enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, transmit, breakDisk };
 
 struct Event {
     EventSort sort;
@@ -83,7 +86,10 @@ struct Player {
     std::size_t next = 0;              // event
     std::deque<std::uint8_t> pending;  // of a "<" event that has begun
     Bytes sent;                        // of a ">" event that has begun
-    std::uint64_t clock = 1000000;     // microseconds
+    std::uint64_t sentAt = 0;          // the last byte, on the clock
+    int sleeps = 0;
+    std::size_t dropped = 0;        // of a "<<" event that has begun
+    std::uint64_t clock = 1000000;  // microseconds
     PseudoTerminal *terminal = nullptr;
     std::string fault;
 };
@@ -101,16 +107,21 @@ bool fail(const std::string &what) {
 ScriptItem parseItem(const std::string &text) {
     ScriptItem item;
     item.inTemp = text.starts_with("temp ");
-    std::istringstream words(text.substr(item.inTemp ? 5 : 0));
+    const bool isBeside = text.starts_with("beside ");
+    std::istringstream words(text.substr(item.inTemp ? 5 : isBeside ? 7 : 0));
+    ItemKind beside = 0;
+    if (isBeside) words >> beside;
     words >> item.kind;
+    item.folderKind = standardFolderOfKind(isBeside ? beside : item.kind);
     std::getline(words >> std::ws, item.path);
     return item;
 }
 
 constexpr std::pair<const char *, EventSort> eventWords[] = {
-    {">", EventSort::sent},    {"<", EventSort::received},      {"<<", EventSort::dropped},
-    {"~", EventSort::silence}, {"!", EventSort::shown},         {"tick", EventSort::tick},
-    {"cut", EventSort::cut},   {"break", EventSort::breakDisk}, {"begin", EventSort::begin}};
+    {">", EventSort::sent},           {"<", EventSort::received},      {"<<", EventSort::dropped},
+    {"~", EventSort::silence},        {"!", EventSort::shown},         {"tick", EventSort::tick},
+    {"cut", EventSort::cut},          {"break", EventSort::breakDisk}, {"begin", EventSort::begin},
+    {"transmit", EventSort::transmit}};
 
 // Takes in one line; current is the item that info, head and data belong to.
 void takeLine(const std::string &word, const std::string &rest, int number, ScriptItem *&current) {
@@ -161,12 +172,20 @@ void show(const std::string &text) {
     player.next++;
 }
 
+// Frames for ALGEBRA, and a closing frame, go a byte at a time, and each waits for its millisecond.
+bool isPaced(const Event &event, ByteView bytes) {
+    const bool isSlow = event.bytes.size() > 1 && (player.algebra || event.text.starts_with("\":END"));
+    return !isSlow || (bytes.size() == 1 && player.clock - player.sentAt >= 1000);
+}
+
 bool writePlayed(ByteView bytes) {
     if (!systemSerialLine.write(bytes)) return fail("the line takes nothing");
     const Bytes came = player.terminal->take(bytes.size(), 2000);
     player.sent.insert(player.sent.end(), came.begin(), came.end());
     const Event *event = nextEvent();
     if (event == nullptr || event->sort != EventSort::sent) return fail("sent: " + hexOf(came));
+    if (!isPaced(*event, bytes)) return fail("sent too fast");
+    player.sentAt = player.clock;
     const bool fits = player.sent.size() <= event->bytes.size() &&
                       std::equal(player.sent.begin(), player.sent.end(), event->bytes.begin());
     if (!fits) return fail("sent: " + hexOf(player.sent));
@@ -193,12 +212,21 @@ std::size_t feed(std::span<std::uint8_t> target) {
 LineRead readDropped(std::span<std::uint8_t> target) {
     const Event *event = nextEvent();
     if (event != nullptr && event->sort == EventSort::dropped) {
-        const std::size_t count = std::min(event->bytes.size(), target.size());
+        const std::size_t count = std::min(event->bytes.size() - player.dropped, target.size());
+        player.dropped += count;
+        if (player.dropped < event->bytes.size()) return {count, ReadEnd::complete};
+        player.dropped = 0;
         player.next++;
         return {count, ReadEnd::complete};
     }
     player.clock += dropQuiet * 1000;
     return {0, ReadEnd::timeOut};
+}
+
+ItemId itemNamed(const std::string &name) {
+    for (const ItemEntry &entry : storeListItems())
+        if (!isFolderKind(entry.kind) && entry.name == name) return entry.id;
+    return noItem;
 }
 
 // Takes up events that need no bytes. Nothing when bytes are pending; else how the read ends.
@@ -223,6 +251,9 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
                 break;
             case EventSort::begin:
                 beginTransmit();
+                return ReadEnd::woken;
+            case EventSort::transmit:
+                queueAndBegin(itemNamed(event->text));
                 return ReadEnd::woken;
             case EventSort::breakDisk:
                 filePort.writeAt = [](int, std::uint64_t, const void *, std::size_t) { return std::size_t{0}; };
@@ -288,22 +319,18 @@ void installClock() {
     serialLine.read = readPlayed;
     serialLine.write = writePlayed;
     serialLine.microseconds = [] { return player.clock; };
-    serialLine.sleepUntil = [](std::uint64_t end) { player.clock = std::max(player.clock, end); };
+    serialLine.sleepUntil = [](std::uint64_t end) {  // at times too long, as systems do
+        player.clock = std::max(player.clock, end) + (++player.sleeps % 5 == 0 ? 4000 : 0);
+    };
     serialLine.wake = [] {};
     clockPort.tickCount = [] { return player.clock / 1000; };
     clockPort.localDate = [] { return std::string("2026-11-24"); };
     clockPort.localTime = [] { return std::string("12:00:00"); };
 }
 
-ItemId itemNamed(const std::string &name) {
-    for (const ItemEntry &entry : storeListItems())
-        if (!isFolderKind(entry.kind) && entry.name == name) return entry.id;
-    return noItem;
-}
-
 void setUpLibrary() {
     for (const ScriptItem &item : player.have) {
-        const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(standardFolderOfKind(item.kind));
+        const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(item.folderKind);
         storeAddItem({.name = item.path, .parent = parent, .kind = item.kind, .head = item.head, .data = item.data});
     }
     for (const std::string &name : player.queue)
