@@ -126,13 +126,15 @@ TEST_P(BesideTheUser, itemsComeAndGo) {
 
     other.state = calculator::State::rest;
     other.closed = false;
+    int taken = 0;
+    moving.taken = [&](const calculator::Item &) { taken++; };
     std::thread receiving([this] { moveCalculator(other, terminal.master, moving); });
     for (int i = 0; i < 6; i++) EXPECT_TRUE(queueItem(storeFindItem("P" + std::to_string(i), programs)));
     EXPECT_TRUE(beginTransmit());
     for (int step = 40; step < 80; step++) alterLibrary(step, folder.path + "own.cas");
     EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
     receiving.join();
-    EXPECT_EQ(other.received.size(), 6u);
+    EXPECT_EQ(taken, 6);
     EXPECT_TRUE(other.closed);
 }
 
