@@ -17,7 +17,7 @@
 //   slot 3                        to the questions for a picture's slot
 //   > BYTES                       we send
 //   < BYTES                       the calculator sends; << when it is to be dropped
-//   ~                             it stays silent: a read gives up
+//   ~ 510                         it stays silent: a read gives up, after so many milliseconds if told
 //   tick                          a second passes, and the timer tests the deadline
 //   cut                           the line is gone
 //   break                         from here on the disk takes nothing
@@ -230,7 +230,7 @@ ItemId itemNamed(const std::string &name) {
 }
 
 // Takes up events that need no bytes. Nothing when bytes are pending; else how the read ends.
-std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
+std::optional<ReadEnd> passEvents(std::uint64_t limitEnd, std::uint64_t limit) {
     while (player.pending.empty()) {
         const Event *event = nextEvent();
         if (event == nullptr) {
@@ -243,6 +243,8 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
                 player.pending.assign(event->bytes.begin(), event->bytes.end());
                 break;
             case EventSort::silence:
+                if (!event->text.empty() && event->text != std::to_string(limit))
+                    fail("waits for " + std::to_string(limit));
                 player.clock = limitEnd;
                 return ReadEnd::timeOut;
             case EventSort::tick:
@@ -276,7 +278,7 @@ LineRead readPlayed(std::span<std::uint8_t> target, ReadLimits limits) {
     const std::uint64_t limit = limits.quiet == 0 ? limits.total : std::min(limits.total, limits.quiet);
     std::size_t count = 0;
     while (count < target.size()) {
-        if (const auto end = passEvents(start + limit * 1000)) return {count, *end};
+        if (const auto end = passEvents(start + limit * 1000, limit)) return {count, *end};
         if (count == 0 && player.mode == PlayMode::late) player.clock = start + (limit - 2) * 1000;
         count += feed(target.subspan(count));
     }
