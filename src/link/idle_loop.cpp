@@ -71,18 +71,18 @@ void actOn(Family family, std::uint8_t byte) {
 
 }  // namespace
 
-bool linkIdleLoop(Family family) {
+bool linkIdleLoop(Family family, bool isBack) {
     bool idleIsDue = true;
-    bool hasActed = false;
+    bool tellsWaiting = isBack;
     while (!conversationOver()) {
         if (idleIsDue || linkNoticeState() == NoticeState::over) showIdle(family);
-        if (idleIsDue && !linkNoticeRepeat() && hasActed) tellWaiting();
+        if (idleIsDue && !linkNoticeRepeat() && tellsWaiting) tellWaiting();
         idleIsDue = false;
         sendAttention();
         const IdleRead idle = readIdle(family);
         if (idle.end != IdleEnd::byte || conversationOver()) continue;
         actOn(family, idle.byte);
-        idleIsDue = hasActed = true;
+        idleIsDue = tellsWaiting = true;
         if (conversationOver()) return !conversationStopped();
     }
     return false;

@@ -70,9 +70,9 @@ void waitClosed(const LineOpening &opening) {
     while (!conversationStopped() && std::chrono::steady_clock::now() < end) hold.waitUntil(closedChanged, end);
 }
 
-void converse(Family family, const LineOpening &opening) {
+void converse(Family family, const LineOpening &opening, bool isBack) {
     if (!opening.settingsTaken) tellUser(Text::lineSettingsRefused);
-    const bool inTransfer = linkIdleLoop(family);
+    const bool inTransfer = linkIdleLoop(family, isBack);
     serialLine.close();
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
 }
@@ -80,14 +80,15 @@ void converse(Family family, const LineOpening &opening) {
 void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
     threadRole = ThreadRole::link;
     bool told = false;
+    bool wasOpen = false;
     while (!conversationStopped()) {
         conversationLineOpened();
         const LineOpening opening = serialLine.open(port, familyBaud(family));
         if (opening.fault == LineFault::none) portState = LinkPort::opened;
         if (portState == LinkPort::untried) portState = LinkPort::refused;
         if (opening.fault == LineFault::none && !conversationStopped()) {
-            converse(family, opening);
-            told = true;
+            converse(family, opening, wasOpen);
+            told = wasOpen = true;
         } else if (!told && !conversationStopped()) {
             tellClosed(opening, chosenByUser);
             told = true;

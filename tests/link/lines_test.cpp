@@ -11,6 +11,7 @@
 //   head BYTES                    byte for byte
 //   data BYTES
 //   queue ABC   delete ABC        ahead of the conversation
+//   queuedfor cfx                 the type at that time
 //   begin                         the user starts the transmission; also later, while the line is read
 //   transmit ABC                  the user sends this item
 //   answer yes                    no, cancel, ok: to the next questions
@@ -20,11 +21,12 @@
 //   ~ 510                         it stays silent: a read gives up, after so many milliseconds if told
 //   tick                          a second passes, and the timer tests the deadline
 //   cut                           the line is gone
-//   break                         from here on the disk takes nothing
+//   break 3 9                     the disk takes so many writes from here on, and refuses as many; all, if not told
 //   ! status 1                    is shown, also: box 43 2, ask, slot, tree
 //   = 15 Programs/ABC             is in the library at the end, followed by its info or head, and data
 //   gone ABC                      an item of "have" that isn't there any more
 //   left 1                        entries in the queue at the end (0 unless told)
+//   bar 16 of 32                  the farthest that the progress bar came
 //
 // BYTES are those of support/byte_text.h.
 #include <gtest/gtest.h>
@@ -33,6 +35,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <map>
 
 #include "calculator/charset.h"
@@ -79,7 +82,9 @@ struct Player {
     std::vector<ScriptItem> have, expected;
     std::vector<std::string> queue, deleted, gone;
     std::deque<std::string> answers;
-    std::string slot = "0", left = "0";
+    int writesTaken = 0, writesRefused = 0;
+    std::string slot = "0", left = "0", bar, queuedFor;
+    int barRange = 0, barFarthest = 0;
     std::vector<Event> events;
 
     PlayMode mode = PlayMode::whole;
@@ -142,8 +147,10 @@ void takeLine(const std::string &word, const std::string &rest, int number, Scri
         player.removeColour = true;
     } else if (word == "answer") {
         player.answers.push_back(rest);
-    } else if (word == "slot" || word == "left") {
-        (word == "slot" ? player.slot : player.left) = rest;
+    } else if (word == "queuedfor") {
+        player.queuedFor = rest;
+    } else if (word == "slot" || word == "left" || word == "bar") {
+        (word == "slot" ? player.slot : word == "left" ? player.left : player.bar) = rest;
     } else if (word == "queue" || word == "delete" || word == "gone") {
         (word == "queue" ? player.queue : word == "delete" ? player.deleted : player.gone).push_back(rest);
     } else {
@@ -229,6 +236,17 @@ ItemId itemNamed(const std::string &name) {
     return noItem;
 }
 
+void breakDisk(const std::string &which) {
+    player.writesTaken = 0;
+    player.writesRefused = std::numeric_limits<int>::max();
+    std::istringstream(which) >> player.writesTaken >> player.writesRefused;
+    filePort.writeAt = [](int file, std::uint64_t at, const void *bytes, std::size_t count) {
+        if (player.writesTaken-- > 0) return systemFilePort.writeAt(file, at, bytes, count);
+        player.writesTaken = 0;
+        return player.writesRefused-- > 0 ? std::size_t{0} : systemFilePort.writeAt(file, at, bytes, count);
+    };
+}
+
 // Takes up events that need no bytes. Nothing when bytes are pending; else how the read ends.
 std::optional<ReadEnd> passEvents(std::uint64_t limitEnd, std::uint64_t limit) {
     while (player.pending.empty()) {
@@ -258,7 +276,7 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd, std::uint64_t limit) {
                 queueAndBegin(itemNamed(event->text));
                 return ReadEnd::woken;
             case EventSort::breakDisk:
-                filePort.writeAt = [](int, std::uint64_t, const void *, std::size_t) { return std::size_t{0}; };
+                breakDisk(event->text);
                 break;
             case EventSort::cut:
                 return ReadEnd::gone;
@@ -316,6 +334,8 @@ void installUi() {
         return std::stoi(player.slot);
     };
     userInterface.refreshTree = [] { show("tree"); };
+    userInterface.progressRange = [](int range) { player.barRange = std::max(player.barRange, range); };
+    userInterface.progressPosition = [](int at) { player.barFarthest = std::max(player.barFarthest, at); };
 }
 
 void installClock() {
@@ -337,8 +357,11 @@ void setUpLibrary() {
         const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(item.folderKind);
         storeAddItem({.name = item.path, .parent = parent, .kind = item.kind, .head = item.head, .data = item.data});
     }
+    const std::string type = settingsValue(setting::linkType);
+    if (!player.queuedFor.empty()) settingsSetValue(setting::linkType, player.queuedFor);
     for (const std::string &name : player.queue)
         if (!queueItem(itemNamed(name)) && player.next == 0) fail("refused without a box: " + name);
+    settingsSetValue(setting::linkType, type);
     for (const std::string &name : player.deleted) storeDelete(itemNamed(name));
 }
 
@@ -374,9 +397,13 @@ void compareLibrary(Library wanted) {
     Library found = libraryNow();
     for (const auto &[path, content] : wanted)
         if (found[path] != content) fail(path + " is of kind " + found[path] + ", not " + content);
+    for (const ItemEntry &entry : storeListItems())
+        if (entry.kind == kind::folder && storeListChildren(entry.id).empty()) fail("an empty folder: " + entry.name);
     for (const auto &[path, content] : found)
         if (!wanted.contains(path)) fail("in the library: " + path);
     if (std::to_string(transmitQueueCount()) != player.left) fail("left in the queue");
+    const std::string bar = std::to_string(player.barFarthest) + " of " + std::to_string(player.barRange);
+    if (!player.bar.empty() && player.bar != bar) fail("the bar came to " + bar);
 }
 
 // Empty when everything went, was shown and was stored as recorded; else what differs first.
