@@ -193,7 +193,6 @@ TEST_F(LinkThreads, stopWhileTheUserIsBeingAsked) {
     EXPECT_LT(tickCount() - start, 2000u);
     EXPECT_EQ(terminal.take(1, 50), Bytes{});  // without a word to the calculator
     EXPECT_TRUE(waitFor([] { return closedBoxes == 1; }));
-    EXPECT_FALSE(linkConversationRuns());
 }
 
 void goAsFarAsModels(const PseudoTerminal &terminal) {

@@ -22,6 +22,9 @@ struct LinkCommands : StartedShell {
     static bool tells(const char *text) {
         return QTest::qWaitFor([&] { return linkField->toolTip().contains(QLatin1String(text)); }, 10000);
     }
+    static bool transmitQueueIs(bool enabled) {
+        return QTest::qWaitFor([&] { return commandEnabled(command::transmitQueue) == enabled; }, 10000);
+    }
     // What the calculator hears until the program has given up waiting for its answer.
     std::vector<std::uint8_t> heard() {
         const bool ended = QTest::qWaitFor([] { return transmitQueueCount() == 0; }, 10000);
@@ -38,17 +41,17 @@ TEST_F(LinkCommands, QueueOnlyWaitsAndTransmitTakesAllThatWaits) {
     press(first, Qt::Key_F8);
     EXPECT_TRUE(tells("Waiting to be sent: 1 (ONE)"));
     EXPECT_TRUE(terminal.take(1, 100).empty());
-    EXPECT_TRUE(commandEnabled(command::transmitQueue));
+    EXPECT_TRUE(transmitQueueIs(true));
     press(second, Qt::Key_F6);
     press(first, Qt::Key_F6);
     EXPECT_EQ(transmitQueueIds(), (std::vector<ItemId>{first, second}));
-    EXPECT_FALSE(commandEnabled(command::transmitQueue)) << "it is on its way";
+    EXPECT_TRUE(transmitQueueIs(false)) << "it is on its way";
     EXPECT_EQ(heard(), std::vector<std::uint8_t>{0x16});
     EXPECT_TRUE(tells("No calculator answered. Items dropped from the queue: 2"));
-    EXPECT_FALSE(commandEnabled(command::transmitQueue));
+    EXPECT_TRUE(transmitQueueIs(false));
 
-    commandAction(command::transmitQueue)->trigger();
     press(first, Qt::Key_F8);
+    EXPECT_TRUE(transmitQueueIs(true));
     commandAction(command::transmitQueue)->trigger();
     EXPECT_EQ(heard(), std::vector<std::uint8_t>{0x16});
 }
