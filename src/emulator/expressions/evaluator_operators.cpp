@@ -4,6 +4,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
+#include "emulator/expressions/recording.h"
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
@@ -15,7 +16,7 @@ namespace {
 void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
     ProgramCell &operand = stretch.cells[p + 1];
     if (!isNumber(operand)) synError();
-    makeNumber(stretch.cells[p], row.unary(operand.value));
+    makeNumber(stretch.cells[p], apply(row.unary, operand.value));
     stretch.blank(p + 1);
 }
 
@@ -24,7 +25,7 @@ void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
     ProgramCell &right = stretch.cells[p + 1];
     if (!isNumber(left) || !isNumber(right)) synError();
-    makeNumber(right, row.binary(left.value, right.value));
+    makeNumber(right, apply(row.binary, left.value, right.value));
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
 }
@@ -41,7 +42,7 @@ void multiplyNeighbours(Stretch &stretch) {
         const ProgramCell &left = stretch.cells[p - 1];
         ProgramCell &right = stretch.cells[p];
         if (!isNumber(left) || !isNumber(right)) continue;
-        right.value = complexMul(left.value, right.value);
+        right.value = apply(complexMul, left.value, right.value);
         stretch.blank(p - 1);
     }
 }
@@ -50,7 +51,8 @@ void readVariables(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token) continue;
-        if (const ComplexValue *variable = factsOf(cell).variable) makeNumber(cell, *variable);
+        if (const ComplexValue *variable = factsOf(cell).variable)
+            makeNumber(cell, recording == nullptr ? *variable : recordVariable(variable));
     }
 }
 
@@ -59,6 +61,7 @@ void callGraphFunctions(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
+        if (refusesRecording()) return;
         cell = evaluateGraphFunction(cell.token1 - beforeFirst);
     }
 }
@@ -67,7 +70,8 @@ void takeInputs(Stretch &stretch) {
     for (const OperatorRow &row : operatorRows()) {
         if (row.step > Step::inputs) break;
         for (int p = stretch.first; p < stretch.end(); p++) {
-            if (operatorRow(stretch.cells[p], Step::inputs) == &row) makeNumber(stretch.cells[p], row.source());
+            if (operatorRow(stretch.cells[p], Step::inputs) != &row) continue;
+            makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row.source));
         }
     }
 }
@@ -85,7 +89,7 @@ void applyPostfixes(Stretch &stretch) {
         if (row == nullptr) continue;
         const ProgramCell &operand = stretch.cells[p - 1];
         if (!isNumber(operand)) synError();
-        makeNumber(stretch.cells[p], row->unary(operand.value));
+        makeNumber(stretch.cells[p], apply(row->unary, operand.value));
         stretch.blank(p - 1);
     }
 }
@@ -101,6 +105,7 @@ void applyPrefixes(Stretch &stretch) {
         const OperatorRow *row = operatorRow(stretch.cells[p], Step::prefix);
         if (row == nullptr) continue;
         if (row->onArrays != nullptr) {
+            if (refusesRecording()) return;
             row->onArrays(stretch.cells, p);
             stretch.compact();
         } else {
@@ -131,7 +136,7 @@ template void applyBinary<Step::logicalOr>(Stretch &stretch);
 
 void clearLonePoint(Stretch &stretch) {
     ProgramCell *const cells = stretch.cells + stretch.first;
-    if (stretch.count != 2 || !isToken(cells[0], token::point)) return;
+    if (stretch.count != 2 || !isToken(cells[0], token::point) || refusesRecording()) return;
     cells[0] = cells[1];
     stretch.count = 1;
     if (isNumber(cells[0])) cells[0].value = {};

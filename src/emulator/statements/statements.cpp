@@ -148,6 +148,8 @@ int rowOf(const ProgramCell &cell) {
 
 }  // namespace
 
+bool isStatementWord(const ProgramCell &cell) { return rowOf(cell) != noRow; }
+
 WayOut runStatement(RunState &state) {
     int tested = noRow;
     while (state.cellCount > 0) {
