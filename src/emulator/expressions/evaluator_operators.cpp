@@ -1,6 +1,8 @@
 // The steps that act on single cells and their neighbours: values, prefixes, postfixes, binary operators and the
 // implicit product. Each walks in its own direction and leaves its result in its own place; both are the language's
 // associativity.
+#include <cmath>
+
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
@@ -13,10 +15,14 @@ namespace numalink {
 
 namespace {
 
+ComplexValue unaryValue(const OperatorRow &row, ComplexValue operand) {
+    return recording == nullptr ? row.unary(operand) : recordUnary(row, operand);
+}
+
 void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
     ProgramCell &operand = stretch.cells[p + 1];
     if (!isNumber(operand)) synError();
-    makeNumber(stretch.cells[p], apply(row.unary, operand.value));
+    makeNumber(stretch.cells[p], unaryValue(row, operand.value));
     stretch.blank(p + 1);
 }
 
@@ -24,8 +30,13 @@ void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
 void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
     ProgramCell &right = stretch.cells[p + 1];
-    if (!isNumber(left) || !isNumber(right)) synError();
-    makeNumber(right, apply(row.binary, left.value, right.value));
+    if (!isNumber(left) || !isNumber(right)) {
+        synError();
+        makeNumber(right, row.binary(left.value, right.value));
+    } else {
+        makeNumber(right, recording == nullptr ? binaryResult(row, left.value, right.value)
+                                               : recordBinary(row, left.value, right.value));
+    }
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
 }
@@ -42,7 +53,8 @@ void multiplyNeighbours(Stretch &stretch) {
         const ProgramCell &left = stretch.cells[p - 1];
         ProgramCell &right = stretch.cells[p];
         if (!isNumber(left) || !isNumber(right)) continue;
-        right.value = apply(complexMul, left.value, right.value);
+        right.value =
+            recording == nullptr ? complexMul(left.value, right.value) : recordProduct(left.value, right.value);
         stretch.blank(p - 1);
     }
 }
@@ -71,7 +83,7 @@ void takeInputs(Stretch &stretch) {
         if (row.step > Step::inputs) break;
         for (int p = stretch.first; p < stretch.end(); p++) {
             if (operatorRow(stretch.cells[p], Step::inputs) != &row) continue;
-            makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row.source));
+            makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row));
         }
     }
 }
@@ -89,7 +101,7 @@ void applyPostfixes(Stretch &stretch) {
         if (row == nullptr) continue;
         const ProgramCell &operand = stretch.cells[p - 1];
         if (!isNumber(operand)) synError();
-        makeNumber(stretch.cells[p], apply(row->unary, operand.value));
+        makeNumber(stretch.cells[p], unaryValue(*row, operand.value));
         stretch.blank(p - 1);
     }
 }

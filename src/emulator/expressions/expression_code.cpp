@@ -1,7 +1,10 @@
 #include "emulator/expressions/expression_code.h"
 
+#include <cmath>
+
 #include "emulator/expressions/complex_math.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/errors.h"
 
 namespace numalink {
 
@@ -24,6 +27,14 @@ constexpr CodeRow codeRows[] = {
     {complexGreater, OperationCode::greater},
 };
 
+void holdToBound(const OperatorRow &row, ComplexValue left, ComplexValue right, ComplexValue result) {
+    if (row.bound == Bound::none) return;
+    const bool areReal = left.im == 0 && right.im == 0;
+    if (row.bound == Bound::unlessPositive && areReal && left.re > 0 && right.re >= 0) return;
+    const bool fits = std::fabs(result.re) <= largestResult && std::fabs(result.im) <= largestResult;
+    if (!fits) maError();
+}
+
 ComplexValue elementValue(const Operation &operation) {
     const int row = cutToInteger(operation.left->re) - 1;
     const int column = operation.code == OperationCode::matrixElement ? cutToInteger(operation.right->re) - 1 : 0;
@@ -32,11 +43,18 @@ ComplexValue elementValue(const Operation &operation) {
 
 }  // namespace
 
-OperationCode codeOf(BinaryOperation operation) {
-    for (const CodeRow &row : codeRows) {
-        if (row.operation == operation) return row.code;
+OperationCode codeOf(const OperatorRow &row) {
+    if (row.bound != Bound::none) return OperationCode::otherBinary;
+    for (const CodeRow &known : codeRows) {
+        if (known.operation == row.binary) return known.code;
     }
     return OperationCode::otherBinary;
+}
+
+ComplexValue binaryResult(const OperatorRow &row, ComplexValue left, ComplexValue right) {
+    const ComplexValue result = row.binary(left, right);
+    holdToBound(row, left, right, result);
+    return result;
 }
 
 void carryOut(const Operation *operations, int count) {
@@ -74,13 +92,13 @@ void carryOut(const Operation *operations, int count) {
                 *operation.result = complexGreater(*operation.left, *operation.right);
                 break;
             case OperationCode::otherBinary:
-                *operation.result = operation.binary(*operation.left, *operation.right);
+                *operation.result = binaryResult(*operation.row, *operation.left, *operation.right);
                 break;
             case OperationCode::otherUnary:
-                *operation.result = operation.unary(*operation.left);
+                *operation.result = operation.row->unary(*operation.left);
                 break;
             case OperationCode::source:
-                *operation.result = operation.origin();
+                *operation.result = operation.row->source();
                 break;
             case OperationCode::listElement:
             case OperationCode::matrixElement:

@@ -38,12 +38,8 @@ inline MatrixSlot &slotOf(const ArrayName &name) {
 
 struct Operation {
     OperationCode code = OperationCode::add;
-    ArrayName array;  // of an element
-    union {
-        BinaryOperation binary = nullptr;
-        UnaryOperation unary;
-        ComplexValue (*origin)();
-    };
+    ArrayName array;                      // of an element
+    const OperatorRow *row = nullptr;     // of the operations without a code of their own
     const ComplexValue *left = nullptr;   // the only operand of a unary operation; the row of an element
     const ComplexValue *right = nullptr;  // the column of a matrix element
     ComplexValue *result = nullptr;
@@ -52,6 +48,8 @@ struct Operation {
 void carryOut(const Operation *operations, int count);
 
 // The code of a binary operation that has one of its own, else otherBinary.
-OperationCode codeOf(BinaryOperation operation);
+OperationCode codeOf(const OperatorRow &row);
+// What the row computes of two values, reported where it is held to a bound and lies beyond.
+ComplexValue binaryResult(const OperatorRow &row, ComplexValue left, ComplexValue right);
 
 }  // namespace numalink

@@ -61,25 +61,36 @@ const ComplexValue *operandOf(const Recording &in, const ProgramCell &number) {
     return operandNumbered(in, number.value);
 }
 
-ComplexValue recordUnary(UnaryOperation operation, ComplexValue operand) {
-    Operation next{.code = OperationCode::otherUnary};
-    next.unary = operation;
+ComplexValue recordUnary(const OperatorRow &row, ComplexValue operand) {
+    Operation next;
+    next.code = OperationCode::otherUnary;
+    next.row = &row;
     next.left = operandNumbered(*recording, operand);
     return write(next);
 }
 
-ComplexValue recordBinary(BinaryOperation operation, ComplexValue left, ComplexValue right) {
-    Operation next{.code = codeOf(operation)};
-    next.binary = operation;
+ComplexValue recordProduct(ComplexValue left, ComplexValue right) {
+    Operation next;
+    next.code = OperationCode::multiply;
     next.left = operandNumbered(*recording, left);
     next.right = operandNumbered(*recording, right);
     return write(next);
 }
 
-ComplexValue recordSource(ComplexValue (*origin)()) {
-    if (origin == readNumber) recording->refused = true;  // it waits, and writes on the screen
-    Operation next{.code = OperationCode::source};
-    next.origin = origin;
+ComplexValue recordBinary(const OperatorRow &row, ComplexValue left, ComplexValue right) {
+    Operation next;
+    next.code = codeOf(row);
+    next.row = &row;
+    next.left = operandNumbered(*recording, left);
+    next.right = operandNumbered(*recording, right);
+    return write(next);
+}
+
+ComplexValue recordSource(const OperatorRow &row) {
+    if (row.source == readNumber) recording->refused = true;  // it waits, and writes on the screen
+    Operation next;
+    next.code = OperationCode::source;
+    next.row = &row;
     return write(next);
 }
 
@@ -106,7 +117,8 @@ MatrixDescriptor *recordArray(CellKind kind, const ProgramCell &name) {
 
 ComplexValue recordElement(const MatrixDescriptor *array, CellKind kind, ComplexValue row, ComplexValue column) {
     const bool isMatrix = kind == CellKind::matrix;
-    Operation next{.code = isMatrix ? OperationCode::matrixElement : OperationCode::listElement};
+    Operation next;
+    next.code = isMatrix ? OperationCode::matrixElement : OperationCode::listElement;
     next.array = recording->arrays[static_cast<std::size_t>(array - arrayMarks)];
     next.left = operandNumbered(*recording, row);
     if (isMatrix) next.right = operandNumbered(*recording, column);

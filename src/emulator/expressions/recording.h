@@ -28,9 +28,10 @@ bool recordExpression(Recording &into, const ProgramCell *source, ProgramCell *c
 const ComplexValue *operandOf(const Recording &in, const ProgramCell &number);
 
 // What the passes ask. While a recording is on, a value is the number of an operand.
-ComplexValue recordUnary(UnaryOperation operation, ComplexValue operand);
-ComplexValue recordBinary(BinaryOperation operation, ComplexValue left, ComplexValue right);
-ComplexValue recordSource(ComplexValue (*origin)());
+ComplexValue recordUnary(const OperatorRow &row, ComplexValue operand);
+ComplexValue recordBinary(const OperatorRow &row, ComplexValue left, ComplexValue right);
+ComplexValue recordProduct(ComplexValue left, ComplexValue right);  // the implicit one
+ComplexValue recordSource(const OperatorRow &row);
 ComplexValue recordVariable(const ComplexValue *variable);
 // The array that the cells at the token and behind it name; null refuses.
 MatrixDescriptor *recordArray(CellKind kind, const ProgramCell &name);
@@ -41,13 +42,6 @@ inline bool refusesRecording() {
     if (recording == nullptr) return false;
     recording->refused = true;
     return true;
-}
-
-inline ComplexValue apply(UnaryOperation operation, ComplexValue operand) {
-    return recording == nullptr ? operation(operand) : recordUnary(operation, operand);
-}
-inline ComplexValue apply(BinaryOperation operation, ComplexValue left, ComplexValue right) {
-    return recording == nullptr ? operation(left, right) : recordBinary(operation, left, right);
 }
 
 }  // namespace numalink

@@ -278,7 +278,9 @@ int translate(const LoadedProgram &program, int position) {
     static Planning on;  // too large for a stack of calls within calls
     on.program = program.cells;
     on.cells = program.cells + position;
-    on.plan = {.start = position, .length = program.terminators[position] - position};
+    on.plan = {};
+    on.plan.start = position;
+    on.plan.length = program.terminators[position] - position;
     on.recording = {};
     return makePlan(on) ? keepPlan(on) : withoutPlan;
 }
