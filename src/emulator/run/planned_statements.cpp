@@ -1,5 +1,7 @@
 #include "emulator/run/planned_statements.h"
 
+#include <algorithm>
+
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/run_waits.h"
@@ -9,7 +11,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t lookInterval = 4096;  // statements; a power of two
+constexpr std::uint64_t lookInterval = 4096;  // statements
 
 void storePlanned(const StatementPlan &plan) {
     const MatrixSlot slot = slotOf(plan.array);
@@ -64,36 +66,42 @@ const PlannedWay &carryOut(RunState &state, const StatementPlan &plan) {
     return plan.way;
 }
 
+// What the statement loop does ahead of each statement, and no planned one needs again.
+void beginStatements() {
+    freeTemporaries();
+    machine.textColumn = 0;
+}
+
 }  // namespace
 
 PlannedStop runPlanned(RunState &state, PlannedRun &run) {
     const std::uint64_t limit = run.statementLimit == 0 ? UINT64_MAX : run.statementLimit;
+    const std::uint64_t look = std::min(limit, machine.statementsRun + lookInterval);
+    PlanView view = planView(state.programIndex);
     bool isFirst = true;
     for (;;) {
-        const StatementPlan &plan = statementPlan(state.programIndex, state.position);
-        if (plan.kind == PlanKind::none || !runGoesOn() || machine.statementsRun >= limit)
+        if (view.marks[state.position] == notTranslated) {
+            translateStatement(state.programIndex, state.position);
+            view = planView(state.programIndex);
+        }
+        const StatementPlan &plan = view.plans[view.marks[state.position]];
+        if (plan.kind == PlanKind::none || machine.statementsRun >= look || !runGoesOn())
             return PlannedStop::plainStatement;
-        if (!isFirst && machine.statementsRun % lookInterval == 0) return PlannedStop::plainStatement;
         if (plan.arrayCount > 0 && !plannedArraysExist(plan)) return PlannedStop::plainStatement;
         machine.statementsRun++;
         if (plan.kind != PlanKind::empty) {
-            if (isFirst) freeTemporaries();
+            if (isFirst) beginStatements();
             isFirst = false;
-            machine.textColumn = 0;
-            if (plan.operationCount > 0) carryOut(plannedOperations(plan), plan.operationCount);
+            carryOut(view.operations + plan.firstOperation, plan.operationCount);
             state.statement[0].kind = plan.leaves;
         }
-        if (plan.kind == PlanKind::program) {
+        const PlannedWay &way = carryOut(state, plan);
+        const bool isCall = plan.kind == PlanKind::program;
+        if (isCall || (way.ends && (machine.errorFlag || run.refreshDue))) {
             run.called = plan.program;
             state.position = plan.start;
             state.statementLength = plan.length;
-            return PlannedStop::programCall;
-        }
-        const PlannedWay &way = carryOut(state, plan);
-        if (way.ends && (machine.errorFlag || run.refreshDue)) {
-            state.position = plan.start;
-            state.statementLength = plan.length;
-            return PlannedStop::statementEnd;
+            return isCall ? PlannedStop::programCall : PlannedStop::statementEnd;
         }
         state.position = way.position;
     }

@@ -13,13 +13,12 @@ namespace numalink {
 
 namespace {
 
-constexpr int notTranslated = 0, withoutPlan = 1;  // marks of a position; a greater one is the place of its plan
+constexpr int withoutPlan = notTranslated + 1;  // the mark of what is left to the rows
 
 std::vector<StatementPlan> plans;
 std::vector<Operation> operations;
 std::vector<ArrayName> arrays;
 std::array<std::vector<int>, programLimit> marks;  // of each cell of a program that has been run
-const StatementPlan noPlan;
 
 // What a run may take for plans; later statements are then left to the rows.
 constexpr std::size_t planMemoryLimit = 8u << 20;
@@ -209,6 +208,15 @@ bool planElement(Planning &on, int name, bool isMatrix) {
     return on.plan.row != nullptr && (!isMatrix || on.plan.column != nullptr);
 }
 
+// Where an operation makes the value, it may as well make it in its place: no operation reads the variable after it.
+void assignByLastOperation(Planning &on) {
+    if (on.recording.operations.empty()) return;
+    Operation &last = on.recording.operations.back();
+    if (last.result != on.plan.value) return;
+    last.result = on.plan.variable;
+    on.plan.kind = PlanKind::nothing;
+}
+
 bool planAssignment(Planning &on, int arrow) {
     if (!on.recordValue(0, arrow)) return false;
     on.plan.way = on.itsEnd();
@@ -216,6 +224,7 @@ bool planAssignment(Planning &on, int arrow) {
     if (target + 1 == on.plan.length) {
         on.plan.kind = PlanKind::assign;
         on.plan.variable = variableRef(on.cells[target]);
+        if (on.plan.variable != nullptr) assignByLastOperation(on);
         return on.plan.variable != nullptr;
     }
     const bool isMatrix = on.has(target, token::matrix);
@@ -287,18 +296,19 @@ int translate(const LoadedProgram &program, int position) {
 
 }  // namespace
 
-const StatementPlan &statementPlan(int program, int position) {
+PlanView planView(int program) {
     std::vector<int> &ofProgram = marks[static_cast<std::size_t>(program)];
     if (ofProgram.empty()) {
         ofProgram.assign(static_cast<std::size_t>(loadedProgram(program).cellCount), notTranslated);
         if (plans.empty()) plans.resize(withoutPlan + 1);
     }
-    int &mark = ofProgram[static_cast<std::size_t>(position)];
-    if (mark == notTranslated) mark = translate(loadedProgram(program), position);
-    return plans[static_cast<std::size_t>(mark)];
+    return {ofProgram.data(), plans.data(), operations.data()};
 }
 
-const Operation *plannedOperations(const StatementPlan &plan) { return operations.data() + plan.firstOperation; }
+void translateStatement(int program, int position) {
+    marks[static_cast<std::size_t>(program)][static_cast<std::size_t>(position)] =
+        translate(loadedProgram(program), position);
+}
 
 bool plannedArraysExist(const StatementPlan &plan) {
     const ArrayName *const names = arrays.data() + plan.firstArray;

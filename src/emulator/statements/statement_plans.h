@@ -45,9 +45,16 @@ struct StatementPlan {
     int program = -1;
 };
 
-// The plan of the statement at the position of a loaded program. The reference holds until the next call.
-const StatementPlan &statementPlan(int program, int position);
-const Operation *plannedOperations(const StatementPlan &plan);
+// Where the plans of a program lie: plans[marks[position]] is the one of the statement at the position, unless the mark
+// is notTranslated. Holds until the next translation.
+inline constexpr int notTranslated = 0;
+struct PlanView {
+    const int *marks = nullptr;
+    const StatementPlan *plans = nullptr;
+    const Operation *operations = nullptr;
+};
+PlanView planView(int program);
+void translateStatement(int program, int position);
 // Whether all arrays of the plan exist, and copies of those that it reads would fit the memory.
 bool plannedArraysExist(const StatementPlan &plan);
 
