@@ -19,10 +19,11 @@ using Value = ComplexValue;
 Value getKeyValue() { return complexReal(keyPort.getKey()); }
 Value imaginaryUnit() { return complexMake(0, 1); }
 // A generator of 0 to 32767, never seeded: each process meets the same sequence.
+constexpr std::uint32_t firstChance = 1;
+std::uint32_t chanceState = firstChance;
 int chance() {
-    static std::uint32_t state = 1;
-    state = state * 1103515245 + 12345;
-    return static_cast<int>(state >> 16 & 0x7FFF);
+    chanceState = chanceState * 1103515245 + 12345;
+    return static_cast<int>(chanceState >> 16 & 0x7FFF);
 }
 
 Value randomValue() { return complexReal(chance() / 32767.0); }
@@ -187,6 +188,8 @@ TokenFacts factsOfToken(Token token) {
 }
 
 }  // namespace
+
+void randomRestart() { chanceState = firstChance; }
 
 std::span<const OperatorRow> operatorRows() { return rows; }
 
