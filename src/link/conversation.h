@@ -13,8 +13,6 @@
 
 namespace numalink {
 
-inline constexpr std::size_t largestItem = 70000;  // bytes of an item's data that the link takes
-
 // 10 ms a byte and half a second; or 10 ms a byte and 10 seconds, and never 10 seconds without a byte. The ALGEBRA
 // family waits long throughout.
 enum class Wait { brief, lasting };
@@ -37,7 +35,7 @@ bool readGoodData(std::span<std::uint8_t> target);
 
 void send(std::uint8_t byte);
 void send(ByteView bytes);
-void sendSlowly(ByteView bytes);              // a pause of 1 ms ahead of each byte
+void sendSlowly(ByteView bytes);              // a pause of 1 ms ahead of each byte, never a shorter one
 void sendSlowlyWithProgress(ByteView bytes);  // the same, and the bar moves
 void pauseMilliseconds(std::uint64_t milliseconds);
 
