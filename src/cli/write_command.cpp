@@ -4,6 +4,7 @@
 #include "calculator/program_info.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
+#include "link/transmit_queue.h"
 #include "platform/files.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
@@ -15,7 +16,6 @@ namespace numalink {
 namespace {
 
 constexpr std::uint64_t textLimit = 16u << 20;  // bytes
-constexpr int lineNotStorable = 18;
 
 struct WriteOptions {
     std::string library;
@@ -48,13 +48,16 @@ int runWrite(const WriteOptions &options) {
     if (!isTextKind(item.kind)) return commandFailed(options.item + " holds no program text");
     const std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
     Bytes image;
-    const int faultyLine =
-        imageOfViewLines(linesOverProgram(item.data, text), settingsInt(setting::autoCorrect) > 0, image);
-    if (faultyLine > 0) {
-        tellUser(lineNotStorable, {std::to_string(faultyLine)}, BoxIcon::error);
+    const TextOverProgram written = linesOverProgram(item.data, text);
+    const auto faults = imageOfViewLines(written.lines, settingsInt(setting::autoCorrect) > 0, image);
+    if (!faults.empty()) {
+        tellFaults(faults);
         return exitFailed;
     }
-    return store(std::move(item), std::move(image)) ? exitDone : exitFailed;
+    if (!store(std::move(item), std::move(image))) return exitFailed;
+    if (written.blanksLeftOut) statusLine(StatusPart::item, OwnText::blanksLeftOut);
+    tellWhenTooLong(id);
+    return exitDone;
 }
 
 }  // namespace

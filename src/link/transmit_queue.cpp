@@ -101,6 +101,12 @@ void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon) {
     tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, icon);
 }
 
+void tellWhenTooLong(ItemId id) {
+    StoredItem item;
+    if (storeReadItem(id, item) && outgoingRefusal(item, linkFamily()) == Refusal::tooLong)
+        tellUser(OwnText::programTooLong, {utf8FromCalculator(item.name)});
+}
+
 bool askBackupConsent(QueuedItem &entry, const std::string &name) {
     if (entry.confirmed) return true;
     Box box;

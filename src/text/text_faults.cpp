@@ -1,0 +1,57 @@
+#include "text/text_faults.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+
+#include "calculator/charset.h"
+#include "telling/language_table.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int lineNotStorable = 18;
+constexpr std::size_t linesTold = 12;
+
+std::string codeText(char32_t character) {
+    std::array<char, 8> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), std::uint32_t{character}, 16).ptr;
+    std::string code(digits.data(), end);
+    for (char &digit : code) digit = static_cast<char>(std::toupper(digit));
+    return "U+" + std::string(code.size() < 4 ? 4 - code.size() : 0, '0') + code;
+}
+
+std::string shown(char32_t character) {
+    std::string text;
+    const bool isControl = character < ' ' || (character >= 0x7F && character < 0xA0);
+    if (!isControl) appendUtf8(text, character);
+    return text;
+}
+
+}  // namespace
+
+std::string textOfFaults(const std::vector<TextFault> &faults) {
+    std::string text = languageFormat(lineNotStorable, {std::to_string(faults.front().line)});
+    for (std::size_t i = 0; i < std::min(faults.size(), linesTold); i++)
+        text += "\n" + ownText(OwnText::faultyLine, {std::to_string(faults[i].line), shown(faults[i].character),
+                                                     codeText(faults[i].character)});
+    if (faults.size() > linesTold)
+        text += "\n" + ownText(OwnText::faultyLinesMore, {std::to_string(faults.size() - linesTold)});
+    return text;
+}
+
+void tellFaults(const std::vector<TextFault> &faults) {
+    Box box;
+    box.bodyNumber = lineNotStorable;
+    box.titleNumber = titleOfWarnings;
+    box.body = textOfFaults(faults);
+    box.title = languageText(titleOfWarnings);
+    box.icon = BoxIcon::error;
+    box.arguments = {std::to_string(faults.front().line)};
+    userInterface.messageBox(box);
+}
+
+}  // namespace numalink
