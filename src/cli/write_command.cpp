@@ -55,7 +55,7 @@ int runWrite(const WriteOptions &options) {
         return exitFailed;
     }
     if (!store(std::move(item), std::move(image))) return exitFailed;
-    if (written.blanksLeftOut) statusLine(StatusPart::item, OwnText::blanksLeftOut);
+    if (written.blanksLeftOut) statusLine(StatusPart::item, Text::blanksLeftOut);
     tellWhenTooLong(id);
     return exitDone;
 }

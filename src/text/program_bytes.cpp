@@ -7,6 +7,7 @@
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
+#include "platform/letter_case.h"
 #include "settings/settings_store.h"
 #include "text/auto_correct.h"
 #include "text/token_table.h"

@@ -6,14 +6,12 @@
 #include <charconv>
 
 #include "calculator/charset.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr int lineNotStorable = 18;
 constexpr std::size_t linesTold = 12;
 
 std::string codeText(char32_t character) {
@@ -34,24 +32,17 @@ std::string shown(char32_t character) {
 }  // namespace
 
 std::string textOfFaults(const std::vector<TextFault> &faults) {
-    std::string text = languageFormat(lineNotStorable, {std::to_string(faults.front().line)});
+    std::string text = wording(Text::lineNotStorable, {std::to_string(faults.front().line)});
     for (std::size_t i = 0; i < std::min(faults.size(), linesTold); i++)
-        text += "\n" + ownText(OwnText::faultyLine, {std::to_string(faults[i].line), shown(faults[i].character),
-                                                     codeText(faults[i].character)});
+        text += "\n" + wording(Text::faultyLine, {std::to_string(faults[i].line), shown(faults[i].character),
+                                                  codeText(faults[i].character)});
     if (faults.size() > linesTold)
-        text += "\n" + ownText(OwnText::faultyLinesMore, {std::to_string(faults.size() - linesTold)});
+        text += "\n" + wording(Text::faultyLinesMore, {std::to_string(faults.size() - linesTold)});
     return text;
 }
 
 void tellFaults(const std::vector<TextFault> &faults) {
-    Box box;
-    box.bodyNumber = lineNotStorable;
-    box.titleNumber = titleOfWarnings;
-    box.body = textOfFaults(faults);
-    box.title = languageText(titleOfWarnings);
-    box.icon = BoxIcon::error;
-    box.arguments = {std::to_string(faults.front().line)};
-    userInterface.messageBox(box);
+    tellComposed(Text::lineNotStorable, textOfFaults(faults), {std::to_string(faults.front().line)}, BoxIcon::error);
 }
 
 }  // namespace numalink

@@ -10,6 +10,7 @@
 #include "calculator/number_text.h"
 #include "exchange/import/cat_record.h"
 #include "exchange/import/import.h"
+#include "platform/letter_case.h"
 #include "text/lenient_text.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
@@ -57,7 +58,7 @@ void putMark(Bytes &head, std::size_t offset, const std::string &value, std::str
 }
 
 bool sizesDiffer(CatReader &reader, const std::string &name) {
-    addMessage(*reader.report, OwnText::importSizesDiffer, {utf8FromCalculator(name)});
+    addMessage(*reader.report, Text::importSizesDiffer, {utf8FromCalculator(name)});
     return true;
 }
 
@@ -214,12 +215,12 @@ void tellValues(CatReader &reader, const ValueTable &table, const std::string &n
     const std::string shown = utf8FromCalculator(name);
     if (table.refused > 0) {
         const std::string places = table.refusedPlaces + (table.refused > placesTold ? " ..." : "");
-        addMessage(*reader.report, OwnText::importValuesRefused, {shown, std::to_string(table.refused), places});
+        addMessage(*reader.report, Text::importValuesRefused, {shown, std::to_string(table.refused), places});
     }
     const auto missing = std::ranges::count(table.given, false);
     if (missing == 0) return;
     const auto first = static_cast<std::size_t>(std::ranges::find(table.given, false) - table.given.begin());
-    addMessage(*reader.report, OwnText::importValuesMissing,
+    addMessage(*reader.report, Text::importValuesMissing,
                {shown, std::to_string(missing), std::to_string(first / table.columns + 1),
                 std::to_string(first % table.columns + 1)});
 }
@@ -273,7 +274,7 @@ void tellUnknownWords(CatReader &reader, const WordWalk &walk) {
     std::string words;
     for (const std::string &word : walk.unknown) words += (words.empty() ? "" : ", ") + word;
     if (!words.empty())
-        addMessage(*reader.report, OwnText::importUnknownWords,
+        addMessage(*reader.report, Text::importUnknownWords,
                    {utf8FromCalculator(reader.value(CatKey::fileName)), words});
 }
 

@@ -145,7 +145,7 @@ std::vector<ViewLine> linesFromElsewhere(const std::vector<std::string_view> &te
         lines.push_back(lenientLine(lenient, line, place));
         place = {};
     }
-    if (lenient.blanksLeftOut) statusLine(StatusPart::item, OwnText::blanksLeftOut);
+    if (lenient.blanksLeftOut) statusLine(StatusPart::item, Text::blanksLeftOut);
     return lines;
 }
 

@@ -61,12 +61,11 @@ void putCaretOn(int place) {
 }
 
 Choice askUnstored(const QString &why, bool mayKeepDraft) {
-    QMessageBox box(QMessageBox::Critical, textOf(titleOfWarnings), why, QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Critical, textOf(Text::warningTitle), why, QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
-    QPushButton *goBack = box.addButton(textOf(OwnText::goBack), QMessageBox::RejectRole);
-    const QPushButton *discard = box.addButton(textOf(OwnText::discardChanges), QMessageBox::DestructiveRole);
-    const QPushButton *draft =
-        mayKeepDraft ? box.addButton(textOf(OwnText::keepDraft), QMessageBox::AcceptRole) : nullptr;
+    QPushButton *goBack = box.addButton(textOf(Text::goBack), QMessageBox::RejectRole);
+    const QPushButton *discard = box.addButton(textOf(Text::discardChanges), QMessageBox::DestructiveRole);
+    const QPushButton *draft = mayKeepDraft ? box.addButton(textOf(Text::keepDraft), QMessageBox::AcceptRole) : nullptr;
     box.setDefaultButton(goBack);
     box.setEscapeButton(goBack);
     box.exec();
@@ -106,7 +105,7 @@ bool addAsNew(NewItem item) {
     viewItemId = id;
     if (const std::optional<ItemEntry> entry = storeReadEntry(id)) openedEntry = *entry;
     refreshTree();
-    tellUser(OwnText::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
+    tellUser(Text::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
     return true;
 }
 
@@ -130,7 +129,7 @@ bool writeText(const ReadText &read) {
 }
 
 QString whyNot(const ReadText &read) {
-    return read.faults.empty() ? textOf(OwnText::programNotStored) : toQt(textOfFaults(read.faults));
+    return read.faults.empty() ? textOf(Text::programNotStored) : toQt(textOfFaults(read.faults));
 }
 
 // False to go back.
@@ -143,7 +142,7 @@ bool settleUnstored(const ReadText &read, bool mayKeepDraft) {
                 return true;
             case Choice::draft:
                 if (keepDraft(openedEntry, viewToText())) return true;
-                tellUser(OwnText::draftNotWritten, {draftFolder()});
+                tellUser(Text::draftNotWritten, {draftFolder()});
                 break;
             case Choice::goBack:
                 if (read.faultAt >= 0) putCaretOn(read.faultAt);
