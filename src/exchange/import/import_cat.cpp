@@ -4,7 +4,6 @@
 
 #include "calculator/charset.h"
 #include "exchange/import/cat_record.h"
-#include "exchange/import/import.h"
 #include "platform/letter_case.h"
 #include "telling/texts.h"
 
@@ -22,7 +21,6 @@ constexpr std::string_view keyTexts[] = {
 };
 static_assert(std::size(keyTexts) == static_cast<std::size_t>(CatKey::count));
 
-constexpr std::string_view recordStart = "%Header Record";
 constexpr std::string_view dataStart = "%Data Record";
 constexpr std::string_view endMark = "%End";
 constexpr std::size_t valueLimit = 9;
@@ -139,7 +137,7 @@ bool findRecord(CatReader &reader) {
     bool found = false;
     do {
         const std::string_view line = lineOf(reader);
-        found = startsWithoutCase(line, recordStart);
+        found = startsWithoutCase(line, catRecordStart);
         if (!found && !isBlank(line) && skipped++ == 0) first = excerpt(line);
     } while (!found && nextLine(reader));
     if (skipped > 0) addMessage(*reader.report, Text::importLinesSkipped, {std::to_string(skipped), first});
@@ -181,7 +179,7 @@ bool atEndMark(const CatReader &reader) { return isMarkAt(reader, endMark); }
 bool atRecordStart(const CatReader &reader) {
     if (reader.at >= reader.file.size()) return false;
     const bool lineHead = reader.at == 0 || reader.file[reader.at - 1] == '\n' || reader.file[reader.at - 1] == '\r';
-    return lineHead && isMarkAt(reader, recordStart);
+    return lineHead && isMarkAt(reader, catRecordStart);
 }
 
 // The end mark of old text files counts as nothing.
@@ -215,7 +213,7 @@ bool skipCatData(CatReader &reader) {
 }
 
 bool catTooLarge(CatReader &reader, const std::string &name) {
-    addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(importItemLimit)});
+    addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(itemDataLimit)});
     // The end mark of a text may stand behind other text of its line.
     for (; (reader.at = std::min(reader.file.find('%', reader.at), reader.file.size())) < reader.file.size();
          reader.at++) {

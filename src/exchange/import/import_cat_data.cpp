@@ -9,7 +9,6 @@
 #include "calculator/frames.h"
 #include "calculator/number_text.h"
 #include "exchange/import/cat_record.h"
-#include "exchange/import/import.h"
 #include "platform/letter_case.h"
 #include "text/lenient_text.h"
 #include "text/program_bytes.h"
@@ -20,7 +19,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t frameGroupOffset = 19;
 constexpr std::size_t valueFieldsEnd = 29;
 constexpr std::size_t pictureFieldsEnd = 36;
 constexpr std::size_t placesTold = 5;
@@ -44,8 +42,8 @@ Bytes startHead(const CatReader &reader, HeadNumbers numbers, const std::string 
     put(1, reader.value(CatKey::format), 3);
     head[4] = static_cast<std::uint8_t>(reader.number(CatKey::communicationSwitch));
     put(5, reader.value(CatKey::dataType), 2);
-    writeBig16(head, 7, numbers.first);
-    writeBig16(head, 9, numbers.second);
+    writeBig16(head, frameRowsOffset, numbers.first);
+    writeBig16(head, frameColumnsOffset, numbers.second);
     put(frameNameOffset, name, frameNameSize);
     put(frameGroupOffset, reader.value(CatKey::groupName), frameNameSize);
     return head;
@@ -125,12 +123,12 @@ void addPlaneLine(Planes &planes, std::string_view line) {
 Bytes pictureHead(const CatReader &reader, const std::string &name) {
     Bytes head =
         startHead(reader, {reader.number(CatKey::height), reader.number(CatKey::width)}, name, pictureFieldsEnd);
-    putMark(head, 27, reader.value(CatKey::startPosition), "DR");
-    putMark(head, 29, reader.value(CatKey::direction), "U");
-    putMark(head, 30, reader.value(CatKey::byteDirection), "W");
-    putMark(head, 31, reader.value(CatKey::bitWeight), "F");
-    writeBig16(head, 32, reader.number(CatKey::colors));
-    writeBig16(head, 34, reader.number(CatKey::sheets));
+    putMark(head, frameStartOffset, reader.value(CatKey::startPosition), "DR");
+    putMark(head, frameDirectionOffset, reader.value(CatKey::direction), "U");
+    putMark(head, frameByteDirectionOffset, reader.value(CatKey::byteDirection), "W");
+    putMark(head, frameBitWeightOffset, reader.value(CatKey::bitWeight), "F");
+    writeBig16(head, frameColorsOffset, reader.number(CatKey::colors));
+    writeBig16(head, frameSheetsOffset, reader.number(CatKey::sheets));
     return head;
 }
 
@@ -290,7 +288,7 @@ bool readCatText(CatReader &reader, ItemKind itemKind) {
     while (!atEndMark(reader)) {
         if (reader.at == reader.file.size() || atRecordStart(reader)) return catFormatError(reader);
         if (!readNextWord(walk, reader)) return catUnreadable(reader);
-        if (walk.data.size() > importItemLimit) return catTooLarge(reader, reader.value(CatKey::fileName));
+        if (walk.data.size() > itemDataLimit) return catTooLarge(reader, reader.value(CatKey::fileName));
     }
     tellUnknownWords(reader, walk);
     Bytes &data = walk.data;
@@ -311,12 +309,12 @@ bool readCatPicture(CatReader &reader) {
     for (const CatKey key : {CatKey::height, CatKey::width, CatKey::colors, CatKey::sheets})
         fits = fits && fitsHead(reader.number(key));
     const Bytes head = pictureHead(reader, name);
-    Planes planes{.pixels = picturePlaneLength(head) - 6,
+    Planes planes{.pixels = picturePlaneLength(head) - planeExtra,
                   .expected = picturePlaneCount(head) * picturePlaneLength(head)};
     planes.bad = !fits || planes.pixels == 0;
     for (; !atEndMark(reader);) {
         if (!planes.bad) addPlaneLine(planes, lineOf(reader));
-        if (planes.data.size() > importItemLimit) return catTooLarge(reader, name);
+        if (planes.data.size() > itemDataLimit) return catTooLarge(reader, name);
         if (atRecordStart(reader) || !nextLine(reader)) return catFormatError(reader);
     }
     if (planes.bad || planes.data.size() != planes.expected) return sizesDiffer(reader, name);
@@ -328,7 +326,7 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     ValueTable table{.rows = reader.number(CatKey::rows), .columns = reader.number(CatKey::columns)};
     const bool fits = fitsHead(table.rows) && fitsHead(table.columns);
     if (!fits) return skipCatData(reader) && sizesDiffer(reader, name);
-    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > importItemLimit) return catTooLarge(reader, name);
+    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > itemDataLimit) return catTooLarge(reader, name);
     clearTable(table);
     while (!atEndMark(reader)) {
         addValueLine(table, lineOf(reader));
@@ -336,10 +334,11 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     }
     tellValues(reader, table, name);
     Bytes head = startHead(reader, {table.rows, table.columns}, name, valueFieldsEnd);
-    putMark(head, 27, reader.value(CatKey::variableType), "R");
+    putMark(head, frameTypeOffset, reader.value(CatKey::variableType), "R");
     constexpr std::uint8_t usualLength = 10;
     const bool hasLength = !reader.value(CatKey::variableLength).empty();
-    head[28] = hasLength ? static_cast<std::uint8_t>(reader.number(CatKey::variableLength)) : usualLength;
+    head[frameVariableLengthOffset] =
+        hasLength ? static_cast<std::uint8_t>(reader.number(CatKey::variableLength)) : usualLength;
     return deliver({itemKind, name, std::move(head), std::move(table.data)}, *reader.sink, *reader.report);
 }
 
