@@ -46,7 +46,7 @@ bool failUnknownKind(ByteView head, int itemCount) {
     return false;
 }
 
-// Steps 1 to 5: a head that is known and whole. False ends the conversation, told where something is to be told.
+// A head that is known and whole. False ends the conversation, told where something is to be told.
 bool readCfxHead(Incoming &item, int itemCount) {
     item.head.assign(shortHeadFrameSize, 0);
     const std::size_t count = readHead(item.head, Wait::lasting);
@@ -66,7 +66,7 @@ bool readCfxHead(Incoming &item, int itemCount) {
     return (whole && frameIsGood(item.head)) || failChecksum();
 }
 
-// Step 6: what the head says.
+// What the head says of the data: length, frames, and how much is read at a time.
 void measure(Incoming &item) {
     const bool isValues = isValuesKind(item.kind);
     item.length = isValues && readBig16(item.head, frameRowsOffset) == 0 ? 0 : frameDataLength(item.head);
@@ -79,7 +79,7 @@ void measure(Incoming &item) {
     item.group = copyFrameName(ByteView(item.head).subspan(frameGroupOffset));
 }
 
-// Step 7.
+// What is on its way, in the status bar and on the bar of the progress.
 void showItem(const Incoming &item) {
     progressStart(item.length);
     if (isColourScreen(item)) return linkStatus(Text::receivingColorScreen);
@@ -88,7 +88,7 @@ void showItem(const Incoming &item) {
     linkStatus(Text::receivingItem, {}, group + utf8FromCalculator(item.name) + "...");
 }
 
-// Step 9. A calculator's own names of these mean nothing to people.
+// A calculator's own names of these mean nothing to people.
 bool isNamedByTime(const Incoming &item) {
     constexpr ItemKind kinds[] = {kind::backup, kind::colourScreen, kind::monochromeScreen, kind::picture,
                                   kind::graphMemory};
@@ -102,7 +102,7 @@ bool failTooLarge(const Incoming &item) {
 
 enum class Overwrite { yes, no, stop };
 
-// Step 10.
+// The calculator asks its user whether what it has here is to be replaced.
 Overwrite askAboutExisting() {
     send(control::itemExists);
     const auto answer = readByte(Wait::lasting);
@@ -131,7 +131,7 @@ bool endInnerFrame(Incoming &item, std::uint8_t &sum, bool dataFollow) {
     return true;
 }
 
-// Steps 13 and 14, but for the last acknowledgement.
+// All data, each inner frame acknowledged but the last.
 bool readData(Incoming &item) {
     item.data.assign(item.length, 0);
     std::uint8_t sum = 0;
@@ -152,7 +152,7 @@ bool readData(Incoming &item) {
     return isColourScreen(item) || sum == 0x3A || failChecksum();
 }
 
-// Steps 15 and 16. The last acknowledgement says that the item is safe, so it goes out only then.
+// The last acknowledgement says that the item is safe, so it goes out only then.
 bool storeAndAcknowledge(Incoming &item) {
     if (const auto info = infoFromHeadFrame(item.head); info && isTextKind(item.kind))
         item.head = encodeProgramInfo(*info);
