@@ -51,7 +51,7 @@ Refusal outgoingRefusal(const StoredItem &item, Family family) {
     return item.data.size() < frameDataLength(item.head) ? Refusal::shorterThanHead : Refusal::none;
 }
 
-Bytes imageWithoutColour(ByteView image) {
+Bytes imageWithoutColor(ByteView image) {
     Bytes kept;
     kept.reserve(image.size());
     for (const std::uint8_t byte : image) {
@@ -78,11 +78,11 @@ int slotOfPictureHead(ByteView head) {
     return digit >= '1' && digit <= '6' ? digit - '0' : 1;
 }
 
-Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
+Outgoing outgoingToCfx(const StoredItem &item, bool removeColor, int slot) {
     Outgoing outgoing{.head = item.head, .data = item.data};
     if (isTextKind(item.kind)) {
         outgoing.data = imageWithChecksumPlace(item.data);
-        if (removeColour) outgoing.data = imageWithoutColour(outgoing.data);
+        if (removeColor) outgoing.data = imageWithoutColor(outgoing.data);
         outgoing.head = *buildHeadFrame(item.kind, Family::cfx, sentInfo(item, outgoing.data.size()));
     }
     if (item.kind == kind::picture) {

@@ -27,7 +27,7 @@ struct Incoming : Received {
     bool sumsAreGood = true;  // of a colour screen copy, which is stored in any case
 };
 
-bool isColourScreen(const Incoming &item) { return item.kind == kind::colourScreen; }
+bool isColorScreen(const Incoming &item) { return item.kind == kind::colorScreen; }
 
 // The marks of a head that has no place here, as a person can read them.
 std::string readableMark(ByteView head) {
@@ -72,8 +72,8 @@ void measure(Incoming &item) {
     item.length = isValues && readBig16(item.head, frameRowsOffset) == 0 ? 0 : frameDataLength(item.head);
     if (isValues) item.frameLength = valueFrameSize;
     if (item.kind == kind::picture) item.frameLength = picturePlaneLength(item.head);
-    if (isColourScreen(item)) item.frameLength = item.length / 3;
-    if (isColourScreen(item) || item.kind == kind::picture) item.chunk = 1;
+    if (isColorScreen(item)) item.frameLength = item.length / 3;
+    if (isColorScreen(item) || item.kind == kind::picture) item.chunk = 1;
     if (item.head.size() == shortHeadFrameSize) return;
     item.name = copyFrameName(ByteView(item.head).subspan(frameNameOffset));
     item.group = copyFrameName(ByteView(item.head).subspan(frameGroupOffset));
@@ -82,7 +82,7 @@ void measure(Incoming &item) {
 // What is on its way, in the status bar and on the bar of the progress.
 void showItem(const Incoming &item) {
     progressStart(item.length);
-    if (isColourScreen(item)) return linkStatus(Text::receivingColorScreen);
+    if (isColorScreen(item)) return linkStatus(Text::receivingColorScreen);
     if (item.kind == kind::monochromeScreen) return linkStatus(Text::receivingMonochromeScreen);
     const std::string group = item.group.empty() ? "" : utf8FromCalculator(item.group) + ".";
     linkStatus(Text::receivingItem, {}, group + utf8FromCalculator(item.name) + "...");
@@ -90,7 +90,7 @@ void showItem(const Incoming &item) {
 
 // A calculator's own names of these mean nothing to people.
 bool isNamedByTime(const Incoming &item) {
-    constexpr ItemKind kinds[] = {kind::backup, kind::colourScreen, kind::monochromeScreen, kind::picture,
+    constexpr ItemKind kinds[] = {kind::backup, kind::colorScreen, kind::monochromeScreen, kind::picture,
                                   kind::graphMemory};
     return item.name.empty() || std::ranges::find(kinds, item.kind) != std::end(kinds);
 }
@@ -119,7 +119,7 @@ std::uint8_t sumOf(ByteView bytes) {
 // At the end of a frame inside the data.
 bool endInnerFrame(Incoming &item, std::uint8_t &sum, bool dataFollow) {
     constexpr std::uint8_t goodSum = 0x3A;
-    if (isColourScreen(item)) {
+    if (isColorScreen(item)) {
         item.sumsAreGood = item.sumsAreGood && sum == goodSum;
     } else if (!dataFollow) {
         return true;
@@ -149,7 +149,7 @@ bool readData(Incoming &item) {
         frameEnd += item.frameLength;
         if (!endInnerFrame(item, sum, count < item.length)) return false;
     }
-    return isColourScreen(item) || sum == 0x3A || failChecksum();
+    return isColorScreen(item) || sum == 0x3A || failChecksum();
 }
 
 // The last acknowledgement says that the item is safe, so it goes out only then.

@@ -106,8 +106,8 @@ Step transmitItem(NextItem &next) {
     const Step asked = askMissing(next);
     if (asked == Step::next) transmitQueueRemove(next.entry.id);
     if (asked != Step::goOn) return asked;
-    const bool removeColour = settingsInt(setting::removeColor) != 0;
-    const Outgoing outgoing = outgoingToCfx(next.item, removeColour, next.entry.slot);
+    const bool removeColor = settingsInt(setting::removeColor) != 0;
+    const Outgoing outgoing = outgoingToCfx(next.item, removeColor, next.entry.slot);
     const std::string name = utf8FromCalculator(next.item.name);
     linkStatus(Text::sendingItem, {name});
     progressStart(outgoing.data.size());

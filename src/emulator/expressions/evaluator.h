@@ -20,6 +20,6 @@ void evaluateSubrange(ProgramCell *cells, int outerFirst, int low, int high, int
 ProgramCell evaluateGraphFunction(int digit);
 
 // Tests only: walk every pass and every compaction, also where there is nothing for them to act on.
-extern bool evaluatePlainly;
+extern bool evaluateWithoutShortcuts;
 
 }  // namespace numalink

@@ -10,6 +10,6 @@ namespace numalink {
 std::span<const OperatorRow> operatorRows();  // in the order of the steps, then of the tokens
 
 // Fills tokenFacts from the rows and from the token table as it is: machineStart does that.
-void openingTokensRefresh();
+void refreshOpeningTokens();
 
 }  // namespace numalink

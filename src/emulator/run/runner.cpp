@@ -208,10 +208,10 @@ bool runStart(const RunOptions &options) {
     if (emulatorRunning) return false;
     joinRun();
     if (programCount() == 0) {
-        runEndForget(RunEnd::nothingToRun);
+        resetRunEnd(RunEnd::nothingToRun);
         return false;
     }
-    runEndForget(RunEnd::running);
+    resetRunEnd(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
     haltTold = false;
