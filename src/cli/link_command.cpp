@@ -37,7 +37,7 @@ struct LinkOptions {
     std::string type = "cfx";
     std::string answer = "cancel";
     int slot = 0;
-    bool removeColour = false;
+    bool removeColor = false;
     int seconds = 0;
     bool json = false;
 };
@@ -229,7 +229,7 @@ int runLink(const LinkOptions &options) {
     if (!session.open) return exitFailed;
     if (!settingsSetValue(setting::comPort, options.port)) return commandFailed("no such port: " + options.port);
     settingsSetValue(setting::linkType, options.type);
-    if (options.removeColour) settingsSetInt(setting::removeColor, 1);
+    if (options.removeColor) settingsSetInt(setting::removeColor, 1);
     installLinkUi();
     startLinkThread();
     serveInput(options.seconds);
@@ -249,7 +249,7 @@ CommandRun declareLink(CLI::App &command) {
     command.add_option("--answer", options->answer, "To all questions: yes, no or cancel")
         ->check(CLI::IsMember({"yes", "no", "cancel"}));
     command.add_option("--slot", options->slot, "Place of pictures in the calculator")->check(CLI::Range(1, 6));
-    command.add_flag("--remove-colour", options->removeColour, "Send programs without colour commands");
+    command.add_flag("--remove-colour", options->removeColor, "Send programs without colour commands");
     command.add_option("--seconds", options->seconds, "End after so many")->check(CLI::NonNegativeNumber);
     command.add_flag("--json", options->json, "One JSON object a line");
     command.footer("Commands on standard input: transmit ITEM, queue ITEM, go, answer yes|no|cancel, slot N, quit");

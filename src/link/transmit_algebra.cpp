@@ -16,7 +16,7 @@ bool isConfirmed() {
     return answer == control::acknowledge || failUnconfirmed(answer);
 }
 
-// Steps 2 to 4.
+// Our model frame first; the calculator's is the answer, which we confirm.
 bool exchangeModels() {
     sendSlowly(*buildHeadFrame(kind::modelFrame, Family::algebra, {}));
     Bytes model(shortHeadFrameSize);
@@ -25,7 +25,7 @@ bool exchangeModels() {
     return isConfirmed();
 }
 
-// Step 5.
+// Head and data, each confirmed by the calculator.
 bool transmitItem(const NextItem &next) {
     const Refusal refusal = outgoingRefusal(next.item, Family::algebra);
     if (refusal != Refusal::none) {

@@ -23,7 +23,7 @@ struct QueuedItem {
 bool transmitAvailable();  // whether the program can transmit at all
 
 // Appends the item, or all that a folder holds at any depth. What waits already keeps its place. False when it was
-// refused (told by name, text 108) or the queue is full (told). What a folder holds and can't go is told item by item,
+// refused (told by name) or the queue is full (told). What a folder holds and can't go is told item by item,
 // a few at most, and the rest is queued.
 bool queueItem(ItemId id);
 
@@ -64,7 +64,7 @@ void transmitQueueAnswered(const QueuedItem &item);
 void transmitConversation(bool runs);
 bool transmitConversationRuns();
 
-// Text 108 and the cause, with the item's name in calculator codes.
+// Tells that the item can't go, and why. The name is in calculator codes.
 void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon);
 
 // The user's answers, asked for where they are missing: false when the item isn't to go.

@@ -51,7 +51,7 @@ std::uint32_t settingsColour(std::string_view key);
 // Blanks at either end of a value go.
 bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
-bool settingsSetColour(std::string_view key, std::uint32_t colour);
+bool settingsSetColour(std::string_view key, std::uint32_t color);
 
 // The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
 // it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value

@@ -59,7 +59,7 @@ struct ItemMove {
 };
 
 // False when the library can't be used, with the cause told. A library that some other program holds gives false
-// after nothing but its box (text 33).
+// after nothing but its box.
 bool storeOpen();
 // Moves the records together, cuts the file at its end and lets go of it. Harmless when closed.
 void storeClose();

@@ -13,7 +13,7 @@ namespace numalink {
 // holds what came before it. line, when given, is the line of that place, from 1.
 std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens, int *line = nullptr);
 
-// ':', the tokens, 0xFF. False when a character can't be converted, with the box (text 18 and the line).
+// ':', the tokens, 0xFF. False when a character can't be converted, with a box that names the line.
 bool programFromText(std::string_view text, Bytes &image);
 
 // The text of an image as its view shows it without colours: line ends CR LF, the display command as 221 CR LF,

@@ -119,14 +119,14 @@ TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
 }
 
 // Every hue in turn, brightness rising and falling.
-Surface manyColours() {
+Surface manyColors() {
     Surface picture(calculatorPictureWidth, calculatorPictureHeight);
     for (std::size_t i = 0; i < picture.dots.size(); i++) picture.dots[i] = static_cast<Color>(i * 0x030507) & 0xFFFFFF;
     return picture;
 }
 
 // The expected colours come from the raster step as it was worked out apart from the program.
-TEST(Raster, GivesEachDotOneOfFourColoursAndOwesTheRestToTheNext) {
+TEST(Raster, GivesEachDotOneOfFourColorsAndOwesTheRestToTheNext) {
     const struct {
         RasterType type;
         std::string_view first;  // dots, by place in colours
@@ -139,13 +139,13 @@ TEST(Raster, GivesEachDotOneOfFourColoursAndOwesTheRestToTheNext) {
                   "111121112312121321210210220020000200201130131013"
                   "013001032302322023200202023333033303311010100100",
                   {2953, 1464, 2082, 1693}}};
-    const std::vector<Color> colours = {0xBEDCC8, 0x009600, 0x0000C8, 0xFF6400};
+    const std::vector<Color> colors = {0xBEDCC8, 0x009600, 0x0000C8, 0xFF6400};
     for (const auto &[type, first, counts] : cases) {
-        const Surface raster = rasterPicture(manyColours(), type);
+        const Surface raster = rasterPicture(manyColors(), type);
         for (std::size_t i = 0; i < first.size(); i++)
-            EXPECT_EQ(raster.dots[i], colours[static_cast<std::size_t>(first[i] - '0')]) << i;
-        for (std::size_t i = 0; i < colours.size(); i++)
-            EXPECT_EQ(std::ranges::count(raster.dots, colours[i]), counts[i]) << i;
+            EXPECT_EQ(raster.dots[i], colors[static_cast<std::size_t>(first[i] - '0')]) << i;
+        for (std::size_t i = 0; i < colors.size(); i++)
+            EXPECT_EQ(std::ranges::count(raster.dots, colors[i]), counts[i]) << i;
     }
 }
 
@@ -158,7 +158,7 @@ TEST(PictureItem, HasItsCornersInPlaceAndIsDrawnAsItsRaster) {
     ASSERT_EQ(data.size(), 4120u);
     EXPECT_THAT((std::vector<int>{data[5 + 1023], data[1030 + 5], data[2060 + 5], data[3090 + 4]}),
                 ElementsAre(0x80, 2, 1, 4));
-    raster = rasterPicture(manyColours(), RasterType::image);
+    raster = rasterPicture(manyColors(), RasterType::image);
     const ImportedItem item = pictureItem(raster, "PIC");
     Surface drawn(calculatorPictureWidth, calculatorPictureHeight, lcdColor::background);
     drawPicture(drawn, item.head, item.data);

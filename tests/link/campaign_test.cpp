@@ -168,8 +168,7 @@ void checkItem(const StoredItem &item) {
         calculator::dataLength(item.head) != item.data.size() && readBig16(item.head, 7) == 0)
         fail("cut data, " + name);
     // A damaged copy of a colour screen is kept, for what can be seen of it.
-    if (item.kind != kind::colourScreen && !calculator::isGood(Item{item.head, item.data}))
-        fail("a bad frame, " + name);
+    if (item.kind != kind::colorScreen && !calculator::isGood(Item{item.head, item.data})) fail("a bad frame, " + name);
 }
 
 // Without faults each item has to be there as it was sent, unless a later one took its place.
@@ -236,14 +235,14 @@ void runOne(Case &one) {
     one.chance.seed(one.seed);
     one.algebra = oneIn(2);
     one.receives = oneIn(2);
-    const bool removeColour = roll(2) == 1;
+    const bool removeColor = roll(2) == 1;
     one.other.algebra = one.algebra;
     chooseFaults(one);
     chooseItems(one);
     for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
     CalculatorLine line(one);
     scriptedLineInstall(line);
-    LinkScene::prepare(one.algebra, removeColour);
+    LinkScene::prepare(one.algebra, removeColor);
     if (one.receives) {
         if (!one.algebra && oneIn(2)) one.other.manners.attention = 0x15;
         startSending(one.other);

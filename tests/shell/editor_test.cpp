@@ -205,7 +205,7 @@ TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("b\u2192a"));
 }
 
-TEST_F(Editor, ColoursFollowTheSettings) {
+TEST_F(Editor, ColorsFollowTheSettings) {
     ASSERT_TRUE(startProgram());
     settingsSetInt(setting::syntaxHighlighting, 1);
     settingsSetColour(setting::colorNumbers, 0x0000C0);
@@ -214,7 +214,7 @@ TEST_F(Editor, ColoursFollowTheSettings) {
     ASSERT_EQ(formats.size(), 2);
     EXPECT_EQ(formats[1].format.foreground().color(), QColor(0xC0, 0, 0));
     settingsSetInt(setting::syntaxHighlighting, 0);
-    recolourProgram();
+    recolorProgram();
     EXPECT_TRUE(programEdit->document()->begin().layout()->formats().isEmpty());
     EXPECT_FALSE(programEdit->document()->isUndoAvailable());
 }

@@ -1,3 +1,4 @@
+// Runs in the window: keys and clicks on their way to them, and every way that one ends.
 #include <algorithm>
 
 #include "emulator/machine/keypad.h"

@@ -1,3 +1,4 @@
+// The start, with whatever is missing or held, and each way to the end.
 #include <QProcess>
 #include <csignal>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// The tree: what stands where, renaming, moving and deleting, and undo.
 #include "shell/shell_fixture.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"

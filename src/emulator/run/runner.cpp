@@ -162,7 +162,7 @@ StatementEnd finishCall(RunState &state, int program) {
 // The planned statements from here on, up to one that isn't: its row is then run.
 StatementEnd runSomeStatements(RunState &state, bool refreshDue) {
     lookAtDebug();
-    if (!fullSpeed || debugShown || evaluatePlainly) return runOneStatement(state);
+    if (!fullSpeed || debugShown || evaluateWithoutShortcuts) return runOneStatement(state);
     PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue};
     switch (runPlanned(state, run)) {
         case PlannedStop::statementEnd:
@@ -255,10 +255,10 @@ bool runStart(const RunOptions &options) {
     if (emulatorRunning) return false;
     joinRun();
     if (programCount() == 0) {
-        runEndForget(RunEnd::nothingToRun);
+        resetRunEnd(RunEnd::nothingToRun);
         return false;
     }
-    runEndForget(RunEnd::running);
+    resetRunEnd(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
     haltTold = false;

@@ -56,25 +56,25 @@ constexpr std::string_view previewTokens =
     "A\x89\x7F\x40"
     "1\xFA"sv;
 
-std::array<QColor, runClassCount> colours;
+std::array<QColor, runClassCount> colors;
 std::array<QPushButton *, runClassCount> buttons;
 QPlainTextEdit *preview = nullptr;
 
 std::size_t placeOf(RunClass runClass) { return static_cast<std::size_t>(runClass); }
 
-QIcon swatchIcon(const QColor &colour, const QWidget *widget) {
+QIcon swatchIcon(const QColor &color, const QWidget *widget) {
     const qreal scale = widget->devicePixelRatioF();
     QPixmap picture(qRound(swatchWidth * scale), qRound(swatchHeight * scale));
     picture.setDevicePixelRatio(scale);
-    picture.fill(colour);
+    picture.fill(color);
     QPainter painter(&picture);
     painter.setPen(widget->palette().color(QPalette::Mid));
     painter.drawRect(QRectF(0.5, 0.5, swatchWidth - 1, swatchHeight - 1));
     return QIcon(picture);
 }
 
-void showColours() {
-    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colours[i], preview));
+void showColors() {
+    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colors[i], preview));
     const QColor ground = preview->palette().color(QPalette::Base);
     Bytes image(std::size(previewTokens) + 2, 0xFF);  // ':', the tokens, the end mark
     image[0] = ':';
@@ -83,28 +83,28 @@ void showColours() {
     QTextCursor cursor(preview->document());
     for (const ViewLine &line : viewLines(image)) {
         if (!cursor.atStart()) cursor.insertBlock();
-        for (const ColourRun &run : colourRuns(line, readLine(line, false))) {
+        for (const ColorRun &run : colorRuns(line, readLine(line, false))) {
             QTextCharFormat format;
-            format.setForeground(readableOn(ground, colours[placeOf(run.runClass)]));
+            format.setForeground(readableOn(ground, colors[placeOf(run.runClass)]));
             cursor.insertText(qtFromCodes(std::string_view(line.text).substr(run.from, run.size)), format);
         }
     }
     preview->moveCursor(QTextCursor::Start);
 }
 
-void chooseColour(RunClass runClass, const QString &name) {
-    const QColor chosen = QColorDialog::getColor(colours[placeOf(runClass)], preview->window(), name);
+void chooseColor(RunClass runClass, const QString &name) {
+    const QColor chosen = QColorDialog::getColor(colors[placeOf(runClass)], preview->window(), name);
     if (!chosen.isValid()) return;
-    colours[placeOf(runClass)] = chosen;
-    showColours();
+    colors[placeOf(runClass)] = chosen;
+    showColors();
 }
 
 // A scheme is no use with highlighting off: the choice turns it on.
 void takeScheme(const ColorScheme &scheme) {
-    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = QColor::fromRgb(scheme[i]);
+    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = QColor::fromRgb(scheme[i]);
     if (auto *box = preview->window()->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting)))
         box->setChecked(true);
-    showColours();
+    showColors();
 }
 
 void addSwatches(QGridLayout *grid) {
@@ -118,7 +118,7 @@ void addSwatches(QGridLayout *grid) {
         const QString name = textOf(row.text);
         button->setAccessibleName(name);
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
-        QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColour(row.runClass, name); });
+        QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColor(row.runClass, name); });
         buttons[placeOf(row.runClass)] = button;
         auto *label = new QLabel(name);
         label->setBuddy(button);
@@ -166,13 +166,13 @@ QWidget *makeColorSwatches() {
     layout->addWidget(new QLabel(textOf(Text::colorPreview)));
     layout->addWidget(preview);
     layout->addStretch();
-    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = qtColour(settingsColour(programColorKeys[i]));
-    showColours();
+    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = qtColor(settingsColour(programColorKeys[i]));
+    showColors();
     return part;
 }
 
 void storeSwatches() {
-    for (std::size_t i = 0; i < colours.size(); i++) settingsSetColour(programColorKeys[i], settingColour(colours[i]));
+    for (std::size_t i = 0; i < colors.size(); i++) settingsSetColour(programColorKeys[i], settingColor(colors[i]));
 }
 
 void forgetSwatches() {

@@ -1,4 +1,4 @@
-// Dialog 111: where the items of an import go. Graphical thread only.
+// The question where the items of an import go. Graphical thread only.
 #pragma once
 
 #include "telling/user_interface.h"

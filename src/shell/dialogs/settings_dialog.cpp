@@ -186,7 +186,7 @@ int changeSettings() {
     if (!settingsDialog()) return 1;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
-    if (!reopenView()) recolourProgram();
+    if (!reopenView()) recolorProgram();
     return 1;
 }
 

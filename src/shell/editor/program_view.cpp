@@ -84,7 +84,7 @@ void contentsChanged() {
     const int lastBlock = last.isValid() ? last.blockNumber() : document()->blockCount() - 1;
     changedFrom = changedTo = -1;
     if (!travelling) convertChanged(firstBlock, lastBlock);
-    for (int number = firstBlock; number <= lastBlock; number++) colourBlock(document()->findBlockByNumber(number));
+    for (int number = firstBlock; number <= lastBlock; number++) colorBlock(document()->findBlockByNumber(number));
     filling = false;
     lastCaret = caretNow();
     updateLineNumbers();
@@ -152,7 +152,7 @@ bool editEvent(QWidget *, QEvent *event) {
             committing(*static_cast<QInputMethodEvent *>(event));
             return false;
         case QEvent::PaletteChange:
-            recolourProgram();
+            recolorProgram();
             return false;
         default:
             return false;
@@ -195,10 +195,10 @@ void forgetProgramView() {
 
 void programToView(ByteView image) {
     filling = true;
-    readColours();
+    readColors();
     fill(viewLines(image));
     programEdit->setReadOnly(tokenCount() == 0);
-    colourDocument();
+    colorDocument();
     document()->setModified(false);
     caretSteps.clear();
     filling = false;
@@ -232,14 +232,14 @@ void recolourLine() {
     filling = true;
     const QTextBlock block = programEdit->textCursor().block();
     convertBlock(block);
-    colourBlock(block);
+    colorBlock(block);
     filling = false;
 }
 
-void recolourProgram() {
+void recolorProgram() {
     filling = true;
-    readColours();
-    colourDocument();
+    readColors();
+    colorDocument();
     filling = false;
 }
 

@@ -26,7 +26,7 @@ void replaceProgramText(const QString &text);
 
 // Reads and colours the line of the caret anew; the whole of it when the settings have changed.
 void recolourLine();
-void recolourProgram();
+void recolorProgram();
 
 void putCaretAt(int position);  // or at the end of a shorter text, without a selection, in sight
 

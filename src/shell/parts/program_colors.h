@@ -15,12 +15,12 @@ inline constexpr std::array<const char *, runClassCount> programColorKeys = {
     setting::colorOneByteCommand, setting::colorOneByteCharacter, setting::colorTwoByteCommand, setting::colorText};
 
 // Red in the low byte, as the settings hold it.
-inline QColor qtColour(std::uint32_t colour) {
-    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>(colour >> 8 & 0xFF),
-                  static_cast<int>(colour >> 16 & 0xFF));
+inline QColor qtColor(std::uint32_t color) {
+    return QColor(static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF),
+                  static_cast<int>(color >> 16 & 0xFF));
 }
-inline std::uint32_t settingColour(const QColor &colour) {
-    return static_cast<std::uint32_t>(colour.red() | colour.green() << 8 | colour.blue() << 16);
+inline std::uint32_t settingColor(const QColor &color) {
+    return static_cast<std::uint32_t>(color.red() | color.green() << 8 | color.blue() << 16);
 }
 
 // 0xRRGGBB in the order of the classes; each reaches a contrast of 4.5 to 1 on its ground.

@@ -54,7 +54,7 @@ std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const s
 // The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
 // a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
 // How many those were.
-std::uint32_t takeForOrdinary(std::vector<Slot> &slots) {
+std::uint32_t demoteExtraTempFolders(std::vector<Slot> &slots) {
     std::vector<Slot *> folders;
     for (Slot &slot : slots)
         if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
@@ -127,7 +127,7 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
         slots[slot].sound = slots[slot].sound && recordIsSound(slots[slot].head, main.offsets[slot], fileSize);
     markOverlaps(main, slots);
     markDoubledIds(slots);
-    const std::uint32_t wrongKinds = takeForOrdinary(slots);
+    const std::uint32_t wrongKinds = demoteExtraTempFolders(slots);
     // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
     if (main.itemCount > storeSlotCount)
         while (!slots.empty() && !slots.back().sound) slots.pop_back();

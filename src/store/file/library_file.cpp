@@ -115,7 +115,7 @@ std::optional<bool> filesAreNamed() REQUIRES_LOCK(storeLock) {
 }
 
 // Takes the file as it is for what this program knows of it.
-void getToKnow() REQUIRES_LOCK(storeLock) {
+void rememberFile() REQUIRES_LOCK(storeLock) {
     const std::int64_t size = storeFileSize();
     store.knownSize.reset();
     if (size >= 0 && readMainHead(static_cast<std::uint64_t>(size), store.knownHead))
@@ -136,7 +136,7 @@ Bytes headWith(Bytes head, const std::vector<Region> &regions) {
 
 // Whether nobody else has written into it, as one does who copies another library over this one while it is open. A
 // change would tear the two apart, as would the cut at the end.
-bool isAsKnown(std::uint64_t size, const Bytes &head) REQUIRES_LOCK(storeLock) {
+bool isAsRemembered(std::uint64_t size, const Bytes &head) REQUIRES_LOCK(storeLock) {
     return !store.knownSize || (*store.knownSize == size && store.knownHead == head);
 }
 
@@ -246,7 +246,7 @@ void storeFileCut(std::uint64_t size) {
     if (store.broken || store.replaced || grown < 0 || static_cast<std::uint64_t>(grown) <= size) return;
     Bytes head;
     if (filesAreNamed() != true || !readMainHead(static_cast<std::uint64_t>(grown), head)) return;
-    if (!isAsKnown(static_cast<std::uint64_t>(grown), head)) return;
+    if (!isAsRemembered(static_cast<std::uint64_t>(grown), head)) return;
     // The journal of a change that was taken back tells of bytes that are cut off here: first it goes for good.
     if (store.journal == noFile || filePort.sync(store.journal)) filePort.cut(store.file, size);
 }
@@ -255,7 +255,7 @@ Recovery storeFileRecover(bool apply) {
     store.broken = true;  // whatever ends the work half-way leaves the journal
     const Recovery result = recover(apply);
     store.broken = !apply || result == Recovery::unread || result == Recovery::failed || result == Recovery::foreign;
-    getToKnow();
+    rememberFile();
     return result;
 }
 
@@ -292,7 +292,7 @@ ChangeResult changeCommit() {
     Bytes oldMain;
     if (found < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
     store.writes.clear();
-    store.replaced = !isAsKnown(size, oldMain);
+    store.replaced = !isAsRemembered(size, oldMain);
     if (store.replaced) return ChangeResult::replaced;
     Bytes head = headWith(oldMain, regions);
     if (!openJournal() || !writeJournal(encodeJournal(regions, size, oldMain))) return ChangeResult::refused;

@@ -50,7 +50,7 @@ bool isGap(const Stretch &stretch) REQUIRES_LOCK(storeLock) {
 
 }  // namespace
 
-bool storeTold(Fault fault) {
+bool tellStoreFault(Fault fault) {
     if (fault == Fault::none) return true;
     try {
         if (fault == Fault::headNotWritten) return failWith(Text::libraryHeadNotWritten);

@@ -54,7 +54,7 @@ enum class Fault {
 };
 
 // True for none; else tells the cause and gives false. Called with the lock free.
-bool storeTold(Fault fault);
+bool tellStoreFault(Fault fault);
 
 // Runs an operation with the lock held for its whole length. Memory that doesn't suffice is a fault like any other.
 template <typename Operation>

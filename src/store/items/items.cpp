@@ -79,7 +79,7 @@ ItemId freshId(ItemId id) REQUIRES_LOCK(storeLock) {
 // Runs one change of an existing record with the lock held, and tells its fault without it.
 template <typename Change>
 bool changeItem(ItemId id, Change change) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         const std::size_t slot = slotOfId(id);
         return slot == noSlot ? Fault::absent : change(slot);
     }));
@@ -129,7 +129,7 @@ Fault moveItems(std::span<const ItemMove> moves) REQUIRES_LOCK(storeLock) {
 template <typename Fits>
 std::vector<ItemEntry> entriesWhere(Fits fits) {
     std::vector<ItemEntry> entries;
-    const bool whole = storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+    const bool whole = tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         for (const Slot &slot : storeState.slots)
             if (slot.sound && fits(slot.head)) entries.push_back(entryOf(slot.head));
         return Fault::none;
@@ -293,7 +293,7 @@ int storeFindSlot(ItemId id) {
 
 std::optional<ItemEntry> storeReadEntry(ItemId id) {
     std::optional<ItemEntry> entry;
-    storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+    tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         const std::size_t slot = slotOfId(id);
         if (slot != noSlot) entry = entryOf(storeState.slots[slot].head);
         return Fault::none;
@@ -302,7 +302,7 @@ std::optional<ItemEntry> storeReadEntry(ItemId id) {
 }
 
 bool storeReadItem(ItemId id, StoredItem &item) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return readItem(id, item); }));
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return readItem(id, item); }));
 }
 
 std::vector<ItemEntry> storeListItems() {
@@ -320,18 +320,18 @@ ItemId storeNextId() {
 
 ItemId storeAddItem(const NewItem &item, std::string *renamed) {
     ItemId id = noItem;
-    storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItem(item, id, renamed); }));
+    tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItem(item, id, renamed); }));
     return id;
 }
 
 std::vector<ItemId> storeAddItems(const std::vector<NewItem> &items) {
     std::vector<ItemId> ids;
-    if (!storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItems(items, ids); }))) ids.clear();
+    if (!tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return addItems(items, ids); }))) ids.clear();
     return ids;
 }
 
 bool storeWriteItem(ItemId id, const NewItem &item) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return writeItem(id, item); }));
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return writeItem(id, item); }));
 }
 
 bool storeRewriteHead(ItemId id, ByteView head) {
@@ -353,16 +353,16 @@ bool storeRename(ItemId id, std::string_view name, ByteView head) {
 }
 
 bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return putBack(items, leaving); }));
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return putBack(items, leaving); }));
 }
 
 bool storeMove(ItemId id, ItemId newParent) {
     const ItemMove move{id, newParent};
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems({&move, 1}); }));
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems({&move, 1}); }));
 }
 
 bool storeMoveItems(const std::vector<ItemMove> &moves) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems(moves); }));
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return moveItems(moves); }));
 }
 
 bool storeSetFlags(ItemId id, std::uint32_t value) {

@@ -105,13 +105,13 @@ bool storeOpen() {
         return Fault::none;
     });
     if (trouble != Text::none) letGo();
-    if (fault != Fault::none) return storeTold(fault);
+    if (fault != Fault::none) return tellStoreFault(fault);
     if (opening.recovery == Recovery::foreign) tellUser(Text::storeJournalSetAside, {opening.journal});
     if (trouble != Text::none) return tellNotOpened(trouble, opening);
     if (opening.damage > 0)
         tellMore(Text::libraryRecordDamaged, Text::storeDamageCount,
                  {std::to_string(opening.damage), std::to_string(opening.lost)});
-    storeTold(opening.resetFault);  // the library is usable all the same
+    tellStoreFault(opening.resetFault);  // the library is usable all the same
     return true;
 }
 
@@ -131,7 +131,7 @@ bool storeIsOpen() {
 }
 
 bool storeWriteHead() {
-    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return changeHead(); }));
+    return tellStoreFault(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return changeHead(); }));
 }
 
 bool storeCopyTo(const std::string &path) {

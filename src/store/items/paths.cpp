@@ -76,7 +76,7 @@ Fault tempFolder(ItemId &id) REQUIRES_LOCK(storeLock) {
 template <typename Find>
 ItemId foundOrTold(Find find) {
     ItemId id = noItem;
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return find(id); })) ? id : noItem;
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return find(id); })) ? id : noItem;
 }
 
 }  // namespace
@@ -112,7 +112,7 @@ void storeTidyTemp() {
 }
 
 bool storeResetTemp() {
-    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
+    return tellStoreFault(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
 }
 
 }  // namespace numalink

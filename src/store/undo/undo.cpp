@@ -207,13 +207,13 @@ bool storeCanRedo() {
 }
 
 bool storeUndo(TakenBack &done) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         return undoSteps.empty() ? Fault::absent : takeBack(undoSteps, redoSteps, done);
     }));
 }
 
 bool storeRedo(TakenBack &done) {
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         return redoIsSound() ? takeBack(redoSteps, undoSteps, done) : Fault::absent;
     }));
 }
