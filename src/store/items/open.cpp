@@ -1,11 +1,13 @@
 // Opening with all its checks, and closing.
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 #include "platform/program_folder.h"
 #include "store/file/changes.h"
 #include "store/file/check.h"
 #include "store/file/copy.h"
+#include "store/file/copy_names.h"
 #include "store/undo/keep_for_undo.h"
 #include "telling/tell_user.h"
 
@@ -29,6 +31,7 @@ struct Opening {
     OpenResult file = OpenResult::failed;
     Recovery recovery = Recovery::nothing;
     std::string journal;       // its path; where it was set aside
+    bool emptied = false;      // missing or empty, with copies beside
     bool isNew = false;        // an empty file, which gets its head
     bool isNewer = false;      // a newer version wrote it, by all one can tell
     std::uint32_t damage = 0;  // places
@@ -41,7 +44,7 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     opening.recovery = storeFileRecover(true);
     opening.journal = storeJournalPath();
     if (opening.recovery != Recovery::foreign)
-        return opening.recovery != Recovery::unread && opening.recovery != Recovery::failed;
+        return opening.recovery == Recovery::nothing || opening.recovery == Recovery::broughtBack;
     const std::string kept = storeJournalSetAside();
     opening.recovery = kept.empty() ? Recovery::failed : Recovery::foreign;
     if (!kept.empty()) opening.journal = kept;
@@ -49,12 +52,16 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
 }
 
 // The text number of what keeps the file from being used, or 0.
-int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
-    opening.file = storeFileOpen(storePath(), true);
+int openFile(Opening &opening, WhenEmptied whenEmptied) REQUIRES_LOCK(storeLock) {
+    const bool mayBegin = whenEmptied == WhenEmptied::begin || dailyCopyNames().empty();
+    opening.file = storeFileOpen(storePath(), mayBegin);
+    opening.emptied = opening.file == OpenResult::absent;
     if (opening.file != OpenResult::opened || !recoverFile(opening)) return textCannotOpen;
     const std::int64_t size = storeFileSize();
     if (size < 0) return textHeadTooShort;
     opening.isNew = size == 0;
+    opening.emptied = opening.isNew && !mayBegin;
+    if (opening.emptied) return textCannotOpen;
     const int fault = opening.isNew ? createStore() : readMain(storeState.main);
     opening.isNewer = mayBeNewer(fault, storeState.main);
     if (fault != 0) return fault;
@@ -82,28 +89,41 @@ void letGo() {
 
 bool tellNotOpened(int textNumber, const Opening &opening) {
     const bool held = opening.file == OpenResult::heldByAnother;
-    if (opening.recovery == Recovery::unread)
+    if (opening.recovery == Recovery::linked)
+        tellMore(textNumber, OwnText::storeJournalLinked, {});
+    else if (opening.recovery == Recovery::unread)
         tellMore(textNumber, OwnText::storeJournalUnread, {opening.journal});
     else if (opening.recovery == Recovery::failed)
         tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
+    else if (opening.emptied)
+        tellMore(textNumber, OwnText::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
     else if (textNumber == textCannotOpen)
         tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
     else if (opening.isNewer)
         tellUser(textNumber);
-    else
+    else if (dailyCopyNames().empty())
         tellMore(textNumber, OwnText::storeMayBeSaved, {libraryFolder()});
+    else
+        tellMore(textNumber, OwnText::storeMayBeRestored, {libraryFolder(), libraryFolder()});
     return false;
 }
 
 }  // namespace
 
-bool storeOpen() {
+bool storeIsEmptied() {
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(storePath(), failure);
+    const bool absent = failure == std::errc::no_such_file_or_directory;
+    return (absent || (!failure && size == 0)) && !dailyCopyNames().empty();
+}
+
+bool storeOpen(WhenEmptied whenEmptied) {
     int textNumber = 0;
     Opening opening;
     const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         if (storeState.open) return Fault::none;
         textNumber = textCannotOpen;  // unless it comes to an end
-        textNumber = openFile(opening);
+        textNumber = openFile(opening, whenEmptied);
         return Fault::none;
     });
     if (textNumber != 0) letGo();
