@@ -80,8 +80,9 @@ int restoreCommand() {
     if (check.outcome != CheckOutcome::checked)
         return commandFailed(causeOf(check.outcome, libraryFolder() + "storage.dat"));
     if (!check.repaired) return commandFailed("the library is in order: it stays as it is");
-    std::printf("%s is in the place of the library; a damaged file that was there is kept beside it as storage.dat.damaged-N\n",
-                copy.c_str());
+    std::printf(
+        "%s is in the place of the library; a damaged file that was there is kept beside it as storage.dat.damaged-N\n",
+        copy.c_str());
     return exitDone;
 }
 

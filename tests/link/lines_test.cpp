@@ -9,6 +9,7 @@
 //   info 20 ABC PASS              its first payload, as a ProgramInfo; or
 //   head BYTES                    byte for byte
 //   data BYTES
+//   room 2 1                      records that the library has room for ahead of the conversation, and at its end
 //   queue ABC   delete ABC        ahead of the conversation
 //   begin                         the user starts the transmission; also later, while the line is read
 //   answer yes                    no, cancel, ok: to the next questions
@@ -32,6 +33,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <sstream>
 
 #include "calculator/charset.h"
 #include "link/link_scene.h"
@@ -77,6 +79,7 @@ struct Player {
     std::vector<std::string> queue, deleted, gone;
     std::deque<std::string> answers;
     std::string slot = "0", left = "0";
+    std::size_t room = 0, roomAtEnd = 0;  // 0 for what there is
     std::vector<Event> events;
 
     PlayMode mode = PlayMode::whole;
@@ -131,6 +134,8 @@ void takeLine(const std::string &word, const std::string &rest, int number, Scri
         player.removeColour = true;
     } else if (word == "answer") {
         player.answers.push_back(rest);
+    } else if (word == "room") {
+        std::istringstream(rest) >> player.room >> player.roomAtEnd;
     } else if (word == "slot" || word == "left") {
         (word == "slot" ? player.slot : player.left) = rest;
     } else if (word == "queue" || word == "delete" || word == "gone") {
@@ -309,6 +314,9 @@ void setUpLibrary() {
     for (const std::string &name : player.queue)
         if (!queueItem(itemNamed(name)) && player.next == 0) fail("refused without a box: " + name);
     for (const std::string &name : player.deleted) storeDelete(itemNamed(name));
+    const std::size_t free = storeSlotCount - storeListItems().size();
+    if (player.room > 0)
+        storeAddItems(std::vector<NewItem>(free - player.room, {.name = "FILLS", .head = {}, .data = {}}));
 }
 
 std::string pathOf(const ItemEntry &entry) {
@@ -345,6 +353,8 @@ void compareLibrary(Library wanted) {
         if (found[path] != content) fail(path + " is of kind " + found[path] + ", not " + content);
     for (const auto &[path, content] : found)
         if (!wanted.contains(path)) fail("in the library: " + path);
+    if (player.room > 0 && storeSlotCount - storeListItems().size() != player.roomAtEnd)
+        fail("room for " + std::to_string(storeSlotCount - storeListItems().size()));
     if (std::to_string(transmitQueueCount()) != player.left) fail("left in the queue");
 }
 

@@ -80,7 +80,7 @@ bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t 
     if (end == limit || (limit - end >= sizeof itemSignature && signatureAt(end))) return true;
     const std::uint64_t last = std::min(limit, end + sizeof itemSignature - 1);
     SignatureSearch search{.limit = last, .block = {}};
-    for (std::uint64_t at = search.next(offset + sizeof head); at < last; at = search.next(at + 1)) {
+    for (std::uint64_t at = search.next(offset + sizeof itemSignature); at < last; at = search.next(at + 1)) {
         ItemHeader inner{};
         if (readHead(at, inner) && recordIsSound(inner, at, limit)) return false;
     }
@@ -156,11 +156,24 @@ std::uint64_t searchStretch(Examined &examined, Searched &searched, std::uint64_
     return end;
 }
 
-// Whether what lies behind a record shows that its size is right: the end, another record, or a deleted one.
+// Whether a record begins within these bytes.
+bool holdsRecord(const Searched &searched, std::uint64_t from, std::uint64_t to, std::uint64_t limit)
+    REQUIRES_LOCK(storeLock) {
+    SignatureSearch search{.limit = std::min(limit, to + sizeof itemSignature - 1), .block = {}};
+    for (std::uint64_t at = search.next(from + 1); at < search.limit; at = search.next(at + 1)) {
+        ItemHeader head{};
+        if (readHead(at, head) && isTaken(searched, head, at, limit)) return true;
+    }
+    return false;
+}
+
+// Whether what lies behind a record shows that its size is right: the end or another record, with none but deleted ones
+// ahead of it.
 bool isFollowed(const Examined &examined, std::uint64_t end) REQUIRES_LOCK(storeLock) {
     ItemHeader next{};
-    if (end == examined.main.endOffset || signatureAt(end)) return true;
-    return readHead(end, next) && isDeleted(next);
+    while (readHead(end, next) && isDeleted(next) && recordSize(next) <= examined.fileSize - end)
+        end += recordSize(next);
+    return end == examined.main.endOffset || signatureAt(end);
 }
 
 // What the table makes of the sizes of those that are lost: from each to the next, or to the end of the records.
@@ -199,7 +212,13 @@ void searchFile(Examined &examined, bool headLies) REQUIRES_LOCK(storeLock) {
         if (isFollowed(examined, from)) continue;
         const std::uint64_t next = i + 1 < order.size() ? examined.main.offsets[order[i + 1]] : examined.fileSize;
         const std::size_t known = examined.found.size();
-        from = std::max(from, searchStretch(examined, searched, limit + sizeof head, next));
+        const bool headIsCut = holdsRecord(searched, limit, limit + sizeof head, next);
+        if (headIsCut) {
+            examined.slots[order[i]].sound = false;
+            searched.ids.erase(head.id);
+        }
+        from = std::max(from, searchStretch(examined, searched, limit + (headIsCut ? 1 : sizeof head), next));
+        if (headIsCut) continue;
         const auto inner = std::span(examined.offsets).subspan(known);
         if (!inner.empty() && inner.front() < limit + recordSize(head))
             shorten(examined, order[i], inner.front() - limit);
@@ -407,7 +426,10 @@ std::string dateOfCopy(const std::string &path) {
 
 LibraryCheck restoreLibrary() {
     const std::string copy = newestSoundCopy();
-    return copy.empty() ? LibraryCheck{.outcome = CheckOutcome::noCopy} : lookAt(libraryPath(), {.copy = copy});
+    if (!copy.empty()) return lookAt(libraryPath(), {.copy = copy});
+    LibraryCheck none;
+    none.outcome = CheckOutcome::noCopy;
+    return none;
 }
 
 bool libraryNeedsCopy() {
