@@ -44,9 +44,9 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     folder.write("storage.dat", std::string(9000, 'x'));
     EXPECT_FALSE(startProgram());
     ASSERT_EQ(shown.size(), 2U);
-    EXPECT_TRUE(shown[0].starts_with(languageText(35)) &&
+    EXPECT_TRUE(shown[0].starts_with(wording(Text::libraryWrongHead)) &&
                 shown[0].find("--repair " + folder.path) != std::string::npos);
-    EXPECT_EQ(shown[1], languageText(3));
+    EXPECT_EQ(shown[1], wording(Text::noLibraryAtStart));
     EXPECT_EQ(mainWindow, nullptr);
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
@@ -57,7 +57,7 @@ TEST_F(StartUp, AsksBeforeItBeginsALibraryAnewOfWhichThereAreCopies) {
     addProgram("ABC", "A");
     endProgram();
     const std::string whole = folder.read("storage.dat"), copy = "backups/storage-2026-01-02.dat";
-    const std::string take = ownText(OwnText::storeTakeCopy, {"2026-01-02"});
+    const std::string take = wording(Text::storeTakeCopy, {"2026-01-02"});
     struct Row {
         std::string library, answer;
         bool starts, holds;
@@ -66,7 +66,7 @@ TEST_F(StartUp, AsksBeforeItBeginsALibraryAnewOfWhichThereAreCopies) {
         {"", "Esc", false, false},
         {"", take, true, true},
         {std::string(9000, 'x'), take, true, true},
-        {"", ownText(OwnText::storeBeginEmpty), true, false},
+        {"", wording(Text::storeBeginEmpty), true, false},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.answer);
@@ -107,9 +107,9 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
                  {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
-    const std::string held = ownText(OwnText::storeHeld, {folder.path + "storage.dat"});
+    const std::string held = wording(Text::storeHeld, {folder.path + "storage.dat"});
     EXPECT_EQ(second.readAllStandardOutput().toStdString(),
-              languageText(33) + "\n" + held + "\n" + languageText(3) + "\n");
+              wording(Text::libraryNotOpened) + "\n" + held + "\n" + wording(Text::noLibraryAtStart) + "\n");
     EXPECT_TRUE(mainWindow->isVisible());
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
 }

@@ -16,21 +16,18 @@ namespace numalink {
 
 namespace {
 
-constexpr int textStartFailed = 3;
-
 enum class LibraryAnswer { takeCopy, begin, end };
 
 // copy: the path of the newest in order, or empty.
-LibraryAnswer askForCopy(OwnText question, const std::string &copy, bool mayBegin) {
-    QMessageBox box(QMessageBox::Question, textOf(titleOfWarnings),
+LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin) {
+    QMessageBox box(QMessageBox::Question, textOf(Text::warningTitle),
                     textOf(question, {libraryFolder() + "storage.dat", dailyCopyFolder()}), QMessageBox::NoButton,
                     mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *take = nullptr, *begin = nullptr;
-    if (!copy.empty())
-        take = box.addButton(textOf(OwnText::storeTakeCopy, {dateOfCopy(copy)}), QMessageBox::AcceptRole);
-    if (mayBegin) begin = box.addButton(textOf(OwnText::storeBeginEmpty), QMessageBox::DestructiveRole);
-    QPushButton *end = box.addButton(textOf(OwnText::storeEndProgram), QMessageBox::RejectRole);
+    if (!copy.empty()) take = box.addButton(textOf(Text::storeTakeCopy, {dateOfCopy(copy)}), QMessageBox::AcceptRole);
+    if (mayBegin) begin = box.addButton(textOf(Text::storeBeginEmpty), QMessageBox::DestructiveRole);
+    QPushButton *end = box.addButton(textOf(Text::storeEndProgram), QMessageBox::RejectRole);
     box.setDefaultButton(take != nullptr ? take : end);
     box.setEscapeButton(end);
     box.exec();
@@ -43,10 +40,10 @@ bool openOtherwise() {
     const bool emptied = storeIsEmptied();
     const std::string copy = newestSoundCopy();
     if (!emptied && copy.empty()) return false;
-    const OwnText question = emptied ? OwnText::storeAskEmptied : OwnText::storeAskDamaged;
+    const Text question = emptied ? Text::storeAskEmptied : Text::storeAskDamaged;
     switch (askForCopy(question, copy, emptied)) {
         case LibraryAnswer::takeCopy:
-            return restoreLibrary().repaired ? storeOpen() : failWith(OwnText::storeNotRestored);
+            return restoreLibrary().repaired ? storeOpen() : failWith(Text::storeNotRestored);
         case LibraryAnswer::begin:
             return storeOpen(WhenEmptied::begin);
         case LibraryAnswer::end:
@@ -60,7 +57,7 @@ bool openOtherwise() {
 bool openLibraryAtStart() {
     if (!storeIsEmptied() && storeOpen()) return true;
     if (libraryNeedsCopy() && openOtherwise()) return true;
-    tellUser(textStartFailed);
+    tellUser(Text::noLibraryAtStart);
     return false;
 }
 

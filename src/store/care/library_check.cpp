@@ -371,13 +371,13 @@ void checkOpened(LibraryCheck &check, const Care &care) REQUIRES_LOCK(storeLock)
     if (unusable || size < 0) return;
     Examined examined;
     examined.fileSize = static_cast<std::uint64_t>(size);
-    const int fault = readMain(examined.main);
-    check.headUsable = fault == 0 || fault == textTooNew;
+    const Text trouble = readMain(examined.main);
+    check.headUsable = trouble == Text::none || trouble == Text::libraryTooNew;
     if (!check.headUsable) examined.main = {};
     check.outcome = CheckOutcome::checked;
     if (size == 0 && care.copy.empty()) return;  // a new library, that the next start gives its head
     if (size > 0) examine(examined, check);
-    check.perhapsNewer = mayBeNewer(fault, examined.main);
+    check.perhapsNewer = mayBeNewer(trouble, examined.main);
     // Unless nothing but that number is out of order.
     const bool newer = check.perhapsNewer && (check.damage > 1 || !care.copy.empty());
     if (newer) check.outcome = CheckOutcome::newer;
