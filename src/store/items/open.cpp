@@ -94,7 +94,7 @@ bool tellNotOpened(Text text, const Opening &opening) {
     else if (opening.recovery == Recovery::failed)
         tellMore(text, Text::storeNotBroughtBack, {opening.journal});
     else if (opening.emptied)
-        tellMore(text, Text::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
+        tellUser(Text::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
     else if (text == Text::libraryNotOpened)
         tellMore(text, held ? Text::storeHeld : Text::storeNotOpened, {storePath()});
     else if (opening.isNewer)
