@@ -14,19 +14,6 @@ std::string importFolder;
 std::string subject;  // told ahead of the next box, once
 RasterType rasterType = RasterType::image;
 
-// In the place of each control character a blank: of ASCII's, and of the second range, U+0080 to U+009F.
-std::string onOneLine(const std::string &text) {
-    std::string line;
-    for (std::size_t at = 0; at < text.size(); at++) {
-        const auto code = static_cast<unsigned char>(text[at]);
-        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
-        const bool second = code == 0xC2 && next >= 0x80 && next < 0xA0;
-        if (second) at++;
-        line += second || code < ' ' || code == 0x7F ? ' ' : text[at];
-    }
-    return line;
-}
-
 Answer showBox(const Box &box) {
     boxCount++;
     if (!subject.empty()) std::fprintf(stderr, "numalink-cli: %s\n", onOneLine(subject).c_str());
@@ -48,6 +35,18 @@ void answerBitmap(BitmapQuestion &question) {
 }
 
 }  // namespace
+
+std::string onOneLine(const std::string &text) {
+    std::string line;
+    for (std::size_t at = 0; at < text.size(); at++) {
+        const auto code = static_cast<unsigned char>(text[at]);
+        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
+        const bool second = code == 0xC2 && next >= 0x80 && next < 0xA0;
+        if (second) at++;
+        line += second || code < ' ' || code == 0x7F ? ' ' : text[at];
+    }
+    return line;
+}
 
 void terminalUiInstall() {
     boxCount = 0;

@@ -11,6 +11,8 @@ namespace numalink {
 void terminalUiInstall();  // also forgets what was shown and the answers
 int terminalBoxCount();
 
+// With a blank in the place of each control character: of ASCII's, and of U+0080 to U+009F.
+std::string onOneLine(const std::string &text);
 // A name in calculator codes as a terminal may have it: in UTF-8 and without control characters.
 std::string printableName(std::string_view name);
 
