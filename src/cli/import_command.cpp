@@ -1,4 +1,5 @@
 // numalink-cli import
+#include <algorithm>
 #include <memory>
 
 #include "cli/commands.h"
@@ -6,6 +7,7 @@
 #include "cli/terminal_ui.h"
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
+#include "store/item_store.h"
 
 namespace numalink {
 
@@ -18,6 +20,14 @@ struct ImportOptions {
     std::string raster = "image";
 };
 
+// Whether there is an item with an id from this one on that isn't still waiting in the temporary folder.
+bool cameSince(ItemId first) {
+    const ItemId waiting = storeTempFolder();
+    return std::ranges::any_of(storeListItems(), [&](const ItemEntry &entry) {
+        return entry.id >= first && !isFolderKind(entry.kind) && entry.parent != waiting;
+    });
+}
+
 int runImport(const ImportOptions &options) {
     const LibrarySession session(options.library);
     if (!session.open) return exitFailed;
@@ -28,11 +38,12 @@ int runImport(const ImportOptions &options) {
     } else if (!options.into.empty()) {
         terminalImportAnswer(ImportAction::oneFolder, options.into);
     }
+    const ItemId first = storeNextId();
     for (const std::string &file : options.files) {
         if (options.files.size() > 1) terminalSubject(file);
         importFile(file, importBaseName(file));
     }
-    return exitDone;
+    return cameSince(first) ? exitDone : exitFailed;
 }
 
 }  // namespace
@@ -46,6 +57,7 @@ CommandRun declareImport(CLI::App &command) {
                        "Without it, one folder named as the file for two items or more, else \"standard\"");
     command.add_option("--raster", options->raster, "How bitmaps become pictures: \"image\" or \"sharp\"")
         ->check(CLI::IsMember({"image", "sharp"}));
+    command.footer("Exit status: 0 done, 1 done with messages, 2 nothing imported.");
     return [options] { return runImport(*options); };
 }
 

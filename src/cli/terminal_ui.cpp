@@ -1,7 +1,8 @@
 #include "cli/terminal_ui.h"
 
-#include <algorithm>
 #include <cstdio>
+
+#include "calculator/charset.h"
 
 namespace numalink {
 
@@ -35,10 +36,16 @@ void answerBitmap(BitmapQuestion &question) {
 
 }  // namespace
 
-std::string onOneLine(std::string text) {
-    std::ranges::replace_if(
-        text, [](char code) { return code >= 0 && code < ' '; }, ' ');
-    return text;
+std::string onOneLine(const std::string &text) {
+    std::string line;
+    for (std::size_t at = 0; at < text.size(); at++) {
+        const auto code = static_cast<unsigned char>(text[at]);
+        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
+        const bool second = code == 0xC2 && next >= 0x80 && next < 0xA0;
+        if (second) at++;
+        line += second || code < ' ' || code == 0x7F ? ' ' : text[at];
+    }
+    return line;
 }
 
 void terminalUiInstall() {
@@ -55,6 +62,8 @@ void terminalUiInstall() {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
 }
+
+std::string printableName(std::string_view name) { return onOneLine(utf8FromCalculator(name)); }
 
 void terminalSubject(const std::string &about) { subject = about; }
 

@@ -58,9 +58,12 @@ struct ItemMove {
     ItemId newParent = rootId;
 };
 
+// What becomes of a library whose file is missing or empty while daily copies of it lie beside.
+enum class WhenEmptied { refuse, begin };
 // False when the library can't be used, with the cause told. A library that some other program holds gives false
 // after nothing but its box.
-bool storeOpen();
+bool storeOpen(WhenEmptied whenEmptied = WhenEmptied::refuse);
+bool storeIsEmptied();  // whether an opening would be refused for that; while closed
 // Moves the records together, cuts the file at its end and lets go of it. Harmless when closed.
 void storeClose();
 bool storeIsOpen();

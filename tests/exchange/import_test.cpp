@@ -77,6 +77,19 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
 }
 
+TEST_F(Import, WhatCouldNotBeMovedStaysWhereItWaits) {
+    static int failures = 1;
+    storeStandardFolder(1001);
+    importText("a.cat", catProgram("ONE"));
+    filePort.writeAt = [](int file, std::uint64_t offset, const void *bytes, std::size_t count) {
+        return failures-- > 0 ? 0 : systemFilePort.writeAt(file, offset, bytes, count);
+    };
+    finishImport("", ImportAction::standardFolders);
+    filePort = systemFilePort;
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+}
+
 TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "temp";

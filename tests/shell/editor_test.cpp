@@ -153,7 +153,9 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
     }
     EXPECT_EQ(stored(id), "A\rB");
     answer(wording(Text::keepDraft));
+    std::filesystem::permissions(folder.path + "storage.dat", std::filesystem::perms::owner_all);
     endProgram();
+    EXPECT_EQ(std::filesystem::status(folder.path + "draft-1.txt").permissions(), std::filesystem::perms::owner_all);
     EXPECT_TRUE(folder.read("draft-1.txt").find("\u20AC1") != std::string::npos);
     answer(wording(Text::draftOpen));
     ASSERT_TRUE(startProgram());

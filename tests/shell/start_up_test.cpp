@@ -52,6 +52,41 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
 
+// One that is lost and one that is damaged, with copies beside.
+TEST_F(StartUp, AsksBeforeItBeginsALibraryAnewOfWhichThereAreCopies) {
+    ASSERT_TRUE(startProgram());
+    addProgram("ABC", "A");
+    endProgram();
+    const std::string whole = folder.read("storage.dat"), copy = "backups/storage-2026-01-02.dat";
+    const std::string take = wording(Text::storeTakeCopy, {"2026-01-02"});
+    struct Row {
+        std::string library, answer;
+        bool starts, holds;
+    };
+    const Row rows[] = {
+        {"", "Esc", false, false},
+        {"", take, true, true},
+        {std::string(9000, 'x'), take, true, true},
+        {"", wording(Text::storeBeginEmpty), true, false},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.answer);
+        for (const auto &entry : std::filesystem::directory_iterator(folder.path + "backups"))
+            std::filesystem::remove(entry.path());
+        folder.write(copy, whole);
+        folder.write("backups/storage-2026-01-03.dat", whole.substr(0, 8000));
+        folder.write("storage.dat", row.library);
+        answers.clear();
+        if (!row.library.empty()) answer("Return");  // the box that tells what is wrong
+        answer(row.answer);
+        ASSERT_EQ(startProgram(), row.starts);
+        EXPECT_EQ(storeItemExists("ABC", rootId), row.holds);
+        if (row.starts) endProgram();
+        EXPECT_TRUE(row.starts || folder.read("storage.dat") == row.library);
+    }
+    EXPECT_EQ(folder.read("storage.dat.damaged-1"), rows[2].library);
+}
+
 using FolderContent = std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>>;
 
 FolderContent contentOf(const ScratchFolder &folder) {

@@ -269,7 +269,7 @@ struct DailyCopies : ::testing::Test {
     // A run of the program on that day, and the copies that lie there after it.
     std::set<std::string> run(const std::string &date, bool changes) {
         today = date;
-        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(storeOpen(WhenEmptied::begin));
         EXPECT_TRUE(keepDailyCopy());
         if (changes) storeResolvePath("/Day " + today, true);
         storeClose();

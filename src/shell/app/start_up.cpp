@@ -10,6 +10,7 @@
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
+#include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/stop_signals.h"
@@ -46,12 +47,6 @@ bool done(void (*work)()) {
     return true;
 }
 
-bool openLibrary() {
-    if (storeOpen()) return true;
-    tellUser(Text::noLibraryAtStart);
-    return false;
-}
-
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
@@ -86,7 +81,7 @@ constexpr StartStep startSteps[] = {
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
-    {"library", openLibrary, true},
+    {"library", openLibraryAtStart, true},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},

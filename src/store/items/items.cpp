@@ -48,10 +48,17 @@ bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock) {
     return false;
 }
 
+// Whether an item of this kind can have this parent: a folder, which the temporary one is for items alone.
+bool mayLieIn(ItemKind itemKind, ItemId parent) REQUIRES_LOCK(storeLock) {
+    if (!isFolderId(parent)) return false;
+    const std::size_t slot = slotOfId(parent);
+    return !isFolderKind(itemKind) || slot == noSlot || storeState.slots[slot].head.kind != kind::temporaryFolder;
+}
+
 Fault parentFault(std::size_t slot, ItemId newParent) REQUIRES_LOCK(storeLock) {
     const ItemHeader &head = storeState.slots[slot].head;
     if (newParent == head.parent) return Fault::none;
-    if (!isFolderId(newParent)) return Fault::noFolder;
+    if (!mayLieIn(head.kind, newParent)) return Fault::noFolder;
     return isFolderKind(head.kind) && liesWithin(newParent, head.id) ? Fault::intoItself : Fault::none;
 }
 
@@ -62,6 +69,7 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     if (const Fault fault = parentFault(slot, item.parent); fault != Fault::none) return fault;
     const bool becomesFolder = isFolderKind(item.kind) && !isFolderKind(storeState.slots[slot].head.kind);
     if (becomesFolder && liesWithin(item.parent, id)) return Fault::intoItself;
+    if (!mayLieIn(item.kind, item.parent) && becomesFolder) return Fault::noFolder;
     const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
     return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
 }
@@ -102,7 +110,7 @@ Fault addItems(const std::vector<NewItem> &items, std::vector<ItemId> &ids) REQU
     for (const NewItem &item : items) {
         const ItemId id = freshId(nextId);
         if (id == noItem) return Fault::full;
-        if (!isFolderId(item.parent)) return Fault::noFolder;
+        if (!mayLieIn(item.kind, item.parent)) return Fault::noFolder;
         if (!fitsRecord(item)) return Fault::tooLarge;
         records.push_back({makeHead(item, storedName(item.name), id), item.head, item.data});
         ids.push_back(id);
@@ -176,8 +184,10 @@ Fault readItem(ItemId id, StoredItem &item) {
     const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
                        storeFileRead(offset + sizeof head, read.head) &&
                        storeFileRead(offset + sizeof head + head.headSize, read.data);
-    // Opening has taken a second temporary folder for an ordinary one.
-    if (head.kind == kind::folder && inFile.kind == kind::temporaryFolder) inFile.kind = kind::folder;
+    if (storeState.slots[slot].corrected) {
+        inFile.kind = head.kind;
+        inFile.parent = head.parent;
+    }
     // Another head than the one in memory: somebody has written to the file in spite of its lock.
     if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
     item = std::move(read);
@@ -199,7 +209,7 @@ Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &l
         const std::size_t slot = slotOfId(item.id);
         const bool taken = (slot != noSlot && !marks[slot]) || std::ranges::any_of(records, hasId);
         if (taken || item.id <= rootId || item.id == noItem) return Fault::absent;
-        if (!isFolderId(item.parent) && std::ranges::find(folders, item.parent) == folders.end())
+        if (!mayLieIn(item.kind, item.parent) && std::ranges::find(folders, item.parent) == folders.end())
             return Fault::noFolder;
         const NewItem made{.name = item.name, .parent = item.parent, .kind = item.kind, .head = {}, .data = {}};
         ItemHeader head = makeHead(made, storedName(item.name), item.id);
@@ -218,7 +228,7 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     if (!storeState.open) return Fault::absent;
     const ItemId newId = freshId(storeState.main.nextId);
     if (newId == noItem) return Fault::full;
-    if (!isFolderId(item.parent)) return Fault::noFolder;
+    if (!mayLieIn(item.kind, item.parent)) return Fault::noFolder;
     if (!fitsRecord(item)) return Fault::tooLarge;
     std::string name(storedName(item.name));
     Bytes head = item.head;
