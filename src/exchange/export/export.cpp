@@ -2,19 +2,16 @@
 #include "exchange/export/export.h"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "calculator/charset.h"
+#include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
-#include "platform/files.h"
-#include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
-#include "store/care/daily_copies.h"
+#include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/language_table.h"
 #include "telling/tell_user.h"
@@ -25,7 +22,6 @@ namespace {
 
 constexpr int codeNotExported = 91;
 constexpr int kindNotExported = 92;
-constexpr std::size_t itemsNamed = 10;  // in one message
 
 struct TargetRow {
     ExportTarget target;
@@ -46,30 +42,6 @@ const TargetRow *rowOf(ExportTarget target) {
     return row == std::end(targetRows) ? nullptr : row;
 }
 
-// What the program itself reads and writes.
-constexpr std::array ownFiles = {"storage.dat", "settings.xml", "casio.ptt",   "large.cft",
-                                 "small.cft",   "numalink",     "numalink-cli"};
-
-// Whether path is a file of folder whose name begins so.
-bool isFileIn(const std::string &path, const std::string &folder, std::string_view beginning) {
-    std::error_code failure;
-    for (const auto &entry : std::filesystem::directory_iterator(folder, failure)) {
-        if (entry.path().filename().native().starts_with(beginning) && isSameFile(path, entry.path())) return true;
-    }
-    return false;
-}
-
-bool isOwnFile(const std::string &path) {
-    for (const std::string &folder : {libraryFolder(), programFolder()}) {
-        for (const char *name : ownFiles) {
-            if (isSameFile(path, folder + name)) return true;
-        }
-        // Copies of a damaged library, and what was being typed when the program ended.
-        if (isFileIn(path, folder, "storage.dat") || isFileIn(path, folder, "draft-")) return true;
-    }
-    return isFileIn(path, dailyCopyFolder(), "") || isFileIn(path, programFolder() + "Language", "");
-}
-
 // One box for all items that are refused for the same cause.
 struct Refusals {
     std::map<std::pair<ExportFault, int>, std::vector<std::string>> names{};
@@ -77,12 +49,6 @@ struct Refusals {
 
 void addRefusal(Refusals &refusals, const ExportRefusal &refusal, const std::string &name) {
     refusals.names[{refusal.fault, refusal.code}].push_back(name.empty() ? "?" : utf8FromCalculator(name));
-}
-
-std::string listOf(const std::vector<std::string> &names) {
-    std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), itemsNamed); i++) list += (i == 0 ? "" : ", ") + names[i];
-    return names.size() > itemsNamed ? list + " ... (" + std::to_string(names.size()) + ")" : list;
 }
 
 struct CauseText {
@@ -107,56 +73,29 @@ CauseText causeText(ExportFault fault, int code, ExportTarget target) {
     }
 }
 
-Answer showBox(int bodyNumber, const std::string &body, const std::vector<std::string> &arguments,
-               BoxButtons buttons = BoxButtons::ok) {
+void showBox(int bodyNumber, const std::string &body, const std::vector<std::string> &arguments) {
     Box box;
     box.bodyNumber = bodyNumber;
     box.titleNumber = titleOfWarnings;
     box.body = body;
     box.title = languageText(titleOfWarnings);
-    box.buttons = buttons;
     box.arguments = arguments;
-    return userInterface.messageBox(box);
+    userInterface.messageBox(box);
 }
 
 // False when there was something to tell.
 bool tellRefusals(const Refusals &refusals, ExportTarget target) {
     for (const auto &[cause, names] : refusals.names) {
         const CauseText text = causeText(cause.first, cause.second, target);
-        const std::string list = listOf(names);
+        const std::string list = listOfNames(names);
         showBox(text.number, text.body + "\n" + ownText(OwnText::exportItems, {list}), {list});
     }
     return refusals.names.empty();
 }
 
-bool tellNotWritten(FileResult result, const std::string &path) {
-    switch (result) {
-        case FileResult::missing:
-            return failWith(OwnText::fileMissing, {path});
-        case FileResult::denied:
-            return failWith(OwnText::fileDenied, {path});
-        case FileResult::isFolder:
-            return failWith(OwnText::fileIsFolder, {path});
-        case FileResult::diskFull:
-            return failWith(OwnText::fileDiskFull, {path});
-        default:
-            return failWith(OwnText::fileFailed, {path});
-    }
-}
-
-bool pathIsFree(const ExportJob &job) {
-    if (isOwnFile(job.path)) return failWith(OwnText::exportOwnFile, {job.path});
-    std::error_code failure;
-    if (std::filesystem::is_directory(job.path, failure)) return tellNotWritten(FileResult::isFolder, job.path);
-    if (job.mayReplace || !fileExists(job.path)) return true;
-    return showBox(ownTextNumber(OwnText::exportReplace), ownText(OwnText::exportReplace, {job.path}), {job.path},
-                   BoxButtons::okCancel) == Answer::ok;
-}
-
 bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     appendFileEnd(job.target, file);
-    const FileResult result = writeWholeFile(job.path, file);
-    if (result != FileResult::done) return tellNotWritten(result, job.path);
+    if (!writeUserFile(job.path, file, true)) return false;  // it was asked about ahead of the work
     statusLine(StatusPart::item, OwnText::exportDone, {std::to_string(count)});
     return true;
 }
@@ -193,7 +132,7 @@ bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTar
 bool exportFrom(ItemSource source, const void *items, std::size_t count, const ExportJob &job) {
     assertRole(ThreadRole::graphical);
     const TargetRow *row = rowOf(job.target);
-    if (!row || count == 0 || !pathIsFree(job)) return false;
+    if (!row || count == 0 || !userFileIsFree(job.path, job.mayReplace)) return false;
     settingsSetValue(setting::lastExportType, row->name);
     Bytes file;
     return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);
