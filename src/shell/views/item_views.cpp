@@ -40,7 +40,7 @@ bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind =
 
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, 21);
-    programToView(item.data);
+    openProgram(item.id, item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
@@ -141,7 +141,15 @@ void infoToStatus(const StoredItem &item) {
     userInterface.statusText(StatusPart::item, 23, line);
 }
 
+// What was discarded isn't come back to.
+void keepText() {
+    StoredItem item;
+    if (isTextKind(viewKind) && !programChanged() && storeReadEntry(viewItemId) && storeReadItem(viewItemId, item))
+        keepProgram(viewItemId, item.data);
+}
+
 void closeView() {
+    keepText();
     setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, 0, "");
     hideSymbols();
