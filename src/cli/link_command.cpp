@@ -22,7 +22,7 @@
 #include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "store/undo/undo.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
@@ -83,14 +83,14 @@ void print(const nlohmann::ordered_json &object, const std::string &line) {
 Answer showBox(const Box &box) {
     if (box.buttons == BoxButtons::okCancel) {
         const Answer answer = chosenAnswer;
-        print({{"question", box.bodyNumber}, {"answer", wordOf(answer)}, {"text", box.body}},
-              "question " + std::to_string(box.bodyNumber) + ": " + box.body + " " + wordOf(answer));
+        print({{"question", textNumber(box.bodyText)}, {"answer", wordOf(answer)}, {"text", box.body}},
+              "question " + std::to_string(textNumber(box.bodyText)) + ": " + box.body + " " + wordOf(answer));
         return answer == Answer::yes ? Answer::ok : Answer::cancel;
     }
-    nlohmann::ordered_json numbers = {box.bodyNumber, box.titleNumber};
+    nlohmann::ordered_json numbers = {textNumber(box.bodyText), textNumber(box.titleText)};
     for (const std::string &argument : box.arguments) numbers.push_back(argument);
-    print({{"box", numbers}, {"text", box.body}},
-          "box " + std::to_string(box.bodyNumber) + " " + std::to_string(box.titleNumber) + ": " + box.body);
+    print({{"box", numbers}, {"text", box.body}}, "box " + std::to_string(textNumber(box.bodyText)) + " " +
+                                                      std::to_string(textNumber(box.titleText)) + ": " + box.body);
     return Answer::ok;
 }
 
@@ -112,7 +112,8 @@ void installLinkUi() {
     userInterface.messageBox = showBox;
     userInterface.askItemExists = answerExists;
     userInterface.askPictureSlot = answerSlot;
-    userInterface.statusText = [](StatusPart part, int number, const std::string &text) {
+    userInterface.statusText = [](StatusPart part, Text told, const std::string &text) {
+        const int number = textNumber(told);
         if (part != StatusPart::link || (number == 0 && text.empty())) return;
         print({{"status", number}, {"text", text}}, "status " + std::to_string(number) + ": " + text);
     };
@@ -149,8 +150,8 @@ void takeBack() {
     TakenBack done;
     const bool isThere = storeUndoOffer().has_value();
     if (!isThere || !storeUndo(done)) {
-        if (!isThere) commandFailed(ownText(OwnText::nothingToUndo));
-        if (done.changedSince) commandFailed(ownText(OwnText::changedSince));
+        if (!isThere) commandFailed(wording(Text::nothingToUndo));
+        if (done.changedSince) commandFailed(wording(Text::changedSince));
         return;
     }
     const std::string name = utf8FromCalculator(done.step.name);

@@ -14,10 +14,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int cfxIdleText = 1;
-constexpr int algebraIdleText = 102;
-constexpr int unknownByteText = 105;
-
 enum class IdleEnd { byte, timeOut, woken };
 
 struct IdleRead {
@@ -38,7 +34,7 @@ IdleRead readIdle(Family family) {
 
 void showIdle(Family family) {
     userInterface.progressPosition(0);
-    linkStatus(family == Family::cfx ? cfxIdleText : algebraIdleText);
+    linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle);
 }
 
 void sendAttention() {
@@ -63,7 +59,7 @@ void actOn(Family family, std::uint8_t byte) {
     const auto conversation = conversationOf(family, byte);
     if (family == Family::cfx && byte != control::ready) dropQueue();
     if (conversation == nullptr) {
-        if (family == Family::algebra) linkStatus(unknownByteText);
+        if (family == Family::algebra) linkStatus(Text::algebraNotUnderstood);
         return;
     }
     transmitConversation(true);

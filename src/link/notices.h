@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
-void linkNotice(OwnText text, const std::vector<std::string> &arguments = {});
-// For a text that is shown elsewhere by its number: it stays for the same time.
+void linkNotice(Text text, const std::vector<std::string> &arguments = {});
+// For a text that is shown elsewhere: it stays for the same time.
 void linkNoticeShown();
 
 enum class NoticeState { none, standing, over };  // over: its time has passed, told once

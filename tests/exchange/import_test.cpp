@@ -15,7 +15,7 @@
 #include "settings/settings_store.h"
 #include "store/undo/undo.h"
 #include "support/cat_records.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 namespace {
@@ -73,7 +73,7 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     importText("two.cat", catProgram("ONE") + catProgram("TWO"));
     EXPECT_TRUE(namesIn(storeTempFolder()).empty());
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::storeFull));
+    EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::storeFull);
     EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
 }
 

@@ -44,9 +44,9 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     folder.write("storage.dat", std::string(9000, 'x'));
     EXPECT_FALSE(startProgram());
     ASSERT_EQ(shown.size(), 2U);
-    EXPECT_TRUE(shown[0].starts_with(languageText(35)) &&
+    EXPECT_TRUE(shown[0].starts_with(wording(Text::libraryWrongHead)) &&
                 shown[0].find("--repair " + folder.path) != std::string::npos);
-    EXPECT_EQ(shown[1], languageText(3));
+    EXPECT_EQ(shown[1], wording(Text::noLibraryAtStart));
     EXPECT_EQ(mainWindow, nullptr);
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
@@ -72,9 +72,9 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
                  {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
-    const std::string held = ownText(OwnText::storeHeld, {folder.path + "storage.dat"});
+    const std::string held = wording(Text::storeHeld, {folder.path + "storage.dat"});
     EXPECT_EQ(second.readAllStandardOutput().toStdString(),
-              languageText(33) + "\n" + held + "\n" + languageText(3) + "\n");
+              wording(Text::libraryNotOpened) + "\n" + held + "\n" + wording(Text::noLibraryAtStart) + "\n");
     EXPECT_TRUE(mainWindow->isVisible());
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
 }

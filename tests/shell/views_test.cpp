@@ -48,11 +48,11 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     show(id);
     EXPECT_EQ(picture().size(), QSize(24, 16));
     EXPECT_EQ(picture().pixelColor(23, 15), QColor::fromRgb(lcdColor::blue));
-    EXPECT_TRUE(itemField->text().contains(textOf(OwnText::viewEndsEarly))) << itemField->text().toStdString();
+    EXPECT_TRUE(itemField->text().contains(textOf(Text::viewEndsEarly))) << itemField->text().toStdString();
     const ItemId other = add(kind::graphFunction, "Y1");
     show(other);
     EXPECT_FALSE(containerWindow->isVisible());
-    EXPECT_EQ(itemField->text(), toQt(languageFormat(23, {"0"})));
+    EXPECT_EQ(itemField->text(), toQt(wording(Text::size, {"0"})));
 }
 
 TEST_F(Views, ABitmapHasAFileNameOfItsItemsAndNeverReplacesTheLibrary) {
@@ -74,9 +74,9 @@ TEST_F(Views, ABitmapHasAFileNameOfItsItemsAndNeverReplacesTheLibrary) {
         answerBoxes = true;
     }
     ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[0], ownText(OwnText::exportReplace, {folder.path + "x.bmp"}));
+    EXPECT_EQ(shown[0], wording(Text::exportReplace, {folder.path + "x.bmp"}));
     EXPECT_EQ(folder.read("x.bmp").substr(0, 2), "BM");
-    EXPECT_EQ(shown[1], ownText(OwnText::exportOwnFile, {folder.path + "storage.dat"}));
+    EXPECT_EQ(shown[1], wording(Text::exportOwnFile, {folder.path + "storage.dat"}));
 }
 
 TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
@@ -86,7 +86,7 @@ TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
         auto *typed = QApplication::activeModalWidget()->findChild<QLineEdit *>();
         QTest::keyClicks(typed, QStringLiteral("SECRETS99"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::password);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
@@ -103,7 +103,7 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
         EXPECT_TRUE(dialog->findChild<QPlainTextEdit *>()->toPlainText().endsWith(QStringLiteral("1<250> ")));
         dialog->findChild<QComboBox *>(QString::fromLatin1(setting::comPort))->setEditText(QStringLiteral("ttyS7"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::settings);
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);

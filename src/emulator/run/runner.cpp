@@ -26,7 +26,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int haltText = 66, haltTitle = 65;
 constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
 constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting; a power of two
 
@@ -85,8 +84,9 @@ void tellHalt(const RunState &state) {
     const auto lines = std::count_if(state.program, state.program + start, [](const ProgramCell &cell) {
         return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
     });
-    tellUser(haltText, {utf8FromCalculator(loadedProgram(state.programIndex).name), std::to_string(lines + 1)},
-             BoxIcon::warning, haltTitle);
+    tellUser(Text::haltedAtLine,
+             {utf8FromCalculator(loadedProgram(state.programIndex).name), std::to_string(lines + 1)}, BoxIcon::warning,
+             Text::haltTitle);
 }
 
 // False when the program ends here.

@@ -9,19 +9,16 @@
 #include "calculator/charset.h"
 #include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
+#include "platform/letter_case.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "store/care/user_files.h"
 #include "store/item_store.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
 
 namespace {
-
-constexpr int codeNotExported = 91;
-constexpr int kindNotExported = 92;
 
 struct TargetRow {
     ExportTarget target;
@@ -51,44 +48,27 @@ void addRefusal(Refusals &refusals, const ExportRefusal &refusal, const std::str
     refusals.names[{refusal.fault, refusal.code}].push_back(name.empty() ? "?" : utf8FromCalculator(name));
 }
 
-struct CauseText {
-    int number;
-    std::string body;
-};
-
-CauseText causeText(ExportFault fault, int code, ExportTarget target) {
-    const auto own = [](OwnText text) { return CauseText{ownTextNumber(text), ownText(text, {})}; };
+Text causeText(ExportFault fault, ExportTarget target) {
     switch (fault) {
         case ExportFault::code:
-            return {codeNotExported, languageFormat(codeNotExported, {std::to_string(code)})};
+            return Text::codeNotExported;
         case ExportFault::kind:
-            if (target == ExportTarget::cas) return own(OwnText::exportNotInCas);
-            return {kindNotExported, languageText(kindNotExported)};
+            return target == ExportTarget::cas ? Text::exportNotInCas : Text::kindNotExported;
         case ExportFault::sizesDiffer:
-            return own(OwnText::exportSizesDiffer);
+            return Text::exportSizesDiffer;
         case ExportFault::tooLarge:
-            return own(OwnText::exportTooLarge);
+            return Text::exportTooLarge;
         default:
-            return own(OwnText::exportNotWhole);
+            return Text::exportNotWhole;
     }
-}
-
-void showBox(int bodyNumber, const std::string &body, const std::vector<std::string> &arguments) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.titleNumber = titleOfWarnings;
-    box.body = body;
-    box.title = languageText(titleOfWarnings);
-    box.arguments = arguments;
-    userInterface.messageBox(box);
 }
 
 // False when there was something to tell.
 bool tellRefusals(const Refusals &refusals, ExportTarget target) {
     for (const auto &[cause, names] : refusals.names) {
-        const CauseText text = causeText(cause.first, cause.second, target);
-        const std::string list = listOfNames(names);
-        showBox(text.number, text.body + "\n" + ownText(OwnText::exportItems, {list}), {list});
+        const Text text = causeText(cause.first, target);
+        const std::string list = listOfNames(names), code = std::to_string(cause.second);
+        tellComposed(text, wording(text, {code}) + "\n" + wording(Text::exportItems, {list}), {list});
     }
     return refusals.names.empty();
 }
@@ -96,7 +76,7 @@ bool tellRefusals(const Refusals &refusals, ExportTarget target) {
 bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     appendFileEnd(job.target, file);
     if (!writeUserFile(job.path, file, true)) return false;  // it was asked about ahead of the work
-    statusLine(StatusPart::item, OwnText::exportDone, {std::to_string(count)});
+    statusLine(StatusPart::item, Text::exportDone, {std::to_string(count)});
     return true;
 }
 

@@ -111,9 +111,9 @@ PictureResult decode(ByteView file, Surface &scaled) {
 
 void tellUnreadable(PictureResult result, const std::string &path) {
     if (result == PictureResult::tooLarge)
-        tellUser(OwnText::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
+        tellUser(Text::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
     else
-        tellUser(OwnText::bitmapUnreadable, {path});
+        tellUser(Text::bitmapUnreadable, {path});
 }
 
 }  // namespace

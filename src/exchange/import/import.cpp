@@ -11,11 +11,11 @@
 #include "exchange/shown_progress.h"
 #include "link/transmit_queue.h"
 #include "platform/files.h"
+#include "platform/letter_case.h"
 #include "platform/picture_file.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"
 #include "store/undo/undo.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -24,42 +24,33 @@ std::string importFolderName;
 
 namespace {
 
-constexpr int notOpened = 93;
-constexpr int unknownType = 99;
 constexpr std::size_t messagesShown = 8;  // of one file; a spoilt file may give thousands
 constexpr std::size_t unnamedLimit = 8;
 
 std::string causeOf(FileResult result, const std::string &path) {
     switch (result) {
         case FileResult::missing:
-            return ownText(OwnText::fileMissing, {path});
+            return wording(Text::fileMissing, {path});
         case FileResult::denied:
-            return ownText(OwnText::fileDenied, {path});
+            return wording(Text::fileDenied, {path});
         case FileResult::isFolder:
-            return ownText(OwnText::fileIsFolder, {path});
+            return wording(Text::fileIsFolder, {path});
         case FileResult::tooLarge:
-            return ownText(OwnText::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
+            return wording(Text::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
         default:
-            return ownText(OwnText::fileFailed, {path});
+            return wording(Text::fileFailed, {path});
     }
 }
 
-void showBox(int bodyNumber, const std::string &body) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.titleNumber = titleOfWarnings;
-    box.body = body;
-    box.title = languageText(titleOfWarnings);
-    userInterface.messageBox(box);
-}
+void showBox(Text text, const std::string &below) { tellComposed(text, wording(text) + "\n" + below); }
 
 void showReport(const ImportReport &report) {
     const std::size_t shown = std::min(report.messages.size(), messagesShown);
-    for (std::size_t i = 0; i < shown; i++) showBox(report.messages[i].bodyNumber, report.messages[i].body);
+    for (std::size_t i = 0; i < shown; i++) tellComposed(report.messages[i].bodyText, report.messages[i].body);
     if (report.messages.size() > shown)
-        tellUser(OwnText::importMoreMessages, {std::to_string(report.messages.size() - shown)});
+        tellUser(Text::importMoreMessages, {std::to_string(report.messages.size() - shown)});
     if (report.unknownRecords > 0)
-        statusLine(StatusPart::item, OwnText::importRecordsSkipped, {std::to_string(report.unknownRecords)});
+        statusLine(StatusPart::item, Text::importRecordsSkipped, {std::to_string(report.unknownRecords)});
 }
 
 // The name ends where the filling of a frame's field would begin. A copy of a screen has no name of its own, and a name
@@ -96,7 +87,7 @@ ImportReport readItems(ByteView file, ItemReader reader, Parked &parked) {
         return items.size() <= storeSlotCount;  // one too many is refused, and told, by the library
     };
     reader(file, sink, report);
-    if (items.empty() && report.messages.empty()) addMessage(report, OwnText::importNothing, {baseName});
+    if (items.empty() && report.messages.empty()) addMessage(report, Text::importNothing, {baseName});
     if (!items.empty()) parked.ids = storeAddItems(items);
     return report;
 }
@@ -174,9 +165,9 @@ ImportTaken askTaken(const std::vector<Arrival> &arrivals) {
     if (names.empty()) return ImportTaken::keepBoth;
     const ImportTaken taken = userInterface.askImportTaken({names.size(), listOfNames(names)});
     const std::string count = std::to_string(names.size());
-    if (taken == ImportTaken::replace) statusLine(StatusPart::item, OwnText::importReplaced, {count});
-    if (taken == ImportTaken::keepBoth) statusLine(StatusPart::item, OwnText::importKeptBoth, {count});
-    if (taken == ImportTaken::skip) statusLine(StatusPart::item, OwnText::importSkipped, {count});
+    if (taken == ImportTaken::replace) statusLine(StatusPart::item, Text::importReplaced, {count});
+    if (taken == ImportTaken::keepBoth) statusLine(StatusPart::item, Text::importKeptBoth, {count});
+    if (taken == ImportTaken::skip) statusLine(StatusPart::item, Text::importSkipped, {count});
     return taken;
 }
 
@@ -194,7 +185,7 @@ void placeItems(const Parked &parked, const ImportQuestion &answer) {
 
 void transmitItems(const Parked &parked) {
     if (!transmitAvailable()) {
-        tellUser(OwnText::importNoTransmission);
+        tellUser(Text::importNoTransmission);
         return;
     }
     queueItems(parked.ids);
@@ -221,7 +212,7 @@ void importFile(const std::string &path, const std::string &baseName) {
     if (!userInterface.leaveCurrentView() || !storeResetTemp(transmitQueueHeld())) return;
     Bytes file;
     const FileResult result = readWholeFile(path, file, importFileLimit);
-    if (result != FileResult::done) return showBox(notOpened, languageText(notOpened) + "\n" + causeOf(result, path));
+    if (result != FileResult::done) return showBox(Text::importNotOpened, causeOf(result, path));
     importFolderName = baseName;
     ByteView rest = file;
     const ItemReader reader = itemReaderOf(rest);
@@ -233,9 +224,7 @@ void importFile(const std::string &path, const std::string &baseName) {
         parked.ids = {picture};
         return askWhereTo(parked);
     }
-    if (!reader)
-        return showBox(unknownType,
-                       languageText(unknownType) + "\n" + (file.empty() ? ownText(OwnText::fileEmpty, {path}) : path));
+    if (!reader) return showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {path}) : path);
     showReport(readItems(rest, reader, parked));
     if (!parked.ids.empty()) askWhereTo(parked);
 }

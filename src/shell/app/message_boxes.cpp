@@ -52,8 +52,8 @@ QDialog *makeBox(const Box &box) {
     auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body),
                                    cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
     window->setTextFormat(Qt::PlainText);
-    window->button(QMessageBox::Ok)->setText(textOf(112));
-    if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(113));
+    window->button(QMessageBox::Ok)->setText(textOf(Text::ok));
+    if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(Text::cancel));
     return window;
 }
 
@@ -64,7 +64,7 @@ Answer messageBox(const Box &box) {
     return askByDialog([box] { return makeBox(box); }) == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
-void statusText(StatusPart part, int, const std::string &text) {
+void statusText(StatusPart part, Text, const std::string &text) {
     graphicalRun([&] {
         QLabel *field = part == StatusPart::link ? linkField : itemField;
         if (part == StatusPart::progress || field == nullptr) return;

@@ -48,7 +48,7 @@ bool done(void (*work)()) {
 
 bool openLibrary() {
     if (storeOpen()) return true;
-    tellUser(3);
+    tellUser(Text::noLibraryAtStart);
     return false;
 }
 
@@ -59,7 +59,7 @@ bool settingsRead = true;
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
-    tellUser(OwnText::fileFailed, {libraryFolder() + "settings.xml"});
+    tellUser(Text::fileFailed, {libraryFolder() + "settings.xml"});
     return true;
 }
 
@@ -87,7 +87,7 @@ constexpr StartStep startSteps[] = {
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
-    {"daily copy", [] { return keepDailyCopy() || failWith(OwnText::dailyCopyFailed, {dailyCopyFolder()}); }, false},
+    {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
     {"notification area", [] { return done(addTrayIcon); }, false},

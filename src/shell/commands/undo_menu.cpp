@@ -25,16 +25,16 @@ namespace {
 
 struct ActRow {
     UndoAct act;
-    OwnText menu;    // with the name in it
-    OwnText status;  // once it is taken back
+    Text menu;    // with the name in it
+    Text status;  // once it is taken back
 };
 constexpr ActRow actRows[] = {
-    {UndoAct::deletion, OwnText::undoDeletion, OwnText::itemsCameBack},
-    {UndoAct::replacement, OwnText::undoReplacement, OwnText::itemsCameBack},
-    {UndoAct::edit, OwnText::undoEdit, OwnText::takenBack},
-    {UndoAct::rename, OwnText::undoRename, OwnText::takenBack},
-    {UndoAct::move, OwnText::undoMove, OwnText::takenBack},
-    {UndoAct::import, OwnText::undoImport, OwnText::takenBack},
+    {UndoAct::deletion, Text::undoDeletion, Text::itemsCameBack},
+    {UndoAct::replacement, Text::undoReplacement, Text::itemsCameBack},
+    {UndoAct::edit, Text::undoEdit, Text::takenBack},
+    {UndoAct::rename, Text::undoRename, Text::takenBack},
+    {UndoAct::move, Text::undoMove, Text::takenBack},
+    {UndoAct::import, Text::undoImport, Text::takenBack},
 };
 
 const ActRow &rowOf(UndoAct act) { return *std::ranges::find(actRows, act, &ActRow::act); }
@@ -55,32 +55,32 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     const ItemId shown = changed && done.shown != noItem ? done.shown : selectedItemId();
     if (shown != noItem) selectItem(shown);
     const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
-    if (done.changedSince) statusLine(StatusPart::item, OwnText::changedSince);
+    if (done.changedSince) statusLine(StatusPart::item, Text::changedSince);
     if (changed && change == storeUndo) statusLine(StatusPart::item, rowOf(done.step.act).status, words);
-    if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, 0, "");
+    if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, Text::none, "");
     treeView->setFocus();
 }
 
 void undo() {
     if (emulatorRunning) return;
     if (isTyping()) return undoInProgram();
-    if (!canUndo()) return statusLine(StatusPart::item, OwnText::nothingToUndo);
+    if (!canUndo()) return statusLine(StatusPart::item, Text::nothingToUndo);
     changeLibrary(storeUndo);
 }
 
 void redo() {
     if (emulatorRunning) return;
     if (isTyping()) return redoInProgram();
-    if (!storeCanRedo()) return statusLine(StatusPart::item, OwnText::nothingToRedo);
+    if (!storeCanRedo()) return statusLine(StatusPart::item, Text::nothingToRedo);
     changeLibrary(storeRedo);
 }
 
 QString undoWords() {
-    if (isTyping() || !canUndo()) return textOf(OwnText::undo);
+    if (isTyping() || !canUndo()) return textOf(Text::undo);
     auto offer = storeUndoOffer();
     if (const auto viewed = viewIsEdited() ? storeReadEntry(viewItemId) : std::nullopt)
         offer = UndoOffer{.act = UndoAct::edit, .name = viewed->name};
-    if (!offer) return textOf(OwnText::undo);
+    if (!offer) return textOf(Text::undo);
     QString name = nameToQt(offer->name);
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     return textOf(rowOf(offer->act).menu, {name.toStdString()});
@@ -90,8 +90,8 @@ QString undoWords() {
 
 void buildUndoMenu() {
     QMenu *menu = menuAt(static_cast<int>(MenuPosition::edit));
-    auto *undoAction = new QAction(textOf(OwnText::undo), menu);
-    auto *redoAction = new QAction(textOf(OwnText::redo), menu);
+    auto *undoAction = new QAction(textOf(Text::undo), menu);
+    auto *redoAction = new QAction(textOf(Text::redo), menu);
     undoAction->setObjectName(QStringLiteral("undoAction"));
     redoAction->setObjectName(QStringLiteral("redoAction"));
     undoAction->setShortcut(QKeySequence::Undo);

@@ -32,17 +32,17 @@ constexpr int swatchWidth = 36, swatchHeight = 16, previewLines = 6;
 // In the order of the dialog, down each column: the class and its wording.
 struct SwatchRow {
     RunClass runClass;
-    int textNumber;
+    Text text;
 };
 constexpr SwatchRow swatchRows[] = {
-    {RunClass::ascii, 131},
-    {RunClass::text, 132},
-    {RunClass::numbers, 133},
-    {RunClass::error, 134},
-    {RunClass::twoByteCommand, 135},
-    {RunClass::oneByteCommand, 136},
-    {RunClass::oneByteCharacter, 137},
-    {RunClass::comment, 138},
+    {RunClass::ascii, Text::colorAscii},
+    {RunClass::text, Text::colorText},
+    {RunClass::numbers, Text::colorNumbers},
+    {RunClass::error, Text::colorError},
+    {RunClass::twoByteCommand, Text::colorTwoByteCommand},
+    {RunClass::oneByteCommand, Text::colorOneByteCommand},
+    {RunClass::oneByteCharacter, Text::colorOneByteCharacter},
+    {RunClass::comment, Text::colorComment},
 };
 
 // A program in which each class occurs. It holds a zero byte.
@@ -115,7 +115,7 @@ void addSwatches(QGridLayout *grid) {
         button->setIconSize({swatchWidth, swatchHeight});
         button->setFixedWidth(swatchWidth + 16);
         button->setAutoDefault(false);
-        const QString name = textOf(row.textNumber);
+        const QString name = textOf(row.text);
         button->setAccessibleName(name);
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
         QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColour(row.runClass, name); });
@@ -129,7 +129,7 @@ void addSwatches(QGridLayout *grid) {
     grid->setColumnStretch(1, 1);
 }
 
-QPushButton *schemeButton(OwnText text, const ColorScheme &scheme, const char *name) {
+QPushButton *schemeButton(Text text, const ColorScheme &scheme, const char *name) {
     auto *button = new QPushButton(textOf(text));
     button->setAutoDefault(false);
     button->setObjectName(QString::fromLatin1(name));
@@ -142,7 +142,7 @@ void makePreview() {
     preview->setFont(programFont());
     preview->setReadOnly(true);
     preview->setLineWrapMode(QPlainTextEdit::NoWrap);
-    preview->setAccessibleName(textOf(OwnText::colorPreview));
+    preview->setAccessibleName(textOf(Text::colorPreview));
     preview->setTabChangesFocus(true);
     preview->setMinimumWidth(300);
     preview->setFixedHeight(previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
@@ -155,15 +155,15 @@ QWidget *makeColorSwatches() {
     auto *part = new QWidget;
     auto *layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto *title = new QLabel(textOf(130));
+    auto *title = new QLabel(textOf(Text::settingsColors));
     layout->addWidget(title);
     auto *grid = new QGridLayout;
     addSwatches(grid);
     layout->addLayout(grid);
-    layout->addWidget(schemeButton(OwnText::schemeLight, lightScheme, "lightScheme"));
-    layout->addWidget(schemeButton(OwnText::schemeDark, darkScheme, "darkScheme"));
+    layout->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
+    layout->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
     makePreview();
-    layout->addWidget(new QLabel(textOf(OwnText::colorPreview)));
+    layout->addWidget(new QLabel(textOf(Text::colorPreview)));
     layout->addWidget(preview);
     layout->addStretch();
     for (std::size_t i = 0; i < colours.size(); i++) colours[i] = qtColour(settingsColour(programColorKeys[i]));

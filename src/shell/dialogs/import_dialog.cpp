@@ -30,22 +30,22 @@ struct ImportControls {
 };
 
 QGroupBox *itemsBox(const ImportQuestion &question) {
-    auto *box = new QGroupBox(textOf(156));
+    auto *box = new QGroupBox(textOf(Text::importItems));
     auto *list = new QListWidget;
     for (const std::string &name : question.itemNames) list->addItem(toQt(name));
-    list->setAccessibleName(textOf(156));
+    list->setAccessibleName(textOf(Text::importItems));
     (new QVBoxLayout(box))->addWidget(list);
     return box;
 }
 
 QGroupBox *choicesBox(const ImportQuestion &question, ImportControls &controls) {
-    auto *box = new QGroupBox(textOf(157));
-    controls.oneFolder = new QRadioButton(textOf(158));
+    auto *box = new QGroupBox(textOf(Text::importWhere));
+    controls.oneFolder = new QRadioButton(textOf(Text::importOneFolder));
     controls.folder = new QLineEdit(toQt(question.folderName));
     controls.folder->setMaxLength(static_cast<int>(importFolderNameLimit));
-    controls.folder->setAccessibleName(textOf(158));
-    controls.standardFolders = new QRadioButton(textOf(159));
-    controls.transmit = new QRadioButton(textOf(160));
+    controls.folder->setAccessibleName(textOf(Text::importOneFolder));
+    controls.standardFolders = new QRadioButton(textOf(Text::importStandardFolders));
+    controls.transmit = new QRadioButton(textOf(Text::importTransmit));
     controls.transmit->setEnabled(transmitAvailable());
     auto *layout = new QVBoxLayout(box);
     for (QWidget *control :
@@ -67,15 +67,15 @@ ImportAction chosen(const ImportControls &controls) {
 
 void askImport(ImportQuestion &question) {
     QDialog dialog(mainWindow);
-    dialog.setWindowTitle(textOf(155));
+    dialog.setWindowTitle(textOf(Text::importTitle));
     dialog.setObjectName(QStringLiteral("importDialog"));
     ImportControls controls{};
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(itemsBox(question));
     layout->addWidget(choicesBox(question, controls));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     layout->addWidget(buttons);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
@@ -86,15 +86,15 @@ void askImport(ImportQuestion &question) {
 }
 
 ImportTaken askImportTaken(const ImportTakenQuestion &question) {
-    QMessageBox box(QMessageBox::Question, textOf(155),
-                    textOf(OwnText::importTaken, {std::to_string(question.count), question.names}),
-                    QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Question, textOf(Text::importTitle),
+                    textOf(Text::importTaken, {std::to_string(question.count), question.names}), QMessageBox::NoButton,
+                    mainWindow);
     box.setTextFormat(Qt::PlainText);
     const std::pair<QPushButton *, ImportTaken> buttons[] = {
-        {box.addButton(textOf(OwnText::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
-        {box.addButton(textOf(OwnText::keepBoth), QMessageBox::AcceptRole), ImportTaken::keepBoth},
-        {box.addButton(textOf(OwnText::skip), QMessageBox::AcceptRole), ImportTaken::skip},
-        {box.addButton(textOf(113), QMessageBox::RejectRole), ImportTaken::cancel}};
+        {box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
+        {box.addButton(textOf(Text::keepBoth), QMessageBox::AcceptRole), ImportTaken::keepBoth},
+        {box.addButton(textOf(Text::skip), QMessageBox::AcceptRole), ImportTaken::skip},
+        {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
     box.setDefaultButton(buttons[1].first);
     box.setEscapeButton(buttons[3].first);
     box.exec();

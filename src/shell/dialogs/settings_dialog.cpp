@@ -32,19 +32,19 @@ void (*linkSettingsChanged)() = [] {};
 namespace {
 
 constexpr int valueLimit = 49;  // characters of a typed value
-constexpr int languageNextStart = 121;
 
 struct SwitchRow {
     const char *key;
-    int textNumber;
+    Text text;
 };
 
-constexpr SwitchRow linkSwitches[] = {{setting::removeColor, 126}};
-constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, 143},
-                                          {setting::fullscreen, 144},
-                                          {setting::fillListsMatrices, 145},
-                                          {setting::fullSpeed, 146}};
-constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, 128}, {setting::autoCorrect, 129}};
+constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemoveColor}};
+constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
+                                          {setting::fullscreen, Text::settingsFullScreen},
+                                          {setting::fillListsMatrices, Text::settingsFillLists},
+                                          {setting::fullSpeed, Text::settingsFullSpeed}};
+constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
+                                        {setting::autoCorrect, Text::settingsAutoCorrect}};
 
 struct SettingsControls {
     QComboBox *language = nullptr;
@@ -58,7 +58,7 @@ struct SettingsControls {
 
 void addSwitches(QVBoxLayout *layout, std::span<const SwitchRow> rows, SettingsControls &controls) {
     for (const SwitchRow &row : rows) {
-        auto *box = new QCheckBox(textOf(row.textNumber));
+        auto *box = new QCheckBox(textOf(row.text));
         box->setChecked(settingsInt(row.key) > 0);
         box->setObjectName(QString::fromLatin1(row.key));
         layout->addWidget(box);
@@ -98,10 +98,10 @@ QLayout *languagePart(SettingsControls &controls) {
     for (int i = 0; i < languageCount(); i++) controls.language->addItem(toQt(languageRecord(i).name));
     controls.language->setCurrentIndex(languageCurrent());
     auto *form = new QFormLayout;
-    form->addRow(textOf(139), controls.language);
-    form->addRow(textOf(140), controls.author = valueField());
-    form->addRow(textOf(141), controls.email = valueField());
-    form->addRow(textOf(142), controls.date = valueField());
+    form->addRow(textOf(Text::settingsLanguage), controls.language);
+    form->addRow(textOf(Text::settingsAuthor), controls.author = valueField());
+    form->addRow(textOf(Text::settingsEmail), controls.email = valueField());
+    form->addRow(textOf(Text::settingsUpdated), controls.date = valueField());
     QObject::connect(controls.language, &QComboBox::currentIndexChanged, controls.language,
                      [controls] { showLanguage(controls); });
     showLanguage(controls);
@@ -113,24 +113,24 @@ QGroupBox *linkPart(SettingsControls &controls) {
     for (const std::string &port : listSerialPorts()) ports << toQt(port);
     controls.port = freeChoice(ports, setting::comPort);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
-    auto *box = new QGroupBox(textOf(123));
+    auto *box = new QGroupBox(textOf(Text::settingsCommunication));
     auto *layout = new QVBoxLayout(box);
     auto *form = new QFormLayout;
-    form->addRow(textOf(124), controls.port);
-    form->addRow(textOf(125), controls.type);
+    form->addRow(textOf(Text::settingsPort), controls.port);
+    form->addRow(textOf(Text::settingsType), controls.type);
     layout->addLayout(form);
     addSwitches(layout, linkSwitches, controls);
     return box;
 }
 
 QGroupBox *emulatorPart(SettingsControls &controls) {
-    auto *box = new QGroupBox(textOf(127));
+    auto *box = new QGroupBox(textOf(Text::settingsEmulator));
     addSwitches(new QVBoxLayout(box), emulatorSwitches, controls);
     return box;
 }
 
 QGroupBox *editorPart(SettingsControls &controls) {
-    auto *box = new QGroupBox(textOf(147));
+    auto *box = new QGroupBox(textOf(Text::settingsEditor));
     auto *layout = new QVBoxLayout(box);
     addSwitches(layout, editorSwitches, controls);
     layout->addWidget(makeColorSwatches());
@@ -140,25 +140,25 @@ QGroupBox *editorPart(SettingsControls &controls) {
 void storeControls(const SettingsControls &controls) {
     const auto put = [](const char *key, const QString &text) {
         const std::string value = text.trimmed().toStdString();
-        if (!settingsSetValue(key, value)) tellUser(OwnText::settingRefused, {value});
+        if (!settingsSetValue(key, value)) tellUser(Text::settingRefused, {value});
     };
     const QString language = controls.language->currentText();
     if (!language.isEmpty() && language.compare(toQt(settingsValue(setting::language)), Qt::CaseInsensitive) != 0) {
-        tellFixed(languageNextStart, {}, programTitle, BoxIcon::information);
+        tellFixed(Text::languageNextStart, {}, programTitle, BoxIcon::information);
     }
     if (!language.isEmpty()) put(setting::language, language);
     put(setting::comPort, controls.port->currentText());
     put(setting::linkType, controls.type->currentText());
     for (const auto &[key, box] : controls.switches) settingsSetInt(key, box->isChecked() ? 1 : 0);
     storeSwatches();
-    if (!settingsSave()) tellUser(OwnText::settingsNotSaved);
+    if (!settingsSave()) tellUser(Text::settingsNotSaved);
 }
 
 // True for OK, with all stored.
 bool settingsDialog() {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("settingsDialog"));
-    dialog.setWindowTitle(textOf(148));
+    dialog.setWindowTitle(textOf(Text::settingsTitle));
     SettingsControls controls;
     auto *left = new QVBoxLayout;
     left->addLayout(languagePart(controls));

@@ -25,13 +25,13 @@ constexpr int typedLimit = 9;  // characters; the password keeps 8 of them
 bool askPassword(QString &password) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("passwordDialog"));
-    dialog.setWindowTitle(textOf(61));
+    dialog.setWindowTitle(textOf(Text::toolPassword));
     auto *typed = new QLineEdit(password);
     typed->setEchoMode(QLineEdit::Password);
     typed->setMaxLength(typedLimit);
-    typed->setAccessibleName(textOf(61));
+    typed->setAccessibleName(textOf(Text::toolPassword));
     typed->selectAll();
-    auto *label = new QLabel(textOf(61));
+    auto *label = new QLabel(textOf(Text::toolPassword));
     label->setBuddy(typed);
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(label);
@@ -56,7 +56,7 @@ int changePassword() {
     int missing = 0;
     const std::string codes = calculatorFromUtf8(password.toStdString(), &missing);
     if (missing > 0) {
-        tellUser(OwnText::nameHasForeignCharacter);
+        tellUser(Text::nameHasForeignCharacter);
         return 1;
     }
     info->password = codes.substr(0, programNameLimit);

@@ -64,7 +64,7 @@ void makeStatusBar() {
 void makeTree() {
     treeView = new QTreeWidget(clientArea);
     treeView->setObjectName(QStringLiteral("treeView"));
-    treeView->setAccessibleName(textOf(OwnText::libraryTree));
+    treeView->setAccessibleName(textOf(Text::libraryTree));
     treeView->setHeaderHidden(true);
     treeView->setIconSize({treeImageSize, treeImageSize});
     treeView->setFont(treeFont());
@@ -78,7 +78,7 @@ void makeTree() {
 void makeProgramEdit() {
     programEdit = new ProgramEdit(clientArea);
     programEdit->setObjectName(QStringLiteral("programEdit"));
-    programEdit->setAccessibleName(textOf(147));
+    programEdit->setAccessibleName(textOf(Text::settingsEditor));
     programEdit->setFont(programFont());
     programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
     programEdit->setTabChangesFocus(true);
@@ -116,7 +116,7 @@ void makeClientWidgets() {
     treeToggleButton->setText(QStringLiteral("<"));
     treeToggleButton->setAutoRaise(true);
     treeToggleButton->setFocusPolicy(Qt::NoFocus);
-    treeToggleButton->setAccessibleName(textOf(161).remove(QLatin1Char('&')));
+    treeToggleButton->setAccessibleName(textOf(Text::menuHideFiles).remove(QLatin1Char('&')));
     makeStatusBar();
     makeProgramEdit();
     containerWindow = new QWidget(clientArea);

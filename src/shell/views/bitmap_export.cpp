@@ -22,7 +22,7 @@ QString askBitmapPath(const QString &itemName) {
     QFileDialog dialog(mainWindow);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    dialog.setNameFilter(textOf(OwnText::filterBitmaps) + QStringLiteral(" (*.bmp)"));
+    dialog.setNameFilter(textOf(Text::filterBitmaps) + QStringLiteral(" (*.bmp)"));
     dialog.setDefaultSuffix(QStringLiteral("bmp"));
     dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();

@@ -11,7 +11,6 @@
 #include "platform/thread_role.h"
 #include "store/care/daily_copies.h"
 #include "store/file/records.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -80,34 +79,28 @@ bool isOwnFile(const std::string &path) {
 bool tellNotWritten(FileResult result, const std::string &path) {
     switch (result) {
         case FileResult::missing:
-            return failWith(OwnText::fileMissing, {path});
+            return failWith(Text::fileMissing, {path});
         case FileResult::denied:
-            return failWith(OwnText::fileDenied, {path});
+            return failWith(Text::fileDenied, {path});
         case FileResult::isFolder:
-            return failWith(OwnText::fileIsFolder, {path});
+            return failWith(Text::fileIsFolder, {path});
         case FileResult::diskFull:
-            return failWith(OwnText::fileDiskFull, {path});
+            return failWith(Text::fileDiskFull, {path});
         default:
-            return failWith(OwnText::fileFailed, {path});
+            return failWith(Text::fileFailed, {path});
     }
 }
 
 bool askReplace(const std::string &path) {
-    Box box;
-    box.bodyNumber = ownTextNumber(OwnText::exportReplace);
-    box.titleNumber = titleOfWarnings;
-    box.arguments = {path};
-    box.body = ownText(OwnText::exportReplace, box.arguments);
-    box.title = languageText(titleOfWarnings);
-    box.buttons = BoxButtons::okCancel;
-    return userInterface.messageBox(box) == Answer::ok;
+    return tellComposed(Text::exportReplace, wording(Text::exportReplace, {path}), {path}, BoxIcon::warning,
+                        BoxButtons::okCancel) == Answer::ok;
 }
 
 }  // namespace
 
 bool userFileIsFree(const std::string &path, bool mayReplace) {
     assertRole(ThreadRole::graphical);
-    if (isOwnFile(path)) return failWith(OwnText::exportOwnFile, {path});
+    if (isOwnFile(path)) return failWith(Text::exportOwnFile, {path});
     std::error_code failure;
     if (fs::is_directory(path, failure)) return tellNotWritten(FileResult::isFolder, path);
     return mayReplace || !fileExists(path) || askReplace(path);
