@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "calculator/charset.h"
+#include "exchange/export/export_formats.h"
 #include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
 #include "platform/letter_case.h"
@@ -20,23 +21,13 @@ namespace numalink {
 
 namespace {
 
-struct TargetRow {
-    ExportTarget target;
-    const char *name;
-    const char *ending;
-};
-
-constexpr TargetRow targetRows[] = {
-    {ExportTarget::cat, "cat", ".cat"},
-    {ExportTarget::cas, "cas", ".cas"},
-    {ExportTarget::catAlgebra, "cat (algebra)", ".cat"},
-};
-
 std::vector<ItemId> lastChosen;  // of the question, for this run
 
-const TargetRow *rowOf(ExportTarget target) {
-    const auto row = std::ranges::find(targetRows, target, &TargetRow::target);
-    return row == std::end(targetRows) ? nullptr : row;
+ExportTarget lastTarget() {
+    const std::string name = settingsValue(setting::lastExportType);
+    for (const ExportFormat &format : exportFormats())
+        if (equalWithoutCase(name, format.settingName)) return format.target;
+    return ExportTarget::none;
 }
 
 // One box for all items that are refused for the same cause.
@@ -111,9 +102,9 @@ bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTar
 
 bool exportFrom(ItemSource source, const void *items, std::size_t count, const ExportJob &job) {
     assertRole(ThreadRole::graphical);
-    const TargetRow *row = rowOf(job.target);
-    if (!row || count == 0 || !userFileIsFree(job.path, job.mayReplace)) return false;
-    settingsSetValue(setting::lastExportType, row->name);
+    const ExportFormat *format = exportFormatOf(job.target);
+    if (!format || count == 0 || !userFileIsFree(job.path, job.mayReplace)) return false;
+    settingsSetValue(setting::lastExportType, format->settingName);
     Bytes file;
     return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);
 }
@@ -157,10 +148,7 @@ std::vector<ExportCandidate> exportCandidates() {
 
 void exportWithQuestion() {
     assertRole(ThreadRole::graphical);
-    ExportQuestion question{.items = exportCandidates(),
-                            .chosen = lastChosen,
-                            .target = exportTargetOf(settingsValue(setting::lastExportType)),
-                            .path = {}};
+    ExportQuestion question{.items = exportCandidates(), .chosen = lastChosen, .target = lastTarget(), .path = {}};
     userInterface.askExport(question);
     lastChosen = question.chosen;
     if (!question.path.empty()) exportItems({.path = question.path, .ids = question.chosen, .target = question.target});
@@ -170,23 +158,6 @@ bool exportItems(const ExportJob &job) { return exportFrom(itemFromLibrary, &job
 
 bool exportToFile(const std::vector<OutgoingItem> &items, const ExportJob &job) {
     return exportFrom(itemFromMemory, &items, items.size(), job);
-}
-
-std::string exportTargetName(ExportTarget target) {
-    const TargetRow *row = rowOf(target);
-    return row ? row->name : "";
-}
-
-ExportTarget exportTargetOf(const std::string &name) {
-    for (const TargetRow &row : targetRows) {
-        if (equalWithoutCase(name, row.name)) return row.target;
-    }
-    return ExportTarget::none;
-}
-
-const char *exportFileEnding(ExportTarget target) {
-    const TargetRow *row = rowOf(target);
-    return row ? row->ending : "";
 }
 
 }  // namespace numalink

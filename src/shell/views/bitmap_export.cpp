@@ -39,7 +39,7 @@ int saveItemAsBitmap() {
     StoredItem item;
     if (!storeReadItem(selectedItemId(), item)) return 1;
     const bool isPicture = item.kind == kind::picture;
-    if (!isPicture && item.kind != kind::colourScreen && item.kind != kind::monochromeScreen) return 1;
+    if (!isPicture && !isScreenKind(item.kind)) return 1;
     const Surface surface = screenSurface(item.kind, item.head, item.data);
     saveSurface(surface, utf8FromCalculator(item.name));
     return 1;

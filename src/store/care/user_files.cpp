@@ -76,21 +76,6 @@ bool isOwnFile(const std::string &path) {
     return isLibrary(path) || std::ranges::any_of(ownPlaces(), [&](const auto &place) { return liesIn(path, place); });
 }
 
-bool tellNotWritten(FileResult result, const std::string &path) {
-    switch (result) {
-        case FileResult::missing:
-            return failWith(Text::fileMissing, {path});
-        case FileResult::denied:
-            return failWith(Text::fileDenied, {path});
-        case FileResult::isFolder:
-            return failWith(Text::fileIsFolder, {path});
-        case FileResult::diskFull:
-            return failWith(Text::fileDiskFull, {path});
-        default:
-            return failWith(Text::fileFailed, {path});
-    }
-}
-
 bool askReplace(const std::string &path) {
     return tellComposed(Text::exportReplace, wording(Text::exportReplace, {path}), {path}, BoxIcon::warning,
                         BoxButtons::okCancel) == Answer::ok;
@@ -102,14 +87,14 @@ bool userFileIsFree(const std::string &path, bool mayReplace) {
     assertRole(ThreadRole::graphical);
     if (isOwnFile(path)) return failWith(Text::exportOwnFile, {path});
     std::error_code failure;
-    if (fs::is_directory(path, failure)) return tellNotWritten(FileResult::isFolder, path);
+    if (fs::is_directory(path, failure)) return failWith(Text::fileIsFolder, {path});
     return mayReplace || !fileExists(path) || askReplace(path);
 }
 
 bool writeUserFile(const std::string &path, ByteView bytes, bool mayReplace) {
     if (!userFileIsFree(path, mayReplace)) return false;
     const FileResult result = writeWholeFile(path, bytes);
-    return result == FileResult::done || tellNotWritten(result, path);
+    return result == FileResult::done || failWith(fileTrouble(result), {path});
 }
 
 }  // namespace numalink
