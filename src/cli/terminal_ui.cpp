@@ -11,6 +11,7 @@ namespace {
 int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
+ImportTaken importTaken = ImportTaken::keepBoth;
 std::string subject;  // told ahead of the next box, once
 RasterType rasterType = RasterType::image;
 
@@ -52,11 +53,13 @@ void terminalUiInstall() {
     boxCount = 0;
     importAction = ImportAction::none;
     importFolder.clear();
+    importTaken = ImportTaken::keepBoth;
     subject.clear();
     rasterType = RasterType::image;
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
+    userInterface.askImportTaken = [](const ImportTakenQuestion &) { return importTaken; };
     userInterface.askBitmap = answerBitmap;
     userInterface.statusText = [](StatusPart, Text, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
@@ -73,6 +76,8 @@ void terminalImportAnswer(ImportAction action, const std::string &folderName) {
     importAction = action;
     importFolder = folderName;
 }
+
+void terminalImportTaken(ImportTaken taken) { importTaken = taken; }
 
 void terminalRasterAnswer(const std::string &type) {
     rasterType = type == "sharp" ? RasterType::sharp : RasterType::image;

@@ -22,6 +22,9 @@ void terminalSubject(const std::string &about);
 // The answer to the next import questions; none leaves each as it is preset.
 void terminalImportAnswer(ImportAction action, const std::string &folderName);
 
+// What is done with imported items whose names are taken; both are kept unless told otherwise.
+void terminalImportTaken(ImportTaken taken);
+
 // The answer to the next bitmap questions: "image" or "sharp".
 void terminalRasterAnswer(const std::string &type);
 

@@ -38,6 +38,14 @@ struct ImportQuestion {
     ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
 };
 
+// What becomes of those to be imported whose names are taken where they go. Cancel places nothing at all.
+enum class ImportTaken { cancel, replace, keepBoth, skip };
+
+struct ImportTakenQuestion {
+    std::size_t count = 0;  // of them
+    std::string names;      // UTF-8, of the first of them at least
+};
+
 // The question of an export: which items go into which sort of file, and where.
 enum class ExportTarget { none = 0, cat = 1, cas = 2, catAlgebra = 4 };
 
@@ -78,6 +86,7 @@ struct UserInterface {
     void (*refreshTree)();
     bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
     void (*askImport)(ImportQuestion &question);
+    ImportTaken (*askImportTaken)(const ImportTakenQuestion &question);
     void (*askExport)(ExportQuestion &question);
     void (*askBitmap)(BitmapQuestion &question);
     Answer (*askItemExists)(const std::string &question);  // yes, no or cancel

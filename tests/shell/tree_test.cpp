@@ -246,6 +246,13 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
     EXPECT_EQ(shown.size(), 3u);
+    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
+    auto *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
+    undoAction->trigger();
+    EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
+    EXPECT_TRUE(storeItemExists("PROG", target)) << "both are as before";
+    EXPECT_EQ(selectedItemId(), moved);
 }
 
 TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {

@@ -55,6 +55,30 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     EXPECT_EQ(itemField->text(), toQt(wording(Text::size, {"0"})));
 }
 
+TEST_F(Views, ABitmapHasAFileNameOfItsItemsAndNeverReplacesTheLibrary) {
+    NewItem item{.name = "A/B", .kind = kind::picture, .head = Bytes(50), .data = Bytes(20, 0xFF)};
+    writeBig16(item.head, 7, 16);
+    writeBig16(item.head, 9, 24);
+    show(storeAddItem(item));
+    for (const std::string name : {"", "x", "x.bmp", "storage.dat"}) {
+        answerBoxes = false;
+        QTimer::singleShot(0, [&] {
+            auto *typed = QApplication::activeModalWidget()->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            EXPECT_EQ(typed->text(), QStringLiteral("A-B"));
+            if (name.empty()) return QApplication::activeModalWidget()->close(), void();
+            typed->setText(toQt(folder.path + name));
+            QTest::keyClick(typed, Qt::Key_Return);
+            answerBoxes = true;
+        });
+        handleCommand(command::saveBitmap);
+        answerBoxes = true;
+    }
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0], wording(Text::exportReplace, {folder.path + "x.bmp"}));
+    EXPECT_EQ(folder.read("x.bmp").substr(0, 2), "BM");
+    EXPECT_EQ(shown[1], wording(Text::exportOwnFile, {folder.path + "storage.dat"}));
+}
+
 TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
     const ItemId id = addProgram("ABC", "A");
     show(id);

@@ -117,6 +117,7 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
+    userInterface.askImportTaken = askImportTaken;
     userInterface.askItemExists = askItemExists;
     userInterface.askPictureSlot = askPictureSlot;
     userInterface.transmitQueueChanged = queueMarked;

@@ -4,12 +4,20 @@
 
 #include <QString>
 
+#include "calculator/item_kinds.h"
 #include "platform/bytes.h"
 
 namespace numalink {
 
 void connectProgramView();
 void forgetProgramView();
+
+// Shows a program as it was left, with the undo of its text, if it was left in this run and is still stored as it was
+// then, and else as programToView does.
+void openProgram(ItemId id, ByteView image);
+// Keeps the text on view, which is stored as this image, to be opened again; of many programs the last ones. The view
+// is empty then.
+void keepProgram(ItemId id, ByteView image);
 
 // Replaces all text by a program's. It is unchanged then, with nothing to undo and the caret at its start.
 void programToView(ByteView image);

@@ -38,7 +38,7 @@ std::string matrixInfo;  // the status line of the matrix on view, without its p
 
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, Text::openingProgram);
-    programToView(item.data);
+    openProgram(item.id, item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
@@ -139,7 +139,15 @@ void infoToStatus(const StoredItem &item) {
     userInterface.statusText(StatusPart::item, Text::size, line);
 }
 
+// What was discarded isn't come back to.
+void keepText() {
+    StoredItem item;
+    if (isTextKind(viewKind) && !programChanged() && storeReadEntry(viewItemId) && storeReadItem(viewItemId, item))
+        keepProgram(viewItemId, item.data);
+}
+
 void closeView() {
+    keepText();
     setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();

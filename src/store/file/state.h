@@ -85,6 +85,8 @@ bool isDeleted(const ItemHeader &head);
 struct Stretch;
 std::vector<Stretch> strayStretches(const MainHeader &main, const std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
 bool isFolderId(ItemId id) REQUIRES_LOCK(storeLock);  // the root is one
+// Whether it is that folder or lies below it. A circle of parents ends after as many steps as there are items.
+bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock);
 ItemEntry entryOf(const ItemHeader &head);
 
 // The sound record of the lowest id that fits, or noSlot.
@@ -111,7 +113,8 @@ std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind,
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
 // Folders one within the other, the first of them under parent; id is the last one's.
 Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) REQUIRES_LOCK(storeLock);
-Fault resetTemp() REQUIRES_LOCK(storeLock);
+// Empties the temporary folder but for those, and makes it anew when nothing of them lies in it.
+Fault resetTemp(const std::vector<ItemId> &kept = {}) REQUIRES_LOCK(storeLock);
 bool tempIsFresh() REQUIRES_LOCK(storeLock);  // one temporary folder at the top, and nothing in it
 Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock);
 // Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.
