@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <map>
 
+#include "link/transmit_queue.h"
 #include "shell/app/single_copy.h"
+#include "shell/app/tray.h"
 #include "shell/shell_fixture.h"
 
 namespace numalink {
@@ -98,7 +100,7 @@ FolderContent contentOf(const ScratchFolder &folder) {
     return content;
 }
 
-TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
+TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithoutAWordAndTouchesNothing) {
     ASSERT_TRUE(startProgram());
     addProgram("ABC", "A");
     mainWindow->hide();
@@ -108,11 +110,84 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
                  {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
-    const std::string held = wording(Text::storeHeld, {folder.path + "storage.dat"});
-    EXPECT_EQ(second.readAllStandardOutput().toStdString(),
-              wording(Text::libraryNotOpened) + "\n" + held + "\n" + wording(Text::noLibraryAtStart) + "\n");
+    EXPECT_EQ(second.readAllStandardOutput().toStdString(), "");
     EXPECT_TRUE(mainWindow->isVisible());
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
+}
+
+TEST_F(StartUp, AWindowThatIsHiddenComesBackWithItsSymbolsWhenNoNotificationAreaIsThere) {
+    ASSERT_TRUE(startProgram());
+    const ItemId program = addProgram("ABC", "A");
+    show(program);
+    auto *symbols = mainWindow->findChild<QWidget *>(QStringLiteral("symbolsWindow"));
+    ASSERT_TRUE(symbols->isVisible());
+    hideToTray();
+    EXPECT_FALSE(mainWindow->isVisible() || symbols->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([] { return mainWindow->isVisible(); }));
+    EXPECT_TRUE(symbols->isVisible());
+    hideToTray();
+    storeDelete(program);
+    refreshTree();
+    raiseMainWindow();
+    EXPECT_FALSE(symbols->isVisible()) << "its program has gone";
+}
+
+// The letters that Alt reaches in a menu, each with its entries; those below it come with it.
+void checkMnemonics(const QString &menu, const QList<QAction *> &entries) {
+    std::map<QString, QStringList> reached;
+    for (const QAction *entry : entries) {
+        if (entry->isSeparator()) continue;
+        const qsizetype mark =
+            QString(entry->text()).replace(QLatin1String("&&"), QLatin1String("  ")).indexOf(QLatin1Char('&'));
+        reached[mark < 0 ? QString() : entry->text().mid(mark + 1, 1).toLower()] << entry->text();
+        if (entry->menu() != nullptr) checkMnemonics(entry->text(), entry->menu()->actions());
+    }
+    EXPECT_FALSE(reached.contains(QString())) << menu.toStdString();
+    for (const auto &[letter, texts] : reached)
+        EXPECT_EQ(texts.size(), 1) << menu.toStdString() << ": " << texts.join(QLatin1Char('|')).toStdString();
+}
+
+TEST_F(StartUp, NoTwoEntriesOfAMenuHaveTheSameLetterInAnyLanguage) {
+    for (const char *language : {"English", "Nederlands", "Deutsch",
+                                 "Fran\xC3\xA7"
+                                 "ais"}) {
+        folder.write("settings.xml", "");
+        settingsSetValue(setting::language, language);
+        ASSERT_TRUE(settingsSave());
+        ASSERT_TRUE(startProgram());
+        ASSERT_EQ(languageRecord(languageCurrent()).name, language);
+        show(addProgram("ABC", "A"));
+        for (QMenu *menu : mainWindow->findChildren<QMenu *>()) emit menu->aboutToShow();
+        checkMnemonics(QString::fromUtf8(language), mainWindow->menuBar()->actions());
+        QTimer::singleShot(0, [] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            checkMnemonics(menu->objectName(), menu->actions());
+            menu->close();
+        });
+        QContextMenuEvent asked(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(programEdit, &asked);
+        endProgram();
+    }
+}
+
+TEST_F(StartUp, TheQueueIsWorkedByKeyboard) {
+    ASSERT_TRUE(startProgram());
+    for (const char *name : {"ONE", "TWO", "THREE"}) {
+        show(addProgram(name, "A"));
+        handleCommand(command::queue);
+    }
+    ASSERT_EQ(transmitQueueIds().size(), 3u);
+    mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
+    auto *window = mainWindow->findChild<QWidget *>(QStringLiteral("queueWindow"));
+    auto *list = window->findChild<QListWidget *>();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->hasFocus(); }));
+    const ItemId second = transmitQueueIds()[1];
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == 2 && list->currentRow() == 0; }));
+    EXPECT_EQ(transmitQueueIds()[0], second);
+    QTest::keyClick(list, Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(StartUp, ExitCloseAndSignalsEndTheEventLoop) {

@@ -31,6 +31,8 @@ TEST_F(Views, MatrixFollowsItsPickedCellAndTheZoom) {
     for (int i = 0; i < 120; i++) QTest::keyClick(area, Qt::Key_Down);
     EXPECT_EQ(picture().pixelColor(19, 99 * 8 + 10), QColor::fromRgb(lcdColor::blue));
     EXPECT_NE(picture().pixelColor(19, 10), QColor::fromRgb(lcdColor::blue));
+    EXPECT_EQ(area->accessibleName(), QStringLiteral("MAT A, ") + textOf(Text::kindMatrix));
+    EXPECT_EQ(area->accessibleDescription(), textOf(Text::pickedCell, {"100", "1", "150"}));
     const int bottom = area->viewport()->height() - area->widget()->y();
     EXPECT_GE(bottom, 99 * 8 + 17);
     setSurfaceZoom(3);

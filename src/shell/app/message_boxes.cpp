@@ -16,6 +16,7 @@
 #include "shell/dialogs/import_dialog.h"
 #include "shell/dialogs/link_dialogs.h"
 #include "shell/dialogs/worker_dialogs.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_window.h"
@@ -47,9 +48,11 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
     }
 }
 
+// Titled by its sort alone, whatever part of the program speaks.
 QDialog *makeBox(const Box &box) {
     const bool cancellable = box.buttons == BoxButtons::okCancel;
-    auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body),
+    const bool warns = !cancellable && (box.icon == BoxIcon::warning || box.icon == BoxIcon::error);
+    auto *window = new QMessageBox(iconOf(box.icon), boxTitle(warns), toQt(box.body),
                                    cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
     window->setTextFormat(Qt::PlainText);
     window->button(QMessageBox::Ok)->setText(textOf(Text::ok));

@@ -66,7 +66,7 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(); }, false},  // if one runs, opening the library ends the start
+    {"running copy", [] { return !raiseRunningCopy(); }, true},
     {"settings", [] { return settingsRead = settingsLoad(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"main window", [] { return done(makeMainWindow); }, false},

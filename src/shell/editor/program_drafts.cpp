@@ -12,6 +12,7 @@
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
@@ -66,8 +67,8 @@ bool readDraft(const std::string &path, Draft &draft) {
 enum class DraftAnswer { open, remove, later };
 
 DraftAnswer askDraft(const Draft &draft) {
-    QMessageBox box(QMessageBox::Question, textOf(Text::warningTitle),
-                    textOf(Text::draftFound, {draft.name.toStdString()}), QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Question, boxTitle(false), textOf(Text::draftFound, {draft.name.toStdString()}),
+                    QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *open = box.addButton(textOf(Text::draftOpen), QMessageBox::AcceptRole);
     const QPushButton *remove = box.addButton(textOf(Text::draftDelete), QMessageBox::DestructiveRole);

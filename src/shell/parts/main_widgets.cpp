@@ -53,6 +53,7 @@ void makeStatusBar() {
     progressBar->setFixedSize(progressWidth, progressHeight);
     progressBar->setRange(0, 1);
     progressBar->setTextVisible(false);
+    progressBar->setAccessibleName(textOf(Text::progressName));
     linkField = makeField();
     linkField->setFixedWidth(linkFieldWidth);
     itemField = makeField();
@@ -134,6 +135,11 @@ void makeClientWidgets() {
 void fitWindowToToolbar() {
     const int needed = toolbar->sizeHint().width();
     if (needed > windowWidth) centreMainWindow(needed);
+}
+
+void showUnminimised(QWidget *window) {
+    if (window->isMinimized()) window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
 }
 
 void destroyWidgets() {

@@ -82,6 +82,10 @@ std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
 
 }  // namespace
 
+bool isMenuKey(const QKeyEvent &event) {
+    return event.key() == Qt::Key_Alt || event.key() == Qt::Key_F10 || (event.modifiers() & Qt::AltModifier) != 0;
+}
+
 bool emulatorKeyDown(const QKeyEvent &event) {
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
         // Once its event has returned: the stop opens the program's view and moves the focus.

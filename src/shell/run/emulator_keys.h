@@ -7,6 +7,7 @@ namespace numalink {
 
 // A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
 // change nothing. Always true: while a run is on, no key does anything else.
+bool isMenuKey(const QKeyEvent &event);  // Alt, with another key or alone, and F10 stay the window's
 bool emulatorKeyDown(const QKeyEvent &key);
 
 // A key went up: keyCode is cleared. The releases of auto-repeat are none.

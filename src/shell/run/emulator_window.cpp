@@ -141,11 +141,12 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return false;
         case QEvent::ShortcutOverride:
             // While a run is on, the keys of the commands are keys of the calculator.
-            if (!emulatorRunning) return false;
+            if (!emulatorRunning || isMenuKey(*static_cast<QKeyEvent *>(event))) return false;
             event->accept();
             return true;
         case QEvent::KeyPress:
-            return emulatorRunning && emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+            return emulatorRunning && !isMenuKey(*static_cast<QKeyEvent *>(event)) &&
+                   emulatorKeyDown(*static_cast<QKeyEvent *>(event));
         case QEvent::KeyRelease:
             return emulatorKeyUp(*static_cast<QKeyEvent *>(event));
         default:
@@ -156,7 +157,11 @@ bool emulatorEvent(QWidget *, QEvent *event) {
 void takeDisplay() {
     marked = false;
     if (emulatorWindow == nullptr || !emulatorShown()) return;
-    if (displayCopy(display, displaySeen)) emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+    if (displayCopy(display, displaySeen)) {
+        emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+        if (const QString text = toQt(displayText()); text != emulatorWindow->accessibleDescription())
+            emulatorWindow->setAccessibleDescription(text);
+    }
     fullScreenRepaint();
     updateDebugWindow();
 }
@@ -231,6 +236,7 @@ void displayMarked() {
 void makeEmulatorWindow() {
     emulatorWindow = new QWidget(clientArea);
     emulatorWindow->setObjectName(QStringLiteral("emulatorWindow"));
+    emulatorWindow->setAccessibleName(textOf(Text::displayName));
     emulatorWindow->setFocusPolicy(Qt::StrongFocus);
     emulatorWindow->setMouseTracking(true);
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <optional>
 
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
@@ -30,7 +31,7 @@ bool askDelete(const ItemEntry &item) {
 }
 
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
-    QMessageBox box(QMessageBox::Question, QString::fromLatin1(programTitle),
+    QMessageBox box(QMessageBox::Question, boxTitle(false),
                     textOf(Text::nameTakenThere, {utf8FromCalculator(moved.name)}), QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *replace = mayReplace ? box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole) : nullptr;
