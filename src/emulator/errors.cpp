@@ -29,6 +29,7 @@ void show(const char *text) {
 
 void report(const char *text) {
     show(text);
+    if (!machine.errorFlag) machine.errorText = text;
     machine.errorFlag = true;
     if (machine.errorTrace != nullptr) machine.errorTrace->push_back({text, machine.statementsRun});
 }

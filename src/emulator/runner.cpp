@@ -9,6 +9,7 @@
 
 #include "calculator/charset.h"
 #include "emulator/arrays.h"
+#include "emulator/block_search.h"
 #include "emulator/display.h"
 #include "emulator/errors.h"
 #include "emulator/evaluator.h"
@@ -20,7 +21,8 @@
 #include "platform/clock.h"
 #include "settings/settings_store.h"
 #include "telling/graphical_calls.h"
-#include "telling/tell_user.h"
+#include "telling/language_table.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 
@@ -39,8 +41,16 @@ std::array<CallRecord, callLimit> calls;  // the callers of the active thread an
 int nextCall = 0;
 std::uint64_t statementLimitOfRun = 0;
 bool haltTold = false;  // the box of a halt: every program in progress ends
+RunFault fault;         // the run threads', read between runs
 bool debugShown = false;
 std::atomic<int> debugVariables = 0, debugTemporaries = 0;
+
+// What begins again begins without the error at which it halted.
+void forgetHalt() {
+    haltTold = false;
+    fault = {};
+    machine.errorFlag = false;
+}
 
 enum class LoopEnd { programEnded, stopped };
 
@@ -79,14 +89,32 @@ void showDebug() {
     debugTemporaries = matrixRowsOwned(ownedTemporarily);
 }
 
+bool isLineEnd(const ProgramCell &cell) {
+    return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
+}
+
+// The box also offers the way to the statement, which the front end takes.
 void tellHalt(const RunState &state) {
     haltTold = true;
-    const int start = state.position - state.statementLength;
-    const auto lines = std::count_if(state.program, state.program + start, [](const ProgramCell &cell) {
-        return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
-    });
-    tellUser(haltText, {utf8FromCalculator(loadedProgram(state.programIndex).name), std::to_string(lines + 1)},
-             BoxIcon::warning, haltTitle);
+    const LoadedProgram &program = loadedProgram(state.programIndex);
+    fault = {.item = program.item, .line = 1};
+    for (const ProgramCell *cell = state.program; cell != state.program + state.position - state.statementLength;
+         cell++) {
+        if (isLineEnd(*cell)) {
+            fault.line++;
+            fault.statement = 0;
+        } else if (isTerminator(*cell)) {
+            fault.statement++;
+        }
+    }
+    Box box;
+    box.bodyNumber = haltText;
+    box.titleNumber = haltTitle;
+    box.arguments = {utf8FromCalculator(program.name), std::to_string(fault.line)};
+    box.body = languageFormat(haltText, box.arguments) + "\n" + machine.errorText;
+    box.title = languageText(haltTitle);
+    box.buttons = BoxButtons::okGoTo;
+    userInterface.messageBox(box);
 }
 
 // False when the program ends here.
@@ -107,7 +135,11 @@ StatementEnd finishStatement(RunState &state) {
     showDebug();
     state.position += state.statementLength;
     const ProgramCell &terminator = state.program[state.position];
-    if (isEnd(terminator)) return StatementEnd::programEnded;
+    if (isEnd(terminator)) {
+        if (machine.errorFlag) refreshScreen(false);  // the box speaks of what is shown
+        passErrors(state);
+        return StatementEnd::programEnded;
+    }
     if (isToken(terminator, token::displayTriangle) && !showAtTriangle(state)) return StatementEnd::stopped;
     refreshScreen(false);
     if (!passErrors(state)) return StatementEnd::programEnded;
@@ -161,7 +193,7 @@ void runProgramThread(int callIndex) {
     state.programIndex = calls[static_cast<std::size_t>(callIndex)].program;
     state.program = loadedProgram(state.programIndex).cells;
     while (runStatements(state) == LoopEnd::programEnded && callIndex == 0 && showAtEnd(state)) {
-        haltTold = false;
+        forgetHalt();
         state.position = 0;
     }
 }
@@ -210,7 +242,7 @@ bool runStart(const RunOptions &options) {
     runEndForget(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
-    haltTold = false;
+    forgetHalt();
     calls[0].program = 0;
     nextCall = 1;
     emulatorRunning = true;
@@ -235,6 +267,8 @@ void runWait() {
 }
 
 RunEnd runEnded() { return runEndCause(); }
+
+const RunFault &runFault() { return fault; }
 
 DebugCounts runDebugCounts() { return {debugVariables, debugTemporaries}; }
 

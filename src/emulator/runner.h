@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "calculator/item_kinds.h"
 #include "emulator/run_state.h"
 
 namespace numalink {
@@ -22,6 +23,14 @@ void runStop();
 // Blocks until the run has ended by itself (the command line, tests), and then stops; serves nothing.
 void runWait();
 RunEnd runEnded();  // where the last run was when it ended by itself; running after a stop
+
+// Where the last run halted on an error, for as long as it hasn't begun again. Graphical thread, with no run on.
+struct RunFault {
+    ItemId item = noItem;
+    int line = 0;       // of the program, from 1; 0: there was no halt
+    int statement = 0;  // of the line, from 0, as colons part them
+};
+const RunFault &runFault();
 
 // Prog: runs the program on a thread of its own and returns when it has ended. Run thread.
 void callProgram(std::string_view name);

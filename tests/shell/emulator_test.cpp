@@ -66,10 +66,17 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
     EXPECT_EQ(keyCode, 0);
     QTest::keyPress(window, Qt::Key_Tab);
     EXPECT_EQ(keyCode, 25);
-    QTest::keyPress(window, Qt::Key_4);
-    EXPECT_EQ(keyCode, 25) << "digits of the main block, but for 5, do nothing";
-    QTest::keyPress(window, Qt::Key_4, Qt::KeypadModifier);
-    EXPECT_EQ(keyCode, 73);
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        int code;
+    } numberKeys[] = {{Qt::Key_4, {}, 73},      {Qt::Key_5, {}, 63},         {Qt::Key_5, Qt::KeypadModifier, 63},
+                      {Qt::Key_Period, {}, 61}, {Qt::Key_Minus, {}, 32},     {Qt::Key_ParenLeft, Qt::ShiftModifier, 55},
+                      {Qt::Key_Comma, {}, 35},  {Qt::Key_Backspace, {}, 44}, {Qt::Key_Comma, Qt::KeypadModifier, 61}};
+    for (const auto &number : numberKeys) {
+        QTest::keyPress(window, number.key, number.modifiers);
+        EXPECT_EQ(keyCode, number.code) << number.key;
+    }
     const QPoint origin((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1);
     QTest::mousePress(window, Qt::LeftButton, {}, origin + QPoint(5, 75));
     QTest::mouseClick(window, Qt::RightButton, {}, origin + QPoint(60, 75));

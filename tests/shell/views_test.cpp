@@ -55,19 +55,24 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     EXPECT_EQ(itemField->text(), toQt(languageFormat(23, {"0"})));
 }
 
-TEST_F(Views, PasswordIsKeptInTheHeadAndCutAtEight) {
+TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
     const ItemId id = addProgram("ABC", "A");
     show(id);
     QTimer::singleShot(0, [] {
         auto *typed = QApplication::activeModalWidget()->findChild<QLineEdit *>();
-        QTest::keyClicks(typed, QStringLiteral("SECRETS99"));
+        const auto *refused = typed->window()->findChild<QLabel *>(QStringLiteral("passwordRefused"));
+        QTest::keyClicks(typed, QStringLiteral("SECRETS9"));
+        EXPECT_FALSE(refused->isVisible());
+        QTest::keyClicks(typed, QStringLiteral("9"));
+        EXPECT_TRUE(refused->isVisible());
     });
     answer(languageText(112));
     handleCommand(command::password);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_EQ(decodeProgramInfo(item.head)->password, "SECRETS9");
-    EXPECT_TRUE(itemField->text().contains(QStringLiteral("SECRETS9")));
+    EXPECT_NE(itemField->text(), toQt(languageFormat(23, {std::to_string(item.dataSize)})));
+    EXPECT_FALSE(itemField->text().contains(QStringLiteral("SECRETS9")));
 }
 
 TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {

@@ -28,10 +28,10 @@ namespace numalink {
 
 namespace {
 
-// The widget that a box stands over: an open dialog, else the main window.
+// The widget that a box stands over: an open dialog, else the full screen, else the main window.
 QWidget *boxParent() {
     QWidget *modal = QApplication::activeModalWidget();
-    return modal != nullptr ? modal : mainWindow;
+    return modal != nullptr ? modal : runWindow();
 }
 
 QMessageBox::Icon iconOf(BoxIcon icon) {
@@ -49,11 +49,17 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
 
 QDialog *makeBox(const Box &box) {
     const bool cancellable = box.buttons == BoxButtons::okCancel;
-    auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body),
-                                   cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
+    auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body), QMessageBox::Ok, boxParent());
+    if (cancellable) window->addButton(QMessageBox::Cancel);
     window->setTextFormat(Qt::PlainText);
     window->button(QMessageBox::Ok)->setText(textOf(112));
     if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(113));
+    if (box.buttons == BoxButtons::okGoTo) {
+        window->addButton(QMessageBox::Yes)->setText(textOf(OwnText::goToStatement));
+        window->setDefaultButton(QMessageBox::Ok);
+        window->setEscapeButton(QMessageBox::Ok);
+        placeBesideDisplay(window);
+    }
     return window;
 }
 
@@ -61,7 +67,9 @@ bool boxesSilent = false;  // graphical thread only
 
 Answer messageBox(const Box &box) {
     if (threadRole == ThreadRole::graphical && boxesSilent) return Answer::cancel;
-    return askByDialog([box] { return makeBox(box); }) == QMessageBox::Ok ? Answer::ok : Answer::cancel;
+    const int button = askByDialog([box] { return makeBox(box); });
+    if (button == QMessageBox::Yes) QMetaObject::invokeMethod(qApp, goToRunFault, Qt::QueuedConnection);
+    return button == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
 void statusText(StatusPart part, int, const std::string &text) {

@@ -125,11 +125,14 @@ std::optional<OwnText> faultText(PictureFault fault) {
     return std::nullopt;
 }
 
+// Tells that there is a password, and neither its letters nor how many they are.
+constexpr char passwordMask[] = "••••";
+
 void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, 22, {size, utf8FromCalculator(info->password)});
+        statusLine(StatusPart::item, 22, {size, passwordMask});
         return;
     }
     std::string line = languageFormat(23, {size});
