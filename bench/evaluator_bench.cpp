@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "emulator/arrays.h"
-#include "emulator/evaluator.h"
-#include "emulator/pace.h"
+#include "emulator/expressions/evaluator.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/pace.h"
+#include "emulator/run/machine_start.h"
 #include "text/token_table.h"
 
 namespace numalink {

@@ -10,9 +10,9 @@
 #include <fstream>
 #include <memory>
 
-#include "emulator/programs.h"
-#include "emulator/runner.h"
-#include "emulator/scripted_run.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/runner.h"
+#include "emulator/run/scripted_run.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "text/program_bytes.h"

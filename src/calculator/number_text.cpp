@@ -8,36 +8,31 @@ namespace numalink {
 
 namespace {
 
-constexpr int significantDigits = 16;  // of the text; a frame keeps the first 15
+constexpr int significantDigits = 15;  // of a frame; any decimal of so many comes through a double unharmed
 constexpr int exponentLimit = 99;
 constexpr std::size_t firstDigitByte = 5;
 constexpr std::size_t flagsByte = 13;
 constexpr std::size_t exponentByte = 14;
 constexpr int negativeNibble = 5;
 
-struct Scaled {
-    double mantissa;  // magnitude from 1 to below 10, or 0
-    int exponent;
+// The decimal that a value stands for, rounded at the digits of a frame.
+struct Decimal {
+    std::string digits;  // all of them, without sign and point; the first is 0 only in zero
+    int exponent;        // of the first digit
 };
 
-Scaled scaled(double value) {
-    Scaled result{value, 0};
-    while (std::fabs(result.mantissa) >= 10) {
-        result.mantissa /= 10;
-        result.exponent++;
-    }
-    while (std::fabs(result.mantissa) < 1 && result.mantissa != 0) {
-        result.mantissa *= 10;
-        result.exponent--;
-    }
-    return result;
-}
-
-std::string mantissaText(double mantissa) {
+Decimal decimalOf(double magnitude) {
     char text[32];
-    const auto [end, error] =
-        std::to_chars(text, text + sizeof text, mantissa, std::chars_format::general, significantDigits);
-    return error == std::errc{} ? std::string(text, end) : std::string();
+    const char *end =
+        std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific, significantDigits - 1).ptr;
+    const std::string_view written(text, static_cast<std::size_t>(end - text));
+    const std::size_t mark = written.find('e');
+    Decimal decimal{std::string(written.substr(0, mark)), 0};
+    std::erase(decimal.digits, '.');
+    const bool isBelowOne = written[mark + 1] == '-';
+    std::from_chars(text + mark + 2, end, decimal.exponent);
+    if (isBelowOne) decimal.exponent = -decimal.exponent;
+    return decimal;
 }
 
 std::string_view withoutBlanks(std::string_view text) {
@@ -61,11 +56,8 @@ std::optional<Number> wholeNumber(std::string_view text) {
 
 bool encodeValue(std::span<std::uint8_t, valueFrameSize> frame, std::uint32_t row, std::uint32_t column, double value) {
     if (!std::isfinite(value)) return false;
-    const auto [mantissa, exponent] = scaled(std::fabs(value));
+    const auto [digits, exponent] = decimalOf(std::fabs(value));
     if (std::abs(exponent) > exponentLimit) return false;
-    std::string digits = mantissaText(mantissa);
-    std::erase(digits, '.');
-    digits.resize(significantDigits, '0');
     const auto digit = [&](std::size_t place) { return digits[place] - '0'; };
 
     frame[0] = ':';
@@ -87,15 +79,24 @@ double decodeValue(std::span<const std::uint8_t, valueFrameSize> frame) {
     int exponent = (frame[exponentByte] >> 4) * 10 + (frame[exponentByte] & 0xF);
     if ((frame[flagsByte] & 0xF) == 0) exponent -= 100;
     if (frame[flagsByte] >> 4 == negativeNibble) mantissa = -mantissa;
-    return std::pow(10.0, exponent - 14) * static_cast<double>(mantissa);
+    // By way of its decimal text: a power of ten as a factor would miss the nearest double now and then.
+    char text[32];
+    char *end = std::to_chars(text, text + sizeof text, mantissa).ptr;
+    *end++ = 'e';
+    end = std::to_chars(end, text + sizeof text, exponent - (significantDigits - 1)).ptr;
+    double value = 0;
+    std::from_chars(text, end, value);
+    return value;
 }
 
 std::string formatValueText(double value) {
     if (!std::isfinite(value)) return {};
-    const auto [mantissa, exponent] = scaled(value);
-    std::string text = mantissaText(mantissa);
-    if (exponent != 0) text += (exponent > 0 ? "\\EE+" : "\\EE-") + std::to_string(std::abs(exponent));
-    return text;
+    auto [digits, exponent] = decimalOf(std::fabs(value));
+    digits.erase(std::max<std::size_t>(1, digits.find_last_not_of('0') + 1));
+    if (digits.size() > 1) digits.insert(1, ".");
+    if (value < 0) digits.insert(0, "-");
+    if (exponent != 0) digits += (exponent > 0 ? "\\EE+" : "\\EE-") + std::to_string(std::abs(exponent));
+    return digits;
 }
 
 std::optional<double> parseValueText(std::string_view text) {
@@ -108,7 +109,9 @@ std::optional<double> parseValueText(std::string_view text) {
         if (text.size() < backslash + markLength) return std::nullopt;
         const auto exponent = wholeNumber<int>(text.substr(backslash + markLength));
         if (!exponent) return std::nullopt;
-        value *= std::pow(10.0, *exponent);
+        const auto whole = wholeNumber<double>(std::string(withoutBlanks(text.substr(0, backslash))) + "e" +
+                                               std::to_string(*exponent));
+        value = whole ? *whole : value * std::pow(10.0, *exponent);
     }
     if (!std::isfinite(value)) return std::nullopt;
     return value;

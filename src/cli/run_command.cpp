@@ -9,9 +9,9 @@
 #include "cli/library_session.h"
 #include "cli/run_report.h"
 #include "drawing/dot_fonts.h"
-#include "emulator/programs.h"
-#include "emulator/run_loading.h"
-#include "emulator/scripted_run.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/run_loading.h"
+#include "emulator/run/scripted_run.h"
 #include "platform/clock.h"
 #include "settings/settings_store.h"
 

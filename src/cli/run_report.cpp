@@ -6,10 +6,10 @@
 #include <cstdio>
 
 #include "calculator/charset.h"
-#include "emulator/arrays.h"
-#include "emulator/display.h"
-#include "emulator/graph_screen.h"
-#include "emulator/text_screen.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/screens/display.h"
+#include "emulator/screens/graph_screen.h"
+#include "emulator/screens/text_screen.h"
 
 namespace numalink {
 

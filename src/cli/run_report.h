@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "emulator/scripted_run.h"
+#include "emulator/run/scripted_run.h"
 #include "telling/user_interface.h"
 
 namespace numalink {

@@ -63,5 +63,36 @@ TEST(NumberText, WhatAFrameCannotHoldIsRefusedUntouched) {
     EXPECT_DOUBLE_EQ(decodeValue(frame), 15) << "digits beyond nine count as they stand";
 }
 
+// The frame of a decimal text, as text again by way of what the views and the emulator compute with.
+std::string afterAFrame(const std::string &text) {
+    std::array<std::uint8_t, valueFrameSize> frame{};
+    const auto value = parseValueText(text);
+    if (!value || !encodeValue(frame, 1, 1, *value) || decodeValue(frame) != *value) return "no value " + text;
+    const std::array<std::uint8_t, valueFrameSize> first = frame;
+    encodeValue(frame, 1, 1, parseValueText(formatValueText(decodeValue(frame))).value_or(0));
+    return frame == first ? formatValueText(decodeValue(frame)) : "another frame " + text;
+}
+
+TEST(NumberText, WhatIsTypedIsTheNumber) {
+    for (int i = 1; i < 1000000; i += i < 3000 ? 1 : 97) {
+        std::string digits = std::to_string(i);
+        const std::size_t exponent = digits.size() - 1;
+        for (const std::size_t decimals : {0u, 1u, 2u, 5u}) {
+            std::string text = digits;
+            if (decimals > 0 && decimals < text.size()) text.insert(text.size() - decimals, ".");
+            std::string wanted = digits.substr(0, digits.find_last_not_of('0') + 1);
+            if (wanted.size() > 1) wanted.insert(1, ".");
+            const std::size_t point = text.find('.');
+            const std::size_t ahead = point == std::string::npos ? exponent : point - 1;
+            if (ahead > 0) wanted += "\\EE+" + std::to_string(ahead);
+            ASSERT_EQ(afterAFrame(text), wanted) << text;
+        }
+    }
+    for (const char *text : {"-1.23456789012345\\EE-99", "9.99999999999999\\EE+99", "8.2\\EE-7", "-7"})
+        EXPECT_EQ(afterAFrame(text), text);
+    EXPECT_EQ(afterAFrame("1\\EE+100"), "no value 1\\EE+100");
+    EXPECT_EQ(formatValueText(0.1 + 0.2), "3\\EE-1") << "beyond the digits of a frame";
+}
+
 }  // namespace
 }  // namespace numalink

@@ -1,6 +1,6 @@
 // Expressions against what they leave, and the limits of the ProgramTable. The values of functions and operators, their
 // order, the names of variables and the limits of expressions are those of the runs.
-#include "emulator/evaluator.h"
+#include "emulator/expressions/evaluator.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <fstream>
 
 #include "emulator/expressions.h"
-#include "emulator/programs.h"
+#include "emulator/machine/programs.h"
 #include "support/ui_recorder.h"
 
 namespace numalink {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "emulator/cells.h"
+#include "emulator/machine/cells.h"
 #include "platform/bytes.h"
 
 namespace numalink {

@@ -1,6 +1,6 @@
 // The emulated calculator's memory, whose limits and reports are those of the runs: the pool, the reset, and items of
 // the folder, hostile ones too. Its pace and its keys.
-#include "emulator/machine.h"
+#include "emulator/machine/machine.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +9,14 @@
 #include <random>
 
 #include "calculator/number_text.h"
-#include "emulator/arrays.h"
-#include "emulator/complex_math.h"
 #include "emulator/expressions.h"
-#include "emulator/keypad.h"
-#include "emulator/pace.h"
-#include "emulator/pictures.h"
-#include "emulator/run_loading.h"
+#include "emulator/expressions/complex_math.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/keypad.h"
+#include "emulator/machine/pace.h"
+#include "emulator/run/machine_start.h"
+#include "emulator/run/run_loading.h"
+#include "emulator/screens/pictures.h"
 #include "platform/clock.h"
 #include "settings/settings_store.h"
 #include "support/ui_recorder.h"

@@ -7,11 +7,12 @@
 #include <thread>
 
 #include "drawing/dot_fonts.h"
-#include "emulator/display.h"
 #include "emulator/expressions.h"
-#include "emulator/programs.h"
-#include "emulator/runner.h"
-#include "emulator/scripted_run.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
+#include "emulator/run/runner.h"
+#include "emulator/run/scripted_run.h"
+#include "emulator/screens/display.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "text/token_table.h"

@@ -6,11 +6,12 @@
 #include <cstdlib>
 #include <vector>
 
-#include "emulator/arrays.h"
-#include "emulator/evaluator.h"
-#include "emulator/key_port.h"
-#include "emulator/pace.h"
-#include "emulator/programs.h"
+#include "emulator/expressions/evaluator.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/key_port.h"
+#include "emulator/machine/pace.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "platform/clock.h"
 #include "text/token_table.h"
 

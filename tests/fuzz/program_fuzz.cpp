@@ -6,9 +6,9 @@
 #include <thread>
 
 #include "drawing/dot_fonts.h"
-#include "emulator/programs.h"
-#include "emulator/runner.h"
-#include "emulator/scripted_run.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/runner.h"
+#include "emulator/run/scripted_run.h"
 #include "platform/clock.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"

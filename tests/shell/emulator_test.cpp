@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "emulator/display.h"
-#include "emulator/keypad.h"
-#include "emulator/machine.h"
+#include "emulator/machine/keypad.h"
+#include "emulator/machine/machine.h"
+#include "emulator/screens/display.h"
 #include "shell/run/emulator_window.h"
 #include "shell/shell_fixture.h"
 #include "text/program_bytes.h"

@@ -6,7 +6,7 @@
 #include <QTreeWidget>
 
 #include "calculator/charset.h"
-#include "emulator/machine.h"
+#include "emulator/machine/machine.h"
 #include "shell/commands/command_table.h"
 #include "shell/commands/menus.h"
 #include "shell/editor/program_view.h"

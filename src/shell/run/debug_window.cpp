@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QVBoxLayout>
 
-#include "emulator/runner.h"
+#include "emulator/run/runner.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 

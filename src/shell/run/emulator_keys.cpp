@@ -4,8 +4,8 @@
 #include <QTimer>
 #include <optional>
 
-#include "emulator/keypad.h"
-#include "emulator/machine.h"
+#include "emulator/machine/keypad.h"
+#include "emulator/machine/machine.h"
 #include "shell/run/emulator_window.h"
 
 namespace numalink {

@@ -13,11 +13,12 @@
 #include <algorithm>
 #include <atomic>
 
-#include "emulator/display.h"
-#include "emulator/keypad.h"
-#include "emulator/machine.h"
-#include "emulator/run_loading.h"
-#include "emulator/runner.h"
+#include "emulator/machine/keypad.h"
+#include "emulator/machine/machine.h"
+#include "emulator/run/machine_start.h"
+#include "emulator/run/run_loading.h"
+#include "emulator/run/runner.h"
+#include "emulator/screens/display.h"
 #include "settings/settings_store.h"
 #include "shell/commands/command_handler.h"
 #include "shell/commands/command_table.h"

@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "emulator/display.h"
+#include "emulator/screens/display.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/run/emulator_keys.h"

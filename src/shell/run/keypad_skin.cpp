@@ -3,7 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
-#include "emulator/keypad.h"
+#include "emulator/machine/keypad.h"
 
 namespace numalink {
 

@@ -5,7 +5,7 @@
 #include <QScrollBar>
 #include <QTreeWidget>
 
-#include "emulator/machine.h"
+#include "emulator/machine/machine.h"
 #include "platform/clock.h"
 #include "shell/commands/command_handler.h"
 #include "shell/commands/command_table.h"

@@ -1,0 +1,141 @@
+// The steps that act on single cells and their neighbours: values, prefixes, postfixes, binary operators and the
+// implicit product. Each walks in its own direction and leaves its result in its own place; both are the language's
+// associativity.
+#include "emulator/expressions/complex_math.h"
+#include "emulator/expressions/evaluator.h"
+#include "emulator/expressions/evaluator_steps.h"
+#include "emulator/expressions/vocabulary.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/errors.h"
+
+namespace numalink {
+
+namespace {
+
+void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
+    ProgramCell &operand = stretch.cells[p + 1];
+    if (!isNumber(operand)) synError();
+    makeNumber(stretch.cells[p], row.unary(operand.value));
+    stretch.blank(p + 1);
+}
+
+// p may be the first cell: there is then nothing on the left.
+void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
+    const ProgramCell &left = stretch.cellOrNothing(p - 1);
+    ProgramCell &right = stretch.cells[p + 1];
+    if (!isNumber(left) || !isNumber(right)) synError();
+    makeNumber(right, row.binary(left.value, right.value));
+    if (p > stretch.first) stretch.blank(p - 1);
+    stretch.blank(p);
+}
+
+}  // namespace
+
+const ProgramCell &Stretch::cellOrNothing(int i) const {
+    static const ProgramCell nothing{};
+    return i >= first && i < end() ? cells[i] : nothing;
+}
+
+void multiplyNeighbours(Stretch &stretch) {
+    for (int p = stretch.first + 1; p < stretch.end(); p++) {
+        const ProgramCell &left = stretch.cells[p - 1];
+        ProgramCell &right = stretch.cells[p];
+        if (!isNumber(left) || !isNumber(right)) continue;
+        right.value = complexMul(left.value, right.value);
+        stretch.blank(p - 1);
+    }
+}
+
+void readVariables(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        ProgramCell &cell = stretch.cells[p];
+        if (cell.kind != CellKind::token) continue;
+        if (const ComplexValue *variable = factsOf(cell).variable) makeNumber(cell, *variable);
+    }
+}
+
+void callGraphFunctions(Stretch &stretch) {
+    constexpr std::uint8_t beforeFirst = 0x13;
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        ProgramCell &cell = stretch.cells[p];
+        if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
+        cell = evaluateGraphFunction(cell.token1 - beforeFirst);
+    }
+}
+
+void takeInputs(Stretch &stretch) {
+    for (const OperatorRow &row : operatorRows()) {
+        if (row.step > Step::inputs) break;
+        for (int p = stretch.first; p < stretch.end(); p++) {
+            if (operatorRow(stretch.cells[p], Step::inputs) == &row) makeNumber(stretch.cells[p], row.source());
+        }
+    }
+}
+
+void applyComplexPrefixes(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end() - 1; p++) {
+        if (const OperatorRow *row = operatorRow(stretch.cells[p], Step::complexPrefix))
+            applyPrefixAt(stretch, p, *row);
+    }
+}
+
+void applyPostfixes(Stretch &stretch) {
+    for (int p = stretch.first + 1; p < stretch.end(); p++) {
+        const OperatorRow *row = operatorRow(stretch.cells[p], Step::postfix);
+        if (row == nullptr) continue;
+        const ProgramCell &operand = stretch.cells[p - 1];
+        if (!isNumber(operand)) synError();
+        makeNumber(stretch.cells[p], row->unary(operand.value));
+        stretch.blank(p - 1);
+    }
+}
+
+void applyPowers(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end() - 1; p++) {
+        if (const OperatorRow *row = operatorRow(stretch.cells[p], Step::power)) applyBinaryAt(stretch, p, *row);
+    }
+}
+
+void applyPrefixes(Stretch &stretch) {
+    for (int p = stretch.end() - 2; p >= stretch.first; p--) {
+        const OperatorRow *row = operatorRow(stretch.cells[p], Step::prefix);
+        if (row == nullptr) continue;
+        if (row->onArrays != nullptr) {
+            row->onArrays(stretch.cells, p);
+            stretch.compact();
+        } else {
+            applyPrefixAt(stretch, p, *row);
+        }
+    }
+}
+
+void applySigns(Stretch &stretch) {
+    for (int p = stretch.end() - 2; p >= stretch.first; p--) {
+        const OperatorRow *row = signRow(stretch.cells[p]);
+        if (row == nullptr || (p > stretch.first && isNumber(stretch.cells[p - 1]))) continue;
+        applyPrefixAt(stretch, p, *row);
+    }
+}
+
+template <Step step>
+void applyBinary(Stretch &stretch) {
+    for (int p = stretch.first + 1; p < stretch.end() - 1; p++) {
+        if (const OperatorRow *row = operatorRow(stretch.cells[p], step)) applyBinaryAt(stretch, p, *row);
+    }
+}
+template void applyBinary<Step::multiplication>(Stretch &stretch);
+template void applyBinary<Step::addition>(Stretch &stretch);
+template void applyBinary<Step::relation>(Stretch &stretch);
+template void applyBinary<Step::logicalAnd>(Stretch &stretch);
+template void applyBinary<Step::logicalOr>(Stretch &stretch);
+
+void clearLonePoint(Stretch &stretch) {
+    ProgramCell *const cells = stretch.cells + stretch.first;
+    if (stretch.count != 2 || !isToken(cells[0], token::point)) return;
+    cells[0] = cells[1];
+    stretch.count = 1;
+    if (isNumber(cells[0])) cells[0].value = {};
+    if (isArray(cells[0])) matrixFill(0, cells[0].matrix);
+}
+
+}  // namespace numalink

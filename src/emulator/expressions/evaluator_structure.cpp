@@ -1,0 +1,259 @@
+// The steps that build or take apart: arrays, subscripts, literals, parentheses and calls.
+#include <algorithm>
+#include <vector>
+
+#include "emulator/expressions/array_functions.h"
+#include "emulator/expressions/evaluator.h"
+#include "emulator/expressions/evaluator_steps.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/errors.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int tooManyElementsText = 64;
+
+// The elements of the literals being gathered, those of an inner literal behind those of the outer one.
+std::vector<double> literalElements;
+
+CellKind arrayKind(const ProgramCell &cell) {
+    if (isToken(cell, token::list)) return CellKind::list;
+    return isToken(cell, token::matrix) ? CellKind::matrix : CellKind::blank;
+}
+
+// The array at p + 1 for its token at p: a copy, or, where a subscript seems to follow, the array itself for the time
+// up to the end of the subscripts (makeCopiesOfBorrowed).
+MatrixDescriptor *arrayForExpression(const Stretch &stretch, int p, MatrixDescriptor *array) {
+    const bool isSubscripted = isToken(stretch.cellOrNothing(p + 2), token::openBracket);
+    if (isSubscripted && !evaluatePlainly && matrixBorrow(array)) return array;
+    return matrixCopy(ownedTemporarily, array);
+}
+
+// Only subscripts may read a variable's own array: what they have left gets the copy that all else works on.
+void makeCopiesOfBorrowed(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        ProgramCell &cell = stretch.cells[p];
+        if (isArray(cell) && cell.matrix->owner == ownedByVariable) cell.matrix = matrixUnborrow(cell.matrix);
+    }
+}
+
+// The element that the subscript cells from p + 2 on name; 0 after a report.
+double subscriptedElement(const Stretch &stretch, int p) {
+    const ProgramCell &array = stretch.cells[p];
+    const ProgramCell &firstSubscript = stretch.cellOrNothing(p + 2);
+    const int row = cutToInteger(firstSubscript.value.re) - 1;
+    if (array.kind == CellKind::list) {
+        if (!isNumber(firstSubscript)) synError();
+        return matrixElement(array.matrix, 0, row);
+    }
+    const ProgramCell &secondSubscript = stretch.cellOrNothing(p + 4);
+    if (!isNumber(firstSubscript) || !isToken(stretch.cellOrNothing(p + 3), token::comma) || !isNumber(secondSubscript))
+        synError();
+    return matrixElement(array.matrix, cutToInteger(secondSubscript.value.re) - 1, row);
+}
+
+// p is an array, p + 1 the bracket, and p + 3 lies in the stretch.
+void resolveSubscriptAt(Stretch &stretch, int p) {
+    int depth = 1;
+    int close = p + 3;
+    for (; close < stretch.end(); close++) {
+        if (isToken(stretch.cells[close], token::openBracket)) depth++;
+        if (isToken(stretch.cells[close], token::closeBracket) && --depth == 0) break;
+    }
+    if (depth > 1) synError();
+    const int countBefore = stretch.count;
+    evaluateWithin(stretch, p + 2, close - 1);
+    close -= countBefore - stretch.count;
+    const bool leftOpen = depth > 0;
+    const int lastSubscript = stretch.cells[p].kind == CellKind::list ? p + 2 : p + 4;
+    makeNumber(stretch.cells[p], complexReal(subscriptedElement(stretch, p)));
+    blankCells(stretch.cells, p + 1, std::min(leftOpen ? lastSubscript + 1 : close + 1, stretch.end()));
+    stretch.compact();
+}
+
+// The elements of one literal: those from base on.
+struct Gathering {
+    std::size_t base = literalElements.size();
+    int count = 0;
+};
+
+// The 301st element reports, for a matrix literal with its box; it and those behind it are dropped.
+void gather(Gathering &gathering, double value, CellKind kind) {
+    if (gathering.count < elementLimit) literalElements.push_back(value);
+    if (gathering.count == elementLimit) {
+        synError();
+        if (kind == CellKind::matrix) failWith(tooManyElementsText);
+    }
+    gathering.count++;
+}
+
+// The cell at p becomes the array of the elements gathered; the cells behind it up to end, excluded, go.
+void finishLiteral(Stretch &stretch, int p, int end, CellKind kind, const Gathering &gathering, int rows) {
+    const auto first = literalElements.begin() + static_cast<std::ptrdiff_t>(gathering.base);
+    const int gathered = static_cast<int>(literalElements.end() - first);
+    MatrixDescriptor *array = matrixAllocate(ownedTemporarily, rows > 0 ? gathered / rows : 1, rows);
+    std::copy_n(first, matrixSize(array), matrixElements(array));
+    literalElements.resize(gathering.base);
+    makeArray(stretch.cells[p], kind, array);
+    blankCells(stretch.cells, p + 1, std::min(end, stretch.end()));
+    stretch.compact();
+}
+
+// Takes every second cell from p + 1 on, until the brace stands behind one.
+void makeListLiteral(Stretch &stretch, int p) {
+    int close = findToken(token::closeBrace, stretch.cells, p, stretch.end() - p);
+    if (close < 0) return synError();
+    const int countBefore = stretch.count;
+    evaluateWithin(stretch, p + 1, close - 1);
+    close -= countBefore - stretch.count;
+    Gathering gathering;
+    for (int i = p + 1;; i += 2) {
+        if (i >= close) {  // no element is left, but no brace stood behind one
+            synError();
+            break;
+        }
+        if (!isNumber(stretch.cells[i])) synError();
+        gather(gathering, stretch.cells[i].value.re, CellKind::list);
+        if (i + 1 == close) break;
+    }
+    finishLiteral(stretch, p, close + 1, CellKind::list, gathering, std::min(gathering.count, elementLimit));
+}
+
+// Evaluates the cells from q up to separator as an element of its own.
+double matrixLiteralElement(Stretch &stretch, int q, int separator) {
+    int count = separator - q;
+    evaluate(stretch.cells, q, count);
+    if (count != 1 || !isNumber(stretch.cells[q])) synError();
+    const ComplexValue value = count > 0 ? stretch.cells[q].value : ComplexValue{};
+    if (value.im != 0) maError();
+    return value.re;
+}
+
+// secondBracket is the second 0x5B of the pass; the cell before it becomes the matrix.
+void makeMatrixLiteral(Stretch &stretch, int secondBracket) {
+    Gathering gathering;
+    const int end = stretch.end();
+    int rows = 0;
+    int q = secondBracket + 1;
+    while (q < end) {
+        int separator = q + 1;  // what stands at q belongs to the element, a comma or bracket too
+        while (separator < end && !isToken(stretch.cells[separator], token::comma) &&
+               !isToken(stretch.cells[separator], token::closeBracket))
+            separator++;
+        const bool rowEnds = separator == end || isToken(stretch.cells[separator], token::closeBracket);
+        if (separator == end) synError();  // a row without its bracket ends with the stretch
+        gather(gathering, matrixLiteralElement(stretch, q, separator), CellKind::matrix);
+        rows += rowEnds;
+        q = separator + 1;
+        if (isToken(stretch.cellOrNothing(q), token::closeBracket)) break;
+        if (isToken(stretch.cellOrNothing(q), token::openBracket)) q++;
+    }
+    if (rows == 0) synError();  // closed behind a comma, or opened at the very end
+    finishLiteral(stretch, secondBracket - 1, q + 1, CellKind::matrix, gathering, std::max(rows, 1));
+}
+
+struct OpenParenthesis {
+    int at = 0;
+    Opening sort = Opening::none;
+};
+
+// The parentheses open at one time in one scan.
+struct ParenStack {
+    OpenParenthesis entries[parenthesisLimit];
+    int depth = 0;
+};
+
+// close is the place of the closing parenthesis, or the end of the stretch where it is missing.
+void closePair(Stretch &stretch, OpenParenthesis open, int close) {
+    int inner = close - open.at - 1;
+    if (open.sort == Opening::function) {
+        evaluateFunctionCall(stretch.cells, open.at, inner);
+    } else {
+        evaluate(stretch.cells, open.at + 1, inner);
+        stretch.blank(open.at);
+        blankCells(stretch.cells, open.at + 1 + inner, std::min(close, stretch.end()));
+    }
+    if (close < stretch.end()) stretch.blank(close);
+    stretch.compact();
+}
+
+void removeWithReport(Stretch &stretch, int p) {
+    synError();
+    stretch.blank(p);
+    stretch.compact();
+}
+
+// One scan, up to the first closing or fault. False when nothing was left to close.
+bool closeInnermost(Stretch &stretch) {
+    ParenStack stack;
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        const ProgramCell &cell = stretch.cells[p];
+        if (cell.kind != CellKind::token) continue;
+        if (const Opening sort = factsOf(cell).opening; sort != Opening::none) {
+            if (stack.depth == parenthesisLimit) {
+                removeWithReport(stretch, p);
+                return true;
+            }
+            stack.entries[stack.depth++] = {p, sort};
+        } else if (isToken(cell, token::closeParenthesis)) {
+            if (stack.depth == 0) {
+                removeWithReport(stretch, p);
+            } else {
+                closePair(stretch, stack.entries[stack.depth - 1], p);
+            }
+            return true;
+        }
+    }
+    if (stack.depth == 0) return false;
+    closePair(stretch, stack.entries[stack.depth - 1], stretch.end());
+    return true;
+}
+
+}  // namespace
+
+void resolveArrays(Stretch &stretch) {
+    for (int p = stretch.first; p + 1 < stretch.end(); p++) {
+        const CellKind kind = arrayKind(stretch.cells[p]);
+        if (kind == CellKind::blank) continue;
+        const MatrixSlot *slot =
+            kind == CellKind::list ? listSlotRef(stretch.cells, p + 1) : matrixSlotRef(stretch.cells, p + 1);
+        if (slot == nullptr) continue;
+        if (*slot == nullptr) {
+            dimError();
+            continue;
+        }
+        makeArray(stretch.cells[p], kind, arrayForExpression(stretch, p, *slot));
+        stretch.blank(p + 1);
+        stretch.compact();
+    }
+}
+
+void resolveSubscripts(Stretch &stretch) {
+    for (int p = stretch.first; p + 3 < stretch.end(); p++) {
+        if (isArray(stretch.cells[p]) && isToken(stretch.cells[p + 1], token::openBracket))
+            resolveSubscriptAt(stretch, p);
+    }
+    makeCopiesOfBorrowed(stretch);
+}
+
+void makeLiterals(Stretch &stretch) {
+    int brackets = 0;
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        if (isToken(stretch.cells[p], token::openBrace)) {
+            makeListLiteral(stretch, p);
+        } else if (isToken(stretch.cells[p], token::openBracket) && ++brackets == 2) {
+            makeMatrixLiteral(stretch, p);
+            brackets = 0;
+            p--;  // the cell behind the matrix has come to stand at p
+        }
+    }
+}
+
+void closeParentheses(Stretch &stretch) {
+    while (closeInnermost(stretch)) {
+    }
+}
+
+}  // namespace numalink

@@ -1,0 +1,85 @@
+// What the evaluator knows of a token: the steps that act on it, on what, and what it computes. Any thread.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "emulator/machine/cells.h"
+
+namespace numalink {
+
+// The steps of evaluate in their order, which is the precedence of the language.
+enum class Step : std::uint8_t {
+    none,
+    arrays,
+    subscripts,
+    literals,
+    firstProduct,  // implicit
+    parentheses,
+    variables,
+    graphFunctions,
+    inputs,
+    complexPrefix,
+    postfix,
+    power,
+    secondProduct,
+    prefix,
+    thirdProduct,
+    multiplication,
+    sign,
+    addition,
+    relation,
+    logicalAnd,
+    logicalOr,
+    lonePoint
+};
+inline constexpr int stepCount = 22;  // with none
+
+using StepMask = std::uint32_t;
+constexpr StepMask maskOf(Step step) { return StepMask{1} << static_cast<int>(step); }
+
+using UnaryOperation = ComplexValue (*)(ComplexValue);
+using BinaryOperation = ComplexValue (*)(ComplexValue, ComplexValue);
+
+struct OperatorRow {
+    Token token;
+    Step step = Step::none;
+    const char *name = nullptr;                      // for traces and tests
+    UnaryOperation unary = nullptr;                  // prefix and postfix
+    BinaryOperation binary = nullptr;                // left and right
+    ComplexValue (*source)() = nullptr;              // a value from nowhere: GetKey, i, ?, Ran#, pi
+    void (*onArrays)(ProgramCell *, int) = nullptr;  // Dim, Identity, Sum: the cell of the token
+};
+
+// Whether a token opens a pair of parentheses, and whether it is a function call. It follows the token table as it was
+// when openingTokensRefresh (vocabulary.h) last ran.
+enum class Opening : std::uint8_t { none, plain, function };
+
+// Looked up by the lead byte's page, then by the byte that counts.
+struct TokenFacts {
+    StepMask steps = 0;                 // the steps that act on it
+    const OperatorRow *row = nullptr;   // of its step with an operation; plus and minus: the binary one
+    const OperatorRow *sign = nullptr;  // unary plus and minus
+    Opening opening = Opening::none;
+    bool standsBetween = false;        // a binary operator, or a token that no step knows
+    ComplexValue *variable = nullptr;  // what variableRef gives
+};
+using TokenPage = std::array<TokenFacts, 256>;
+inline std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by openingTokensRefresh alone
+
+inline const TokenFacts &factsOf(const ProgramCell &cell) {  // of a token cell
+    if (!isTwoByteLead(cell.token1)) return tokenFacts[0][cell.token1];
+    return tokenFacts[cell.token1 == 0x7F ? 1 : 2][cell.token2];
+}
+
+// The row of this cell's token in this step, or null.
+inline const OperatorRow *operatorRow(const ProgramCell &cell, Step step) {
+    if (cell.kind != CellKind::token) return nullptr;
+    const OperatorRow *row = factsOf(cell).row;
+    return row != nullptr && row->step == step ? row : nullptr;
+}
+inline const OperatorRow *signRow(const ProgramCell &cell) {
+    return cell.kind == CellKind::token ? factsOf(cell).sign : nullptr;
+}
+
+}  // namespace numalink

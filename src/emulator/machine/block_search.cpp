@@ -1,0 +1,93 @@
+// The walks that take the place of a stack of blocks.
+#include "emulator/machine/block_search.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr Token ifToken{0xF7, 0x00}, elseToken{0xF7, 0x02}, ifEnd{0xF7, 0x03};
+constexpr Token forToken{0xF7, 0x04}, next{0xF7, 0x07};
+constexpr Token whileToken{0xF7, 0x08}, whileEnd{0xF7, 0x09};
+constexpr Token doToken{0xF7, 0x0A}, loopWhile{0xF7, 0x0B};
+constexpr Token label{0xE2};
+
+bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram); }
+
+int walkForward(const ProgramCell *cells, int at, Token opens, Token closes) {
+    int depth = 1;
+    for (int i = at + 1; !isEnd(cells[i]); i++) {
+        if (isToken(cells[i], opens)) depth++;
+        if (isToken(cells[i], closes)) depth--;
+        if (depth == 0) return i;
+    }
+    return noPartner;
+}
+
+int walkBack(const ProgramCell *cells, int at, Token opens, Token closes) {
+    int depth = 1;
+    for (int i = at - 1; i >= 0; i--) {
+        if (isToken(cells[i], opens)) depth--;
+        if (isToken(cells[i], closes)) depth++;
+        if (depth == 0) return i;
+    }
+    return noPartner;
+}
+
+bool isSameLabel(const ProgramCell &left, const ProgramCell &right) {
+    if (left.kind != right.kind) return false;
+    return isNumber(left) ? left.value.re == right.value.re
+                          : left.kind == CellKind::token && left.token1 == right.token1;
+}
+
+}  // namespace
+
+bool isTerminator(const ProgramCell &cell) {
+    if (cell.kind != CellKind::token) return false;
+    const std::uint8_t first = cell.token1;
+    return first == token::newLine.first || first == token::colon.first || first == token::displayTriangle.first ||
+           first == token::endOfProgram.first;
+}
+
+int findNext(const ProgramCell *cells, int at) { return walkForward(cells, at, forToken, next); }
+int findFor(const ProgramCell *cells, int at) { return walkBack(cells, at, forToken, next); }
+int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, at, whileToken, whileEnd); }
+int findWhile(const ProgramCell *cells, int at) { return walkBack(cells, at, whileToken, whileEnd); }
+int findDo(const ProgramCell *cells, int at) { return walkBack(cells, at, doToken, loopWhile); }
+
+int findFalseBranch(const ProgramCell *cells, int at) {
+    int depth = 1;
+    for (int i = at + 1; !isEnd(cells[i]); i++) {
+        if (isToken(cells[i], ifToken)) depth++;
+        if (isToken(cells[i], elseToken) && depth == 1) return i;
+        if (isToken(cells[i], ifEnd)) {
+            if (depth == 1) return i;
+            depth--;
+        }
+    }
+    return noPartner;
+}
+
+int findIfEnd(const ProgramCell *cells, int at) {
+    int depth = 1;
+    for (int i = at + 1; !isEnd(cells[i]); i++) {
+        if (isToken(cells[i], ifToken)) depth++;
+        if (isToken(cells[i], elseToken) && depth == 1) return i;
+        if (isToken(cells[i], ifEnd) && --depth == 0) return i;
+    }
+    return noPartner;
+}
+
+int findLabel(const ProgramCell *cells, const ProgramCell &name) {
+    for (int i = 0; !isEnd(cells[i]); i++) {
+        if (isToken(cells[i], label) && isSameLabel(cells[i + 1], name)) return i;
+    }
+    return noPartner;
+}
+
+int findTerminator(const ProgramCell *cells, int from) {
+    int i = from;
+    while (!isTerminator(cells[i])) i++;
+    return i;
+}
+
+}  // namespace numalink

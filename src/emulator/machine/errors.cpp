@@ -1,0 +1,27 @@
+// The five reports as one table of wordings.
+#include "emulator/machine/errors.h"
+
+#include "emulator/machine/machine.h"
+
+namespace numalink {
+
+void (*errorShown)(const char *text) = nullptr;
+
+namespace {
+
+void report(const char *text) {
+    if (errorShown != nullptr) errorShown(text);
+    if (!machine.errorFlag) machine.errorText = text;
+    machine.errorFlag = true;
+    if (machine.errorTrace != nullptr) machine.errorTrace->push_back({text, machine.statementsRun});
+}
+
+}  // namespace
+
+void synError() { report("Syn ERROR"); }
+void dimError() { report("Dim ERROR"); }
+void argError() { report("Arg  ERROR"); }
+void goError() { report("Go  ERROR"); }
+void maError() { report("Ma  ERROR"); }
+
+}  // namespace numalink

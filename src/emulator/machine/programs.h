@@ -1,0 +1,41 @@
+// The programs of a run as cells. Filled before the run starts, then only read, but for the marks that searches leave
+// for the next of their kind. The cells lie in blocks of their own that no view shares.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calculator/item_kinds.h"
+#include "emulator/machine/cells.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+inline constexpr std::size_t programCellLimit = 1u << 20;  // cells of all programs and their strings
+
+struct LoadedProgram {
+    std::string name;                    // calculator codes, cut at 11
+    ItemId item = noItem;                // where it comes from; noItem: not from the library
+    const ProgramCell *cells = nullptr;  // always ends in the token 0xFF
+    int cellCount = 0;                   // the end mark included
+    const int *terminators = nullptr;    // of each cell: the first terminator from there on
+    int *partners = nullptr;             // of each block statement: what a search found, or notSearched
+};
+inline constexpr int notSearched = -2;
+
+void programsClear();
+int programCount();
+const LoadedProgram &loadedProgram(int index);  // 0 to programCount() - 1
+
+// Translates a program image by prePass and appends it. False when the table or the room for cells is full: it is then
+// left out, and the caller tells.
+bool programAdd(std::string_view name, ByteView image, ItemId item = noItem);
+
+// The first program whose name matches by sameProgramName, or -1.
+int findProgram(std::string_view name);
+bool sameProgramName(std::string_view left, std::string_view right);
+// The first program named exactly f and the digit, or -1.
+int findGraphFunction(int digit);
+
+}  // namespace numalink

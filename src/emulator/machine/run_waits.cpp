@@ -1,0 +1,70 @@
+// How a run ends by itself, and the passes of its waits.
+#include <chrono>
+#include <condition_variable>
+
+#include "emulator/machine/key_port.h"
+#include "emulator/machine/pace.h"
+#include "emulator/machine/run_waits.h"
+#include "platform/clock.h"
+#include "platform/lock.h"
+
+namespace numalink {
+
+std::atomic<bool> runHalted = false;
+
+namespace {
+
+Lock wakeLock;  // so that a wake can't fall between the look and the sleep of a wait
+std::condition_variable wakeCondition GUARDED_BY(wakeLock);
+std::atomic<RunEnd> endCause = RunEnd::running;
+
+}  // namespace
+
+void runHalt(RunEnd cause) {
+    RunEnd first = RunEnd::running;
+    endCause.compare_exchange_strong(first, cause);
+    runHalted = true;
+}
+
+void runEndForget(RunEnd cause) {
+    endCause = cause;
+    runHalted = false;
+}
+
+RunEnd runEndCause() { return endCause; }
+
+void runWake() {
+    const HoldLock hold(wakeLock);
+    wakeCondition.notify_all();
+}
+
+int waitPassKey(RunEnd where) {
+    if (!runGoesOn()) return noKeyAnyMore;
+    if (!keyPort.beforeWaitTest()) {
+        runHalt(where);
+        return noKeyAnyMore;
+    }
+    return keyCode.load();
+}
+
+void clearKey(int seen) { keyCode.compare_exchange_strong(seen, 0); }
+
+void waitPassSleep(std::uint64_t milliseconds) {
+    if (clockPort.sleepMilliseconds != systemClock.sleepMilliseconds) {
+        sleepMilliseconds(milliseconds);
+        return;
+    }
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    HoldLock hold(wakeLock);
+    while (runGoesOn() && std::chrono::steady_clock::now() < end) hold.waitUntil(wakeCondition, end);
+}
+
+void waitPassPace(int units) {
+    if (fullSpeed) {
+        waitPassSleep(static_cast<std::uint64_t>(units) * 3 / 10);
+    } else {
+        paceWait(units);
+    }
+}
+
+}  // namespace numalink

@@ -1,0 +1,39 @@
+// The look that every wait and long walk takes at whether the run still goes on, the passes of the waits, and how a run
+// ends by itself. Run thread, but for runWake.
+#pragma once
+
+#include "emulator/machine/machine.h"
+
+namespace numalink {
+
+inline constexpr int executeKey = 31;  // EXE
+
+enum class RunEnd { running, end, triangle, cursor, input, limit, memory, nothingToRun };
+
+// Set by a run thread when the run ends by itself: keys, statements or memory gave out. runStart clears it.
+extern std::atomic<bool> runHalted;
+
+// Ends the run where it stands, as a stop does; the first cause counts.
+void runHalt(RunEnd cause);
+
+inline bool runGoesOn() {
+    return emulatorRunning.load(std::memory_order_relaxed) && !runHalted.load(std::memory_order_relaxed);
+}
+
+// The head of each pass of a wait: lets keyPort put in a key and gives what keyCode holds; noKeyAnyMore when the run
+// doesn't go on.
+inline constexpr int noKeyAnyMore = -1;
+int waitPassKey(RunEnd where);
+// keyCode becomes 0 unless another key than the one seen has come in between.
+void clearKey(int seen);
+// Sleeps for so long; a stop ends it.
+void waitPassSleep(std::uint64_t milliseconds);
+// The pace of a pass: at full speed it sleeps as long, since nobody is served by a processor that spins on a wait.
+void waitPassPace(int units);
+
+// What the runner alone asks.
+void runEndForget(RunEnd cause);  // a new run: not halted, with that as what runEndCause tells
+RunEnd runEndCause();
+void runWake();  // behind clearing emulatorRunning: ends the sleeps of waits
+
+}  // namespace numalink

@@ -1,0 +1,276 @@
+// The run threads: each walks one program a statement at a time. A caller joins its callee, so that one is active.
+#include "emulator/run/runner.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <system_error>
+#include <thread>
+
+#include "calculator/charset.h"
+#include "emulator/expressions/evaluator.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/block_search.h"
+#include "emulator/machine/errors.h"
+#include "emulator/machine/pace.h"
+#include "emulator/machine/programs.h"
+#include "emulator/machine/run_waits.h"
+#include "emulator/run/run_display.h"
+#include "emulator/screens/display.h"
+#include "emulator/statements/statements.h"
+#include "platform/clock.h"
+#include "settings/settings_store.h"
+#include "telling/graphical_calls.h"
+#include "telling/language_table.h"
+#include "telling/user_interface.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int haltText = 66, haltTitle = 65;
+constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
+constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting; a power of two
+
+struct CallRecord {
+    int program = 0;
+    std::thread thread;
+};
+
+std::array<CallRecord, callLimit> calls;  // the callers of the active thread and itself, record 0 first
+int nextCall = 0;
+std::uint64_t statementLimitOfRun = 0;
+bool haltTold = false;  // the box of a halt: every program in progress ends
+RunFault fault;         // the run threads', read between runs
+bool debugShown = false;
+std::atomic<int> debugVariables = 0, debugTemporaries = 0;
+
+// What begins again begins without the error at which it halted.
+void forgetHalt() {
+    haltTold = false;
+    fault = {};
+    machine.errorFlag = false;
+}
+
+enum class LoopEnd { programEnded, stopped };
+
+bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram); }
+
+// Copies the statement at position to the working array. False when it has more cells than that holds.
+bool takeStatement(RunState &state) {
+    state.color = pixelColor::blue;
+    machine.textColumn = 0;
+    if (state.statementLength > statementLimit) {
+        state.cellCount = 0;
+        makeBlank(state.statement[0]);
+        return false;
+    }
+    std::copy_n(state.program + state.position, state.statementLength, state.statement);
+    return true;
+}
+
+// What no statement has taken is an expression, and its value is kept.
+void evaluateLeftovers(RunState &state) {
+    evaluate(state.statement, 0, state.cellCount);
+    if (state.cellCount > 1) synError();
+    if (state.cellCount < 1) return;
+    const ProgramCell &cell = state.statement[0];
+    if (isNumber(cell)) machine.ans = cell.value;
+    if (cell.kind == CellKind::matrix) matrixAssign(ownedByVariable, machine.matrixSlots[matrixAnsSlot], cell.matrix);
+    if (cell.kind == CellKind::list)
+        matrixAssign(ownedByVariable, machine.listSlots[static_cast<std::size_t>(machine.currentFile)][listAnsSlot],
+                     cell.matrix);
+}
+
+void showDebug() {
+    if (machine.statementsRun % settingsInterval == 1) debugShown = settingsInt(setting::displayDebug) != 0;
+    if (!debugShown) return;
+    debugVariables = matrixRowsOwned(ownedByVariable);
+    debugTemporaries = matrixRowsOwned(ownedTemporarily);
+}
+
+bool isLineEnd(const ProgramCell &cell) {
+    return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
+}
+
+// The box also offers the way to the statement, which the front end takes.
+void tellHalt(const RunState &state) {
+    haltTold = true;
+    const LoadedProgram &program = loadedProgram(state.programIndex);
+    fault = {.item = program.item, .line = 1};
+    for (int i = 0; i < state.position - state.statementLength; i++) {
+        if (isTerminator(state.program[i])) fault.statement++;
+        if (!isLineEnd(state.program[i])) continue;
+        fault.line++;
+        fault.statement = 0;
+    }
+    Box box;
+    box.bodyNumber = haltText;
+    box.titleNumber = haltTitle;
+    box.arguments = {utf8FromCalculator(program.name), std::to_string(fault.line)};
+    box.body = languageFormat(haltText, box.arguments) + "\n" + machine.errorText;
+    box.title = languageText(haltTitle);
+    box.buttons = BoxButtons::okGoTo;
+    userInterface.messageBox(box);
+}
+
+// False when the program ends here.
+bool passErrors(const RunState &state) {
+    if (!machine.errorFlag) return true;
+    if (settingsInt(setting::haltOnError) == 0) {
+        machine.errorFlag = false;
+        return true;
+    }
+    tellHalt(state);
+    return false;
+}
+
+enum class StatementEnd { next, jump, programEnded, stopped };
+
+// From the normal end of a statement to behind its terminator.
+StatementEnd finishStatement(RunState &state) {
+    showDebug();
+    state.position += state.statementLength;
+    const ProgramCell &terminator = state.program[state.position];
+    if (isEnd(terminator)) {
+        if (machine.errorFlag) refreshScreen(false);  // the box speaks of what is shown
+        passErrors(state);
+        return StatementEnd::programEnded;
+    }
+    if (isToken(terminator, token::displayTriangle) && !showAtTriangle(state)) return StatementEnd::stopped;
+    refreshScreen(false);
+    if (!passErrors(state)) return StatementEnd::programEnded;
+    state.position++;
+    return StatementEnd::next;
+}
+
+StatementEnd runOneStatement(RunState &state) {
+    if (isEnd(state.program[state.position])) return StatementEnd::programEnded;
+    if (statementLimitOfRun != 0 && machine.statementsRun >= statementLimitOfRun) {
+        runHalt(RunEnd::limit);
+        return StatementEnd::stopped;
+    }
+    machine.statementsRun++;
+    state.statementLength = loadedProgram(state.programIndex).terminators[state.position] - state.position;
+    state.cellCount = state.statementLength;
+    // What the statement before an empty one left stays, with its temporaries: the end of the program may show it.
+    if (state.statementLength == 0) return finishStatement(state);
+    const bool fits = takeStatement(state);
+    freeTemporaries();
+    if (!runGoesOn()) return StatementEnd::stopped;
+    if (!fits) synError();
+    const WayOut way = runStatement(state);
+    if (way == WayOut::goesOn && state.cellCount > 0) evaluateLeftovers(state);
+    if (machine.exhausted) {
+        runHalt(RunEnd::memory);
+        return StatementEnd::stopped;
+    }
+    if (way == WayOut::jump) return StatementEnd::jump;
+    if (way == WayOut::programEnds || haltTold) return StatementEnd::programEnded;
+    return finishStatement(state);
+}
+
+LoopEnd runStatements(RunState &state) {
+    StatementEnd end = StatementEnd::next;
+    for (;;) {
+        if (end == StatementEnd::next) {
+            if (!runGoesOn()) return LoopEnd::programEnded;
+            pace(paceUnits::statement);
+        }
+        end = runOneStatement(state);
+        if (end == StatementEnd::programEnded) return LoopEnd::programEnded;
+        if (end == StatementEnd::stopped) return LoopEnd::stopped;
+    }
+}
+
+void callProgram(std::string_view name);
+
+void runProgramThread(int callIndex) {
+    threadRole = ThreadRole::run;
+    fullSpeed = settingsInt(setting::fullSpeed) == 1;
+    RunState state;
+    state.programIndex = calls[static_cast<std::size_t>(callIndex)].program;
+    state.program = loadedProgram(state.programIndex).cells;
+    state.callProgram = callProgram;
+    while (runStatements(state) == LoopEnd::programEnded && callIndex == 0 && showAtEnd(state)) {
+        forgetHalt();
+        state.position = 0;
+    }
+}
+
+// The callee has ended at once at full speed; else as the caller's looks would find it.
+void waitLikeAPoll(std::uint64_t since) {
+    if (fullSpeed) return;
+    const std::uint64_t past = (tickCount() - since) % callPoll;
+    waitPassSleep(callPoll - past);
+}
+
+// Prog: runs the program on a thread of its own and returns when it has ended. Run thread.
+void callProgram(std::string_view name) {
+    const int program = findProgram(name);
+    if (program < 0 || nextCall >= callLimit) {
+        goError();
+        return;
+    }
+    const int index = nextCall++;
+    CallRecord &record = calls[static_cast<std::size_t>(index)];
+    record.program = program;
+    const std::uint64_t start = tickCount();
+    try {
+        record.thread = std::thread(runProgramThread, index);
+        record.thread.join();
+        waitLikeAPoll(start);
+    } catch (const std::system_error &) {
+        goError();  // the system has no thread to give
+    }
+    nextCall--;
+}
+
+void joinRun() {
+    if (calls[0].thread.joinable()) calls[0].thread.join();
+    nextCall = 0;
+}
+
+}  // namespace
+
+bool runStart(const RunOptions &options) {
+    if (emulatorRunning) return false;
+    joinRun();
+    if (programCount() == 0) {
+        runEndForget(RunEnd::nothingToRun);
+        return false;
+    }
+    runEndForget(RunEnd::running);
+    graphicalCallsAccept(ThreadRole::run);
+    statementLimitOfRun = options.statementLimit;
+    forgetHalt();
+    calls[0].program = 0;
+    nextCall = 1;
+    emulatorRunning = true;
+    try {
+        calls[0].thread = std::thread(runProgramThread, 0);
+    } catch (const std::system_error &) {
+        emulatorRunning = false;
+    }
+    return emulatorRunning;
+}
+
+void runStop() {
+    emulatorRunning = false;
+    graphicalCallsRefuse(ThreadRole::run);
+    runWake();
+    joinRun();
+}
+
+void runWait() {
+    joinRun();
+    emulatorRunning = false;
+}
+
+RunEnd runEnded() { return runEndCause(); }
+
+const RunFault &runFault() { return fault; }
+
+DebugCounts runDebugCounts() { return {debugVariables, debugTemporaries}; }
+
+}  // namespace numalink

@@ -1,0 +1,199 @@
+// The statement table in its order of testing, which counts behind prefixes, and the way from a statement's first cell
+// to its row.
+#include "emulator/statements/statements.h"
+
+#include <array>
+
+#include "emulator/expressions/evaluator.h"
+#include "emulator/machine/errors.h"
+#include "emulator/screens/display.h"
+#include "emulator/statements/statement_rows.h"
+
+namespace numalink {
+
+namespace {
+
+WayOut runProg(RunState &state) {
+    const bool fits = state.cellCount == 2 && state.statement[1].kind == CellKind::string;
+    if (!fits) synError();
+    if (hasCell(state, 1) && state.statement[1].kind == CellKind::string)
+        state.callProgram(valueText(state.statement[1]));
+    return handled(state);
+}
+
+WayOut runStop(RunState &state) {
+    expectAlone(state);
+    return WayOut::programEnds;
+}
+
+// The token stays, for the bare expression to do nothing with it.
+WayOut runFile(RunState &state) {
+    expectAlone(state);
+    machine.currentFile = state.statement[0].token2 - 0xB8;
+    return WayOut::goesOn;
+}
+
+template <bool value>
+WayOut runGridSwitch(RunState &state) {
+    expectAlone(state);
+    machine.gridSwitch = value;
+    return handled(state);
+}
+
+template <int firstToken, bool value>
+WayOut runGraphSwitch(RunState &state) {
+    expectAlone(state);
+    machine.graphSwitches[static_cast<std::size_t>(state.statement[0].token2 - firstToken)] = value;
+    return handled(state);
+}
+
+struct StatementRow {
+    Token first, last;                // a run of tokens, or the same one twice
+    CellKind kind = CellKind::token;  // string: the row of a string
+    WayOut (*run)(RunState &state) = nullptr;
+};
+
+constexpr StatementRow one(Token token, WayOut (*run)(RunState &)) { return {token, token, CellKind::token, run}; }
+constexpr StatementRow range(Token first, Token last, WayOut (*run)(RunState &)) {
+    return {first, last, CellKind::token, run};
+}
+
+constexpr StatementRow rows[] = {
+    one({0x27}, handled),                                            // comment
+    range({0xD9}, {0xDD}, handled),                                  // mode command
+    one({0xE2}, handled),                                            // Lbl
+    one({0xE8}, runDsz),                                             // Dsz
+    one({0xE9}, runIsz),                                             // Isz
+    one({0xEB}, runViewWindow),                                      // ViewWindow
+    one({0xEC}, runGoto),                                            // Goto
+    range({0x7F, 0x34}, {0x7F, 0x36}, runColor),                     // Orange, Blue, Green
+    one({0x7F, 0x47}, runFill),                                      // Fill(
+    one({0xD1}, runCls),                                             // Cls
+    one({0xE0}, runPlot),                                            // Plot
+    one({0xE1}, runLine),                                            // Line
+    {{}, {}, CellKind::string, runString},                           // a string
+    one({0xED}, runProg),                                            // Prog
+    one({0xF7, 0x00}, runIf),                                        // If
+    one({0xF7, 0x02}, runElse),                                      // Else
+    one({0xF7, 0x04}, runFor),                                       // For
+    one({0xF7, 0x07}, runNext),                                      // Next
+    one({0xF7, 0x08}, runWhile),                                     // While
+    one({0xF7, 0x09}, runWhileEnd),                                  // WhileEnd
+    one({0xF7, 0x0A}, handled),                                      // Do
+    one({0xF7, 0x0B}, runLoopWhile),                                 // LpWhile
+    range({0xF7, 0x0D}, {0xF7, 0x0E}, runStop),                      // Stop
+    one({0xF7, 0x10}, runLocate),                                    // Locate
+    one({0xF7, 0x18}, runClearText),                                 // ClrText
+    one({0xF7, 0x19}, runClearGraph),                                // ClrGraph
+    one({0xF7, 0x78}, runNoBackground),                              // BG-None
+    one({0xF7, 0x79}, runBackground),                                // BG-Pict
+    one({0xF7, 0x7A}, runGridSwitch<true>),                          // grid switch on
+    one({0xF7, 0x7B}, runGridSwitch<false>),                         // grid switch off
+    one({0xF7, 0x93}, runStorePicture),                              // StoPict
+    one({0xF7, 0x94}, runRecallPicture),                             // RclPict
+    one({0xF7, 0x97}, runStoreWindow),                               // StoV-Win
+    one({0xF7, 0x98}, runRecallWindow),                              // RclV-Win
+    one({0xF7, 0xA3}, runVertical),                                  // Vertical
+    one({0xF7, 0xA4}, runHorizontal),                                // Horizontal
+    one({0xF7, 0xA5}, runText),                                      // Text
+    one({0xF7, 0xA6}, runCircle),                                    // Circle
+    one({0xF7, 0xA7}, runFLine),                                     // F-Line
+    one({0xF7, 0xA8}, runPlot),                                      // PlotOn
+    one({0xF7, 0xA9}, runPlotOff),                                   // PlotOff
+    one({0xF7, 0xAA}, runPlotChange),                                // PlotChg
+    one({0xF7, 0xAB}, runPixelOn),                                   // PxlOn
+    one({0xF7, 0xAC}, runPixelOff),                                  // PxlOff
+    one({0xF7, 0xAD}, runPixelChange),                               // PxlChg
+    one({0xF7, 0xAF}, runPixelTest),                                 // PxlTest
+    range({0xF7, 0xB8}, {0xF7, 0xBD}, runFile),                      // File
+    range({0xF7, 0xC0}, {0xF7, 0xC5}, runGraphSwitch<0xC0, true>),   // switch on
+    range({0xF7, 0xD0}, {0xF7, 0xD5}, runGraphSwitch<0xD0, false>),  // switch off
+};
+constexpr int rowCount = static_cast<int>(std::size(rows));
+constexpr std::int16_t noRow = -1;
+
+// The row of each token: a block for single bytes, one behind 0x7F, one behind 0xF7.
+struct RowIndex {
+    std::array<std::int16_t, std::size_t{3} * 256> rowOf{};
+    std::int16_t ofString = noRow;
+};
+
+constexpr std::size_t placeOf(std::uint8_t first, std::uint8_t second) {
+    if (first == 0x7F) return 256u + second;
+    if (first == 0xF7) return 512u + second;
+    return first;
+}
+
+constexpr RowIndex makeIndex() {
+    RowIndex index;
+    index.rowOf.fill(noRow);
+    for (int i = 0; i < rowCount; i++) {
+        const auto number = static_cast<std::int16_t>(i);
+        if (rows[i].kind == CellKind::string) {
+            index.ofString = number;
+            continue;
+        }
+        const std::size_t last = placeOf(rows[i].last.first, rows[i].last.second);
+        for (std::size_t place = placeOf(rows[i].first.first, rows[i].first.second); place <= last; place++)
+            index.rowOf[place] = number;
+    }
+    return index;
+}
+constexpr RowIndex rowIndex = makeIndex();
+
+int rowOf(const ProgramCell &cell) {
+    if (cell.kind == CellKind::token) return rowIndex.rowOf[placeOf(cell.token1, cell.token2)];
+    return cell.kind == CellKind::string ? rowIndex.ofString : noRow;
+}
+
+}  // namespace
+
+WayOut runStatement(RunState &state) {
+    int tested = noRow;
+    while (state.cellCount > 0) {
+        const int row = rowOf(state.statement[0]);
+        if (row <= tested) break;
+        tested = row;
+        const WayOut way = rows[row].run(state);
+        if (way != WayOut::goesOn) return way;
+    }
+    const int condition = findToken(token::then, state.statement, 0, state.cellCount);
+    if (condition >= 0) return runCondition(state, condition);
+    const int arrow = findToken(token::arrow, state.statement, 0, state.cellCount);
+    return arrow >= 0 ? runAssignment(state, arrow) : WayOut::goesOn;
+}
+
+WayOut takePrefix(RunState &state) {
+    makeBlank(state.statement[0]);
+    compactCells(state.statement, 0, state.cellCount);
+    return WayOut::goesOn;
+}
+
+void evaluateAll(RunState &state) { evaluate(state.statement, 0, state.cellCount); }
+
+void evaluateRest(RunState &state) {
+    int count = state.cellCount - 1;
+    evaluate(state.statement, 1, count);
+    state.cellCount = count + 1;
+}
+
+bool hasShape(const RunState &state, int first, const char *shape) {
+    for (int i = first; *shape != '\0'; i++, shape++) {
+        if (!hasCell(state, i)) return false;
+        const ProgramCell &cell = state.statement[i];
+        const bool fits = *shape == ',' ? isToken(cell, token::comma)
+                                        : isNumber(cell) || (*shape == 'v' && cell.kind == CellKind::string);
+        if (!fits) return false;
+    }
+    return true;
+}
+
+void expectShape(const RunState &state, int count, const char *shape) {
+    if ((count != anyCount && state.cellCount != count) || !hasShape(state, 1, shape)) synError();
+}
+
+void expectAlone(const RunState &state) {
+    if (state.cellCount != 1) synError();
+}
+
+}  // namespace numalink
