@@ -36,10 +36,7 @@ IdleRead readIdle(Family family) {
     return idle;
 }
 
-void showIdle(Family family) {
-    userInterface.progressPosition(0);
-    linkStatus(family == Family::cfx ? cfxIdleText : algebraIdleText);
-}
+void showIdle(Family family) { linkStatus(family == Family::cfx ? cfxIdleText : algebraIdleText); }
 
 void sendAttention() {
     if (!attentionTakeWish()) return;
@@ -76,7 +73,9 @@ void actOn(Family family, std::uint8_t byte) {
 bool linkIdleLoop(Family family) {
     bool idleIsDue = true;
     while (!conversationOver()) {
-        if (idleIsDue || linkNoticeState() == NoticeState::over) showIdle(family);
+        if (idleIsDue) userInterface.progressRange(0);
+        const bool showsResult = idleIsDue && linkResultTake();
+        if ((idleIsDue && !showsResult) || linkNoticeState() == NoticeState::over) showIdle(family);
         if (idleIsDue) linkNoticeRepeat();
         idleIsDue = false;
         sendAttention();

@@ -36,13 +36,19 @@ constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
                             {LineFault::notSerial, OwnText::portNotSerial},
                             {LineFault::failed, OwnText::portFailed}};
 
+// The port of the defaults, and the system has none of that name: nobody has chosen one.
+bool noneChosen(const LineOpening &opening) {
+    return opening.fault == LineFault::missing && opening.path == setting::comPortDefault;
+}
+
 // Why the port is closed: as a box where the user waits for it, else as a line in the status bar.
 void tellClosed(const LineOpening &opening, bool asBox) {
     constexpr int notOpenedText = 44;
     for (const Cause &cause : causes) {
         if (cause.fault != opening.fault) continue;
         const bool noGroup = opening.fault == LineFault::denied && opening.group.empty();
-        const OwnText text = noGroup ? OwnText::portForbidden : cause.text;
+        OwnText text = noGroup ? OwnText::portForbidden : cause.text;
+        if (noneChosen(opening)) text = OwnText::portNone;
         if (asBox) {
             tellMore(notOpenedText, text, {opening.path, opening.group}, BoxIcon::none);
         } else {
@@ -72,6 +78,7 @@ void converse(Family family, const LineOpening &opening) {
     if (!opening.settingsTaken) tellUser(settingsRefusedText);
     const bool inTransfer = linkIdleLoop(family);
     serialLine.close();
+    if (!conversationStopped()) userInterface.progressRange(0);
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
 }
 
@@ -85,7 +92,7 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
             converse(family, opening);
             told = true;
         } else if (!told && !conversationStopped()) {
-            tellClosed(opening, chosenByUser);
+            tellClosed(opening, chosenByUser && !noneChosen(opening));
             told = true;
         }
         if (!conversationStopped()) waitClosed(opening);
@@ -118,6 +125,7 @@ void startLinkThread() {
         stopLinkThread();
         linkNoticeForget();
         userInterface.statusText(StatusPart::link, 0, "");
+        userInterface.progressRange(0);
         if (cut) {
             userInterface.refreshTree();  // what the stopped conversation has stored
             linkNotice(OwnText::transferStopped);

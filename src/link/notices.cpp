@@ -1,5 +1,8 @@
 #include "link/notices.h"
 
+#include <atomic>
+
+#include "link/conversation.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
 #include "telling/user_interface.h"
@@ -19,6 +22,7 @@ struct Notice {
 };
 
 Lock noticeLock;
+std::atomic<bool> resultShown = false;
 Notice notice GUARDED_BY(noticeLock);
 
 void keep(const Notice &kept) {
@@ -36,6 +40,13 @@ void linkNotice(OwnText text, const std::vector<std::string> &arguments) {
 }
 
 void linkNoticeShown() { keep({.standing = true, .atRest = true, .since = tickCount(), .number = 0, .text = {}}); }
+
+void linkResult(int textNumber) {
+    resultShown = true;
+    linkStatus(textNumber);
+}
+
+bool linkResultTake() { return resultShown.exchange(false); }
 
 void linkNoticeForget() { keep({}); }
 

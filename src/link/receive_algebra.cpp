@@ -6,6 +6,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/receive_storage.h"
 #include "store/undo/undo.h"
 #include "telling/language_table.h"
@@ -112,7 +113,7 @@ bool receiveNext(Tally &tally) {
     }
     userInterface.refreshTree();
     tally.treeIsFresh = true;
-    linkStatus(receivedText);
+    linkResult(receivedText);
     return false;
 }
 

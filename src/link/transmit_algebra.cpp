@@ -4,6 +4,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/transmit_end.h"
 #include "telling/language_table.h"
 
@@ -59,7 +60,7 @@ void transmitToAlgebra() {
     if (exchangeModels() && transmitQueued()) {
         linkStatus(closingText);
         sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
-        linkStatus(finishedText);
+        linkResult(finishedText);
     }
     clearSentFromTemp();
 }

@@ -112,6 +112,23 @@ TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
     EXPECT_FALSE(emulatorRunning);
 }
 
+TEST_F(Emulator, AHaltInTheLastLineNamesItsErrorAndLeadsToTheStatement) {
+    settingsSetInt(setting::haltOnError, 1);
+    answerBoxes = false;
+    run("1\\->A\r\"A:B\":2,,3");
+    ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }, 3000));
+    const QWidget *box = QApplication::activeModalWidget();
+    const QRect display(
+        window->mapToGlobal(QPoint((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1)),
+        QSize(displayWidth, displayHeight));
+    EXPECT_FALSE(box->frameGeometry().intersects(display)) << "it speaks of what the display shows";
+    answer(textOf(OwnText::goToStatement).remove(QLatin1Char('&')).toStdString());
+    answerBoxes = true;
+    ASSERT_TRUE(QTest::qWaitFor([] { return !emulatorRunning && programEdit->hasFocus(); }, 3000));
+    EXPECT_NE(shown.back().find("Syn ERROR"), std::string::npos) << shown.back();
+    EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("2,,3"));
+}
+
 TEST_F(Emulator, EndsAtOnceWhileABoxOfTheRunIsOpen) {
     settingsSetInt(setting::haltOnError, 1);
     running = false;

@@ -1,6 +1,7 @@
 // Drawn views and the dialogs, in the real window.
 #include "calculator/number_text.h"
 #include "drawing/item_picture.h"
+#include "shell/parts/program_colors.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/surface_view.h"
 
@@ -76,8 +77,19 @@ TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
 }
 
 TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
+    for (const char *key : programColorKeys) settingsSetColour(key, 0);
+    settingsSetInt(setting::syntaxHighlighting, 0);
     handleCommand(command::settings);  // Escape
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0);
+    QTimer::singleShot(0, [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        EXPECT_LE(dialog->height(), 500) << "of 600 dots, or of 1080 at scale 2";
+        dialog->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting))->click();
+    });
+    answer(ownText(OwnText::schemeDark));
+    answer(languageText(113));
+    handleCommand(command::settings);
+    EXPECT_EQ(shown[1], ownText(OwnText::colorsAllBlack));
     QTimer::singleShot(0, [] {
         QWidget *dialog = QApplication::activeModalWidget();
         dialog->findChild<QPushButton *>(QStringLiteral("darkScheme"))->click();

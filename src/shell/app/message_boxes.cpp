@@ -3,10 +3,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QTimer>
 
 #include "platform/thread_role.h"
@@ -18,6 +16,7 @@
 #include "shell/dialogs/worker_dialogs.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/status_bar.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
@@ -73,31 +72,16 @@ Answer messageBox(const Box &box) {
 }
 
 void statusText(StatusPart part, int, const std::string &text) {
-    graphicalRun([&] {
-        QLabel *field = part == StatusPart::link ? linkField : itemField;
-        if (part == StatusPart::progress || field == nullptr) return;
-        // The link's field has a fixed width: what doesn't fit is in its tool tip.
-        field->setToolTip(toQt(text));
-        const bool fixed = part == StatusPart::link;
-        field->setText(fixed ? field->fontMetrics().elidedText(toQt(text), Qt::ElideRight, field->width())
-                             : toQt(text));
-    });
+    if (part == StatusPart::progress) return;
+    graphicalRun([&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text)); });
 }
 
 void progressRange(int maximum) {
-    graphicalRun([&] {
-        if (progressBar == nullptr) return;
-        progressBar->setRange(0, maximum > 0 ? maximum : 1);
-        progressBar->setValue(0);
-    });
+    graphicalRun([&] { showProgress(maximum); });
 }
 
 void progressPosition(int position) {
-    graphicalRun([&] {
-        if (progressBar == nullptr) return;
-        progressBar->setValue(position);
-        progressBar->repaint();
-    });
+    graphicalRun([&] { moveProgress(position); });
 }
 
 void waitCursor(bool on) {

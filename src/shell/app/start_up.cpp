@@ -7,10 +7,12 @@
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
+#include "platform/files.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "shell/app/message_boxes.h"
+#include "shell/app/qt_language.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/stop_signals.h"
 #include "shell/app/tray.h"
@@ -22,6 +24,7 @@
 #include "shell/dialogs/about_box.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/program_colors.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/views/item_views.h"
@@ -56,6 +59,22 @@ bool openLibrary() {
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
 bool settingsRead = true;
+bool isFirstUse = false;  // neither a library nor settings were there
+
+bool loadSettings() {
+    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
+    return settingsLoad();
+}
+
+// Programs show their colours from the start, where nobody has chosen otherwise.
+bool colourFirstUse() {
+    if (!isFirstUse) return true;
+    const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
+    for (std::size_t i = 0; i < scheme.size(); i++)
+        settingsSetColour(programColorKeys[i], settingColour(QColor::fromRgb(scheme[i])));
+    settingsSetInt(setting::syntaxHighlighting, 1);
+    return settingsSave() || failWith(OwnText::settingsNotSaved);
+}
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
@@ -72,8 +91,9 @@ bool showFirst() {
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
     {"running copy", [] { return !raiseRunningCopy(); }, false},  // if one runs, opening the library ends the start
-    {"settings", [] { return settingsRead = settingsLoad(); }, false},
+    {"settings", [] { return settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
+    {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
@@ -87,6 +107,7 @@ constexpr StartStep startSteps[] = {
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
+    {"colours of a new library", colourFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(OwnText::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
