@@ -1,7 +1,10 @@
 #include "shell/run/emulator_keys.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QTimer>
+#include <chrono>
 #include <optional>
 
 #include "emulator/machine/keypad.h"
@@ -11,6 +14,9 @@
 namespace numalink {
 
 namespace {
+
+constexpr qint64 shortestPress = 60;  // milliseconds: a wait of a run looks at the key every 50 at the longest
+QElapsedTimer sincePress;
 
 struct NamedKey {
     int key;
@@ -85,6 +91,23 @@ std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
 
 }  // namespace
 
+void pressKey(int code) {
+    keyCode = code;
+    sincePress.start();
+}
+
+void releaseKey() {
+    const qint64 held = sincePress.isValid() ? sincePress.elapsed() : shortestPress;
+    if (held >= shortestPress) {
+        keyCode = 0;
+        return;
+    }
+    const auto rest = std::chrono::milliseconds(shortestPress - held);
+    QTimer::singleShot(rest, qApp, [] {
+        if (sincePress.elapsed() >= shortestPress) keyCode = 0;  // else another one has come
+    });
+}
+
 bool emulatorKeyDown(const QKeyEvent &event) {
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
         // Once its event has returned: the stop opens the program's view and moves the focus.
@@ -95,12 +118,14 @@ bool emulatorKeyDown(const QKeyEvent &event) {
         }
         return true;
     }
-    if (const std::optional<KeyboardKey> key = keyboardKeyOf(event)) keyCode = keyCodeOf(*key);
+    const std::optional<KeyboardKey> key = keyboardKeyOf(event);
+    if (!key) return true;
+    event.isAutoRepeat() ? void(keyCode = keyCodeOf(*key)) : pressKey(keyCodeOf(*key));
     return true;
 }
 
 bool emulatorKeyUp(const QKeyEvent &event) {
-    if (!event.isAutoRepeat()) keyCode = 0;
+    if (!event.isAutoRepeat()) releaseKey();
     return true;
 }
 

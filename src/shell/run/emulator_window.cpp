@@ -112,7 +112,7 @@ void mousePressed(const QMouseEvent &mouse) {
     if (!emulatorRunning || mouse.button() != Qt::LeftButton) return;
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
-    keyCode = key;
+    pressKey(key);
     if (key == stopKey) {
         QTimer::singleShot(0, emulatorWindow, [] {
             if (emulatorRunning) emulatorToggle();
@@ -133,7 +133,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             mousePressed(*static_cast<QMouseEvent *>(event));
             return true;
         case QEvent::MouseButtonRelease:
-            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) keyCode = 0;
+            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) releaseKey();
             return true;
         case QEvent::Leave:
             outlinedKey = 0;
