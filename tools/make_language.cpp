@@ -1,9 +1,11 @@
-// make_language texts.tsv own_texts.tsv own_texts.inc FOLDER: writes FOLDER/LANGUAGE.clf for each language column, and
-// the C++ list of our own texts. texts.tsv has a row a number (1 to 163, and 0 for the language's name in itself);
+// make_language texts.tsv own_texts.tsv texts.inc FOLDER: writes FOLDER/LANGUAGE.clf for each language column, and the
+// enumerators of all texts, in C++. texts.tsv has a row a number (1 to 163, and 0 for the language's name in itself);
 // own_texts.tsv a row a text of our own, whose number (164 to 199) is shared: such texts are joined by "|". Columns:
-// number, name, then one a language, English first. Refuses gaps, translations whose %d and %s differ from the English
-// ones, menus in which two entries share a key, texts too long for the calculators' surfaces, and more texts than the
-// program keeps of two languages.
+// number, name, then one a language, English first. Behind the name may stand "@" and a menu, in which no two texts may
+// share a key, or "@" and the most letters that the place of the text has room for. Refuses gaps, names that come
+// twice, translations whose %d and %s differ from the English ones, and more texts than the program keeps of two
+// languages.
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <set>
@@ -17,18 +19,6 @@ constexpr int languageNameNumber = 0, firstOwnNumber = 164, textNumberEnd = 200;
 // it.
 constexpr std::size_t mostTextBytes = 65536 / 2;
 const std::set<int> unusedNumbers = {5, 29, 80, 94, 95};
-
-// The texts of each menu: the bar, File, Item, Edit, and the editor's own. Each needs a key of its own there. (Text 10,
-// in the editor's menu too, is a toolbar label and has none.)
-const std::vector<std::vector<int>> menus = {{67, 68, 69, 163, 70, 162, 71},
-                                             {73, 74, 75, 76},
-                                             {122, 77, 78, 79, 81, 82, 83, 84, 85},
-                                             {86, 87, 88},
-                                             {7, 8, 9, 11}};
-
-// Code points that a text may have where a calculator surface or an item name takes it: the lines of the backup view,
-// and the default name, which has to fit a program.
-const std::map<int, std::size_t> widest = {{12, 24}, {13, 7}, {14, 7}, {15, 12}, {16, 10}, {19, 8}};
 
 std::string placeholdersOf(const std::string &file, const tool::Line &line, const std::string &text) {
     std::string found;
@@ -45,6 +35,7 @@ std::string placeholdersOf(const std::string &file, const tool::Line &line, cons
 struct Row {
     int number;
     std::string name;
+    std::vector<std::string> places;  // menus, or the most letters
     std::vector<std::string> texts;
 };
 
@@ -70,7 +61,10 @@ Table readTable(const std::string &file, bool own) {
             continue;
         }
         if (fields.size() != table.languages.size() + 2) tool::fault(file, line.number, "a language is missing");
-        Row row{numberOf(file, line, fields[0]), fields[1], {fields.begin() + 2, fields.end()}};
+        const std::vector<std::string> name = tool::splitAt(fields[1], '@');
+        Row row{numberOf(file, line, fields[0]), name[0], {}, {}};
+        if (name.size() > 1) row.places = tool::splitAt(name[1], ',');
+        row.texts.assign(fields.begin() + 2, fields.end());
         if (own != (row.number >= firstOwnNumber) || row.number < languageNameNumber || row.number >= textNumberEnd)
             tool::fault(file, line.number, "number out of range");
         for (const std::string &text : row.texts) {
@@ -106,32 +100,25 @@ char menuKey(const std::string &text) {
     return key;
 }
 
-void checkMenus(const std::string &file, const std::map<int, std::string> &texts) {
-    for (const std::vector<int> &menu : menus) {
-        std::map<char, int> taken;
-        for (int number : menu) {
-            const char key = menuKey(texts.at(number));
-            if (key == '\0') tool::fault(file, 0, "a menu text needs one & ahead of its key: " + texts.at(number));
-            const auto [place, isNew] = taken.emplace(key, number);
-            if (!isNew) tool::fault(file, 0, texts.at(number) + " has the key of " + texts.at(place->second));
-        }
+void checkPlace(const std::string &file, const std::string &place, const std::string &text,
+                std::map<std::string, std::string> &taken) {
+    if (place[0] >= '0' && place[0] <= '9') {
+        const auto letters =
+            std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
+        if (letters > std::stoi(place)) tool::fault(file, 0, "too long for its place: " + text);
+        return;
     }
+    const char key = menuKey(text);
+    if (key == '\0') tool::fault(file, 0, "a menu text needs one & ahead of its key: " + text);
+    const auto [at, isNew] = taken.emplace(place + key, text);
+    if (!isNew) tool::fault(file, 0, text + " has the key of " + at->second);
 }
 
-void checkWidths(const std::string &file, const std::map<int, std::string> &texts) {
-    for (const auto &[number, most] : widest) {
-        std::size_t points = 0;
-        for (const char byte : texts.at(number)) points += (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-        if (points > most) tool::fault(file, 0, "too long for its place: " + texts.at(number));
-    }
-}
-
-void checkPlaces(const std::string &file, const Table &table) {
-    for (std::size_t column = 0; column < table.languages.size(); column++) {
-        std::map<int, std::string> texts;
-        for (const Row &row : table.rows) texts[row.number] = row.texts[column];
-        checkMenus(file, texts);
-        checkWidths(file, texts);
+void checkPlaces(const std::string &file, const std::vector<Row> &rows, std::size_t languages) {
+    for (std::size_t column = 0; column < languages; column++) {
+        std::map<std::string, std::string> taken;  // by menu and key
+        for (const Row &row : rows)
+            for (const std::string &place : row.places) checkPlace(file, place, row.texts[column], taken);
     }
 }
 
@@ -155,12 +142,13 @@ std::string languageFile(const Table &fixed, const Table &own, std::size_t colum
     return file;
 }
 
-// "name = number * 100 + place," for each text of our own.
-std::string enumerators(const std::string &file, const Table &own) {
+// "name = number * 100 + place in its list," for each text. The language's name is no text of the program: none is 0.
+std::string enumerators(const std::string &file, const std::vector<Row> &rows) {
     std::map<int, int> places;
-    std::set<std::string> names;
-    std::string list;
-    for (const Row &row : own.rows) {
+    std::set<std::string> names = {"none"};
+    std::string list = "none = 0,\n";
+    for (const Row &row : rows) {
+        if (row.number == languageNameNumber) continue;
         if (!names.insert(row.name).second) tool::fault(file, 0, "name " + row.name + " twice");
         if (places[row.number] >= 100) tool::fault(file, 0, "more than 100 texts under one number");
         list += row.name + " = " + std::to_string(row.number * 100 + places[row.number]++) + ",\n";
@@ -171,15 +159,17 @@ std::string enumerators(const std::string &file, const Table &own) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 5) tool::fault("make_language", 0, "usage: make_language texts.tsv own_texts.tsv own_texts.inc FOLDER");
+    if (argc != 5) tool::fault("make_language", 0, "usage: make_language texts.tsv own_texts.tsv texts.inc FOLDER");
     const Table fixed = readTable(argv[1], false);
     const Table own = readTable(argv[2], true);
     if (fixed.languages != own.languages) tool::fault(argv[2], 0, "the two tables differ in their languages");
     checkNumbers(argv[1], fixed);
-    checkPlaces(argv[1], fixed);
+    std::vector<Row> all = fixed.rows;
+    all.insert(all.end(), own.rows.begin(), own.rows.end());
+    checkPlaces(argv[2], all, fixed.languages.size());
     for (std::size_t column = 0; column < fixed.languages.size(); column++)
         tool::writeFile(std::string(argv[4]) + "/" + fixed.languages[column] + ".clf",
                         languageFile(fixed, own, column));
-    tool::writeFile(argv[3], enumerators(argv[2], own));
+    tool::writeFile(argv[3], enumerators(argv[2], all));
     return 0;
 }

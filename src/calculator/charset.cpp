@@ -92,8 +92,6 @@ char plainLetter(char32_t codePoint) {
     return letter == '?' ? '\0' : letter;
 }
 
-char foldCode(char code) { return code >= 'A' && code <= 'Z' ? static_cast<char>(code - 'A' + 'a') : code; }
-
 }  // namespace
 
 char32_t charsetToUnicode(std::uint8_t code) { return codePoints[code]; }
@@ -137,21 +135,6 @@ std::string calculatorName(std::string_view utf8) {
     for (const char ending : {'\0', '\n', '\r'}) std::ranges::replace(name, ending, '?');
     if (name.size() > nameLimit) name.resize(nameLimit);
     return name;
-}
-
-std::string foldCase(std::string_view calculatorText) {
-    std::string folded(calculatorText);
-    std::ranges::transform(folded, folded.begin(), foldCode);
-    return folded;
-}
-
-bool equalWithoutCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && startsWithoutCase(a, b);
-}
-
-bool startsWithoutCase(std::string_view text, std::string_view prefix) {
-    return text.size() >= prefix.size() &&
-           std::ranges::equal(text.substr(0, prefix.size()), prefix, {}, foldCode, foldCode);
 }
 
 }  // namespace numalink

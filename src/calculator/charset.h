@@ -1,5 +1,5 @@
 // The calculators' 256 character codes against Unicode, one to one. Fixed tables made from data/charset.tsv.
-// Also the single-byte text operations that names need. Any thread; no state.
+// Any thread; no state.
 #pragma once
 
 #include <cstdint>
@@ -22,10 +22,5 @@ std::string calculatorFromUtf8(std::string_view utf8, int *missing = nullptr);
 
 // A folder or standard-folder name brought into the character set and cut to 52 codes.
 std::string calculatorName(std::string_view utf8);
-
-// A to Z folded to a to z; every other code stays. The one rule by which names compare.
-std::string foldCase(std::string_view calculatorText);
-bool equalWithoutCase(std::string_view a, std::string_view b);
-bool startsWithoutCase(std::string_view text, std::string_view prefix);
 
 }  // namespace numalink

@@ -34,12 +34,15 @@ static_assert(std::ranges::is_sorted(kindRows, {}, &KindRow::itemKind));
 
 struct FolderRow {
     ItemKind folderKind;
-    int nameNumber;
+    Text name;
 };
 
 constexpr FolderRow folderRows[] = {
-    {1001, 15}, {1003, 30}, {1004, 49},  {1005, 27}, {1006, 28},
-    {1007, 32}, {1008, 31}, {1009, 109}, {1010, 50}, {1011, 154},
+    {1001, Text::programsFolder},      {1003, Text::backupsFolder},
+    {1004, Text::otherItemsFolder},    {1005, Text::matricesFolder},
+    {1006, Text::listsFolder},         {1007, Text::picturesFolder},
+    {1008, Text::graphMemoriesFolder}, {1009, Text::functionMemoriesFolder},
+    {1010, Text::screenCopiesFolder},  {1011, Text::algebraFolder},
 };
 static_assert(std::ranges::is_sorted(folderRows, {}, &FolderRow::folderKind));
 
@@ -55,9 +58,9 @@ ItemKind standardFolderOfKind(ItemKind itemKind) {
     return row ? row->standardFolder : kind::none;
 }
 
-int standardFolderName(ItemKind folderKind) {
+Text standardFolderName(ItemKind folderKind) {
     const FolderRow *row = std::ranges::find(folderRows, folderKind, &FolderRow::folderKind);
-    return row == std::end(folderRows) ? 0 : row->nameNumber;
+    return row == std::end(folderRows) ? Text::none : row->name;
 }
 
 int treeImageOfKind(ItemKind itemKind) {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "telling/texts.h"
+
 namespace numalink {
 
 using ItemId = std::uint32_t;
@@ -38,8 +40,8 @@ inline bool isTextKind(ItemKind itemKind) { return itemKind == kind::program || 
 // in 1011), or kind::none.
 ItemKind standardFolderOfKind(ItemKind itemKind);
 
-// The language text number of a standard folder's name, or 0 when the kind is no standard folder.
-int standardFolderName(ItemKind folderKind);
+// A standard folder's name, or none when the kind is no standard folder.
+Text standardFolderName(ItemKind folderKind);
 
 // Place in the strip of tree images, 0 to 9; 8 for a kind that isn't known.
 int treeImageOfKind(ItemKind itemKind);

@@ -9,6 +9,7 @@
 #include "exchange/import/bitmap_import.h"
 #include "exchange/import/import.h"
 #include "platform/files.h"
+#include "platform/letter_case.h"
 #include "platform/picture_file.h"
 
 namespace numalink {

@@ -80,14 +80,14 @@ void print(const nlohmann::ordered_json &object, const std::string &line) {
 Answer showBox(const Box &box) {
     if (box.buttons == BoxButtons::okCancel) {
         const Answer answer = chosenAnswer;
-        print({{"question", box.bodyNumber}, {"answer", wordOf(answer)}, {"text", box.body}},
-              "question " + std::to_string(box.bodyNumber) + ": " + box.body + " " + wordOf(answer));
+        print({{"question", textNumber(box.bodyText)}, {"answer", wordOf(answer)}, {"text", box.body}},
+              "question " + std::to_string(textNumber(box.bodyText)) + ": " + box.body + " " + wordOf(answer));
         return answer == Answer::yes ? Answer::ok : Answer::cancel;
     }
-    nlohmann::ordered_json numbers = {box.bodyNumber, box.titleNumber};
+    nlohmann::ordered_json numbers = {textNumber(box.bodyText), textNumber(box.titleText)};
     for (const std::string &argument : box.arguments) numbers.push_back(argument);
-    print({{"box", numbers}, {"text", box.body}},
-          "box " + std::to_string(box.bodyNumber) + " " + std::to_string(box.titleNumber) + ": " + box.body);
+    print({{"box", numbers}, {"text", box.body}}, "box " + std::to_string(textNumber(box.bodyText)) + " " +
+                                                      std::to_string(textNumber(box.titleText)) + ": " + box.body);
     return Answer::ok;
 }
 
@@ -109,7 +109,8 @@ void installLinkUi() {
     userInterface.messageBox = showBox;
     userInterface.askItemExists = answerExists;
     userInterface.askPictureSlot = answerSlot;
-    userInterface.statusText = [](StatusPart part, int number, const std::string &text) {
+    userInterface.statusText = [](StatusPart part, Text told, const std::string &text) {
+        const int number = textNumber(told);
         if (part != StatusPart::link || (number == 0 && text.empty())) return;
         print({{"status", number}, {"text", text}}, "status " + std::to_string(number) + ": " + text);
     };

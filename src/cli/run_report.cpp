@@ -104,7 +104,7 @@ Json surfaceAsJson(const Surface &surface) {
 Json boxesAsJson(const std::vector<Box> &boxes) {
     Json list = Json::array();
     for (const Box &box : boxes) {
-        Json entry = {box.bodyNumber, box.titleNumber};
+        Json entry = {textNumber(box.bodyText), textNumber(box.titleText)};
         for (const std::string &argument : box.arguments) entry.push_back(argument);
         list.push_back(entry);
     }

@@ -23,7 +23,8 @@ Answer showBox(const Box &box) {
     boxCount++;
     if (!subject.empty()) std::fprintf(stderr, "numalink-cli: %s\n", onOneLine(subject).c_str());
     subject.clear();
-    std::fprintf(stderr, "box %d %d: %s\n", box.bodyNumber, box.titleNumber, onOneLine(box.body).c_str());
+    std::fprintf(stderr, "box %d %d: %s\n", textNumber(box.bodyText), textNumber(box.titleText),
+                 onOneLine(box.body).c_str());
     return box.buttons == BoxButtons::ok ? Answer::ok : Answer::cancel;
 }
 
@@ -50,7 +51,7 @@ void terminalUiInstall() {
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
     userInterface.askBitmap = answerBitmap;
-    userInterface.statusText = [](StatusPart, int, const std::string &text) {
+    userInterface.statusText = [](StatusPart, Text, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
 }

@@ -15,7 +15,6 @@ namespace numalink {
 namespace {
 
 constexpr std::uint64_t textLimit = 16u << 20;  // bytes
-constexpr int lineNotStorable = 18;
 
 struct WriteOptions {
     std::string library;
@@ -51,7 +50,7 @@ int runWrite(const WriteOptions &options) {
     const int faultyLine =
         imageOfViewLines(linesOverProgram(item.data, text), settingsInt(setting::autoCorrect) > 0, image);
     if (faultyLine > 0) {
-        tellUser(lineNotStorable, {std::to_string(faultyLine)}, BoxIcon::error);
+        tellUser(Text::lineNotStorable, {std::to_string(faultyLine)}, BoxIcon::error);
         return exitFailed;
     }
     return store(std::move(item), std::move(image)) ? exitDone : exitFailed;

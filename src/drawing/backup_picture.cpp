@@ -5,13 +5,12 @@
 
 #include "calculator/charset.h"
 #include "drawing/dot_fonts.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr int titleText = 12, sizeText = 13, typeText = 14, programsText = 15, passwordText = 16;
 constexpr std::size_t typeOffset = 27, typeSize = 5;
 constexpr std::size_t labelSize = 7, ruleLimit = 37, nameColumn = 12;
 constexpr std::size_t nameSize = 15, passwordSize = 16, entryFlag = 16;
@@ -20,7 +19,7 @@ constexpr std::size_t lengthLess = 4;
 constexpr int reportWidth = 150, lineHeight = 8;
 constexpr std::uint8_t padding = 0xFF;
 
-std::string wording(int number) { return calculatorFromUtf8(languageText(number)); }
+std::string drawn(Text text) { return calculatorFromUtf8(wording(text)); }
 
 std::string fitted(std::string text, std::size_t size) {
     text.resize(size, ' ');
@@ -65,15 +64,16 @@ void appendPrograms(std::vector<std::string> &lines, ByteView data, std::size_t 
 }  // namespace
 
 std::vector<std::string> backupLines(ByteView head, ByteView data) {
-    const std::string title = wording(titleText);
-    std::vector<std::string> lines = {title, rule(title.size()),
-                                      fitted(wording(sizeText), labelSize) + std::to_string(data.size() >> 10) + "k"};
+    const std::string title = drawn(Text::backupTitle);
+    std::vector<std::string> lines = {
+        title, rule(title.size()),
+        fitted(drawn(Text::backupSize), labelSize) + std::to_string(data.size() >> 10) + "k"};
     const std::optional<std::size_t> table = programTable(data);
     if (!table) return lines;
     const std::string type = head.size() > typeOffset ? fieldAt(head, typeOffset, typeSize) : std::string();
-    lines.push_back(fitted(wording(typeText), labelSize) + type);
+    lines.push_back(fitted(drawn(Text::backupType), labelSize) + type);
     lines.emplace_back();
-    lines.push_back(wording(programsText) + " \xA9 " + wording(passwordText));
+    lines.push_back(drawn(Text::programsFolder) + " \xA9 " + drawn(Text::backupPassword));
     lines.push_back(rule(lines.back().size()));
     appendPrograms(lines, data, *table);
     return lines;

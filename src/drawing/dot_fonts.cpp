@@ -58,7 +58,7 @@ int digitIndex(char character) {
 }
 
 bool fontFault(const std::string &wording) {
-    tellFixed(0, wording, errorTitle);
+    tellFixed(Text::none, wording, errorTitle);
     return false;
 }
 

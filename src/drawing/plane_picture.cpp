@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::size_t heightOffset = 7, widthOffset = 9, planesOffset = 32, sheetsOffset = 34, headSize = 36;
 constexpr std::size_t planeOverhead = 6, codeOffset = 4, dotsOffset = 5;
-constexpr int severalSheetsText = 17;
 constexpr int screenWidth = 128, screenHeight = 64;
 constexpr std::size_t screenPlaneSize = 1024, screenPlaneStep = 1027;
 
@@ -59,7 +58,7 @@ void drawPicture(Surface &surface, ByteView head, ByteView data) {
     const auto [width, height] = pictureSize(head);
     if (width == 0 || height == 0) return;
     fillRectangle(surface, 0, 0, width, height, lcdColor::background);
-    if (readBig16(head, sheetsOffset) > 1) tellUser(severalSheetsText);
+    if (readBig16(head, sheetsOffset) > 1) tellUser(Text::pictureSheets);
     const std::size_t planeSize = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 8;
     for (std::size_t plane = 0; plane < readBig16(head, planesOffset); plane++) {
         const std::size_t start = plane * (planeSize + planeOverhead);

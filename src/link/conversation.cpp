@@ -5,7 +5,7 @@
 
 #include "link/control_bytes.h"
 #include "platform/serial_line.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -151,27 +151,21 @@ void dropInput() {
     }
 }
 
-bool failBox(int bodyNumber, const std::vector<std::string> &arguments, BoxIcon icon) {
-    if (!conversationOver()) tellUser(bodyNumber, arguments, icon);
-    dropInput();
-    return false;
-}
-
-bool failBox(OwnText body, const std::vector<std::string> &arguments) {
-    if (!conversationOver()) tellUser(body, arguments);
+bool failBox(Text body, const std::vector<std::string> &arguments, BoxIcon icon) {
+    if (!conversationOver()) tellUser(body, arguments, icon);
     dropInput();
     return false;
 }
 
 bool failChecksum() {
     send(control::checksumError);
-    if (!conversationOver()) tellFixed(0, "Checksum error", "Receiving file");
+    if (!conversationOver()) tellFixed(Text::none, "Checksum error", "Receiving file");
     dropInput();
     return false;
 }
 
 bool failUnconfirmed(std::optional<std::uint8_t> answer) {
-    return failBox(106, {std::to_string(answer.value_or(0))}, BoxIcon::none);
+    return failBox(Text::algebraNotConfirmed, {std::to_string(answer.value_or(0))}, BoxIcon::none);
 }
 
 void progressStart(std::uint64_t total) {
@@ -189,10 +183,8 @@ void progressAt(std::uint64_t position) {
     userInterface.progressPosition(static_cast<int>(std::min(scaled, progressLimit)));
 }
 
-void linkStatus(int textNumber, const std::string &text) {
-    if (!conversationOver()) userInterface.statusText(StatusPart::link, textNumber, text);
+void linkStatus(Text text, const std::vector<std::string> &arguments, const std::string &behind) {
+    if (!conversationOver()) userInterface.statusText(StatusPart::link, text, wording(text, arguments) + behind);
 }
-
-void linkStatus(int textNumber) { linkStatus(textNumber, languageText(textNumber)); }
 
 }  // namespace numalink

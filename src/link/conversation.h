@@ -45,16 +45,15 @@ void pauseMilliseconds(std::uint64_t milliseconds);
 void dropInput();
 
 // A box, and then the line's rest. False always, so that a failing step ends in one line.
-bool failBox(int bodyNumber, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning);
-bool failBox(OwnText body, const std::vector<std::string> &arguments);
+bool failBox(Text body, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning);
 bool failChecksum();                                       // sends the error byte, shows the checksum box
-bool failUnconfirmed(std::optional<std::uint8_t> answer);  // text 106 with the byte, 0 for a time-out
+bool failUnconfirmed(std::optional<std::uint8_t> answer);  // a box with the byte, 0 for a time-out
 
 // The bar for so many bytes, scaled to 16 bits and drawn in at most 256 steps.
 void progressStart(std::uint64_t total);
 void progressAt(std::uint64_t position);
 
-void linkStatus(int textNumber, const std::string &text);  // any wording under a number
-void linkStatus(int textNumber);
+// A line in the link's field of the status bar; a name may stand behind the text.
+void linkStatus(Text text, const std::vector<std::string> &arguments = {}, const std::string &behind = {});
 
 }  // namespace numalink

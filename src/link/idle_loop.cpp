@@ -14,10 +14,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int cfxIdleText = 1;
-constexpr int algebraIdleText = 102;
-constexpr int unknownByteText = 105;
-
 enum class IdleEnd { byte, timeOut, woken };
 
 struct IdleRead {
@@ -36,7 +32,7 @@ IdleRead readIdle(Family family) {
     return idle;
 }
 
-void showIdle(Family family) { linkStatus(family == Family::cfx ? cfxIdleText : algebraIdleText); }
+void showIdle(Family family) { linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle); }
 
 void sendAttention() {
     if (!attentionTakeWish()) return;
@@ -60,7 +56,7 @@ void actOn(Family family, std::uint8_t byte) {
     const auto conversation = conversationOf(family, byte);
     if (family == Family::cfx && byte != control::ready) dropQueue();
     if (conversation == nullptr) {
-        if (family == Family::algebra) linkStatus(unknownByteText);
+        if (family == Family::algebra) linkStatus(Text::algebraNotUnderstood);
         return;
     }
     transmitConversation(true);

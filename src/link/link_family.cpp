@@ -1,6 +1,7 @@
 #include "link/link_family.h"
 
 #include "calculator/charset.h"
+#include "platform/letter_case.h"
 #include "settings/settings_store.h"
 
 namespace numalink {

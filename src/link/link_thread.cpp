@@ -28,13 +28,13 @@ std::condition_variable closedChanged GUARDED_BY(closedLock);
 
 struct Cause {
     LineFault fault;
-    OwnText text;
+    Text text;
 };
-constexpr Cause causes[] = {{LineFault::missing, OwnText::portMissing},
-                            {LineFault::busy, OwnText::portBusy},
-                            {LineFault::denied, OwnText::portDenied},  // portForbidden where no group helps
-                            {LineFault::notSerial, OwnText::portNotSerial},
-                            {LineFault::failed, OwnText::portFailed}};
+constexpr Cause causes[] = {{LineFault::missing, Text::portMissing},
+                            {LineFault::busy, Text::portBusy},
+                            {LineFault::denied, Text::portDenied},  // portForbidden where no group helps
+                            {LineFault::notSerial, Text::portNotSerial},
+                            {LineFault::failed, Text::portFailed}};
 
 // The port of the defaults, and the system has none of that name: nobody has chosen one.
 bool noneChosen(const LineOpening &opening) {
@@ -43,14 +43,13 @@ bool noneChosen(const LineOpening &opening) {
 
 // Why the port is closed: as a box where the user waits for it, else as a line in the status bar.
 void tellClosed(const LineOpening &opening, bool asBox) {
-    constexpr int notOpenedText = 44;
     for (const Cause &cause : causes) {
         if (cause.fault != opening.fault) continue;
         const bool noGroup = opening.fault == LineFault::denied && opening.group.empty();
-        OwnText text = noGroup ? OwnText::portForbidden : cause.text;
-        if (noneChosen(opening)) text = OwnText::portNone;
+        Text text = noGroup ? Text::portForbidden : cause.text;
+        if (noneChosen(opening)) text = Text::portNone;
         if (asBox) {
-            tellMore(notOpenedText, text, {opening.path, opening.group}, BoxIcon::none);
+            tellMore(Text::portNotOpened, text, {opening.path, opening.group}, BoxIcon::none);
         } else {
             statusLine(StatusPart::link, text, {opening.path, opening.group});
         }
@@ -58,8 +57,8 @@ void tellClosed(const LineOpening &opening, bool asBox) {
 }
 
 void tellLost(const std::string &path, bool inTransfer) {
-    if (inTransfer) tellUser(OwnText::portLostInTransfer, {path});
-    statusLine(StatusPart::link, OwnText::portLost, {path});
+    if (inTransfer) tellUser(Text::portLostInTransfer, {path});
+    statusLine(StatusPart::link, Text::portLost, {path});
 }
 
 // While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
@@ -74,8 +73,7 @@ void waitClosed(const LineOpening &opening) {
 }
 
 void converse(Family family, const LineOpening &opening) {
-    constexpr int settingsRefusedText = 38;
-    if (!opening.settingsTaken) tellUser(settingsRefusedText);
+    if (!opening.settingsTaken) tellUser(Text::lineSettingsRefused);
     const bool inTransfer = linkIdleLoop(family);
     serialLine.close();
     if (!conversationStopped()) userInterface.progressRange(0);
@@ -124,11 +122,11 @@ void startLinkThread() {
         const bool cut = linkConversationRuns();
         stopLinkThread();
         linkNoticeForget();
-        userInterface.statusText(StatusPart::link, 0, "");
+        userInterface.statusText(StatusPart::link, Text::none, "");
         userInterface.progressRange(0);
         if (cut) {
             userInterface.refreshTree();  // what the stopped conversation has stored
-            linkNotice(OwnText::transferStopped);
+            linkNotice(Text::transferStopped);
         }
     }
     conversationReset();

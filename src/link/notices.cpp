@@ -17,8 +17,8 @@ struct Notice {
     bool standing = false;
     bool atRest = false;  // has been shown while the link was idle
     std::uint64_t since = 0;
-    int number = 0;
-    std::string text;  // empty for one that is shown elsewhere
+    Text text = Text::none;
+    std::string worded;  // empty for one that is shown elsewhere
 };
 
 Lock noticeLock;
@@ -32,18 +32,19 @@ void keep(const Notice &kept) {
 
 }  // namespace
 
-void linkNotice(OwnText text, const std::vector<std::string> &arguments) {
-    const Notice shown{
-        .standing = true, .since = tickCount(), .number = ownTextNumber(text), .text = ownText(text, arguments)};
+void linkNotice(Text text, const std::vector<std::string> &arguments) {
+    const Notice shown{.standing = true, .since = tickCount(), .text = text, .worded = wording(text, arguments)};
     keep(shown);
-    userInterface.statusText(StatusPart::link, shown.number, shown.text);
+    userInterface.statusText(StatusPart::link, shown.text, shown.worded);
 }
 
-void linkNoticeShown() { keep({.standing = true, .atRest = true, .since = tickCount(), .number = 0, .text = {}}); }
+void linkNoticeShown() {
+    keep({.standing = true, .atRest = true, .since = tickCount(), .text = Text::none, .worded = {}});
+}
 
-void linkResult(int textNumber) {
+void linkResult(Text text) {
     resultShown = true;
-    linkStatus(textNumber);
+    linkStatus(text);
 }
 
 bool linkResultTake() { return resultShown.exchange(false); }
@@ -62,12 +63,12 @@ bool linkNoticeRepeat() {
     Notice shown;
     {
         const HoldLock hold(noticeLock);
-        if (!notice.standing || notice.atRest || notice.text.empty()) return false;
+        if (!notice.standing || notice.atRest || notice.worded.empty()) return false;
         notice.atRest = true;
         notice.since = tickCount();
         shown = notice;
     }
-    userInterface.statusText(StatusPart::link, shown.number, shown.text);
+    userInterface.statusText(StatusPart::link, shown.text, shown.worded);
     return true;
 }
 

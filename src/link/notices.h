@@ -5,16 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
-void linkNotice(OwnText text, const std::vector<std::string> &arguments = {});
-// For a text that is shown elsewhere by its number: it stays for the same time.
+void linkNotice(Text text, const std::vector<std::string> &arguments = {});
+// For a text that is shown elsewhere: it stays for the same time.
 void linkNoticeShown();
 
-// How a conversation has ended well, by number: stays until the next thing, in place of the words of the idle link.
-void linkResult(int textNumber);
+// How a conversation has ended well: stays until the next thing, in place of the words of the idle link.
+void linkResult(Text text);
 bool linkResultTake();  // whether the last conversation has shown one; told once
 
 enum class NoticeState { none, standing, over };  // over: its time has passed, told once

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "platform/letter_case.h"
 
 namespace numalink {
 

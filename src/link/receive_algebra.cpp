@@ -9,7 +9,7 @@
 #include "link/notices.h"
 #include "link/receive_storage.h"
 #include "store/undo/undo.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -21,7 +21,6 @@ constexpr std::uint8_t programType = 1;
 constexpr std::size_t tokensOffset = 11;     // in the data of a program; ten zero bytes lie ahead
 constexpr std::size_t shortestProgram = 13;  // with a ':', the ten, a zero at the end and the checksum
 constexpr std::size_t dataBeyondImage = 11;  // how much longer the data is than the image made of it
-constexpr int receivingText = 48;
 
 struct Tally {
     int stored = 0;
@@ -83,7 +82,7 @@ bool receiveBlock(ByteView head, Tally &tally) {
     const std::string name = copyFrameName(head.subspan(frameNameOffset));
     const bool isProgram = head[typeOffset] == programType;
     Bytes data(std::size_t{readBig16(head, lengthOffset)} + 2);
-    linkStatus(receivingText, languageText(receivingText) + utf8FromCalculator(name) + "...");
+    linkStatus(Text::receivingItem, {}, utf8FromCalculator(name) + "...");
     send(control::acknowledge);
     if (!readGoodData(data) || (isProgram && data.size() < shortestProgram)) return failChecksum();
     return storeOrRefuse(isProgram ? asProgram(name, data) : asBlock(name, head, data), tally);
@@ -101,7 +100,6 @@ void passOver(ByteView head, Tally &tally) {
 
 // Steps 5 to 9: false at the closing frame and after a failure.
 bool receiveNext(Tally &tally) {
-    constexpr int receivedText = 104;
     send(control::acknowledge);
     Bytes head(shortHeadFrameSize);
     if (!readGoodHead(head)) return failChecksum();
@@ -113,7 +111,7 @@ bool receiveNext(Tally &tally) {
     }
     userInterface.refreshTree();
     tally.treeIsFresh = true;
-    linkResult(receivedText);
+    linkResult(Text::algebraReceived);
     return false;
 }
 
@@ -122,13 +120,13 @@ bool receiveNext(Tally &tally) {
 void receiveFromAlgebra() {
     const UndoGroup group;  // what one conversation replaces is taken back together
     Tally tally;
-    linkStatus(receivingText);
+    linkStatus(Text::receivingItem);
     send(control::ready);
     if (!exchangeModels()) return;
     while (!conversationOver() && receiveNext(tally)) {
     }
     if (tally.stored > 0 && !tally.treeIsFresh) userInterface.refreshTree();
-    if (!tally.passedOver.empty()) failBox(OwnText::headsPassedOver, {tally.passedOver, std::to_string(tally.stored)});
+    if (!tally.passedOver.empty()) failBox(Text::headsPassedOver, {tally.passedOver, std::to_string(tally.stored)});
 }
 
 }  // namespace numalink

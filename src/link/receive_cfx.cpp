@@ -9,7 +9,7 @@
 #include "link/conversations.h"
 #include "link/receive_storage.h"
 #include "store/undo/undo.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -40,7 +40,8 @@ std::string readableMark(ByteView head) {
 
 bool failUnknownKind(ByteView head, int itemCount) {
     if (!conversationOver())
-        tellMore(108, OwnText::headPassedOver, {readableMark(head), std::to_string(itemCount)}, BoxIcon::none);
+        tellMore(Text::kindNotTransferable, Text::headPassedOver, {readableMark(head), std::to_string(itemCount)},
+                 BoxIcon::none);
     send(control::unknownType);
     dropInput();
     return false;
@@ -81,14 +82,11 @@ void measure(Incoming &item) {
 
 // Step 7.
 void showItem(const Incoming &item) {
-    constexpr int colourScreenText = 46;
-    constexpr int screenText = 47;
-    constexpr int itemText = 48;
     progressStart(item.length);
-    if (isColourScreen(item)) return linkStatus(colourScreenText);
-    if (item.kind == kind::monochromeScreen) return linkStatus(screenText);
+    if (isColourScreen(item)) return linkStatus(Text::receivingColorScreen);
+    if (item.kind == kind::monochromeScreen) return linkStatus(Text::receivingMonochromeScreen);
     const std::string group = item.group.empty() ? "" : utf8FromCalculator(item.group) + ".";
-    linkStatus(itemText, languageText(itemText) + group + utf8FromCalculator(item.name) + "...");
+    linkStatus(Text::receivingItem, {}, group + utf8FromCalculator(item.name) + "...");
 }
 
 // Step 9. A calculator's own names of these mean nothing to people.
@@ -100,7 +98,7 @@ bool isNamedByTime(const Incoming &item) {
 
 bool failTooLarge(const Incoming &item) {
     send(control::unknownType);
-    return failBox(OwnText::itemTooLarge, {utf8FromCalculator(item.name), std::to_string(item.length)});
+    return failBox(Text::itemTooLarge, {utf8FromCalculator(item.name), std::to_string(item.length)});
 }
 
 enum class Overwrite { yes, no, stop };
@@ -136,7 +134,6 @@ bool endInnerFrame(Incoming &item, std::uint8_t &sum, bool dataFollow) {
 
 // Steps 13 and 14, but for the last acknowledgement.
 bool readData(Incoming &item) {
-    constexpr int endedEarlyText = 51;
     item.data.assign(item.length, 0);
     std::uint8_t sum = 0;
     std::uint64_t count = 0;
@@ -145,7 +142,7 @@ bool readData(Incoming &item) {
         const std::uint64_t limit = std::min(item.length, item.frameLength == 0 ? item.length : frameEnd);
         const std::size_t chunk = std::min<std::uint64_t>(item.chunk, limit - count);
         const auto part = std::span(item.data).subspan(count, chunk);
-        if (readBytes(part, Wait::brief) < chunk) return failBox(endedEarlyText);
+        if (readBytes(part, Wait::brief) < chunk) return failBox(Text::dataEndedEarly);
         sum = static_cast<std::uint8_t>(sum + sumOf(part));
         count += chunk;
         progressAt(count);
@@ -200,7 +197,7 @@ bool receiveItem(int &itemCount) {
     }
     if (!storeAndAcknowledge(item)) return false;
     itemCount++;
-    if (!item.sumsAreGood) return failBox(OwnText::screenPerhapsDamaged, {});
+    if (!item.sumsAreGood) return failBox(Text::screenPerhapsDamaged, {});
     return !endsTransmission(item);
 }
 

@@ -5,6 +5,7 @@
 #include "calculator/charset.h"
 #include "link/notices.h"
 #include "platform/clock.h"
+#include "platform/letter_case.h"
 #include "store/item_store.h"
 #include "telling/user_interface.h"
 
@@ -58,9 +59,8 @@ bool isOtherBlock(const Received &received, ItemId same) {
 }
 
 void sayWhatHappened(const std::string &name, const std::string &storedName, bool replaced) {
-    if (replaced) linkNotice(OwnText::itemReplaced, {utf8FromCalculator(storedName)});
-    if (storedName != name)
-        linkNotice(OwnText::itemStoredAs, {utf8FromCalculator(name), utf8FromCalculator(storedName)});
+    if (replaced) linkNotice(Text::itemReplaced, {utf8FromCalculator(storedName)});
+    if (storedName != name) linkNotice(Text::itemStoredAs, {utf8FromCalculator(name), utf8FromCalculator(storedName)});
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "link/conversations.h"
 #include "link/notices.h"
 #include "link/transmit_end.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -28,13 +28,12 @@ bool exchangeModels() {
 
 // Step 5.
 bool transmitItem(const NextItem &next) {
-    constexpr int sendingText = 39;
     const Refusal refusal = outgoingRefusal(next.item, Family::algebra);
     if (refusal != Refusal::none) {
         tellCannotGo(next, refusal);
         return false;
     }
-    linkStatus(sendingText, languageFormat(sendingText, {utf8FromCalculator(next.item.name)}));
+    linkStatus(Text::sendingItem, {utf8FromCalculator(next.item.name)});
     const Outgoing outgoing = outgoingToAlgebra(next.item);
     sendSlowly(outgoing.head);
     if (!isConfirmed()) return false;
@@ -53,14 +52,11 @@ bool transmitQueued() {
 }  // namespace
 
 void transmitToAlgebra() {
-    constexpr int answeringText = 103;
-    constexpr int closingText = 107;
-    constexpr int finishedText = 101;
-    linkStatus(answeringText);
+    linkStatus(Text::algebraTransmitting);
     if (exchangeModels() && transmitQueued()) {
-        linkStatus(closingText);
+        linkStatus(Text::algebraClosing);
         sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
-        linkResult(finishedText);
+        linkResult(Text::algebraSent);
     }
     clearSentFromTemp();
 }

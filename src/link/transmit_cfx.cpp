@@ -8,7 +8,7 @@
 #include "link/conversations.h"
 #include "link/transmit_end.h"
 #include "settings/settings_store.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -22,9 +22,9 @@ Step giveUp() {
     return Step::idle;
 }
 
-Step giveUp(int bodyNumber) {
+Step giveUp(Text text) {
     dropQueue();
-    failBox(bodyNumber, {}, BoxIcon::none);
+    failBox(text, {}, BoxIcon::none);
     return Step::idle;
 }
 
@@ -35,8 +35,7 @@ Step cancelAll() {
 
 // Step 8: the calculator has an item of this name.
 Step askToOverwrite(const std::string &name, std::optional<std::uint8_t> &answer) {
-    constexpr int existsText = 40;
-    const Answer chosen = userInterface.askItemExists(languageFormat(existsText, {name}));
+    const Answer chosen = userInterface.askItemExists(wording(Text::itemExists, {name}));
     dropInput();
     if (conversationOver()) return Step::idle;
     if (chosen != Answer::yes && chosen != Answer::no) return cancelAll();
@@ -48,8 +47,6 @@ Step askToOverwrite(const std::string &name, std::optional<std::uint8_t> &answer
 
 // Steps 7 to 10.
 Step sendHead(const Outgoing &outgoing, const std::string &name) {
-    constexpr int refusedText = 41;
-    constexpr int notConfirmedText = 42;
     send(outgoing.head);
     auto answer = readByte(Wait::brief);
     if (!answer) return giveUp();
@@ -57,13 +54,12 @@ Step sendHead(const Outgoing &outgoing, const std::string &name) {
         const Step step = askToOverwrite(name, answer);
         if (step != Step::goOn) return step;
     }
-    if (answer == control::headRefused) return giveUp(refusedText);
-    return answer == control::acknowledge ? Step::goOn : giveUp(notConfirmedText);
+    if (answer == control::headRefused) return giveUp(Text::headRefused);
+    return answer == control::acknowledge ? Step::goOn : giveUp(Text::headNotConfirmed);
 }
 
 // Step 11. The queue stays when the calculator stops confirming.
 Step sendData(const Outgoing &outgoing) {
-    constexpr int dataNotConfirmedText = 43;
     const ByteView data = outgoing.data;
     std::size_t frameEnd = outgoing.frameLength;
     for (std::size_t at = 0; at < data.size() && !conversationOver();) {
@@ -75,7 +71,7 @@ Step sendData(const Outgoing &outgoing) {
         if (outgoing.frameLength == 0 || at < frameEnd || at >= data.size()) continue;
         frameEnd += outgoing.frameLength;
         if (readByte(Wait::brief) == control::acknowledge) continue;
-        failBox(dataNotConfirmedText);
+        failBox(Text::dataNotConfirmed);
         return Step::idle;
     }
     return Step::goOn;
@@ -83,12 +79,11 @@ Step sendData(const Outgoing &outgoing) {
 
 // Step 12.
 Step endItem() {
-    constexpr int itemNotConfirmedText = 45;
     const auto answer = readByte(Wait::brief);
     if (!answer) return giveUp();
     if (answer == control::acknowledge) return Step::goOn;
     readByte(Wait::brief);
-    return giveUp(itemNotConfirmedText);
+    return giveUp(Text::itemNotConfirmed);
 }
 
 // What the user has to say about this item, where it wasn't asked ahead.
@@ -103,7 +98,6 @@ Step askMissing(NextItem &next) {
 }
 
 Step transmitItem(NextItem &next) {
-    constexpr int sendingText = 39;
     const Refusal refusal = outgoingRefusal(next.item, Family::cfx);
     if (refusal != Refusal::none) {
         tellCannotGo(next, refusal);
@@ -115,7 +109,7 @@ Step transmitItem(NextItem &next) {
     const bool removeColour = settingsInt(setting::removeColor) != 0;
     const Outgoing outgoing = outgoingToCfx(next.item, removeColour, next.entry.slot);
     const std::string name = utf8FromCalculator(next.item.name);
-    linkStatus(sendingText, languageFormat(sendingText, {name}));
+    linkStatus(Text::sendingItem, {name});
     progressStart(outgoing.data.size());
     Step step = sendHead(outgoing, name);
     if (step == Step::next && !conversationOver()) transmitQueueRemove(next.entry.id);

@@ -32,7 +32,7 @@ std::optional<NextItem> nextToTransmit() {
         NextItem next{.entry = *entry, .item = {}};
         if (storeReadItem(entry->id, next.item)) return next;
         transmitQueueRemove(entry->id);
-        linkNotice(OwnText::queuedItemGone);
+        linkNotice(Text::queuedItemGone);
     }
     return std::nullopt;
 }
@@ -46,7 +46,7 @@ void tellCannotGo(const NextItem &next, Refusal refusal) {
 void dropQueue() {
     if (conversationOver()) return;  // a stop or a lost cable keeps the queue
     const std::size_t count = transmitQueueDrop();
-    if (count > 0) linkNotice(OwnText::queueDropped, {std::to_string(count)});
+    if (count > 0) linkNotice(Text::queueDropped, {std::to_string(count)});
 }
 
 void tellSent(const NextItem &next) {

@@ -9,7 +9,6 @@
 #include "link/notices.h"
 #include "platform/lock.h"
 #include "store/item_store.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -55,7 +54,7 @@ Queued queueSingle(ItemId id, Walk &walk) {
         return Queued::refused;
     }
     if (append(id)) return Queued::added;
-    tellUser(OwnText::queueFull, {utf8FromCalculator(item.name)});
+    tellUser(Text::queueFull, {utf8FromCalculator(item.name)});
     return Queued::full;
 }
 
@@ -90,27 +89,22 @@ bool queueItem(ItemId id) {
     Walk walk;
     const Queued result = isFolderKind(entry->kind) ? queueFolder(id, walk) : queueSingle(id, walk);
     if (walk.refused > refusalsTold)
-        tellMore(108, OwnText::refusedMore, {std::to_string(walk.refused - refusalsTold)}, BoxIcon::none);
+        tellMore(Text::kindNotTransferable, Text::refusedMore, {std::to_string(walk.refused - refusalsTold)},
+                 BoxIcon::none);
     userInterface.transmitQueueChanged();
     return result == Queued::added;
 }
 
 void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon) {
-    constexpr OwnText causes[] = {OwnText::refusedKind, OwnText::refusedKind, OwnText::refusedShort,
-                                  OwnText::refusedLong};
-    tellMore(108, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, icon);
+    constexpr Text causes[] = {Text::refusedKind, Text::refusedKind, Text::refusedShort, Text::refusedLong};
+    tellMore(Text::kindNotTransferable, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, icon);
 }
 
 bool askBackupConsent(QueuedItem &entry, const std::string &name) {
     if (entry.confirmed) return true;
-    Box box;
-    box.bodyNumber = ownTextNumber(OwnText::askBackup);
-    box.titleNumber = titleOfWarnings;
-    box.arguments = {utf8FromCalculator(name)};
-    box.body = ownText(OwnText::askBackup, box.arguments);
-    box.title = languageText(titleOfWarnings);
-    box.buttons = BoxButtons::okCancel;
-    entry.confirmed = userInterface.messageBox(box) == Answer::ok;
+    const std::vector<std::string> names = {utf8FromCalculator(name)};
+    entry.confirmed = tellComposed(Text::askBackup, wording(Text::askBackup, names), names, BoxIcon::warning,
+                                   BoxButtons::okCancel) == Answer::ok;
     return entry.confirmed;
 }
 
@@ -187,13 +181,12 @@ std::size_t transmitQueueAgain() {
 }
 
 void transmitDeadlineTest() {
-    constexpr int noAnswer = 24;
     if (!attentionIsOverdue()) return;
     const std::size_t count = transmitQueueDrop();
-    std::string text = languageText(noAnswer);
-    if (count > 0) text += ". " + ownText(OwnText::queueDropped, {std::to_string(count)});
+    std::string text = wording(Text::noAnswer);
+    if (count > 0) text += ". " + wording(Text::queueDropped, {std::to_string(count)});
     linkNoticeShown();
-    userInterface.statusText(StatusPart::link, noAnswer, text);
+    userInterface.statusText(StatusPart::link, Text::noAnswer, text);
     userInterface.transmitQueueChanged();
 }
 

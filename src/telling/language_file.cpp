@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "calculator/charset.h"
+#include "platform/letter_case.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -15,11 +16,13 @@ constexpr std::string_view textSection = "[Translation]";
 
 // What the program gives for a number, one letter an argument. Numbers that aren't here have none.
 struct TextArguments {
-    int number;
+    Text text;
     std::string_view letters;
 };
 constexpr TextArguments textArguments[] = {
-    {18, "d"}, {22, "ds"}, {23, "d"}, {39, "s"}, {40, "s"}, {66, "sd"}, {91, "d"}, {106, "d"},
+    {Text::lineNotStorable, "d"}, {Text::sizeWithPassword, "ds"},   {Text::size, "d"},
+    {Text::sendingItem, "s"},     {Text::itemExists, "s"},          {Text::haltedAtLine, "sd"},
+    {Text::codeNotExported, "d"}, {Text::algebraNotConfirmed, "d"},
 };
 
 // Takes the next line off the text, with neither form of its end.
@@ -80,7 +83,8 @@ std::string lettersOf(std::string_view text) {
 }
 
 bool argumentsFit(int number, std::string_view text) {
-    const auto *const row = std::ranges::find(textArguments, number, &TextArguments::number);
+    const auto *const row = std::ranges::find_if(
+        textArguments, [number](const TextArguments &each) { return textNumber(each.text) == number; });
     return row == std::end(textArguments) || lettersOf(text) == row->letters;
 }
 

@@ -6,11 +6,11 @@
 #include <memory>
 #include <optional>
 
-#include "calculator/charset.h"
 #include "platform/files.h"
+#include "platform/letter_case.h"
 #include "platform/program_folder.h"
 #include "telling/language_file.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -64,7 +64,7 @@ void takeTexts(Language &language, FileTexts &texts) {
 }
 
 // The text of one language, or null.
-const std::string *textOf(int language, int number) {
+const std::string *storedText(int language, int number) {
     if (language < 0 || number < 0 || number >= languageTextCount) return nullptr;
     const auto &text = languages[static_cast<std::size_t>(language)].texts[static_cast<std::size_t>(number)];
     return text ? &*text : nullptr;
@@ -109,23 +109,19 @@ int languageLoad(std::string_view current, std::string_view fallback) {
 }
 
 const std::string &languageText(int number) {
-    if (const std::string *text = textOf(currentLanguage, number)) return *text;
-    if (const std::string *text = textOf(fallbackLanguage, number)) return *text;
+    if (const std::string *text = storedText(currentLanguage, number)) return *text;
+    if (const std::string *text = storedText(fallbackLanguage, number)) return *text;
     return unknownText;
 }
 
 std::string languageItem(int number, int index) {
-    if (const auto item = itemOf(textOf(currentLanguage, number), index)) return *item;
-    return itemOf(textOf(fallbackLanguage, number), index).value_or(unknownText);
+    if (const auto item = itemOf(storedText(currentLanguage, number), index)) return *item;
+    return itemOf(storedText(fallbackLanguage, number), index).value_or(unknownText);
 }
 
 int languageCount() { return static_cast<int>(languages.size()); }
 const LanguageRecord &languageRecord(int index) { return languages[static_cast<std::size_t>(index)].record; }
 int languageCurrent() { return currentLanguage; }
-
-std::string languageFormat(int number, const std::vector<std::string> &arguments) {
-    return formatArguments(languageText(number), arguments);
-}
 
 std::string formatArguments(std::string_view text, const std::vector<std::string> &arguments) {
     std::string result;
@@ -145,8 +141,10 @@ std::string formatArguments(std::string_view text, const std::vector<std::string
     return result;
 }
 
-std::string ownText(OwnText text, const std::vector<std::string> &arguments) {
-    return formatArguments(languageItem(ownTextNumber(text), ownTextPlace(text)), arguments);
+std::string wording(Text text, const std::vector<std::string> &arguments) {
+    const int number = textNumber(text);
+    return formatArguments(number < firstListNumber ? languageText(number) : languageItem(number, textPlace(text)),
+                           arguments);
 }
 
 }  // namespace numalink

@@ -1,5 +1,5 @@
-// All wording by number. Loaded once at start-up on the graphical thread, then only read, by any thread.
-// Language files and what they give are UTF-8; calculator/charset takes a text to the calculators' characters.
+// The language files and their texts by number; texts.h gives them by name. Loaded once at start-up on the graphical
+// thread, then only read, by any thread. Language files and what they give are UTF-8.
 #pragma once
 
 #include <string>
@@ -24,8 +24,8 @@ int languageLoad(std::string_view current, std::string_view fallback);
 // The current language's text, else the fallback's, else "<unknown string>". Never fails, for any number.
 const std::string &languageText(int number);
 
-// One of several texts under one number: they are joined by "|" in the file; index from 0. Our own texts from 164
-// on are such lists (see own_texts.h), since the table ends at 199. "<unknown string>" when there is none.
+// One of several texts under one number: they are joined by "|" in the file; index from 0. The numbers from 164 on
+// hold such lists, since the table ends at 199. "<unknown string>" when there is none.
 std::string languageItem(int number, int index);
 
 int languageCount();
@@ -34,7 +34,6 @@ int languageCurrent();                            // index of the current langua
 
 // The text with its %d and %s replaced by the arguments in order; a missing argument leaves nothing, a surplus one
 // is dropped, "%%" is a percent sign, any other % stays. Never printf.
-std::string languageFormat(int number, const std::vector<std::string> &arguments);
 std::string formatArguments(std::string_view text, const std::vector<std::string> &arguments);
 
 }  // namespace numalink

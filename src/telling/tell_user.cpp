@@ -1,20 +1,17 @@
 #include "telling/tell_user.h"
 
-#include "telling/language_table.h"
-
 namespace numalink {
 
 namespace {
 
-Box boxOf(int bodyNumber, std::string body, const std::vector<std::string> &arguments, BoxIcon icon, int titleNumber) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.titleNumber = titleNumber;
-    box.body = std::move(body);
-    box.title = languageText(titleNumber);
-    box.icon = icon;
-    box.arguments = arguments;
-    return box;
+Box boxOf(Text text, std::string body, const std::vector<std::string> &arguments, BoxIcon icon, Text title) {
+    return {.bodyText = text,
+            .titleText = title,
+            .body = std::move(body),
+            .title = wording(title),
+            .icon = icon,
+            .buttons = BoxButtons::ok,
+            .arguments = arguments};
 }
 
 thread_local HoldBoxes *holder = nullptr;
@@ -40,45 +37,38 @@ void HoldBoxes::show() {
     for (const Box &box : shown) userInterface.messageBox(box);
 }
 
-Answer tellUser(int bodyNumber, const std::vector<std::string> &arguments, BoxIcon icon, int titleNumber) {
-    return showOrHold(boxOf(bodyNumber, languageFormat(bodyNumber, arguments), arguments, icon, titleNumber));
+Answer tellUser(Text body, const std::vector<std::string> &arguments, BoxIcon icon, Text title) {
+    return showOrHold(boxOf(body, wording(body, arguments), arguments, icon, title));
 }
 
-Answer tellUser(OwnText body, const std::vector<std::string> &arguments, BoxIcon icon) {
-    return showOrHold(boxOf(ownTextNumber(body), ownText(body, arguments), arguments, icon, titleOfWarnings));
-}
-
-Answer tellMore(int bodyNumber, OwnText more, const std::vector<std::string> &arguments, BoxIcon icon) {
-    const std::string body = languageText(bodyNumber) + "\n" + ownText(more, arguments);
-    return showOrHold(boxOf(bodyNumber, body, arguments, icon, titleOfWarnings));
-}
-
-bool failWith(int bodyNumber, const std::vector<std::string> &arguments) {
-    tellUser(bodyNumber, arguments);
-    return false;
-}
-
-bool failWith(OwnText body, const std::vector<std::string> &arguments) {
+bool failWith(Text body, const std::vector<std::string> &arguments) {
     tellUser(body, arguments);
     return false;
 }
 
-Answer tellFixed(int bodyNumber, const std::string &body, const std::string &title, BoxIcon icon, BoxButtons buttons) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.body = bodyNumber == 0 ? body : languageText(bodyNumber);
-    box.title = title;
-    box.icon = icon;
+Answer tellMore(Text body, Text more, const std::vector<std::string> &arguments, BoxIcon icon) {
+    return tellComposed(body, wording(body) + "\n" + wording(more, arguments), arguments, icon);
+}
+
+Answer tellComposed(Text text, const std::string &body, const std::vector<std::string> &arguments, BoxIcon icon,
+                    BoxButtons buttons) {
+    Box box = boxOf(text, body, arguments, icon, Text::warningTitle);
     box.buttons = buttons;
     return showOrHold(box);
 }
 
-void statusLine(StatusPart part, int textNumber, const std::vector<std::string> &arguments) {
-    userInterface.statusText(part, textNumber, languageFormat(textNumber, arguments));
+Answer tellFixed(Text text, const std::string &body, const std::string &title, BoxIcon icon, BoxButtons buttons) {
+    return showOrHold({.bodyText = text,
+                       .titleText = Text::none,
+                       .body = text == Text::none ? body : wording(text),
+                       .title = title,
+                       .icon = icon,
+                       .buttons = buttons,
+                       .arguments = {}});
 }
 
-void statusLine(StatusPart part, OwnText text, const std::vector<std::string> &arguments) {
-    userInterface.statusText(part, ownTextNumber(text), ownText(text, arguments));
+void statusLine(StatusPart part, Text text, const std::vector<std::string> &arguments) {
+    userInterface.statusText(part, text, wording(text, arguments));
 }
 
 }  // namespace numalink

@@ -1,36 +1,32 @@
-// Telling the user by text number. No caller holds a lock. Any thread.
+// Telling the user one of the program's texts. No caller holds a lock. Any thread.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "telling/own_texts.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
 
-inline constexpr int titleOfWarnings = 2;
 inline constexpr char programTitle[] = "Numalink";
 inline constexpr char errorTitle[] = "Numalink Error";
 
-// A box whose body and title are language texts, with title text 2 unless told; arguments stand in for %d and %s.
-Answer tellUser(int bodyNumber, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning,
-                int titleNumber = titleOfWarnings);
+// A box; the arguments stand in for the body's %d and %s.
+Answer tellUser(Text body, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning,
+                Text title = Text::warningTitle);
 
-// The warning box for a text number; always false, so that a failure ends in one line.
-bool failWith(int bodyNumber, const std::vector<std::string> &arguments = {});
+// The warning box; always false, so that a failure ends in one line.
+bool failWith(Text body, const std::vector<std::string> &arguments = {});
 
-// The same for a text of our own; the box's body number is the shared number.
-Answer tellUser(OwnText body, const std::vector<std::string> &arguments = {}, BoxIcon icon = BoxIcon::warning);
-bool failWith(OwnText body, const std::vector<std::string> &arguments = {});
+// A box of a text and below it another, to which the arguments belong. It counts as a box of the first.
+Answer tellMore(Text body, Text more, const std::vector<std::string> &arguments, BoxIcon icon = BoxIcon::warning);
 
-// A language text and below it a text of our own, to which the arguments belong. The body number is the language
-// text's.
-Answer tellMore(int bodyNumber, OwnText more, const std::vector<std::string> &arguments,
-                BoxIcon icon = BoxIcon::warning);
+// A box about a text whose body is made by the caller: that text with more behind it.
+Answer tellComposed(Text text, const std::string &body, const std::vector<std::string> &arguments = {},
+                    BoxIcon icon = BoxIcon::warning, BoxButtons buttons = BoxButtons::ok);
 
-// A box whose title, and body when bodyNumber is 0, are fixed in the program.
-Answer tellFixed(int bodyNumber, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
+// A box whose title is fixed in the program; so is the body when text is none, else it is that text's.
+Answer tellFixed(Text text, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
                  BoxButtons buttons = BoxButtons::ok);
 
 // While such an object lives, the boxes of this thread without a choice are kept back; show() shows them in order.
@@ -46,8 +42,7 @@ struct HoldBoxes {
     HoldBoxes *outer;
 };
 
-// A line in the status bar by text number.
-void statusLine(StatusPart part, int textNumber, const std::vector<std::string> &arguments = {});
-void statusLine(StatusPart part, OwnText text, const std::vector<std::string> &arguments = {});
+// A line in the status bar.
+void statusLine(StatusPart part, Text text, const std::vector<std::string> &arguments = {});
 
 }  // namespace numalink

@@ -4,7 +4,7 @@ namespace numalink {
 
 const UserInterface userInterfaceSilent = {
     .messageBox = [](const Box &) { return Answer::cancel; },
-    .statusText = [](StatusPart, int, const std::string &) {},
+    .statusText = [](StatusPart, Text, const std::string &) {},
     .progressRange = [](int) {},
     .progressPosition = [](int) {},
     .waitCursor = [](bool) {},

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/surface.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -18,10 +19,10 @@ enum class BoxIcon { none, information, warning, error };
 enum class BoxButtons { ok, okCancel, okGoTo };
 enum class Answer { cancel, ok, yes, no };
 
-// A message box. A text number of 0 stands for a wording that is fixed in the program.
+// A message box. Text::none stands for a wording that is fixed in the program.
 struct Box {
-    int bodyNumber = 0;
-    int titleNumber = 0;
+    Text bodyText = Text::none;
+    Text titleText = Text::none;
     std::string body;
     std::string title;
     BoxIcon icon = BoxIcon::warning;
@@ -31,14 +32,14 @@ struct Box {
 
 enum class ImportAction { none = 0, oneFolder = 1, standardFolders = 2, transmit = 4 };
 
-// The question of dialog 111, with the answer in the same record.
+// The question where imported items go, with the answer in the same record.
 struct ImportQuestion {
     std::vector<std::string> itemNames;                   // UTF-8
     std::string folderName;                               // UTF-8, edited by the user
     ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
 };
 
-// The question of dialog 119: which items go into which sort of file, and where.
+// The question of an export: which items go into which sort of file, and where.
 enum class ExportTarget { none = 0, cat = 1, cas = 2, catAlgebra = 4 };
 
 struct ExportCandidate {
@@ -54,7 +55,7 @@ struct ExportQuestion {
     std::string path;                          // the chosen file, in the file system's encoding; empty: cancelled
 };
 
-// The question of dialog 109: which raster makes the better calculator picture. All surfaces are 128 by 64.
+// The question of a bitmap: which raster makes the better calculator picture. All surfaces are 128 by 64.
 enum class RasterType { sharp = 0, image = 1 };
 
 struct BitmapQuestion {
@@ -71,8 +72,8 @@ enum class StatusPart { progress = 0, link = 1, item = 2 };
 
 struct UserInterface {
     Answer (*messageBox)(const Box &box);
-    void (*statusText)(StatusPart part, int textNumber, const std::string &text);  // number 0: fixed or empty
-    void (*progressRange)(int maximum);                                            // 0 empties the bar
+    void (*statusText)(StatusPart part, Text text, const std::string &worded);  // none: fixed or empty
+    void (*progressRange)(int maximum);                                         // 0 empties the bar
     void (*progressPosition)(int position);
     void (*waitCursor)(bool on);
     void (*refreshTree)();
@@ -80,8 +81,8 @@ struct UserInterface {
     void (*askImport)(ImportQuestion &question);
     void (*askExport)(ExportQuestion &question);
     void (*askBitmap)(BitmapQuestion &question);
-    Answer (*askItemExists)(const std::string &question);  // dialog 108: yes, no or cancel
-    // Dialog 110 for the picture of this name, with one of 1 to 6 preset: the slot, or 0 when closed.
+    Answer (*askItemExists)(const std::string &question);  // yes, no or cancel
+    // The slot for the picture of this name, with one of 1 to 6 preset; 0 when closed.
     int (*askPictureSlot)(const std::string &pictureName, int preset);
     void (*itemReceived)(std::uint32_t id);  // an item has come from a calculator and is in the library
     void (*transmitQueueChanged)();          // leaves a mark and returns at once: what can be sent has changed

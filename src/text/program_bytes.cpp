@@ -7,6 +7,7 @@
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
+#include "platform/letter_case.h"
 #include "settings/settings_store.h"
 #include "telling/tell_user.h"
 #include "text/auto_correct.h"
@@ -19,7 +20,6 @@ namespace {
 constexpr std::uint8_t lineEnd = 0x0D;
 constexpr std::uint8_t displayCommand = 0x0C;
 constexpr char displayGlyph = '\xDD';
-constexpr int textNotConverted = 18;
 
 struct TextState {
     bool inComment = false;
@@ -166,7 +166,7 @@ bool programFromText(std::string_view text, Bytes &image) {
     image.assign(1, ':');
     int line = 0;
     if (lineFromText(text, image, &line) >= 0) {
-        tellUser(textNotConverted, {std::to_string(line)}, BoxIcon::error);
+        tellUser(Text::lineNotStorable, {std::to_string(line)}, BoxIcon::error);
         return false;
     }
     image.push_back(0xFF);

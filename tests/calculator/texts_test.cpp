@@ -1,6 +1,7 @@
 // Codes to Unicode and back, what becomes of characters without a code, and numbers that no frame holds. Whole frames,
 // and numbers on their way to text and back, are those of the cases in tests/exchange/cases.
 #include "calculator/charset.h"
+#include "platform/letter_case.h"
 
 #include <gmock/gmock.h>
 

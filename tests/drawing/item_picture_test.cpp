@@ -11,7 +11,7 @@
 #include "drawing/bitmap_file.h"
 #include "drawing/dot_text.h"
 #include "drawing/matrix_picture.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 namespace {

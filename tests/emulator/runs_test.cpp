@@ -181,7 +181,7 @@ std::string errorsFound(const RunReport &report) {
 std::string boxesFound() {
     Lines found;
     for (const Box &box : uiRecord.boxes) {
-        found.push_back(std::to_string(box.bodyNumber) + "/" + std::to_string(box.titleNumber));
+        found.push_back(std::to_string(textNumber(box.bodyText)) + "/" + std::to_string(textNumber(box.titleText)));
         for (const std::string &argument : box.arguments) found.back() += " " + argument;
     }
     return orNone(joined(found, " + "));

@@ -77,9 +77,9 @@ std::string readOf(const Case &one) {
         found += "item " + std::to_string(item.itemKind) + (item.name.empty() ? "" : " ") +
                  utf8FromCalculator(item.name) + "\nhead " + hexOf(item.head) + "\ndata " + hexOf(item.data) + "\n";
     for (const ImportMessage &message : read.messages) {
-        const std::string wording = message.bodyNumber < 164 ? languageText(message.bodyNumber) : "";
-        found += "told " + std::to_string(message.bodyNumber) + " ";
-        for (const char letter : message.body.substr(wording.size()))
+        const bool known = textNumber(message.bodyText) < firstListNumber;
+        found += "told " + std::to_string(textNumber(message.bodyText)) + " ";
+        for (const char letter : message.body.substr(known ? wording(message.bodyText).size() : 0))
             if (letter != '\r') found += letter == '\n' ? '/' : letter;
         found.erase(found.find_last_not_of(' ') + 1);
         found += "\n";

@@ -278,7 +278,7 @@ TEST_F(Export, ARefusedItemIsNamedAndNothingIsWritten) {
     uiRecord.answers = {Answer::ok};
     EXPECT_FALSE(exportTo("x.cat", {good, bad}));
     ASSERT_EQ(uiRecord.boxes.size(), 2u);
-    EXPECT_EQ(uiRecord.boxes[1].bodyNumber, 92);
+    EXPECT_EQ(uiRecord.boxes[1].bodyText, Text::kindNotExported);
     EXPECT_THAT(uiRecord.boxes[1].body, HasSubstr("SETUP"));
     EXPECT_EQ(scratch.read("x.cat"), "old");
 }

@@ -14,7 +14,7 @@
 #include "platform/picture_file.h"
 #include "settings/settings_store.h"
 #include "support/cat_records.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 namespace {
@@ -72,7 +72,7 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     importText("two.cat", catProgram("ONE") + catProgram("TWO"));
     EXPECT_TRUE(namesIn(storeTempFolder()).empty());
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, ownTextNumber(OwnText::storeFull));
+    EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::storeFull);
     EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
 }
 

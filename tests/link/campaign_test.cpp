@@ -136,7 +136,7 @@ struct CalculatorLine : ScriptedLine {
 
 Answer answerBox(const Box &box) {
     static const std::set<int> known{0, 24, 41, 42, 43, 45, 51, 106, 108, 172};
-    if (!known.contains(box.bodyNumber)) fail("box " + std::to_string(box.bodyNumber));
+    if (!known.contains(textNumber(box.bodyText))) fail("box " + std::to_string(textNumber(box.bodyText)));
     if (!current->faulty) fail("a box without a fault: " + box.body);
     return Answer::ok;
 }
@@ -146,7 +146,7 @@ void installUi() {
     userInterface.messageBox = [](const Box &box) {
         return box.buttons == BoxButtons::okCancel ? Answer::ok : answerBox(box);
     };
-    userInterface.statusText = [](StatusPart, int number, const std::string &) { lastStatus = number; };
+    userInterface.statusText = [](StatusPart, Text text, const std::string &) { lastStatus = textNumber(text); };
     userInterface.askItemExists = [](const std::string &) {
         constexpr Answer answers[] = {Answer::yes, Answer::no, Answer::cancel};
         return answers[current->faulty ? roll(3) : 0];

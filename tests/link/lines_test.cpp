@@ -262,13 +262,15 @@ Answer nextAnswer() {
 void installUi() {
     userInterface = userInterfaceSilent;
     userInterface.messageBox = [](const Box &box) {
-        std::string line = "box " + std::to_string(box.bodyNumber) + " " + std::to_string(box.titleNumber);
-        if (box.bodyNumber == 0) line += " " + box.title + ": " + box.body;
+        std::string line =
+            "box " + std::to_string(textNumber(box.bodyText)) + " " + std::to_string(textNumber(box.titleText));
+        if (box.bodyText == Text::none) line += " " + box.title + ": " + box.body;
         for (const std::string &argument : box.arguments) line += " " + argument;
         show(line);
         return box.buttons == BoxButtons::ok ? Answer::ok : nextAnswer();
     };
-    userInterface.statusText = [](StatusPart, int number, const std::string &text) {
+    userInterface.statusText = [](StatusPart, Text told, const std::string &text) {
+        const int number = textNumber(told);
         const bool plain = number > 0 && number < 164 && text == languageText(number);
         show("status " + std::to_string(number) + (plain ? "" : " " + text));
     };

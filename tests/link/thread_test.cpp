@@ -44,9 +44,9 @@ struct LinkThreads : testing::Test {
         languageLoad("English", "English");
         for (auto &times : timesShown) times = 0;
         userInterface = userInterfaceSilent;
-        userInterface.statusText = [](StatusPart, int number, const std::string &) { noteShown(number); };
+        userInterface.statusText = [](StatusPart, Text text, const std::string &) { noteShown(textNumber(text)); };
         userInterface.messageBox = [](const Box &box) {
-            noteShown(box.bodyNumber);
+            noteShown(textNumber(box.bodyText));
             return Answer::ok;
         };
         userInterface.askItemExists = [](const std::string &) { return Answer::yes; };

@@ -101,7 +101,7 @@ TEST(Language, TheProgramsOwnFilesHaveEveryTextInEveryLanguage) {
             const bool unused = number == 5 || number == 29 || number == 80 || number == 94 || number == 95;
             EXPECT_EQ(languageText(number) == "<unknown string>", unused) << name << " " << number;
         }
-        EXPECT_NE(ownText(OwnText::storeNotCopied), "<unknown string>") << name;
+        EXPECT_NE(wording(Text::storeNotCopied), "<unknown string>") << name;
     }
 }
 
@@ -117,12 +117,12 @@ TEST(TellUser, BoxesCarryNumbersWordingAndArguments) {
     languageLoad("E", "E");
     const RecordedUi ui;
     uiRecord.answers = {Answer::ok};
-    EXPECT_EQ(tellUser(39, {"SNAKE"}), Answer::ok);
-    EXPECT_FALSE(failWith(36));
-    tellFixed(0, "Checksum error", "Receiving file");
-    tellFixed(36, "unused", programTitle, BoxIcon::none, BoxButtons::okCancel);
-    tellMore(36, OwnText::storeDamageCount, {"3"});
-    statusLine(StatusPart::link, 39, {"A"});
+    EXPECT_EQ(tellUser(Text::sendingItem, {"SNAKE"}), Answer::ok);
+    EXPECT_FALSE(failWith(Text::libraryRecordDamaged));
+    tellFixed(Text::none, "Checksum error", "Receiving file");
+    tellFixed(Text::libraryRecordDamaged, "unused", programTitle, BoxIcon::none, BoxButtons::okCancel);
+    tellMore(Text::libraryRecordDamaged, Text::storeDamageCount, {"3"});
+    statusLine(StatusPart::link, Text::sendingItem, {"A"});
     EXPECT_THAT(uiRecord.lines, ElementsAre("box 39 / 2 SNAKE", "box 36 / 2", "box 0 / 0", "box 36 / 0", "box 36 / 2 3",
                                             "status 1: Sending A"));
     EXPECT_EQ(uiRecord.boxes[0].body, "Sending SNAKE");

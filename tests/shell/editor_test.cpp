@@ -144,18 +144,18 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
     typeText(QStringLiteral("\u20AC1"));
     key(Qt::Key_Home, Qt::ControlModifier);
     for (int attempt = 0; attempt < 2; attempt++) {
-        answer(ownText(OwnText::goBack));
+        answer(wording(Text::goBack));
         select(other);
         ASSERT_EQ(shown.size(), static_cast<std::size_t>(attempt + 1));
-        EXPECT_EQ(shown.back(), languageFormat(18, {"2"}));
+        EXPECT_EQ(shown.back(), wording(Text::lineNotStorable, {"2"}));
         EXPECT_EQ(selectedItemId(), id);
         EXPECT_EQ(caret(), 3);
     }
     EXPECT_EQ(stored(id), "A\rB");
-    answer(ownText(OwnText::keepDraft));
+    answer(wording(Text::keepDraft));
     endProgram();
     EXPECT_TRUE(folder.read("draft-1.txt").find("\u20AC1") != std::string::npos);
-    answer(ownText(OwnText::draftOpen));
+    answer(wording(Text::draftOpen));
     ASSERT_TRUE(startProgram());
     EXPECT_TRUE(QTest::qWaitFor([] { return viewToText() == QStringLiteral("A\nB\u20AC1"); }));
     key(Qt::Key_End, Qt::ControlModifier);
@@ -181,7 +181,7 @@ TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {
     const ItemId id = open("A");
     typeKeys(QStringLiteral("B"));
     ASSERT_TRUE(storeDelete(id));
-    answer(languageText(112));
+    answer(wording(Text::ok));
     refreshTree();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !shown.empty(); }));
     const ItemId back = storeFindItem("PROG", rootId);
@@ -194,14 +194,14 @@ TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
     QTimer::singleShot(0, [] {
         QTest::keyClicks(QApplication::activeModalWidget()->findChild<QLineEdit *>(), QStringLiteral("b->a"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::find);
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("B\u2192A"));
     handleCommand(command::findAgain);
     EXPECT_EQ(programEdit->textCursor().blockNumber(), 1);
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::findAgain);
-    EXPECT_EQ(shown.back(), languageText(25));
+    EXPECT_EQ(shown.back(), wording(Text::findNothing));
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("b\u2192a"));
 }
 

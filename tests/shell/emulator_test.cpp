@@ -122,7 +122,7 @@ TEST_F(Emulator, AHaltInTheLastLineNamesItsErrorAndLeadsToTheStatement) {
         window->mapToGlobal(QPoint((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1)),
         QSize(displayWidth, displayHeight));
     EXPECT_FALSE(box->frameGeometry().intersects(display)) << "it speaks of what the display shows";
-    answer(textOf(OwnText::goToStatement).remove(QLatin1Char('&')).toStdString());
+    answer(textOf(Text::goToStatement).remove(QLatin1Char('&')).toStdString());
     answerBoxes = true;
     ASSERT_TRUE(QTest::qWaitFor([] { return !emulatorRunning && mainWindow->focusWidget() == programEdit; }, 3000));
     EXPECT_NE(shown.back().find("Syn ERROR"), std::string::npos) << shown.back();

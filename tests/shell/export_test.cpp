@@ -56,7 +56,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
         EXPECT_EQ(linesOf(right), (Lines{"TOP", "(Games/old) apple", "(Games/old) SNAKE"}));
         doubleClick(right, 0);
         EXPECT_EQ(linesOf(left), (Lines{"TOP"}));
-        buttonWith<QRadioButton>(textOf(OwnText::exportTypeCat))->click();
+        buttonWith<QRadioButton>(textOf(Text::exportTypeCat))->click();
         whileOpen = [this] {
             auto *name = partOf<QLineEdit>("fileNameEdit");
             name->setText(toQt(folder.path + "out"));
@@ -70,10 +70,10 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
     EXPECT_EQ(file.find("TOP"), std::string::npos);
     whileOpen = [] {
         EXPECT_EQ(linesOf(partOf<QListWidget>("chosenItems")), (Lines{"(Games/old) apple", "(Games/old) SNAKE"}));
-        EXPECT_TRUE(buttonWith<QRadioButton>(textOf(OwnText::exportTypeCat))->isChecked());
+        EXPECT_TRUE(buttonWith<QRadioButton>(textOf(Text::exportTypeCat))->isChecked());
     };
     handleCommand(command::save);
-    EXPECT_EQ(shown, (Lines{languageText(59)})) << "of the second time, closed with Escape";
+    EXPECT_EQ(shown, (Lines{wording(Text::toolSave)})) << "of the second time, closed with Escape";
 }
 
 TEST_F(ExportByWindow, ABitmapIsShownInBothRasterTypesAndCancelAddsNothing) {
@@ -81,17 +81,17 @@ TEST_F(ExportByWindow, ABitmapIsShownInBothRasterTypesAndCancelAddsNothing) {
     whileOpen = [] {
         const QLabel *result = nullptr;
         for (const QLabel *label : QApplication::activeModalWidget()->findChildren<QLabel *>())
-            if (label->accessibleName() == textOf(OwnText::bitmapResult)) result = label;
+            if (label->accessibleName() == textOf(Text::bitmapResult)) result = label;
         ASSERT_NE(result, nullptr);
         const QImage dithered = result->pixmap().toImage();
         EXPECT_EQ(dithered.size(), QSize(384, 192));
-        buttonWith<QRadioButton>(textOf(111))->click();
+        buttonWith<QRadioButton>(textOf(Text::rasterSharp))->click();
         EXPECT_NE(result->pixmap().toImage(), dithered);
-        buttonWith<QRadioButton>(textOf(110))->click();
+        buttonWith<QRadioButton>(textOf(Text::rasterImage))->click();
         EXPECT_EQ(result->pixmap().toImage(), dithered);
     };
     importFile(folder.path + "half.ppm", "half");
-    EXPECT_EQ(shown, (Lines{languageText(114) + " - half"}));
+    EXPECT_EQ(shown, (Lines{wording(Text::bitmapImportTitle) + " - half"}));
     EXPECT_TRUE(storeListChildren(storeTempFolder()).empty());
 }
 

@@ -32,9 +32,9 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     answer("Return");
     dropFiles({"one.cat", "Two Games.CAT", "no\xC3\xBCmlaut.cat"});
     ASSERT_EQ(shown.size(), 3u);
-    EXPECT_EQ(shown[0], languageText(155));
-    EXPECT_EQ(shown[1], languageText(155));
-    EXPECT_EQ(shown[2].rfind(languageText(98), 0), 0u) << shown[2];
+    EXPECT_EQ(shown[0], wording(Text::importTitle));
+    EXPECT_EQ(shown[1], wording(Text::importTitle));
+    EXPECT_EQ(shown[2].rfind(wording(Text::importHeaderUnknown), 0), 0u) << shown[2];
     EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 1u);
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);
@@ -43,7 +43,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {
     folder.write("pair.cat", catProgram("A") + catProgram("B"));
-    answer(toQt(languageText(159)).remove(QLatin1Char('&')).toStdString());
+    answer(toQt(wording(Text::importStandardFolders)).remove(QLatin1Char('&')).toStdString());
     answer("Return");
     dropFiles({"pair.cat"});
     EXPECT_EQ(storeListChildren(storeStandardFolder(1001)).size(), 2u);

@@ -31,13 +31,14 @@ TEST_F(StartUp, AFirstUseHasColoursAndLeadsToTheSettings) {
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);
-    const QString link = QStringLiteral("<a href=\"settings\">") + textOf(OwnText::portNone);
+    const QString link = QStringLiteral("<a href=\"settings\">") + textOf(Text::portNone);
     EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
     EXPECT_FALSE(progressBar->isVisible());
-    answer(languageText(112));
+    answer(wording(Text::ok));
     emit linkField->linkActivated(QStringLiteral("settings"));
     EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
-    EXPECT_EQ(shown, std::vector<std::string>{languageText(148)}) << "the language stays: no word about a new one";
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
+        << "the language stays: no word about a new one";
     endProgram();
 
     settingsSetValue(setting::language, "Deutsch");
@@ -67,9 +68,9 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     folder.write("storage.dat", std::string(9000, 'x'));
     EXPECT_FALSE(startProgram());
     ASSERT_EQ(shown.size(), 2U);
-    EXPECT_TRUE(shown[0].starts_with(languageText(35)) &&
+    EXPECT_TRUE(shown[0].starts_with(wording(Text::libraryWrongHead)) &&
                 shown[0].find("--repair " + folder.path) != std::string::npos);
-    EXPECT_EQ(shown[1], languageText(3));
+    EXPECT_EQ(shown[1], wording(Text::noLibraryAtStart));
     EXPECT_EQ(mainWindow, nullptr);
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
@@ -95,9 +96,9 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
                  {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
-    const std::string held = ownText(OwnText::storeHeld, {folder.path + "storage.dat"});
+    const std::string held = wording(Text::storeHeld, {folder.path + "storage.dat"});
     EXPECT_EQ(second.readAllStandardOutput().toStdString(),
-              languageText(33) + "\n" + held + "\n" + languageText(3) + "\n");
+              wording(Text::libraryNotOpened) + "\n" + held + "\n" + wording(Text::noLibraryAtStart) + "\n");
     EXPECT_TRUE(mainWindow->isVisible());
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
 }

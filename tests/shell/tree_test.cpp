@@ -90,7 +90,7 @@ TEST_F(Tree, NothingSelectsWithoutOpening) {
 
 TEST_F(Tree, CommandsEndTheEditOfALabelFirst) {
     handleCommand(command::newFolder);
-    const ItemId renamed = storeFindItem(calculatorName(languageText(19)), rootId);
+    const ItemId renamed = storeFindItem(calculatorName(wording(Text::newItemName)), rootId);
     labelEditor()->setText(QStringLiteral("Typed"));
     handleCommand(command::newProgram);
     EXPECT_EQ(storeReadEntry(renamed)->name, "Typed");
@@ -99,7 +99,7 @@ TEST_F(Tree, CommandsEndTheEditOfALabelFirst) {
     const ItemId program = selectedItemId();
     labelEditor()->setText(QStringLiteral("NINECHARS"));
     handleCommand(command::newFolder);
-    EXPECT_EQ(shown, std::vector<std::string>{languageText(26)});
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::programNameTooLong)});
     EXPECT_EQ(labelEditor()->text(), QStringLiteral("NINECHARS"));
     QTest::keyClick(labelEditor(), Qt::Key_Up);
     QTest::keyClick(labelEditor(), Qt::Key_Delete, Qt::AltModifier);
@@ -147,7 +147,7 @@ TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
     EXPECT_TRUE(commandEnabled(command::remove));
     EXPECT_TRUE(programEdit->isVisible());
     EXPECT_EQ(programEdit->toPlainText().left(3), QStringLiteral("A\nX"));
-    EXPECT_EQ(itemField->text(), textOf(23).replace(QStringLiteral("%d"), QStringLiteral("6")));
+    EXPECT_EQ(itemField->text(), textOf(Text::size, {"6"}));
     QTest::keyClick(treeView, Qt::Key_Up);
     EXPECT_EQ(selectedItemId(), picture);
     EXPECT_FALSE(programEdit->isVisible());
@@ -185,10 +185,10 @@ TEST_F(Tree, RefusedNamesAreToldAndStayInTheEditor) {
     const struct {
         const char *typed;
         std::string told;
-    } cases[] = {{"NINECHARS", languageText(26)},
-                 {"TAKEN", ownText(OwnText::nameTaken)},
-                 {"", ownText(OwnText::nameEmpty)},
-                 {"\xE2\x82\xAC", ownText(OwnText::nameHasForeignCharacter)}};
+    } cases[] = {{"NINECHARS", wording(Text::programNameTooLong)},
+                 {"TAKEN", wording(Text::nameTaken)},
+                 {"", wording(Text::nameEmpty)},
+                 {"\xE2\x82\xAC", wording(Text::nameHasForeignCharacter)}};
     select(program);
     QTest::keyClick(mainWindow, Qt::Key_F2);
     for (const auto &[typed, told] : cases) {
@@ -235,12 +235,12 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     refreshTree();
     drag(moved, target);
     EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
-    answer(ownText(OwnText::keepBoth));
+    answer(wording(Text::keepBoth));
     drag(moved, target);
     EXPECT_EQ(storeListChildren(target).size(), 2u);
     storeMove(moved, rootId);
     refreshTree();
-    answer(ownText(OwnText::replace));
+    answer(wording(Text::replace));
     drag(moved, target);
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
@@ -256,7 +256,7 @@ TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {
     EXPECT_TRUE(storeReadEntry(outer));
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_NE(shown[0].find("outer"), std::string::npos) << shown[0];
-    EXPECT_NE(shown[0].find(ownText(OwnText::folderHolds, {"1"})), std::string::npos);
+    EXPECT_NE(shown[0].find(wording(Text::folderHolds, {"1"})), std::string::npos);
     answer("Return");
     QTest::keyClick(treeView, Qt::Key_Delete);
     EXPECT_FALSE(storeReadEntry(outer));
@@ -302,7 +302,7 @@ TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     select(games);
     emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
     QAction *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
-    EXPECT_EQ(undoAction->text(), textOf(OwnText::undoReplacement, {"XY"}));
+    EXPECT_EQ(undoAction->text(), textOf(Text::undoReplacement, {"XY"}));
     undoAction->trigger();
     EXPECT_TRUE(storeReadEntry(program)) << "all of it in one step";
     for (const ItemId id : received) EXPECT_EQ(storeReadEntry(id).has_value(), id == received[1]);

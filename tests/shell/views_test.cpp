@@ -49,11 +49,11 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     show(id);
     EXPECT_EQ(picture().size(), QSize(24, 16));
     EXPECT_EQ(picture().pixelColor(23, 15), QColor::fromRgb(lcdColor::blue));
-    EXPECT_TRUE(itemField->text().contains(textOf(OwnText::viewEndsEarly))) << itemField->text().toStdString();
+    EXPECT_TRUE(itemField->text().contains(textOf(Text::viewEndsEarly))) << itemField->text().toStdString();
     const ItemId other = add(kind::graphFunction, "Y1");
     show(other);
     EXPECT_FALSE(containerWindow->isVisible());
-    EXPECT_EQ(itemField->text(), toQt(languageFormat(23, {"0"})));
+    EXPECT_EQ(itemField->text(), toQt(wording(Text::size, {"0"})));
 }
 
 TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
@@ -67,12 +67,12 @@ TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
         QTest::keyClicks(typed, QStringLiteral("9"));
         EXPECT_TRUE(refused->isVisible());
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::password);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_EQ(decodeProgramInfo(item.head)->password, "SECRETS9");
-    EXPECT_NE(itemField->text(), toQt(languageFormat(23, {std::to_string(item.dataSize)})));
+    EXPECT_NE(itemField->text(), toQt(wording(Text::size, {std::to_string(item.dataSize)})));
     EXPECT_FALSE(itemField->text().contains(QStringLiteral("SECRETS9")));
 }
 
@@ -86,17 +86,17 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
         EXPECT_LE(dialog->height(), 500) << "of 600 dots, or of 1080 at scale 2";
         dialog->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting))->click();
     });
-    answer(ownText(OwnText::schemeDark));
-    answer(languageText(113));
+    answer(wording(Text::schemeDark));
+    answer(wording(Text::cancel));
     handleCommand(command::settings);
-    EXPECT_EQ(shown[1], ownText(OwnText::colorsAllBlack));
+    EXPECT_EQ(shown[1], wording(Text::colorsAllBlack));
     QTimer::singleShot(0, [] {
         QWidget *dialog = QApplication::activeModalWidget();
         dialog->findChild<QPushButton *>(QStringLiteral("darkScheme"))->click();
         EXPECT_TRUE(dialog->findChild<QPlainTextEdit *>()->toPlainText().endsWith(QStringLiteral("1<250> ")));
         dialog->findChild<QComboBox *>(QString::fromLatin1(setting::comPort))->setEditText(QStringLiteral("ttyS7"));
     });
-    answer(languageText(112));
+    answer(wording(Text::ok));
     handleCommand(command::settings);
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);

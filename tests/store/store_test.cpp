@@ -206,10 +206,10 @@ TEST_F(OpenStore, PathsNameFoldersOnlyAndNeverTheTempFolder) {
 
 TEST_F(OpenStore, StandardFoldersAreFoundByKindAndNeverReplace) {
     languageLoad("English", "English");
-    const ItemId taken = add(languageText(15), kind::folder);
+    const ItemId taken = add(wording(Text::programsFolder), kind::folder);
     const ItemId programs = storeStandardFolder(1001);
     EXPECT_TRUE(storeReadEntry(taken));
-    EXPECT_EQ(storeReadEntry(programs)->name, languageText(15) + " 2");
+    EXPECT_EQ(storeReadEntry(programs)->name, wording(Text::programsFolder) + " 2");
     EXPECT_EQ(storeReadEntry(programs)->kind, 1001U);
     EXPECT_EQ(storeGetFlags(programs), 1U);
     ASSERT_TRUE(storeRename(programs, "Mine"));

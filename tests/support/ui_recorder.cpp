@@ -15,7 +15,8 @@ Answer nextAnswer() {
 
 Answer recordBox(const Box &box) {
     uiRecord.boxes.push_back(box);
-    std::string line = "box " + std::to_string(box.bodyNumber) + " / " + std::to_string(box.titleNumber);
+    std::string line =
+        "box " + std::to_string(textNumber(box.bodyText)) + " / " + std::to_string(textNumber(box.titleText));
     for (const std::string &argument : box.arguments) line += " " + argument;
     uiRecord.lines.push_back(line);
     return nextAnswer();
@@ -45,7 +46,7 @@ RecordedUi::RecordedUi() {
     uiRecord = UiRecord{};
     userInterface = userInterfaceSilent;
     userInterface.messageBox = recordBox;
-    userInterface.statusText = [](StatusPart part, int, const std::string &text) {
+    userInterface.statusText = [](StatusPart part, Text, const std::string &text) {
         recordLine("status " + std::to_string(static_cast<int>(part)) + ": " + text);
     };
     userInterface.refreshTree = [] { recordLine("tree"); };

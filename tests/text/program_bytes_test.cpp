@@ -56,7 +56,7 @@ TEST_F(ProgramText, ACharacterWithoutTokenIsToldWithItsLine) {
     Bytes image;
     EXPECT_FALSE(programFromText("A\r\nB\xDD\r\nC\x90", image));
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyNumber, 18);
+    EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::lineNotStorable);
     EXPECT_EQ(uiRecord.boxes[0].icon, BoxIcon::error);
     EXPECT_THAT(uiRecord.boxes[0].arguments, ElementsAre("3"));
     Bytes tokens;

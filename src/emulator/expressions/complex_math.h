@@ -15,8 +15,13 @@ ComplexValue complexArg(ComplexValue a);  // radians
 // Magnitude and angle first, also for real operands: a residue may stay in im.
 ComplexValue complexDiv(ComplexValue a, ComplexValue b);
 ComplexValue complexInverse(ComplexValue a);
-// Exact for a real base and exponent from 0 on; else |a|^|b| at the angle arg a * arg b.
+// The principal value e^(b ln a); 0^0 is 1. Real where the base is real and from 0 on, or the exponent whole; a whole
+// exponent up to powerByProducts multiplies also a complex base, so that i^2 is -1 and nothing else.
+inline constexpr double powerByProducts = 1024;
 ComplexValue complexPow(ComplexValue a, ComplexValue b);
+// The index-th root of a: real also for a negative real a with an odd whole index; else a to the power 1/index. No
+// number for an index of 0.
+ComplexValue complexRoot(ComplexValue index, ComplexValue a);
 
 // The value cut toward 0, its low 32 bits as a signed number; 0 for what isn't finite.
 std::int32_t wrappedInteger(double value);

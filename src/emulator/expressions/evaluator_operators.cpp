@@ -1,6 +1,8 @@
 // The steps that act on single cells and their neighbours: values, prefixes, postfixes, binary operators and the
 // implicit product. Each walks in its own direction and leaves its result in its own place; both are the language's
 // associativity.
+#include <cmath>
+
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
@@ -11,6 +13,14 @@
 namespace numalink {
 
 namespace {
+
+void holdToBound(const OperatorRow &row, ComplexValue left, ComplexValue right, ComplexValue result) {
+    if (row.bound == Bound::none) return;
+    const bool areReal = left.im == 0 && right.im == 0;
+    if (row.bound == Bound::unlessPositive && areReal && left.re > 0 && right.re >= 0) return;
+    const bool fits = std::fabs(result.re) <= largestResult && std::fabs(result.im) <= largestResult;
+    if (!fits) maError();
+}
 
 void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
     ProgramCell &operand = stretch.cells[p + 1];
@@ -23,8 +33,14 @@ void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
 void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
     ProgramCell &right = stretch.cells[p + 1];
-    if (!isNumber(left) || !isNumber(right)) synError();
-    makeNumber(right, row.binary(left.value, right.value));
+    const bool isWhole = isNumber(left) && isNumber(right);
+    const ComplexValue result = row.binary(left.value, right.value);
+    if (isWhole) {
+        holdToBound(row, left.value, right.value, result);
+    } else {
+        synError();
+    }
+    makeNumber(right, result);
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
 }

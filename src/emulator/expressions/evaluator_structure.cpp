@@ -13,8 +13,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int tooManyElementsText = 64;
-
 // The elements of the literals being gathered, those of an inner literal behind those of the outer one.
 std::vector<double> literalElements;
 
@@ -84,7 +82,7 @@ void gather(Gathering &gathering, double value, CellKind kind) {
     if (gathering.count < elementLimit) literalElements.push_back(value);
     if (gathering.count == elementLimit) {
         synError();
-        if (kind == CellKind::matrix) failWith(tooManyElementsText);
+        if (kind == CellKind::matrix) failWith(Text::literalTooLong);
     }
     gathering.count++;
 }

@@ -41,6 +41,14 @@ constexpr StepMask maskOf(Step step) { return StepMask{1} << static_cast<int>(st
 using UnaryOperation = ComplexValue (*)(ComplexValue);
 using BinaryOperation = ComplexValue (*)(ComplexValue, ComplexValue);
 
+// What an operation's result is held to. A result beyond, or that is no number, reports Ma ERROR and goes on as it is.
+enum class Bound : std::uint8_t {
+    none,           // infinity and what is no number are values like others
+    ofCalculators,  // largestResult to either side, in both parts
+    unlessPositive  // the same, but for a real left operand above 0 with a real right one from 0 on
+};
+inline constexpr double largestResult = 9.999999999e99;
+
 struct OperatorRow {
     Token token;
     Step step = Step::none;
@@ -49,6 +57,7 @@ struct OperatorRow {
     BinaryOperation binary = nullptr;                // left and right
     ComplexValue (*source)() = nullptr;              // a value from nowhere: GetKey, i, ?, Ran#, pi
     void (*onArrays)(ProgramCell *, int) = nullptr;  // Dim, Identity, Sum: the cell of the token
+    Bound bound = Bound::none;
 };
 
 // Whether a token opens a pair of parentheses, and whether it is a function call. It follows the token table as it was

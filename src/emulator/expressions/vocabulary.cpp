@@ -33,7 +33,6 @@ Value piValue() { return complexReal(2 * std::acos(0.0)); }
 Value conjugate(Value a) { return complexMake(a.re, -a.im); }
 Value realPart(Value a) { return complexReal(a.re); }
 Value imaginaryPart(Value a) { return complexReal(a.im); }
-Value root(Value left, Value right) { return complexPow(right, complexInverse(left)); }
 
 // A function of the real part alone.
 template <double (*function)(double)>
@@ -69,8 +68,9 @@ constexpr OperatorRow source(Token token, const char *name, Value (*value)()) {
 constexpr OperatorRow unary(Token token, Step step, const char *name, UnaryOperation operation) {
     return {.token = token, .step = step, .name = name, .unary = operation};
 }
-constexpr OperatorRow binary(Token token, Step step, const char *name, BinaryOperation operation) {
-    return {.token = token, .step = step, .name = name, .binary = operation};
+constexpr OperatorRow binary(Token token, Step step, const char *name, BinaryOperation operation,
+                             Bound bound = Bound::none) {
+    return {.token = token, .step = step, .name = name, .binary = operation, .bound = bound};
 }
 constexpr OperatorRow onArrays(Token token, const char *name, void (*operation)(ProgramCell *, int)) {
     return {.token = token, .step = Step::prefix, .name = name, .onArrays = operation};
@@ -92,8 +92,8 @@ constexpr OperatorRow rows[] = {
     unary({0x8B}, Step::postfix, "square", complexSquare),
     unary({0x9B}, Step::postfix, "inverse", complexInverse),
 
-    binary({0xA8}, Step::power, "power", complexPow),
-    binary({0xB8}, Step::power, "x-th root", root),
+    binary({0xA8}, Step::power, "power", complexPow, Bound::unlessPositive),
+    binary({0xB8}, Step::power, "x-th root", complexRoot, Bound::unlessPositive),
 
     onArrays({0x7F, 0x46}, "Dim", evaluateDim),
     onArrays({0x7F, 0x48}, "Identity", evaluateIdentity),

@@ -15,8 +15,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int tableFullText = 54, poolFullText = 55;
-
 // All of this is the active run thread's, as the machine is.
 std::unique_ptr<double[]> pool;  // taken at the first run, kept to the end of the process
 int cellsUsed = 0;
@@ -33,24 +31,24 @@ double spareElement = 0;      // what a place outside of every array reads and w
 
 bool isTableRow(const MatrixDescriptor *descriptor) { return descriptor >= table && descriptor < table + rowsUsed; }
 
-MatrixDescriptor *refuse(int textNumber) {
+MatrixDescriptor *refuse(Text text) {
     if (!machine.exhausted) {
         machine.exhausted = true;
-        failWith(textNumber);
+        failWith(text);
     }
     emptyArray = {};
     return &emptyArray;
 }
 
-// The text number of what gives out with one more array of so many elements, or 0.
-int fullText(std::int64_t size) {
-    if (size > poolCellLimit - cellsUsed - borrowedCells) return poolFullText;
-    return rowsInUse + borrowedRows < matrixRowLimit ? 0 : tableFullText;
+// What tells that something gives out with one more array of so many elements, or none.
+Text fullText(std::int64_t size) {
+    if (size > poolCellLimit - cellsUsed - borrowedCells) return Text::matrixMemoryFull;
+    return rowsInUse + borrowedRows < matrixRowLimit ? Text::none : Text::tooManyMatrices;
 }
 
 // A row and its cells, whose values are still to be set.
 MatrixDescriptor *takeRow(std::int32_t owner, int cols, int rows) {
-    if (const int text = fullText(std::int64_t{cols} * rows)) return refuse(text);
+    if (const Text text = fullText(std::int64_t{cols} * rows); text != Text::none) return refuse(text);
     const auto isFree = [](const MatrixDescriptor &row) { return row.owner == 0; };
     MatrixDescriptor *descriptor = std::find_if(table, table + rowsUsed, isFree);
     rowsUsed = std::max(rowsUsed, static_cast<int>(descriptor - table) + 1);
@@ -84,7 +82,7 @@ MatrixDescriptor *matrixCopy(std::int32_t owner, const MatrixDescriptor *source)
 }
 
 bool matrixBorrow(const MatrixDescriptor *source) {
-    if (source->owner != ownedByVariable || fullText(matrixSize(source)) != 0) return false;
+    if (source->owner != ownedByVariable || fullText(matrixSize(source)) != Text::none) return false;
     borrowedCells += matrixSize(source);
     borrowedRows++;
     return true;

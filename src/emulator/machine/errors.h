@@ -8,7 +8,7 @@ void synError();  // a shape that doesn't fit
 void dimError();  // an array that doesn't exist, or of another size
 void argError();  // an element outside its array, a wrong operand of Goto or Seq(
 void goError();   // a label or a program that isn't there
-void maError();   // a complex element where a real one is needed
+void maError();   // a result that is none, or a complex element where a real one is needed
 
 // How a report gets on the screen, which lies above this room: machineStart puts it in. Null shows nothing.
 extern void (*errorShown)(const char *text);

@@ -9,6 +9,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/programs.h"
 #include "emulator/screens/pictures.h"
+#include "platform/letter_case.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
@@ -18,7 +19,6 @@ namespace {
 
 constexpr std::size_t rowsOffset = 7, columnsOffset = 9, letterOffset = 15, digitOffset = 18, pictureHeadSize = 36;
 constexpr std::size_t recordRowOffset = 1, recordColumnOffset = 3;
-constexpr int poolFullText = 55;
 
 void loadElements(MatrixDescriptor *matrix, ByteView data) {
     const std::size_t count = std::min(data.size() / valueFrameSize, static_cast<std::size_t>(matrixSize(matrix)));
@@ -55,7 +55,7 @@ void loadMatrixItem(ByteView head, ByteView data) {
     const std::int64_t size = std::int64_t{rows} * columns;
     if (size == 0) return;
     if (size > poolCellLimit - poolCellsUsed()) {
-        tellUser(poolFullText);
+        tellUser(Text::matrixMemoryFull);
         return;
     }
     MatrixDescriptor *matrix = matrixAllocate(ownedByVariable, columns, rows);
@@ -91,7 +91,7 @@ bool loadRun(ItemId item, const std::vector<ItemId> &order) {
         if (++behind != order.end()) loadItem(*behind, trouble);
     }
     if (trouble.programsLeftOut > 0)
-        tellUser(OwnText::programsLeftOut, {std::to_string(trouble.programsLeftOut)}, BoxIcon::warning);
+        tellUser(Text::programsLeftOut, {std::to_string(trouble.programsLeftOut)}, BoxIcon::warning);
     return programCount() > 0;
 }
 

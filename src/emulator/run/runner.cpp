@@ -21,14 +21,13 @@
 #include "platform/clock.h"
 #include "settings/settings_store.h"
 #include "telling/graphical_calls.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr int haltText = 66, haltTitle = 65;
 constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
 constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting; a power of two
 
@@ -105,11 +104,11 @@ void tellHalt(const RunState &state) {
         fault.statement = 0;
     }
     Box box;
-    box.bodyNumber = haltText;
-    box.titleNumber = haltTitle;
+    box.bodyText = Text::haltedAtLine;
+    box.titleText = Text::haltTitle;
     box.arguments = {utf8FromCalculator(program.name), std::to_string(fault.line)};
-    box.body = languageFormat(haltText, box.arguments) + "\n" + machine.errorText;
-    box.title = languageText(haltTitle);
+    box.body = wording(box.bodyText, box.arguments) + "\n" + machine.errorText;
+    box.title = wording(box.titleText);
     box.buttons = BoxButtons::okGoTo;
     userInterface.messageBox(box);
 }

@@ -11,20 +11,18 @@
 #include "calculator/charset.h"
 #include "exchange/shown_progress.h"
 #include "platform/files.h"
+#include "platform/letter_case.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "store/care/daily_copies.h"
 #include "store/item_store.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr int codeNotExported = 91;
-constexpr int kindNotExported = 92;
 constexpr std::size_t itemsNamed = 10;  // in one message
 
 struct TargetRow {
@@ -85,46 +83,27 @@ std::string listOf(const std::vector<std::string> &names) {
     return names.size() > itemsNamed ? list + " ... (" + std::to_string(names.size()) + ")" : list;
 }
 
-struct CauseText {
-    int number;
-    std::string body;
-};
-
-CauseText causeText(ExportFault fault, int code, ExportTarget target) {
-    const auto own = [](OwnText text) { return CauseText{ownTextNumber(text), ownText(text, {})}; };
+Text causeText(ExportFault fault, ExportTarget target) {
     switch (fault) {
         case ExportFault::code:
-            return {codeNotExported, languageFormat(codeNotExported, {std::to_string(code)})};
+            return Text::codeNotExported;
         case ExportFault::kind:
-            if (target == ExportTarget::cas) return own(OwnText::exportNotInCas);
-            return {kindNotExported, languageText(kindNotExported)};
+            return target == ExportTarget::cas ? Text::exportNotInCas : Text::kindNotExported;
         case ExportFault::sizesDiffer:
-            return own(OwnText::exportSizesDiffer);
+            return Text::exportSizesDiffer;
         case ExportFault::tooLarge:
-            return own(OwnText::exportTooLarge);
+            return Text::exportTooLarge;
         default:
-            return own(OwnText::exportNotWhole);
+            return Text::exportNotWhole;
     }
-}
-
-Answer showBox(int bodyNumber, const std::string &body, const std::vector<std::string> &arguments,
-               BoxButtons buttons = BoxButtons::ok) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.titleNumber = titleOfWarnings;
-    box.body = body;
-    box.title = languageText(titleOfWarnings);
-    box.buttons = buttons;
-    box.arguments = arguments;
-    return userInterface.messageBox(box);
 }
 
 // False when there was something to tell.
 bool tellRefusals(const Refusals &refusals, ExportTarget target) {
     for (const auto &[cause, names] : refusals.names) {
-        const CauseText text = causeText(cause.first, cause.second, target);
-        const std::string list = listOf(names);
-        showBox(text.number, text.body + "\n" + ownText(OwnText::exportItems, {list}), {list});
+        const Text text = causeText(cause.first, target);
+        const std::string list = listOf(names), code = std::to_string(cause.second);
+        tellComposed(text, wording(text, {code}) + "\n" + wording(Text::exportItems, {list}), {list});
     }
     return refusals.names.empty();
 }
@@ -132,32 +111,32 @@ bool tellRefusals(const Refusals &refusals, ExportTarget target) {
 bool tellNotWritten(FileResult result, const std::string &path) {
     switch (result) {
         case FileResult::missing:
-            return failWith(OwnText::fileMissing, {path});
+            return failWith(Text::fileMissing, {path});
         case FileResult::denied:
-            return failWith(OwnText::fileDenied, {path});
+            return failWith(Text::fileDenied, {path});
         case FileResult::isFolder:
-            return failWith(OwnText::fileIsFolder, {path});
+            return failWith(Text::fileIsFolder, {path});
         case FileResult::diskFull:
-            return failWith(OwnText::fileDiskFull, {path});
+            return failWith(Text::fileDiskFull, {path});
         default:
-            return failWith(OwnText::fileFailed, {path});
+            return failWith(Text::fileFailed, {path});
     }
 }
 
 bool pathIsFree(const ExportJob &job) {
-    if (isOwnFile(job.path)) return failWith(OwnText::exportOwnFile, {job.path});
+    if (isOwnFile(job.path)) return failWith(Text::exportOwnFile, {job.path});
     std::error_code failure;
     if (std::filesystem::is_directory(job.path, failure)) return tellNotWritten(FileResult::isFolder, job.path);
     if (job.mayReplace || !fileExists(job.path)) return true;
-    return showBox(ownTextNumber(OwnText::exportReplace), ownText(OwnText::exportReplace, {job.path}), {job.path},
-                   BoxButtons::okCancel) == Answer::ok;
+    return tellComposed(Text::exportReplace, wording(Text::exportReplace, {job.path}), {job.path}, BoxIcon::warning,
+                        BoxButtons::okCancel) == Answer::ok;
 }
 
 bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     appendFileEnd(job.target, file);
     const FileResult result = writeWholeFile(job.path, file);
     if (result != FileResult::done) return tellNotWritten(result, job.path);
-    statusLine(StatusPart::item, OwnText::exportDone, {std::to_string(count)});
+    statusLine(StatusPart::item, Text::exportDone, {std::to_string(count)});
     return true;
 }
 

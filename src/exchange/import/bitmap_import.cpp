@@ -111,8 +111,8 @@ PictureResult decode(ByteView file, Surface &scaled) {
 
 bool tellUnreadable(PictureResult result, const std::string &path) {
     if (result == PictureResult::tooLarge)
-        return failWith(OwnText::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
-    return failWith(OwnText::bitmapUnreadable, {path});
+        return failWith(Text::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
+    return failWith(Text::bitmapUnreadable, {path});
 }
 
 }  // namespace

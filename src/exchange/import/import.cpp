@@ -13,7 +13,6 @@
 #include "platform/picture_file.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"
-#include "telling/language_table.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -22,42 +21,33 @@ std::string importFolderName;
 
 namespace {
 
-constexpr int notOpened = 93;
-constexpr int unknownType = 99;
 constexpr std::size_t messagesShown = 8;  // of one file; a spoilt file may give thousands
 constexpr std::size_t unnamedLimit = 8;
 
 std::string causeOf(FileResult result, const std::string &path) {
     switch (result) {
         case FileResult::missing:
-            return ownText(OwnText::fileMissing, {path});
+            return wording(Text::fileMissing, {path});
         case FileResult::denied:
-            return ownText(OwnText::fileDenied, {path});
+            return wording(Text::fileDenied, {path});
         case FileResult::isFolder:
-            return ownText(OwnText::fileIsFolder, {path});
+            return wording(Text::fileIsFolder, {path});
         case FileResult::tooLarge:
-            return ownText(OwnText::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
+            return wording(Text::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
         default:
-            return ownText(OwnText::fileFailed, {path});
+            return wording(Text::fileFailed, {path});
     }
 }
 
-void showBox(int bodyNumber, const std::string &body) {
-    Box box;
-    box.bodyNumber = bodyNumber;
-    box.titleNumber = titleOfWarnings;
-    box.body = body;
-    box.title = languageText(titleOfWarnings);
-    userInterface.messageBox(box);
-}
+void showBox(Text text, const std::string &below) { tellComposed(text, wording(text) + "\n" + below); }
 
 void showReport(const ImportReport &report) {
     const std::size_t shown = std::min(report.messages.size(), messagesShown);
-    for (std::size_t i = 0; i < shown; i++) showBox(report.messages[i].bodyNumber, report.messages[i].body);
+    for (std::size_t i = 0; i < shown; i++) tellComposed(report.messages[i].bodyText, report.messages[i].body);
     if (report.messages.size() > shown)
-        tellUser(OwnText::importMoreMessages, {std::to_string(report.messages.size() - shown)});
+        tellUser(Text::importMoreMessages, {std::to_string(report.messages.size() - shown)});
     if (report.unknownRecords > 0)
-        statusLine(StatusPart::item, OwnText::importRecordsSkipped, {std::to_string(report.unknownRecords)});
+        statusLine(StatusPart::item, Text::importRecordsSkipped, {std::to_string(report.unknownRecords)});
 }
 
 // The name ends where the filling of a frame's field would begin. A copy of a screen has no name of its own, and a name
@@ -87,7 +77,7 @@ ImportReport readItems(ByteView file, ItemReader reader, const std::string &base
         return items.size() <= storeSlotCount;  // one too many is refused, and told, by the library
     };
     reader(file, sink, report);
-    if (items.empty() && report.messages.empty()) addMessage(report, OwnText::importNothing, {baseName});
+    if (items.empty() && report.messages.empty()) addMessage(report, Text::importNothing, {baseName});
     if (!items.empty() && storeAddItems(items).empty()) report.items = 0;
     return report;
 }
@@ -145,7 +135,7 @@ void placeItems(const std::string &folderName, ImportAction action) {
 
 void transmitItems() {
     if (!transmitAvailable()) {
-        tellUser(OwnText::importNoTransmission);
+        tellUser(Text::importNoTransmission);
         return;
     }
     queueItem(storeTempFolder());
@@ -164,14 +154,12 @@ void importFile(const std::string &path, const std::string &baseName) {
     if (!userInterface.leaveCurrentView() || !storeResetTemp()) return;
     Bytes file;
     const FileResult result = readWholeFile(path, file, importFileLimit);
-    if (result != FileResult::done) return showBox(notOpened, languageText(notOpened) + "\n" + causeOf(result, path));
+    if (result != FileResult::done) return showBox(Text::importNotOpened, causeOf(result, path));
     importFolderName = baseName;
     ByteView rest = file;
     const ItemReader reader = itemReaderOf(rest);
     if (!reader && isPictureFile(file)) return importPicture(file, path, baseName);
-    if (!reader)
-        return showBox(unknownType,
-                       languageText(unknownType) + "\n" + (file.empty() ? ownText(OwnText::fileEmpty, {path}) : path));
+    if (!reader) return showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {path}) : path);
     const ImportReport report = readItems(rest, reader, baseName);
     showReport(report);
     if (report.items > 0) askWhereTo();

@@ -4,7 +4,8 @@
 
 #include "calculator/charset.h"
 #include "exchange/import/cat_record.h"
-#include "telling/language_table.h"
+#include "platform/letter_case.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -25,10 +26,6 @@ constexpr std::string_view dataStart = "%Data Record";
 constexpr std::string_view endMark = "%End";
 constexpr std::size_t valueLimit = 9;
 constexpr std::size_t excerptSize = 50;
-constexpr int formatErrorText = 100;
-constexpr int unreadableText = 96;
-constexpr int unreadableHint = 97;
-constexpr int unknownLineText = 98;
 
 struct TypeRow {
     std::string_view format;  // empty: any
@@ -86,7 +83,7 @@ bool readData(CatReader &reader) {
 }
 
 bool unknownLine(CatReader &reader) {
-    addMessage(*reader.report, unknownLineText, " : " + excerpt(restOf(reader)));
+    addMessage(*reader.report, Text::importHeaderUnknown, {}, " : " + excerpt(restOf(reader)));
     return false;
 }
 
@@ -120,7 +117,7 @@ bool findRecord(CatReader &reader) {
         found = startsWithoutCase(line, recordStart);
         if (!found && !isBlank(line) && skipped++ == 0) first = excerpt(line);
     } while (!found && nextLine(reader));
-    if (skipped > 0) addMessage(*reader.report, OwnText::importLinesSkipped, {std::to_string(skipped), first});
+    if (skipped > 0) addMessage(*reader.report, Text::importLinesSkipped, {std::to_string(skipped), first});
     return found;
 }
 
@@ -179,13 +176,14 @@ bool catFormatError(CatReader &reader) {
     for (const CatKey key : {CatKey::fileName, CatKey::dataName, CatKey::variableName}) {
         if (name.empty()) name = reader.value(key);
     }
-    addMessage(*reader.report, formatErrorText,
-               "\n" + ownText(OwnText::importRecord, {std::to_string(reader.record), utf8FromCalculator(name)}));
+    addMessage(*reader.report, Text::importFormatError, {},
+               "\n" + wording(Text::importRecord, {std::to_string(reader.record), utf8FromCalculator(name)}));
     return false;
 }
 
 bool catUnreadable(CatReader &reader) {
-    addMessage(*reader.report, unreadableText, " : " + excerpt(restOf(reader)) + "\n" + languageText(unreadableHint));
+    addMessage(*reader.report, Text::importTextUnreadable, {},
+               " : " + excerpt(restOf(reader)) + "\n" + wording(Text::importTextStopped));
     return false;
 }
 

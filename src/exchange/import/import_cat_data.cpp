@@ -10,6 +10,7 @@
 #include "calculator/number_text.h"
 #include "exchange/import/cat_record.h"
 #include "exchange/import/import.h"
+#include "platform/letter_case.h"
 #include "text/program_bytes.h"
 
 namespace numalink {
@@ -54,7 +55,7 @@ void putMark(Bytes &head, std::size_t offset, const std::string &value, std::str
 }
 
 bool sizesDiffer(CatReader &reader, const std::string &name) {
-    addMessage(*reader.report, OwnText::importSizesDiffer, {utf8FromCalculator(name)});
+    addMessage(*reader.report, Text::importSizesDiffer, {utf8FromCalculator(name)});
     return true;
 }
 
@@ -211,12 +212,12 @@ void tellValues(CatReader &reader, const ValueTable &table, const std::string &n
     const std::string shown = utf8FromCalculator(name);
     if (table.refused > 0) {
         const std::string places = table.refusedPlaces + (table.refused > placesTold ? " ..." : "");
-        addMessage(*reader.report, OwnText::importValuesRefused, {shown, std::to_string(table.refused), places});
+        addMessage(*reader.report, Text::importValuesRefused, {shown, std::to_string(table.refused), places});
     }
     const auto missing = std::ranges::count(table.given, false);
     if (missing == 0) return;
     const auto first = static_cast<std::size_t>(std::ranges::find(table.given, false) - table.given.begin());
-    addMessage(*reader.report, OwnText::importValuesMissing,
+    addMessage(*reader.report, Text::importValuesMissing,
                {shown, std::to_string(missing), std::to_string(first / table.columns + 1),
                 std::to_string(first % table.columns + 1)});
 }
@@ -269,8 +270,7 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     const bool fits = fitsHead(table.rows) && fitsHead(table.columns);
     if (!fits) return skipCatData(reader) && sizesDiffer(reader, name);
     if (std::uint64_t{table.rows} * table.columns * valueFrameSize > importItemLimit) {
-        addMessage(*reader.report, OwnText::importTooLarge,
-                   {utf8FromCalculator(name), std::to_string(importItemLimit)});
+        addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(importItemLimit)});
         return skipCatData(reader);
     }
     clearTable(table);

@@ -4,7 +4,8 @@
 #include "calculator/charset.h"
 #include "calculator/frames.h"
 #include "exchange/import/import.h"
-#include "telling/language_table.h"
+#include "platform/letter_case.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -34,26 +35,22 @@ ItemReader itemReaderOf(ByteView &file) {
     return text.starts_with(':') ? readCas : nullptr;
 }
 
-void addMessage(ImportReport &report, OwnText text, const std::vector<std::string> &arguments) {
-    report.messages.push_back({ownTextNumber(text), ownText(text, arguments)});
-}
-
-void addMessage(ImportReport &report, int bodyNumber, const std::string &detail) {
-    report.messages.push_back({bodyNumber, languageText(bodyNumber) + detail});
+void addMessage(ImportReport &report, Text text, const std::vector<std::string> &arguments, const std::string &detail) {
+    report.messages.push_back({text, wording(text, arguments) + detail});
 }
 
 void addStopMessage(ImportReport &report, std::size_t place) {
-    addMessage(report, OwnText::importStopped, {std::to_string(report.items), std::to_string(place)});
+    addMessage(report, Text::importStopped, {std::to_string(report.items), std::to_string(place)});
 }
 
 bool deliver(ImportedItem item, const ItemSink &sink, ImportReport &report) {
     const std::string name = item.name.empty() ? "?" : utf8FromCalculator(item.name);
     if (item.data.size() > importItemLimit) {
-        addMessage(report, OwnText::importTooLarge, {name, std::to_string(importItemLimit)});
+        addMessage(report, Text::importTooLarge, {name, std::to_string(importItemLimit)});
         return true;
     }
     if (lengthByHead(item) != item.data.size()) {
-        addMessage(report, OwnText::importSizesDiffer, {name});
+        addMessage(report, Text::importSizesDiffer, {name});
         return true;
     }
     if (!sink(item)) return false;

@@ -9,7 +9,7 @@
 
 #include "calculator/item_kinds.h"
 #include "platform/bytes.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -24,7 +24,7 @@ struct ImportedItem {
 using ItemSink = std::function<bool(ImportedItem &item)>;
 
 struct ImportMessage {
-    int bodyNumber;
+    Text bodyText;
     std::string body;
 };
 
@@ -44,9 +44,9 @@ void readCat(ByteView file, const ItemSink &sink, ImportReport &report);
 void readCas(ByteView file, const ItemSink &sink, ImportReport &report);
 void readFxi(ByteView file, const ItemSink &sink, ImportReport &report);
 
-void addMessage(ImportReport &report, OwnText text, const std::vector<std::string> &arguments);
-// A language text with something of the file behind it.
-void addMessage(ImportReport &report, int bodyNumber, const std::string &detail);
+// A text, perhaps with something of the file behind it.
+void addMessage(ImportReport &report, Text text, const std::vector<std::string> &arguments,
+                const std::string &detail = {});
 void addStopMessage(ImportReport &report, std::size_t place);
 
 // Holds the head against its data, and hands the item on when both agree and fit; else one message, and true: the

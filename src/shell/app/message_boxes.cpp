@@ -51,10 +51,10 @@ QDialog *makeBox(const Box &box) {
     auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body), QMessageBox::Ok, boxParent());
     if (cancellable) window->addButton(QMessageBox::Cancel);
     window->setTextFormat(Qt::PlainText);
-    window->button(QMessageBox::Ok)->setText(textOf(112));
-    if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(113));
+    window->button(QMessageBox::Ok)->setText(textOf(Text::ok));
+    if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(Text::cancel));
     if (box.buttons == BoxButtons::okGoTo) {
-        window->addButton(QMessageBox::Yes)->setText(textOf(OwnText::goToStatement));
+        window->addButton(QMessageBox::Yes)->setText(textOf(Text::goToStatement));
         window->setDefaultButton(QMessageBox::Ok);
         window->setEscapeButton(QMessageBox::Ok);
         placeBesideDisplay(window);
@@ -71,9 +71,10 @@ Answer messageBox(const Box &box) {
     return button == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
-void statusText(StatusPart part, int, const std::string &text) {
+void statusText(StatusPart part, Text which, const std::string &text) {
     if (part == StatusPart::progress) return;
-    graphicalRun([&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text)); });
+    graphicalRun(
+        [&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text), which == Text::portNone); });
 }
 
 void progressRange(int maximum) {

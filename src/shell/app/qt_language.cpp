@@ -18,7 +18,7 @@ QPointer<QTranslator> translator;
 void chooseQtLanguage() {
     delete translator;
     translator = new QTranslator(qApp);
-    const QString file = QStringLiteral("qtbase_") + textOf(OwnText::qtTranslation);
+    const QString file = QStringLiteral("qtbase_") + textOf(Text::qtTranslation);
     if (translator->load(file, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(translator);
 }

@@ -51,7 +51,7 @@ bool done(void (*work)()) {
 
 bool openLibrary() {
     if (storeOpen()) return true;
-    tellUser(3);
+    tellUser(Text::noLibraryAtStart);
     return false;
 }
 
@@ -73,12 +73,12 @@ bool colourFirstUse() {
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColour(QColor::fromRgb(scheme[i])));
     settingsSetInt(setting::syntaxHighlighting, 1);
-    return settingsSave() || failWith(OwnText::settingsNotSaved);
+    return settingsSave() || failWith(Text::settingsNotSaved);
 }
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
-    tellUser(OwnText::fileFailed, {libraryFolder() + "settings.xml"});
+    tellUser(Text::fileFailed, {libraryFolder() + "settings.xml"});
     return true;
 }
 
@@ -108,7 +108,7 @@ constexpr StartStep startSteps[] = {
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
     {"colours of a new library", colourFirstUse, false},
-    {"daily copy", [] { return keepDailyCopy() || failWith(OwnText::dailyCopyFailed, {dailyCopyFolder()}); }, false},
+    {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
     {"notification area", [] { return done(addTrayIcon); }, false},

@@ -35,7 +35,7 @@ void raiseMainWindow() {
 
 void addTrayIcon() {
     trayMenu = new QMenu;
-    trayMenu->addAction(textOf(6), mainWindow, shutDown);
+    trayMenu->addAction(textOf(Text::trayExit), mainWindow, shutDown);
     trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
     trayIcon->setToolTip(QString::fromLatin1(programTitle));
     trayIcon->setContextMenu(trayMenu);

@@ -79,8 +79,8 @@ int openFiles() {
                                   QStringLiteral("*.gif")};
     QStringList bothCases;
     for (const QString &pattern : patterns) bothCases << pattern << pattern.toUpper();
-    const QString filter = textOf(OwnText::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +
-                           QStringLiteral(");;") + textOf(OwnText::filterAllFiles) + QStringLiteral(" (*)");
+    const QString filter = textOf(Text::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +
+                           QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
     const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), lastFolder, filter);
     if (chosen.isEmpty()) return 1;
     lastFolder = QFileInfo(chosen.first()).absolutePath();
@@ -100,7 +100,7 @@ int exitProgram() {
 
 int newFolder() {
     NewItem folder;
-    folder.name = storeFreeName(calculatorName(languageText(19)), rootId, kind::folder);
+    folder.name = storeFreeName(calculatorName(wording(Text::newItemName)), rootId, kind::folder);
     folder.kind = kind::folder;
     folder.flags = folderOpenFlag;
     folder.whenTaken = NameTaken::nextFreeName;
@@ -126,7 +126,8 @@ int newProgram() {
     const ItemId parent = folderForProgram();
     if (parent == noItem || !leaveCurrentView()) return 1;
     NewItem program;
-    program.name = storeFreeName(calculatorName(languageText(19)).substr(0, programNameLimit), parent, kind::program);
+    program.name =
+        storeFreeName(calculatorName(wording(Text::newItemName)).substr(0, programNameLimit), parent, kind::program);
     program.parent = parent;
     program.kind = kind::program;
     program.head = encodeProgramInfo({.imageLength = 1, .name = program.name, .password = {}});

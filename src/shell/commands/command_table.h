@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -35,15 +35,17 @@ inline constexpr int deleteKey = 46;   // Delete in the tree; in no menu
 // Positions of the menu bar.
 enum class MenuPosition { file, item, edit, emulator, communication, view, help };
 inline constexpr int menuCount = 7;
-inline constexpr int menuTexts[menuCount] = {67, 68, 69, 163, 70, 162, 71};
+inline constexpr Text menuTexts[menuCount] = {Text::menuFile,     Text::menuItem,          Text::menuEdit,
+                                              Text::menuEmulator, Text::menuCommunication, Text::menuView,
+                                              Text::menuHelp};
 
 struct Command {
     int id;
     MenuPosition menu;
     bool separatorAhead;
-    int textNumber;
+    Text text;
     const char *shortcut;  // "" for none
-    OwnText tip;           // tool tip and status text
+    Text tip;              // tool tip and status text
     bool enabledAtStart;
     bool working;         // false: stands in the menu, greyed until the program can do it
     bool needsSelection;  // does nothing without a selected item
@@ -54,7 +56,7 @@ struct Command {
 struct ToolbarButton {
     int commandId;
     const char *image;  // name of the picture in the resources
-    int textNumber;
+    Text text;
     bool enabledAtStart;
 };
 

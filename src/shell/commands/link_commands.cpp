@@ -28,7 +28,6 @@ namespace numalink {
 namespace {
 
 constexpr int deadlineMilliseconds = 500;
-constexpr int transmitQueueText = 89;
 
 QPointer<QTimer> deadlineTimer;
 QPointer<QDialog> queueWindow;
@@ -73,14 +72,14 @@ QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pr
 void makeQueueWindow() {
     queueWindow = new QDialog(mainWindow, Qt::Tool);
     queueWindow->setObjectName(QStringLiteral("queueWindow"));
-    queueWindow->setWindowTitle(textOf(OwnText::queueTitle));
+    queueWindow->setWindowTitle(textOf(Text::queueTitle));
     queueList = new QListWidget;
-    queueList->setAccessibleName(textOf(OwnText::queueTitle));
+    queueList->setAccessibleName(textOf(Text::queueTitle));
     auto *buttons = new QDialogButtonBox(Qt::Vertical);
-    sendButton = addButton(buttons, textOf(transmitQueueText), [] { beginTransmit(); });
-    removeButton = addButton(buttons, textOf(OwnText::queueRemove), removeChosen);
-    clearButton = addButton(buttons, textOf(OwnText::queueClear), transmitQueueClear);
-    againButton = addButton(buttons, textOf(OwnText::queueAgain), [] { transmitQueueAgain(); });
+    sendButton = addButton(buttons, textOf(Text::menuTransmitQueue), [] { beginTransmit(); });
+    removeButton = addButton(buttons, textOf(Text::queueRemove), removeChosen);
+    clearButton = addButton(buttons, textOf(Text::queueClear), transmitQueueClear);
+    againButton = addButton(buttons, textOf(Text::queueAgain), [] { transmitQueueAgain(); });
     QObject::connect(queueList, &QListWidget::currentItemChanged, queueWindow, showButtons);
     auto *layout = new QHBoxLayout(queueWindow);
     layout->addWidget(queueList);
@@ -137,7 +136,7 @@ int transmitQueued() {
 
 void buildCommunicationMenu() {
     QMenu *menu = menuAt(static_cast<int>(MenuPosition::communication));
-    QAction *queue = menu->addAction(textOf(OwnText::menuQueue));
+    QAction *queue = menu->addAction(textOf(Text::menuShowQueue));
     queue->setObjectName(QStringLiteral("queueAction"));
     QObject::connect(queue, &QAction::triggered, menu, openQueueWindow);
 }

@@ -24,7 +24,7 @@ std::array<QMenu *, menuCount> menus;
 void addAction(const Command &row) {
     QMenu *menu = menus[static_cast<std::size_t>(row.menu)];
     if (row.separatorAhead) menu->addSeparator();
-    QAction *action = menu->addAction(textOf(row.textNumber));
+    QAction *action = menu->addAction(textOf(row.text));
     action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
     action->setAutoRepeat(false);
     action->setStatusTip(textOf(row.tip));
@@ -71,7 +71,7 @@ void buildToolbar() {
     for (const ToolbarButton &button : toolbarTable()) {
         QAction *action = actions[button.commandId];
         action->setIcon(QIcon(QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(button.image))));
-        action->setIconText(withoutMnemonic(textOf(button.textNumber)));
+        action->setIconText(withoutMnemonic(textOf(button.text)));
         toolbar->addAction(action);
     }
     fitWindowToToolbar();

@@ -31,40 +31,40 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     refreshTree();
     if (const ItemId shown = changed ? done.shown : selectedItemId(); shown != noItem) selectItem(shown);
     const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
-    if (done.changedSince) statusLine(StatusPart::item, OwnText::changedSince);
-    if (changed && change == storeUndo) statusLine(StatusPart::item, OwnText::itemsCameBack, words);
-    if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, 0, "");
+    if (done.changedSince) statusLine(StatusPart::item, Text::changedSince);
+    if (changed && change == storeUndo) statusLine(StatusPart::item, Text::itemsCameBack, words);
+    if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, Text::none, "");
     treeView->setFocus();
 }
 
 void undo() {
     if (emulatorRunning) return;
     if (isTyping()) return undoInProgram();
-    if (!storeUndoOffer()) return statusLine(StatusPart::item, OwnText::nothingToUndo);
+    if (!storeUndoOffer()) return statusLine(StatusPart::item, Text::nothingToUndo);
     changeLibrary(storeUndo);
 }
 
 void redo() {
     if (emulatorRunning) return;
     if (isTyping()) return redoInProgram();
-    if (!storeCanRedo()) return statusLine(StatusPart::item, OwnText::nothingToRedo);
+    if (!storeCanRedo()) return statusLine(StatusPart::item, Text::nothingToRedo);
     changeLibrary(storeRedo);
 }
 
 QString undoWords() {
     const auto offer = storeUndoOffer();
-    if (isTyping() || !offer) return textOf(OwnText::undo);
+    if (isTyping() || !offer) return textOf(Text::undo);
     QString name = QString::fromStdString(utf8FromCalculator(offer->name));
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
-    return textOf(offer->replacement ? OwnText::undoReplacement : OwnText::undoDeletion, {name.toStdString()});
+    return textOf(offer->replacement ? Text::undoReplacement : Text::undoDeletion, {name.toStdString()});
 }
 
 }  // namespace
 
 void buildUndoMenu() {
     QMenu *menu = menuAt(static_cast<int>(MenuPosition::edit));
-    auto *undoAction = new QAction(textOf(OwnText::undo), menu);
-    auto *redoAction = new QAction(textOf(OwnText::redo), menu);
+    auto *undoAction = new QAction(textOf(Text::undo), menu);
+    auto *redoAction = new QAction(textOf(Text::redo), menu);
     undoAction->setObjectName(QStringLiteral("undoAction"));
     redoAction->setObjectName(QStringLiteral("redoAction"));
     undoAction->setShortcut(QKeySequence::Undo);

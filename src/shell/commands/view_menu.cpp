@@ -30,17 +30,17 @@ void addZoom(QMenu *menu, QActionGroup *group, const QString &text, int zoom) {
 
 void buildViewMenu() {
     QMenu *view = menuAt(static_cast<int>(MenuPosition::view));
-    QAction *symbols = view->addAction(textOf(OwnText::menuSymbols));
+    QAction *symbols = view->addAction(textOf(Text::menuSymbols));
     symbols->setObjectName(QStringLiteral("symbolsAction"));
     symbols->setCheckable(true);
     symbols->setChecked(symbolsWanted());
     QObject::connect(symbols, &QAction::triggered, view, setSymbolsWanted);
     // Its own close button changes it too.
     QObject::connect(view, &QMenu::aboutToShow, symbols, [symbols] { symbols->setChecked(symbolsWanted()); });
-    QMenu *zoom = view->addMenu(textOf(OwnText::menuZoom));
+    QMenu *zoom = view->addMenu(textOf(Text::menuZoom));
     auto *group = new QActionGroup(zoom);
     for (int size = 1; size <= zoomLimit; size++) addZoom(zoom, group, QStringLiteral("&%1").arg(size), size);
-    addZoom(zoom, group, textOf(OwnText::zoomFit), zoomToFit);
+    addZoom(zoom, group, textOf(Text::zoomFit), zoomToFit);
 }
 
 }  // namespace numalink

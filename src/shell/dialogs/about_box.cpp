@@ -89,7 +89,7 @@ QDialog *makePicture(Qt::WindowFlags flags) {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setMouseTracking(true);
     dialog->setFixedSize(pictureWidth, pictureHeight);
-    dialog->setWindowTitle(textOf(90).remove(QLatin1Char('&')));
+    dialog->setWindowTitle(textOf(Text::menuAbout).remove(QLatin1Char('&')));
     dialog->move(mainWindow->geometry().center() - QPoint(pictureWidth / 2, pictureHeight / 2));
     hookEvents(dialog, aboutEvent);
     return dialog;

@@ -39,13 +39,13 @@ QGroupBox *pictureBox(const QString &title, QLabel *picture) {
 }
 
 struct BitmapControls {
-    QRadioButton *image = new QRadioButton(textOf(110));
-    QRadioButton *sharp = new QRadioButton(textOf(111));
+    QRadioButton *image = new QRadioButton(textOf(Text::rasterImage));
+    QRadioButton *sharp = new QRadioButton(textOf(Text::rasterSharp));
     QLabel *result = new QLabel;
 };
 
 QGroupBox *choicesBox(const BitmapQuestion &question, const BitmapControls &controls) {
-    auto *box = new QGroupBox(textOf(115));
+    auto *box = new QGroupBox(textOf(Text::rasterGroup));
     auto *layout = new QHBoxLayout(box);
     layout->addWidget(controls.image);
     layout->addWidget(controls.sharp);
@@ -64,17 +64,17 @@ QGroupBox *choicesBox(const BitmapQuestion &question, const BitmapControls &cont
 void askBitmap(BitmapQuestion &question) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("bitmapDialog"));
-    dialog.setWindowTitle(textOf(114) + QStringLiteral(" - ") + toQt(question.fileName));
+    dialog.setWindowTitle(textOf(Text::bitmapImportTitle) + QStringLiteral(" - ") + toQt(question.fileName));
     const BitmapControls controls;
     auto *layout = new QVBoxLayout(&dialog);
     auto *original = new QLabel;
     original->setPixmap(pixmapOf(question.scaled));
-    layout->addWidget(pictureBox(textOf(OwnText::bitmapOriginal), original));
-    layout->addWidget(pictureBox(textOf(OwnText::bitmapResult), controls.result));
+    layout->addWidget(pictureBox(textOf(Text::bitmapOriginal), original));
+    layout->addWidget(pictureBox(textOf(Text::bitmapResult), controls.result));
     layout->addWidget(choicesBox(question, controls));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);

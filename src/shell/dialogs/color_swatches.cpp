@@ -33,17 +33,17 @@ constexpr int swatchWidth = 36, swatchHeight = 16, previewLines = 6;
 // In the order of the dialog, down each column: the class and its wording.
 struct SwatchRow {
     RunClass runClass;
-    int textNumber;
+    Text text;
 };
 constexpr SwatchRow swatchRows[] = {
-    {RunClass::ascii, 131},
-    {RunClass::text, 132},
-    {RunClass::numbers, 133},
-    {RunClass::error, 134},
-    {RunClass::twoByteCommand, 135},
-    {RunClass::oneByteCommand, 136},
-    {RunClass::oneByteCharacter, 137},
-    {RunClass::comment, 138},
+    {RunClass::ascii, Text::colorAscii},
+    {RunClass::text, Text::colorText},
+    {RunClass::numbers, Text::colorNumbers},
+    {RunClass::error, Text::colorError},
+    {RunClass::twoByteCommand, Text::colorTwoByteCommand},
+    {RunClass::oneByteCommand, Text::colorOneByteCommand},
+    {RunClass::oneByteCharacter, Text::colorOneByteCharacter},
+    {RunClass::comment, Text::colorComment},
 };
 
 // A program in which each class occurs. It holds a zero byte.
@@ -108,7 +108,7 @@ void takeScheme(const ColorScheme &scheme) {
     showColours();
 }
 
-QPushButton *addChoice(QMessageBox &question, OwnText text, const char *name) {
+QPushButton *addChoice(QMessageBox &question, Text text, const char *name) {
     QPushButton *button = question.addButton(textOf(text), QMessageBox::AcceptRole);
     button->setObjectName(QString::fromLatin1(name));
     return button;
@@ -122,7 +122,7 @@ void addSwatches(QGridLayout *grid) {
         button->setIconSize({swatchWidth, swatchHeight});
         button->setFixedWidth(swatchWidth + 16);
         button->setAutoDefault(false);
-        const QString name = textOf(row.textNumber);
+        const QString name = textOf(row.text);
         button->setAccessibleName(name);
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
         QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColour(row.runClass, name); });
@@ -136,7 +136,7 @@ void addSwatches(QGridLayout *grid) {
     grid->setColumnStretch(1, 1);
 }
 
-QPushButton *schemeButton(OwnText text, const ColorScheme &scheme, const char *name) {
+QPushButton *schemeButton(Text text, const ColorScheme &scheme, const char *name) {
     auto *button = new QPushButton(textOf(text));
     button->setAutoDefault(false);
     button->setObjectName(QString::fromLatin1(name));
@@ -149,7 +149,7 @@ void makePreview() {
     preview->setFont(programFont());
     preview->setReadOnly(true);
     preview->setLineWrapMode(QPlainTextEdit::NoWrap);
-    preview->setAccessibleName(textOf(OwnText::colorPreview));
+    preview->setAccessibleName(textOf(Text::colorPreview));
     preview->setTabChangesFocus(true);
     preview->setMinimumSize(300, previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
     preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -160,12 +160,12 @@ void makePreview() {
 void offerSchemeForBlack() {
     const auto isBlack = [](const QColor &colour) { return colour == Qt::black; };
     if (preview == nullptr || !std::ranges::all_of(colours, isBlack)) return;
-    QMessageBox question(QMessageBox::Question, textOf(148), textOf(OwnText::colorsAllBlack), QMessageBox::NoButton,
-                         preview->window());
+    QMessageBox question(QMessageBox::Question, textOf(Text::settingsTitle), textOf(Text::colorsAllBlack),
+                         QMessageBox::NoButton, preview->window());
     question.setTextFormat(Qt::PlainText);
-    QPushButton *light = addChoice(question, OwnText::schemeLight, "offerLight");
-    QPushButton *dark = addChoice(question, OwnText::schemeDark, "offerDark");
-    QPushButton *none = addChoice(question, OwnText::schemeDefault, "offerNone");
+    QPushButton *light = addChoice(question, Text::schemeLight, "offerLight");
+    QPushButton *dark = addChoice(question, Text::schemeDark, "offerDark");
+    QPushButton *none = addChoice(question, Text::schemeDefault, "offerNone");
     question.setEscapeButton(none);
     const bool isDark = &schemeOn(preview->palette().color(QPalette::Base)) == &darkScheme;
     question.setDefaultButton(isDark ? dark : light);
@@ -179,7 +179,7 @@ QWidget *makeColorSwatches() {
     auto *sides = new QHBoxLayout(part);
     sides->setContentsMargins(0, 0, 0, 0);
     auto *choices = new QVBoxLayout;
-    choices->addWidget(new QLabel(textOf(130)));
+    choices->addWidget(new QLabel(textOf(Text::settingsColors)));
     auto *grid = new QGridLayout;
     addSwatches(grid);
     choices->addLayout(grid);
@@ -187,10 +187,10 @@ QWidget *makeColorSwatches() {
     sides->addLayout(choices);
     makePreview();
     auto *shown = new QVBoxLayout;
-    shown->addWidget(new QLabel(textOf(OwnText::colorPreview)));
+    shown->addWidget(new QLabel(textOf(Text::colorPreview)));
     shown->addWidget(preview, 1);
-    shown->addWidget(schemeButton(OwnText::schemeLight, lightScheme, "lightScheme"));
-    shown->addWidget(schemeButton(OwnText::schemeDark, darkScheme, "darkScheme"));
+    shown->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
+    shown->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
     sides->addLayout(shown, 1);
     for (std::size_t i = 0; i < colours.size(); i++) colours[i] = qtColour(settingsColour(programColorKeys[i]));
     showColours();

@@ -42,15 +42,15 @@ public:
 
 struct TargetChoice {
     ExportTarget target;
-    OwnText text;
-    OwnText filter;
+    Text text;
+    Text filter;
     const char *pattern;
 };
 
 constexpr TargetChoice targetChoices[] = {
-    {ExportTarget::cas, OwnText::exportTypeCas, OwnText::filterCas, "*.cas *.CAS"},
-    {ExportTarget::cat, OwnText::exportTypeCat, OwnText::filterCat, "*.cat *.CAT"},
-    {ExportTarget::catAlgebra, OwnText::exportTypeCatAlgebra, OwnText::filterCat, "*.cat *.CAT"},
+    {ExportTarget::cas, Text::exportTypeCas, Text::filterCas, "*.cas *.CAS"},
+    {ExportTarget::cat, Text::exportTypeCat, Text::filterCat, "*.cat *.CAT"},
+    {ExportTarget::catAlgebra, Text::exportTypeCatAlgebra, Text::filterCat, "*.cat *.CAT"},
 };
 
 struct ExportControls {
@@ -154,7 +154,7 @@ void fillLists(const ExportQuestion &question, const ExportControls &controls) {
     for (QListWidget *list : {controls.available, controls.chosen}) list->setCurrentRow(0);
 }
 
-QPushButton *moveButton(const QString &sign, OwnText tip, const std::function<void()> &work) {
+QPushButton *moveButton(const QString &sign, Text tip, const std::function<void()> &work) {
     auto *button = new QPushButton(sign);
     button->setToolTip(textOf(tip));
     button->setAccessibleName(textOf(tip));
@@ -168,19 +168,17 @@ QVBoxLayout *moveButtons(const ExportControls &controls) {
     QListWidget *right = controls.chosen;
     auto *layout = new QVBoxLayout;
     layout->addStretch();
+    layout->addWidget(moveButton(QStringLiteral(">"), Text::exportAdd, [=] { moveSelected(controls, left, right); }));
+    layout->addWidget(moveButton(QStringLiteral(">>"), Text::exportAddAll, [=] { moveAll(controls, left, right); }));
     layout->addWidget(
-        moveButton(QStringLiteral(">"), OwnText::exportAdd, [=] { moveSelected(controls, left, right); }));
-    layout->addWidget(moveButton(QStringLiteral(">>"), OwnText::exportAddAll, [=] { moveAll(controls, left, right); }));
-    layout->addWidget(
-        moveButton(QStringLiteral("<"), OwnText::exportRemove, [=] { moveSelected(controls, right, left); }));
-    layout->addWidget(
-        moveButton(QStringLiteral("<<"), OwnText::exportRemoveAll, [=] { moveAll(controls, right, left); }));
+        moveButton(QStringLiteral("<"), Text::exportRemove, [=] { moveSelected(controls, right, left); }));
+    layout->addWidget(moveButton(QStringLiteral("<<"), Text::exportRemoveAll, [=] { moveAll(controls, right, left); }));
     layout->addStretch();
     return layout;
 }
 
 QGroupBox *targetBox(const ExportQuestion &question, ExportControls &controls) {
-    auto *box = new QGroupBox(textOf(118));
+    auto *box = new QGroupBox(textOf(Text::exportType));
     auto *layout = new QHBoxLayout(box);
     for (std::size_t i = 0; i < std::size(targetChoices); i++) {
         controls.targets[i] = new QRadioButton(textOf(targetChoices[i].text));
@@ -198,13 +196,13 @@ QLabel *titleOf(const QString &text, QListWidget *list) {
 }
 
 QGridLayout *listsLayout(ExportControls &controls) {
-    auto *left = makeList(QStringLiteral("availableItems"), textOf(116));
-    auto *right = makeList(QStringLiteral("chosenItems"), textOf(117));
+    auto *left = makeList(QStringLiteral("availableItems"), textOf(Text::exportAvailable));
+    auto *right = makeList(QStringLiteral("chosenItems"), textOf(Text::exportChosen));
     controls.available = left;
     controls.chosen = right;
     auto *layout = new QGridLayout;
-    layout->addWidget(titleOf(textOf(116), left), 0, 0);
-    layout->addWidget(titleOf(textOf(117), right), 0, 2);
+    layout->addWidget(titleOf(textOf(Text::exportAvailable), left), 0, 0);
+    layout->addWidget(titleOf(textOf(Text::exportChosen), right), 0, 2);
     layout->addWidget(left, 1, 0);
     layout->addWidget(right, 1, 2);
     layout->setColumnStretch(0, 1);
@@ -237,8 +235,8 @@ void askPath(ExportQuestion &question) {
     const auto choice = std::ranges::find(targetChoices, question.target, &TargetChoice::target);
     if (choice == std::end(targetChoices)) return;
     const QString filter = textOf(choice->filter) + QStringLiteral(" (") + QLatin1String(choice->pattern) +
-                           QStringLiteral(");;") + textOf(OwnText::filterAllFiles) + QStringLiteral(" (*)");
-    QString path = QFileDialog::getSaveFileName(mainWindow, textOf(OwnText::exportTitle), lastFolder, filter, nullptr,
+                           QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
+    QString path = QFileDialog::getSaveFileName(mainWindow, textOf(Text::exportTitle), lastFolder, filter, nullptr,
                                                 QFileDialog::DontConfirmOverwrite);
     if (path.isEmpty()) return;
     if (QFileInfo(path).suffix().isEmpty()) path += QLatin1String(exportFileEnding(question.target));
@@ -251,7 +249,7 @@ void askPath(ExportQuestion &question) {
 void askExport(ExportQuestion &question) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("exportDialog"));
-    dialog.setWindowTitle(textOf(59));
+    dialog.setWindowTitle(textOf(Text::toolSave));
     ExportControls controls;
     auto *layout = new QVBoxLayout(&dialog);
     QGridLayout *lists = listsLayout(controls);
@@ -259,8 +257,8 @@ void askExport(ExportQuestion &question) {
     layout->addWidget(targetBox(question, controls));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     controls.ok = buttons->button(QDialogButtonBox::Ok);
-    controls.ok->setText(textOf(112));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    controls.ok->setText(textOf(Text::ok));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     layout->addWidget(buttons);
     fillLists(question, controls);
     connectLists(controls, lists);

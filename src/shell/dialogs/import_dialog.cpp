@@ -28,22 +28,22 @@ struct ImportControls {
 };
 
 QGroupBox *itemsBox(const ImportQuestion &question) {
-    auto *box = new QGroupBox(textOf(156));
+    auto *box = new QGroupBox(textOf(Text::importItems));
     auto *list = new QListWidget;
     for (const std::string &name : question.itemNames) list->addItem(toQt(name));
-    list->setAccessibleName(textOf(156));
+    list->setAccessibleName(textOf(Text::importItems));
     (new QVBoxLayout(box))->addWidget(list);
     return box;
 }
 
 QGroupBox *choicesBox(const ImportQuestion &question, ImportControls &controls) {
-    auto *box = new QGroupBox(textOf(157));
-    controls.oneFolder = new QRadioButton(textOf(158));
+    auto *box = new QGroupBox(textOf(Text::importWhere));
+    controls.oneFolder = new QRadioButton(textOf(Text::importOneFolder));
     controls.folder = new QLineEdit(toQt(question.folderName));
     controls.folder->setMaxLength(static_cast<int>(importFolderNameLimit));
-    controls.folder->setAccessibleName(textOf(158));
-    controls.standardFolders = new QRadioButton(textOf(159));
-    controls.transmit = new QRadioButton(textOf(160));
+    controls.folder->setAccessibleName(textOf(Text::importOneFolder));
+    controls.standardFolders = new QRadioButton(textOf(Text::importStandardFolders));
+    controls.transmit = new QRadioButton(textOf(Text::importTransmit));
     controls.transmit->setEnabled(transmitAvailable());
     auto *layout = new QVBoxLayout(box);
     for (QWidget *control :
@@ -65,15 +65,15 @@ ImportAction chosen(const ImportControls &controls) {
 
 void askImport(ImportQuestion &question) {
     QDialog dialog(mainWindow);
-    dialog.setWindowTitle(textOf(155));
+    dialog.setWindowTitle(textOf(Text::importTitle));
     dialog.setObjectName(QStringLiteral("importDialog"));
     ImportControls controls{};
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(itemsBox(question));
     layout->addWidget(choicesBox(question, controls));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     layout->addWidget(buttons);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);

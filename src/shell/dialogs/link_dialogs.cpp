@@ -23,8 +23,8 @@ namespace {
 constexpr int slotCount = 6;
 constexpr int yesResult = 1, noResult = 2;  // 0, a closed dialog, is Cancel
 
-QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, int textNumber, int result) {
-    QPushButton *button = buttons->addButton(textOf(textNumber), QDialogButtonBox::ActionRole);
+QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, Text text, int result) {
+    QPushButton *button = buttons->addButton(textOf(text), QDialogButtonBox::ActionRole);
     QObject::connect(button, &QPushButton::clicked, dialog, [dialog, result] { dialog->done(result); });
     return button;
 }
@@ -36,9 +36,9 @@ QDialog *existsDialog(const std::string &question) {
     auto *label = new QLabel(toQt(question));
     label->setTextFormat(Qt::PlainText);
     auto *buttons = new QDialogButtonBox;
-    addAnswer(dialog, buttons, 152, yesResult);
-    QPushButton *no = addAnswer(dialog, buttons, 153, noResult);
-    addAnswer(dialog, buttons, 113, 0);
+    addAnswer(dialog, buttons, Text::yes, yesResult);
+    QPushButton *no = addAnswer(dialog, buttons, Text::no, noResult);
+    addAnswer(dialog, buttons, Text::cancel, 0);
     auto *layout = new QVBoxLayout(dialog);
     layout->addWidget(label);
     layout->addWidget(buttons);
@@ -51,8 +51,8 @@ QDialog *existsDialog(const std::string &question) {
 QDialog *slotDialog(const std::string &pictureName, int preset) {
     auto *dialog = new QDialog(mainWindow);
     dialog->setObjectName(QStringLiteral("slotDialog"));
-    dialog->setWindowTitle(textOf(OwnText::slotTitle));
-    auto *label = new QLabel(textOf(OwnText::slotQuestion, {pictureName}));
+    dialog->setWindowTitle(textOf(Text::slotTitle));
+    auto *label = new QLabel(textOf(Text::slotQuestion, {pictureName}));
     label->setTextFormat(Qt::PlainText);
     auto *slotButtons = new QButtonGroup(dialog);
     auto *row = new QHBoxLayout;
@@ -63,8 +63,8 @@ QDialog *slotDialog(const std::string &pictureName, int preset) {
         row->addWidget(choice);
     }
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(112));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(113));
+    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
+    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog,
                      [dialog, slotButtons] { dialog->done(slotButtons->checkedId()); });
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);

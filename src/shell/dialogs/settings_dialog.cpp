@@ -30,19 +30,19 @@ void (*linkSettingsChanged)() = [] {};
 namespace {
 
 constexpr int valueLimit = 49;  // characters of a typed value
-constexpr int languageNextStart = 121;
 
 struct SwitchRow {
     const char *key;
-    int textNumber;
+    Text text;
 };
 
-constexpr SwitchRow linkSwitches[] = {{setting::removeColor, 126}};
-constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, 143},
-                                          {setting::fullscreen, 144},
-                                          {setting::fillListsMatrices, 145},
-                                          {setting::fullSpeed, 146}};
-constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, 128}, {setting::autoCorrect, 129}};
+constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemoveColor}};
+constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
+                                          {setting::fullscreen, Text::settingsFullScreen},
+                                          {setting::fillListsMatrices, Text::settingsFillLists},
+                                          {setting::fullSpeed, Text::settingsFullSpeed}};
+constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
+                                        {setting::autoCorrect, Text::settingsAutoCorrect}};
 
 struct SettingsControls {
     QComboBox *language = nullptr;
@@ -56,7 +56,7 @@ struct SettingsControls {
 
 void addSwitches(QVBoxLayout *layout, std::span<const SwitchRow> rows, SettingsControls &controls) {
     for (const SwitchRow &row : rows) {
-        auto *box = new QCheckBox(textOf(row.textNumber));
+        auto *box = new QCheckBox(textOf(row.text));
         box->setChecked(settingsInt(row.key) > 0);
         box->setObjectName(QString::fromLatin1(row.key));
         layout->addWidget(box);
@@ -105,10 +105,10 @@ QWidget *languagePage(SettingsControls &controls) {
     controls.language->setCurrentIndex(languageChosen());
     auto *page = new QWidget;
     auto *form = new QFormLayout(page);
-    form->addRow(textOf(139), controls.language);
-    form->addRow(textOf(140), controls.author = valueField());
-    form->addRow(textOf(141), controls.email = valueField());
-    form->addRow(textOf(142), controls.date = valueField());
+    form->addRow(textOf(Text::settingsLanguage), controls.language);
+    form->addRow(textOf(Text::settingsAuthor), controls.author = valueField());
+    form->addRow(textOf(Text::settingsEmail), controls.email = valueField());
+    form->addRow(textOf(Text::settingsUpdated), controls.date = valueField());
     QObject::connect(controls.language, &QComboBox::currentIndexChanged, controls.language,
                      [controls] { showLanguage(controls); });
     showLanguage(controls);
@@ -123,8 +123,8 @@ QWidget *linkPage(SettingsControls &controls) {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     auto *form = new QFormLayout;
-    form->addRow(textOf(124), controls.port);
-    form->addRow(textOf(125), controls.type);
+    form->addRow(textOf(Text::settingsPort), controls.port);
+    form->addRow(textOf(Text::settingsType), controls.type);
     layout->addLayout(form);
     addSwitches(layout, linkSwitches, controls);
     layout->addStretch();
@@ -156,30 +156,30 @@ QWidget *editorPage(SettingsControls &controls) {
 void storeControls(const SettingsControls &controls) {
     const auto put = [](const char *key, const QString &text) {
         const std::string value = text.trimmed().toStdString();
-        if (!settingsSetValue(key, value)) tellUser(OwnText::settingRefused, {value});
+        if (!settingsSetValue(key, value)) tellUser(Text::settingRefused, {value});
     };
     const QString language = controls.language->currentText();
     if (controls.language->currentIndex() != languageChosen())
-        tellFixed(languageNextStart, {}, programTitle, BoxIcon::information);
+        tellFixed(Text::languageNextStart, {}, programTitle, BoxIcon::information);
     if (!language.isEmpty()) put(setting::language, language);
     put(setting::comPort, controls.port->currentText());
     put(setting::linkType, controls.type->currentText());
     for (const auto &[key, box] : controls.switches) settingsSetInt(key, box->isChecked() ? 1 : 0);
     storeSwatches();
-    if (!settingsSave()) tellUser(OwnText::settingsNotSaved);
+    if (!settingsSave()) tellUser(Text::settingsNotSaved);
 }
 
 // True for OK, with all stored.
 bool settingsDialog() {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("settingsDialog"));
-    dialog.setWindowTitle(textOf(148));
+    dialog.setWindowTitle(textOf(Text::settingsTitle));
     SettingsControls controls;
     auto *pages = new QTabWidget;  // one above the other they would not fit a small screen
-    pages->addTab(languagePage(controls), textOf(OwnText::settingsLanguagePage));
-    pages->addTab(linkPage(controls), textOf(123));
-    pages->addTab(emulatorPage(controls), textOf(127));
-    pages->addTab(editorPage(controls), textOf(147));
+    pages->addTab(languagePage(controls), textOf(Text::settingsLanguagePage));
+    pages->addTab(linkPage(controls), textOf(Text::settingsCommunication));
+    pages->addTab(emulatorPage(controls), textOf(Text::settingsEmulator));
+    pages->addTab(editorPage(controls), textOf(Text::settingsEditor));
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(pages);
     layout->addWidget(dialogButtons(&dialog));

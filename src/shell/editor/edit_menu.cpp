@@ -27,28 +27,27 @@ void deleteSelection() {
 }
 
 struct EditRow {
-    int textNumber;  // 0 for a text of our own
-    OwnText ownText;
+    Text text;
     QKeySequence::StandardKey key;
     bool (*enabled)();
     void (*run)();
 };
 
 constexpr EditRow editRows[] = {
-    {0, OwnText::undo, QKeySequence::Undo, canUndo, undoInProgram},
-    {0, OwnText::redo, QKeySequence::Redo, canRedo, redoInProgram},
-    {8, {}, QKeySequence::Copy, hasSelection, [] { programEdit->copy(); }},
-    {7, {}, QKeySequence::Cut, canCut, [] { programEdit->cut(); }},
-    {9, {}, QKeySequence::Paste, canPaste, [] { programEdit->paste(); }},
-    {10, {}, QKeySequence::Delete, canCut, deleteSelection},
-    {11, {}, QKeySequence::SelectAll, always, [] { programEdit->selectAll(); }},
+    {Text::undo, QKeySequence::Undo, canUndo, undoInProgram},
+    {Text::redo, QKeySequence::Redo, canRedo, redoInProgram},
+    {Text::editCopy, QKeySequence::Copy, hasSelection, [] { programEdit->copy(); }},
+    {Text::editCut, QKeySequence::Cut, canCut, [] { programEdit->cut(); }},
+    {Text::editPaste, QKeySequence::Paste, canPaste, [] { programEdit->paste(); }},
+    {Text::editDelete, QKeySequence::Delete, canCut, deleteSelection},
+    {Text::editSelectAll, QKeySequence::SelectAll, always, [] { programEdit->selectAll(); }},
 };
 
 void showEditMenu(const QPoint &where) {
     QMenu menu(programEdit);
     menu.setObjectName(QStringLiteral("editMenu"));
     for (const EditRow &row : editRows) {
-        QAction *action = menu.addAction(row.textNumber != 0 ? textOf(row.textNumber) : textOf(row.ownText));
+        QAction *action = menu.addAction(textOf(row.text));
         action->setShortcut(row.key);
         action->setShortcutContext(Qt::WidgetShortcut);
         action->setEnabled(row.enabled());

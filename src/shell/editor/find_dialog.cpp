@@ -25,7 +25,6 @@ namespace numalink {
 namespace {
 
 constexpr int findLimit = 49;  // characters
-constexpr int notFound = 25;
 
 QString findText;
 
@@ -33,14 +32,14 @@ QString findText;
 bool askFind() {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("findDialog"));
-    dialog.setWindowTitle(textOf(149));
+    dialog.setWindowTitle(textOf(Text::findTitle));
     auto *wanted = new QLineEdit(findText);
     wanted->setMaxLength(findLimit);
     wanted->setFont(programFont());
     wanted->selectAll();
-    auto *label = new QLabel(textOf(150));
+    auto *label = new QLabel(textOf(Text::findLabel));
     label->setBuddy(wanted);
-    auto *fromStart = new QCheckBox(textOf(151));
+    auto *fromStart = new QCheckBox(textOf(Text::findFromStart));
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(label);
     layout->addWidget(wanted);
@@ -72,7 +71,7 @@ QTextCursor nextFound() {
 void search() {
     const QTextCursor found = nextFound();
     if (found.isNull()) {
-        tellFixed(notFound, {}, programTitle);
+        tellFixed(Text::findNothing, {}, programTitle);
     } else {
         programEdit->setTextCursor(found);
         programEdit->ensureCursorVisible();

@@ -23,15 +23,15 @@ namespace {
 bool askPassword(QString &password) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("passwordDialog"));
-    dialog.setWindowTitle(textOf(61));
+    dialog.setWindowTitle(textOf(Text::toolPassword));
     auto *typed = new QLineEdit(password);
     typed->setEchoMode(QLineEdit::Password);
     typed->setMaxLength(static_cast<int>(programNameLimit));
-    typed->setAccessibleName(textOf(61));
+    typed->setAccessibleName(textOf(Text::toolPassword));
     typed->selectAll();
-    auto *label = new QLabel(textOf(61));
+    auto *label = new QLabel(textOf(Text::toolPassword));
     label->setBuddy(typed);
-    auto *refused = new QLabel(textOf(OwnText::passwordTooLong));
+    auto *refused = new QLabel(textOf(Text::passwordTooLong));
     refused->setObjectName(QStringLiteral("passwordRefused"));
     QSizePolicy keepsRoom = refused->sizePolicy();
     keepsRoom.setRetainSizeWhenHidden(true);
@@ -65,11 +65,11 @@ int changePassword() {
     int missing = 0;
     const std::string codes = calculatorFromUtf8(password.toStdString(), &missing);
     if (missing > 0) {
-        tellUser(OwnText::nameHasForeignCharacter);
+        tellUser(Text::nameHasForeignCharacter);
         return 1;
     }
     if (codes.size() > programNameLimit) {
-        tellUser(OwnText::passwordTooLong);
+        tellUser(Text::passwordTooLong);
         return 1;
     }
     info->password = codes;

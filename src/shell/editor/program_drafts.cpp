@@ -66,12 +66,12 @@ bool readDraft(const std::string &path, Draft &draft) {
 enum class DraftAnswer { open, remove, later };
 
 DraftAnswer askDraft(const Draft &draft) {
-    QMessageBox box(QMessageBox::Question, textOf(titleOfWarnings),
-                    textOf(OwnText::draftFound, {draft.name.toStdString()}), QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Question, textOf(Text::warningTitle),
+                    textOf(Text::draftFound, {draft.name.toStdString()}), QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
-    QPushButton *open = box.addButton(textOf(OwnText::draftOpen), QMessageBox::AcceptRole);
-    const QPushButton *remove = box.addButton(textOf(OwnText::draftDelete), QMessageBox::DestructiveRole);
-    QPushButton *later = box.addButton(textOf(OwnText::draftLater), QMessageBox::RejectRole);
+    QPushButton *open = box.addButton(textOf(Text::draftOpen), QMessageBox::AcceptRole);
+    const QPushButton *remove = box.addButton(textOf(Text::draftDelete), QMessageBox::DestructiveRole);
+    QPushButton *later = box.addButton(textOf(Text::draftLater), QMessageBox::RejectRole);
     box.setDefaultButton(open);
     box.setEscapeButton(later);
     box.exec();

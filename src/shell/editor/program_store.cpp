@@ -23,8 +23,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int lineNotStorable = 18;
-
 ItemEntry openedEntry;
 Bytes openedHead;
 
@@ -60,12 +58,11 @@ void putCaretOn(int place) {
 }
 
 Choice askUnstored(const QString &why, bool mayKeepDraft) {
-    QMessageBox box(QMessageBox::Critical, textOf(titleOfWarnings), why, QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Critical, textOf(Text::warningTitle), why, QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
-    QPushButton *goBack = box.addButton(textOf(OwnText::goBack), QMessageBox::RejectRole);
-    const QPushButton *discard = box.addButton(textOf(OwnText::discardChanges), QMessageBox::DestructiveRole);
-    const QPushButton *draft =
-        mayKeepDraft ? box.addButton(textOf(OwnText::keepDraft), QMessageBox::AcceptRole) : nullptr;
+    QPushButton *goBack = box.addButton(textOf(Text::goBack), QMessageBox::RejectRole);
+    const QPushButton *discard = box.addButton(textOf(Text::discardChanges), QMessageBox::DestructiveRole);
+    const QPushButton *draft = mayKeepDraft ? box.addButton(textOf(Text::keepDraft), QMessageBox::AcceptRole) : nullptr;
     box.setDefaultButton(goBack);
     box.setEscapeButton(goBack);
     box.exec();
@@ -105,7 +102,7 @@ bool addAsNew(NewItem item) {
     viewItemId = id;
     if (const std::optional<ItemEntry> entry = storeReadEntry(id)) openedEntry = *entry;
     refreshTree();
-    tellUser(OwnText::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
+    tellUser(Text::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
     return true;
 }
 
@@ -128,8 +125,8 @@ bool writeText(const ReadText &read) {
 }
 
 QString whyNot(const ReadText &read) {
-    return read.faultAt >= 0 ? toQt(languageFormat(lineNotStorable, {std::to_string(read.faultLine)}))
-                             : textOf(OwnText::programNotStored);
+    return read.faultAt >= 0 ? toQt(wording(Text::lineNotStorable, {std::to_string(read.faultLine)}))
+                             : textOf(Text::programNotStored);
 }
 
 // False to go back.
@@ -142,7 +139,7 @@ bool settleUnstored(const ReadText &read, bool mayKeepDraft) {
                 return true;
             case Choice::draft:
                 if (keepDraft(openedEntry, viewToText())) return true;
-                tellUser(OwnText::draftNotWritten, {draftFolder()});
+                tellUser(Text::draftNotWritten, {draftFolder()});
                 break;
             case Choice::goBack:
                 if (read.faultAt >= 0) putCaretOn(read.faultAt);
@@ -181,7 +178,7 @@ bool storeEditedProgram() {
     ReadText read;
     if (tryToStore(read)) return true;
     if (read.faultAt >= 0) {
-        tellUser(lineNotStorable, {std::to_string(read.faultLine)}, BoxIcon::error);
+        tellUser(Text::lineNotStorable, {std::to_string(read.faultLine)}, BoxIcon::error);
         putCaretOn(read.faultAt);
     }
     return false;

@@ -69,7 +69,7 @@ void makeSymbolsWindow() {
     window = new QWidget(mainWindow, Qt::Tool | Qt::WindowDoesNotAcceptFocus | Qt::CustomizeWindowHint |
                                          Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     window->setObjectName(QStringLiteral("symbolsWindow"));
-    window->setWindowTitle(textOf(4));
+    window->setWindowTitle(textOf(Text::symbolsTitle));
     window->setAttribute(Qt::WA_ShowWithoutActivating);
     window->setFocusPolicy(Qt::NoFocus);
     window->setFixedSize(2 * firstPlace + columns * buttonSize, 2 * firstPlace + rows * buttonSize);

@@ -43,7 +43,7 @@ constexpr int toolbarImageSize = 24, treeImageSize = 16;
 void makeTree() {
     treeView = new QTreeWidget(clientArea);
     treeView->setObjectName(QStringLiteral("treeView"));
-    treeView->setAccessibleName(textOf(OwnText::libraryTree));
+    treeView->setAccessibleName(textOf(Text::libraryTree));
     treeView->setHeaderHidden(true);
     treeView->setIconSize({treeImageSize, treeImageSize});
     treeView->setFont(treeFont());
@@ -57,7 +57,7 @@ void makeTree() {
 void makeProgramEdit() {
     programEdit = new ProgramEdit(clientArea);
     programEdit->setObjectName(QStringLiteral("programEdit"));
-    programEdit->setAccessibleName(textOf(147));
+    programEdit->setAccessibleName(textOf(Text::settingsEditor));
     programEdit->setFont(programFont());
     programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
     programEdit->setTabChangesFocus(true);
@@ -95,7 +95,7 @@ void makeClientWidgets() {
     treeToggleButton->setText(QStringLiteral("<"));
     treeToggleButton->setAutoRaise(true);
     treeToggleButton->setFocusPolicy(Qt::NoFocus);
-    treeToggleButton->setAccessibleName(textOf(161).remove(QLatin1Char('&')));
+    treeToggleButton->setAccessibleName(textOf(Text::menuHideFiles).remove(QLatin1Char('&')));
     makeStatusBar();
     makeProgramEdit();
     containerWindow = new QWidget(clientArea);

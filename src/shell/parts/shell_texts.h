@@ -5,15 +5,13 @@
 #include <string>
 
 #include "calculator/charset.h"
-#include "telling/language_table.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
 inline QString toQt(const std::string &utf8) { return QString::fromStdString(utf8); }
-inline QString textOf(int number) { return toQt(languageText(number)); }
-inline QString textOf(OwnText text, const std::vector<std::string> &arguments = {}) {
-    return toQt(ownText(text, arguments));
+inline QString textOf(Text text, const std::vector<std::string> &arguments = {}) {
+    return toQt(wording(text, arguments));
 }
 inline QString nameToQt(const std::string &calculatorText) { return toQt(utf8FromCalculator(calculatorText)); }
 

@@ -12,7 +12,6 @@
 #include "shell/commands/command_table.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/parts/shell_texts.h"
 
 namespace numalink {
 
@@ -72,9 +71,8 @@ void makeStatusBar() {
     progressBar->hide();
 }
 
-void showStatus(QLabel *field, const QString &text) {
+void showStatus(QLabel *field, const QString &text, bool leadsToSettings) {
     if (field == nullptr) return;
-    const bool leadsToSettings = field == linkField && text == textOf(OwnText::portNone);
     leadsToSettings ? showAsLink(field, text) : showPlain(field, text);
     field->setToolTip(Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text);
 }

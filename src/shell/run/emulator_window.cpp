@@ -166,7 +166,7 @@ void takeDisplay() {
 
 // A run is on or not: the menu, the toolbar's word, and which keys are commands.
 void showRunState(bool running) {
-    commandAction(command::emulate)->setIconText(running ? textOf(OwnText::editorButton) : textOf(60));
+    commandAction(command::emulate)->setIconText(running ? textOf(Text::editorButton) : textOf(Text::toolEmulate));
     menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
     setCommandEnabled(command::screenshot, running);
     setShortcutsEnabled(!running);

@@ -20,7 +20,6 @@ QWidget *fullScreenWindow = nullptr;
 bool fullScreenOn = false;
 int fullScreenWidth = 0, fullScreenHeight = 0;
 constexpr double displayShare = 0.667;  // of the height: keeps the display's two to one nearly
-constexpr int noLayerText = 52;
 
 #ifdef NUMALINK_FULL_SCREEN
 constexpr bool layerThere = true;
@@ -78,7 +77,7 @@ bool fullScreenEvent(QWidget *window, QEvent *event) {
 
 void fullScreenEnter() {
     if (!layerThere) {
-        tellUser(noLayerText);
+        tellUser(Text::fullScreenMissing);
         return;
     }
     if (fullScreenWindow == nullptr) {

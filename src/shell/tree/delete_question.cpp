@@ -15,24 +15,26 @@
 namespace numalink {
 
 bool askDelete(const ItemEntry &item) {
-    std::string body = languageText(20) + "\n\n" + utf8FromCalculator(item.name);
+    std::string body = wording(Text::confirmDelete) + "\n\n" + utf8FromCalculator(item.name);
     if (isFolderKind(item.kind)) {
         const int count = countBelow(storeListItems(), item.id);
-        body.append("\n").append(ownText(OwnText::folderHolds, {std::to_string(count)}));
+        body.append("\n").append(wording(Text::folderHolds, {std::to_string(count)}));
     }
-    const Box box{
-        .bodyNumber = 20, .body = body, .title = programTitle, .buttons = BoxButtons::okCancel, .arguments = {}};
+    const Box box{.bodyText = Text::confirmDelete,
+                  .body = body,
+                  .title = programTitle,
+                  .buttons = BoxButtons::okCancel,
+                  .arguments = {}};
     return userInterface.messageBox(box) == Answer::ok;
 }
 
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
     QMessageBox box(QMessageBox::Question, QString::fromLatin1(programTitle),
-                    textOf(OwnText::nameTakenThere, {utf8FromCalculator(moved.name)}), QMessageBox::NoButton,
-                    mainWindow);
+                    textOf(Text::nameTakenThere, {utf8FromCalculator(moved.name)}), QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
-    QPushButton *replace = mayReplace ? box.addButton(textOf(OwnText::replace), QMessageBox::DestructiveRole) : nullptr;
-    QPushButton *keepBoth = box.addButton(textOf(OwnText::keepBoth), QMessageBox::AcceptRole);
-    QPushButton *cancel = box.addButton(textOf(113), QMessageBox::RejectRole);
+    QPushButton *replace = mayReplace ? box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole) : nullptr;
+    QPushButton *keepBoth = box.addButton(textOf(Text::keepBoth), QMessageBox::AcceptRole);
+    QPushButton *cancel = box.addButton(textOf(Text::cancel), QMessageBox::RejectRole);
     box.setDefaultButton(keepBoth);
     box.setEscapeButton(cancel);
     box.exec();

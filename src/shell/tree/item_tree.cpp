@@ -143,7 +143,7 @@ void placeEntry(const TreeEntry &entry, std::unordered_map<ItemId, int> &placed,
 void tellStrays(int strays) {
     if (strays == 0 || straysTold) return;
     straysTold = true;
-    tellUser(120);
+    tellUser(Text::itemWithoutFolder);
 }
 
 void refreshNow() {

@@ -31,12 +31,12 @@ void placeEditor() {
     editor->setGeometry(left, row.top(), treeView->viewport()->width() - left, row.height());
 }
 
-void tellFault(const NameFault &fault) {
+void tellFault(Text fault) {
     telling = true;
-    if (fault.textNumber != 0) {
-        tellFixed(fault.textNumber, languageText(fault.textNumber), errorTitle);
+    if (fault == Text::programNameTooLong) {
+        tellFixed(fault, {}, errorTitle);
     } else {
-        tellUser(fault.ownText);
+        tellUser(fault);
     }
     telling = false;
     if (editor != nullptr) editor->setFocus();
@@ -60,7 +60,7 @@ void commit() {
     if (editor == nullptr || telling) return;
     const std::optional<Typed> typed = typedName();
     if (typed) {
-        if (const std::optional<NameFault> fault = nameFault(typed->item, typed->name)) return tellFault(*fault);
+        if (const std::optional<Text> fault = nameFault(typed->item, typed->name)) return tellFault(*fault);
     }
     closeLabelEditor();
     if (typed && renameItem(typed->item, calculatorFromUtf8(typed->name))) refreshTree();

@@ -7,6 +7,7 @@
 #include "calculator/charset.h"
 #include "calculator/frames.h"
 #include "calculator/program_info.h"
+#include "platform/letter_case.h"
 
 namespace numalink {
 
@@ -162,15 +163,15 @@ bool canDrop(ItemKind dragged, ItemKind folderKind) {
         dropRows, [&](const DropRow &row) { return row.itemKind == dragged && row.folderKind == folderKind; });
 }
 
-std::optional<NameFault> nameFault(const ItemEntry &item, const std::string &utf8Name) {
+std::optional<Text> nameFault(const ItemEntry &item, const std::string &utf8Name) {
     int missing = 0;
     const std::string name = calculatorFromUtf8(utf8Name, &missing);
-    if (name.find_first_not_of(' ') == std::string::npos) return NameFault{0, OwnText::nameEmpty};
-    if (missing > 0) return NameFault{0, OwnText::nameHasForeignCharacter};
-    if (isFolderKind(item.kind) && name.find('/') != std::string::npos) return NameFault{0, OwnText::nameHasSlash};
-    if (item.kind == kind::program && name.size() > programNameLimit) return NameFault{26, {}};
-    if (name.size() > storeNameLimit) return NameFault{0, OwnText::nameTooLong};
-    if (nameIsTaken(item, name)) return NameFault{0, OwnText::nameTaken};
+    if (name.find_first_not_of(' ') == std::string::npos) return Text::nameEmpty;
+    if (missing > 0) return Text::nameHasForeignCharacter;
+    if (isFolderKind(item.kind) && name.find('/') != std::string::npos) return Text::nameHasSlash;
+    if (item.kind == kind::program && name.size() > programNameLimit) return Text::programNameTooLong;
+    if (name.size() > storeNameLimit) return Text::nameTooLong;
+    if (nameIsTaken(item, name)) return Text::nameTaken;
     return std::nullopt;
 }
 

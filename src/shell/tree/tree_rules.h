@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "store/item_store.h"
-#include "telling/own_texts.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -36,13 +36,8 @@ std::vector<bool> longestRising(const std::vector<int> &places);
 // folder its own kinds.
 bool canDrop(ItemKind dragged, ItemKind folderKind);
 
-// What is wrong with a name for an item: a language text number for a program's name that is too long, or a text of our
-// own, or nothing.
-struct NameFault {
-    int textNumber = 0;
-    OwnText ownText{};
-};
-std::optional<NameFault> nameFault(const ItemEntry &item, const std::string &utf8Name);
+// The text that tells what is wrong with a name for an item, or nothing.
+std::optional<Text> nameFault(const ItemEntry &item, const std::string &utf8Name);
 
 // Renames an item and writes the name into its head where the head carries one. The name has passed nameFault.
 bool renameItem(const ItemEntry &item, const std::string &calculatorName);

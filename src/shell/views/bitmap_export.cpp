@@ -17,18 +17,18 @@ namespace numalink {
 
 namespace {
 
-OwnText wordingOf(FileResult result) {
+Text wordingOf(FileResult result) {
     switch (result) {
         case FileResult::missing:
-            return OwnText::fileMissing;
+            return Text::fileMissing;
         case FileResult::denied:
-            return OwnText::fileDenied;
+            return Text::fileDenied;
         case FileResult::isFolder:
-            return OwnText::fileIsFolder;
+            return Text::fileIsFolder;
         case FileResult::diskFull:
-            return OwnText::fileDiskFull;
+            return Text::fileDiskFull;
         default:
-            return OwnText::fileFailed;
+            return Text::fileFailed;
     }
 }
 
@@ -36,7 +36,7 @@ OwnText wordingOf(FileResult result) {
 QString askBitmapPath(const QString &itemName) {
     QFileDialog dialog(mainWindow);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(textOf(OwnText::filterBitmaps) + QStringLiteral(" (*.bmp)"));
+    dialog.setNameFilter(textOf(Text::filterBitmaps) + QStringLiteral(" (*.bmp)"));
     dialog.setDefaultSuffix(QStringLiteral("bmp"));
     dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();

@@ -39,14 +39,14 @@ std::string matrixInfo;  // the status line of the matrix on view, without its p
 bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
 
 void showProgram(const StoredItem &item) {
-    statusLine(StatusPart::item, 21);
+    statusLine(StatusPart::item, Text::openingProgram);
     programToView(item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
     showSymbols();
     setEditMenuEnabled(true);
-    if (tokenCount() == 0) tellUser(OwnText::withoutTable);
+    if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 
 // Places of a cell in the table, in dots.
@@ -90,7 +90,7 @@ bool matrixKeys(const QKeyEvent &key) {
     picked.row = std::clamp(picked.row, 1, std::max(1, matrixOnView.rows));
     if (picked.row != before.row || picked.column != before.column) {
         redrawSurface();
-        userInterface.statusText(StatusPart::item, 23, matrixInfo + pickedInfo());
+        userInterface.statusText(StatusPart::item, Text::size, matrixInfo + pickedInfo());
     }
     scrollToPicked();
     return true;
@@ -111,14 +111,14 @@ void showDrawn(const StoredItem &item) {
     showSurfaceInParts(size.width, size.height, partOfMatrix, matrixKeys);
 }
 
-std::optional<OwnText> faultText(PictureFault fault) {
+std::optional<Text> faultText(PictureFault fault) {
     switch (fault) {
         case PictureFault::tooLarge:
-            return OwnText::viewTooLarge;
+            return Text::viewTooLarge;
         case PictureFault::unknownColor:
-            return OwnText::viewUnknownColor;
+            return Text::viewUnknownColor;
         case PictureFault::endsEarly:
-            return OwnText::viewEndsEarly;
+            return Text::viewEndsEarly;
         case PictureFault::none:
             break;
     }
@@ -132,21 +132,21 @@ void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, 22, {size, passwordMask});
+        statusLine(StatusPart::item, Text::sizeWithPassword, {size, passwordMask});
         return;
     }
-    std::string line = languageFormat(23, {size});
-    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + ownText(*fault);
+    std::string line = wording(Text::size, {size});
+    if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + wording(*fault);
     if (isMatrix(item.kind)) {
         matrixInfo = line;
         line += pickedInfo();
     }
-    userInterface.statusText(StatusPart::item, 23, line);
+    userInterface.statusText(StatusPart::item, Text::size, line);
 }
 
 void closeView() {
     setEditMenuEnabled(false);
-    userInterface.statusText(StatusPart::item, 0, "");
+    userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
     programEdit->hide();
     lineNumberEdit->hide();

@@ -278,14 +278,14 @@ void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
     if (recovery == Recovery::unread || recovery == Recovery::failed || size < 0) return;
     Examined examined;
     examined.fileSize = static_cast<std::uint64_t>(size);
-    const int fault = readMain(examined.main);
-    check.headUsable = fault == 0 || fault == textTooNew;
+    const Text trouble = readMain(examined.main);
+    check.headUsable = trouble == Text::none || trouble == Text::libraryTooNew;
     if (!check.headUsable) examined.main = {};
     check.outcome = CheckOutcome::checked;
     if (size == 0) return;  // a new library, that the next start gives its head
     examine(examined, check);
     // A newer version may have written it, unless nothing but that number is out of order.
-    if (mayBeNewer(fault, examined.main) && check.damage > 1) check.outcome = CheckOutcome::newer;
+    if (mayBeNewer(trouble, examined.main) && check.damage > 1) check.outcome = CheckOutcome::newer;
     if (check.outcome != CheckOutcome::checked || !repair || check.damage == 0) return;
     check.repaired = rewrite(examined);
     if (!check.repaired) check.outcome = CheckOutcome::notWritten;

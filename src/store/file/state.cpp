@@ -5,6 +5,7 @@
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
+#include "platform/letter_case.h"
 #include "store/file/check.h"
 #include "telling/tell_user.h"
 
@@ -16,21 +17,20 @@ namespace {
 
 struct FaultText {
     Fault fault;
-    OwnText text;
+    Text text;
 };
 constexpr FaultText faultTexts[] = {
-    {Fault::full, OwnText::storeFull},
-    {Fault::noFolder, OwnText::storeNoFolder},
-    {Fault::intoItself, OwnText::storeIntoItself},
-    {Fault::tooLarge, OwnText::storeTooLarge},
-    {Fault::notWritten, OwnText::storeNotWritten},
-    {Fault::broken, OwnText::storeBroken},
-    {Fault::replaced, OwnText::storeReplaced},
-    {Fault::itemUnread, OwnText::storeItemUnread},
-    {Fault::notCopied, OwnText::storeNotCopied},
-    {Fault::noMemory, OwnText::storeNoMemory},
+    {Fault::full, Text::storeFull},
+    {Fault::noFolder, Text::storeNoFolder},
+    {Fault::intoItself, Text::storeIntoItself},
+    {Fault::tooLarge, Text::storeTooLarge},
+    {Fault::notWritten, Text::storeNotWritten},
+    {Fault::broken, Text::storeBroken},
+    {Fault::replaced, Text::storeReplaced},
+    {Fault::itemUnread, Text::storeItemUnread},
+    {Fault::notCopied, Text::storeNotCopied},
+    {Fault::noMemory, Text::storeNoMemory},
 };
-constexpr int textHeadTooShort = 34, textWrongHead = 35, textOfHeadNotWritten = 37;
 
 // How many codes a name of this kind may have.
 std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
@@ -53,7 +53,7 @@ bool isGap(const Stretch &stretch) REQUIRES_LOCK(storeLock) {
 bool storeTold(Fault fault) {
     if (fault == Fault::none) return true;
     try {
-        if (fault == Fault::headNotWritten) return failWith(textOfHeadNotWritten);
+        if (fault == Fault::headNotWritten) return failWith(Text::libraryHeadNotWritten);
         for (const FaultText &row : faultTexts)
             if (row.fault == fault) return failWith(row.text);
     } catch (const std::bad_alloc &) {
@@ -83,15 +83,15 @@ MainHeader emptyMain() {
     return main;
 }
 
-int readMain(MainHeader &main) {
-    if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return textHeadTooShort;
-    if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return textWrongHead;
-    return main.formatNumber > storeNewestFormat ? textTooNew : 0;
+Text readMain(MainHeader &main) {
+    if (!storeFileRead(0, {reinterpret_cast<std::uint8_t *>(&main), sizeof main})) return Text::libraryTooShort;
+    if (std::memcmp(main.signature, mainSignature, sizeof itemSignature) != 0) return Text::libraryWrongHead;
+    return main.formatNumber > storeNewestFormat ? Text::libraryTooNew : Text::none;
 }
 
-bool mayBeNewer(int textNumber, const MainHeader &main) {
+bool mayBeNewer(Text trouble, const MainHeader &main) {
     constexpr std::uint32_t limit = 2 * storeNewestFormat;
-    return textNumber == textTooNew && main.formatNumber < limit;
+    return trouble == Text::libraryTooNew && main.formatNumber < limit;
 }
 
 void readSlots(const MainHeader &main, std::vector<Slot> &slots) {

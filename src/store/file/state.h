@@ -71,11 +71,10 @@ inline constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
 
 std::size_t slotOfId(ItemId id) REQUIRES_LOCK(storeLock);
 MainHeader emptyMain();
-// Reads the head record, and of each slot the head of its record; a text number that tells what is wrong, or 0.
-int readMain(MainHeader &main) REQUIRES_LOCK(storeLock);
-inline constexpr int textTooNew = 119;  // of readMain: the format isn't known
+// Reads the head record, and of each slot the head of its record; the text that tells what is wrong, or none.
+Text readMain(MainHeader &main) REQUIRES_LOCK(storeLock);
 // Whether a newer version may have written what readMain gave this text for. Above its limit the number is damage.
-bool mayBeNewer(int textNumber, const MainHeader &main);
+bool mayBeNewer(Text trouble, const MainHeader &main);
 void readSlots(const MainHeader &main, std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
 // Stretches that neither a record of the table nor deleted ones explain: a record that the table has lost, or the rest
 // of one whose size says too little. In a file without damage there are none.

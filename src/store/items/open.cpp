@@ -13,13 +13,11 @@ namespace numalink {
 
 namespace {
 
-constexpr int textCannotOpen = 33, textHeadTooShort = 34, textDamaged = 36;
-
-int createStore() REQUIRES_LOCK(storeLock) {
+Text createStore() REQUIRES_LOCK(storeLock) {
     storeState.main = emptyMain();
     changeBegin();
     changeWrite(0, bytesOf(storeState.main));
-    return changeCommit() == ChangeResult::done ? 0 : textCannotOpen;
+    return changeCommit() == ChangeResult::done ? Text::none : Text::libraryNotOpened;
 }
 
 std::string storePath() { return libraryFolder() + "storage.dat"; }
@@ -48,16 +46,16 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     return !kept.empty();
 }
 
-// The text number of what keeps the file from being used, or 0.
-int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
+// The text that tells what keeps the file from being used, or none.
+Text openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     opening.file = storeFileOpen(storePath(), true);
-    if (opening.file != OpenResult::opened || !recoverFile(opening)) return textCannotOpen;
+    if (opening.file != OpenResult::opened || !recoverFile(opening)) return Text::libraryNotOpened;
     const std::int64_t size = storeFileSize();
-    if (size < 0) return textHeadTooShort;
+    if (size < 0) return Text::libraryTooShort;
     opening.isNew = size == 0;
-    const int fault = opening.isNew ? createStore() : readMain(storeState.main);
-    opening.isNewer = mayBeNewer(fault, storeState.main);
-    if (fault != 0) return fault;
+    const Text trouble = opening.isNew ? createStore() : readMain(storeState.main);
+    opening.isNewer = mayBeNewer(trouble, storeState.main);
+    if (trouble != Text::none) return trouble;
     readSlots(storeState.main, storeState.slots);
     opening.damage =
         opening.isNew ? 0 : checkStore(storeState.main, static_cast<std::uint64_t>(size), storeState.slots);
@@ -70,7 +68,7 @@ int openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     storeState.open = true;
     // A start alone changes nothing, so that the daily copies are of days with changes.
     if (!opening.isNew && opening.damage == 0 && !tempIsFresh()) opening.resetFault = resetTemp();
-    return 0;
+    return Text::none;
 }
 
 void letGo() {
@@ -80,38 +78,38 @@ void letGo() {
     forgetUndoSteps();
 }
 
-bool tellNotOpened(int textNumber, const Opening &opening) {
+bool tellNotOpened(Text text, const Opening &opening) {
     const bool held = opening.file == OpenResult::heldByAnother;
     if (opening.recovery == Recovery::unread)
-        tellMore(textNumber, OwnText::storeJournalUnread, {opening.journal});
+        tellMore(text, Text::storeJournalUnread, {opening.journal});
     else if (opening.recovery == Recovery::failed)
-        tellMore(textNumber, OwnText::storeNotBroughtBack, {opening.journal});
-    else if (textNumber == textCannotOpen)
-        tellMore(textNumber, held ? OwnText::storeHeld : OwnText::storeNotOpened, {storePath()});
+        tellMore(text, Text::storeNotBroughtBack, {opening.journal});
+    else if (text == Text::libraryNotOpened)
+        tellMore(text, held ? Text::storeHeld : Text::storeNotOpened, {storePath()});
     else if (opening.isNewer)
-        tellUser(textNumber);
+        tellUser(text);
     else
-        tellMore(textNumber, OwnText::storeMayBeSaved, {libraryFolder()});
+        tellMore(text, Text::storeMayBeSaved, {libraryFolder()});
     return false;
 }
 
 }  // namespace
 
 bool storeOpen() {
-    int textNumber = 0;
+    Text trouble = Text::none;
     Opening opening;
     const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         if (storeState.open) return Fault::none;
-        textNumber = textCannotOpen;  // unless it comes to an end
-        textNumber = openFile(opening);
+        trouble = Text::libraryNotOpened;  // unless it comes to an end
+        trouble = openFile(opening);
         return Fault::none;
     });
-    if (textNumber != 0) letGo();
+    if (trouble != Text::none) letGo();
     if (fault != Fault::none) return storeTold(fault);
-    if (opening.recovery == Recovery::foreign) tellUser(OwnText::storeJournalSetAside, {opening.journal});
-    if (textNumber != 0) return tellNotOpened(textNumber, opening);
+    if (opening.recovery == Recovery::foreign) tellUser(Text::storeJournalSetAside, {opening.journal});
+    if (trouble != Text::none) return tellNotOpened(trouble, opening);
     if (opening.damage > 0)
-        tellMore(textDamaged, OwnText::storeDamageCount,
+        tellMore(Text::libraryRecordDamaged, Text::storeDamageCount,
                  {std::to_string(opening.damage), std::to_string(opening.lost)});
     storeTold(opening.resetFault);  // the library is usable all the same
     return true;

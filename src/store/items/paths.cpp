@@ -1,7 +1,7 @@
 // Finding by name and by path, and the folders that the program makes for itself.
 #include "calculator/charset.h"
 #include "store/file/state.h"
-#include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -54,10 +54,10 @@ std::size_t slotOfKind(ItemKind itemKind) REQUIRES_LOCK(storeLock) {
 }
 
 Fault standardFolder(ItemKind folderKind, ItemId &id) REQUIRES_LOCK(storeLock) {
-    const int nameNumber = standardFolderName(folderKind);
-    if (nameNumber == 0) return Fault::absent;
+    const Text name = standardFolderName(folderKind);
+    if (name == Text::none) return Fault::absent;
     const std::size_t slot = slotOfKind(folderKind);
-    if (slot == noSlot) return addItem(newFolder(calculatorName(languageText(nameNumber)), rootId, folderKind), id);
+    if (slot == noSlot) return addItem(newFolder(calculatorName(wording(name)), rootId, folderKind), id);
     id = storeState.slots[slot].head.id;
     return Fault::none;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "platform/letter_case.h"
 #include "store/undo/keep_for_undo.h"
 
 namespace numalink {
