@@ -49,7 +49,10 @@ void linkResult(Text text) {
 
 bool linkResultTake() { return resultShown.exchange(false); }
 
-void linkNoticeForget() { keep({}); }
+void linkNoticeForget() {
+    resultShown = false;
+    keep({});
+}
 
 NoticeState linkNoticeState() {
     const HoldLock hold(noticeLock);

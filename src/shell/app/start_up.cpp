@@ -67,7 +67,7 @@ bool loadSettings() {
 }
 
 // Programs show their colours from the start, where nobody has chosen otherwise.
-bool colourFirstUse() {
+bool colorFirstUse() {
     if (!isFirstUse) return true;
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
@@ -107,7 +107,7 @@ constexpr StartStep startSteps[] = {
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
     {"library", openLibrary, true},
-    {"colours of a new library", colourFirstUse, false},
+    {"colors of a new library", colorFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
