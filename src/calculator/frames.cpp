@@ -6,21 +6,13 @@
 #include <numeric>
 #include <string_view>
 
+#include "calculator/number_text.h"
+
 namespace numalink {
 
 namespace {
 
 constexpr std::uint8_t goodSum = 0x3A;
-constexpr std::size_t rowsOffset = 7;     // rows, or height in pixels
-constexpr std::size_t columnsOffset = 9;  // columns, width, or the length of the data
-constexpr std::size_t groupOffset = 19;
-constexpr std::size_t passwordOffset = 27;
-constexpr std::size_t headOptionOffset = 35;
-constexpr std::size_t coloursOffset = 32;
-constexpr std::size_t sheetsOffset = 34;
-constexpr std::size_t countedHead = 11;  // bytes up to and with the number at columnsOffset
-constexpr std::size_t planeExtra = 6;    // ':', sheet, colour and checksum around a plane's pixels
-
 struct MarkRow {
     std::string_view mark;  // from offset 1
     ItemKind itemKind;
@@ -67,13 +59,13 @@ constexpr OptionBytes usualOption(ItemKind itemKind) {
 Bytes textHead(ItemKind itemKind, const ProgramInfo &info) {
     const bool isProgram = itemKind == kind::program;
     Bytes frame = startFrame(headFrameSize, isProgram ? ":TXT\0PG\0\0"sv : ":TXT\0FM\0\0"sv);
-    writeBig16(frame, columnsOffset, info.imageLength);
+    writeBig16(frame, frameColumnsOffset, info.imageLength);
     putField(frame, frameNameOffset, info.name);
-    if (!isProgram) putText(frame, groupOffset, "F\x99Mem"sv);
-    putField(frame, passwordOffset, info.password);
+    if (!isProgram) putText(frame, frameGroupOffset, "F\x99Mem"sv);
+    putField(frame, framePasswordOffset, info.password);
     const bool usual = info.option[0] == 0 && info.option[1] == 0;
     const OptionBytes option = usual ? usualOption(itemKind) : OptionBytes{{info.option[0], info.option[1]}};
-    std::ranges::copy(option.bytes, frame.begin() + headOptionOffset);
+    std::ranges::copy(option.bytes, frame.begin() + frameOptionOffset);
     return frame;
 }
 
@@ -134,20 +126,17 @@ ItemKind classifyFrame(ByteView bytes) {
     return kind::unknown;
 }
 
-std::size_t headFrameLength(ItemKind itemKind) {
-    return itemKind == kind::colourScreen || itemKind == kind::monochromeScreen ? shortHeadFrameSize : headFrameSize;
-}
+std::size_t headFrameLength(ItemKind itemKind) { return isScreenKind(itemKind) ? shortHeadFrameSize : headFrameSize; }
 
 std::uint64_t frameDataLength(ByteView frame) {
     const ItemKind itemKind = frame.empty() ? kind::unknown : classifyFrame(frame.subspan(1));
     if (headFrameLength(itemKind) == shortHeadFrameSize) return screenLength(frame, itemKind);
     if (itemKind == kind::endOfTransmission) return 0;
     if (itemKind == kind::picture) return picturePlaneCount(frame) * picturePlaneLength(frame);
-    if (frame.size() < countedHead) return 0;
-    const std::uint64_t rows = readBig16(frame, rowsOffset);
-    const std::uint64_t columns = readBig16(frame, columnsOffset);
-    constexpr std::uint64_t bytesPerValue = 16;
-    return rows == 0 ? columns : rows * columns * bytesPerValue;
+    if (frame.size() < frameDimensionsEnd) return 0;
+    const std::uint64_t rows = readBig16(frame, frameRowsOffset);
+    const std::uint64_t columns = readBig16(frame, frameColumnsOffset);
+    return rows == 0 ? columns : rows * columns * valueFrameSize;
 }
 
 std::string copyFrameName(ByteView source) {
@@ -156,25 +145,25 @@ std::string copyFrameName(ByteView source) {
 }
 
 std::optional<ProgramInfo> infoFromHeadFrame(ByteView frame) {
-    if (frame.size() < headOptionOffset + 2) return std::nullopt;
+    if (frame.size() < frameOptionOffset + 2) return std::nullopt;
     const ItemKind itemKind = classifyFrame(frame.subspan(1));
     if (!isTextKind(itemKind)) return std::nullopt;
-    ProgramInfo info{.imageLength = readBig16(frame, columnsOffset),
+    ProgramInfo info{.imageLength = readBig16(frame, frameColumnsOffset),
                      .name = copyFrameName(frame.subspan(frameNameOffset)),
-                     .password = copyFrameName(frame.subspan(passwordOffset))};
-    const ByteView option = frame.subspan(headOptionOffset, 2);
+                     .password = copyFrameName(frame.subspan(framePasswordOffset))};
+    const ByteView option = frame.subspan(frameOptionOffset, 2);
     if (!std::ranges::equal(option, usualOption(itemKind).bytes)) std::ranges::copy(option, info.option);
     return info;
 }
 
 std::uint64_t picturePlaneLength(ByteView head) {
-    if (head.size() < countedHead) return 0;
-    return std::uint64_t{readBig16(head, rowsOffset)} * readBig16(head, columnsOffset) / 8 + planeExtra;
+    if (head.size() < frameDimensionsEnd) return 0;
+    return std::uint64_t{readBig16(head, frameRowsOffset)} * readBig16(head, frameColumnsOffset) / 8 + planeExtra;
 }
 
 std::uint64_t picturePlaneCount(ByteView head) {
-    if (head.size() < sheetsOffset + 2) return 0;
-    return std::uint64_t{readBig16(head, coloursOffset)} * readBig16(head, sheetsOffset);
+    if (head.size() < pictureHeadSize) return 0;
+    return std::uint64_t{readBig16(head, frameColorsOffset)} * readBig16(head, frameSheetsOffset);
 }
 
 }  // namespace numalink

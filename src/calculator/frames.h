@@ -14,8 +14,38 @@ namespace numalink {
 
 inline constexpr std::size_t headFrameSize = 50;       // CFX items
 inline constexpr std::size_t shortHeadFrameSize = 40;  // screen copies and all frames of the ALGEBRA family
+// The fields of a head frame.
+inline constexpr std::size_t frameRowsOffset = 7;     // rows, or height in dots
+inline constexpr std::size_t frameColumnsOffset = 9;  // columns, width in dots, or the length of the data
+inline constexpr std::size_t frameDimensionsEnd = 11;
 inline constexpr std::size_t frameNameOffset = 11;
 inline constexpr std::size_t frameNameSize = 8;
+inline constexpr std::size_t frameLetterOffset = 15;  // in a matrix's name
+inline constexpr std::size_t frameDigitOffset = 18;   // in a picture's name: its slot
+inline constexpr std::size_t frameGroupOffset = 19;
+inline constexpr std::size_t frameTypeOffset = 27;            // of values: "R", of a backup: the calculator's
+inline constexpr std::size_t frameVariableLengthOffset = 28;  // of values
+inline constexpr std::size_t framePasswordOffset = 27;        // of texts
+inline constexpr std::size_t frameOptionOffset = 35;          // of texts
+inline constexpr std::size_t frameStartOffset = 27;           // of pictures: where the dots start, two letters
+inline constexpr std::size_t frameDirectionOffset = 29;       // and three letters for how they run
+inline constexpr std::size_t frameByteDirectionOffset = 30;
+inline constexpr std::size_t frameBitWeightOffset = 31;
+inline constexpr std::size_t frameColorsOffset = 32;  // of pictures: planes of a sheet
+inline constexpr std::size_t frameSheetsOffset = 34;
+inline constexpr std::size_t pictureHeadSize = 36;  // bytes up to and with the number of sheets
+
+// The heads of the ALGEBRA family.
+inline constexpr std::size_t algebraLengthOffset = 8;
+inline constexpr std::size_t algebraTypeOffset = 10;  // 1 for a program
+
+// The data of pictures: planes, each ':', sheet, color, dots and checksum.
+inline constexpr std::size_t planeColorOffset = 4;  // the low byte of the color's number
+inline constexpr std::size_t planeDotsOffset = 5;
+inline constexpr std::size_t planeExtra = 6;  // bytes around the dots
+// The data of screen copies of 128 by 64 dots.
+inline constexpr std::size_t screenPlaneSize = 1024;
+inline constexpr std::size_t screenPlaneStep = 1027;  // from plane to plane of a color screen
 
 enum class Family { cfx = 1, algebra = 2 };
 

@@ -7,28 +7,31 @@ namespace numalink {
 
 namespace {
 
+enum class View { text, values, screen, drawing, none };
+
 struct KindRow {
     ItemKind itemKind;
     ItemKind standardFolder;
     int treeImage;
+    View view;
 };
 
 constexpr int unknownImage = 8;
 constexpr int folderImage = 1;
 
 constexpr KindRow kindRows[] = {
-    {kind::unknown, 1004, unknownImage},
-    {kind::matrix, 1005, 2},
-    {kind::backup, 1003, 3},
-    {kind::list, 1006, 6},
-    {kind::graphFunction, 1004, unknownImage},
-    {kind::colourScreen, 1010, 4},
-    {kind::monochromeScreen, 1010, 5},
-    {kind::picture, 1007, 4},
-    {kind::graphMemory, 1008, unknownImage},
-    {kind::program, 1001, 0},
-    {kind::algebraBlock, 1011, 7},
-    {kind::functionMemory, 1009, 9},
+    {kind::unknown, kind::otherItemsFolder, unknownImage, View::none},
+    {kind::matrix, kind::matricesFolder, 2, View::values},
+    {kind::backup, kind::backupsFolder, 3, View::drawing},
+    {kind::list, kind::listsFolder, 6, View::values},
+    {kind::graphFunction, kind::otherItemsFolder, unknownImage, View::none},
+    {kind::colourScreen, kind::screenCopiesFolder, 4, View::screen},
+    {kind::monochromeScreen, kind::screenCopiesFolder, 5, View::screen},
+    {kind::picture, kind::picturesFolder, 4, View::drawing},
+    {kind::graphMemory, kind::graphMemoriesFolder, unknownImage, View::none},
+    {kind::program, kind::programsFolder, 0, View::text},
+    {kind::algebraBlock, kind::algebraFolder, 7, View::none},
+    {kind::functionMemory, kind::functionMemoriesFolder, 9, View::text},
 };
 static_assert(std::ranges::is_sorted(kindRows, {}, &KindRow::itemKind));
 
@@ -38,11 +41,16 @@ struct FolderRow {
 };
 
 constexpr FolderRow folderRows[] = {
-    {1001, Text::programsFolder},      {1003, Text::backupsFolder},
-    {1004, Text::otherItemsFolder},    {1005, Text::matricesFolder},
-    {1006, Text::listsFolder},         {1007, Text::picturesFolder},
-    {1008, Text::graphMemoriesFolder}, {1009, Text::functionMemoriesFolder},
-    {1010, Text::screenCopiesFolder},  {1011, Text::algebraFolder},
+    {kind::programsFolder, Text::programsFolder},
+    {kind::backupsFolder, Text::backupsFolder},
+    {kind::otherItemsFolder, Text::otherItemsFolder},
+    {kind::matricesFolder, Text::matricesFolder},
+    {kind::listsFolder, Text::listsFolder},
+    {kind::picturesFolder, Text::picturesFolder},
+    {kind::graphMemoriesFolder, Text::graphMemoriesFolder},
+    {kind::functionMemoriesFolder, Text::functionMemoriesFolder},
+    {kind::screenCopiesFolder, Text::screenCopiesFolder},
+    {kind::algebraFolder, Text::algebraFolder},
 };
 static_assert(std::ranges::is_sorted(folderRows, {}, &FolderRow::folderKind));
 
@@ -51,7 +59,17 @@ const KindRow *rowOfKind(ItemKind itemKind) {
     return row == std::end(kindRows) ? nullptr : row;
 }
 
+View viewOf(ItemKind itemKind) {
+    const KindRow *row = rowOfKind(itemKind);
+    return row ? row->view : View::none;
+}
+
 }  // namespace
+
+bool isTextKind(ItemKind itemKind) { return viewOf(itemKind) == View::text; }
+bool isValuesKind(ItemKind itemKind) { return viewOf(itemKind) == View::values; }
+bool isScreenKind(ItemKind itemKind) { return viewOf(itemKind) == View::screen; }
+bool isDrawnKind(ItemKind itemKind) { return viewOf(itemKind) != View::text && viewOf(itemKind) != View::none; }
 
 ItemKind standardFolderOfKind(ItemKind itemKind) {
     const KindRow *row = rowOfKind(itemKind);

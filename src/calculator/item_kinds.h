@@ -1,6 +1,7 @@
 // The kinds of items, and the facts that hang on a kind, in one table.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace numalink {
 using ItemId = std::uint32_t;
 inline constexpr ItemId rootId = 1;
 inline constexpr ItemId noItem = 0xFFFFFFFF;
+
+// Bytes of an item's data that are taken, from a file as from the wire.
+inline constexpr std::size_t itemDataLimit = 70000;
 
 using ItemKind = std::uint32_t;
 namespace kind {
@@ -29,15 +33,28 @@ inline constexpr ItemKind modelFrame = 16;
 inline constexpr ItemKind algebraBlock = 17;
 inline constexpr ItemKind functionMemory = 18;
 inline constexpr ItemKind folder = 1000;
+inline constexpr ItemKind programsFolder = 1001;
 inline constexpr ItemKind temporaryFolder = 1002;
+inline constexpr ItemKind backupsFolder = 1003;
+inline constexpr ItemKind otherItemsFolder = 1004;
+inline constexpr ItemKind matricesFolder = 1005;
+inline constexpr ItemKind listsFolder = 1006;
+inline constexpr ItemKind picturesFolder = 1007;
+inline constexpr ItemKind graphMemoriesFolder = 1008;
+inline constexpr ItemKind functionMemoriesFolder = 1009;
+inline constexpr ItemKind screenCopiesFolder = 1010;
+inline constexpr ItemKind algebraFolder = 1011;
 inline constexpr ItemKind none = 0xFFFFFFFF;
 }  // namespace kind
 
 inline bool isFolderKind(ItemKind itemKind) { return itemKind >= kind::folder; }
-inline bool isTextKind(ItemKind itemKind) { return itemKind == kind::program || itemKind == kind::functionMemory; }
+bool isTextKind(ItemKind itemKind);    // tokens, with a ProgramInfo ahead of them in the library
+bool isValuesKind(ItemKind itemKind);  // matrices and lists: value frames
+bool isScreenKind(ItemKind itemKind);  // copies of a calculator's screen
+bool isDrawnKind(ItemKind itemKind);   // whether its view is a drawing
 
-// The standard folder that an item of this kind is filed in (graph functions with the unknown data, ALGEBRA blocks
-// in 1011), or kind::none.
+// The standard folder that an item of this kind is filed in, and the only one that it may be moved to (graph functions
+// with the unknown data); kind::none for a kind that isn't kept.
 ItemKind standardFolderOfKind(ItemKind itemKind);
 
 // A standard folder's name, or none when the kind is no standard folder.

@@ -80,12 +80,9 @@ double decodeValue(std::span<const std::uint8_t, valueFrameSize> frame) {
     if ((frame[flagsByte] & 0xF) == 0) exponent -= 100;
     if (frame[flagsByte] >> 4 == negativeNibble) mantissa = -mantissa;
     // By way of its decimal text: a power of ten as a factor would miss the nearest double now and then.
-    char text[32];
-    char *end = std::to_chars(text, text + sizeof text, mantissa).ptr;
-    *end++ = 'e';
-    end = std::to_chars(end, text + sizeof text, exponent - (significantDigits - 1)).ptr;
+    const std::string text = std::to_string(mantissa) + "e" + std::to_string(exponent - (significantDigits - 1));
     double value = 0;
-    std::from_chars(text, end, value);
+    std::from_chars(text.data(), text.data() + text.size(), value);
     return value;
 }
 

@@ -12,6 +12,7 @@
 namespace numalink {
 
 inline constexpr std::size_t valueFrameSize = 16;
+inline constexpr std::size_t valueRowOffset = 1, valueColumnOffset = 3;  // numbers of two bytes, from 1
 
 // Fills bytes 0 to 14, the value rounded at 15 digits; byte 15, the checksum's place, stays. False, with nothing
 // written, for a value that isn't finite or whose exponent lies outside -99 to 99. Row and column from 1.

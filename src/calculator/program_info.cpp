@@ -8,7 +8,6 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t imageLengthOffset = 4;
-constexpr std::size_t nameOffset = 8;
 constexpr std::size_t passwordOffset = 20;
 constexpr std::uint8_t endMark = 0xFF;
 
@@ -28,7 +27,7 @@ Bytes encodeProgramInfo(const ProgramInfo &info) {
     Bytes head(programInfoSize);
     writeLittle32(head, 0, programInfoSize);
     writeLittle32(head, imageLengthOffset, info.imageLength);
-    putText(head, nameOffset, info.name);
+    putText(head, programNameOffset, info.name);
     putText(head, passwordOffset, info.password);
     head[optionOffset] = info.option[0];
     head[optionOffset + 1] = info.option[1];
@@ -38,7 +37,7 @@ Bytes encodeProgramInfo(const ProgramInfo &info) {
 std::optional<ProgramInfo> decodeProgramInfo(ByteView head) {
     if (head.size() < programInfoSize) return std::nullopt;
     return ProgramInfo{.imageLength = readLittle32(head, imageLengthOffset),
-                       .name = takeText(head, nameOffset),
+                       .name = takeText(head, programNameOffset),
                        .password = takeText(head, passwordOffset),
                        .option = {head[optionOffset], head[optionOffset + 1]}};
 }

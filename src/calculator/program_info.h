@@ -9,8 +9,9 @@
 namespace numalink {
 
 inline constexpr std::size_t programInfoSize = 32;
-inline constexpr std::size_t programNameLimit = 8;  // characters of a program's name or password
-inline constexpr std::size_t optionOffset = 29;     // what a head has at 35 and 36; 0 0 for the usual bytes of its kind
+inline constexpr std::size_t programNameOffset = 8;  // of the name in the 32 bytes
+inline constexpr std::size_t programNameLimit = 8;   // characters of a program's name or password
+inline constexpr std::size_t optionOffset = 29;  // what a head has at 35 and 36; 0 0 for the usual bytes of its kind
 
 struct ProgramInfo {
     std::uint32_t imageLength = 1;  // bytes that a transmission announces

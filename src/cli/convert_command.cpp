@@ -1,4 +1,5 @@
 // numalink-cli convert
+#include <algorithm>
 #include <memory>
 
 #include "calculator/charset.h"
@@ -8,6 +9,7 @@
 #include "exchange/export/export.h"
 #include "exchange/import/bitmap_import.h"
 #include "exchange/import/import.h"
+#include "exchange/import/import_formats.h"
 #include "platform/files.h"
 #include "platform/letter_case.h"
 #include "platform/picture_file.h"
@@ -26,10 +28,9 @@ struct ConvertOptions {
 
 ExportTarget targetOf(const ConvertOptions &options) {
     if (!options.target.empty()) return targetOfOption(options.target);
-    const std::size_t length = options.out.size();
-    const std::string ending = length < 4 ? "" : options.out.substr(length - 4);
-    for (const ExportTarget target : {ExportTarget::cas, ExportTarget::cat}) {
-        if (equalWithoutCase(ending, exportFileEnding(target))) return target;
+    const std::size_t dot = options.out.size() - std::min<std::size_t>(options.out.size(), 4);
+    for (const ExportFormat &format : exportFormats()) {
+        if (equalWithoutCase(options.out.substr(dot), format.ending)) return format.target;
     }
     return ExportTarget::none;
 }
@@ -40,18 +41,19 @@ void addItem(std::vector<OutgoingItem> &items, ImportedItem &item) {
 
 // exitDone, exitShown after messages about single records, or exitFailed.
 int readFile(ByteView file, const ConvertOptions &options, std::vector<OutgoingItem> &items) {
-    if (const ItemReader reader = itemReaderOf(file)) {
+    const ImportFormat *format = importFormatOf(file);
+    if (format != nullptr && format->read != nullptr) {
         ImportReport report;
         const ItemSink sink = [&](ImportedItem &item) {
             addItem(items, item);
             return true;
         };
-        reader(file, sink, report);
+        format->read(file, sink, report);
         for (const ImportMessage &message : report.messages) commandFailed(message.body);
         return report.messages.empty() ? exitDone : exitShown;
     }
     Surface scaled(calculatorPictureWidth, calculatorPictureHeight);
-    const PictureResult result = isPictureFile(file) ? readScaledPicture(file, scaled) : PictureResult::unreadable;
+    const PictureResult result = format != nullptr ? readScaledPicture(file, scaled) : PictureResult::unreadable;
     if (result == PictureResult::tooLarge) return commandFailed(options.in + " has too many pixels");
     if (result != PictureResult::done)
         return commandFailed(options.in + " is no item file and no picture that can be read");
@@ -80,9 +82,9 @@ int runConvert(const ConvertOptions &options) {
 
 CommandRun declareConvert(CLI::App &command) {
     const auto options = std::make_shared<ConvertOptions>();
-    command.add_option("IN", options->in, "A cat, cas or fxi file, or a bitmap")->required();
+    command.add_option("IN", options->in, "The file to read: " + importFormatNames())->required();
     command.add_option("OUT", options->out, "The file to write; its ending tells its sort")->required();
-    command.add_option("--to", options->target, targetOptionHelp)->check(CLI::IsMember(targetOptions));
+    command.add_option("--to", options->target, targetOptionHelp)->check(CLI::IsMember(targetOptions()));
     command.add_option("--raster", options->raster, "How a bitmap becomes a picture: \"image\" or \"sharp\"")
         ->check(CLI::IsMember({"image", "sharp"}));
     command.add_flag("--replace", options->replace, "Replace a file that exists");

@@ -37,7 +37,7 @@ int runExport(const ExportOptions &options) {
 CommandRun declareExport(CLI::App &command) {
     const auto options = std::make_shared<ExportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
-    command.add_option("--to", options->target, targetOptionHelp)->required()->check(CLI::IsMember(targetOptions));
+    command.add_option("--to", options->target, targetOptionHelp)->required()->check(CLI::IsMember(targetOptions()));
     command.add_option("FILE", options->file, "The file to write")->required();
     command.add_option("ITEM", options->items, "Ids, or paths such as /Programs/SNAKE")->required();
     command.add_flag("--replace", options->replace, "Replace a file that exists");

@@ -4,16 +4,22 @@
 #include <string>
 #include <vector>
 
-#include "telling/user_interface.h"
+#include "exchange/export/export_formats.h"
 
 namespace numalink {
 
-inline const std::vector<std::string> targetOptions = {"cas", "cat", "cat-algebra"};
-inline constexpr char targetOptionHelp[] = "cas, cat, or cat-algebra";
+inline std::vector<std::string> targetOptions() {
+    std::vector<std::string> options;
+    for (const ExportFormat &format : exportFormats()) options.emplace_back(format.option);
+    return options;
+}
+
+inline constexpr char targetOptionHelp[] = "The kind of file to write";
 
 inline ExportTarget targetOfOption(const std::string &option) {
-    if (option == "cas") return ExportTarget::cas;
-    return option == "cat" ? ExportTarget::cat : ExportTarget::catAlgebra;
+    for (const ExportFormat &format : exportFormats())
+        if (option == format.option) return format.target;
+    return ExportTarget::none;
 }
 
 }  // namespace numalink

@@ -5,6 +5,7 @@
 #include "cli/library_session.h"
 #include "cli/terminal_ui.h"
 #include "exchange/import/import.h"
+#include "exchange/import/import_formats.h"
 
 namespace numalink {
 
@@ -39,7 +40,7 @@ int runImport(const ImportOptions &options) {
 CommandRun declareImport(CLI::App &command) {
     const auto options = std::make_shared<ImportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
-    command.add_option("FILE", options->files, "cat, cas or fxi files, or bitmaps")->required();
+    command.add_option("FILE", options->files, "The files to read: " + importFormatNames())->required();
     command.add_option("--into", options->into,
                        "\"standard\": every item into the folder of its kind; else the name of one folder for all. "
                        "Without it, one folder named as the file for two items or more, else \"standard\"");

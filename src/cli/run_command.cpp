@@ -9,6 +9,7 @@
 #include "cli/library_session.h"
 #include "cli/run_report.h"
 #include "drawing/dot_fonts.h"
+#include "emulator/expressions/evaluator.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/run/scripted_run.h"
@@ -29,6 +30,7 @@ struct RunCommandOptions {
     RunScript script;
     std::vector<std::string> settings;  // KEY=VALUE
     bool paced = false;
+    bool plain = false;
     bool json = false;
 };
 
@@ -55,6 +57,7 @@ bool useSetting(const std::string &assignment) {
 
 bool prepare(const RunCommandOptions &options) {
     settingsSetInt(setting::fullSpeed, options.paced ? 0 : 1);
+    evaluatePlainly = options.plain;
     for (const std::string &assignment : options.settings) {
         if (!useSetting(assignment)) return false;
     }
@@ -112,6 +115,7 @@ void declareScript(CLI::App &command, RunCommandOptions &options) {
     command.add_option("--statements", options.script.statementLimit, "End the run after so many statements");
     command.add_option("--repeat", options.script.repeat, "So many runs, each with the same keys")
         ->check(CLI::PositiveNumber);
+    command.add_flag("--plain", options.plain, "Without the plans of statements: every pass of the evaluator walks");
     command.add_flag("--paced", options.paced, "At the calculator's pace");
     command.add_flag("--json", options.json, "All that the run leaves behind as one object");
 }

@@ -62,7 +62,7 @@ int runShow(const ShowOptions &options) {
     if (id == noItem)
         return commandFailed("no item \"" + options.item + "\" in this library; \"list\" tells ids and names");
     if (!storeReadItem(id, item)) return exitFailed;
-    if (isDrawn(item.kind)) return showDots(item, options.bitmap);
+    if (isDrawnKind(item.kind)) return showDots(item, options.bitmap);
     if (!options.bitmap.empty()) return commandFailed(options.item + " has no picture");
     if (isTextKind(item.kind)) {
         showText(item.data);

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "calculator/charset.h"
+#include "calculator/frames.h"
 #include "drawing/dot_fonts.h"
 #include "telling/texts.h"
 
@@ -11,7 +12,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t typeOffset = 27, typeSize = 5;
+constexpr std::size_t typeSize = 5;
 constexpr std::size_t labelSize = 7, ruleLimit = 37, nameColumn = 12;
 constexpr std::size_t nameSize = 15, passwordSize = 16, entryFlag = 16;
 constexpr std::size_t tableAheadOfLength = 13;  // bytes from the table's start to the length that stands in the data
@@ -70,7 +71,7 @@ std::vector<std::string> backupLines(ByteView head, ByteView data) {
         fitted(drawn(Text::backupSize), labelSize) + std::to_string(data.size() >> 10) + "k"};
     const std::optional<std::size_t> table = programTable(data);
     if (!table) return lines;
-    const std::string type = head.size() > typeOffset ? fieldAt(head, typeOffset, typeSize) : std::string();
+    const std::string type = head.size() > frameTypeOffset ? fieldAt(head, frameTypeOffset, typeSize) : std::string();
     lines.push_back(fitted(drawn(Text::backupType), labelSize) + type);
     lines.emplace_back();
     lines.push_back(drawn(Text::programsFolder) + " \xA9 " + drawn(Text::backupPassword));

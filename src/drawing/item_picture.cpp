@@ -13,25 +13,20 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t rowsOffset = 7, columnsOffset = 9, dimensionsEnd = 11;
-constexpr std::size_t planeOverhead = 6, planeCodeOffset = 4;
-constexpr std::size_t colorsOffset = 32, colorsEnd = 34;
-constexpr std::size_t screenPlaneStep = 1027, screenPlaneSize = 1024;
 constexpr std::uint8_t lastColorCode = 4;
 constexpr int screenWidth = 128, screenHeight = 64;
 constexpr int pictureLimit = 1024;                 // dots of a picture's side
 constexpr int valueWidth = 22 * largeCharAdvance;  // the longest value below a table
 
-int headNumber(ByteView head, std::size_t offset) { return head.size() < dimensionsEnd ? 0 : readBig16(head, offset); }
+int headNumber(ByteView head, std::size_t offset) {
+    return head.size() < frameDimensionsEnd ? 0 : readBig16(head, offset);
+}
 
 int planesOf(ItemKind itemKind) { return itemKind == kind::colourScreen ? 3 : 1; }
 
-bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
-bool isScreen(ItemKind itemKind) { return itemKind == kind::colourScreen || itemKind == kind::monochromeScreen; }
-
 PictureFault matrixFault(ByteView head, ByteView data) {
-    const int rows = headNumber(head, rowsOffset);
-    const int columns = headNumber(head, columnsOffset);
+    const int rows = headNumber(head, frameRowsOffset);
+    const int columns = headNumber(head, frameColumnsOffset);
     if (rows > matrixPictureLimit || columns > matrixPictureLimit) return PictureFault::tooLarge;
     const auto wanted = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns) * valueFrameSize;
     return data.size() < wanted ? PictureFault::endsEarly : PictureFault::none;
@@ -40,13 +35,13 @@ PictureFault matrixFault(ByteView head, ByteView data) {
 PictureFault planesFault(ByteView head, ByteView data) {
     const auto [width, height] = pictureSize(head);
     if (width > pictureLimit || height > pictureLimit) return PictureFault::tooLarge;
-    if (head.size() < colorsEnd) return PictureFault::endsEarly;
-    const std::size_t planes = readBig16(head, colorsOffset);
+    if (head.size() < frameColorsOffset + 2) return PictureFault::endsEarly;
+    const std::size_t planes = readBig16(head, frameColorsOffset);
     const std::size_t size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 8;
     for (std::size_t plane = 0; plane < planes; plane++) {
-        const std::size_t start = plane * (size + planeOverhead);
-        if (start + planeCodeOffset + 1 + size > data.size()) return PictureFault::endsEarly;
-        const std::uint8_t code = data[start + planeCodeOffset];
+        const std::size_t start = plane * (size + planeExtra);
+        if (start + planeColorOffset + 1 + size > data.size()) return PictureFault::endsEarly;
+        const std::uint8_t code = data[start + planeColorOffset];
         if (code == 0 || code > lastColorCode) return PictureFault::unknownColor;
     }
     return PictureFault::none;
@@ -60,20 +55,16 @@ Surface pictureSurface(ByteView head, ByteView data, int width, int height) {
 
 }  // namespace
 
-bool isDrawn(ItemKind itemKind) {
-    return isMatrix(itemKind) || isScreen(itemKind) || itemKind == kind::picture || itemKind == kind::backup;
-}
-
 MatrixValues matrixValuesOf(ByteView head, ByteView data) {
-    MatrixValues matrix{std::min(headNumber(head, rowsOffset), matrixPictureLimit),
-                        std::min(headNumber(head, columnsOffset), matrixPictureLimit),
+    MatrixValues matrix{std::min(headNumber(head, frameRowsOffset), matrixPictureLimit),
+                        std::min(headNumber(head, frameColumnsOffset), matrixPictureLimit),
                         {}};
     const auto rows = static_cast<std::size_t>(matrix.rows);
     const auto columns = static_cast<std::size_t>(matrix.columns);
     matrix.values.resize(rows * columns);
     for (; data.size() >= valueFrameSize; data = data.subspan(valueFrameSize)) {
-        const std::size_t row = readBig16(data, 1);
-        const std::size_t column = readBig16(data, 3);
+        const std::size_t row = readBig16(data, valueRowOffset);
+        const std::size_t column = readBig16(data, valueColumnOffset);
         if (row == 0 || column == 0 || row > rows || column > columns) continue;
         matrix.values[(row - 1) * columns + column - 1] = decodeValue(data.first<valueFrameSize>());
     }
@@ -81,9 +72,9 @@ MatrixValues matrixValuesOf(ByteView head, ByteView data) {
 }
 
 PictureFault pictureFault(ItemKind itemKind, ByteView head, ByteView data) {
-    if (isMatrix(itemKind)) return matrixFault(head, data);
+    if (isValuesKind(itemKind)) return matrixFault(head, data);
     if (itemKind == kind::picture) return planesFault(head, data);
-    if (!isScreen(itemKind)) return PictureFault::none;
+    if (!isScreenKind(itemKind)) return PictureFault::none;
     const int planes = planesOf(itemKind);
     const std::size_t wanted =
         static_cast<std::size_t>(planes - 1) * screenPlaneStep + screenPlaneSize + (planes == 3 ? 2 : 1);
@@ -104,12 +95,12 @@ Surface matrixPart(const MatrixValues &matrix, PickedCell picked, int left, int 
 }
 
 Surface itemSurface(ItemKind itemKind, ByteView head, ByteView data) {
-    if (isMatrix(itemKind)) {
+    if (isValuesKind(itemKind)) {
         const MatrixValues matrix = matrixValuesOf(head, data);
         return matrixPart(matrix, {}, 0, 0, matrixSize(matrix));
     }
     if (itemKind == kind::backup) return drawBackup(head, data);
-    if (isScreen(itemKind)) return screenSurface(itemKind, head, data);
+    if (isScreenKind(itemKind)) return screenSurface(itemKind, head, data);
     if (itemKind != kind::picture) return {};
     const auto [width, height] = pictureSize(head);
     return pictureSurface(head, data, width, height);

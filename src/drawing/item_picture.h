@@ -25,8 +25,6 @@ struct PickedCell {
     int column = 1;
 };
 
-bool isDrawn(ItemKind itemKind);  // matrices, lists, pictures, screen copies, backups
-
 MatrixValues matrixValuesOf(ByteView head, ByteView data);
 PictureFault pictureFault(ItemKind itemKind, ByteView head, ByteView data);
 

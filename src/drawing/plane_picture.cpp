@@ -4,16 +4,14 @@
 #include <algorithm>
 #include <optional>
 
+#include "calculator/frames.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr std::size_t heightOffset = 7, widthOffset = 9, planesOffset = 32, sheetsOffset = 34, headSize = 36;
-constexpr std::size_t planeOverhead = 6, codeOffset = 4, dotsOffset = 5;
 constexpr int screenWidth = 128, screenHeight = 64;
-constexpr std::size_t screenPlaneSize = 1024, screenPlaneStep = 1027;
 
 std::optional<Color> planeColor(std::uint8_t code) {
     switch (code) {
@@ -50,22 +48,22 @@ ByteView reachable(ByteView data, std::size_t from, std::size_t count) {
 }  // namespace
 
 PictureSize pictureSize(ByteView head) {
-    if (head.size() < headSize) return {};
-    return {readBig16(head, widthOffset), readBig16(head, heightOffset)};
+    if (head.size() < pictureHeadSize) return {};
+    return {readBig16(head, frameColumnsOffset), readBig16(head, frameRowsOffset)};
 }
 
 void drawPicture(Surface &surface, ByteView head, ByteView data) {
     const auto [width, height] = pictureSize(head);
     if (width == 0 || height == 0) return;
     fillRectangle(surface, 0, 0, width, height, lcdColor::background);
-    if (readBig16(head, sheetsOffset) > 1) tellUser(Text::pictureSheets);
+    if (readBig16(head, frameSheetsOffset) > 1) tellUser(Text::pictureSheets);
     const std::size_t planeSize = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 8;
-    for (std::size_t plane = 0; plane < readBig16(head, planesOffset); plane++) {
-        const std::size_t start = plane * (planeSize + planeOverhead);
-        if (start + dotsOffset > data.size()) return;
-        const auto color = planeColor(data[start + codeOffset]);
+    for (std::size_t plane = 0; plane < readBig16(head, frameColorsOffset); plane++) {
+        const std::size_t start = plane * (planeSize + planeExtra);
+        if (start + planeDotsOffset > data.size()) return;
+        const auto color = planeColor(data[start + planeColorOffset]);
         if (!color) continue;
-        drawStrips(surface, reachable(data, start + dotsOffset, planeSize), width - 1, height, *color,
+        drawStrips(surface, reachable(data, start + planeDotsOffset, planeSize), width - 1, height, *color,
                    [bottom = height - 1](int row) { return bottom - row; });
     }
 }

@@ -13,8 +13,6 @@
 
 namespace numalink {
 
-inline constexpr std::size_t largestItem = 70000;  // bytes of an item's data that the link takes
-
 // 10 ms a byte and half a second; or 10 ms a byte and 10 seconds, and never 10 seconds without a byte. The ALGEBRA
 // family waits long throughout.
 enum class Wait { brief, lasting };

@@ -3,14 +3,13 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "calculator/number_text.h"
 #include "platform/letter_case.h"
 
 namespace numalink {
 
 namespace {
 
-constexpr std::size_t valueFrameSize = 16;
-constexpr std::size_t slotDigitOffset = 18;
 constexpr std::uint64_t longestCfxImage = 65535;
 constexpr std::uint64_t longestAlgebraImage = 65535 - 9;  // its head counts 9 more
 constexpr std::size_t algebraFill = 10;                   // zero bytes between the ':' and the tokens
@@ -25,7 +24,8 @@ Refusal textRefusal(const StoredItem &item, Family family) {
 
 Refusal blockRefusal(const StoredItem &item) {
     if (item.head.size() != shortHeadFrameSize) return Refusal::shorterThanHead;
-    return item.data.size() < std::size_t{readBig16(item.head, 8)} + 2 ? Refusal::shorterThanHead : Refusal::none;
+    return item.data.size() < std::size_t{readBig16(item.head, algebraLengthOffset)} + 2 ? Refusal::shorterThanHead
+                                                                                         : Refusal::none;
 }
 
 // Writes the checksum of each whole frame of this length.
@@ -42,7 +42,7 @@ ProgramInfo sentInfo(const StoredItem &item, std::size_t length) {
 }  // namespace
 
 Refusal outgoingRefusal(const StoredItem &item, Family family) {
-    const bool isScreen = headFrameLength(item.kind) == shortHeadFrameSize;
+    const bool isScreen = isScreenKind(item.kind);
     const bool forAlgebra = item.kind == kind::program || item.kind == kind::algebraBlock;
     if (isFolderKind(item.kind) || isScreen || (family == Family::algebra && !forAlgebra)) return Refusal::kind;
     if (isTextKind(item.kind)) return textRefusal(item, family);
@@ -73,8 +73,8 @@ std::optional<int> slotOfPictureName(std::string_view name) {
 }
 
 int slotOfPictureHead(ByteView head) {
-    if (head.size() <= slotDigitOffset) return 1;
-    const std::uint8_t digit = head[slotDigitOffset];
+    if (head.size() <= frameDigitOffset) return 1;
+    const std::uint8_t digit = head[frameDigitOffset];
     return digit >= '1' && digit <= '6' ? digit - '0' : 1;
 }
 
@@ -86,11 +86,11 @@ Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
         outgoing.head = *buildHeadFrame(item.kind, Family::cfx, sentInfo(item, outgoing.data.size()));
     }
     if (item.kind == kind::picture) {
-        outgoing.head[slotDigitOffset] = static_cast<std::uint8_t>('0' + slot);
+        outgoing.head[frameDigitOffset] = static_cast<std::uint8_t>('0' + slot);
         outgoing.frameLength = picturePlaneLength(outgoing.head);
         outgoing.chunk = 1;
     }
-    if (item.kind == kind::matrix || item.kind == kind::list) outgoing.frameLength = valueFrameSize;
+    if (isValuesKind(item.kind)) outgoing.frameLength = valueFrameSize;
     frameChecksum(outgoing.head);
     if (outgoing.frameLength == 0) {
         frameChecksum(outgoing.data);

@@ -15,8 +15,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t lengthOffset = 8;
-constexpr std::size_t typeOffset = 10;
 constexpr std::uint8_t programType = 1;
 constexpr std::size_t tokensOffset = 11;     // in the data of a program; ten zero bytes lie ahead
 constexpr std::size_t shortestProgram = 13;  // with a ':', the ten, a zero at the end and the checksum
@@ -80,8 +78,8 @@ bool storeOrRefuse(Received received, Tally &tally) {
 // Step 7.
 bool receiveBlock(ByteView head, Tally &tally) {
     const std::string name = copyFrameName(head.subspan(frameNameOffset));
-    const bool isProgram = head[typeOffset] == programType;
-    Bytes data(std::size_t{readBig16(head, lengthOffset)} + 2);
+    const bool isProgram = head[algebraTypeOffset] == programType;
+    Bytes data(std::size_t{readBig16(head, algebraLengthOffset)} + 2);
     linkStatus(Text::receivingItem, {}, utf8FromCalculator(name) + "...");
     send(control::acknowledge);
     if (!readGoodData(data) || (isProgram && data.size() < shortestProgram)) return failChecksum();

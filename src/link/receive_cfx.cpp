@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "calculator/charset.h"
+#include "calculator/number_text.h"
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
@@ -15,8 +16,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t groupOffset = 19;
-constexpr std::size_t valueFrameSize = 16;
 constexpr std::size_t dataChunk = 16;
 constexpr std::uint64_t pauseBeforeLastAcknowledge = 2;
 
@@ -69,15 +68,15 @@ bool readCfxHead(Incoming &item, int itemCount) {
 
 // Step 6: what the head says.
 void measure(Incoming &item) {
-    const bool isValues = item.kind == kind::matrix || item.kind == kind::list;
-    item.length = isValues && readBig16(item.head, 7) == 0 ? 0 : frameDataLength(item.head);
+    const bool isValues = isValuesKind(item.kind);
+    item.length = isValues && readBig16(item.head, frameRowsOffset) == 0 ? 0 : frameDataLength(item.head);
     if (isValues) item.frameLength = valueFrameSize;
     if (item.kind == kind::picture) item.frameLength = picturePlaneLength(item.head);
     if (isColourScreen(item)) item.frameLength = item.length / 3;
     if (isColourScreen(item) || item.kind == kind::picture) item.chunk = 1;
     if (item.head.size() == shortHeadFrameSize) return;
     item.name = copyFrameName(ByteView(item.head).subspan(frameNameOffset));
-    item.group = copyFrameName(ByteView(item.head).subspan(groupOffset));
+    item.group = copyFrameName(ByteView(item.head).subspan(frameGroupOffset));
 }
 
 // Step 7.
@@ -180,7 +179,7 @@ bool receiveItem(int &itemCount) {
     Incoming item;
     if (!readCfxHead(item, itemCount)) return false;
     measure(item);
-    if (item.length > largestItem) return failTooLarge(item);
+    if (item.length > itemDataLimit) return failTooLarge(item);
     showItem(item);
     if (isNamedByTime(item)) item.name = nameOfNow();
     if (receivedNameTaken(item)) {

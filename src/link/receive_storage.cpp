@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "calculator/frames.h"
 #include "link/notices.h"
 #include "platform/clock.h"
 #include "platform/letter_case.h"
@@ -12,8 +13,6 @@
 namespace numalink {
 
 namespace {
-
-constexpr std::size_t blockTypeOffset = 10;  // in the head of an ALGEBRA block
 
 ItemId standardFolderIfThere(ItemKind itemKind) {
     const ItemKind folderKind = standardFolderOfKind(itemKind);
@@ -54,8 +53,8 @@ ItemId sameItem(const Received &received, ItemId parent) {
 bool isOtherBlock(const Received &received, ItemId same) {
     StoredItem item;
     if (received.kind != kind::algebraBlock || same == noItem || !storeReadItem(same, item)) return false;
-    if (item.head.size() <= blockTypeOffset || received.head.size() <= blockTypeOffset) return true;
-    return item.head[blockTypeOffset] != received.head[blockTypeOffset];
+    if (item.head.size() <= algebraTypeOffset || received.head.size() <= algebraTypeOffset) return true;
+    return item.head[algebraTypeOffset] != received.head[algebraTypeOffset];
 }
 
 void sayWhatHappened(const std::string &name, const std::string &storedName, bool replaced) {

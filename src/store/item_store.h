@@ -109,8 +109,8 @@ std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKin
 // "/A/B/": folders only, by name without case. noItem when missing and not to be created; "" and "/" give rootId.
 ItemId storeResolvePath(std::string_view path, bool create);
 ItemId storeStandardFolder(ItemKind folderKind);  // found by kind, else made; noItem for kinds that are none
-ItemId storeTempFolder();                         // the folder of kind 1002, made when absent
+ItemId storeTempFolder();                         // the temporary folder, made when absent
 void storeTidyTemp();   // as storeResetTemp, but tells of nothing: should it fail, the next reset or start does it
-bool storeResetTemp();  // deletes every folder of kind 1002 and makes one
+bool storeResetTemp();  // deletes every temporary folder and makes one
 
 }  // namespace numalink

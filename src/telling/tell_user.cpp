@@ -1,5 +1,7 @@
 #include "telling/tell_user.h"
 
+#include <algorithm>
+
 namespace numalink {
 
 namespace {
@@ -13,6 +15,16 @@ Box boxOf(Text text, std::string body, const std::vector<std::string> &arguments
             .buttons = BoxButtons::ok,
             .arguments = arguments};
 }
+
+struct TroubleRow {
+    FileResult result;
+    Text text;
+};
+constexpr TroubleRow troubleRows[] = {
+    {FileResult::missing, Text::fileMissing},   {FileResult::denied, Text::fileDenied},
+    {FileResult::isFolder, Text::fileIsFolder}, {FileResult::tooLarge, Text::fileTooLarge},
+    {FileResult::diskFull, Text::fileDiskFull},
+};
 
 thread_local HoldBoxes *holder = nullptr;
 
@@ -65,6 +77,11 @@ Answer tellFixed(Text text, const std::string &body, const std::string &title, B
                        .icon = icon,
                        .buttons = buttons,
                        .arguments = {}});
+}
+
+Text fileTrouble(FileResult result) {
+    const auto *const row = std::ranges::find(troubleRows, result, &TroubleRow::result);
+    return row == std::end(troubleRows) ? Text::fileFailed : row->text;
 }
 
 void statusLine(StatusPart part, Text text, const std::vector<std::string> &arguments) {

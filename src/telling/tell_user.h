@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/files.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
@@ -28,6 +29,10 @@ Answer tellComposed(Text text, const std::string &body, const std::vector<std::s
 // A box whose title is fixed in the program; so is the body when text is none, else it is that text's.
 Answer tellFixed(Text text, const std::string &body, const std::string &title, BoxIcon icon = BoxIcon::warning,
                  BoxButtons buttons = BoxButtons::ok);
+
+// The text that tells why a file could not be read or written, to which belong its path and, where the file is too
+// large, the most megabytes.
+Text fileTrouble(FileResult result);
 
 // While such an object lives, the boxes of this thread without a choice are kept back; show() shows them in order.
 // For what must happen between a fault and the wait for the user's answer. What isn't shown is shown by the end.

@@ -12,7 +12,7 @@
 namespace numalink {
 
 inline void checkItem(const ImportedItem &item) {
-    require(item.data.size() <= importItemLimit);
+    require(item.data.size() <= itemDataLimit);
     require(item.name.size() <= 9);
     if (isTextKind(item.itemKind)) {
         require(decodeProgramInfo(item.head)->imageLength == item.data.size());

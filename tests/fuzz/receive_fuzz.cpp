@@ -26,7 +26,7 @@ void checkLibrary() {
     for (const ItemEntry &entry : storeListItems()) {
         StoredItem item;
         if (!storeReadItem(entry.id, item)) std::abort();
-        if (item.data.size() > largestItem) std::abort();
+        if (item.data.size() > itemDataLimit) std::abort();
         const bool summed =
             entry.kind == kind::backup || entry.kind == kind::algebraBlock || entry.kind == kind::graphMemory;
         if (summed && !item.data.empty() && !frameIsGood(item.data)) std::abort();

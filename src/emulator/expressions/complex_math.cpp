@@ -17,6 +17,23 @@ double angleOf(ComplexValue a) { return std::atan2(a.im, a.re); }
 ComplexValue polar(double magnitude, double angle) {
     return complexMake(magnitude * std::cos(angle), magnitude * std::sin(angle));
 }
+
+// Real, without the sign of a negative zero, and of a size whose square is neither lost nor infinite: its magnitude is
+// then the number itself without its sign, to the bit.
+bool isPlain(ComplexValue a) {
+    constexpr double smallest = 1e-150, largest = 1e150;
+    const double size = std::abs(a.re);
+    return a.im == 0 && !std::signbit(a.im) && size > smallest && size < largest;
+}
+
+// What magnitudes and angles give for plain operands: where one is negative, the residue of sin(pi) stays in im.
+ComplexValue plainQuotient(double a, double b) {
+    static const double sineOfPi = std::sin(std::atan2(0.0, -1.0));
+    const double magnitude = std::abs(a) / std::abs(b);
+    if (std::signbit(a) == std::signbit(b)) return complexReal(magnitude);
+    return complexMake(-magnitude, std::signbit(a) ? magnitude * sineOfPi : magnitude * -sineOfPi);
+}
+
 bool isReal(ComplexValue a) { return a.im == 0; }
 bool isWhole(ComplexValue a) { return isReal(a) && std::trunc(a.re) == a.re; }
 bool isOdd(ComplexValue a) { return isWhole(a) && std::fmod(a.re, 2) != 0; }
@@ -51,14 +68,6 @@ ComplexValue powerByLogarithm(ComplexValue a, ComplexValue b) {
 
 }  // namespace
 
-ComplexValue complexAdd(ComplexValue a, ComplexValue b) { return complexMake(a.re + b.re, a.im + b.im); }
-
-ComplexValue complexSub(ComplexValue a, ComplexValue b) { return complexMake(a.re - b.re, a.im - b.im); }
-
-ComplexValue complexMul(ComplexValue a, ComplexValue b) {
-    return complexMake(a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im);
-}
-
 ComplexValue complexSquare(ComplexValue a) { return complexMake(a.re * a.re - a.im * a.im, 2 * a.im * a.re); }
 
 ComplexValue complexAbs(ComplexValue a) { return complexReal(magnitudeOf(a)); }
@@ -66,6 +75,7 @@ ComplexValue complexAbs(ComplexValue a) { return complexReal(magnitudeOf(a)); }
 ComplexValue complexArg(ComplexValue a) { return complexReal(angleOf(a)); }
 
 ComplexValue complexDiv(ComplexValue a, ComplexValue b) {
+    if (isPlain(a) && isPlain(b)) return plainQuotient(a.re, b.re);
     return polar(magnitudeOf(a) / magnitudeOf(b), angleOf(a) - angleOf(b));
 }
 

@@ -19,7 +19,8 @@ void evaluateSubrange(ProgramCell *cells, int outerFirst, int low, int high, int
 // use. No such function gives 0. One that reaches itself, or of more than 500 cells, reports Syn ERROR and gives 0.
 ProgramCell evaluateGraphFunction(int digit);
 
-// Tests only: walk every pass and every compaction, also where there is nothing for them to act on.
+// Walk every pass and every compaction, also where there is nothing for them to act on, and make no plans of
+// statements: what all faster ways are measured by. Set between runs.
 extern bool evaluatePlainly;
 
 }  // namespace numalink

@@ -6,6 +6,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
+#include "emulator/expressions/recording.h"
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
@@ -14,18 +15,14 @@ namespace numalink {
 
 namespace {
 
-void holdToBound(const OperatorRow &row, ComplexValue left, ComplexValue right, ComplexValue result) {
-    if (row.bound == Bound::none) return;
-    const bool areReal = left.im == 0 && right.im == 0;
-    if (row.bound == Bound::unlessPositive && areReal && left.re > 0 && right.re >= 0) return;
-    const bool fits = std::fabs(result.re) <= largestResult && std::fabs(result.im) <= largestResult;
-    if (!fits) maError();
+ComplexValue unaryValue(const OperatorRow &row, ComplexValue operand) {
+    return recording == nullptr ? row.unary(operand) : recordUnary(row, operand);
 }
 
 void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
     ProgramCell &operand = stretch.cells[p + 1];
     if (!isNumber(operand)) synError();
-    makeNumber(stretch.cells[p], row.unary(operand.value));
+    makeNumber(stretch.cells[p], unaryValue(row, operand.value));
     stretch.blank(p + 1);
 }
 
@@ -33,14 +30,13 @@ void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
 void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
     ProgramCell &right = stretch.cells[p + 1];
-    const bool isWhole = isNumber(left) && isNumber(right);
-    const ComplexValue result = row.binary(left.value, right.value);
-    if (isWhole) {
-        holdToBound(row, left.value, right.value, result);
-    } else {
+    if (!isNumber(left) || !isNumber(right)) {
         synError();
+        makeNumber(right, row.binary(left.value, right.value));
+    } else {
+        makeNumber(right, recording == nullptr ? binaryResult(row, left.value, right.value)
+                                               : recordBinary(row, left.value, right.value));
     }
-    makeNumber(right, result);
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
 }
@@ -57,7 +53,8 @@ void multiplyNeighbours(Stretch &stretch) {
         const ProgramCell &left = stretch.cells[p - 1];
         ProgramCell &right = stretch.cells[p];
         if (!isNumber(left) || !isNumber(right)) continue;
-        right.value = complexMul(left.value, right.value);
+        right.value =
+            recording == nullptr ? complexMul(left.value, right.value) : recordProduct(left.value, right.value);
         stretch.blank(p - 1);
     }
 }
@@ -66,7 +63,8 @@ void readVariables(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token) continue;
-        if (const ComplexValue *variable = factsOf(cell).variable) makeNumber(cell, *variable);
+        if (const ComplexValue *variable = factsOf(cell).variable)
+            makeNumber(cell, recording == nullptr ? *variable : recordVariable(variable));
     }
 }
 
@@ -75,6 +73,7 @@ void callGraphFunctions(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
+        if (refusesRecording()) return;
         cell = evaluateGraphFunction(cell.token1 - beforeFirst);
     }
 }
@@ -83,7 +82,8 @@ void takeInputs(Stretch &stretch) {
     for (const OperatorRow &row : operatorRows()) {
         if (row.step > Step::inputs) break;
         for (int p = stretch.first; p < stretch.end(); p++) {
-            if (operatorRow(stretch.cells[p], Step::inputs) == &row) makeNumber(stretch.cells[p], row.source());
+            if (operatorRow(stretch.cells[p], Step::inputs) != &row) continue;
+            makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row));
         }
     }
 }
@@ -101,7 +101,7 @@ void applyPostfixes(Stretch &stretch) {
         if (row == nullptr) continue;
         const ProgramCell &operand = stretch.cells[p - 1];
         if (!isNumber(operand)) synError();
-        makeNumber(stretch.cells[p], row->unary(operand.value));
+        makeNumber(stretch.cells[p], unaryValue(*row, operand.value));
         stretch.blank(p - 1);
     }
 }
@@ -117,6 +117,7 @@ void applyPrefixes(Stretch &stretch) {
         const OperatorRow *row = operatorRow(stretch.cells[p], Step::prefix);
         if (row == nullptr) continue;
         if (row->onArrays != nullptr) {
+            if (refusesRecording()) return;
             row->onArrays(stretch.cells, p);
             stretch.compact();
         } else {
@@ -147,7 +148,7 @@ template void applyBinary<Step::logicalOr>(Stretch &stretch);
 
 void clearLonePoint(Stretch &stretch) {
     ProgramCell *const cells = stretch.cells + stretch.first;
-    if (stretch.count != 2 || !isToken(cells[0], token::point)) return;
+    if (stretch.count != 2 || !isToken(cells[0], token::point) || refusesRecording()) return;
     cells[0] = cells[1];
     stretch.count = 1;
     if (isNumber(cells[0])) cells[0].value = {};

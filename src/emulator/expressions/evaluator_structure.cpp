@@ -5,6 +5,7 @@
 #include "emulator/expressions/array_functions.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
+#include "emulator/expressions/recording.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "telling/tell_user.h"
@@ -29,27 +30,38 @@ MatrixDescriptor *arrayForExpression(const Stretch &stretch, int p, MatrixDescri
     return matrixCopy(ownedTemporarily, array);
 }
 
+// While an expression is recorded: the array stands for itself until its subscripts are read.
+void recordArrayAt(Stretch &stretch, int p, CellKind kind) {
+    MatrixDescriptor *array = recordArray(kind, stretch.cells[p + 1]);
+    if (array == nullptr) return;
+    makeArray(stretch.cells[p], kind, array);
+    stretch.blank(p + 1);
+    stretch.compact();
+}
+
 // Only subscripts may read a variable's own array: what they have left gets the copy that all else works on.
 void makeCopiesOfBorrowed(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
+        if (isArray(cell) && refusesRecording()) return;
         if (isArray(cell) && cell.matrix->owner == ownedByVariable) cell.matrix = matrixUnborrow(cell.matrix);
     }
 }
 
 // The element that the subscript cells from p + 2 on name; 0 after a report.
-double subscriptedElement(const Stretch &stretch, int p) {
+ComplexValue subscriptedElement(const Stretch &stretch, int p) {
     const ProgramCell &array = stretch.cells[p];
     const ProgramCell &firstSubscript = stretch.cellOrNothing(p + 2);
-    const int row = cutToInteger(firstSubscript.value.re) - 1;
-    if (array.kind == CellKind::list) {
-        if (!isNumber(firstSubscript)) synError();
-        return matrixElement(array.matrix, 0, row);
-    }
     const ProgramCell &secondSubscript = stretch.cellOrNothing(p + 4);
-    if (!isNumber(firstSubscript) || !isToken(stretch.cellOrNothing(p + 3), token::comma) || !isNumber(secondSubscript))
+    const bool isList = array.kind == CellKind::list;
+    if (!isNumber(firstSubscript) ||
+        (!isList && (!isToken(stretch.cellOrNothing(p + 3), token::comma) || !isNumber(secondSubscript))))
         synError();
-    return matrixElement(array.matrix, cutToInteger(secondSubscript.value.re) - 1, row);
+    if (recording != nullptr)
+        return recordElement(array.matrix, array.kind, firstSubscript.value, secondSubscript.value);
+    const int row = cutToInteger(firstSubscript.value.re) - 1;
+    const int column = isList ? 0 : cutToInteger(secondSubscript.value.re) - 1;
+    return complexReal(matrixElement(array.matrix, column, row));
 }
 
 // p is an array, p + 1 the bracket, and p + 3 lies in the stretch.
@@ -66,7 +78,7 @@ void resolveSubscriptAt(Stretch &stretch, int p) {
     close -= countBefore - stretch.count;
     const bool leftOpen = depth > 0;
     const int lastSubscript = stretch.cells[p].kind == CellKind::list ? p + 2 : p + 4;
-    makeNumber(stretch.cells[p], complexReal(subscriptedElement(stretch, p)));
+    makeNumber(stretch.cells[p], subscriptedElement(stretch, p));
     blankCells(stretch.cells, p + 1, std::min(leftOpen ? lastSubscript + 1 : close + 1, stretch.end()));
     stretch.compact();
 }
@@ -166,7 +178,9 @@ struct ParenStack {
 // close is the place of the closing parenthesis, or the end of the stretch where it is missing.
 void closePair(Stretch &stretch, OpenParenthesis open, int close) {
     int inner = close - open.at - 1;
-    if (open.sort == Opening::function) {
+    if (open.sort == Opening::function && refusesRecording()) {
+        blankCells(stretch.cells, open.at, std::min(close, stretch.end()));
+    } else if (open.sort == Opening::function) {
         evaluateFunctionCall(stretch.cells, open.at, inner);
     } else {
         evaluate(stretch.cells, open.at + 1, inner);
@@ -215,6 +229,10 @@ void resolveArrays(Stretch &stretch) {
     for (int p = stretch.first; p + 1 < stretch.end(); p++) {
         const CellKind kind = arrayKind(stretch.cells[p]);
         if (kind == CellKind::blank) continue;
+        if (recording != nullptr) {
+            recordArrayAt(stretch, p, kind);
+            continue;
+        }
         const MatrixSlot *slot =
             kind == CellKind::list ? listSlotRef(stretch.cells, p + 1) : matrixSlotRef(stretch.cells, p + 1);
         if (slot == nullptr) continue;
@@ -239,6 +257,8 @@ void resolveSubscripts(Stretch &stretch) {
 void makeLiterals(Stretch &stretch) {
     int brackets = 0;
     for (int p = stretch.first; p < stretch.end(); p++) {
+        const bool opens = isToken(stretch.cells[p], token::openBrace) || isToken(stretch.cells[p], token::openBracket);
+        if (opens && refusesRecording()) return;
         if (isToken(stretch.cells[p], token::openBrace)) {
             makeListLiteral(stretch, p);
         } else if (isToken(stretch.cells[p], token::openBracket) && ++brackets == 2) {

@@ -16,15 +16,14 @@ namespace {
 
 using Value = ComplexValue;
 
-Value truth(bool holds) { return complexReal(holds ? 1 : 0); }
-
 Value getKeyValue() { return complexReal(keyPort.getKey()); }
 Value imaginaryUnit() { return complexMake(0, 1); }
 // A generator of 0 to 32767, never seeded: each process meets the same sequence.
+constexpr std::uint32_t firstChance = 1;
+std::uint32_t chanceState = firstChance;
 int chance() {
-    static std::uint32_t state = 1;
-    state = state * 1103515245 + 12345;
-    return static_cast<int>(state >> 16 & 0x7FFF);
+    chanceState = chanceState * 1103515245 + 12345;
+    return static_cast<int>(chanceState >> 16 & 0x7FFF);
 }
 
 Value randomValue() { return complexReal(chance() / 32767.0); }
@@ -51,12 +50,6 @@ Value floors(Value a) { return complexMake(std::floor(a.re), std::floor(a.im)); 
 Value unchanged(Value a) { return a; }
 Value fromZero(Value a) { return complexSub(complexReal(0), a); }
 
-Value lessOrEqual(Value a, Value b) { return truth(a.re <= b.re); }
-Value notEqual(Value a, Value b) { return truth(a.re != b.re); }
-Value greaterOrEqual(Value a, Value b) { return truth(a.re >= b.re); }
-Value less(Value a, Value b) { return truth(a.re < b.re); }
-Value equal(Value a, Value b) { return truth(a.re == b.re); }
-Value greater(Value a, Value b) { return truth(a.re > b.re); }
 Value both(Value a, Value b) { return truth(a.re != 0 && b.re != 0); }
 Value either(Value a, Value b) { return truth(a.re != 0 || b.re != 0); }
 Value bitsOfBoth(Value a, Value b) { return complexReal(wrappedInteger(a.re) & wrappedInteger(b.re)); }
@@ -129,12 +122,12 @@ constexpr OperatorRow rows[] = {
     binary({0x89}, Step::addition, "plus", complexAdd),
     binary({0x99}, Step::addition, "minus", complexSub),
 
-    binary({0x10}, Step::relation, "less or equal", lessOrEqual),
-    binary({0x11}, Step::relation, "not equal", notEqual),
-    binary({0x12}, Step::relation, "greater or equal", greaterOrEqual),
-    binary({0x3C}, Step::relation, "less", less),
-    binary({0x3D}, Step::relation, "equal", equal),
-    binary({0x3E}, Step::relation, "greater", greater),
+    binary({0x10}, Step::relation, "less or equal", complexLessOrEqual),
+    binary({0x11}, Step::relation, "not equal", complexNotEqual),
+    binary({0x12}, Step::relation, "greater or equal", complexGreaterOrEqual),
+    binary({0x3C}, Step::relation, "less", complexLess),
+    binary({0x3D}, Step::relation, "equal", complexEqual),
+    binary({0x3E}, Step::relation, "greater", complexGreater),
 
     binary({0x7F, 0xB0}, Step::logicalAnd, "And", both),
     binary({0xBA}, Step::logicalAnd, "and", bitsOfBoth),
@@ -195,6 +188,8 @@ TokenFacts factsOfToken(Token token) {
 }
 
 }  // namespace
+
+void randomRestart() { chanceState = firstChance; }
 
 std::span<const OperatorRow> operatorRows() { return rows; }
 

@@ -88,6 +88,10 @@ bool matrixBorrow(const MatrixDescriptor *source) {
     return true;
 }
 
+bool matrixCopiesFit(std::int64_t elements, int arrays) {
+    return elements <= poolCellLimit - cellsUsed - borrowedCells && rowsInUse + borrowedRows + arrays <= matrixRowLimit;
+}
+
 MatrixDescriptor *matrixUnborrow(const MatrixDescriptor *source) {
     borrowedCells -= matrixSize(source);
     borrowedRows--;

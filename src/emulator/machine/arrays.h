@@ -22,6 +22,9 @@ MatrixDescriptor *matrixCopy(std::int32_t owner, const MatrixDescriptor *source)
 bool matrixBorrow(const MatrixDescriptor *source);
 MatrixDescriptor *matrixUnborrow(const MatrixDescriptor *source);
 
+// Whether so many arrays of so many elements in sum would still fit table and pool.
+bool matrixCopiesFit(std::int64_t elements, int arrays);
+
 // Frees the row and closes the gap in the pool. A row that isn't in use, or null, is left alone.
 void matrixFree(MatrixDescriptor *descriptor);
 

@@ -5,12 +5,6 @@ namespace numalink {
 
 namespace {
 
-constexpr Token ifToken{0xF7, 0x00}, elseToken{0xF7, 0x02}, ifEnd{0xF7, 0x03};
-constexpr Token forToken{0xF7, 0x04}, next{0xF7, 0x07};
-constexpr Token whileToken{0xF7, 0x08}, whileEnd{0xF7, 0x09};
-constexpr Token doToken{0xF7, 0x0A}, loopWhile{0xF7, 0x0B};
-constexpr Token label{0xE2};
-
 bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram); }
 
 int walkForward(const ProgramCell *cells, int at, Token opens, Token closes) {
@@ -48,18 +42,18 @@ bool isTerminator(const ProgramCell &cell) {
            first == token::endOfProgram.first;
 }
 
-int findNext(const ProgramCell *cells, int at) { return walkForward(cells, at, forToken, next); }
-int findFor(const ProgramCell *cells, int at) { return walkBack(cells, at, forToken, next); }
-int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, at, whileToken, whileEnd); }
-int findWhile(const ProgramCell *cells, int at) { return walkBack(cells, at, whileToken, whileEnd); }
-int findDo(const ProgramCell *cells, int at) { return walkBack(cells, at, doToken, loopWhile); }
+int findNext(const ProgramCell *cells, int at) { return walkForward(cells, at, token::forWord, token::next); }
+int findFor(const ProgramCell *cells, int at) { return walkBack(cells, at, token::forWord, token::next); }
+int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, at, token::whileWord, token::whileEnd); }
+int findWhile(const ProgramCell *cells, int at) { return walkBack(cells, at, token::whileWord, token::whileEnd); }
+int findDo(const ProgramCell *cells, int at) { return walkBack(cells, at, token::doWord, token::loopWhile); }
 
 int findFalseBranch(const ProgramCell *cells, int at) {
     int depth = 1;
     for (int i = at + 1; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], ifToken)) depth++;
-        if (isToken(cells[i], elseToken) && depth == 1) return i;
-        if (isToken(cells[i], ifEnd)) {
+        if (isToken(cells[i], token::ifWord)) depth++;
+        if (isToken(cells[i], token::elseWord) && depth == 1) return i;
+        if (isToken(cells[i], token::ifEnd)) {
             if (depth == 1) return i;
             depth--;
         }
@@ -70,16 +64,16 @@ int findFalseBranch(const ProgramCell *cells, int at) {
 int findIfEnd(const ProgramCell *cells, int at) {
     int depth = 1;
     for (int i = at + 1; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], ifToken)) depth++;
-        if (isToken(cells[i], elseToken) && depth == 1) return i;
-        if (isToken(cells[i], ifEnd) && --depth == 0) return i;
+        if (isToken(cells[i], token::ifWord)) depth++;
+        if (isToken(cells[i], token::elseWord) && depth == 1) return i;
+        if (isToken(cells[i], token::ifEnd) && --depth == 0) return i;
     }
     return noPartner;
 }
 
 int findLabel(const ProgramCell *cells, const ProgramCell &name) {
     for (int i = 0; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], label) && isSameLabel(cells[i + 1], name)) return i;
+        if (isToken(cells[i], token::label) && isSameLabel(cells[i + 1], name)) return i;
     }
     return noPartner;
 }

@@ -6,10 +6,15 @@
 namespace numalink {
 
 void (*errorShown)(const char *text) = nullptr;
+int *reportsCounted = nullptr;
 
 namespace {
 
 void report(const char *text) {
+    if (reportsCounted != nullptr) {
+        ++*reportsCounted;
+        return;
+    }
     if (errorShown != nullptr) errorShown(text);
     if (!machine.errorFlag) machine.errorText = text;
     machine.errorFlag = true;

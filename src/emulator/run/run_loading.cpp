@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "calculator/frames.h"
 #include "calculator/number_text.h"
 #include "drawing/plane_picture.h"
 #include "emulator/machine/arrays.h"
@@ -17,15 +18,12 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t rowsOffset = 7, columnsOffset = 9, letterOffset = 15, digitOffset = 18, pictureHeadSize = 36;
-constexpr std::size_t recordRowOffset = 1, recordColumnOffset = 3;
-
 void loadElements(MatrixDescriptor *matrix, ByteView data) {
     const std::size_t count = std::min(data.size() / valueFrameSize, static_cast<std::size_t>(matrixSize(matrix)));
     for (std::size_t i = 0; i < count; i++) {
         const auto record = data.subspan(i * valueFrameSize).first<valueFrameSize>();
-        const int row = readBig16(record, recordRowOffset) - 1;
-        const int column = readBig16(record, recordColumnOffset) - 1;
+        const int row = readBig16(record, valueRowOffset) - 1;
+        const int column = readBig16(record, valueColumnOffset) - 1;
         if (row < 0 || column < 0 || row >= matrix->rows || column >= matrix->cols) continue;
         matrixElement(matrix, column, row) = decodeValue(record);
     }
@@ -49,9 +47,9 @@ void loadItem(ItemId id, LoadTrouble &trouble) {
 
 // What stood in the slot stays in the pool until the next reset.
 void loadMatrixItem(ByteView head, ByteView data) {
-    if (head.size() <= letterOffset || head[letterOffset] < 'A' || head[letterOffset] > 'Z') return;
-    const int rows = readBig16(head, rowsOffset);
-    const int columns = readBig16(head, columnsOffset);
+    if (head.size() <= frameLetterOffset || head[frameLetterOffset] < 'A' || head[frameLetterOffset] > 'Z') return;
+    const int rows = readBig16(head, frameRowsOffset);
+    const int columns = readBig16(head, frameColumnsOffset);
     const std::int64_t size = std::int64_t{rows} * columns;
     if (size == 0) return;
     if (size > poolCellLimit - poolCellsUsed()) {
@@ -59,13 +57,13 @@ void loadMatrixItem(ByteView head, ByteView data) {
         return;
     }
     MatrixDescriptor *matrix = matrixAllocate(ownedByVariable, columns, rows);
-    machine.matrixSlots[static_cast<std::size_t>(head[letterOffset] - 'A')] = matrix;
+    machine.matrixSlots[static_cast<std::size_t>(head[frameLetterOffset] - 'A')] = matrix;
     loadElements(matrix, data);
 }
 
 void loadPictureItem(ByteView head, ByteView data) {
     if (head.size() < pictureHeadSize) return;
-    if (Surface *memory = pictureMemory(head[digitOffset] - '0')) drawPicture(*memory, head, data);
+    if (Surface *memory = pictureMemory(head[frameDigitOffset] - '0')) drawPicture(*memory, head, data);
 }
 
 std::vector<ItemId> itemsBeside(ItemId item) {

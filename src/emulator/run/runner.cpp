@@ -1,9 +1,11 @@
-// The run threads: each walks one program a statement at a time. A caller joins its callee, so that one is active.
+// The run thread: it walks a program a statement at a time, and what Prog calls within it.
 #include "emulator/run/runner.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -15,8 +17,10 @@
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
 #include "emulator/machine/run_waits.h"
+#include "emulator/run/planned_statements.h"
 #include "emulator/run/run_display.h"
 #include "emulator/screens/display.h"
+#include "emulator/statements/statement_plans.h"
 #include "emulator/statements/statements.h"
 #include "platform/clock.h"
 #include "settings/settings_store.h"
@@ -29,19 +33,16 @@ namespace numalink {
 namespace {
 
 constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
-constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting; a power of two
+constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting
 
-struct CallRecord {
-    int program = 0;
-    std::thread thread;
-};
-
-std::array<CallRecord, callLimit> calls;  // the callers of the active thread and itself, record 0 first
+std::thread runThread;
+std::array<std::unique_ptr<RunState>, callLimit> calls;  // the programs in progress, the first one's caller ahead
 int nextCall = 0;
 std::uint64_t statementLimitOfRun = 0;
 bool haltTold = false;  // the box of a halt: every program in progress ends
 RunFault fault;         // the run threads', read between runs
 bool debugShown = false;
+std::uint64_t nextDebugLook = 0;  // in statements of the run
 std::atomic<int> debugVariables = 0, debugTemporaries = 0;
 
 // What begins again begins without the error at which it halted.
@@ -81,8 +82,14 @@ void evaluateLeftovers(RunState &state) {
                      cell.matrix);
 }
 
+void lookAtDebug() {
+    if (machine.statementsRun < nextDebugLook) return;
+    nextDebugLook = machine.statementsRun + settingsInterval;
+    debugShown = settingsInt(setting::displayDebug) != 0;
+}
+
 void showDebug() {
-    if (machine.statementsRun % settingsInterval == 1) debugShown = settingsInt(setting::displayDebug) != 0;
+    lookAtDebug();
     if (!debugShown) return;
     debugVariables = matrixRowsOwned(ownedByVariable);
     debugTemporaries = matrixRowsOwned(ownedTemporarily);
@@ -169,14 +176,43 @@ StatementEnd runOneStatement(RunState &state) {
     return finishStatement(state);
 }
 
+void callLoaded(int program);
+
+StatementEnd finishCall(RunState &state, int program) {
+    callLoaded(program);
+    if (machine.exhausted) {
+        runHalt(RunEnd::memory);
+        return StatementEnd::stopped;
+    }
+    return haltTold ? StatementEnd::programEnded : finishStatement(state);
+}
+
+// The planned statements from here on, up to one that isn't: its row is then run.
+StatementEnd runSomeStatements(RunState &state, bool refreshDue) {
+    lookAtDebug();
+    if (!fullSpeed || debugShown || evaluatePlainly) return runOneStatement(state);
+    PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue};
+    switch (runPlanned(state, run)) {
+        case PlannedStop::statementEnd:
+            return finishStatement(state);
+        case PlannedStop::programCall:
+            return finishCall(state, run.called);
+        case PlannedStop::plainStatement:
+            break;
+    }
+    return runOneStatement(state);
+}
+
 LoopEnd runStatements(RunState &state) {
     StatementEnd end = StatementEnd::next;
+    bool refreshDue = true;  // what lies ahead of the program may have drawn
     for (;;) {
         if (end == StatementEnd::next) {
             if (!runGoesOn()) return LoopEnd::programEnded;
             pace(paceUnits::statement);
         }
-        end = runOneStatement(state);
+        end = runSomeStatements(state, refreshDue);
+        refreshDue = end == StatementEnd::jump;
         if (end == StatementEnd::programEnded) return LoopEnd::programEnded;
         if (end == StatementEnd::stopped) return LoopEnd::stopped;
     }
@@ -184,14 +220,26 @@ LoopEnd runStatements(RunState &state) {
 
 void callProgram(std::string_view name);
 
-void runProgramThread(int callIndex) {
+// The record of the next call, for the program to begin with; false without the memory for it.
+bool takeCall(int program) {
+    std::unique_ptr<RunState> &call = calls[static_cast<std::size_t>(nextCall)];
+    if (call == nullptr) call.reset(new (std::nothrow) RunState);
+    if (call == nullptr) return false;
+    call->programIndex = program;
+    call->program = loadedProgram(program).cells;
+    call->position = call->statementLength = call->cellCount = 0;
+    call->statement[0] = {};
+    call->forContinuing = false;
+    call->callProgram = callProgram;
+    nextCall++;
+    return true;
+}
+
+void runFirstProgram() {
     threadRole = ThreadRole::run;
     fullSpeed = settingsInt(setting::fullSpeed) == 1;
-    RunState state;
-    state.programIndex = calls[static_cast<std::size_t>(callIndex)].program;
-    state.program = loadedProgram(state.programIndex).cells;
-    state.callProgram = callProgram;
-    while (runStatements(state) == LoopEnd::programEnded && callIndex == 0 && showAtEnd(state)) {
+    RunState &state = *calls[0];
+    while (runStatements(state) == LoopEnd::programEnded && showAtEnd(state)) {
         forgetHalt();
         state.position = 0;
     }
@@ -204,29 +252,25 @@ void waitLikeAPoll(std::uint64_t since) {
     waitPassSleep(callPoll - past);
 }
 
-// Prog: runs the program on a thread of its own and returns when it has ended. Run thread.
-void callProgram(std::string_view name) {
-    const int program = findProgram(name);
-    if (program < 0 || nextCall >= callLimit) {
+void callLoaded(int program) {
+    const std::uint64_t start = fullSpeed ? 0 : tickCount();
+    if (nextCall >= callLimit || !takeCall(program)) {
         goError();
         return;
     }
-    const int index = nextCall++;
-    CallRecord &record = calls[static_cast<std::size_t>(index)];
-    record.program = program;
-    const std::uint64_t start = tickCount();
-    try {
-        record.thread = std::thread(runProgramThread, index);
-        record.thread.join();
-        waitLikeAPoll(start);
-    } catch (const std::system_error &) {
-        goError();  // the system has no thread to give
-    }
+    fullSpeed = settingsInt(setting::fullSpeed) == 1;
+    runStatements(*calls[static_cast<std::size_t>(nextCall - 1)]);
+    waitLikeAPoll(start);
     nextCall--;
 }
 
+void callProgram(std::string_view name) {
+    const int program = findProgram(name);
+    program < 0 ? goError() : callLoaded(program);
+}
+
 void joinRun() {
-    if (calls[0].thread.joinable()) calls[0].thread.join();
+    if (runThread.joinable()) runThread.join();
     nextCall = 0;
 }
 
@@ -243,11 +287,12 @@ bool runStart(const RunOptions &options) {
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
     forgetHalt();
-    calls[0].program = 0;
-    nextCall = 1;
+    nextDebugLook = 0;
+    statementPlansForget();
+    if (!takeCall(0)) return false;
     emulatorRunning = true;
     try {
-        calls[0].thread = std::thread(runProgramThread, 0);
+        runThread = std::thread(runFirstProgram);
     } catch (const std::system_error &) {
         emulatorRunning = false;
     }

@@ -12,9 +12,6 @@ namespace numalink {
 
 namespace {
 
-constexpr Token thenToken{0xF7, 0x01}, elseToken{0xF7, 0x02};
-constexpr Token toToken{0xF7, 0x05}, stepToken{0xF7, 0x06};
-
 bool isEnd(const RunState &state, int at) { return isToken(state.program[at], token::endOfProgram); }
 
 // Where the statement's own token stands in the program: prefixes may stand ahead of it.
@@ -67,14 +64,14 @@ WayOut takeTrueBranch(RunState &state) {
         return jumpTo(state, terminator);
     }
     const int then = terminator + 1;
-    if (!isToken(state.program[then], thenToken)) synError();
+    if (!isToken(state.program[then], token::thenWord)) synError();
     return jumpTo(state, isEnd(state, then) ? then : then + 1);
 }
 
 WayOut takeFalseBranch(RunState &state) {
     const int at = partnerOf(state, findFalseBranch);
     if (at == noPartner) return jumpTo(state, 0);
-    return isToken(state.program[at], elseToken) ? jumpTo(state, at + 1) : jumpBehind(state, at);
+    return isToken(state.program[at], token::elseWord) ? jumpTo(state, at + 1) : jumpBehind(state, at);
 }
 
 // A wrong shape counts as false.
@@ -106,11 +103,11 @@ bool readEndAndStep(RunState &state, ForOperands &operands) {
     evaluate(state.statement, 5, count);
     state.cellCount = 5 + count;
     const ProgramCell *cells = state.statement;
-    if (!isToken(cells[4], toToken) || !hasShape(state, 5, "n")) return false;
+    if (!isToken(cells[4], token::to) || !hasShape(state, 5, "n")) return false;
     operands.end = cells[5].value.re;
     if (state.cellCount == 6) return true;
     operands.step = cells[7].value.re;
-    return isToken(cells[6], stepToken) && hasShape(state, 7, "n");
+    return isToken(cells[6], token::step) && hasShape(state, 7, "n");
 }
 
 bool readFor(RunState &state, ForOperands &operands) {

@@ -26,7 +26,7 @@ void readPair(RunState &state) {
 }
 
 // A literal number in cell 1, as it stands in the program.
-double rawNumber(const RunState &state) {
+double rawNumber(RunState &state) {
     expectShape(state, 2, "n");
     return numberAt(state, 1);
 }

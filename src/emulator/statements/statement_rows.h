@@ -23,9 +23,10 @@ void evaluateRest(RunState &state);  // from cell 1 on
 // Whether the cells from first on are as told: n a number, v a number or a string, "," a comma. All within cellCount.
 bool hasShape(const RunState &state, int first, const char *shape);
 // Syn ERROR unless the cells from 1 on are so; count is cellCount then, or anyCount. The row goes on in any case, on
-// what the cells hold.
+// what the cells hold: what the evaluation has left in the statement's own, and 0 behind its end.
 inline constexpr int anyCount = 0;
-void expectShape(const RunState &state, int count, const char *shape);
+inline constexpr int longestShape = 8;  // cells
+void expectShape(RunState &state, int count, const char *shape);
 void expectAlone(const RunState &state);  // cellCount 1
 
 inline double numberAt(const RunState &state, int cell) { return state.statement[cell].value.re; }

@@ -148,6 +148,8 @@ int rowOf(const ProgramCell &cell) {
 
 }  // namespace
 
+bool isStatementWord(const ProgramCell &cell) { return rowOf(cell) != noRow; }
+
 WayOut runStatement(RunState &state) {
     int tested = noRow;
     while (state.cellCount > 0) {
@@ -188,8 +190,10 @@ bool hasShape(const RunState &state, int first, const char *shape) {
     return true;
 }
 
-void expectShape(const RunState &state, int count, const char *shape) {
-    if ((count != anyCount && state.cellCount != count) || !hasShape(state, 1, shape)) synError();
+void expectShape(RunState &state, int count, const char *shape) {
+    if ((count == anyCount || state.cellCount == count) && hasShape(state, 1, shape)) return;
+    synError();
+    for (int i = state.statementLength; i <= longestShape; i++) state.statement[i] = {};
 }
 
 void expectAlone(const RunState &state) {

@@ -7,5 +7,6 @@ namespace numalink {
 
 // Tries the rows on cell 0 of state.statement, then condition and assignment.
 WayOut runStatement(RunState &state);
+bool isStatementWord(const ProgramCell &cell);  // whether a row is for statements that begin with it
 
 }  // namespace numalink

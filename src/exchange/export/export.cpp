@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "calculator/charset.h"
+#include "exchange/export/export_formats.h"
 #include "exchange/shown_progress.h"
 #include "platform/files.h"
 #include "platform/letter_case.h"
@@ -25,23 +26,13 @@ namespace {
 
 constexpr std::size_t itemsNamed = 10;  // in one message
 
-struct TargetRow {
-    ExportTarget target;
-    const char *name;
-    const char *ending;
-};
-
-constexpr TargetRow targetRows[] = {
-    {ExportTarget::cat, "cat", ".cat"},
-    {ExportTarget::cas, "cas", ".cas"},
-    {ExportTarget::catAlgebra, "cat (algebra)", ".cat"},
-};
-
 std::vector<ItemId> lastChosen;  // of the question, for this run
 
-const TargetRow *rowOf(ExportTarget target) {
-    const auto row = std::ranges::find(targetRows, target, &TargetRow::target);
-    return row == std::end(targetRows) ? nullptr : row;
+ExportTarget lastTarget() {
+    const std::string name = settingsValue(setting::lastExportType);
+    for (const ExportFormat &format : exportFormats())
+        if (equalWithoutCase(name, format.settingName)) return format.target;
+    return ExportTarget::none;
 }
 
 // What the program itself reads and writes.
@@ -108,25 +99,10 @@ bool tellRefusals(const Refusals &refusals, ExportTarget target) {
     return refusals.names.empty();
 }
 
-bool tellNotWritten(FileResult result, const std::string &path) {
-    switch (result) {
-        case FileResult::missing:
-            return failWith(Text::fileMissing, {path});
-        case FileResult::denied:
-            return failWith(Text::fileDenied, {path});
-        case FileResult::isFolder:
-            return failWith(Text::fileIsFolder, {path});
-        case FileResult::diskFull:
-            return failWith(Text::fileDiskFull, {path});
-        default:
-            return failWith(Text::fileFailed, {path});
-    }
-}
-
 bool pathIsFree(const ExportJob &job) {
     if (isOwnFile(job.path)) return failWith(Text::exportOwnFile, {job.path});
     std::error_code failure;
-    if (std::filesystem::is_directory(job.path, failure)) return tellNotWritten(FileResult::isFolder, job.path);
+    if (std::filesystem::is_directory(job.path, failure)) return failWith(Text::fileIsFolder, {job.path});
     if (job.mayReplace || !fileExists(job.path)) return true;
     return tellComposed(Text::exportReplace, wording(Text::exportReplace, {job.path}), {job.path}, BoxIcon::warning,
                         BoxButtons::okCancel) == Answer::ok;
@@ -135,7 +111,7 @@ bool pathIsFree(const ExportJob &job) {
 bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     appendFileEnd(job.target, file);
     const FileResult result = writeWholeFile(job.path, file);
-    if (result != FileResult::done) return tellNotWritten(result, job.path);
+    if (result != FileResult::done) return failWith(fileTrouble(result), {job.path});
     statusLine(StatusPart::item, Text::exportDone, {std::to_string(count)});
     return true;
 }
@@ -171,9 +147,9 @@ bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTar
 
 bool exportFrom(ItemSource source, const void *items, std::size_t count, const ExportJob &job) {
     assertRole(ThreadRole::graphical);
-    const TargetRow *row = rowOf(job.target);
-    if (!row || count == 0 || !pathIsFree(job)) return false;
-    settingsSetValue(setting::lastExportType, row->name);
+    const ExportFormat *format = exportFormatOf(job.target);
+    if (!format || count == 0 || !pathIsFree(job)) return false;
+    settingsSetValue(setting::lastExportType, format->settingName);
     Bytes file;
     return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);
 }
@@ -217,10 +193,7 @@ std::vector<ExportCandidate> exportCandidates() {
 
 void exportWithQuestion() {
     assertRole(ThreadRole::graphical);
-    ExportQuestion question{.items = exportCandidates(),
-                            .chosen = lastChosen,
-                            .target = exportTargetOf(settingsValue(setting::lastExportType)),
-                            .path = {}};
+    ExportQuestion question{.items = exportCandidates(), .chosen = lastChosen, .target = lastTarget(), .path = {}};
     userInterface.askExport(question);
     lastChosen = question.chosen;
     if (!question.path.empty()) exportItems({.path = question.path, .ids = question.chosen, .target = question.target});
@@ -230,23 +203,6 @@ bool exportItems(const ExportJob &job) { return exportFrom(itemFromLibrary, &job
 
 bool exportToFile(const std::vector<OutgoingItem> &items, const ExportJob &job) {
     return exportFrom(itemFromMemory, &items, items.size(), job);
-}
-
-std::string exportTargetName(ExportTarget target) {
-    const TargetRow *row = rowOf(target);
-    return row ? row->name : "";
-}
-
-ExportTarget exportTargetOf(const std::string &name) {
-    for (const TargetRow &row : targetRows) {
-        if (equalWithoutCase(name, row.name)) return row.target;
-    }
-    return ExportTarget::none;
-}
-
-const char *exportFileEnding(ExportTarget target) {
-    const TargetRow *row = rowOf(target);
-    return row ? row->ending : "";
 }
 
 }  // namespace numalink

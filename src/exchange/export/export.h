@@ -26,8 +26,4 @@ bool exportItems(const ExportJob &job);
 // The same for items that lie in no library.
 bool exportToFile(const std::vector<OutgoingItem> &items, const ExportJob &job);
 
-std::string exportTargetName(ExportTarget target);     // "cat", "cas", "cat (algebra)", as the setting holds it
-ExportTarget exportTargetOf(const std::string &name);  // without regard to case; none when it is no such name
-const char *exportFileEnding(ExportTarget target);     // ".cat" or ".cas"
-
 }  // namespace numalink

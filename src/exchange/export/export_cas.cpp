@@ -14,7 +14,7 @@ constexpr std::size_t screenBlocks = 3;  // of a colour screen
 // Length of the frames that the data is made of.
 std::uint64_t summedLength(ItemKind itemKind, ByteView head, std::size_t dataSize) {
     if (itemKind == kind::picture) return picturePlaneLength(head);
-    if (itemKind == kind::matrix || itemKind == kind::list) return valueFrameSize;
+    if (isValuesKind(itemKind)) return valueFrameSize;
     if (itemKind == kind::colourScreen && dataSize % screenBlocks == 0) return dataSize / screenBlocks;
     return dataSize;
 }

@@ -13,7 +13,6 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t pictureLineBytes = 16;
-constexpr std::size_t planeHeadBytes = 5;  // ':', sheet, colour
 constexpr std::uint32_t algebraCapacityExtra = 8;
 constexpr std::uint8_t lineEnd = 0x0D;
 constexpr std::string_view algebraEnd = "\\@00";  // closes a program's text
@@ -104,23 +103,23 @@ std::optional<ExportRefusal> writePicture(CatWriter &writer, const OutgoingItem 
     writer.line("Format:IMG");
     writer.line("Communication SW:0");
     writer.line("Data Type:PC");
-    writer.number("Height:", readBig16(head, 7));
-    writer.number("Width:", readBig16(head, 9));
+    writer.number("Height:", readBig16(head, frameRowsOffset));
+    writer.number("Width:", readBig16(head, frameColumnsOffset));
     writer.line("Data Name:", copyFrameName(ByteView(head).subspan(frameNameOffset)));
     writer.line("Group Name:");
-    writer.line("Start Position:", headText(head, 27, 2));
-    writer.line("Direction:", headText(head, 29, 1));
-    writer.line("Byte Direction:", headText(head, 30, 1));
-    writer.line("Bit Weight:", headText(head, 31, 1));
-    writer.number("Colors:", readBig16(head, 32));
-    writer.number("Sheets:", readBig16(head, 34));
+    writer.line("Start Position:", headText(head, frameStartOffset, 2));
+    writer.line("Direction:", headText(head, frameDirectionOffset, 1));
+    writer.line("Byte Direction:", headText(head, frameByteDirectionOffset, 1));
+    writer.line("Bit Weight:", headText(head, frameBitWeightOffset, 1));
+    writer.number("Colors:", readBig16(head, frameColorsOffset));
+    writer.number("Sheets:", readBig16(head, frameSheetsOffset));
     writer.noOptions();
     writer.line("%Data Record");
     const std::uint64_t planeLength = picturePlaneLength(head);
     for (ByteView rest = item.data; rest.size() >= planeLength; rest = rest.subspan(planeLength)) {
         writer.number("Sheet:", readBig16(rest, 1));
         writer.number("Color:", readBig16(rest, 3));
-        ByteView pixels = rest.subspan(planeHeadBytes, planeLength - planeHeadBytes - 1);
+        ByteView pixels = rest.subspan(planeDotsOffset, planeLength - planeExtra);
         while (!pixels.empty()) {
             const std::size_t count = std::min(pictureLineBytes, pixels.size());
             writer.line(hexLine(pixels.first(count)));
@@ -136,16 +135,17 @@ std::optional<ExportRefusal> writeValues(CatWriter &writer, const OutgoingItem &
     writer.line("Format:VAL");
     writer.line("Communication SW:0");
     writer.line("Data Type:", item.itemKind == kind::matrix ? "MT" : "LT");
-    writer.number("Rows:", readBig16(head, 7));
-    writer.number("Columns:", readBig16(head, 9));
+    writer.number("Rows:", readBig16(head, frameRowsOffset));
+    writer.number("Columns:", readBig16(head, frameColumnsOffset));
     writer.line("Variable Name:", copyFrameName(ByteView(head).subspan(frameNameOffset)));
     writer.line("Group Name:");
-    writer.line("Variable Type:", headText(head, 27, 1));
-    writer.number("Variable Length:", head[28]);
+    writer.line("Variable Type:", headText(head, frameTypeOffset, 1));
+    writer.number("Variable Length:", head[frameVariableLengthOffset]);
     writer.noOptions();
     writer.line("%Data Record");
     for (ByteView rest = item.data; rest.size() >= valueFrameSize; rest = rest.subspan(valueFrameSize)) {
-        writer.text += "Value : " + std::to_string(readBig16(rest, 1)) + " " + std::to_string(readBig16(rest, 3)) + " ";
+        writer.text += "Value : " + std::to_string(readBig16(rest, valueRowOffset)) + " " +
+                       std::to_string(readBig16(rest, valueColumnOffset)) + " ";
         writer.line(formatValueText(decodeValue(rest.first<valueFrameSize>())));
     }
     return std::nullopt;

@@ -12,8 +12,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t groupOffset = 19;  // 8 bytes that no text record has, and no calculator asks for
-
 // A name's field as calculators pad it.
 void padName(Bytes &head) {
     const auto field = head.begin() + frameNameOffset;
@@ -25,7 +23,8 @@ void padName(Bytes &head) {
 bool sameHeads(Bytes a, Bytes b, bool asText) {
     for (Bytes *head : {&a, &b}) {
         padName(*head);
-        if (asText) std::fill_n(head->begin() + groupOffset, frameNameSize, std::uint8_t{0});
+        // The group is what no text record has, and no calculator asks for.
+        if (asText) std::fill_n(head->begin() + frameGroupOffset, frameNameSize, std::uint8_t{0});
         frameChecksum(*head);
     }
     return a == b;
@@ -104,7 +103,7 @@ std::optional<ExportRefusal> appendItem(const OutgoingItem &item, ExportTarget t
     const auto refusal =
         target == ExportTarget::cas ? writeCas(item, file) : writeCat(item, target == ExportTarget::catAlgebra, file);
     if (refusal) return refusal;
-    const bool tooLarge = item.data.size() > importItemLimit;
+    const bool tooLarge = item.data.size() > itemDataLimit;
     if (!tooLarge && readsBack(item, target, ByteView(file).subspan(start))) return std::nullopt;
     file.resize(start);
     return ExportRefusal{tooLarge ? ExportFault::tooLarge : ExportFault::notWhole};

@@ -1,5 +1,5 @@
 // One pass over a text exchange file: where the reader stands, and the header of the record it is in.
-// Only the two files of this reader include it.
+// Only the files of this reader, and the choice of readers, include it.
 #pragma once
 
 #include <array>
@@ -9,6 +9,8 @@
 #include "exchange/import/import_readers.h"
 
 namespace numalink {
+
+inline constexpr std::string_view catRecordStart = "%Header Record";
 
 // In the order in which a line is compared with the keys.
 enum class CatKey {

@@ -6,11 +6,10 @@
 
 #include "calculator/charset.h"
 #include "exchange/import/bitmap_import.h"
-#include "exchange/import/import_readers.h"
+#include "exchange/import/import_formats.h"
 #include "exchange/shown_progress.h"
 #include "link/transmit_queue.h"
 #include "platform/files.h"
-#include "platform/picture_file.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -23,21 +22,6 @@ namespace {
 
 constexpr std::size_t messagesShown = 8;  // of one file; a spoilt file may give thousands
 constexpr std::size_t unnamedLimit = 8;
-
-std::string causeOf(FileResult result, const std::string &path) {
-    switch (result) {
-        case FileResult::missing:
-            return wording(Text::fileMissing, {path});
-        case FileResult::denied:
-            return wording(Text::fileDenied, {path});
-        case FileResult::isFolder:
-            return wording(Text::fileIsFolder, {path});
-        case FileResult::tooLarge:
-            return wording(Text::fileTooLarge, {path, std::to_string(importFileLimit >> 20)});
-        default:
-            return wording(Text::fileFailed, {path});
-    }
-}
 
 void showBox(Text text, const std::string &below) { tellComposed(text, wording(text) + "\n" + below); }
 
@@ -154,13 +138,16 @@ void importFile(const std::string &path, const std::string &baseName) {
     if (!userInterface.leaveCurrentView() || !storeResetTemp()) return;
     Bytes file;
     const FileResult result = readWholeFile(path, file, importFileLimit);
-    if (result != FileResult::done) return showBox(Text::importNotOpened, causeOf(result, path));
+    if (result != FileResult::done)
+        return showBox(Text::importNotOpened,
+                       wording(fileTrouble(result), {path, std::to_string(importFileLimit >> 20)}));
     importFolderName = baseName;
     ByteView rest = file;
-    const ItemReader reader = itemReaderOf(rest);
-    if (!reader && isPictureFile(file)) return importPicture(file, path, baseName);
-    if (!reader) return showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {path}) : path);
-    const ImportReport report = readItems(rest, reader, baseName);
+    const ImportFormat *format = importFormatOf(rest);
+    if (format == nullptr)
+        return showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {path}) : path);
+    if (format->read == nullptr) return importPicture(file, path, baseName);
+    const ImportReport report = readItems(rest, format->read, baseName);
     showReport(report);
     if (report.items > 0) askWhereTo();
 }

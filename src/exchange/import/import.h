@@ -9,7 +9,6 @@
 namespace numalink {
 
 inline constexpr std::uint64_t importFileLimit = 64u << 20;  // bytes of a file that is read at all
-inline constexpr std::size_t importItemLimit = 70000;        // bytes of one item's data
 inline constexpr std::size_t importFolderNameLimit = 300;
 
 extern std::string importFolderName;  // UTF-8; written at the start of each import, edited by the question

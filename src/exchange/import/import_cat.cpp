@@ -21,7 +21,6 @@ constexpr std::string_view keyTexts[] = {
 };
 static_assert(std::size(keyTexts) == static_cast<std::size_t>(CatKey::count));
 
-constexpr std::string_view recordStart = "%Header Record";
 constexpr std::string_view dataStart = "%Data Record";
 constexpr std::string_view endMark = "%End";
 constexpr std::size_t valueLimit = 9;
@@ -114,7 +113,7 @@ bool findRecord(CatReader &reader) {
     bool found = false;
     do {
         const std::string_view line = lineOf(reader);
-        found = startsWithoutCase(line, recordStart);
+        found = startsWithoutCase(line, catRecordStart);
         if (!found && !isBlank(line) && skipped++ == 0) first = excerpt(line);
     } while (!found && nextLine(reader));
     if (skipped > 0) addMessage(*reader.report, Text::importLinesSkipped, {std::to_string(skipped), first});
@@ -161,7 +160,7 @@ bool atEndMark(const CatReader &reader) {
 bool atRecordStart(const CatReader &reader) {
     if (reader.at >= reader.file.size() || reader.file[reader.at] != '%') return false;
     const bool lineHead = reader.at == 0 || reader.file[reader.at - 1] == '\n' || reader.file[reader.at - 1] == '\r';
-    return lineHead && equalWithoutCase(lineOf(reader), recordStart);
+    return lineHead && equalWithoutCase(lineOf(reader), catRecordStart);
 }
 
 // The end mark of old text files counts as nothing.

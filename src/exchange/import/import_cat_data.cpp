@@ -17,7 +17,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t frameGroupOffset = 19;
 constexpr std::size_t valueFieldsEnd = 29;
 constexpr std::size_t pictureFieldsEnd = 36;
 constexpr std::size_t placesTold = 5;
@@ -41,8 +40,8 @@ Bytes startHead(const CatReader &reader, HeadNumbers numbers, const std::string 
     put(1, reader.value(CatKey::format), 3);
     head[4] = static_cast<std::uint8_t>(reader.number(CatKey::communicationSwitch));
     put(5, reader.value(CatKey::dataType), 2);
-    writeBig16(head, 7, numbers.first);
-    writeBig16(head, 9, numbers.second);
+    writeBig16(head, frameRowsOffset, numbers.first);
+    writeBig16(head, frameColumnsOffset, numbers.second);
     put(frameNameOffset, name, frameNameSize);
     put(frameGroupOffset, reader.value(CatKey::groupName), frameNameSize);
     return head;
@@ -122,12 +121,12 @@ void addPlaneLine(Planes &planes, std::string_view line) {
 Bytes pictureHead(const CatReader &reader, const std::string &name) {
     Bytes head =
         startHead(reader, {reader.number(CatKey::height), reader.number(CatKey::width)}, name, pictureFieldsEnd);
-    putMark(head, 27, reader.value(CatKey::startPosition), "DR");
-    putMark(head, 29, reader.value(CatKey::direction), "U");
-    putMark(head, 30, reader.value(CatKey::byteDirection), "W");
-    putMark(head, 31, reader.value(CatKey::bitWeight), "F");
-    writeBig16(head, 32, reader.number(CatKey::colors));
-    writeBig16(head, 34, reader.number(CatKey::sheets));
+    putMark(head, frameStartOffset, reader.value(CatKey::startPosition), "DR");
+    putMark(head, frameDirectionOffset, reader.value(CatKey::direction), "U");
+    putMark(head, frameByteDirectionOffset, reader.value(CatKey::byteDirection), "W");
+    putMark(head, frameBitWeightOffset, reader.value(CatKey::bitWeight), "F");
+    writeBig16(head, frameColorsOffset, reader.number(CatKey::colors));
+    writeBig16(head, frameSheetsOffset, reader.number(CatKey::sheets));
     return head;
 }
 
@@ -253,7 +252,7 @@ bool readCatPicture(CatReader &reader) {
     for (const CatKey key : {CatKey::height, CatKey::width, CatKey::colors, CatKey::sheets})
         fits = fits && fitsHead(reader.number(key));
     const Bytes head = pictureHead(reader, name);
-    Planes planes{.pixels = picturePlaneLength(head) - 6,
+    Planes planes{.pixels = picturePlaneLength(head) - planeExtra,
                   .expected = picturePlaneCount(head) * picturePlaneLength(head)};
     planes.bad = !fits || planes.pixels == 0;
     for (; !atEndMark(reader);) {
@@ -269,8 +268,8 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     ValueTable table{.rows = reader.number(CatKey::rows), .columns = reader.number(CatKey::columns)};
     const bool fits = fitsHead(table.rows) && fitsHead(table.columns);
     if (!fits) return skipCatData(reader) && sizesDiffer(reader, name);
-    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > importItemLimit) {
-        addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(importItemLimit)});
+    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > itemDataLimit) {
+        addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(itemDataLimit)});
         return skipCatData(reader);
     }
     clearTable(table);
@@ -280,10 +279,11 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     }
     tellValues(reader, table, name);
     Bytes head = startHead(reader, {table.rows, table.columns}, name, valueFieldsEnd);
-    putMark(head, 27, reader.value(CatKey::variableType), "R");
+    putMark(head, frameTypeOffset, reader.value(CatKey::variableType), "R");
     constexpr std::uint8_t usualLength = 10;
     const bool hasLength = !reader.value(CatKey::variableLength).empty();
-    head[28] = hasLength ? static_cast<std::uint8_t>(reader.number(CatKey::variableLength)) : usualLength;
+    head[frameVariableLengthOffset] =
+        hasLength ? static_cast<std::uint8_t>(reader.number(CatKey::variableLength)) : usualLength;
     return deliver({itemKind, name, std::move(head), std::move(table.data)}, *reader.sink, *reader.report);
 }
 

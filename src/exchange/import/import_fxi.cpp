@@ -62,8 +62,9 @@ FoundHead findHead(ByteView file, std::size_t from) {
 
 // Nothing for a data frame too short to have ':' and checksum.
 std::optional<Groups> groupsOf(ByteView head, ItemKind itemKind) {
-    if (itemKind == kind::matrix || itemKind == kind::list) {
-        const std::uint64_t count = std::uint64_t{readBig16(head, 7)} * readBig16(head, 9);
+    if (isValuesKind(itemKind)) {
+        const std::uint64_t count =
+            std::uint64_t{readBig16(head, frameRowsOffset)} * readBig16(head, frameColumnsOffset);
         return Groups{count, valueFrameSize - frameExtra, 0};
     }
     if (itemKind == kind::picture) return Groups{picturePlaneCount(head), picturePlaneLength(head) - frameExtra, 0};

@@ -3,16 +3,11 @@
 
 #include "calculator/charset.h"
 #include "calculator/frames.h"
-#include "exchange/import/import.h"
-#include "platform/letter_case.h"
 #include "telling/texts.h"
 
 namespace numalink {
 
 namespace {
-
-constexpr std::string_view catMark = "%Header Record";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::uint64_t lengthByHead(const ImportedItem &item) {
     // By the kind, not by the mark: a text file may put a number into the byte that a mark has as 0.
@@ -24,17 +19,6 @@ std::uint64_t lengthByHead(const ImportedItem &item) {
 
 }  // namespace
 
-ItemReader itemReaderOf(ByteView &file) {
-    const std::string_view text{reinterpret_cast<const char *>(file.data()), file.size()};
-    if (text.starts_with(byteOrderMark) && startsWithoutCase(text.substr(byteOrderMark.size()), catMark)) {
-        file = file.subspan(byteOrderMark.size());
-        return readCat;
-    }
-    if (startsWithoutCase(text, catMark)) return readCat;
-    if (text.starts_with("20")) return readFxi;
-    return text.starts_with(':') ? readCas : nullptr;
-}
-
 void addMessage(ImportReport &report, Text text, const std::vector<std::string> &arguments, const std::string &detail) {
     report.messages.push_back({text, wording(text, arguments) + detail});
 }
@@ -45,8 +29,8 @@ void addStopMessage(ImportReport &report, std::size_t place) {
 
 bool deliver(ImportedItem item, const ItemSink &sink, ImportReport &report) {
     const std::string name = item.name.empty() ? "?" : utf8FromCalculator(item.name);
-    if (item.data.size() > importItemLimit) {
-        addMessage(report, Text::importTooLarge, {name, std::to_string(importItemLimit)});
+    if (item.data.size() > itemDataLimit) {
+        addMessage(report, Text::importTooLarge, {name, std::to_string(itemDataLimit)});
         return true;
     }
     if (lengthByHead(item) != item.data.size()) {

@@ -37,9 +37,6 @@ struct ImportReport {
 
 using ItemReader = void (*)(ByteView file, const ItemSink &sink, ImportReport &report);
 
-// The reader for what the file begins with, or null. An editor's byte order mark is taken off file.
-ItemReader itemReaderOf(ByteView &file);
-
 void readCat(ByteView file, const ItemSink &sink, ImportReport &report);
 void readCas(ByteView file, const ItemSink &sink, ImportReport &report);
 void readFxi(ByteView file, const ItemSink &sink, ImportReport &report);

@@ -11,6 +11,7 @@
 
 #include "calculator/program_info.h"
 #include "exchange/import/import.h"
+#include "exchange/import/import_formats.h"
 #include "platform/thread_role.h"
 #include "shell/app/start_up.h"
 #include "shell/commands/command_table.h"
@@ -74,11 +75,13 @@ int handleCommand(int id) {
 }
 
 int openFiles() {
-    const QStringList patterns = {QStringLiteral("*.cas"), QStringLiteral("*.cat"), QStringLiteral("*.fxi"),
-                                  QStringLiteral("*.bmp"), QStringLiteral("*.png"), QStringLiteral("*.jpg"),
-                                  QStringLiteral("*.gif")};
     QStringList bothCases;
-    for (const QString &pattern : patterns) bothCases << pattern << pattern.toUpper();
+    for (const ImportFormat &format : importFormats()) {
+        for (const char *ending : format.endings) {
+            const QString pattern = QStringLiteral("*.") + QLatin1String(ending);
+            bothCases << pattern << pattern.toUpper();
+        }
+    }
     const QString filter = textOf(Text::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +
                            QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
     const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), lastFolder, filter);
@@ -115,7 +118,7 @@ namespace {
 
 // The selected item if that is a folder that is still there, otherwise the folder of programs.
 ItemId folderForProgram() {
-    const ItemId standard = storeStandardFolder(1001);
+    const ItemId standard = storeStandardFolder(kind::programsFolder);
     const std::optional<ItemEntry> selected = storeReadEntry(selectedItemId());
     return selected && isFolderKind(selected->kind) ? selected->id : standard;
 }

@@ -18,6 +18,7 @@
 #include <iterator>
 
 #include "exchange/export/export.h"
+#include "exchange/export/export_formats.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -40,29 +41,16 @@ public:
     }
 };
 
-struct TargetChoice {
-    ExportTarget target;
-    Text text;
-    Text filter;
-    const char *pattern;
-};
-
-constexpr TargetChoice targetChoices[] = {
-    {ExportTarget::cas, Text::exportTypeCas, Text::filterCas, "*.cas *.CAS"},
-    {ExportTarget::cat, Text::exportTypeCat, Text::filterCat, "*.cat *.CAT"},
-    {ExportTarget::catAlgebra, Text::exportTypeCatAlgebra, Text::filterCat, "*.cat *.CAT"},
-};
-
 struct ExportControls {
     QListWidget *available = nullptr;
     QListWidget *chosen = nullptr;
-    QRadioButton *targets[std::size(targetChoices)] = {};
+    std::vector<QRadioButton *> targets;  // in the order of the formats
     QPushButton *ok = nullptr;
 };
 
-const TargetChoice *choiceOf(const ExportControls &controls) {
-    for (std::size_t i = 0; i < std::size(targetChoices); i++) {
-        if (controls.targets[i]->isChecked()) return &targetChoices[i];
+const ExportFormat *choiceOf(const ExportControls &controls) {
+    for (std::size_t i = 0; i < controls.targets.size(); i++) {
+        if (controls.targets[i]->isChecked()) return &exportFormats()[i];
     }
     return nullptr;
 }
@@ -180,10 +168,11 @@ QVBoxLayout *moveButtons(const ExportControls &controls) {
 QGroupBox *targetBox(const ExportQuestion &question, ExportControls &controls) {
     auto *box = new QGroupBox(textOf(Text::exportType));
     auto *layout = new QHBoxLayout(box);
-    for (std::size_t i = 0; i < std::size(targetChoices); i++) {
-        controls.targets[i] = new QRadioButton(textOf(targetChoices[i].text));
-        controls.targets[i]->setChecked(targetChoices[i].target == question.target);
-        layout->addWidget(controls.targets[i]);
+    for (const ExportFormat &format : exportFormats()) {
+        auto *button = new QRadioButton(textOf(format.label));
+        button->setChecked(format.target == question.target);
+        layout->addWidget(button);
+        controls.targets.push_back(button);
     }
     layout->addStretch();
     return box;
@@ -226,20 +215,22 @@ void takeAnswers(ExportQuestion &question, const ExportControls &controls) {
     question.chosen.clear();
     for (int row = 0; row < controls.chosen->count(); row++)
         question.chosen.push_back(controls.chosen->item(row)->data(idRole).toUInt());
-    const TargetChoice *choice = choiceOf(controls);
+    const ExportFormat *choice = choiceOf(controls);
     question.target = choice == nullptr ? ExportTarget::none : choice->target;
 }
 
 // Whether an existing file may be replaced is asked further down, for every front end alike.
 void askPath(ExportQuestion &question) {
-    const auto choice = std::ranges::find(targetChoices, question.target, &TargetChoice::target);
-    if (choice == std::end(targetChoices)) return;
-    const QString filter = textOf(choice->filter) + QStringLiteral(" (") + QLatin1String(choice->pattern) +
-                           QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
+    const ExportFormat *format = exportFormatOf(question.target);
+    if (format == nullptr) return;
+    const QString pattern = QStringLiteral("*") + QLatin1String(format->ending);
+    const QString filter = textOf(format->filter) + QStringLiteral(" (") + pattern + QStringLiteral(" ") +
+                           pattern.toUpper() + QStringLiteral(");;") + textOf(Text::filterAllFiles) +
+                           QStringLiteral(" (*)");
     QString path = QFileDialog::getSaveFileName(mainWindow, textOf(Text::exportTitle), lastFolder, filter, nullptr,
                                                 QFileDialog::DontConfirmOverwrite);
     if (path.isEmpty()) return;
-    if (QFileInfo(path).suffix().isEmpty()) path += QLatin1String(exportFileEnding(question.target));
+    if (QFileInfo(path).suffix().isEmpty()) path += QLatin1String(format->ending);
     lastFolder = QFileInfo(path).absolutePath();
     question.path = QFile::encodeName(path).toStdString();
 }

@@ -99,18 +99,6 @@ void appendReached(std::vector<const ItemEntry *> start, ChildrenOf &children, T
     }
 }
 
-struct DropRow {
-    ItemKind itemKind;
-    ItemKind folderKind;
-};
-
-constexpr DropRow dropRows[] = {
-    {kind::program, 1001},       {kind::backup, 1003},           {kind::unknown, 1004},
-    {kind::graphFunction, 1004}, {kind::matrix, 1005},           {kind::list, 1006},
-    {kind::picture, 1007},       {kind::graphMemory, 1008},      {kind::functionMemory, 1009},
-    {kind::colourScreen, 1010},  {kind::monochromeScreen, 1010}, {kind::algebraBlock, 1011},
-};
-
 bool nameIsTaken(const ItemEntry &item, const std::string &name) {
     const std::vector<ItemEntry> siblings = storeListChildren(item.parent);
     return std::ranges::any_of(siblings, [&](const ItemEntry &sibling) {
@@ -158,9 +146,8 @@ std::vector<bool> longestRising(const std::vector<int> &places) {
 
 bool canDrop(ItemKind dragged, ItemKind folderKind) {
     if (isFolderKind(dragged)) return false;
-    if (folderKind == kind::folder) return true;
-    return std::ranges::any_of(
-        dropRows, [&](const DropRow &row) { return row.itemKind == dragged && row.folderKind == folderKind; });
+    const ItemKind standard = standardFolderOfKind(dragged);
+    return folderKind == kind::folder || (standard != kind::none && folderKind == standard);
 }
 
 std::optional<Text> nameFault(const ItemEntry &item, const std::string &utf8Name) {

@@ -17,21 +17,6 @@ namespace numalink {
 
 namespace {
 
-Text wordingOf(FileResult result) {
-    switch (result) {
-        case FileResult::missing:
-            return Text::fileMissing;
-        case FileResult::denied:
-            return Text::fileDenied;
-        case FileResult::isFolder:
-            return Text::fileIsFolder;
-        case FileResult::diskFull:
-            return Text::fileDiskFull;
-        default:
-            return Text::fileFailed;
-    }
-}
-
 // A path that ends in .bmp, or nothing when cancelled. An existing file is asked for by the dialog.
 QString askBitmapPath(const QString &itemName) {
     QFileDialog dialog(mainWindow);
@@ -45,7 +30,7 @@ QString askBitmapPath(const QString &itemName) {
 }  // namespace
 
 void tellFileResult(FileResult result, const std::string &path) {
-    if (result != FileResult::done) tellUser(wordingOf(result), {path}, BoxIcon::error);
+    if (result != FileResult::done) tellUser(fileTrouble(result), {path}, BoxIcon::error);
 }
 
 void saveSurface(const Surface &surface, const std::string &utf8Name) {
@@ -58,7 +43,7 @@ int saveItemAsBitmap() {
     StoredItem item;
     if (!storeReadItem(selectedItemId(), item)) return 1;
     const bool isPicture = item.kind == kind::picture;
-    if (!isPicture && item.kind != kind::colourScreen && item.kind != kind::monochromeScreen) return 1;
+    if (!isPicture && !isScreenKind(item.kind)) return 1;
     const Surface surface = screenSurface(item.kind, item.head, item.data);
     saveSurface(surface, utf8FromCalculator(item.name));
     return 1;

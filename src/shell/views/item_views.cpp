@@ -36,8 +36,6 @@ MatrixValues matrixOnView;
 PickedCell picked;
 std::string matrixInfo;  // the status line of the matrix on view, without its picked cell
 
-bool isMatrix(ItemKind itemKind) { return itemKind == kind::matrix || itemKind == kind::list; }
-
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, Text::openingProgram);
     programToView(item.data);
@@ -101,7 +99,7 @@ Surface partOfMatrix(int left, int top, int width, int height) {
 }
 
 void showDrawn(const StoredItem &item) {
-    if (!isMatrix(item.kind)) {
+    if (!isValuesKind(item.kind)) {
         showSurface(itemSurface(item.kind, item.head, item.data));
         return;
     }
@@ -137,7 +135,7 @@ void infoToStatus(const StoredItem &item) {
     }
     std::string line = wording(Text::size, {size});
     if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + wording(*fault);
-    if (isMatrix(item.kind)) {
+    if (isValuesKind(item.kind)) {
         matrixInfo = line;
         line += pickedInfo();
     }
@@ -199,7 +197,7 @@ int openSelectedItem() {
     userInterface.waitCursor(false);
     if (!read) return 1;
     if (isTextKind(item.kind)) showProgram(item);
-    if (isDrawn(item.kind)) showDrawn(item);
+    if (isDrawnKind(item.kind)) showDrawn(item);
     infoToStatus(item);
     return 1;
 }

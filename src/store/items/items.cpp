@@ -10,8 +10,6 @@ namespace numalink {
 
 namespace {
 
-constexpr std::size_t infoNameOffset = 8;  // of the name in a program's first payload
-
 ItemHeader makeHead(const NewItem &item, std::string_view name, ItemId id) {
     ItemHeader head{};
     std::memcpy(head.signature, itemSignature, sizeof itemSignature);
@@ -145,8 +143,8 @@ std::vector<ItemEntry> entriesWhere(Fits fits) {
 
 void renameProgram(Bytes &head, std::string_view name) {
     if (head.size() != programInfoSize) return;
-    std::fill_n(head.begin() + infoNameOffset, programNameLimit + 1, std::uint8_t{0});
-    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + infoNameOffset);
+    std::fill_n(head.begin() + programNameOffset, programNameLimit + 1, std::uint8_t{0});
+    std::ranges::copy(name.substr(0, programNameLimit), head.begin() + programNameOffset);
 }
 
 void markWithContents(std::vector<bool> &marks, std::size_t first) {
