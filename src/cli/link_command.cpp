@@ -13,6 +13,7 @@
 
 #include "cli/commands.h"
 #include "cli/library_session.h"
+#include "cli/terminal_ui.h"
 #include "link/attention.h"
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
@@ -45,6 +46,7 @@ struct LinkOptions {
 std::atomic<Answer> chosenAnswer = Answer::cancel;
 std::atomic<int> chosenSlot = 0;
 std::atomic<bool> asJson = false;
+std::atomic<bool> boxShown = false;
 std::atomic<int> progressMaximum = 0;
 std::atomic<std::size_t> queueShown = 0;
 Lock printLock;  // one line at a time on standard output
@@ -71,7 +73,8 @@ bool chooseAnswer(const std::string &word) {
 }
 
 void print(const nlohmann::ordered_json &object, const std::string &line) {
-    const std::string text = asJson ? object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) : line;
+    const std::string text =
+        asJson ? object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) : onOneLine(line);
     const HoldLock hold(printLock);
     std::printf("%s\n", text.c_str());
     std::fflush(stdout);
@@ -84,6 +87,7 @@ Answer showBox(const Box &box) {
               "question " + std::to_string(textNumber(box.bodyText)) + ": " + box.body + " " + wordOf(answer));
         return answer == Answer::yes ? Answer::ok : Answer::cancel;
     }
+    boxShown = true;
     nlohmann::ordered_json numbers = {textNumber(box.bodyText), textNumber(box.titleText)};
     for (const std::string &argument : box.arguments) numbers.push_back(argument);
     print({{"box", numbers}, {"text", box.body}}, "box " + std::to_string(textNumber(box.bodyText)) + " " +
@@ -131,15 +135,18 @@ void installLinkUi() {
     };
 }
 
+// What the commands ask for: exitFailed once one of them could not be done.
+int commandStatus = exitDone;
+
 void queueNamed(const std::string &item, bool begin) {
     const ItemId id = findItem(item);
     if (id == noItem) {
-        commandFailed("no item " + item);
-        return;
+        commandStatus = commandFailed("no item " + item);
+    } else if (begin) {
+        queueAndBegin(id);
+    } else {
+        queueAndTell(id);
     }
-    const bool wasEmpty = transmitQueueCount() == 0;
-    queueItem(id);
-    if (begin && wasEmpty) beginTransmit();
 }
 
 // False to end.
@@ -151,11 +158,11 @@ bool runLine(const std::string &line) {
     if (word == "transmit" || word == "queue") {
         queueNamed(rest, word == "transmit");
     } else if (word == "go") {
-        beginTransmit();
+        if (!attentionIsOut() && !beginTransmit()) commandStatus = commandFailed("nothing to transmit");
     } else if (word == "slot" && rest.size() == 1 && rest[0] >= '1' && rest[0] <= '6') {
         chosenSlot = rest[0] - '0';
     } else if (!word.empty() && (word != "answer" || !chooseAnswer(rest))) {
-        commandFailed("no such command: " + line);
+        commandStatus = commandFailed("no such command: " + line);
     }
     return true;
 }
@@ -179,7 +186,7 @@ InputEnd takeInput(std::string &buffer, int milliseconds) {
     return count > 0 ? InputEnd::none : InputEnd::end;
 }
 
-bool linkIsBusy() { return linkConversationRuns() || attentionIsOut(); }
+bool linkIsBusy() { return linkPort() == LinkPort::untried || linkConversationRuns() || attentionIsOut(); }
 
 // Until quit, the end of input with nothing under way, or the time.
 void serveInput(int seconds) {
@@ -206,8 +213,16 @@ void serveInput(int seconds) {
     }
 }
 
+// Not done: a command, the opening of the port, or what was queued and hasn't gone.
+int endStatus() {
+    if (linkPort() == LinkPort::refused || transmitQueueCount() + transmitDroppedCount() > 0) return exitFailed;
+    return std::max(commandStatus, boxShown ? exitShown : exitDone);
+}
+
 int runLink(const LinkOptions &options) {
     asJson = options.json;
+    boxShown = false;
+    commandStatus = exitDone;
     if (!chooseAnswer(options.answer)) return commandFailed("no such answer: " + options.answer);
     chosenSlot = options.slot;
     const LibrarySession session(options.library);
@@ -219,7 +234,7 @@ int runLink(const LinkOptions &options) {
     startLinkThread();
     serveInput(options.seconds);
     stopLinkThread();
-    return exitDone;
+    return endStatus();
 }
 
 }  // namespace

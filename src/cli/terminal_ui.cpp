@@ -13,12 +13,6 @@ std::string importFolder;
 std::string subject;  // told ahead of the next box, once
 RasterType rasterType = RasterType::image;
 
-std::string onOneLine(std::string text) {
-    std::ranges::replace_if(
-        text, [](char code) { return code >= 0 && code < ' '; }, ' ');
-    return text;
-}
-
 Answer showBox(const Box &box) {
     boxCount++;
     if (!subject.empty()) std::fprintf(stderr, "numalink-cli: %s\n", onOneLine(subject).c_str());
@@ -40,6 +34,12 @@ void answerBitmap(BitmapQuestion &question) {
 }
 
 }  // namespace
+
+std::string onOneLine(std::string text) {
+    std::ranges::replace_if(
+        text, [](char code) { return code >= 0 && code < ' '; }, ' ');
+    return text;
+}
 
 void terminalUiInstall() {
     boxCount = 0;

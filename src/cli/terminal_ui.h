@@ -10,6 +10,9 @@ namespace numalink {
 void terminalUiInstall();  // also forgets what was shown and the answers
 int terminalBoxCount();
 
+// Line ends and other control characters as blanks.
+std::string onOneLine(std::string text);
+
 // What the next boxes are about: a line of its own ahead of the first of them, none when there is no box.
 void terminalSubject(const std::string &about);
 

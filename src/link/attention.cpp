@@ -22,7 +22,13 @@ void attentionWish() {
     serialLine.wake();
 }
 
-bool attentionTakeWish() { return wished.exchange(false); }
+bool attentionTakeWish() {
+    if (!wished) return false;
+    attentionSent();
+    wished = false;
+    return true;
+}
+
 void attentionSent() { linkAttentionDeadline = tickCount() + answerMilliseconds; }
 void attentionAnswered() { linkAttentionDeadline = 0; }
 

@@ -5,8 +5,8 @@
 namespace numalink {
 
 void attentionWish();       // marks it and wakes the link
-bool attentionTakeWish();   // link thread, idle
-void attentionSent();       // arms the deadline
+bool attentionTakeWish();   // link thread, idle; the deadline stands from here on, so that nobody sees a gap
+void attentionSent();       // the deadline runs from now on
 void attentionAnswered();   // any byte that was read
 void attentionForget();     // wish and deadline, ahead of a restart
 bool attentionIsOut();      // wished for or sent, and not yet answered

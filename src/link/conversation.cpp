@@ -17,8 +17,6 @@ constexpr std::uint64_t lastingWait = 10000;
 constexpr std::uint64_t restAfterFailure = 50;
 constexpr std::uint64_t slowPause = 1;
 constexpr std::uint64_t microsecondsPerMillisecond = 1000;
-constexpr std::uint64_t shortestSlowGap = 500;  // microseconds between two bytes while a delay is made up
-constexpr std::uint64_t largestDelay = 5000;    // microseconds; a longer one isn't made up
 constexpr std::uint64_t progressLimit = 65535;
 constexpr std::uint64_t progressSteps = 256;
 
@@ -53,16 +51,10 @@ std::size_t readWithin(std::span<std::uint8_t> target, ReadLimits limits, std::u
 
 void sendPaused(ByteView bytes, void (*afterByte)(std::uint64_t position)) {
     std::uint64_t position = 0;
-    std::uint64_t due = serialLine.microseconds();
-    std::uint64_t earliest = due;
     for (const std::uint8_t byte : bytes) {
-        due += slowPause * microsecondsPerMillisecond;
-        serialLine.sleepUntil(std::max(due, earliest));
-        const std::uint64_t sentAt = serialLine.microseconds();
+        pauseMilliseconds(slowPause);
         send(byte);
         if (conversationOver()) return;
-        earliest = sentAt + shortestSlowGap;
-        if (sentAt > due + largestDelay) due = sentAt;
         if (afterByte != nullptr) afterByte(++position);
     }
 }

@@ -35,7 +35,7 @@ bool readGoodData(std::span<std::uint8_t> target);
 
 void send(std::uint8_t byte);
 void send(ByteView bytes);
-void sendSlowly(ByteView bytes);              // a pause of 1 ms ahead of each byte
+void sendSlowly(ByteView bytes);              // a pause of 1 ms ahead of each byte, never a shorter one
 void sendSlowlyWithProgress(ByteView bytes);  // the same, and the bar moves
 void pauseMilliseconds(std::uint64_t milliseconds);
 

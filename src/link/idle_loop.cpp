@@ -39,6 +39,8 @@ void sendAttention() {
     if (transmitQueueCount() > 0) {
         send(control::attention);
         attentionSent();
+    } else {
+        attentionAnswered();
     }
     userInterface.transmitQueueChanged();
 }
@@ -52,33 +54,34 @@ void (*conversationOf(Family family, std::uint8_t byte))() {
 }
 
 void actOn(Family family, std::uint8_t byte) {
-    attentionAnswered();
     const auto conversation = conversationOf(family, byte);
+    if (conversation != nullptr) transmitConversation(true);
+    attentionAnswered();
     if (family == Family::cfx && byte != control::ready) dropQueue();
     if (conversation == nullptr) {
         if (family == Family::algebra) linkStatus(Text::algebraNotUnderstood);
         return;
     }
-    transmitConversation(true);
     conversation();
     transmitConversation(false);
 }
 
 }  // namespace
 
-bool linkIdleLoop(Family family) {
+bool linkIdleLoop(Family family, bool isBack) {
     bool idleIsDue = true;
+    bool tellsWaiting = isBack;
     while (!conversationOver()) {
         if (idleIsDue) userInterface.progressRange(0);
         const bool showsResult = idleIsDue && linkResultTake();
         if ((idleIsDue && !showsResult) || linkNoticeState() == NoticeState::over) showIdle(family);
-        if (idleIsDue) linkNoticeRepeat();
+        if (idleIsDue && !linkNoticeRepeat() && tellsWaiting) tellWaiting();
         idleIsDue = false;
         sendAttention();
         const IdleRead idle = readIdle(family);
         if (idle.end != IdleEnd::byte || conversationOver()) continue;
         actOn(family, idle.byte);
-        idleIsDue = true;
+        idleIsDue = tellsWaiting = true;
         if (conversationOver()) return !conversationStopped();
     }
     return false;

@@ -6,7 +6,7 @@
 namespace numalink {
 
 // With the line open. Returns when the conversation is over: stopped, or the line is gone. True when the line was
-// lost in the middle of a transfer.
-bool linkIdleLoop(Family family);
+// lost in the middle of a transfer. isBack: the line was there before, so it is told what still waits.
+bool linkIdleLoop(Family family, bool isBack = false);
 
 }  // namespace numalink

@@ -1,5 +1,6 @@
 #include "link/link_thread.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <thread>
@@ -25,6 +26,7 @@ constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't th
 std::thread linkThread;  // graphical thread
 Lock closedLock;         // so that a stop can't fall between the look and the sleep of waitClosed
 std::condition_variable closedChanged GUARDED_BY(closedLock);
+std::atomic<LinkPort> portState = LinkPort::untried;
 
 struct Cause {
     LineFault fault;
@@ -58,7 +60,9 @@ void tellClosed(const LineOpening &opening, bool asBox) {
 
 void tellLost(const std::string &path, bool inTransfer) {
     if (inTransfer) tellUser(Text::portLostInTransfer, {path});
-    statusLine(StatusPart::link, Text::portLost, {path});
+    std::string text = wording(Text::portLost, {path});
+    if (const std::string waiting = waitingText(); !waiting.empty()) text += " " + waiting;
+    userInterface.statusText(StatusPart::link, Text::portLost, text);
 }
 
 // While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
@@ -72,9 +76,9 @@ void waitClosed(const LineOpening &opening) {
     while (!conversationStopped() && std::chrono::steady_clock::now() < end) hold.waitUntil(closedChanged, end);
 }
 
-void converse(Family family, const LineOpening &opening) {
+void converse(Family family, const LineOpening &opening, bool isBack) {
     if (!opening.settingsTaken) tellUser(Text::lineSettingsRefused);
-    const bool inTransfer = linkIdleLoop(family);
+    const bool inTransfer = linkIdleLoop(family, isBack);
     serialLine.close();
     if (!conversationStopped()) userInterface.progressRange(0);
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
@@ -83,12 +87,15 @@ void converse(Family family, const LineOpening &opening) {
 void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
     threadRole = ThreadRole::link;
     bool told = false;
+    bool wasOpen = false;
     while (!conversationStopped()) {
         conversationLineOpened();
         const LineOpening opening = serialLine.open(port, familyBaud(family));
+        if (opening.fault == LineFault::none) portState = LinkPort::opened;
+        if (portState == LinkPort::untried) portState = LinkPort::refused;
         if (opening.fault == LineFault::none && !conversationStopped()) {
-            converse(family, opening);
-            told = true;
+            converse(family, opening, wasOpen);
+            told = wasOpen = true;
         } else if (!told && !conversationStopped()) {
             tellClosed(opening, chosenByUser && !noneChosen(opening));
             told = true;
@@ -130,10 +137,12 @@ void startLinkThread() {
         }
     }
     conversationReset();
+    portState = LinkPort::untried;
     linkThread = std::thread(linkThreadBody, linkFamily(), settingsValue(setting::comPort), restart);
 }
 
 bool linkConversationRuns() { return transmitConversationRuns(); }
+LinkPort linkPort() { return portState; }
 bool linkThreadRuns() { return linkThread.joinable(); }
 
 }  // namespace numalink

@@ -12,6 +12,9 @@ void startLinkThread();
 void stopLinkThread();
 
 bool linkThreadRuns();
+
+enum class LinkPort { untried, refused, opened };
+LinkPort linkPort();          // opened: at least once since the start
 bool linkConversationRuns();  // whether a transfer is under way: a restart would cut it
 
 }  // namespace numalink

@@ -14,10 +14,18 @@ constexpr std::uint64_t longestCfxImage = 65535;
 constexpr std::uint64_t longestAlgebraImage = 65535 - 9;  // its head counts 9 more
 constexpr std::size_t algebraFill = 10;                   // zero bytes between the ':' and the tokens
 
+// For ALGEBRA a program goes as it is stored, since one that came from there never had a place for a checksum; unless
+// its head counts one.
+Bytes sentImage(const StoredItem &item, const ProgramInfo &info, Family family) {
+    const std::size_t stored = item.data.size();
+    return family == Family::algebra && stored >= 2 && stored >= info.imageLength ? item.data
+                                                                                  : imageWithChecksumPlace(item.data);
+}
+
 Refusal textRefusal(const StoredItem &item, Family family) {
     const auto info = decodeProgramInfo(item.head);
     if (!info || item.data.empty()) return Refusal::shorterThanHead;
-    const std::size_t length = imageWithChecksumPlace(item.data).size();
+    const std::size_t length = sentImage(item, *info, family).size();
     if (info->imageLength > length) return Refusal::shorterThanHead;
     return length > (family == Family::cfx ? longestCfxImage : longestAlgebraImage) ? Refusal::tooLong : Refusal::none;
 }
@@ -33,11 +41,7 @@ void sumFrames(std::span<std::uint8_t> data, std::size_t length) {
     for (std::size_t at = 0; at + length <= data.size(); at += length) frameChecksum(data.subspan(at, length));
 }
 
-ProgramInfo sentInfo(const StoredItem &item, std::size_t length) {
-    ProgramInfo info = decodeProgramInfo(item.head).value_or(ProgramInfo{});
-    info.imageLength = static_cast<std::uint32_t>(length);
-    return info;
-}
+ProgramInfo infoOf(const StoredItem &item) { return decodeProgramInfo(item.head).value_or(ProgramInfo{}); }
 
 }  // namespace
 
@@ -81,9 +85,11 @@ int slotOfPictureHead(ByteView head) {
 Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
     Outgoing outgoing{.head = item.head, .data = item.data};
     if (isTextKind(item.kind)) {
-        outgoing.data = imageWithChecksumPlace(item.data);
+        ProgramInfo info = infoOf(item);
+        outgoing.data = sentImage(item, info, Family::cfx);
         if (removeColour) outgoing.data = imageWithoutColour(outgoing.data);
-        outgoing.head = *buildHeadFrame(item.kind, Family::cfx, sentInfo(item, outgoing.data.size()));
+        info.imageLength = static_cast<std::uint32_t>(outgoing.data.size());
+        outgoing.head = *buildHeadFrame(item.kind, Family::cfx, info);
     }
     if (item.kind == kind::picture) {
         outgoing.head[frameDigitOffset] = static_cast<std::uint8_t>('0' + slot);
@@ -102,8 +108,10 @@ Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
 
 Outgoing outgoingToAlgebra(const StoredItem &item) {
     if (item.kind == kind::algebraBlock) return {.head = item.head, .data = item.data};
-    Bytes data = imageWithChecksumPlace(item.data);
-    Outgoing outgoing{.head = *buildHeadFrame(kind::program, Family::algebra, sentInfo(item, data.size())), .data = {}};
+    ProgramInfo info = infoOf(item);
+    Bytes data = sentImage(item, info, Family::algebra);
+    info.imageLength = static_cast<std::uint32_t>(data.size());
+    Outgoing outgoing{.head = *buildHeadFrame(kind::program, Family::algebra, info), .data = {}};
     data.back() = 0;
     data.insert(data.begin() + 1, algebraFill, 0);
     data.push_back(0);

@@ -76,7 +76,7 @@ std::string nameOfNow() {
 bool receivedNameTaken(const Received &received) {
     ItemId parent = standardFolderIfThere(received.kind);
     if (parent != noItem && hasGroupFolder(received)) parent = groupFolderIfThere(received.group, parent);
-    return parent != noItem && storeItemExists(received.name, parent);
+    return parent != noItem && sameItem(received, parent) != noItem;
 }
 
 bool storeReceived(const Received &received) {

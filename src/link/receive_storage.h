@@ -18,7 +18,7 @@ struct Received {
 
 std::string nameOfNow();  // "2026-11-24 17:27:08"
 
-// Whether an item of this name is where this one would go. Creates nothing.
+// Whether an item of this kind and name is where this one would go, so that this one would replace it. Creates nothing.
 bool receivedNameTaken(const Received &received);
 
 // Makes the folders that are missing and adds the item. What it replaced, or the other name that it took, is said in

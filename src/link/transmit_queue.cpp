@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <span>
 
 #include "calculator/charset.h"
 #include "link/attention.h"
@@ -33,6 +34,7 @@ std::vector<QueuedItem> entriesNow() {
 
 bool append(ItemId id) {
     const HoldLock hold(queueLock);
+    if (std::ranges::find(queue.entries, id, &QueuedItem::id) != queue.entries.end()) return true;
     if (queue.entries.size() >= transmitQueueLimit) return false;
     queue.entries.push_back({.id = id});
     return true;
@@ -130,6 +132,39 @@ bool beginTransmit() {
     attentionWish();
     userInterface.transmitQueueChanged();
     return true;
+}
+
+void queueAndTell(ItemId id) {
+    queueItem(id);
+    if (!attentionIsOut() && !conversationRuns) tellWaiting();
+}
+
+bool queueAndBegin(ItemId id) {
+    queueItem(id);
+    if (attentionIsOut() || beginTransmit()) return true;
+    if (!conversationRuns) tellWaiting();
+    return false;
+}
+
+std::string waitingText() {
+    constexpr std::size_t namesTold = 3;
+    const std::vector<ItemId> ids = transmitQueueIds();
+    if (ids.empty()) return {};
+    std::string names;
+    for (const ItemId id : std::span(ids).first(std::min(ids.size(), namesTold))) {
+        const auto entry = storeReadEntry(id);
+        if (!names.empty()) names += ", ";
+        names += entry ? utf8FromCalculator(entry->name) : "?";
+    }
+    if (ids.size() > namesTold) names += ", ...";
+    return wording(Text::queueWaits, {std::to_string(ids.size()), names});
+}
+
+void tellWaiting() {
+    const std::string text = waitingText();
+    if (text.empty()) return;
+    linkNoticeShown();
+    userInterface.statusText(StatusPart::link, Text::queueWaits, text);
 }
 
 bool transmitCanBegin() { return transmitQueueCount() > 0 && !attentionIsOut() && !conversationRuns; }

@@ -22,14 +22,24 @@ struct QueuedItem {
 
 bool transmitAvailable();  // whether the program can transmit at all
 
-// Appends the item, or all that a folder holds at any depth. False when it was refused (told by name, text 108) or
-// the queue is full (told). What a folder holds and can't go is told item by item, a few at most, and the rest is
-// queued.
+// Appends the item, or all that a folder holds at any depth. What waits already keeps its place. False when it was
+// refused (told by name, text 108) or the queue is full (told). What a folder holds and can't go is told item by item,
+// a few at most, and the rest is queued.
 bool queueItem(ItemId id);
 
 // Graphical thread. Asks for picture slots and the consent to backups, then marks the wish to transmit; the attention
 // byte goes out as soon as the link is idle. False when there is nothing to send or the user declined.
 bool beginTransmit();
+
+// Graphical thread: the commands "queue" and "transmit". Both end with a line that tells what waits, unless a
+// transmission is on its way. A folder of which only a part can go is queued and sent in part. False when nothing was
+// begun.
+void queueAndTell(ItemId id);
+bool queueAndBegin(ItemId id);
+
+// What waits, by number and first names, for the status bar; empty when nothing does.
+std::string waitingText();
+void tellWaiting();
 
 // Whether command 40006 makes sense: items wait, and none is being sent or announced.
 bool transmitCanBegin();

@@ -43,7 +43,8 @@ struct Line {
     std::atomic<bool> woken = false;
     std::atomic<bool> interrupted = false;
     std::atomic<unsigned> baud = 9600;
-    std::atomic<std::uint64_t> freeAt = 0;  // microseconds: when all that was written has left the line
+    std::atomic<std::uint64_t> freeAt =
+        0;  // microseconds: when all that was written has left the line, as far as known
 };
 
 Line &line() {
@@ -218,7 +219,11 @@ LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
         if (limits.quiet != 0 && (deadline == 0 || quietEnd < deadline)) deadline = quietEnd;
         const LineRead some = readSome(target.subspan(read.count), deadline);
         read.count += some.count;
-        if (some.count > 0) lastByte = now();
+        if (some.count > 0) {
+            // Who answers has heard us: a line that is faster than its speed has no output left to wait for.
+            lastByte = now();
+            own.freeAt = std::min(own.freeAt.load(), lastByte);
+        }
         if (some.end != ReadEnd::complete) return {read.count, some.end};
     }
     return read;

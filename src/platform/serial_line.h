@@ -29,7 +29,7 @@ struct LineOpening {
 };
 
 // Milliseconds; 0 stands for no such limit. quiet runs from the last byte, total from the moment when all that was
-// written ahead of the read has left a line of this speed.
+// written ahead of the read has left a line of this speed, or from the last byte that an earlier read brought.
 struct ReadLimits {
     std::uint64_t total = 0;
     std::uint64_t quiet = 0;

@@ -5,24 +5,28 @@
 //   # a comment
 //   type cfx                      or algebra
 //   removecolour                  the setting is on
-//   have 15 ABC                   an item of this kind; temp ahead of the kind puts it into the temporary folder
+//   have 15 ABC                   an item of this kind; temp ahead of the kind puts it into the temporary folder,
+//                                 beside 18 into the standard folder of that kind
 //   info 20 ABC PASS              its first payload, as a ProgramInfo; or
 //   head BYTES                    byte for byte
 //   data BYTES
 //   queue ABC   delete ABC        ahead of the conversation
+//   queuedfor cfx                 the type at that time
 //   begin                         the user starts the transmission; also later, while the line is read
+//   transmit ABC                  the user sends this item
 //   answer yes                    no, cancel, ok: to the next questions
 //   slot 3                        to the questions for a picture's slot
 //   > BYTES                       we send
 //   < BYTES                       the calculator sends; << when it is to be dropped
-//   ~                             it stays silent: a read gives up
+//   ~ 510                         it stays silent: a read gives up, after so many milliseconds if told
 //   tick                          a second passes, and the timer tests the deadline
 //   cut                           the line is gone
-//   break                         from here on the disk takes nothing
+//   break 3 9                     the disk takes so many writes from here on, and refuses as many; all, if not told
 //   ! status 1                    is shown, also: box 43 2, ask, slot, tree
 //   = 15 Programs/ABC             is in the library at the end, followed by its info or head, and data
 //   gone ABC                      an item of "have" that isn't there any more
 //   left 1                        entries in the queue at the end (0 unless told)
+//   bar 16 of 32                  the farthest that the progress bar came
 //
 // BYTES are those of support/byte_text.h.
 #include <gtest/gtest.h>
@@ -31,6 +35,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <map>
 
 #include "calculator/charset.h"
@@ -54,12 +59,13 @@ enum class PlayMode {
 struct ScriptItem {
     std::string path;  // or name
     ItemKind kind = 0;
+    ItemKind folderKind = 0;  // of the standard folder
     bool inTemp = false;
     Bytes head;
     Bytes data;
 };
 
-enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, breakDisk };
+enum class EventSort { sent, received, dropped, silence, shown, tick, cut, begin, transmit, breakDisk };
 
 struct Event {
     EventSort sort;
@@ -76,14 +82,19 @@ struct Player {
     std::vector<ScriptItem> have, expected;
     std::vector<std::string> queue, deleted, gone;
     std::deque<std::string> answers;
-    std::string slot = "0", left = "0";
+    int writesTaken = 0, writesRefused = 0;
+    std::string slot = "0", left = "0", bar, queuedFor;
+    int barRange = 0, barFarthest = 0;
     std::vector<Event> events;
 
     PlayMode mode = PlayMode::whole;
     std::size_t next = 0;              // event
     std::deque<std::uint8_t> pending;  // of a "<" event that has begun
     Bytes sent;                        // of a ">" event that has begun
-    std::uint64_t clock = 1000000;     // microseconds
+    std::uint64_t sentAt = 0;          // the last byte, on the clock
+    int sleeps = 0;
+    std::size_t dropped = 0;        // of a "<<" event that has begun
+    std::uint64_t clock = 1000000;  // microseconds
     PseudoTerminal *terminal = nullptr;
     std::string fault;
 };
@@ -101,16 +112,21 @@ bool fail(const std::string &what) {
 ScriptItem parseItem(const std::string &text) {
     ScriptItem item;
     item.inTemp = text.starts_with("temp ");
-    std::istringstream words(text.substr(item.inTemp ? 5 : 0));
+    const bool isBeside = text.starts_with("beside ");
+    std::istringstream words(text.substr(item.inTemp ? 5 : isBeside ? 7 : 0));
+    ItemKind beside = 0;
+    if (isBeside) words >> beside;
     words >> item.kind;
+    item.folderKind = standardFolderOfKind(isBeside ? beside : item.kind);
     std::getline(words >> std::ws, item.path);
     return item;
 }
 
 constexpr std::pair<const char *, EventSort> eventWords[] = {
-    {">", EventSort::sent},    {"<", EventSort::received},      {"<<", EventSort::dropped},
-    {"~", EventSort::silence}, {"!", EventSort::shown},         {"tick", EventSort::tick},
-    {"cut", EventSort::cut},   {"break", EventSort::breakDisk}, {"begin", EventSort::begin}};
+    {">", EventSort::sent},           {"<", EventSort::received},      {"<<", EventSort::dropped},
+    {"~", EventSort::silence},        {"!", EventSort::shown},         {"tick", EventSort::tick},
+    {"cut", EventSort::cut},          {"break", EventSort::breakDisk}, {"begin", EventSort::begin},
+    {"transmit", EventSort::transmit}};
 
 // Takes in one line; current is the item that info, head and data belong to.
 void takeLine(const std::string &word, const std::string &rest, int number, ScriptItem *&current) {
@@ -131,8 +147,10 @@ void takeLine(const std::string &word, const std::string &rest, int number, Scri
         player.removeColour = true;
     } else if (word == "answer") {
         player.answers.push_back(rest);
-    } else if (word == "slot" || word == "left") {
-        (word == "slot" ? player.slot : player.left) = rest;
+    } else if (word == "queuedfor") {
+        player.queuedFor = rest;
+    } else if (word == "slot" || word == "left" || word == "bar") {
+        (word == "slot" ? player.slot : word == "left" ? player.left : player.bar) = rest;
     } else if (word == "queue" || word == "delete" || word == "gone") {
         (word == "queue" ? player.queue : word == "delete" ? player.deleted : player.gone).push_back(rest);
     } else {
@@ -161,12 +179,20 @@ void show(const std::string &text) {
     player.next++;
 }
 
+// Frames for ALGEBRA, and a closing frame, go a byte at a time, and each waits for its millisecond.
+bool isPaced(const Event &event, ByteView bytes) {
+    const bool isSlow = event.bytes.size() > 1 && (player.algebra || event.text.starts_with("\":END"));
+    return !isSlow || (bytes.size() == 1 && player.clock - player.sentAt >= 1000);
+}
+
 bool writePlayed(ByteView bytes) {
     if (!systemSerialLine.write(bytes)) return fail("the line takes nothing");
     const Bytes came = player.terminal->take(bytes.size(), 2000);
     player.sent.insert(player.sent.end(), came.begin(), came.end());
     const Event *event = nextEvent();
     if (event == nullptr || event->sort != EventSort::sent) return fail("sent: " + hexOf(came));
+    if (!isPaced(*event, bytes)) return fail("sent too fast");
+    player.sentAt = player.clock;
     const bool fits = player.sent.size() <= event->bytes.size() &&
                       std::equal(player.sent.begin(), player.sent.end(), event->bytes.begin());
     if (!fits) return fail("sent: " + hexOf(player.sent));
@@ -193,7 +219,10 @@ std::size_t feed(std::span<std::uint8_t> target) {
 LineRead readDropped(std::span<std::uint8_t> target) {
     const Event *event = nextEvent();
     if (event != nullptr && event->sort == EventSort::dropped) {
-        const std::size_t count = std::min(event->bytes.size(), target.size());
+        const std::size_t count = std::min(event->bytes.size() - player.dropped, target.size());
+        player.dropped += count;
+        if (player.dropped < event->bytes.size()) return {count, ReadEnd::complete};
+        player.dropped = 0;
         player.next++;
         return {count, ReadEnd::complete};
     }
@@ -201,8 +230,25 @@ LineRead readDropped(std::span<std::uint8_t> target) {
     return {0, ReadEnd::timeOut};
 }
 
+ItemId itemNamed(const std::string &name) {
+    for (const ItemEntry &entry : storeListItems())
+        if (!isFolderKind(entry.kind) && entry.name == name) return entry.id;
+    return noItem;
+}
+
+void breakDisk(const std::string &which) {
+    player.writesTaken = 0;
+    player.writesRefused = std::numeric_limits<int>::max();
+    std::istringstream(which) >> player.writesTaken >> player.writesRefused;
+    filePort.writeAt = [](int file, std::uint64_t at, const void *bytes, std::size_t count) {
+        if (player.writesTaken-- > 0) return systemFilePort.writeAt(file, at, bytes, count);
+        player.writesTaken = 0;
+        return player.writesRefused-- > 0 ? std::size_t{0} : systemFilePort.writeAt(file, at, bytes, count);
+    };
+}
+
 // Takes up events that need no bytes. Nothing when bytes are pending; else how the read ends.
-std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
+std::optional<ReadEnd> passEvents(std::uint64_t limitEnd, std::uint64_t limit) {
     while (player.pending.empty()) {
         const Event *event = nextEvent();
         if (event == nullptr) {
@@ -215,6 +261,8 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
                 player.pending.assign(event->bytes.begin(), event->bytes.end());
                 break;
             case EventSort::silence:
+                if (!event->text.empty() && event->text != std::to_string(limit))
+                    fail("waits for " + std::to_string(limit));
                 player.clock = limitEnd;
                 return ReadEnd::timeOut;
             case EventSort::tick:
@@ -224,8 +272,11 @@ std::optional<ReadEnd> passEvents(std::uint64_t limitEnd) {
             case EventSort::begin:
                 beginTransmit();
                 return ReadEnd::woken;
+            case EventSort::transmit:
+                queueAndBegin(itemNamed(event->text));
+                return ReadEnd::woken;
             case EventSort::breakDisk:
-                filePort.writeAt = [](int, std::uint64_t, const void *, std::size_t) { return std::size_t{0}; };
+                breakDisk(event->text);
                 break;
             case EventSort::cut:
                 return ReadEnd::gone;
@@ -245,7 +296,7 @@ LineRead readPlayed(std::span<std::uint8_t> target, ReadLimits limits) {
     const std::uint64_t limit = limits.quiet == 0 ? limits.total : std::min(limits.total, limits.quiet);
     std::size_t count = 0;
     while (count < target.size()) {
-        if (const auto end = passEvents(start + limit * 1000)) return {count, *end};
+        if (const auto end = passEvents(start + limit * 1000, limit)) return {count, *end};
         if (count == 0 && player.mode == PlayMode::late) player.clock = start + (limit - 2) * 1000;
         count += feed(target.subspan(count));
     }
@@ -283,6 +334,8 @@ void installUi() {
         return std::stoi(player.slot);
     };
     userInterface.refreshTree = [] { show("tree"); };
+    userInterface.progressRange = [](int range) { player.barRange = std::max(player.barRange, range); };
+    userInterface.progressPosition = [](int at) { player.barFarthest = std::max(player.barFarthest, at); };
 }
 
 void installClock() {
@@ -290,26 +343,25 @@ void installClock() {
     serialLine.read = readPlayed;
     serialLine.write = writePlayed;
     serialLine.microseconds = [] { return player.clock; };
-    serialLine.sleepUntil = [](std::uint64_t end) { player.clock = std::max(player.clock, end); };
+    serialLine.sleepUntil = [](std::uint64_t end) {  // at times too long, as systems do
+        player.clock = std::max(player.clock, end) + (++player.sleeps % 5 == 0 ? 4000 : 0);
+    };
     serialLine.wake = [] {};
     clockPort.tickCount = [] { return player.clock / 1000; };
     clockPort.localDate = [] { return std::string("2026-11-24"); };
     clockPort.localTime = [] { return std::string("12:00:00"); };
 }
 
-ItemId itemNamed(const std::string &name) {
-    for (const ItemEntry &entry : storeListItems())
-        if (!isFolderKind(entry.kind) && entry.name == name) return entry.id;
-    return noItem;
-}
-
 void setUpLibrary() {
     for (const ScriptItem &item : player.have) {
-        const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(standardFolderOfKind(item.kind));
+        const ItemId parent = item.inTemp ? storeTempFolder() : storeStandardFolder(item.folderKind);
         storeAddItem({.name = item.path, .parent = parent, .kind = item.kind, .head = item.head, .data = item.data});
     }
+    const std::string type = settingsValue(setting::linkType);
+    if (!player.queuedFor.empty()) settingsSetValue(setting::linkType, player.queuedFor);
     for (const std::string &name : player.queue)
         if (!queueItem(itemNamed(name)) && player.next == 0) fail("refused without a box: " + name);
+    settingsSetValue(setting::linkType, type);
     for (const std::string &name : player.deleted) storeDelete(itemNamed(name));
 }
 
@@ -345,9 +397,13 @@ void compareLibrary(Library wanted) {
     Library found = libraryNow();
     for (const auto &[path, content] : wanted)
         if (found[path] != content) fail(path + " is of kind " + found[path] + ", not " + content);
+    for (const ItemEntry &entry : storeListItems())
+        if (entry.kind == kind::folder && storeListChildren(entry.id).empty()) fail("an empty folder: " + entry.name);
     for (const auto &[path, content] : found)
         if (!wanted.contains(path)) fail("in the library: " + path);
     if (std::to_string(transmitQueueCount()) != player.left) fail("left in the queue");
+    const std::string bar = std::to_string(player.barFarthest) + " of " + std::to_string(player.barRange);
+    if (!player.bar.empty() && player.bar != bar) fail("the bar came to " + bar);
 }
 
 // Empty when everything went, was shown and was stored as recorded; else what differs first.

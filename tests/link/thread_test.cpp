@@ -21,10 +21,12 @@ namespace {
 
 constexpr std::uint64_t patience = 60000;  // milliseconds that a loaded machine may take
 
-std::array<std::atomic<int>, 1000> timesShown;  // of status lines and boxes, by their numbers
+std::array<std::atomic<int>, 20000> timesShown;  // of status lines and boxes, by their texts
+std::atomic<int> timesWaitingTold;               // in status lines of any text
 
-void noteShown(int number) { timesShown.at(static_cast<std::size_t>(number))++; }
-bool wasShown(std::size_t number) { return timesShown[number] > 0; }
+void noteShown(Text text) { timesShown.at(static_cast<std::size_t>(text))++; }
+int timesOf(Text text) { return timesShown.at(static_cast<std::size_t>(text)); }
+bool wasShown(Text text) { return timesOf(text) > 0; }
 
 template <typename Condition>
 bool waitFor(Condition condition) {
@@ -43,10 +45,14 @@ struct LinkThreads : testing::Test {
         threadRole = ThreadRole::graphical;
         languageLoad("English", "English");
         for (auto &times : timesShown) times = 0;
+        timesWaitingTold = 0;
         userInterface = userInterfaceSilent;
-        userInterface.statusText = [](StatusPart, Text text, const std::string &) { noteShown(textNumber(text)); };
+        userInterface.statusText = [](StatusPart, Text text, const std::string &worded) {
+            noteShown(text);
+            if (worded.find("Waiting to be sent: 1 (A)") != std::string::npos) timesWaitingTold++;
+        };
         userInterface.messageBox = [](const Box &box) {
-            noteShown(textNumber(box.bodyText));
+            noteShown(box.bodyText);
             return Answer::ok;
         };
         userInterface.askItemExists = [](const std::string &) { return Answer::yes; };
@@ -69,7 +75,7 @@ struct LinkThreads : testing::Test {
     }
     void startAndWait() {
         startLinkThread();
-        ASSERT_TRUE(waitFor([this] { return wasShown(other.algebra ? 102 : 1); }));
+        ASSERT_TRUE(waitFor([this] { return wasShown(other.algebra ? Text::algebraLinkIdle : Text::cfxLinkIdle); }));
     }
 
     ScratchFolder folder;
@@ -126,13 +132,15 @@ TEST_P(BesideTheUser, itemsComeAndGo) {
 
     other.state = calculator::State::rest;
     other.closed = false;
+    int taken = 0;
+    moving.taken = [&](const calculator::Item &) { taken++; };
     std::thread receiving([this] { moveCalculator(other, terminal.master, moving); });
     for (int i = 0; i < 6; i++) EXPECT_TRUE(queueItem(storeFindItem("P" + std::to_string(i), programs)));
     EXPECT_TRUE(beginTransmit());
     for (int step = 40; step < 80; step++) alterLibrary(step, folder.path + "own.cas");
     EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
     receiving.join();
-    EXPECT_EQ(other.received.size(), 6u);
+    EXPECT_EQ(taken, 6);
     EXPECT_TRUE(other.closed);
 }
 
@@ -187,41 +195,55 @@ TEST_F(LinkThreads, stopWhileTheUserIsBeingAsked) {
     EXPECT_TRUE(waitFor([] { return closedBoxes == 1; }));
 }
 
-TEST_F(LinkThreads, takeUpAPortThatComesBack) {
+void goAsFarAsModels(const PseudoTerminal &terminal) {
+    EXPECT_EQ(terminal.take(1, 5000), (Bytes{0x16}));
+    terminal.put({0x13});
+    EXPECT_EQ(terminal.take(40, 5000).size(), 40u);
+}
+
+TEST_F(LinkThreads, sendAgainWhatACutHasLeftOnceThePortIsBack) {
     const std::string name = folder.path + "port";
     ASSERT_EQ(symlink(terminal.path.c_str(), name.c_str()), 0);
     usePort(name);
+    chooseFamily(true);
     startAndWait();
+    const ItemId program = addProgram("A");
+    EXPECT_TRUE(queueAndBegin(program));
+    goAsFarAsModels(terminal);
     terminal.unplug();
-    ASSERT_TRUE(waitFor([] { return wasShown(172); }));
+    ASSERT_TRUE(waitFor([] { return wasShown(Text::portLost); }));
+    EXPECT_TRUE(wasShown(Text::portLostInTransfer));
+    EXPECT_EQ(timesWaitingTold, 1);
     PseudoTerminal again;
     unlink(name.c_str());
     ASSERT_EQ(symlink(again.path.c_str(), name.c_str()), 0);
-    other.toSend.push_back(numberedItem(false, 1));
-    ASSERT_TRUE(waitFor([&] {
-        again.put({0x16});
-        return !again.take(1, 100).empty();
-    }));
-    EXPECT_FALSE(wasShown(44));
+    ASSERT_TRUE(waitFor([] { return timesWaitingTold == 2; }));
+    EXPECT_TRUE(queueAndBegin(program));
+    goAsFarAsModels(again);
+    EXPECT_FALSE(wasShown(Text::portNotOpened));
+    startLinkThread();
+    EXPECT_TRUE(wasShown(Text::transferStopped));
+    EXPECT_EQ(transmitQueueIds(), std::vector<ItemId>{program});
 }
 
 TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndEndTheWaitForAnAnswer) {
     usePort(folder.path + "absent");
     startLinkThread();
     EXPECT_TRUE(queueItem(addProgram("A")));
-    EXPECT_FALSE(wasShown(44)) << "nobody has asked for the port yet";
+    EXPECT_FALSE(wasShown(Text::portNotOpened)) << "nobody has asked for the port yet";
     EXPECT_TRUE(beginTransmit());
     EXPECT_FALSE(transmitCanBegin());
-    EXPECT_TRUE(waitFor([] { return wasShown(44); }));
+    EXPECT_TRUE(waitFor([] { return wasShown(Text::portNotOpened); }));
     EXPECT_TRUE(waitFor([] {
         transmitDeadlineTest();
-        return wasShown(24);
+        return wasShown(Text::noAnswer);
     }));
     EXPECT_EQ(transmitQueueCount(), 0u);
     EXPECT_EQ(transmitDroppedCount(), 1u);
     EXPECT_EQ(transmitQueueAgain(), 1u);
     EXPECT_TRUE(transmitCanBegin());
-    EXPECT_EQ(timesShown[44], 1);
+    EXPECT_EQ(timesOf(Text::portNotOpened), 1);
+    EXPECT_EQ(timesOf(Text::portMissing), 1);
 }
 
 }  // namespace

@@ -61,6 +61,23 @@ TEST_F(SerialLines, giveUpAtTheirTotalAndAfterQuiet) {
     EXPECT_EQ(some.count, 2u);
     EXPECT_EQ(some.end, ReadEnd::timeOut);
     EXPECT_LT(milliseconds() - second, 30000u);
+    EXPECT_TRUE(systemSerialLine.write(Bytes(96)));
+    const std::uint64_t third = milliseconds();
+    EXPECT_EQ(read(1, {.total = 20}).end, ReadEnd::timeOut);
+    EXPECT_GE(milliseconds() - third, 120u) << "96 bytes take 110 ms to leave";
+}
+
+// A line that is faster than its speed: once the other side has answered, nothing is waited for that has long gone.
+TEST_F(SerialLines, areFreeOnceTheOtherSideAnswers) {
+    for (int i = 0; i < 40; i++) {
+        EXPECT_TRUE(systemSerialLine.write(Bytes(250)));
+        terminal.take(250, 5000);
+    }
+    terminal.put({0x2B});
+    EXPECT_EQ(read(1, {.total = 5000}).count, 1u);
+    const std::uint64_t start = milliseconds();
+    EXPECT_EQ(read(256, {.quiet = 50}).end, ReadEnd::timeOut);
+    EXPECT_LT(milliseconds() - start, 5000u);  // of 11 seconds that the line would have taken
 }
 
 TEST_F(SerialLines, wakeEndsOneReadAndInterruptAll) {

@@ -30,6 +30,7 @@ struct Mover {
     std::uint64_t speakAt = 0;   // when the next byte may be put on the line
     std::uint64_t heardAt = 0;   // when the last byte had come over the line
     std::uint64_t lastSign = 0;  // of life from the other side
+    std::size_t told = 0;        // of the calculator's received items
     Bytes out;
     Bytes in;
 };
@@ -87,6 +88,13 @@ bool speakDue(Mover &mover) {
     return true;
 }
 
+void tellTaken(Mover &mover) {
+    const std::vector<Item> &received = mover.calculator.received;
+    if (!mover.out.empty() || !mover.calculator.said.empty()) return;
+    for (; mover.told < received.size(); mover.told++)
+        if (mover.moving.taken) mover.moving.taken(received[mover.told]);
+}
+
 std::uint64_t nextDue(const Mover &mover) {
     std::uint64_t due = now() + 50000;
     if (!mover.out.empty()) due = std::min(due, mover.speakAt + mover.moving.byteMicroseconds);
@@ -109,11 +117,12 @@ Bytes spoil(Faults &faults, std::uint8_t byte) {
 }
 
 bool moveCalculator(Calculator &calculator, int descriptor, Moving &moving) {
-    Mover mover{calculator, moving, descriptor, 0, 0, now(), {}, {}};
+    Mover mover{calculator, moving, descriptor, 0, 0, now(), calculator.received.size(), {}, {}};
     for (;;) {
         if (stopped(mover)) return false;
         takeWords(mover);
         if (!speakDue(mover)) return false;
+        tellTaken(mover);
         hearDue(mover);
         takeWords(mover);
         if (calculator.state == State::over && mover.out.empty()) return true;

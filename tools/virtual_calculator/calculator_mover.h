@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <random>
 
 #include "virtual_calculator/calculator.h"
@@ -24,7 +25,8 @@ struct Moving {
     std::uint64_t answerMilliseconds = 0;  // ahead of each time that it speaks
     std::uint64_t patience = 5000;         // milliseconds of silence until it gives up
     Faults faults{};
-    std::atomic<bool> *stop = nullptr;  // ends it at once
+    std::atomic<bool> *stop = nullptr;          // ends it at once
+    std::function<void(const Item &)> taken{};  // once the item's last acknowledgement is on the line
 };
 
 // 11 bit times a byte.

@@ -54,20 +54,20 @@ std::string fileNameOf(const calculator::Item &item, std::size_t number) {
     return std::to_string(number) + "-" + name + ".cas";
 }
 
-// The items that have come since; gives how many there are by now.
-std::size_t writeReceived(const Options &options, const calculator::Calculator &own, std::size_t written) {
-    for (; written < own.received.size(); written++) {
-        const calculator::Item &item = own.received[written];
-        const std::string name = fileNameOf(item, written + 1);
-        std::printf("received %s: %zu bytes\n", name.c_str(), item.data.size());
-        if (options.folder.empty()) continue;
-        std::filesystem::create_directories(options.folder);
-        std::ofstream file(options.folder + "/" + name, std::ios::binary);
-        file.write(reinterpret_cast<const char *>(item.head.data()), static_cast<std::streamsize>(item.head.size()));
-        file.write(reinterpret_cast<const char *>(item.data.data()), static_cast<std::streamsize>(item.data.size()));
-    }
+// False when a file could not be written.
+bool writeReceived(const std::string &folder, const calculator::Item &item, std::size_t number) {
+    const std::string name = fileNameOf(item, number);
+    std::printf("received %s: %zu bytes\n", name.c_str(), item.data.size());
     std::fflush(stdout);
-    return written;
+    if (folder.empty()) return true;
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    std::ofstream file(folder + "/" + name, std::ios::binary);
+    file.write(reinterpret_cast<const char *>(item.head.data()), static_cast<std::streamsize>(item.head.size()));
+    file.write(reinterpret_cast<const char *>(item.data.data()), static_cast<std::streamsize>(item.data.size()));
+    file.close();
+    if (!file) std::fprintf(stderr, "numalink-calculator: %s/%s can't be written\n", folder.c_str(), name.c_str());
+    return !file.fail();
 }
 
 calculator::Calculator calculatorOf(const Options &options) {
@@ -114,7 +114,11 @@ int run(Options options) {
     });
     calculator::Calculator own = calculatorOf(options);
     const bool sends = !own.toSend.empty();
-    std::size_t written = 0;
+    std::size_t taken = 0;
+    bool allWritten = true;
+    options.moving.taken = [&](const calculator::Item &item) {
+        if (!writeReceived(options.folder, item, ++taken)) allWritten = false;
+    };
     bool begun = false;
     while (!stop) {
         if (!somebodyIsThere(master)) {
@@ -128,7 +132,6 @@ int run(Options options) {
             begun = true;
         }
         const bool ended = moveCalculator(own, master, options.moving);
-        written = writeReceived(options, own, written);
         if (ended) {
             std::printf("%s, failures: %d\n", own.closed ? "closed" : "ended", own.failures);
             std::fflush(stdout);
@@ -139,7 +142,7 @@ int run(Options options) {
     }
     stop = true;
     timer.join();
-    return own.failures == 0 ? 0 : 1;
+    return own.failures == 0 && allWritten ? 0 : 1;
 }
 
 }  // namespace

@@ -118,14 +118,12 @@ void stopLink() {
 }
 
 int transmitSelected() {
-    const bool wasEmpty = transmitQueueCount() == 0;
-    queueItem(selectedItemId());  // of a full or mixed folder something waits all the same
-    if (wasEmpty) beginTransmit();
+    queueAndBegin(selectedItemId());
     return 1;
 }
 
 int queueSelected() {
-    queueItem(selectedItemId());
+    queueAndTell(selectedItemId());
     return 1;
 }
 
