@@ -15,7 +15,8 @@
 namespace numalink {
 
 enum class BoxIcon { none, information, warning, error };
-enum class BoxButtons { ok, okCancel };
+// okGoTo: beside OK a way to the place that the box speaks of, which the front end takes by itself.
+enum class BoxButtons { ok, okCancel, okGoTo };
 enum class Answer { cancel, ok, yes, no };
 
 // A message box. Text::none stands for a wording that is fixed in the program.

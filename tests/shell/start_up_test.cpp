@@ -29,6 +29,30 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isShown(); }, 10000)) << "it goes by itself";
 }
 
+// No port was chosen yet, no colours, no language.
+TEST_F(StartUp, AFirstUseHasColoursAndLeadsToTheSettings) {
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
+    EXPECT_NE(settingsColour(setting::colorText), 0u);
+    const QString link = QStringLiteral("<a href=\"settings\">") + textOf(Text::portNone);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
+    EXPECT_FALSE(progressBar->isVisible());
+    answer(wording(Text::ok));
+    emit linkField->linkActivated(QStringLiteral("settings"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
+        << "the language stays: no word about a new one";
+    endProgram();
+
+    settingsSetValue(setting::language, "Deutsch");
+    settingsSetInt(setting::syntaxHighlighting, 0);
+    ASSERT_TRUE(settingsSave());
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0) << "what the user has set stays";
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Create New Folder"),
+              QStringLiteral("Neuen Ordner erstellen"));
+}
+
 TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
     const EmptyProgramFolder empty;
     tokenTableSet({});

@@ -335,6 +335,27 @@ void putCaretAt(int position) {
     programEdit->ensureCursorVisible();
 }
 
+void selectStatement(int line, int statement) {
+    const QTextBlock block = document()->findBlockByNumber(line - 1);
+    if (!block.isValid()) return;
+    ViewLine text;
+    std::size_t from = 0;
+    std::size_t to = static_cast<std::size_t>(block.length() - 1);
+    bool inString = false;
+    for (const ViewToken &token : readBlock(block, text).tokens) {
+        const std::uint8_t code = token.length == 1 ? token.bytes[0] : 0;
+        if (code == '"') inString = !inString;
+        if (code != ':' || inString) continue;
+        if (statement-- == 0) {
+            to = token.from;
+            break;
+        }
+        from = token.from + token.size;
+    }
+    putCaret({block.position() + static_cast<int>(to), block.position() + static_cast<int>(from)});
+    programEdit->ensureCursorVisible();
+}
+
 void undoInProgram() {
     const int steps = document()->availableUndoSteps();
     travelling = true;

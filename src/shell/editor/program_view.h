@@ -38,6 +38,10 @@ void recolorProgram();
 
 void putCaretAt(int position);  // or at the end of a shorter text, without a selection, in sight
 
+// Selects a statement of a line, in sight: lines from 1, statements from 0, as colons outside of quotes part them. What
+// isn't there leaves the caret.
+void selectStatement(int line, int statement);
+
 void undoInProgram();
 void redoInProgram();
 

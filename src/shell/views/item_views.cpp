@@ -141,11 +141,14 @@ std::optional<Text> faultText(PictureFault fault) {
     return std::nullopt;
 }
 
+// Tells that there is a password, and neither its letters nor how many they are.
+constexpr char passwordMask[] = "••••";
+
 void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, Text::sizeWithPassword, {size, utf8FromCalculator(info->password)});
+        statusLine(StatusPart::item, Text::sizeWithPassword, {size, passwordMask});
         return;
     }
     std::string line = wording(Text::size, {size});
