@@ -257,9 +257,9 @@ void forgetProgramView() {
 void openProgram(ItemId id, ByteView image) {
     if (!showKept(id, image)) return programToView(image);
     filling = true;
-    readColours();
+    readColors();
     programEdit->setReadOnly(tokenCount() == 0);
-    colourDocument();
+    colorDocument();
     filling = false;
     programEdit->ensureCursorVisible();
     lastCaret = caretNow();
