@@ -48,7 +48,8 @@ int runImport(const ImportOptions &options) {
         if (options.files.size() > 1) terminalSubject(file);
         importFile(file, importBaseName(file));
     }
-    return cameSince(first) ? exitDone : exitFailed;
+    const bool allMaySkip = existingOptions.at(options.existing) == ImportTaken::skip && terminalBoxCount() == 0;
+    return allMaySkip || cameSince(first) ? exitDone : exitFailed;
 }
 
 }  // namespace

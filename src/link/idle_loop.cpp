@@ -74,7 +74,7 @@ bool linkIdleLoop(Family family, bool isBack) {
     while (!conversationOver()) {
         if (idleIsDue) userInterface.progressRange(0);
         const bool showsResult = idleIsDue && linkResultTake();
-        if ((idleIsDue && !showsResult) || linkNoticeState() == NoticeState::over) showIdle(family);
+        if (idleIsDue ? !showsResult : linkNoticeState() == NoticeState::over) showIdle(family);
         if (idleIsDue && !linkNoticeRepeat() && tellsWaiting) tellWaiting();
         idleIsDue = false;
         sendAttention();

@@ -81,11 +81,12 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
 TEST_F(Import, WhatCouldNotBeMovedStaysWhereItWaits) {
     static int failures = 1;
     storeStandardFolder(1001);
-    importText("a.cat", catProgram("ONE"));
+    uiRecord.importAction = ImportAction::standardFolders;
     filePort.writeAt = [](int file, std::uint64_t offset, const void *bytes, std::size_t count) {
-        return failures-- > 0 ? 0 : systemFilePort.writeAt(file, offset, bytes, count);
+        const bool isMove = !uiRecord.lastQuestion.itemNames.empty();  // it was asked where to
+        return isMove && failures-- > 0 ? 0 : systemFilePort.writeAt(file, offset, bytes, count);
     };
-    finishImport("", ImportAction::standardFolders);
+    importText("a.cat", catProgram("ONE"));
     filePort = systemFilePort;
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));

@@ -8,6 +8,7 @@
 #include "shell/app/single_copy.h"
 #include "shell/app/tray.h"
 #include "shell/shell_fixture.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 

@@ -66,7 +66,7 @@ bool colorFirstUse() {
     if (!isFirstUse) return true;
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
-        settingsSetColour(programColorKeys[i], settingColour(QColor::fromRgb(scheme[i])));
+        settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
     settingsSetInt(setting::syntaxHighlighting, 1);
     return settingsSave() || failWith(Text::settingsNotSaved);
 }

@@ -17,6 +17,7 @@
 
 #include "shell/editor/program_document.h"
 #include "shell/parts/color_contrast.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
@@ -160,8 +161,8 @@ void makePreview() {
 void offerSchemeForBlack() {
     const auto isBlack = [](const QColor &color) { return color == Qt::black; };
     if (preview == nullptr || !std::ranges::all_of(colors, isBlack)) return;
-    QMessageBox question(QMessageBox::Question, textOf(Text::settingsTitle), textOf(Text::colorsAllBlack),
-                         QMessageBox::NoButton, preview->window());
+    QMessageBox question(QMessageBox::Question, boxTitle(false), textOf(Text::colorsAllBlack), QMessageBox::NoButton,
+                         preview->window());
     question.setTextFormat(Qt::PlainText);
     QPushButton *light = addChoice(question, Text::schemeLight, "offerLight");
     QPushButton *dark = addChoice(question, Text::schemeDark, "offerDark");

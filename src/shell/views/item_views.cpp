@@ -76,7 +76,7 @@ std::string pickedInfo() {
 void describeDrawn() {
     const std::optional<ItemEntry> item = storeReadEntry(viewItemId);
     if (!item) return;
-    const std::string value = isMatrix(item->kind) ? pickedValue() : std::string();
+    const std::string value = isValuesKind(item->kind) ? pickedValue() : std::string();
     const QString cell =
         value.empty() ? QString()
                       : textOf(Text::pickedCell, {std::to_string(picked.row), std::to_string(picked.column), value});
