@@ -1,3 +1,4 @@
+// Files dropped on the window, the questions that come of them, and where their items go.
 #include "shell/shell_fixture.h"
 #include "support/cat_records.h"
 

@@ -1,3 +1,4 @@
+// The start, with whatever is missing or held, and each way to the end.
 #include <QProcess>
 #include <csignal>
 #include <filesystem>
@@ -7,6 +8,7 @@
 #include "shell/app/single_copy.h"
 #include "shell/app/tray.h"
 #include "shell/shell_fixture.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 
@@ -26,6 +28,30 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
     const auto isShown = [] { return mainWindow->findChild<QWidget *>(QStringLiteral("aboutBox")) != nullptr; };
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isShown(); }, 10000)) << "it goes by itself";
+}
+
+// No port was chosen yet, no colours, no language.
+TEST_F(StartUp, AFirstUseHasColoursAndLeadsToTheSettings) {
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
+    EXPECT_NE(settingsColour(setting::colorText), 0u);
+    const QString link = QStringLiteral("<a href=\"settings\">") + textOf(Text::portNone);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
+    EXPECT_FALSE(progressBar->isVisible());
+    answer(wording(Text::ok));
+    emit linkField->linkActivated(QStringLiteral("settings"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
+        << "the language stays: no word about a new one";
+    endProgram();
+
+    settingsSetValue(setting::language, "Deutsch");
+    settingsSetInt(setting::syntaxHighlighting, 0);
+    ASSERT_TRUE(settingsSave());
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0) << "what the user has set stays";
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Create New Folder"),
+              QStringLiteral("Neuen Ordner erstellen"));
 }
 
 TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
@@ -51,6 +77,41 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     EXPECT_EQ(shown[1], wording(Text::noLibraryAtStart));
     EXPECT_EQ(mainWindow, nullptr);
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
+}
+
+// One that is lost and one that is damaged, with copies beside.
+TEST_F(StartUp, AsksBeforeItBeginsALibraryAnewOfWhichThereAreCopies) {
+    ASSERT_TRUE(startProgram());
+    addProgram("ABC", "A");
+    endProgram();
+    const std::string whole = folder.read("storage.dat"), copy = "backups/storage-2026-01-02.dat";
+    const std::string take = wording(Text::storeTakeCopy, {"2026-01-02"});
+    struct Row {
+        std::string library, answer;
+        bool starts, holds;
+    };
+    const Row rows[] = {
+        {"", "Esc", false, false},
+        {"", take, true, true},
+        {std::string(9000, 'x'), take, true, true},
+        {"", wording(Text::storeBeginEmpty), true, false},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.answer);
+        for (const auto &entry : std::filesystem::directory_iterator(folder.path + "backups"))
+            std::filesystem::remove(entry.path());
+        folder.write(copy, whole);
+        folder.write("backups/storage-2026-01-03.dat", whole.substr(0, 8000));
+        folder.write("storage.dat", row.library);
+        answers.clear();
+        if (!row.library.empty()) answer("Return");  // the box that tells what is wrong
+        answer(row.answer);
+        ASSERT_EQ(startProgram(), row.starts);
+        EXPECT_EQ(storeItemExists("ABC", rootId), row.holds);
+        if (row.starts) endProgram();
+        EXPECT_TRUE(row.starts || folder.read("storage.dat") == row.library);
+    }
+    EXPECT_EQ(folder.read("storage.dat.damaged-1"), rows[2].library);
 }
 
 using FolderContent = std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>>;

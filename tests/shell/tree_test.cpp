@@ -1,3 +1,4 @@
+// The tree: what stands where, renaming, moving and deleting, and undo.
 #include "shell/shell_fixture.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
@@ -286,6 +287,13 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
     EXPECT_EQ(shown.size(), 3u);
+    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
+    auto *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
+    undoAction->trigger();
+    EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
+    EXPECT_TRUE(storeItemExists("PROG", target)) << "both are as before";
+    EXPECT_EQ(selectedItemId(), moved);
 }
 
 TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {

@@ -109,7 +109,9 @@ void openQueueWindow() {
 }
 
 std::vector<std::string> portsOffered() {
-    std::vector<std::string> ports = {"COM1", "COM2", "COM3", "COM4"};
+    std::vector<std::string> ports;
+    for (const char *name : {"COM1", "COM2", "COM3", "COM4"})
+        if (serialDevicePath(name) != name) ports.emplace_back(name);
     for (const std::string &device : serialDevices()) ports.push_back(device);
     return ports;
 }

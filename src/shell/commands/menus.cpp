@@ -54,7 +54,7 @@ struct KindState {
     bool (*enabledFor)(ItemKind itemKind);
 };
 
-bool screenCopy(ItemKind itemKind) { return itemKind == kind::colourScreen || itemKind == kind::monochromeScreen; }
+bool screenCopy(ItemKind itemKind) { return itemKind == kind::colorScreen || itemKind == kind::monochromeScreen; }
 bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
 bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !screenCopy(itemKind); }
 bool drawnAsBitmap(ItemKind itemKind) { return screenCopy(itemKind) || itemKind == kind::picture; }

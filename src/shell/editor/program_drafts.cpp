@@ -118,8 +118,9 @@ bool keepDraft(const ItemEntry &item, const QString &text) {
     std::string file = draftHead;
     for (const std::string &line : {std::to_string(item.id), std::to_string(item.kind), name, text.toStdString()})
         file.append("\n").append(line);
-    const bool kept =
-        writeWholeFile(path, {reinterpret_cast<const std::uint8_t *>(file.data()), file.size()}) == FileResult::done;
+    // Nobody reads in a draft what they could not read in the library.
+    const ByteView bytes(reinterpret_cast<const std::uint8_t *>(file.data()), file.size());
+    const bool kept = writeWholeFile(path, bytes, libraryFolder() + "storage.dat") == FileResult::done;
     if (kept) openDraft.clear();
     return kept;
 }

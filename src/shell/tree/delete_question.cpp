@@ -11,6 +11,7 @@
 #include "shell/tree/item_tree.h"
 #include "shell/tree/tree_rules.h"
 #include "shell/views/item_views.h"
+#include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -51,6 +52,7 @@ void moveDropped(ItemId item, ItemId folder) {
     TakenAnswer answer = TakenAnswer::keepBoth;
     std::optional<ItemEntry> other = taken != noItem ? storeReadEntry(taken) : std::nullopt;
     if (other) answer = askNameTaken(*moved, other->kind == moved->kind);
+    const UndoGroup group(UndoAct::move);  // both come back together
     if (answer != TakenAnswer::cancel && storeMove(item, folder)) {
         // The old item goes only once the moved one is in its place.
         if (answer == TakenAnswer::replace) storeDelete(other->id);

@@ -40,7 +40,7 @@ std::string matrixInfo;  // the status line of the matrix on view, without its p
 
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, Text::openingProgram);
-    programToView(item.data);
+    openProgram(item.id, item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
@@ -141,11 +141,14 @@ std::optional<Text> faultText(PictureFault fault) {
     return std::nullopt;
 }
 
+// Tells that there is a password, and neither its letters nor how many they are.
+constexpr char passwordMask[] = "••••";
+
 void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, Text::sizeWithPassword, {size, utf8FromCalculator(info->password)});
+        statusLine(StatusPart::item, Text::sizeWithPassword, {size, passwordMask});
         return;
     }
     std::string line = wording(Text::size, {size});
@@ -157,7 +160,15 @@ void infoToStatus(const StoredItem &item) {
     userInterface.statusText(StatusPart::item, Text::size, line);
 }
 
+// What was discarded isn't come back to.
+void keepText() {
+    StoredItem item;
+    if (isTextKind(viewKind) && !programChanged() && storeReadEntry(viewItemId) && storeReadItem(viewItemId, item))
+        keepProgram(viewItemId, item.data);
+}
+
 void closeView() {
+    keepText();
     setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
