@@ -33,7 +33,7 @@ void prepare() {
 
 void evaluateOften(benchmark::State &state, const std::vector<ProgramCell> &cells, bool plainly) {
     prepare();
-    evaluatePlainly = plainly;
+    evaluateWithoutShortcuts = plainly;
     std::vector<ProgramCell> work(cells.size());
     for (auto _ : state) {
         freeTemporaries();
@@ -42,7 +42,7 @@ void evaluateOften(benchmark::State &state, const std::vector<ProgramCell> &cell
         evaluate(work.data(), 0, count);
         benchmark::DoNotOptimize(work.data());
     }
-    evaluatePlainly = false;
+    evaluateWithoutShortcuts = false;
 }
 
 const auto sum = cellsOf({one('X'), one(0x89), one('I'), one(0xA9), -2});  // X+I*2

@@ -77,7 +77,7 @@ void showItems() {
         const char *name;
     } views[] = {{numalink::kind::program, "program"}, {numalink::kind::matrix, "matrix"},
                  {numalink::kind::list, "list"},       {numalink::kind::picture, "picture"},
-                 {numalink::kind::backup, "backup"},   {numalink::kind::colourScreen, "screen"}};
+                 {numalink::kind::backup, "backup"},   {numalink::kind::colorScreen, "screen"}};
     for (const auto &view : views) {
         const numalink::ItemId item = firstOfKind(view.kind);
         if (item == numalink::noItem || !numalink::selectItem(item)) continue;
@@ -176,7 +176,7 @@ int main(int argc, char **argv) {
     const numalink::ColorScheme &scheme = ground.lightness() < 128 ? numalink::darkScheme : numalink::lightScheme;
     numalink::settingsSetInt(numalink::setting::syntaxHighlighting, 1);
     for (std::size_t i = 0; i < scheme.size(); i++)
-        numalink::settingsSetColour(numalink::programColorKeys[i], numalink::settingColour(QColor::fromRgb(scheme[i])));
+        numalink::settingsSetColour(numalink::programColorKeys[i], numalink::settingColor(QColor::fromRgb(scheme[i])));
     showItems();
     numalink::setSurfaceZoom(2);
     numalink::selectItem(firstOfKind(numalink::kind::picture));

@@ -24,7 +24,7 @@ constexpr MarkRow markRows[] = {
     {"TXT\0PG"sv, kind::program},       {"TXT\0FM"sv, kind::functionMemory}, {"VAL\0MT"sv, kind::matrix},
     {"VAL\0LT"sv, kind::list},          {"MEM\0BU"sv, kind::backup},         {"MEM\0GM"sv, kind::graphMemory},
     {"FNC\0GF"sv, kind::graphFunction}, {"IMG\0PC"sv, kind::picture},        {"END"sv, kind::endOfTransmission},
-    {"DC"sv, kind::colourScreen},       {"DD"sv, kind::monochromeScreen},
+    {"DC"sv, kind::colorScreen},        {"DD"sv, kind::monochromeScreen},
 };
 
 std::string_view asText(ByteView bytes) { return {reinterpret_cast<const char *>(bytes.data()), bytes.size()}; }

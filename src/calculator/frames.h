@@ -56,11 +56,11 @@ void frameChecksum(std::span<std::uint8_t> frame);
 // Whether all bytes, the checksum included, add up to 0x3A.
 bool frameIsGood(ByteView frame);
 
-// Frame, or nothing for a pair of kind and family that has none. Kinds 15 and 18 (CFX), 15 (ALGEBRA) take info;
-// 6 is the closing frame, 16 the ALGEBRA model frame.
+// Frame, or nothing for a pair of kind and family that has none. Texts (of the ALGEBRA family programs alone) take
+// info; the others are the closing frame and the ALGEBRA model frame.
 std::optional<Bytes> buildHeadFrame(ItemKind itemKind, Family family, const ProgramInfo &info);
 
-// bytes start at offset 1 of a frame; fewer bytes than a mark needs don't match it. Kind 0 when nothing fits.
+// bytes start at offset 1 of a frame; fewer bytes than a mark needs don't match it. kind::unknown when nothing fits.
 ItemKind classifyFrame(ByteView bytes);
 
 std::size_t headFrameLength(ItemKind itemKind);  // 40 for 7 and 8, else 50
@@ -72,7 +72,7 @@ std::uint64_t frameDataLength(ByteView frame);
 // At most 8 characters up to a zero byte, cut at the first 0xFF.
 std::string copyFrameName(ByteView source);
 
-// The ProgramInfo of a head of kind 15 or 18; nothing for others or a short head. Bytes 35 and 36 are kept when
+// The ProgramInfo of the head of a text; nothing for others or a short head. Bytes 35 and 36 are kept when
 // they aren't the usual ones of the kind ("NL" for 15, two 0xFF for 18).
 std::optional<ProgramInfo> infoFromHeadFrame(ByteView frame);
 

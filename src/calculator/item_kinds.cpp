@@ -25,7 +25,7 @@ constexpr KindRow kindRows[] = {
     {kind::backup, kind::backupsFolder, 3, View::drawing},
     {kind::list, kind::listsFolder, 6, View::values},
     {kind::graphFunction, kind::otherItemsFolder, unknownImage, View::none},
-    {kind::colourScreen, kind::screenCopiesFolder, 4, View::screen},
+    {kind::colorScreen, kind::screenCopiesFolder, 4, View::screen},
     {kind::monochromeScreen, kind::screenCopiesFolder, 5, View::screen},
     {kind::picture, kind::picturesFolder, 4, View::drawing},
     {kind::graphMemory, kind::graphMemoriesFolder, unknownImage, View::none},

@@ -11,6 +11,7 @@
 #include <optional>
 #include <sstream>
 
+#include "calculator/charset.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "cli/terminal_ui.h"
@@ -21,6 +22,8 @@
 #include "platform/lock.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
+#include "store/undo/undo.h"
+#include "telling/texts.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
@@ -37,7 +40,7 @@ struct LinkOptions {
     std::string type = "cfx";
     std::string answer = "cancel";
     int slot = 0;
-    bool removeColour = false;
+    bool removeColor = false;
     int seconds = 0;
     bool json = false;
 };
@@ -149,6 +152,20 @@ void queueNamed(const std::string &item, bool begin) {
     }
 }
 
+// The newest of what calculators have replaced, as Undo in the window.
+void takeBack() {
+    TakenBack done;
+    const bool isThere = storeUndoOffer().has_value();
+    if (!isThere || !storeUndo(done)) {
+        if (!isThere) commandStatus = commandFailed(wording(Text::nothingToUndo));
+        if (done.changedSince) commandStatus = commandFailed(wording(Text::changedSince));
+        return;
+    }
+    const std::string name = utf8FromCalculator(done.step.name);
+    print({{"undone", name}, {"count", done.step.count}},
+          "undone " + name + ", items: " + std::to_string(done.step.count));
+}
+
 // False to end.
 bool runLine(const std::string &line) {
     const std::size_t gap = line.find(' ');
@@ -159,6 +176,8 @@ bool runLine(const std::string &line) {
         queueNamed(rest, word == "transmit");
     } else if (word == "go") {
         if (!attentionIsOut() && !beginTransmit()) commandStatus = commandFailed("nothing to transmit");
+    } else if (word == "undo") {
+        takeBack();
     } else if (word == "slot" && rest.size() == 1 && rest[0] >= '1' && rest[0] <= '6') {
         chosenSlot = rest[0] - '0';
     } else if (!word.empty() && (word != "answer" || !chooseAnswer(rest))) {
@@ -229,7 +248,7 @@ int runLink(const LinkOptions &options) {
     if (!session.open) return exitFailed;
     if (!settingsSetValue(setting::comPort, options.port)) return commandFailed("no such port: " + options.port);
     settingsSetValue(setting::linkType, options.type);
-    if (options.removeColour) settingsSetInt(setting::removeColor, 1);
+    if (options.removeColor) settingsSetInt(setting::removeColor, 1);
     installLinkUi();
     startLinkThread();
     serveInput(options.seconds);
@@ -249,10 +268,11 @@ CommandRun declareLink(CLI::App &command) {
     command.add_option("--answer", options->answer, "To all questions: yes, no or cancel")
         ->check(CLI::IsMember({"yes", "no", "cancel"}));
     command.add_option("--slot", options->slot, "Place of pictures in the calculator")->check(CLI::Range(1, 6));
-    command.add_flag("--remove-colour", options->removeColour, "Send programs without colour commands");
+    command.add_flag("--remove-colour", options->removeColor, "Send programs without colour commands");
     command.add_option("--seconds", options->seconds, "End after so many")->check(CLI::NonNegativeNumber);
     command.add_flag("--json", options->json, "One JSON object a line");
-    command.footer("Commands on standard input: transmit ITEM, queue ITEM, go, answer yes|no|cancel, slot N, quit");
+    command.footer(
+        "Commands on standard input: transmit ITEM, queue ITEM, go, undo, answer yes|no|cancel, slot N, quit");
     return [options] { return runLink(*options); };
 }
 

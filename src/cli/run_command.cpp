@@ -57,7 +57,7 @@ bool useSetting(const std::string &assignment) {
 
 bool prepare(const RunCommandOptions &options) {
     settingsSetInt(setting::fullSpeed, options.paced ? 0 : 1);
-    evaluatePlainly = options.plain;
+    evaluateWithoutShortcuts = options.plain;
     for (const std::string &assignment : options.settings) {
         if (!useSetting(assignment)) return false;
     }

@@ -22,7 +22,7 @@ int headNumber(ByteView head, std::size_t offset) {
     return head.size() < frameDimensionsEnd ? 0 : readBig16(head, offset);
 }
 
-int planesOf(ItemKind itemKind) { return itemKind == kind::colourScreen ? 3 : 1; }
+int planesOf(ItemKind itemKind) { return itemKind == kind::colorScreen ? 3 : 1; }
 
 PictureFault matrixFault(ByteView head, ByteView data) {
     const int rows = headNumber(head, frameRowsOffset);

@@ -13,8 +13,8 @@ struct PictureSize {
 };
 PictureSize pictureSize(ByteView head);  // as the head tells, 0 and 0 for a short one
 
-// Fills the picture's rectangle and draws its planes over each other. A picture of several sheets brings a box (text
-// 17), and its first sheet is drawn. What lies outside of the surface is dropped.
+// Fills the picture's rectangle and draws its planes over each other. A picture of several sheets brings a box,
+// and its first sheet is drawn. What lies outside of the surface is dropped.
 void drawPicture(Surface &surface, ByteView head, ByteView data);
 
 // 128 by 64 dots: blue, green and orange, or black for one plane.

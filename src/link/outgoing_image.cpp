@@ -55,7 +55,7 @@ Refusal outgoingRefusal(const StoredItem &item, Family family) {
     return item.data.size() < frameDataLength(item.head) ? Refusal::shorterThanHead : Refusal::none;
 }
 
-Bytes imageWithoutColour(ByteView image) {
+Bytes imageWithoutColor(ByteView image) {
     Bytes kept;
     kept.reserve(image.size());
     for (const std::uint8_t byte : image) {
@@ -82,12 +82,12 @@ int slotOfPictureHead(ByteView head) {
     return digit >= '1' && digit <= '6' ? digit - '0' : 1;
 }
 
-Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot) {
+Outgoing outgoingToCfx(const StoredItem &item, bool removeColor, int slot) {
     Outgoing outgoing{.head = item.head, .data = item.data};
     if (isTextKind(item.kind)) {
         ProgramInfo info = infoOf(item);
         outgoing.data = sentImage(item, info, Family::cfx);
-        if (removeColour) outgoing.data = imageWithoutColour(outgoing.data);
+        if (removeColor) outgoing.data = imageWithoutColor(outgoing.data);
         info.imageLength = static_cast<std::uint32_t>(outgoing.data.size());
         outgoing.head = *buildHeadFrame(item.kind, Family::cfx, info);
     }

@@ -15,7 +15,7 @@ enum class Refusal { none, kind, shorterThanHead, tooLong };
 Refusal outgoingRefusal(const StoredItem &item, Family family);
 
 // Without the two-byte colour commands, wherever these bytes stand.
-Bytes imageWithoutColour(ByteView image);
+Bytes imageWithoutColor(ByteView image);
 
 // The slot that a picture's name tells ("Picture3", "picture 3"), or nothing.
 std::optional<int> slotOfPictureName(std::string_view name);
@@ -29,7 +29,7 @@ struct Outgoing {
 };
 
 // slot counts for pictures only. The item must not be refused.
-Outgoing outgoingToCfx(const StoredItem &item, bool removeColour, int slot);
+Outgoing outgoingToCfx(const StoredItem &item, bool removeColor, int slot);
 Outgoing outgoingToAlgebra(const StoredItem &item);
 
 }  // namespace numalink

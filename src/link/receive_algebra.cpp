@@ -6,6 +6,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/receive_storage.h"
 #include "store/undo/undo.h"
 #include "telling/texts.h"
@@ -30,7 +31,7 @@ bool startsWith(ByteView head, std::string_view mark) {
                       [](char code, std::uint8_t byte) { return static_cast<std::uint8_t>(code) == byte; });
 }
 
-// Steps 2 to 4.
+// The calculator sends its model frame first; ours is the answer, which it confirms.
 bool exchangeModels() {
     Bytes model(shortHeadFrameSize);
     if (!readGoodHead(model)) return failChecksum();
@@ -74,7 +75,7 @@ bool storeOrRefuse(Received received, Tally &tally) {
     return false;
 }
 
-// Step 7.
+// The data of a head that announced a program or a block.
 bool receiveBlock(ByteView head, Tally &tally) {
     const std::string name = copyFrameName(head.subspan(frameNameOffset));
     const bool isProgram = head[algebraTypeOffset] == programType;
@@ -95,7 +96,7 @@ void passOver(ByteView head, Tally &tally) {
     tally.passedOver += "\"";
 }
 
-// Steps 5 to 9: false at the closing frame and after a failure.
+// One head and its data: false at the closing frame and after a failure.
 bool receiveNext(Tally &tally) {
     send(control::acknowledge);
     Bytes head(shortHeadFrameSize);
@@ -108,7 +109,7 @@ bool receiveNext(Tally &tally) {
     }
     userInterface.refreshTree();
     tally.treeIsFresh = true;
-    linkStatus(Text::algebraReceived);
+    linkResult(Text::algebraReceived);
     return false;
 }
 

@@ -27,7 +27,7 @@ struct Incoming : Received {
     bool sumsAreGood = true;  // of a colour screen copy, which is stored in any case
 };
 
-bool isColourScreen(const Incoming &item) { return item.kind == kind::colourScreen; }
+bool isColorScreen(const Incoming &item) { return item.kind == kind::colorScreen; }
 
 // The marks of a head that has no place here, as a person can read them.
 std::string readableMark(ByteView head) {
@@ -46,7 +46,7 @@ bool failUnknownKind(ByteView head, int itemCount) {
     return false;
 }
 
-// Steps 1 to 5: a head that is known and whole. False ends the conversation, told where something is to be told.
+// A head that is known and whole. False ends the conversation, told where something is to be told.
 bool readCfxHead(Incoming &item, int itemCount) {
     item.head.assign(shortHeadFrameSize, 0);
     const std::size_t count = readHead(item.head, Wait::lasting);
@@ -66,31 +66,31 @@ bool readCfxHead(Incoming &item, int itemCount) {
     return (whole && frameIsGood(item.head)) || failChecksum();
 }
 
-// Step 6: what the head says.
+// What the head says of the data: length, frames, and how much is read at a time.
 void measure(Incoming &item) {
     const bool isValues = isValuesKind(item.kind);
     item.length = isValues && readBig16(item.head, frameRowsOffset) == 0 ? 0 : frameDataLength(item.head);
     if (isValues) item.frameLength = valueFrameSize;
     if (item.kind == kind::picture) item.frameLength = picturePlaneLength(item.head);
-    if (isColourScreen(item)) item.frameLength = item.length / 3;
-    if (isColourScreen(item) || item.kind == kind::picture) item.chunk = 1;
+    if (isColorScreen(item)) item.frameLength = item.length / 3;
+    if (isColorScreen(item) || item.kind == kind::picture) item.chunk = 1;
     if (item.head.size() == shortHeadFrameSize) return;
     item.name = copyFrameName(ByteView(item.head).subspan(frameNameOffset));
     item.group = copyFrameName(ByteView(item.head).subspan(frameGroupOffset));
 }
 
-// Step 7.
+// What is on its way, in the status bar and on the bar of the progress.
 void showItem(const Incoming &item) {
     progressStart(item.length);
-    if (isColourScreen(item)) return linkStatus(Text::receivingColorScreen);
+    if (isColorScreen(item)) return linkStatus(Text::receivingColorScreen);
     if (item.kind == kind::monochromeScreen) return linkStatus(Text::receivingMonochromeScreen);
     const std::string group = item.group.empty() ? "" : utf8FromCalculator(item.group) + ".";
     linkStatus(Text::receivingItem, {}, group + utf8FromCalculator(item.name) + "...");
 }
 
-// Step 9. A calculator's own names of these mean nothing to people.
+// A calculator's own names of these mean nothing to people.
 bool isNamedByTime(const Incoming &item) {
-    constexpr ItemKind kinds[] = {kind::backup, kind::colourScreen, kind::monochromeScreen, kind::picture,
+    constexpr ItemKind kinds[] = {kind::backup, kind::colorScreen, kind::monochromeScreen, kind::picture,
                                   kind::graphMemory};
     return item.name.empty() || std::ranges::find(kinds, item.kind) != std::end(kinds);
 }
@@ -102,7 +102,7 @@ bool failTooLarge(const Incoming &item) {
 
 enum class Overwrite { yes, no, stop };
 
-// Step 10.
+// The calculator asks its user whether what it has here is to be replaced.
 Overwrite askAboutExisting() {
     send(control::itemExists);
     const auto answer = readByte(Wait::lasting);
@@ -119,7 +119,7 @@ std::uint8_t sumOf(ByteView bytes) {
 // At the end of a frame inside the data.
 bool endInnerFrame(Incoming &item, std::uint8_t &sum, bool dataFollow) {
     constexpr std::uint8_t goodSum = 0x3A;
-    if (isColourScreen(item)) {
+    if (isColorScreen(item)) {
         item.sumsAreGood = item.sumsAreGood && sum == goodSum;
     } else if (!dataFollow) {
         return true;
@@ -131,7 +131,7 @@ bool endInnerFrame(Incoming &item, std::uint8_t &sum, bool dataFollow) {
     return true;
 }
 
-// Steps 13 and 14, but for the last acknowledgement.
+// All data, each inner frame acknowledged but the last.
 bool readData(Incoming &item) {
     item.data.assign(item.length, 0);
     std::uint8_t sum = 0;
@@ -149,10 +149,10 @@ bool readData(Incoming &item) {
         frameEnd += item.frameLength;
         if (!endInnerFrame(item, sum, count < item.length)) return false;
     }
-    return isColourScreen(item) || sum == 0x3A || failChecksum();
+    return isColorScreen(item) || sum == 0x3A || failChecksum();
 }
 
-// Steps 15 and 16. The last acknowledgement says that the item is safe, so it goes out only then.
+// The last acknowledgement says that the item is safe, so it goes out only then.
 bool storeAndAcknowledge(Incoming &item) {
     if (const auto info = infoFromHeadFrame(item.head); info && isTextKind(item.kind))
         item.head = encodeProgramInfo(*info);

@@ -4,6 +4,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/transmit_end.h"
 #include "telling/texts.h"
 
@@ -16,7 +17,7 @@ bool isConfirmed() {
     return answer == control::acknowledge || failUnconfirmed(answer);
 }
 
-// Steps 2 to 4.
+// Our model frame first; the calculator's is the answer, which we confirm.
 bool exchangeModels() {
     sendSlowly(*buildHeadFrame(kind::modelFrame, Family::algebra, {}));
     Bytes model(shortHeadFrameSize);
@@ -25,7 +26,7 @@ bool exchangeModels() {
     return isConfirmed();
 }
 
-// Step 5.
+// Head and data, each confirmed by the calculator.
 bool transmitItem(const NextItem &next) {
     const Refusal refusal = outgoingRefusal(next.item, Family::algebra);
     if (refusal != Refusal::none) {
@@ -55,7 +56,7 @@ void transmitToAlgebra() {
     if (exchangeModels() && transmitQueued()) {
         linkStatus(Text::algebraClosing);
         sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
-        linkStatus(Text::algebraSent);
+        linkResult(Text::algebraSent);
     }
     clearSentFromTemp();
 }

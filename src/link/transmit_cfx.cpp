@@ -33,7 +33,7 @@ Step cancelAll() {
     return giveUp();
 }
 
-// Step 8: the calculator has an item of this name.
+// The calculator has an item of this name.
 Step askToOverwrite(const std::string &name, std::optional<std::uint8_t> &answer) {
     const Answer chosen = userInterface.askItemExists(wording(Text::itemExists, {name}));
     dropInput();
@@ -45,7 +45,7 @@ Step askToOverwrite(const std::string &name, std::optional<std::uint8_t> &answer
     return chosen == Answer::yes ? Step::goOn : Step::next;
 }
 
-// Steps 7 to 10.
+// The head, up to the confirmation that the data may follow.
 Step sendHead(const Outgoing &outgoing, const std::string &name) {
     send(outgoing.head);
     auto answer = readByte(Wait::brief);
@@ -58,7 +58,7 @@ Step sendHead(const Outgoing &outgoing, const std::string &name) {
     return answer == control::acknowledge ? Step::goOn : giveUp(Text::headNotConfirmed);
 }
 
-// Step 11. The queue stays when the calculator stops confirming.
+// The queue stays when the calculator stops confirming.
 Step sendData(const Outgoing &outgoing) {
     const ByteView data = outgoing.data;
     std::size_t frameEnd = outgoing.frameLength;
@@ -77,7 +77,7 @@ Step sendData(const Outgoing &outgoing) {
     return Step::goOn;
 }
 
-// Step 12.
+// The calculator's last word on the item: stored, or not.
 Step endItem() {
     const auto answer = readByte(Wait::brief);
     if (!answer) return giveUp();
@@ -106,8 +106,8 @@ Step transmitItem(NextItem &next) {
     const Step asked = askMissing(next);
     if (asked == Step::next) transmitQueueRemove(next.entry.id);
     if (asked != Step::goOn) return asked;
-    const bool removeColour = settingsInt(setting::removeColor) != 0;
-    const Outgoing outgoing = outgoingToCfx(next.item, removeColour, next.entry.slot);
+    const bool removeColor = settingsInt(setting::removeColor) != 0;
+    const Outgoing outgoing = outgoingToCfx(next.item, removeColor, next.entry.slot);
     const std::string name = utf8FromCalculator(next.item.name);
     linkStatus(Text::sendingItem, {name});
     progressStart(outgoing.data.size());

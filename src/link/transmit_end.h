@@ -17,7 +17,7 @@ struct NextItem {
 // the queue is empty.
 std::optional<NextItem> nextToTransmit();
 
-void tellCannotGo(const NextItem &next, Refusal refusal);  // text 108; the entry is dropped
+void tellCannotGo(const NextItem &next, Refusal refusal);  // a box; the entry is dropped
 void dropQueue();                                          // after a failure: says how many were dropped
 void tellSent(const NextItem &next);                       // takes the entry off the queue
 

@@ -21,7 +21,7 @@ struct DefaultSetting {
 
 // In the order of the table, and so of the file. The language has no default: it comes behind the others.
 constexpr DefaultSetting defaultSettings[] = {
-    {setting::comPort, "COM2"},
+    {setting::comPort, setting::comPortDefault},
     {setting::linkType, "CFX"},
     {setting::removeColor, "0"},
     {setting::haltOnError, "0"},
@@ -147,9 +147,9 @@ bool settingsSetValue(std::string_view key, std::string_view value) {
 
 bool settingsSetInt(std::string_view key, std::int32_t value) { return settingsSetValue(key, std::to_string(value)); }
 
-bool settingsSetColour(std::string_view key, std::uint32_t colour) {
-    return settingsSetValue(key, std::to_string(colour & 0xFF) + "," + std::to_string(colour >> 8 & 0xFF) + "," +
-                                     std::to_string(colour >> 16 & 0xFF));
+bool settingsSetColour(std::string_view key, std::uint32_t color) {
+    return settingsSetValue(key, std::to_string(color & 0xFF) + "," + std::to_string(color >> 8 & 0xFF) + "," +
+                                     std::to_string(color >> 16 & 0xFF));
 }
 
 bool settingsLoad() {

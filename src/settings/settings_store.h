@@ -33,6 +33,8 @@ inline constexpr char colorNumbers[] = "Numalink.Settings.Editor.Colors.Numbers"
 inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment";
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
+
+inline constexpr char comPortDefault[] = "COM2";  // where nobody has chosen one
 }  // namespace setting
 
 // The value of key. An unknown key is added at the end of the table with an empty value; with the table full it
@@ -51,7 +53,7 @@ std::uint32_t settingsColour(std::string_view key);
 // Blanks at either end of a value go.
 bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
-bool settingsSetColour(std::string_view key, std::uint32_t colour);
+bool settingsSetColour(std::string_view key, std::uint32_t color);
 
 // The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
 // it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value

@@ -224,7 +224,7 @@ RunClass classOf(const ViewToken &token, std::string_view shown, bool &inString,
     return RunClass::oneByteCharacter;
 }
 
-void appendRun(std::vector<ColourRun> &runs, std::size_t from, std::size_t size, RunClass runClass) {
+void appendRun(std::vector<ColorRun> &runs, std::size_t from, std::size_t size, RunClass runClass) {
     if (size == 0) return;
     if (!runs.empty() && runs.back().runClass == runClass) {
         runs.back().size += size;
@@ -370,8 +370,8 @@ Bytes imageOfLines(const std::vector<LineBytes> &lines) {
     return image;
 }
 
-std::vector<ColourRun> colourRuns(const ViewLine &line, const LineReading &reading) {
-    std::vector<ColourRun> runs;
+std::vector<ColorRun> colorRuns(const ViewLine &line, const LineReading &reading) {
+    std::vector<ColorRun> runs;
     if (reading.faultAt >= 0) {
         const auto fault = static_cast<std::size_t>(reading.faultAt);
         appendRun(runs, 0, fault, RunClass::ascii);

@@ -63,11 +63,11 @@ struct LineReading {
 };
 
 // A stretch of one class in a line.
-struct ColourRun {
+struct ColorRun {
     std::size_t from;
     std::size_t size;
     RunClass runClass;
-    bool operator==(const ColourRun &) const = default;
+    bool operator==(const ColorRun &) const = default;
 };
 
 // The lines of an image, at least one. Bytes behind an end mark inside the image stand as marks at the end.
@@ -114,6 +114,6 @@ ViewLine lineOfTokens(ByteView tokens);  // untouched tokens; line ends among th
 
 // Every character of a line in exactly one run; neighbours differ in class. A line with a fault has one run of the
 // class error, at the fault, and is of the class ascii elsewhere.
-std::vector<ColourRun> colourRuns(const ViewLine &line, const LineReading &reading);
+std::vector<ColorRun> colorRuns(const ViewLine &line, const LineReading &reading);
 
 }  // namespace numalink

@@ -71,8 +71,8 @@ struct ItemMaker {
     OutgoingItem picture(bool oddSizes) {
         const int height = oddSizes ? static_cast<int>(1 + below(70)) : 64;
         const int width = oddSizes ? 8 * static_cast<int>(1 + below(20)) : 128;
-        const int colours = static_cast<int>(1 + below(4)), sheets = static_cast<int>(1 + below(2));
-        OutgoingItem item = sent(kind::picture, calculator::picture(height, width, colours, sheets, byte()));
+        const int colors = static_cast<int>(1 + below(4)), sheets = static_cast<int>(1 + below(2));
+        OutgoingItem item = sent(kind::picture, calculator::picture(height, width, colors, sheets, byte()));
         for (std::size_t plane = 0; plane < item.data.size(); plane += picturePlaneLength(item.head))
             item.data[plane + 1] = item.data[plane + 3] = 0;  // sheet and colour are below 256
         return item;
@@ -116,9 +116,9 @@ struct ItemMaker {
         if (isTextKind(itemKind)) return text(itemKind, words);
         if (itemKind == kind::picture) return picture(below(3) == 0);
         if (itemKind == kind::matrix || itemKind == kind::list) return values(itemKind);
-        if (itemKind == kind::colourScreen || itemKind == kind::monochromeScreen) {
+        if (itemKind == kind::colorScreen || itemKind == kind::monochromeScreen) {
             const int height = 8 * static_cast<int>(1 + below(16)), width = static_cast<int>(1 + below(64));
-            return sent(itemKind, calculator::screenCopy(itemKind == kind::colourScreen, height, width, byte()));
+            return sent(itemKind, calculator::screenCopy(itemKind == kind::colorScreen, height, width, byte()));
         }
         const char *type = itemKind == kind::backup ? "BU" : itemKind == kind::graphMemory ? "GM" : "GF";
         return sent(itemKind, calculator::memory(type, name(), 2 + below(300), byte()));
@@ -208,7 +208,7 @@ INSTANTIATE_TEST_SUITE_P(AsFrames, ExportRound,
                          testing::Combine(testing::Values(ExportTarget::cas),
                                           testing::Values(kind::program, kind::functionMemory, kind::picture,
                                                           kind::matrix, kind::list, kind::backup, kind::graphMemory,
-                                                          kind::graphFunction, kind::colourScreen,
+                                                          kind::graphFunction, kind::colorScreen,
                                                           kind::monochromeScreen)));
 
 OutgoingItem program(const std::string &tokens) {
@@ -296,13 +296,23 @@ TEST_F(Export, AnExistingFileIsAskedAboutAndOwnFilesAreRefused) {
     ASSERT_EQ(symlink("storage.dat", (scratch.path + "link.cat").c_str()), 0);
     ASSERT_EQ(link((scratch.path + "storage.dat").c_str(), (scratch.path + "hard.cat").c_str()), 0);
     scratch.write("draft-1.txt", "draft");
-    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "draft-1.txt"}) {
+    scratch.write("another library", library);
+    for (const char *folder : {"backups", "real"}) std::filesystem::create_directory(scratch.path + folder);
+    scratch.write("backups/storage-2026-01-01.dat", "copy");
+    std::filesystem::create_hard_link(scratch.path + "backups/storage-2026-01-01.dat", scratch.path + "copy.cat");
+    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "draft-1.txt", "another library",
+                            "storage.dat-journal", "./storage.dat-new", "copy.cat", "backups/x.cat"}) {
         uiRecord.boxes.clear();
-        uiRecord.answers = {Answer::ok};
-        EXPECT_FALSE(exportTo(own, {id})) << own;
+        EXPECT_FALSE(
+            exportItems({.path = scratch.path + own, .ids = {id}, .target = ExportTarget::cat, .mayReplace = true}))
+            << own;
         EXPECT_EQ(uiRecord.boxes.size(), 1u) << own;
     }
     EXPECT_EQ(scratch.read("storage.dat"), library);
+    std::filesystem::rename(scratch.path + "storage.dat", scratch.path + "real/storage.dat");
+    std::filesystem::create_symlink("real/storage.dat", scratch.path + "storage.dat");
+    EXPECT_FALSE(exportTo("real/storage.dat-journal", {id})) << "beside the file itself";
+    EXPECT_TRUE(exportTo("real/draft.cat", {id}));
 }
 
 TEST_F(Export, AFolderThatCantBeWrittenIsTold) {

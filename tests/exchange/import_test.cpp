@@ -14,6 +14,7 @@
 #include "platform/file_port.h"
 #include "platform/picture_file.h"
 #include "settings/settings_store.h"
+#include "store/undo/undo.h"
 #include "support/cat_records.h"
 #include "telling/texts.h"
 
@@ -77,6 +78,20 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
 }
 
+TEST_F(Import, WhatCouldNotBeMovedStaysWhereItWaits) {
+    static int failures = 1;
+    storeStandardFolder(1001);
+    uiRecord.importAction = ImportAction::standardFolders;
+    filePort.writeAt = [](int file, std::uint64_t offset, const void *bytes, std::size_t count) {
+        const bool isMove = !uiRecord.lastQuestion.itemNames.empty();  // it was asked where to
+        return isMove && failures-- > 0 ? 0 : systemFilePort.writeAt(file, offset, bytes, count);
+    };
+    importText("a.cat", catProgram("ONE"));
+    filePort = systemFilePort;
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+}
+
 TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "temp";
@@ -108,7 +123,57 @@ TEST_F(Import, TransmittingQueuesWhatWasRead) {
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(transmitQueueIds().size(), 1u);
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("LIST", "ONE"));
+    importText("b.cat", catProgram("TWO"));
+    EXPECT_THAT(uiRecord.lastQuestion.itemNames, ElementsAre("TWO"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE", "TWO")) << "what isn't queued goes";
+    EXPECT_EQ(transmitQueueIds().size(), 2u);
+    EXPECT_TRUE(storeReadEntry(transmitQueueIds()[0]));
+    transmitQueueDrop();
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("c.cat", catProgram("THREE"));
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("THREE"));
+    EXPECT_EQ(transmitQueueAgain(), 2u) << "dropped by a failure, and still there";
     transmitQueueClear();
+}
+
+TEST_F(Import, NamesThatAreTakenAreAskedAboutOnceAndAllOfItIsOneStep) {
+    uiRecord.importAction = ImportAction::oneFolder;
+    uiRecord.importFolder = "games";
+    importText("a.cat", catProgram("ONE", "A") + catProgram("TWO", "A"));
+    const ItemId folder = storeFindItem("games", rootId);
+    storeAddItem({.name = "LIST", .parent = folder, .kind = kind::folder, .head = {}, .data = {}});
+    const auto content = [&] {
+        std::string all;
+        for (const ItemEntry &entry : storeListChildren(folder)) {
+            StoredItem item;
+            EXPECT_TRUE(storeReadItem(entry.id, item));
+            all += item.name + (isTextKind(item.kind) ? std::string(1, static_cast<char>(item.data[1])) : "") + " ";
+        }
+        return all;
+    };
+    const struct {
+        ImportTaken answer;
+        const char *content;
+    } rows[] = {{ImportTaken::cancel, "ONEA TWOA LIST "},
+                {ImportTaken::keepBoth, "ONEA TWOA LIST oneB THREEB LIST "},
+                {ImportTaken::skip, "ONEA TWOA LIST THREEB LIST "},
+                {ImportTaken::replace, "TWOA LIST oneB THREEB LIST "}};
+    for (const auto &row : rows) {
+        uiRecord.importTaken = row.answer;
+        uiRecord.lines.clear();
+        importText("b.cat", catProgram("one", "B") + catProgram("THREE", "B") +
+                                catValues("LT", "LIST", 1, 1, "Value : 1 1 2\r\n"));
+        EXPECT_EQ(content(), row.content);
+        EXPECT_EQ(std::ranges::count(uiRecord.lines, "taken 1: one"), 1) << "those of other kinds are let be";
+        TakenBack done;
+        if (row.answer == ImportTaken::cancel) continue;
+        EXPECT_EQ(storeUndoOffer()->name, "b");
+        ASSERT_TRUE(storeUndo(done));
+        EXPECT_EQ(content(), "ONEA TWOA LIST ");
+    }
+    TakenBack done;
+    ASSERT_TRUE(storeUndo(done));
+    EXPECT_TRUE(storeReadEntry(folder)) << "something of the user's lies in it";
 }
 
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
@@ -120,14 +185,14 @@ TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
 }
 
 // Every hue in turn, brightness rising and falling.
-Surface manyColours() {
+Surface manyColors() {
     Surface picture(calculatorPictureWidth, calculatorPictureHeight);
     for (std::size_t i = 0; i < picture.dots.size(); i++) picture.dots[i] = static_cast<Color>(i * 0x030507) & 0xFFFFFF;
     return picture;
 }
 
 // The expected colours come from the raster step as it was worked out apart from the program.
-TEST(Raster, GivesEachDotOneOfFourColoursAndOwesTheRestToTheNext) {
+TEST(Raster, GivesEachDotOneOfFourColorsAndOwesTheRestToTheNext) {
     const struct {
         RasterType type;
         std::string_view first;  // dots, by place in colours
@@ -140,13 +205,13 @@ TEST(Raster, GivesEachDotOneOfFourColoursAndOwesTheRestToTheNext) {
                   "111121112312121321210210220020000200201130131013"
                   "013001032302322023200202023333033303311010100100",
                   {2953, 1464, 2082, 1693}}};
-    const std::vector<Color> colours = {0xBEDCC8, 0x009600, 0x0000C8, 0xFF6400};
+    const std::vector<Color> colors = {0xBEDCC8, 0x009600, 0x0000C8, 0xFF6400};
     for (const auto &[type, first, counts] : cases) {
-        const Surface raster = rasterPicture(manyColours(), type);
+        const Surface raster = rasterPicture(manyColors(), type);
         for (std::size_t i = 0; i < first.size(); i++)
-            EXPECT_EQ(raster.dots[i], colours[static_cast<std::size_t>(first[i] - '0')]) << i;
-        for (std::size_t i = 0; i < colours.size(); i++)
-            EXPECT_EQ(std::ranges::count(raster.dots, colours[i]), counts[i]) << i;
+            EXPECT_EQ(raster.dots[i], colors[static_cast<std::size_t>(first[i] - '0')]) << i;
+        for (std::size_t i = 0; i < colors.size(); i++)
+            EXPECT_EQ(std::ranges::count(raster.dots, colors[i]), counts[i]) << i;
     }
 }
 
@@ -159,7 +224,7 @@ TEST(PictureItem, HasItsCornersInPlaceAndIsDrawnAsItsRaster) {
     ASSERT_EQ(data.size(), 4120u);
     EXPECT_THAT((std::vector<int>{data[5 + 1023], data[1030 + 5], data[2060 + 5], data[3090 + 4]}),
                 ElementsAre(0x80, 2, 1, 4));
-    raster = rasterPicture(manyColours(), RasterType::image);
+    raster = rasterPicture(manyColors(), RasterType::image);
     const ImportedItem item = pictureItem(raster, "PIC");
     Surface drawn(calculatorPictureWidth, calculatorPictureHeight, lcdColor::background);
     drawPicture(drawn, item.head, item.data);

@@ -25,7 +25,7 @@ void comparePart(const MatrixValues &matrix, int left, int top) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     static const bool loaded = loadLargeFont() && loadSmallFont();
     if (!loaded || size < 2) return 0;
-    constexpr ItemKind kinds[] = {kind::matrix,           kind::list,    kind::colourScreen,
+    constexpr ItemKind kinds[] = {kind::matrix,           kind::list,    kind::colorScreen,
                                   kind::monochromeScreen, kind::picture, kind::backup};
     const ItemKind itemKind = kinds[data[0] % std::size(kinds)];
     const std::size_t headSize = std::min<std::size_t>(data[1] % 64, size - 2);

@@ -60,7 +60,7 @@ std::vector<std::uint64_t> result(bool plainly) {
     for (ProgramCell &cell : cells)
         if (isToken(cell, {blankByte})) cell = ProgramCell{};
     int count = std::min(static_cast<int>(cells.size()) - 2, statementLimit);
-    evaluatePlainly = plainly;
+    evaluateWithoutShortcuts = plainly;
     evaluate(cells.data(), 1, count);
     if (cells[0].value.re != 8 || !isToken(cells.back(), token::endOfProgram)) std::abort();
     std::vector<std::uint64_t> bits = {machine.errorFlag, machine.exhausted, reports.size()};

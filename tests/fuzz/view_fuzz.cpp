@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (const ViewLine &line : lines) {
         if (isWhole && throughAMail(line) != lineBytes(readLine(line, true)).bytes) std::abort();
         std::size_t covered = 0;
-        for (const ColourRun &run : colourRuns(line, readLine(line, true))) covered += run.size;
+        for (const ColorRun &run : colorRuns(line, readLine(line, true))) covered += run.size;
         if (covered != line.text.size()) std::abort();
     }
     ViewLine &edited = lines[edits.size() % lines.size()];
@@ -79,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const LineReading reading = readLine(edited, true);
     const ViewLine shown = shownLine(edited, reading);
     if (shown.text.size() != shown.origins.size()) std::abort();
-    colourRuns(edited, reading);
+    colorRuns(edited, reading);
     if (reading.faultAt < 0 && lineBytes(readLine(keptLine(edited, reading), true)).bytes != lineBytes(reading).bytes)
         std::abort();
     Bytes written;

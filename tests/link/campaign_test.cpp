@@ -168,8 +168,7 @@ void checkItem(const StoredItem &item) {
         calculator::dataLength(item.head) != item.data.size() && readBig16(item.head, 7) == 0)
         fail("cut data, " + name);
     // A damaged copy of a colour screen is kept, for what can be seen of it.
-    if (item.kind != kind::colourScreen && !calculator::isGood(Item{item.head, item.data}))
-        fail("a bad frame, " + name);
+    if (item.kind != kind::colorScreen && !calculator::isGood(Item{item.head, item.data})) fail("a bad frame, " + name);
 }
 
 // Without faults each item has to be there as it was sent, unless a later one took its place.
@@ -220,7 +219,8 @@ void checkAfter(const Case &one) {
     if (one.receives) result.stored += count;
     result.transmitted += one.other.received.size();
     const int idle = one.algebra ? 102 : 1;
-    if (lastStatus != idle && lastStatus != 172 && lastStatus != 24)
+    constexpr int restful[] = {172, 24, 101, 104};  // notices and the ends of conversations stay
+    if (lastStatus != idle && std::ranges::find(restful, lastStatus) == std::end(restful))
         fail("not idle: status " + std::to_string(lastStatus));
     if (transmitConversationRuns()) fail("not idle");
     if (scriptedLineReads() >= 400000) fail("no end");
@@ -236,14 +236,14 @@ void runOne(Case &one) {
     one.chance.seed(one.seed);
     one.algebra = oneIn(2);
     one.receives = oneIn(2);
-    const bool removeColour = roll(2) == 1;
+    const bool removeColor = roll(2) == 1;
     one.other.algebra = one.algebra;
     chooseFaults(one);
     chooseItems(one);
     for (const ItemEntry &entry : storeListChildren(rootId)) storeDelete(entry.id);
     CalculatorLine line(one);
     scriptedLineInstall(line);
-    LinkScene::prepare(one.algebra, removeColour);
+    LinkScene::prepare(one.algebra, removeColor);
     if (one.receives) {
         if (!one.algebra && oneIn(2)) one.other.manners.attention = 0x15;
         startSending(one.other);

@@ -78,7 +78,7 @@ struct Event {
 struct Player {
     std::string name;
     bool algebra = false;
-    bool removeColour = false;
+    bool removeColor = false;
     std::vector<ScriptItem> have, expected;
     std::vector<std::string> queue, deleted, gone;
     std::deque<std::string> answers;
@@ -144,7 +144,7 @@ void takeLine(const std::string &word, const std::string &rest, int number, Scri
     } else if (word == "type") {
         player.algebra = rest == "algebra";
     } else if (word == "removecolour") {
-        player.removeColour = true;
+        player.removeColor = true;
     } else if (word == "answer") {
         player.answers.push_back(rest);
     } else if (word == "queuedfor") {
@@ -419,7 +419,7 @@ std::string playLineFile(const std::string &path, PlayMode mode) {
     installUi();
     installClock();
     if (!scene.isOpen) fail("no library");
-    LinkScene::prepare(player.algebra, player.removeColour);
+    LinkScene::prepare(player.algebra, player.removeColor);
     setUpLibrary();
     const Library before = libraryNow();
     const unsigned baud = player.algebra ? 38400 : 9600;

@@ -33,9 +33,9 @@ struct LinkScene {
     LinkScene &operator=(const LinkScene &) = delete;
 
     // Ahead of each conversation: nothing waits and nothing is noted from an earlier one.
-    static void prepare(bool algebra, bool removeColour) {
+    static void prepare(bool algebra, bool removeColor) {
         settingsSetValue(setting::linkType, algebra ? "algebra" : "cfx");
-        settingsSetInt(setting::removeColor, removeColour ? 1 : 0);
+        settingsSetInt(setting::removeColor, removeColor ? 1 : 0);
         transmitQueueClear();
         attentionForget();
         linkNoticeForget();

@@ -104,10 +104,10 @@ Outcome run(const std::vector<Bytes> &programs, bool plainly) {
     clearGraph();
     for (int number = 1; number <= memoryCount; number++) storePicture(number);
     randomRestart();
-    evaluatePlainly = plainly;
+    evaluateWithoutShortcuts = plainly;
     const RunScript script = {.keys = {31, 27, 72, 31, 32, 31, 31, 31}, .getKeys = {31, 72, 33}, .statementLimit = 400};
     const RunReport report = runScripted(script, [&] { return load(programs); });
-    evaluatePlainly = false;
+    evaluateWithoutShortcuts = false;
     return outcomeOf(report);
 }
 

@@ -80,7 +80,7 @@ TEST(Settings, AFullTableRefusesAndKeepsWhatItHas) {
     EXPECT_TRUE(settingsSetValue("Own.Key80", "new"));
 }
 
-TEST(Settings, NumbersAndColours) {
+TEST(Settings, NumbersAndColors) {
     const ScratchFolder folder;
     settingsLoad();
     const std::pair<const char *, int> numbers[] = {
@@ -89,12 +89,12 @@ TEST(Settings, NumbersAndColours) {
         ASSERT_TRUE(settingsSetValue("Number", text));
         EXPECT_EQ(settingsInt("Number"), number) << text;
     }
-    const std::pair<const char *, std::uint32_t> colours[] = {
+    const std::pair<const char *, std::uint32_t> colors[] = {
         {"255, 128, 1", 0x0180FF}, {"1,2,3", 0x030201},   {"0,0", 0}, {"12", 0},
         {"256,255,-1", 0xFFFF00},  {"1,2,3,4", 0x040201}, {",,", 0}};
-    for (const auto &[text, colour] : colours) {
+    for (const auto &[text, color] : colors) {
         ASSERT_TRUE(settingsSetValue("Colour", text));
-        EXPECT_EQ(settingsColour("Colour"), colour) << text;
+        EXPECT_EQ(settingsColour("Colour"), color) << text;
     }
     EXPECT_TRUE(settingsSetColour("Colour", 0x0A141E));
     EXPECT_EQ(settingsValue("Colour"), "30,20,10");

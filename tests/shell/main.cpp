@@ -1,3 +1,4 @@
+// The window's tests on a display that nobody sees; with --second-copy a start beside a program that runs.
 #include <gtest/gtest.h>
 
 #include <QApplication>

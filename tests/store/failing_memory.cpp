@@ -1,3 +1,4 @@
+// The program's allocations, of which a test has some fail.
 #include "support/failing_memory.h"
 
 #include <cstdlib>

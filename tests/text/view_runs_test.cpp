@@ -98,14 +98,14 @@ TEST_F(ViewRuns, CharactersWithoutACodeAreTheFault) {
     const LineReading reading = readLine(line, true);
     EXPECT_EQ(reading.faultAt, 2);
     EXPECT_EQ(shownLine(line, reading), line);
-    EXPECT_THAT(colourRuns(line, reading),
-                ElementsAre(ColourRun{0, 2, RunClass::ascii}, ColourRun{2, 1, RunClass::error}));
+    EXPECT_THAT(colorRuns(line, reading),
+                ElementsAre(ColorRun{0, 2, RunClass::ascii}, ColorRun{2, 1, RunClass::error}));
 }
 
 std::string classesOf(std::string_view tokens) {
     const ViewLine line = viewLines(imageOf(tokens)).front();
     std::string classes;
-    for (const ColourRun &run : colourRuns(line, readLine(line, true)))
+    for (const ColorRun &run : colorRuns(line, readLine(line, true)))
         classes += std::to_string(static_cast<int>(run.runClass)) + ":" + std::to_string(run.size) + " ";
     return classes;
 }

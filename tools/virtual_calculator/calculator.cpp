@@ -41,9 +41,9 @@ void sayData(Calculator &own) {
     const auto begin = own.item.data.begin() + static_cast<std::ptrdiff_t>(own.position);
     say(own, Bytes(begin, begin + static_cast<std::ptrdiff_t>(count)));
     own.position += count;
-    const bool colourScreen = startsWith(own.item.head, ":DC");
+    const bool colorScreen = startsWith(own.item.head, ":DC");
     const bool whole = own.position == own.item.data.size();
-    own.state = whole && !colourScreen ? State::waitLast : State::waitDataAnswer;
+    own.state = whole && !colorScreen ? State::waitLast : State::waitDataAnswer;
 }
 
 void endItem(Calculator &own) {

@@ -155,16 +155,16 @@ Item valueItem(const std::string &type, const std::string &name, const std::stri
     return item;
 }
 
-Item picture(int height, int width, int colours, int sheets, std::uint8_t seed) {
+Item picture(int height, int width, int colors, int sheets, std::uint8_t seed) {
     Item item{filled(typed("IMG", "PC"), 50), {}};
     putNumber(item.head, 7, static_cast<std::size_t>(height));
     putNumber(item.head, 9, static_cast<std::size_t>(width));
     put(item.head, 11, "Picture1");
     put(item.head, 27, "DRUWF");
-    putNumber(item.head, 32, static_cast<std::size_t>(colours));
+    putNumber(item.head, 32, static_cast<std::size_t>(colors));
     putNumber(item.head, 34, static_cast<std::size_t>(sheets));
     setSum(item.head);
-    for (int i = 0; i < colours * sheets; i++)
+    for (int i = 0; i < colors * sheets; i++)
         append(item.data, summedFrame(frameLength(item.head), static_cast<std::uint8_t>(seed + i)));
     return item;
 }
@@ -178,13 +178,13 @@ Item memory(const std::string &type, const std::string &name, std::size_t length
     return item;
 }
 
-Item screenCopy(bool colour, int height, int width, std::uint8_t seed) {
-    Item item{filled(colour ? ":DC" : ":DD", 40), {}};
+Item screenCopy(bool color, int height, int width, std::uint8_t seed) {
+    Item item{filled(color ? ":DC" : ":DD", 40), {}};
     item.head[3] = static_cast<std::uint8_t>(height);
     item.head[4] = static_cast<std::uint8_t>(width);
     setSum(item.head);
-    if (!colour) item.data = summedFrame(dataLength(item.head), seed);
-    for (int i = 0; colour && i < 3; i++)
+    if (!color) item.data = summedFrame(dataLength(item.head), seed);
+    for (int i = 0; color && i < 3; i++)
         append(item.data, summedFrame(frameLength(item.head), static_cast<std::uint8_t>(seed + i)));
     return item;
 }

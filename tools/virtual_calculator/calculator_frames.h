@@ -36,9 +36,9 @@ std::vector<Item> itemsOf(const Bytes &file);
 Item program(const std::string &name, const Bytes &tokens);
 Item valueItem(const std::string &type, const std::string &name, const std::string &group, int rows, int columns,
                std::uint8_t seed);
-Item picture(int height, int width, int colours, int sheets, std::uint8_t seed);
+Item picture(int height, int width, int colors, int sheets, std::uint8_t seed);
 Item memory(const std::string &type, const std::string &name, std::size_t length, std::uint8_t seed);
-Item screenCopy(bool colour, int height, int width, std::uint8_t seed);
+Item screenCopy(bool color, int height, int width, std::uint8_t seed);
 Item algebraProgram(const std::string &name, const Bytes &tokens);
 Item algebraBlock(const std::string &name, std::uint8_t type, std::size_t length, std::uint8_t seed);
 

@@ -8,7 +8,7 @@
 
 namespace numalink {
 
-bool evaluatePlainly = false;
+bool evaluateWithoutShortcuts = false;
 
 namespace {
 
@@ -111,7 +111,7 @@ void evaluate(ProgramCell *cells, int first, int &count) {
     pace(paceUnits::evaluation);
     if (count <= 0) return;
     Stretch stretch{cells, first, count};
-    if (evaluatePlainly) {
+    if (evaluateWithoutShortcuts) {
         runPlainly(stretch);
         return;
     }

@@ -21,6 +21,6 @@ ProgramCell evaluateGraphFunction(int digit);
 
 // Walk every pass and every compaction, also where there is nothing for them to act on, and make no plans of
 // statements: what all faster ways are measured by. Set between runs.
-extern bool evaluatePlainly;
+extern bool evaluateWithoutShortcuts;
 
 }  // namespace numalink

@@ -26,7 +26,7 @@ CellKind arrayKind(const ProgramCell &cell) {
 // up to the end of the subscripts (makeCopiesOfBorrowed).
 MatrixDescriptor *arrayForExpression(const Stretch &stretch, int p, MatrixDescriptor *array) {
     const bool isSubscripted = isToken(stretch.cellOrNothing(p + 2), token::openBracket);
-    if (isSubscripted && !evaluatePlainly && matrixBorrow(array)) return array;
+    if (isSubscripted && !evaluateWithoutShortcuts && matrixBorrow(array)) return array;
     return matrixCopy(ownedTemporarily, array);
 }
 

@@ -61,7 +61,7 @@ struct OperatorRow {
 };
 
 // Whether a token opens a pair of parentheses, and whether it is a function call. It follows the token table as it was
-// when openingTokensRefresh (vocabulary.h) last ran.
+// when refreshOpeningTokens (vocabulary.h) last ran.
 enum class Opening : std::uint8_t { none, plain, function };
 
 // Looked up by the lead byte's page, then by the byte that counts.
@@ -74,7 +74,7 @@ struct TokenFacts {
     ComplexValue *variable = nullptr;  // what variableRef gives
 };
 using TokenPage = std::array<TokenFacts, 256>;
-inline std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by openingTokensRefresh alone
+inline std::array<TokenPage, 3> tokenFacts;  // one-byte tokens, 0x7F, 0xF7; written by refreshOpeningTokens alone
 
 inline const TokenFacts &factsOf(const ProgramCell &cell) {  // of a token cell
     if (!isTwoByteLead(cell.token1)) return tokenFacts[0][cell.token1];

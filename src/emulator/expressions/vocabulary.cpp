@@ -193,7 +193,7 @@ void randomRestart() { chanceState = firstChance; }
 
 std::span<const OperatorRow> operatorRows() { return rows; }
 
-void openingTokensRefresh() {
+void refreshOpeningTokens() {
     constexpr std::uint8_t leads[] = {0, 0x7F, 0xF7};
     for (std::size_t page = 0; page < tokenFacts.size(); page++) {
         for (int byte = 0; byte < 256; byte++) {

@@ -14,6 +14,6 @@ std::span<const OperatorRow> operatorRows();  // in the order of the steps, then
 void randomRestart();
 
 // Fills tokenFacts from the rows and from the token table as it is: machineStart does that.
-void openingTokensRefresh();
+void refreshOpeningTokens();
 
 }  // namespace numalink

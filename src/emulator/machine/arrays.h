@@ -9,7 +9,7 @@ namespace numalink {
 void poolReset();
 
 // The first free row of the table, its elements 0.0. Columns first: a list of n elements is (owner, 1, n). A size
-// below 0 counts as 0. When table or pool gives out: the box (text 54 or 55) once a run, machine.exhausted is set,
+// below 0 counts as 0. When table or pool gives out: a box once a run, machine.exhausted is set,
 // and the result is an empty array outside of the table, which every operation here accepts.
 MatrixDescriptor *matrixAllocate(std::int32_t owner, int cols, int rows);
 

@@ -26,7 +26,7 @@ void runHalt(RunEnd cause) {
     runHalted = true;
 }
 
-void runEndForget(RunEnd cause) {
+void resetRunEnd(RunEnd cause) {
     endCause = cause;
     runHalted = false;
 }

@@ -32,7 +32,7 @@ void waitPassSleep(std::uint64_t milliseconds);
 void waitPassPace(int units);
 
 // What the runner alone asks.
-void runEndForget(RunEnd cause);  // a new run: not halted, with that as what runEndCause tells
+void resetRunEnd(RunEnd cause);  // a new run: not halted, with that as what runEndCause tells
 RunEnd runEndCause();
 void runWake();  // behind clearing emulatorRunning: ends the sleeps of waits
 

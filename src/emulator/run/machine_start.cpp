@@ -32,7 +32,7 @@ void machineStart() {
     poolReset();
     errorShown = showError;
     machine.exhausted = false;
-    openingTokensRefresh();
+    refreshOpeningTokens();
     emptySlots();
     if (settingsInt(setting::fillListsMatrices) != 0) fillSlots();
     clearText();

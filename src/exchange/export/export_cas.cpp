@@ -15,7 +15,7 @@ constexpr std::size_t screenBlocks = 3;  // of a colour screen
 std::uint64_t summedLength(ItemKind itemKind, ByteView head, std::size_t dataSize) {
     if (itemKind == kind::picture) return picturePlaneLength(head);
     if (isValuesKind(itemKind)) return valueFrameSize;
-    if (itemKind == kind::colourScreen && dataSize % screenBlocks == 0) return dataSize / screenBlocks;
+    if (itemKind == kind::colorScreen && dataSize % screenBlocks == 0) return dataSize / screenBlocks;
     return dataSize;
 }
 

@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -16,6 +17,7 @@
 
 #include "shell/editor/program_document.h"
 #include "shell/parts/color_contrast.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
@@ -56,25 +58,25 @@ constexpr std::string_view previewTokens =
     "A\x89\x7F\x40"
     "1\xFA"sv;
 
-std::array<QColor, runClassCount> colours;
+std::array<QColor, runClassCount> colors;
 std::array<QPushButton *, runClassCount> buttons;
 QPlainTextEdit *preview = nullptr;
 
 std::size_t placeOf(RunClass runClass) { return static_cast<std::size_t>(runClass); }
 
-QIcon swatchIcon(const QColor &colour, const QWidget *widget) {
+QIcon swatchIcon(const QColor &color, const QWidget *widget) {
     const qreal scale = widget->devicePixelRatioF();
     QPixmap picture(qRound(swatchWidth * scale), qRound(swatchHeight * scale));
     picture.setDevicePixelRatio(scale);
-    picture.fill(colour);
+    picture.fill(color);
     QPainter painter(&picture);
     painter.setPen(widget->palette().color(QPalette::Mid));
     painter.drawRect(QRectF(0.5, 0.5, swatchWidth - 1, swatchHeight - 1));
     return QIcon(picture);
 }
 
-void showColours() {
-    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colours[i], preview));
+void showColors() {
+    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colors[i], preview));
     const QColor ground = preview->palette().color(QPalette::Base);
     Bytes image(std::size(previewTokens) + 2, 0xFF);  // ':', the tokens, the end mark
     image[0] = ':';
@@ -83,28 +85,34 @@ void showColours() {
     QTextCursor cursor(preview->document());
     for (const ViewLine &line : viewLines(image)) {
         if (!cursor.atStart()) cursor.insertBlock();
-        for (const ColourRun &run : colourRuns(line, readLine(line, false))) {
+        for (const ColorRun &run : colorRuns(line, readLine(line, false))) {
             QTextCharFormat format;
-            format.setForeground(readableOn(ground, colours[placeOf(run.runClass)]));
+            format.setForeground(readableOn(ground, colors[placeOf(run.runClass)]));
             cursor.insertText(qtFromCodes(std::string_view(line.text).substr(run.from, run.size)), format);
         }
     }
     preview->moveCursor(QTextCursor::Start);
 }
 
-void chooseColour(RunClass runClass, const QString &name) {
-    const QColor chosen = QColorDialog::getColor(colours[placeOf(runClass)], preview->window(), name);
+void chooseColor(RunClass runClass, const QString &name) {
+    const QColor chosen = QColorDialog::getColor(colors[placeOf(runClass)], preview->window(), name);
     if (!chosen.isValid()) return;
-    colours[placeOf(runClass)] = chosen;
-    showColours();
+    colors[placeOf(runClass)] = chosen;
+    showColors();
 }
 
 // A scheme is no use with highlighting off: the choice turns it on.
 void takeScheme(const ColorScheme &scheme) {
-    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = QColor::fromRgb(scheme[i]);
+    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = QColor::fromRgb(scheme[i]);
     if (auto *box = preview->window()->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting)))
         box->setChecked(true);
-    showColours();
+    showColors();
+}
+
+QPushButton *addChoice(QMessageBox &question, Text text, const char *name) {
+    QPushButton *button = question.addButton(textOf(text), QMessageBox::AcceptRole);
+    button->setObjectName(QString::fromLatin1(name));
+    return button;
 }
 
 void addSwatches(QGridLayout *grid) {
@@ -118,7 +126,7 @@ void addSwatches(QGridLayout *grid) {
         const QString name = textOf(row.text);
         button->setAccessibleName(name);
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
-        QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColour(row.runClass, name); });
+        QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColor(row.runClass, name); });
         buttons[placeOf(row.runClass)] = button;
         auto *label = new QLabel(name);
         label->setBuddy(button);
@@ -144,35 +152,54 @@ void makePreview() {
     preview->setLineWrapMode(QPlainTextEdit::NoWrap);
     preview->setAccessibleName(textOf(Text::colorPreview));
     preview->setTabChangesFocus(true);
-    preview->setMinimumWidth(300);
-    preview->setFixedHeight(previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
+    preview->setMinimumSize(300, previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
     preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 }  // namespace
 
+void offerSchemeForBlack() {
+    const auto isBlack = [](const QColor &color) { return color == Qt::black; };
+    if (preview == nullptr || !std::ranges::all_of(colors, isBlack)) return;
+    QMessageBox question(QMessageBox::Question, boxTitle(false), textOf(Text::colorsAllBlack), QMessageBox::NoButton,
+                         preview->window());
+    question.setTextFormat(Qt::PlainText);
+    QPushButton *light = addChoice(question, Text::schemeLight, "offerLight");
+    QPushButton *dark = addChoice(question, Text::schemeDark, "offerDark");
+    QPushButton *none = addChoice(question, Text::schemeDefault, "offerNone");
+    question.setEscapeButton(none);
+    const bool isDark = &schemeOn(preview->palette().color(QPalette::Base)) == &darkScheme;
+    question.setDefaultButton(isDark ? dark : light);
+    question.exec();
+    if (question.clickedButton() == light) takeScheme(lightScheme);
+    if (question.clickedButton() == dark) takeScheme(darkScheme);
+}
+
 QWidget *makeColorSwatches() {
     auto *part = new QWidget;
-    auto *layout = new QVBoxLayout(part);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto *title = new QLabel(textOf(Text::settingsColors));
-    layout->addWidget(title);
+    auto *sides = new QHBoxLayout(part);
+    sides->setContentsMargins(0, 0, 0, 0);
+    auto *choices = new QVBoxLayout;
+    choices->addWidget(new QLabel(textOf(Text::settingsColors)));
     auto *grid = new QGridLayout;
     addSwatches(grid);
-    layout->addLayout(grid);
-    layout->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
-    layout->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
+    choices->addLayout(grid);
+    choices->addStretch();
+    sides->addLayout(choices);
     makePreview();
-    layout->addWidget(new QLabel(textOf(Text::colorPreview)));
-    layout->addWidget(preview);
-    layout->addStretch();
-    for (std::size_t i = 0; i < colours.size(); i++) colours[i] = qtColour(settingsColour(programColorKeys[i]));
-    showColours();
+    auto *shown = new QVBoxLayout;
+    shown->addWidget(new QLabel(textOf(Text::colorPreview)));
+    shown->addWidget(preview, 1);
+    shown->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
+    shown->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
+    sides->addLayout(shown, 1);
+    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = qtColor(settingsColour(programColorKeys[i]));
+    showColors();
     return part;
 }
 
 void storeSwatches() {
-    for (std::size_t i = 0; i < colours.size(); i++) settingsSetColour(programColorKeys[i], settingColour(colours[i]));
+    for (std::size_t i = 0; i < colors.size(); i++) settingsSetColour(programColorKeys[i], settingColor(colors[i]));
 }
 
 void forgetSwatches() {

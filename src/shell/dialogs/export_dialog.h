@@ -1,4 +1,4 @@
-// Dialog 119: which items go into a file, and into what sort of file. Graphical thread only.
+// The question of an export: which items go into a file, and into what sort of file. Graphical thread only.
 #pragma once
 
 #include "telling/user_interface.h"

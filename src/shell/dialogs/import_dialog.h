@@ -1,4 +1,4 @@
-// Dialog 111: where the items of an import go. Graphical thread only.
+// The question where the items of an import go. Graphical thread only.
 #pragma once
 
 #include "telling/user_interface.h"
@@ -6,5 +6,6 @@
 namespace numalink {
 
 void askImport(ImportQuestion &question);
+ImportTaken askImportTaken(const ImportTakenQuestion &question);
 
 }  // namespace numalink

@@ -1,5 +1,4 @@
-// Dialogs 108 and 110, which the link asks: may an item on the calculator be replaced, and which picture slot. Any
-// thread.
+// What the link asks: may an item on the calculator be replaced, and which picture slot. Any thread.
 #pragma once
 
 #include <string>

@@ -25,7 +25,7 @@ struct LineMemory : QTextBlockUserData {
 };
 
 bool highlighting = false;
-std::array<QColor, runClassCount> colours;
+std::array<QColor, runClassCount> colors;
 
 QTextCharFormat formatOf(CodeOrigin from) {
     QTextCharFormat format;
@@ -153,23 +153,23 @@ void convertBlock(const QTextBlock &block) {
     programEdit->setTextCursor(back);
 }
 
-void readColours() {
+void readColors() {
     highlighting = settingsInt(setting::syntaxHighlighting) == 1;
     const QColor ground = programEdit->palette().color(QPalette::Base);
-    for (std::size_t i = 0; i < colours.size(); i++)
-        colours[i] = readableOn(ground, qtColour(settingsColour(programColorKeys[i])));
+    for (std::size_t i = 0; i < colors.size(); i++)
+        colors[i] = readableOn(ground, qtColor(settingsColour(programColorKeys[i])));
 }
 
-void colourBlock(const QTextBlock &block) {
+void colorBlock(const QTextBlock &block) {
     QList<QTextLayout::FormatRange> ranges;
     if (highlighting) {
         ViewLine line;
         const LineReading reading = readBlock(block, line);
-        for (const ColourRun &run : colourRuns(line, reading)) {
+        for (const ColorRun &run : colorRuns(line, reading)) {
             QTextLayout::FormatRange range;
             range.start = static_cast<int>(run.from);
             range.length = static_cast<int>(run.size);
-            range.format.setForeground(colours[static_cast<std::size_t>(run.runClass)]);
+            range.format.setForeground(colors[static_cast<std::size_t>(run.runClass)]);
             ranges.append(range);
         }
     }
@@ -179,8 +179,8 @@ void colourBlock(const QTextBlock &block) {
     programEdit->document()->markContentsDirty(block.position(), block.length());
 }
 
-void colourDocument() {
-    for (QTextBlock block = programEdit->document()->begin(); block.isValid(); block = block.next()) colourBlock(block);
+void colorDocument() {
+    for (QTextBlock block = programEdit->document()->begin(); block.isValid(); block = block.next()) colorBlock(block);
 }
 
 }  // namespace numalink

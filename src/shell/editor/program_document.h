@@ -28,8 +28,8 @@ void rememberLine(QTextBlock block, const ViewLine &line);
 void convertBlock(const QTextBlock &block);
 
 // Colours a block by the settings; no colours with highlighting off.
-void colourBlock(const QTextBlock &block);
-void colourDocument();
-void readColours();  // takes the eight colours and the switch from the settings
+void colorBlock(const QTextBlock &block);
+void colorDocument();
+void readColors();  // takes the eight colours and the switch from the settings
 
 }  // namespace numalink

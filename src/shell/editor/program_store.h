@@ -9,8 +9,8 @@ namespace numalink {
 void takeOpenedProgram(const StoredItem &item);
 void forgetOpenedProgram();
 
-// Stores the text on view. False with the cause told where it can't be: a character without a code (text 18 with the
-// line, the caret is put on the character), or a failed write. An item that has gone comes back under a free name.
+// Stores the text on view. False with the cause told where it can't be: a character without a code (a box names
+// the line, the caret is put on the character), or a failed write. An item that has gone comes back under a free name.
 bool storeEditedProgram();
 
 enum class Leaving { view, program, atOnce };

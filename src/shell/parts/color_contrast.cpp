@@ -9,8 +9,8 @@ namespace {
 
 double linear(double part) { return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); }
 
-double luminance(const QColor &colour) {
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+double luminance(const QColor &color) {
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
 QColor mixed(const QColor &from, const QColor &to, double share) {
@@ -25,13 +25,13 @@ double contrastOf(const QColor &one, const QColor &other) {
     return (light + 0.05) / (dark + 0.05);
 }
 
-QColor readableOn(const QColor &ground, const QColor &colour) {
+QColor readableOn(const QColor &ground, const QColor &color) {
     constexpr int steps = 20;
     const QColor black(Qt::black);
     const QColor white(Qt::white);
     const QColor goal = contrastOf(ground, black) > contrastOf(ground, white) ? black : white;
     for (int step = 0; step <= steps; step++) {
-        const QColor nearer = mixed(colour, goal, static_cast<double>(step) / steps);
+        const QColor nearer = mixed(color, goal, static_cast<double>(step) / steps);
         if (contrastOf(ground, nearer) >= readableContrast) return nearer;
     }
     return goal;

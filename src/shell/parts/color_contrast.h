@@ -10,6 +10,6 @@ inline constexpr double readableContrast = 4.5;
 double contrastOf(const QColor &one, const QColor &other);
 
 // The colour itself where it reads on the ground, else the nearest one toward black or white that does.
-QColor readableOn(const QColor &ground, const QColor &colour);
+QColor readableOn(const QColor &ground, const QColor &color);
 
 }  // namespace numalink

@@ -76,7 +76,7 @@ Fault tempFolder(ItemId &id) REQUIRES_LOCK(storeLock) {
 template <typename Find>
 ItemId foundOrTold(Find find) {
     ItemId id = noItem;
-    return storeTold(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return find(id); })) ? id : noItem;
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return find(id); })) ? id : noItem;
 }
 
 }  // namespace
@@ -107,12 +107,12 @@ ItemId storeTempFolder() {
     return foundOrTold([](ItemId &id) REQUIRES_LOCK(storeLock) { return tempFolder(id); });
 }
 
-void storeTidyTemp() {
-    withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); });
+void storeTidyTemp(const std::vector<ItemId> &kept) {
+    withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return resetTemp(kept); });
 }
 
-bool storeResetTemp() {
-    return storeTold(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
+bool storeResetTemp(const std::vector<ItemId> &kept) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return resetTemp(kept); }));
 }
 
 }  // namespace numalink
