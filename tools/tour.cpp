@@ -27,6 +27,7 @@
 #include "shell/parts/program_colors.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/selection.h"
 #include "shell/views/surface_view.h"
 #include "store/item_store.h"
 #include "virtual_calculator/calculator_mover.h"

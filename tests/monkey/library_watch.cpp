@@ -11,11 +11,14 @@
 #include "shell/app/start_up.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
 #include "shell/tree/tree_rules.h"
-#include "shell/views/item_views.h"
+
 #include "store/care/library_check.h"
 #include "store/item_store.h"
 

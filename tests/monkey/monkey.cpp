@@ -27,8 +27,10 @@
 #include "shell/commands/menus.h"
 #include "shell/dialogs/settings_dialog.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/selection.h"
 #include "store/item_store.h"
 
 namespace monkey {

@@ -1,5 +1,6 @@
 // The editor by key events: what is typed becomes tokens at once, untouched bytes stay, undo goes key by key.
 #include "calculator/frames.h"
+#include "shell/app/draft_offer.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/editor/program_store.h"

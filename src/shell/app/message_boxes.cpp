@@ -18,8 +18,8 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/status_bar.h"
+#include "shell/parts/tree_refresh.h"
 #include "shell/run/emulator_window.h"
-#include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
 #include "telling/graphical_calls.h"
 #include "telling/user_interface.h"
@@ -65,10 +65,8 @@ QDialog *makeBox(const Box &box) {
     return window;
 }
 
-bool boxesSilent = false;  // graphical thread only
-
 Answer messageBox(const Box &box) {
-    if (threadRole == ThreadRole::graphical && boxesSilent) return Answer::cancel;
+    if (threadRole == ThreadRole::graphical && boxesSilenced()) return Answer::cancel;
     const int button = askByDialog([box] { return makeBox(box); });
     if (button == QMessageBox::Yes) QMetaObject::invokeMethod(qApp, goToRunFault, Qt::QueuedConnection);
     return button == QMessageBox::Ok ? Answer::ok : Answer::cancel;
@@ -121,8 +119,6 @@ void installUserInterface() {
     userInterface.askExport = askExport;
     userInterface.askBitmap = askBitmap;
 }
-
-void silenceBoxes(bool on) { boxesSilent = on; }
 
 void removeUserInterface() { userInterface = userInterfaceSilent; }
 

@@ -7,7 +7,4 @@ namespace numalink {
 void installUserInterface();
 void removeUserInterface();
 
-// While on, boxes of the graphical thread are answered with "cancel" unseen: the program ends at once.
-void silenceBoxes(bool on);
-
 }  // namespace numalink

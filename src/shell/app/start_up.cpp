@@ -11,6 +11,7 @@
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
+#include "shell/app/draft_offer.h"
 #include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
 #include "shell/app/qt_language.h"
@@ -23,11 +24,13 @@
 #include "shell/commands/undo_menu.h"
 #include "shell/commands/view_menu.h"
 #include "shell/dialogs/about_box.h"
-#include "shell/editor/program_drafts.h"
+#include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
-#include "shell/tree/item_tree.h"
+#include "shell/parts/upward_calls.h"
+#include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
+#include "shell/tree/tree_mouse.h"
 #include "shell/views/item_views.h"
 #include "store/care/daily_copies.h"
 #include "store/item_store.h"
@@ -90,14 +93,17 @@ constexpr StartStep startSteps[] = {
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
+    {"calls upward", [] { return done([] { fillUpwardCalls(shutDown, shuttingDown); }); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
+    {"editor", [] { return done(makeProgramEdit); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
     {"communication menu", [] { return done(buildCommunicationMenu); }, false},
     {"undo menu", [] { return done(buildUndoMenu); }, false},
     {"view menu", [] { return done(buildViewMenu); }, false},
     {"views", [] { return done(connectViews); }, false},
+    {"emulator", [] { return done(makeEmulatorWindow); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
@@ -106,12 +112,12 @@ constexpr StartStep startSteps[] = {
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
-    {"notification area", [] { return done(addTrayIcon); }, false},
+    {"notification area", [] { return done([] { addTrayIcon(shutDown); }); }, false},
     {"tokens", tokenTableLoad, false},
     {"large font", loadLargeFont, false},
     {"small font", loadSmallFont, false},
     {"link", [] { return done(startLink); }, false},
-    {"signals", [] { return done(watchStopSignals); }, false},
+    {"signals", [] { return done([] { watchStopSignals(shutDownAtOnce); }); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
 
@@ -179,6 +185,8 @@ void tearDown() {
     forgetMenus();
     forgetTree();
     forgetViews();
+    forgetEmulatorWindow();
+    upwardCalls = {};
     destroyWidgets();
 }
 

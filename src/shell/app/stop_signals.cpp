@@ -10,8 +10,6 @@
 #include <cerrno>
 #include <csignal>
 
-#include "shell/app/start_up.h"
-
 namespace numalink {
 
 namespace {
@@ -31,16 +29,16 @@ void onSignal(int) {
 
 }  // namespace
 
-void watchStopSignals() {
+void watchStopSignals(void (*stop)()) {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, signalPair) != 0) return;
     notifier = new QSocketNotifier(signalPair[1], QSocketNotifier::Read);
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] {
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [stop] {
         char marks[16];
         [[maybe_unused]] const ssize_t count = ::read(signalPair[1], marks, sizeof marks);
-        shutDownAtOnce();
+        stop();
     });
-    for (const int stop : stopSignals) std::signal(stop, onSignal);
-    QObject::connect(qApp, &QGuiApplication::commitDataRequest, notifier, [](QSessionManager &) { shutDownAtOnce(); });
+    for (const int number : stopSignals) std::signal(number, onSignal);
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, notifier, [stop](QSessionManager &) { stop(); });
 }
 
 void forgetStopSignals() {

@@ -10,12 +10,11 @@
 #include <utility>
 
 #include "emulator/machine/machine.h"
-#include "shell/app/start_up.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/debug_window.h"
-#include "shell/views/item_views.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -78,9 +77,9 @@ void raiseMainWindow() {
     }
 }
 
-void addTrayIcon() {
+void addTrayIcon(void (*exit)()) {
     trayMenu = new QMenu;
-    trayMenu->addAction(textOf(Text::trayExit), mainWindow, shutDown);
+    trayMenu->addAction(textOf(Text::trayExit), mainWindow, exit);
     trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
     trayIcon->setToolTip(QString::fromLatin1(programTitle));
     trayIcon->setContextMenu(trayMenu);

@@ -14,23 +14,26 @@
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
 #include "platform/thread_role.h"
-#include "shell/app/start_up.h"
 #include "shell/commands/command_table.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/editor/program_store.h"
+#include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/tree_refresh.h"
+#include "shell/parts/upward_calls.h"
 #include "shell/tree/delete_question.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
+#include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
-
-bool treeVisible = true;
 
 namespace {
 
@@ -55,14 +58,14 @@ void importWaitingFiles() {
         return;
     }
     importing = true;
-    while (!filesToImport.isEmpty() && !shuttingDown()) {
+    while (!filesToImport.isEmpty() && !upwardCalls.programEnds()) {
         const QString path = filesToImport.takeFirst();
         importFile(QFile::encodeName(path).toStdString(), importBaseName(path.toStdString()));
     }
     importing = false;
     filesToImport.clear();
     refreshTree();
-    if (!shuttingDown()) showAfterImport();
+    if (!upwardCalls.programEnds()) showAfterImport();
 }
 
 int runRow(const Command &row) {
@@ -106,7 +109,7 @@ void importDropped(const QStringList &paths) {
 }
 
 int exitProgram() {
-    shutDown();
+    upwardCalls.endProgram();
     return 1;
 }
 

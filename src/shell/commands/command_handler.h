@@ -23,6 +23,4 @@ int showAbout();
 // Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
 void importDropped(const QStringList &paths);
 
-extern bool treeVisible;
-
 }  // namespace numalink

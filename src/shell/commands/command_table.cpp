@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "shell/app/start_up.h"
 #include "shell/commands/command_handler.h"
 #include "shell/commands/link_commands.h"
 #include "shell/dialogs/export_dialog.h"

@@ -22,8 +22,8 @@
 #include "shell/dialogs/settings_dialog.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/item_tree.h"
 #include "store/item_store.h"
 
 namespace numalink {

@@ -16,7 +16,6 @@
 #include "link/transmit_queue.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/item_tree.h"
 
 namespace numalink {
 

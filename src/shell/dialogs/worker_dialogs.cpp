@@ -6,7 +6,7 @@
 #include <map>
 #include <memory>
 
-#include "shell/tree/item_tree.h"
+#include "shell/parts/tree_refresh.h"
 #include "telling/graphical_calls.h"
 
 namespace numalink {

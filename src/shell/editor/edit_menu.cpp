@@ -8,7 +8,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/item_tree.h"
+#include "shell/parts/tree_refresh.h"
 
 namespace numalink {
 

@@ -15,8 +15,8 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/views/item_views.h"
 #include "telling/tell_user.h"
 #include "text/lenient_text.h"
 

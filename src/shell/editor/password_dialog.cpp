@@ -8,11 +8,11 @@
 #include <QVBoxLayout>
 
 #include "calculator/program_info.h"
+#include "shell/editor/program_status.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/item_tree.h"
-#include "shell/views/item_views.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
@@ -73,7 +73,7 @@ int changePassword() {
         return 1;
     }
     info->password = codes;
-    if (storeRewriteHead(id, encodeProgramInfo(*info))) itemInfoToStatus(id);
+    if (storeRewriteHead(id, encodeProgramInfo(*info))) programToStatus(id);
     return 1;
 }
 

@@ -1,8 +1,10 @@
-// Texts that could not be stored when the program ended: files beside the library, offered at the next start. Graphical
-// thread only.
+// Texts that could not be stored when the program ended: files beside the library, which the next start reads.
+// Graphical thread only.
 #pragma once
 
 #include <QString>
+#include <optional>
+#include <string>
 
 #include "store/item_store.h"
 
@@ -15,8 +17,18 @@ void forgetDraft();   // the open draft's text is stored or not wanted: its file
 
 std::string draftFolder();
 
-// Asks for each draft that lies there: open, delete, or ask again next time. The first that is opened ends the
-// questions.
-void offerDrafts();
+// What a draft's file holds.
+struct Draft {
+    std::string path;
+    ItemId id = noItem;
+    ItemKind kind = kind::program;
+    QString name;
+    QString text;
+};
+
+inline constexpr int draftLimit = 99;        // drafts are numbered from 1 on
+std::optional<Draft> readDraft(int number);  // nothing where none lies, or none of this program's making
+void takeDraft(const Draft &draft);          // its text is on view: it is the open draft from now on
+void removeDraft(const Draft &draft);
 
 }  // namespace numalink

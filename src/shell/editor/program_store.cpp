@@ -10,15 +10,15 @@
 #include "calculator/frames.h"
 #include "calculator/program_info.h"
 #include "link/transmit_queue.h"
-#include "shell/app/message_boxes.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_drafts.h"
+#include "shell/editor/program_status.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/item_tree.h"
-#include "shell/views/item_views.h"
+#include "shell/parts/tree_refresh.h"
 #include "telling/tell_user.h"
 #include "text/text_faults.h"
 
@@ -124,7 +124,7 @@ bool writeText(const ReadText &read) {
     }
     takeReference();
     forgetDraft();
-    itemInfoToStatus(viewItemId);
+    programToStatus(viewItemId);
     tellWhenTooLong(viewItemId);
     return true;
 }

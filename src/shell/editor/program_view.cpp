@@ -13,11 +13,13 @@
 #include <vector>
 
 #include "calculator/charset.h"
-#include "shell/editor/edit_menu.h"
 #include "shell/editor/line_numbers.h"
 #include "shell/editor/program_document.h"
+#include "shell/editor/program_edit.h"
 #include "shell/parts/event_hook.h"
+#include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
 #include "text/lenient_text.h"
 #include "text/token_table.h"
 
@@ -237,13 +239,27 @@ void fill(const std::vector<ViewLine> &lines) {
 
 }  // namespace
 
+void makeProgramEdit() {
+    programEdit = new ProgramEdit(clientArea);
+    programEdit->setObjectName(QStringLiteral("programEdit"));
+    programEdit->setAccessibleName(textOf(Text::settingsEditor));
+    programEdit->setFont(programFont());
+    programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    programEdit->setTabChangesFocus(true);
+    programEdit->setFrameShape(QFrame::NoFrame);
+    programEdit->hide();
+    lineNumberEdit = new QWidget(clientArea);
+    lineNumberEdit->setObjectName(QStringLiteral("lineNumberEdit"));
+    lineNumberEdit->setFocusPolicy(Qt::NoFocus);
+    lineNumberEdit->hide();
+}
+
 void connectProgramView() {
     useDocument(newDocument());
     QObject::connect(programEdit, &QPlainTextEdit::cursorPositionChanged, programEdit, caretMoved);
     QObject::connect(programEdit, &QPlainTextEdit::selectionChanged, programEdit, caretMoved);
     QObject::connect(programEdit, &QPlainTextEdit::updateRequest, programEdit, updateLineNumbers);
     hookEvents(programEdit, editEvent);
-    connectEditMenu();
     connectLineNumbers();
 }
 

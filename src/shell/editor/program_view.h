@@ -9,6 +9,7 @@
 
 namespace numalink {
 
+void makeProgramEdit();  // programEdit and lineNumberEdit, once clientArea is there
 void connectProgramView();
 void forgetProgramView();
 

@@ -9,6 +9,15 @@
 
 namespace numalink {
 
+namespace {
+
+bool boxesSilent = false;
+
+}  // namespace
+
+void silenceBoxes(bool on) { boxesSilent = on; }
+bool boxesSilenced() { return boxesSilent; }
+
 QString boxTitle(bool warns) { return warns ? textOf(Text::warningTitle) : QString::fromLatin1(programTitle); }
 
 QDialogButtonBox *dialogButtons(QDialog *dialog) {

@@ -14,4 +14,8 @@ QString boxTitle(bool warns);
 // OK, the default, and Cancel, in the program's wording, wired to the dialog.
 QDialogButtonBox *dialogButtons(QDialog *dialog);
 
+// While on, boxes of the graphical thread are answered with "cancel" unseen: the program ends at once.
+void silenceBoxes(bool on);
+bool boxesSilenced();
+
 }  // namespace numalink

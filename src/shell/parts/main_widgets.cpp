@@ -5,7 +5,6 @@
 #include <QIcon>
 #include <QLabel>
 #include <QMainWindow>
-#include <QPlainTextEdit>
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
@@ -13,8 +12,6 @@
 #include <QTreeWidget>
 #include <algorithm>
 
-#include "shell/commands/command_handler.h"
-#include "shell/editor/program_edit.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/status_bar.h"
@@ -32,6 +29,7 @@ QLabel *itemField = nullptr;
 QPlainTextEdit *programEdit = nullptr;
 QWidget *lineNumberEdit = nullptr;
 QWidget *containerWindow = nullptr;
+QWidget *emulatorWindow = nullptr;
 QToolBar *toolbar = nullptr;
 QMenu *itemMenu = nullptr;
 
@@ -54,21 +52,6 @@ void makeTree() {
     treeView->setUniformRowHeights(true);
 }
 
-void makeProgramEdit() {
-    programEdit = new ProgramEdit(clientArea);
-    programEdit->setObjectName(QStringLiteral("programEdit"));
-    programEdit->setAccessibleName(textOf(Text::settingsEditor));
-    programEdit->setFont(programFont());
-    programEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
-    programEdit->setTabChangesFocus(true);
-    programEdit->setFrameShape(QFrame::NoFrame);
-    programEdit->hide();
-    lineNumberEdit = new QWidget(clientArea);
-    lineNumberEdit->setObjectName(QStringLiteral("lineNumberEdit"));
-    lineNumberEdit->setFocusPolicy(Qt::NoFocus);
-    lineNumberEdit->hide();
-}
-
 void centreMainWindow(int width) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
     mainWindow->resize(std::min(width, screen.width()), windowHeight);
@@ -89,7 +72,6 @@ void makeMainWindow() {
 }
 
 void makeClientWidgets() {
-    treeVisible = true;
     makeTree();
     treeToggleButton = new QToolButton(clientArea);
     treeToggleButton->setText(QStringLiteral("<"));
@@ -97,7 +79,6 @@ void makeClientWidgets() {
     treeToggleButton->setFocusPolicy(Qt::NoFocus);
     treeToggleButton->setAccessibleName(textOf(Text::menuHideFiles).remove(QLatin1Char('&')));
     makeStatusBar();
-    makeProgramEdit();
     containerWindow = new QWidget(clientArea);
     containerWindow->setObjectName(QStringLiteral("containerWindow"));
     containerWindow->hide();
@@ -123,7 +104,7 @@ void showUnminimised(QWidget *window) {
 void destroyWidgets() {
     delete mainWindow;
     mainWindow = nullptr;
-    clientArea = containerWindow = nullptr;
+    clientArea = containerWindow = emulatorWindow = nullptr;
     treeView = nullptr;
     treeToggleButton = nullptr;
     statusBar = nullptr;

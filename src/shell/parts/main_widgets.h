@@ -21,11 +21,12 @@ extern QTreeWidget *treeView;
 extern QToolButton *treeToggleButton;
 extern QStatusBar *statusBar;
 extern QProgressBar *progressBar;
-extern QLabel *linkField;  // status bar part 1
-extern QLabel *itemField;  // status bar part 2
-extern QPlainTextEdit *programEdit;
+extern QLabel *linkField;            // status bar part 1
+extern QLabel *itemField;            // status bar part 2
+extern QPlainTextEdit *programEdit;  // this and the next made by the editor
 extern QWidget *lineNumberEdit;
 extern QWidget *containerWindow;
+extern QWidget *emulatorWindow;  // lies over containerWindow; made by the emulator
 extern QToolBar *toolbar;
 extern QMenu *itemMenu;
 

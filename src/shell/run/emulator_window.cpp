@@ -20,18 +20,18 @@
 #include "emulator/run/runner.h"
 #include "emulator/screens/display.h"
 #include "settings/settings_store.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/upward_calls.h"
 #include "shell/run/debug_window.h"
 #include "shell/run/emulator_keys.h"
 #include "shell/run/full_screen.h"
 #include "shell/run/keypad_skin.h"
-#include "shell/tree/item_tree.h"
+#include "shell/tree/selection.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
@@ -44,7 +44,6 @@ namespace {
 
 constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
 
-QWidget *emulatorWindow = nullptr;
 QImage skin;           // the key pad at the present scale
 double skinScale = 0;  // pixels of the screen a dot, for which skin was drawn
 Surface display;       // the copy that is on screen
@@ -169,14 +168,6 @@ void takeDisplay() {
     updateDebugWindow();
 }
 
-// A run is on or not: the menu, the toolbar's word, and which keys are commands.
-void showRunState(bool running) {
-    commandAction(command::emulate)->setIconText(running ? textOf(Text::editorButton) : textOf(Text::toolEmulate));
-    menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
-    setCommandEnabled(command::screenshot, running);
-    setShortcutsEnabled(!running);
-}
-
 bool startRun(ItemId item) {
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
@@ -194,7 +185,7 @@ void showRunFault() {
 
 int stopAndShowProgram() {
     if (!leaveCurrentView()) return 1;
-    handleCommand(command::openView);
+    openSelectedItem();
     showRunFault();
     return 1;
 }
@@ -213,12 +204,11 @@ int emulatorToggle() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || item->kind != kind::program || !leaveCurrentView()) return 1;
     outlinedKey = 0;
-    placeEmulatorWindow();
     emulatorWindow->show();
     emulatorWindow->raise();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
     if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
-    showRunState(true);
+    upwardCalls.runChanged(true);
     if (!startRun(item->id)) {
         emulatorStop();
         return 1;
@@ -231,7 +221,7 @@ void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     keyCode = 0;
-    showRunState(false);
+    upwardCalls.runChanged(false);
     fullScreenLeave();
     hideDebugWindow();
     emulatorWindow->hide();
@@ -298,10 +288,6 @@ void makeEmulatorWindow() {
     emulatorWindow->hide();
     display = Surface(displayWidth, displayHeight);
     hookEvents(emulatorWindow, emulatorEvent);
-}
-
-void placeEmulatorWindow() {
-    if (emulatorWindow != nullptr) emulatorWindow->setGeometry(containerWindow->geometry());
 }
 
 void zoomEmulatorWindow() {

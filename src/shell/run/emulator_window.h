@@ -25,9 +25,8 @@ QWidget *runWindow();                   // the full screen while it is on, else 
 void placeBesideDisplay(QWidget *box);  // ahead of its showing
 void goToRunFault();                    // stops the run and shows the statement at which it halted
 
-void makeEmulatorWindow();   // once clientArea is there
-void placeEmulatorWindow();  // over containerWindow
-void zoomEmulatorWindow();   // the zoom of the View menu has changed
+void makeEmulatorWindow();  // once clientArea is there
+void zoomEmulatorWindow();  // the zoom of the View menu has changed
 void forgetEmulatorWindow();
 
 }  // namespace numalink

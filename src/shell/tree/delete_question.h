@@ -1,4 +1,4 @@
-// The questions ahead of a deletion and of a move onto a taken name. Graphical thread only.
+// Moving an item, and the questions ahead of a deletion and of a move onto a taken name. Graphical thread only.
 #pragma once
 
 #include "store/item_store.h"
@@ -11,5 +11,8 @@ bool askDelete(const ItemEntry &item);
 enum class TakenAnswer { cancel, keepBoth, replace };
 // Another item of the name stands in the folder. Replacing is offered only where that one is of the same kind.
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace);
+
+// Moves an item as a drop does: leaves the view, asks when the name is taken there.
+void moveDropped(ItemId item, ItemId folder);
 
 }  // namespace numalink

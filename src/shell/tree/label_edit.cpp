@@ -10,6 +10,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/tree_refresh.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/tree_rules.h"
 #include "shell/views/item_views.h"
@@ -95,7 +96,8 @@ bool editorEvent(QWidget *, QEvent *event) {
 
 }  // namespace
 
-void openLabelEditor(ItemId id, AfterEnter next) {
+void startLabelEdit(ItemId id, AfterEnter next) {
+    refreshTreeWhenFree();
     closeLabelEditor();
     QTreeWidgetItem *entry = treeEntryOf(id);
     if (entry == nullptr) return;
@@ -141,7 +143,7 @@ void finishLabelEditAtOnce() {
     closeLabelEditor();
 }
 
-bool labelEditorOpen() { return editor != nullptr; }
+bool labelEditRunning() { return editor != nullptr; }
 QLineEdit *labelEditor() { return editor; }
 
 }  // namespace numalink

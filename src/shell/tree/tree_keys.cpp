@@ -7,10 +7,10 @@
 
 #include "emulator/machine/machine.h"
 #include "platform/clock.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/tree/item_tree.h"
+#include "shell/parts/selected_item.h"
+#include "shell/parts/upward_calls.h"
+#include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 
 namespace numalink {
@@ -19,8 +19,6 @@ namespace {
 
 QString typedText;
 std::uint64_t typedAt = 0;
-
-ItemId idOf(const QTreeWidgetItem *entry) { return entry == nullptr ? noItem : entry->data(0, Qt::UserRole).toUInt(); }
 
 QTreeWidgetItem *firstEntry() { return treeView->topLevelItem(0); }
 
@@ -116,7 +114,7 @@ QTreeWidgetItem *navigated(int key, QTreeWidgetItem *from) {
 
 void goTo(QTreeWidgetItem *entry) {
     if (entry == nullptr || entry == selectedEntry()) return;
-    if (selectItem(idOf(entry))) treeView->scrollToItem(entry);
+    if (selectItem(idOfEntry(entry))) treeView->scrollToItem(entry);
 }
 
 // Into what the entry shows; a folder opens or closes.
@@ -134,7 +132,7 @@ void enterPressed() {
 
 bool treeKeyPressed(const QKeyEvent &key) {
     if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
-    if (key.key() == Qt::Key_Delete) return handleCommand(command::deleteKey) != 0;
+    if (key.key() == Qt::Key_Delete) return upwardCalls.deletePressed();
     // Whatever is held down with them: Qt's tree would select without asking the view.
     if (isNavigation(key.key())) {
         goTo(navigated(key.key(), selectedEntry()));

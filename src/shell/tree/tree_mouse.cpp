@@ -9,16 +9,18 @@
 #include <QTreeWidget>
 
 #include "platform/clock.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/selected_item.h"
+#include "shell/parts/tree_refresh.h"
+#include "shell/parts/upward_calls.h"
+#include "shell/tree/delete_question.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/label_edit.h"
+#include "shell/tree/selection.h"
 #include "shell/tree/tree_keys.h"
 #include "shell/tree/tree_rules.h"
-#include "shell/views/item_views.h"
 
 namespace numalink {
 
@@ -39,10 +41,7 @@ bool mayEditLabel = false;    // the press may be the first half of a click that
 std::uint64_t focusedAt = 0;  // tick
 ItemId dropTarget = noItem;
 
-ItemId idAt(const QPoint &place) {
-    const QTreeWidgetItem *entry = treeView->itemAt(place);
-    return entry == nullptr ? noItem : entry->data(0, Qt::UserRole).toUInt();
-}
+ItemId idAt(const QPoint &place) { return idOfEntry(treeView->itemAt(place)); }
 
 // Whether the place is on the icon or label of an entry, not on its branch or the empty rest of the row.
 bool onEntry(const QPoint &place) {
@@ -185,8 +184,7 @@ void showItemMenu(const QPoint &place, const QPoint &onScreen) {
         if (selectItem(item)) itemMenu->exec(onScreen);
     } else {
         QMenu menu(treeView);
-        menu.addAction(commandAction(command::newFolder));
-        menu.addAction(commandAction(command::newProgram));
+        upwardCalls.fillGroundMenu(menu);
         menu.exec(onScreen);
     }
     refreshTreeWhenFree();
@@ -268,9 +266,18 @@ void endDrag() {
     refreshTreeWhenFree();
 }
 
-void connectTreeEvents() {
+void connectTree() {
     hookEvents(treeView->viewport(), viewportEvent);
     hookEvents(treeView, treeEvent);
+    connectTreeRefresh(refreshTreeNow, [] { return labelEditRunning() || dragRunning(); });
+    refreshTree();
+    if (treeView->topLevelItemCount() > 0) treeView->scrollToItem(treeView->topLevelItem(0));
+}
+
+void forgetTree() {
+    forgetTreeRefresh();
+    forgetSelection();
+    forgetEntries();
 }
 
 }  // namespace numalink

@@ -1,4 +1,4 @@
-// Mouse and keys in the item tree: selecting, dragging, the context menu. Graphical thread only.
+// The item tree in the hands of the user: selecting, dragging, the context menu. Graphical thread only.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,8 @@ extern ItemId dragItemId;
 extern bool dragActive;
 extern bool dragCanDrop;
 
-void connectTreeEvents();
+void connectTree();  // with the library open: shows it
+void forgetTree();
 bool dragRunning();
 void endDrag();  // without a move
 

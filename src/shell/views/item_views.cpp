@@ -9,28 +9,27 @@
 #include <utility>
 
 #include "calculator/charset.h"
-#include "calculator/program_info.h"
 #include "drawing/item_picture.h"
 #include "drawing/matrix_picture.h"
 #include "platform/thread_role.h"
-#include "shell/commands/menus.h"
+#include "shell/editor/edit_menu.h"
+#include "shell/editor/program_status.h"
 #include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/event_hook.h"
+#include "shell/parts/kind_looks.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/run/emulator_window.h"
-#include "shell/tree/item_tree.h"
+#include "shell/parts/upward_calls.h"
 #include "shell/views/surface_view.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 #include "text/token_table.h"
 
 namespace numalink {
-
-ItemKind viewKind = kind::none;
-ItemId viewItemId = noItem;
 
 namespace {
 
@@ -45,7 +44,7 @@ void showProgram(const StoredItem &item) {
     lineNumberEdit->show();
     programEdit->show();
     showSymbols();
-    setEditMenuEnabled(true);
+    upwardCalls.programShown(true);
     if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 
@@ -141,17 +140,9 @@ std::optional<Text> faultText(PictureFault fault) {
     return std::nullopt;
 }
 
-// Tells that there is a password, and neither its letters nor how many they are.
-constexpr char passwordMask[] = "••••";
-
 void infoToStatus(const StoredItem &item) {
-    const std::string size = std::to_string(item.dataSize);
-    const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
-    if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, Text::sizeWithPassword, {size, passwordMask});
-        return;
-    }
-    std::string line = wording(Text::size, {size});
+    if (isTextKind(item.kind)) return programToStatus(item);
+    std::string line = wording(Text::size, {std::to_string(item.dataSize)});
     if (const auto fault = faultText(pictureFault(item.kind, item.head, item.data))) line += "; " + wording(*fault);
     if (isValuesKind(item.kind)) {
         matrixInfo = line;
@@ -169,13 +160,13 @@ void keepText() {
 
 void closeView() {
     keepText();
-    setEditMenuEnabled(false);
+    upwardCalls.programShown(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
     programEdit->hide();
     lineNumberEdit->hide();
     hideSurface();
-    emulatorStop();
+    upwardCalls.viewClosed();
     matrixOnView = {};
     picked = {};
     forgetOpenedProgram();
@@ -202,10 +193,10 @@ bool escapeToTree(QWidget *, QEvent *event) {
 
 void connectViews() {
     connectProgramView();
+    connectEditMenu();
     makeSurfaceView();
     hookEvents(programEdit, escapeToTree);
     hookEvents(containerWindow->focusProxy(), escapeToTree);
-    makeEmulatorWindow();
     makeSymbolsWindow();
 }
 
@@ -214,7 +205,6 @@ void forgetViews() {
     viewItemId = noItem;
     forgetProgramView();
     forgetSurfaceView();
-    forgetEmulatorWindow();
     forgetSymbolsWindow();
     forgetOpenedProgram();
 }
@@ -266,11 +256,6 @@ void dropCurrentView() { closeView(); }
 
 void viewedItemGone() {
     if (!isTextKind(viewKind) || !programChanged()) closeView();
-}
-
-void itemInfoToStatus(ItemId id) {
-    StoredItem item;
-    if (storeReadItem(id, item)) infoToStatus(item);
 }
 
 }  // namespace numalink

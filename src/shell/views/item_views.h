@@ -5,9 +5,6 @@
 
 namespace numalink {
 
-extern ItemKind viewKind;  // kind of the item on view, kind::none when there is none
-extern ItemId viewItemId;
-
 void connectViews();
 void forgetViews();
 
@@ -30,8 +27,5 @@ bool leaveViewAtOnce();  // without a question: what can't be stored becomes a d
 void dropCurrentView();
 // The item on view has gone while nobody looked: its view goes too, unless it holds a text that isn't stored.
 void viewedItemGone();
-
-// Size of an item, and a program's password, in the status bar.
-void itemInfoToStatus(ItemId id);
 
 }  // namespace numalink

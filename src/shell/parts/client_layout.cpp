@@ -1,0 +1,33 @@
+#include "shell/parts/client_layout.h"
+
+#include <QPlainTextEdit>
+#include <QToolButton>
+#include <QTreeWidget>
+
+#include "shell/parts/main_layout.h"
+#include "shell/parts/main_widgets.h"
+
+namespace numalink {
+
+bool treeVisible = true;
+
+namespace {
+
+void place(QWidget *widget, const Rectangle &where) {
+    widget->setGeometry(where.x, where.y, where.width, where.height);
+}
+
+}  // namespace
+
+void applyLayout() {
+    const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible);
+    place(treeView, layout.tree);
+    treeView->setVisible(treeVisible);
+    place(treeToggleButton, layout.toggle);
+    place(lineNumberEdit, layout.lineNumbers);
+    place(programEdit, layout.program);
+    place(containerWindow, layout.container);
+    if (emulatorWindow != nullptr) place(emulatorWindow, layout.container);
+}
+
+}  // namespace numalink

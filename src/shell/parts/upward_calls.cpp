@@ -1,0 +1,7 @@
+#include "shell/parts/upward_calls.h"
+
+namespace numalink {
+
+UpwardCalls upwardCalls;
+
+}  // namespace numalink

@@ -1,0 +1,56 @@
+#include "shell/tree/selection.h"
+
+#include "shell/parts/on_view.h"
+#include "shell/parts/selected_item.h"
+#include "shell/parts/upward_calls.h"
+#include "shell/tree/item_tree.h"
+#include "shell/views/item_views.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+struct Selection {
+    bool selecting = false;   // selectItem is at work: it isn't entered again
+    bool straysTold = false;  // once a run
+};
+Selection state;
+
+void tellStrays(int strays) {
+    if (strays == 0 || state.straysTold) return;
+    state.straysTold = true;
+    tellUser(Text::itemWithoutFolder);
+}
+
+}  // namespace
+
+bool selectItem(ItemId id) {
+    if (state.selecting) return false;
+    if (id != noItem && id == selectedItemId() && viewItemId == id) return true;
+    state.selecting = true;
+    const bool left = leaveCurrentView();
+    if (left) {
+        markSelected(id);
+        const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
+        upwardCalls.selectionChanged(entry ? entry->kind : kind::none);
+        if (entry) openSelectedItem();
+    }
+    state.selecting = false;
+    return left;
+}
+
+void showSelectedAgain() { selectItem(selectedItemId()); }
+
+void refreshTreeNow() {
+    const ItemId selected = selectedItemId();
+    const int strays = showLibraryInTree();
+    if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) viewedItemGone();
+    if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
+    tellStrays(strays);
+}
+
+void forgetSelection() { state = {}; }
+
+}  // namespace numalink
