@@ -143,6 +143,7 @@ TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
     refreshTree();
     EXPECT_FALSE(commandEnabled(CommandId::rename));
     EXPECT_TRUE(commandEnabled(CommandId::newProgram));
+    EXPECT_EQ(handleCommand(CommandId::deleteKey) + handleCommand(CommandId::openView), 0) << "nothing is selected";
     select(program);
     EXPECT_TRUE(commandEnabled(CommandId::rename));
     EXPECT_TRUE(commandEnabled(CommandId::remove));

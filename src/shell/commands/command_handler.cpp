@@ -15,7 +15,7 @@ int handleCommand(CommandId id) {
     const Command *row = findCommand(id == CommandId::deleteKey ? CommandId::remove : id);
     if (row == nullptr) return 0;
     if (row->endsLabelEdit && !finishLabelEdit()) return 0;
-    if (row->needsSelection && selectedItemId() == noItem) return 0;
+    if (row->enabledFor != nullptr && selectedItemId() == noItem) return 0;
     if (row->storesFirst && !storeProgramFirst()) return 0;
     row->run();
     commandStatesChanged();

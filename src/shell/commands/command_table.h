@@ -66,7 +66,7 @@ struct MenuRow {
     std::optional<MenuPosition> within = {};  // the menu that it is an entry of
     bool oneChecked = false;                  // of its entries always one has the check mark
     bool ofNoWindow = false;                  // opens while the main window is hidden
-    bool (*enabled)() = nullptr;              // null: always
+    bool (*enabled)() = nullptr;              // null: always; holds for its entries too
 };
 
 // Whatever isn't named has its default: no key, no check mark, enabled always.
@@ -83,11 +83,11 @@ struct Command {
     bool keyOfText = false;        // its key is the text's own and is only shown here
     bool repeats = false;          // as long as its key is held
     bool onTreeGround = false;     // stands in the menu of the tree's empty ground as well
-    bool needsSelection = false;   // does nothing without a selected item
     bool storesFirst = false;      // an edited program on view is stored ahead of it
     bool endsLabelEdit = true;     // false: the handler does, after what it asks first
 
-    bool (*enabledFor)(ItemKind) = nullptr;  // by the kind of the selected item, kind::none without one
+    // By the kind of the selected item, kind::none without one. Such a command does nothing where no item is selected.
+    bool (*enabledFor)(ItemKind) = nullptr;
     bool (*enabled)() = nullptr;
     bool (*offered)() = nullptr;   // false greys it only in its open menu: the key works, and tells why it can't
     bool (*checked)() = nullptr;   // null: no check mark

@@ -41,7 +41,12 @@ void giveKeys(const Command &row) {
     action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
 }
 
+const MenuRow &menuRow(MenuPosition menu) { return *std::ranges::find(menuTable(), menu, &MenuRow::menu); }
+
+bool isEnabled(const MenuRow &row) { return row.enabled == nullptr || row.enabled(); }
+
 bool isEnabled(const Command &row) {
+    if (!isEnabled(menuRow(row.menu))) return false;
     if (row.enabledFor != nullptr && !row.enabledFor(selectedKind())) return false;
     return row.enabled == nullptr || row.enabled();
 }
@@ -59,8 +64,7 @@ void showMenuStates(MenuPosition menu, bool menuOpen) {
 }
 
 void showStates() {
-    for (const MenuRow &row : menuTable())
-        if (row.enabled != nullptr) menuAt(row.menu)->setEnabled(row.enabled());
+    for (const MenuRow &row : menuTable()) menuAt(row.menu)->setEnabled(isEnabled(row));
     for (const Command &row : commandTable()) {
         showState(row, menuAt(row.menu)->isVisible());
         giveKeys(row);
@@ -125,7 +129,7 @@ void buildMenus() {
     treeGroundMenu = new QMenu(mainWindow);
     for (const Command &row : commandTable()) {
         // A menu within another stands where its first entry does.
-        if (menuAt(row.menu) == nullptr) addMenu(*std::ranges::find(menuTable(), row.menu, &MenuRow::menu));
+        if (menuAt(row.menu) == nullptr) addMenu(menuRow(row.menu));
         addAction(row);
     }
     showStates();
