@@ -1,15 +1,14 @@
-// How many passes of a loop run in a second, at full speed, and the same loop by the interpreters that Debian has.
-// Their figures are in processor time, ours too (ns_a_pass), so that a busy machine doesn't bend the ratio.
+// How fast programs run at full speed, beside the interpreters that Debian has, in one run and in processor time, so
+// that a busy machine doesn't bend the ratios. ours_over_theirs below 1: we are ahead.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
-#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <memory>
+#include <map>
 
+#include "bench/rivals.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
 #include "emulator/run/scripted_run.h"
@@ -22,135 +21,94 @@ namespace numalink {
 
 namespace {
 
-Bytes imageOf(std::string_view words) {
+constexpr std::size_t variableX = 'X' - 'A';
+
+Bytes imageOf(std::string words, int passes) {
+    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at))
+        words.replace(at, 1, std::to_string(passes));
     Bytes image = {':'};
     tokensFromWords(words, image);
     image.insert(image.end(), {0xFF, 0});
     return image;
 }
 
-void runWords(benchmark::State &state, std::string_view words, std::int64_t passes) {
+bool runContest(const Contest &contest, int passes) {
+    const Bytes image = imageOf(contest.words, passes);
+    const RunReport report = runScripted({}, [&] {
+        programsClear();
+        if (contest.subprogram != nullptr)
+            return programAdd("MAIN", image) && programAdd("SUB", imageOf(contest.subprogram, 0));
+        return programAdd("MAIN", image);
+    });
+    return report.ended == RunEnd::end && report.errors.empty();
+}
+
+void prepare() {
     threadRole = ThreadRole::graphical;
     tokenTableLoad();
     settingsLoad();
     settingsSetInt(setting::fullSpeed, 1);
     settingsSetInt(setting::fillListsMatrices, 0);
-    const Bytes image = imageOf(words);
-    for (auto unused : state) {
-        const RunReport report = runScripted({}, [&] {
-            programsClear();
-            return programAdd("LOOP", image);
-        });
-        if (report.ended != RunEnd::end || !report.errors.empty())
-            state.SkipWithError("the program didn't run to its end");
-    }
-    state.SetItemsProcessed(state.iterations() * passes);
 }
 
-double processorSeconds(int whose) {
-    rusage used{};
-    getrusage(whose, &used);
-    const auto seconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
-}
+// Of the processor, a pass; the rivals come after ours.
+std::map<const Contest *, double> ourNanoseconds;
+std::map<Rival, std::pair<double, int>> logarithms;  // of the ratios: their sum and number
 
-double loopNanoseconds = 0;  // of the processor, a pass of countingLoop; the rivals come after it
-
-// A pass is four or five statements.
-void countingLoop(benchmark::State &state) {
-    constexpr std::int64_t passes = 1000000;
+void ours(benchmark::State &state, const Contest *running) {
+    const Contest &contest = *running;
+    prepare();
     const double before = processorSeconds(RUSAGE_SELF);
-    runWords(state, "1000000\\->N:0\\->X:\\For 1\\->I \\To N:X+I*2\\->X:\\If X>9999:\\Then 0\\->X:\\IfEnd:\\Next",
-             passes);
+    for (auto unused : state) {
+        if (!runContest(contest, contest.passes)) state.SkipWithError("the program didn't run to its end");
+    }
     const double used = processorSeconds(RUSAGE_SELF) - before;
-    loopNanoseconds = used * 1e9 / static_cast<double>(state.iterations() * passes);
-    state.counters["ns_a_pass"] = loopNanoseconds;
-}
-BENCHMARK(countingLoop)->Unit(benchmark::kMillisecond)->UseRealTime();
-
-struct Rival {
-    const char *program;
-    const char *head;  // ahead of the count of passes
-    const char *loop;  // behind it; prints X
-    int passes;
-};
-constexpr char bwbasicLoop[] = "20 X=0\n30 FOR I=1 TO N\n40 X=X+I*2\n50 IF X>9999 THEN X=0\n60 NEXT I\n70 PRINT X\n";
-constexpr char yabasicLoop[] = "20 X=0\n30 FOR I=1 TO N\n40 X=X+I*2\n50 IF X>9999 X=0\n60 NEXT I\n70 PRINT X\n";
-constexpr char pythonLoop[] = "X = 0\nfor I in range(1, N + 1):\n    X = X + I * 2\n    if X > 9999: X = 0\nprint(X)\n";
-const Rival bwbasic{"bwbasic", "10 N=", bwbasicLoop, 50000};
-const Rival yabasic{"yabasic", "10 N=", yabasicLoop, 500000};
-const Rival python3{"python3", "N = ", pythonLoop, 1000000};
-
-int loopResult(int passes) {
-    int x = 0;
-    for (int i = 1; i <= passes; i++) {
-        x += i * 2;
-        if (x > 9999) x = 0;
-    }
-    return x;
+    ourNanoseconds[&contest] = used * 1e9 / static_cast<double>(state.iterations() * contest.passes);
+    state.counters["ns_a_pass"] = ourNanoseconds[&contest];
 }
 
-// The last number that the program prints when it runs the file; -1 when there is none.
-int lastNumberOf(const char *program, const std::string &path) {
-    const std::string line = std::string(program) + " " + path + " 2>/dev/null </dev/null";
-    // NOLINTNEXTLINE(cert-env33-c): the rivals are found as a shell finds them
-    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(line.c_str(), "r"), pclose);
-    int last = -1, number = 0;
-    while (pipe != nullptr && feof(pipe.get()) == 0) {
-        // NOLINTNEXTLINE(cert-err34-c): a number that is too large is another result
-        if (fscanf(pipe.get(), "%d", &number) == 1) {
-            last = number;
-        } else {
-            fgetc(pipe.get());
-        }
-    }
-    return last;
-}
-
-// Seconds of the processor for the loop with its start-up; below 0 when it came to another result.
-double secondsOf(const Rival &rival, int passes) {
-    char path[] = "/tmp/loopXXXXXX";
-    close(mkstemp(path));
-    std::ofstream(path) << rival.head << passes << "\n" << rival.loop;
-    const double before = processorSeconds(RUSAGE_CHILDREN);
-    const int result = lastNumberOf(rival.program, path);
-    unlink(path);
-    return result == loopResult(passes) ? processorSeconds(RUSAGE_CHILDREN) - before : -1;
-}
-
-void rivalLoop(benchmark::State &state, const Rival &rival) {
-    // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): as above; there is one thread
-    if (std::system((std::string("command -v ") + rival.program + " >/dev/null 2>&1").c_str()) != 0) {
-        state.SkipWithError("it isn't installed");
+void theirs(benchmark::State &state, const Contest *running, Rival rival) {
+    const Contest &contest = *running;
+    prepare();
+    const int passes = rivalPasses(contest, rival);
+    runContest(contest, passes);
+    const double expected = machine.variables[variableX].re;
+    runContest(contest, 1);
+    const double startUp = rivalSeconds(contest, rival, 1, machine.variables[variableX].re);
+    const double seconds = rivalSeconds(contest, rival, passes, expected);
+    for (auto unused : state) state.SetIterationTime(std::max(seconds, 1e-9));
+    if (startUp < 0 || seconds < 0) {
+        state.SkipWithError("it isn't installed, can't say it, or came to another result");
         return;
     }
-    const double startUp = secondsOf(rival, 1);
-    double used = 0;
-    for (auto unused : state) {
-        const double seconds = secondsOf(rival, rival.passes);
-        if (seconds < 0) state.SkipWithError("it came to another result");
-        state.SetIterationTime(std::max(seconds - startUp, 0.0));
-        used += seconds - startUp;
-    }
-    const double nanoseconds = used * 1e9 / static_cast<double>(state.iterations()) / rival.passes;
+    const double nanoseconds = std::max(seconds - startUp, 1e-9) * 1e9 / passes;
+    const double ratio = ourNanoseconds[&contest] / nanoseconds;
     state.counters["ns_a_pass"] = nanoseconds;
-    state.counters["times_ours"] = loopNanoseconds > 0 ? nanoseconds / loopNanoseconds : 0;
+    state.counters["ours_over_theirs"] = ratio;
+    logarithms[rival].first += std::log(ratio);
+    logarithms[rival].second++;
 }
-BENCHMARK_CAPTURE(rivalLoop, bwbasic, bwbasic)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(rivalLoop, yabasic, yabasic)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(rivalLoop, python3, python3)->UseManualTime()->Unit(benchmark::kMillisecond);
-
-void lists(benchmark::State &state) {
-    runWords(state, "\\Seq(X,X,1,30,1)\\->\\List 1:\\For 1\\->I \\To 100000:\\List 1[7]+1\\->\\List 1[7]:\\Next",
-             100000);
-}
-BENCHMARK(lists)->Unit(benchmark::kMillisecond)->UseRealTime();
-
-void textOutput(benchmark::State &state) { runWords(state, "\\For 1\\->I \\To 20000:\\Locate 1,1,I:\\Next", 20000); }
-BENCHMARK(textOutput)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 
 }  // namespace numalink
+
+int main(int argc, char **argv) {
+    using namespace numalink;
+    benchmark::Initialize(&argc, argv);
+    for (const Contest &contest : contests()) {
+        const std::string name = contest.name;
+        benchmark::RegisterBenchmark((name + "/ours").c_str(), ours, &contest)->Unit(benchmark::kMillisecond);
+        for (int rival = 0; rival < rivalCount; rival++)
+            benchmark::RegisterBenchmark((name + "/" + rivalNames[rival]).c_str(), theirs, &contest,
+                                         static_cast<Rival>(rival))
+                ->Unit(benchmark::kMillisecond)
+                ->UseManualTime()
+                ->Iterations(1);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    for (const auto &[rival, sum] : logarithms)
+        std::printf("geometric mean of ours over %s, %d programs: %.3f\n", rivalNames[rival], sum.second,
+                    std::exp(sum.first / sum.second));
+    return 0;
+}

@@ -34,6 +34,24 @@ const PlannedWay &countFor(RunState &state, const StatementPlan &plan) {
     return goesOn ? plan.way : plan.whenFalse;
 }
 
+bool holds(const StatementPlan &plan) {
+    const double left = plan.left->re, right = plan.right->re;
+    switch (plan.relation) {
+        case OperationCode::less:
+            return left < right;
+        case OperationCode::lessOrEqual:
+            return left <= right;
+        case OperationCode::notEqual:
+            return left != right;
+        case OperationCode::greaterOrEqual:
+            return left >= right;
+        case OperationCode::greater:
+            return left > right;
+        default:
+            return left == right;
+    }
+}
+
 const PlannedWay &carryOut(RunState &state, const StatementPlan &plan) {
     switch (plan.kind) {
         case PlanKind::expression:
@@ -47,6 +65,8 @@ const PlannedWay &carryOut(RunState &state, const StatementPlan &plan) {
             break;
         case PlanKind::branch:
             return plan.value->re != 0 ? plan.way : plan.whenFalse;
+        case PlanKind::relation:
+            return holds(plan) ? plan.way : plan.whenFalse;
         case PlanKind::forLoop:
             return countFor(state, plan);
         case PlanKind::next:
@@ -92,7 +112,7 @@ PlannedStop runPlanned(RunState &state, PlannedRun &run) {
         if (plan.kind != PlanKind::empty) {
             if (isFirst) beginStatements();
             isFirst = false;
-            carryOut(view.operations + plan.firstOperation, plan.operationCount);
+            if (plan.operationCount > 0) carryOut(view.operations + plan.firstOperation, plan.operationCount);
             state.statement[0].kind = plan.leaves;
         }
         const PlannedWay &way = carryOut(state, plan);

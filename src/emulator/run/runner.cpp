@@ -39,7 +39,7 @@ int nextCall = 0;
 std::uint64_t statementLimitOfRun = 0;
 bool haltTold = false;  // the box of a halt: every program in progress ends
 bool debugShown = false;
-std::uint64_t nextDebugLook = 0;  // in statements of the run
+std::uint64_t nextDebugLook = 0, nextSpeedLook = 0;  // in statements of the run
 std::atomic<int> debugVariables = 0, debugTemporaries = 0;
 
 enum class LoopEnd { programEnded, stopped };
@@ -230,7 +230,10 @@ void callLoaded(int program) {
         goError();
         return;
     }
-    fullSpeed = settingsInt(setting::fullSpeed) == 1;
+    if (machine.statementsRun >= nextSpeedLook) {
+        nextSpeedLook = machine.statementsRun + settingsInterval;
+        fullSpeed = settingsInt(setting::fullSpeed) == 1;
+    }
     runStatements(*calls[static_cast<std::size_t>(nextCall - 1)]);
     waitLikeAPoll(start);
     nextCall--;
@@ -259,7 +262,7 @@ bool runStart(const RunOptions &options) {
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
     haltTold = false;
-    nextDebugLook = 0;
+    nextDebugLook = nextSpeedLook = 0;
     statementPlansForget();
     if (!takeCall(0)) return false;
     emulatorRunning = true;

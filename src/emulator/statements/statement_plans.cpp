@@ -60,12 +60,27 @@ struct Planning {
     }
 };
 
-bool planBranch(Planning &on, PlannedWay whenTrue, PlannedWay whenFalse) {
+bool isRelation(OperationCode code) { return code >= OperationCode::less && code <= OperationCode::greater; }
+
+// The condition from first up to end, excluded. Where a relation decides, the branch does it by itself.
+bool planDecision(Planning &on, int first, int end) {
     on.plan.kind = PlanKind::branch;
+    if (!on.recordValue(first, end)) return false;
+    std::vector<Operation> &written = on.recording.operations;
+    if (written.empty() || written.back().result != on.plan.value || !isRelation(written.back().code)) return true;
+    on.plan.kind = PlanKind::relation;
+    on.plan.relation = written.back().code;
+    on.plan.left = written.back().left;
+    on.plan.right = written.back().right;
+    written.pop_back();
+    return true;
+}
+
+bool planBranch(Planning &on, PlannedWay whenTrue, PlannedWay whenFalse) {
     on.plan.leaves = CellKind::token;
     on.plan.way = whenTrue;
     on.plan.whenFalse = whenFalse;
-    return on.recordValue(1, on.plan.length);
+    return planDecision(on, 1, on.plan.length);
 }
 
 bool planJump(Planning &on, PlanKind kind, int target) {
@@ -178,11 +193,10 @@ constexpr PlanRow planRows[] = {
 };
 
 bool planCondition(Planning &on, int then) {
-    on.plan.kind = PlanKind::branch;
     on.plan.leaves = CellKind::number;
     on.plan.way = {on.position() + then + 1};
     on.plan.whenFalse = on.itsEnd();
-    return on.recordValue(0, then);
+    return planDecision(on, 0, then);
 }
 
 // From the name on stand the array's name, the bracket and the subscripts.

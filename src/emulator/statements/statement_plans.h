@@ -15,6 +15,7 @@ enum class PlanKind : std::uint8_t {
     assign,      // value to a variable
     element,     // value to an element of an array
     branch,      // If, While, LpWhile, the double arrow
+    relation,    // the same where a relation decides
     jump,        // Else, WhileEnd
     forLoop,
     next,
@@ -33,9 +34,11 @@ struct StatementPlan {
     PlanKind kind = PlanKind::none;
     CellKind leaves = CellKind::blank;  // what stands in cell 0 afterwards, as the end of a program shows it
     int operationCount = 0, firstOperation = 0;
-    int arrayCount = 0, firstArray = 0;                    // that must exist, those read ahead of the one written to
-    int readArrays = 0;                                    // how many are read
-    const ComplexValue *value = nullptr;                   // result of the expression; For: the start
+    int arrayCount = 0, firstArray = 0;   // that must exist, those read ahead of the one written to
+    int readArrays = 0;                   // how many are read
+    const ComplexValue *value = nullptr;  // result of the expression; For: the start
+    OperationCode relation = OperationCode::equal;
+    const ComplexValue *left = nullptr, *right = nullptr;  // of the relation
     const ComplexValue *row = nullptr, *column = nullptr;  // element: its place; For: the end and the step, if any
     ComplexValue *variable = nullptr;
     ArrayName array;
