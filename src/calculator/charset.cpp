@@ -9,7 +9,6 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t nameLimit = 52;
-constexpr char32_t brokenCodePoint = 0xFFFFFFFF;
 
 constexpr std::array<char16_t, 256> codePoints = {
 #include "calculator/charset_table.inc"
@@ -40,20 +39,6 @@ static_assert(plainLetters.size() == 0x180 - firstAccented);
 
 bool isCombiningAccent(char32_t codePoint) { return codePoint >= 0x300 && codePoint <= 0x36F; }
 
-void appendUtf8(std::string &text, char16_t codePoint) {
-    const auto put = [&](int value) { text += static_cast<char>(value); };
-    if (codePoint < 0x80) {
-        put(codePoint);
-    } else if (codePoint < 0x800) {
-        put(0xC0 | codePoint >> 6);
-        put(0x80 | (codePoint & 0x3F));
-    } else {
-        put(0xE0 | codePoint >> 12);
-        put(0x80 | (codePoint >> 6 & 0x3F));
-        put(0x80 | (codePoint & 0x3F));
-    }
-}
-
 // How many bytes follow a first byte of UTF-8, or -1.
 int followers(std::uint8_t first) {
     if (first < 0x80) return 0;
@@ -63,7 +48,24 @@ int followers(std::uint8_t first) {
     return -1;
 }
 
-// Takes one code point from the front; brokenCodePoint, with one byte taken, where there is none.
+// The plain letter of an accented one, or 0.
+char plainLetter(char32_t codePoint) {
+    if (codePoint < firstAccented || codePoint - firstAccented >= plainLetters.size()) return 0;
+    const char letter = plainLetters[codePoint - firstAccented];
+    return letter == '?' ? '\0' : letter;
+}
+
+}  // namespace
+
+char32_t charsetToUnicode(std::uint8_t code) { return codePoints[code]; }
+
+std::optional<std::uint8_t> charsetFromUnicode(char32_t codePoint) {
+    const auto row = std::ranges::lower_bound(
+        reverseRows, codePoint, {}, [](const ReverseRow &each) { return static_cast<char32_t>(each.codePoint); });
+    if (row == reverseRows.end() || row->codePoint != codePoint) return std::nullopt;
+    return row->code;
+}
+
 char32_t takeCodePoint(std::string_view &utf8) {
     constexpr char32_t lowest[] = {0, 0x80, 0x800, 0x10000};
     const auto first = static_cast<std::uint8_t>(utf8[0]);
@@ -85,22 +87,22 @@ char32_t takeCodePoint(std::string_view &utf8) {
     return codePoint;
 }
 
-// The plain letter of an accented one, or 0.
-char plainLetter(char32_t codePoint) {
-    if (codePoint < firstAccented || codePoint - firstAccented >= plainLetters.size()) return 0;
-    const char letter = plainLetters[codePoint - firstAccented];
-    return letter == '?' ? '\0' : letter;
-}
-
-}  // namespace
-
-char32_t charsetToUnicode(std::uint8_t code) { return codePoints[code]; }
-
-std::optional<std::uint8_t> charsetFromUnicode(char32_t codePoint) {
-    const auto row = std::ranges::lower_bound(
-        reverseRows, codePoint, {}, [](const ReverseRow &each) { return static_cast<char32_t>(each.codePoint); });
-    if (row == reverseRows.end() || row->codePoint != codePoint) return std::nullopt;
-    return row->code;
+void appendUtf8(std::string &utf8, char32_t codePoint) {
+    const auto put = [&](char32_t value) { utf8 += static_cast<char>(value); };
+    const bool isNone = codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF);
+    if (isNone) codePoint = 0xFFFD;
+    if (codePoint < 0x80) return put(codePoint);
+    if (codePoint < 0x800) {
+        put(0xC0 | codePoint >> 6);
+    } else if (codePoint < 0x10000) {
+        put(0xE0 | codePoint >> 12);
+        put(0x80 | (codePoint >> 6 & 0x3F));
+    } else {
+        put(0xF0 | codePoint >> 18);
+        put(0x80 | (codePoint >> 12 & 0x3F));
+        put(0x80 | (codePoint >> 6 & 0x3F));
+    }
+    put(0x80 | (codePoint & 0x3F));
 }
 
 std::string utf8FromCalculator(std::string_view calculatorText) {

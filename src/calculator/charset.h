@@ -13,6 +13,12 @@ namespace numalink {
 char32_t charsetToUnicode(std::uint8_t code);
 std::optional<std::uint8_t> charsetFromUnicode(char32_t codePoint);
 
+// Takes one code point from the front of utf8, which mustn't be empty; brokenCodePoint, with one byte taken, where
+// there is none. The reverse appends one; what is no code point comes as U+FFFD.
+inline constexpr char32_t brokenCodePoint = 0xFFFFFFFF;
+char32_t takeCodePoint(std::string_view &utf8);
+void appendUtf8(std::string &utf8, char32_t codePoint);
+
 // A calculator text as UTF-8, without loss.
 std::string utf8FromCalculator(std::string_view calculatorText);
 

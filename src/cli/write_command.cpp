@@ -4,6 +4,7 @@
 #include "calculator/program_info.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
+#include "link/transmit_queue.h"
 #include "platform/files.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
@@ -47,13 +48,16 @@ int runWrite(const WriteOptions &options) {
     if (!isTextKind(item.kind)) return commandFailed(options.item + " holds no program text");
     const std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
     Bytes image;
-    const int faultyLine =
-        imageOfViewLines(linesOverProgram(item.data, text), settingsInt(setting::autoCorrect) > 0, image);
-    if (faultyLine > 0) {
-        tellUser(Text::lineNotStorable, {std::to_string(faultyLine)}, BoxIcon::error);
+    const TextOverProgram written = linesOverProgram(item.data, text);
+    const auto faults = imageOfViewLines(written.lines, settingsInt(setting::autoCorrect) > 0, image);
+    if (!faults.empty()) {
+        tellFaults(faults);
         return exitFailed;
     }
-    return store(std::move(item), std::move(image)) ? exitDone : exitFailed;
+    if (!store(std::move(item), std::move(image))) return exitFailed;
+    if (written.blanksLeftOut) statusLine(StatusPart::item, Text::blanksLeftOut);
+    tellWhenTooLong(id);
+    return exitDone;
 }
 
 }  // namespace

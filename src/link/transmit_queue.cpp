@@ -102,6 +102,12 @@ void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon) {
     tellMore(Text::kindNotTransferable, causes[static_cast<std::size_t>(refusal)], {utf8FromCalculator(name)}, icon);
 }
 
+void tellWhenTooLong(ItemId id) {
+    StoredItem item;
+    if (storeReadItem(id, item) && outgoingRefusal(item, linkFamily()) == Refusal::tooLong)
+        tellUser(Text::programTooLong, {utf8FromCalculator(item.name)});
+}
+
 bool askBackupConsent(QueuedItem &entry, const std::string &name) {
     if (entry.confirmed) return true;
     const std::vector<std::string> names = {utf8FromCalculator(name)};

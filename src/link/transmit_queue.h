@@ -67,6 +67,9 @@ bool transmitConversationRuns();
 // Tells that the item can't go, and why. The name is in calculator codes.
 void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon);
 
+// A box for a stored program that no calculator of the chosen family takes for its length.
+void tellWhenTooLong(ItemId id);
+
 // The user's answers, asked for where they are missing: false when the item isn't to go.
 bool askPictureSlotOf(QueuedItem &entry, const std::string &name, ByteView head);
 bool askBackupConsent(QueuedItem &entry, const std::string &name);

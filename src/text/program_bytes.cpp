@@ -9,9 +9,9 @@
 #include "calculator/program_info.h"
 #include "platform/letter_case.h"
 #include "settings/settings_store.h"
-#include "telling/tell_user.h"
 #include "text/auto_correct.h"
 #include "text/token_table.h"
+#include "text/view_runs.h"
 
 namespace numalink {
 
@@ -20,30 +20,6 @@ namespace {
 constexpr std::uint8_t lineEnd = 0x0D;
 constexpr std::uint8_t displayCommand = 0x0C;
 constexpr char displayGlyph = '\xDD';
-
-struct TextState {
-    bool inComment = false;
-    bool inString = false;
-};
-
-// Only the first byte counts, also that of a pair.
-void follow(TextState &state, std::uint8_t firstByte) {
-    switch (firstByte) {
-        case displayCommand:
-        case ';':
-        case lineEnd:
-            state = {};
-            break;
-        case '\'':
-            state.inComment = true;
-            break;
-        case '"':
-            state.inString = !state.inString;
-            break;
-        default:
-            break;
-    }
-}
 
 // A byte, or a prefix and what follows it, that no record has.
 std::string unknownMark(ByteView tokens, std::size_t &length) {
@@ -138,39 +114,23 @@ void guardLongerWords(Pieces &pieces) {
 
 }  // namespace
 
-std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens, int *line) {
+std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens) {
     const bool autoCorrect = settingsInt(setting::autoCorrect) > 0;
-    TextState state;
-    int lineNumber = 1;
+    Quoting quoting;
     for (std::size_t place = 0; place < text.size();) {
         if (text[place] == '\n') {
             place++;
             continue;
         }
-        const TypedToken token = textToToken(text.substr(place), state.inComment || state.inString, autoCorrect);
-        if (token.used == 0) {
-            if (line) *line = lineNumber;
-            return static_cast<std::ptrdiff_t>(place);
-        }
-        follow(state, token.byte1);
+        const TypedToken token = textToToken(text.substr(place), quoting.quoted(), autoCorrect);
+        if (token.used == 0) return static_cast<std::ptrdiff_t>(place);
+        quoting.follow(token.byte1);
         place += static_cast<std::size_t>(token.used);
         if (token.byte1 == displayCommand && text.substr(place).starts_with('\r')) place++;
-        if (token.byte1 == displayCommand || token.byte1 == lineEnd) lineNumber++;
         tokens.push_back(token.byte1);
         if (token.length == 2) tokens.push_back(token.byte2);
     }
     return -1;
-}
-
-bool programFromText(std::string_view text, Bytes &image) {
-    image.assign(1, ':');
-    int line = 0;
-    if (lineFromText(text, image, &line) >= 0) {
-        tellUser(Text::lineNotStorable, {std::to_string(line)}, BoxIcon::error);
-        return false;
-    }
-    image.push_back(0xFF);
-    return true;
 }
 
 std::string programPlainText(ByteView image) {

@@ -10,11 +10,8 @@
 namespace numalink {
 
 // Appends the tokens of text to tokens. -1, or the place of the first character that nothing fits; tokens then
-// holds what came before it. line, when given, is the line of that place, from 1.
-std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens, int *line = nullptr);
-
-// ':', the tokens, 0xFF. False when a character can't be converted, with a box that names the line.
-bool programFromText(std::string_view text, Bytes &image);
+// holds what came before it.
+std::ptrdiff_t lineFromText(std::string_view text, Bytes &tokens);
 
 // The text of an image as its view shows it without colours: line ends CR LF, the display command as 221 CR LF,
 // unknown bytes as "<250> " and "<127,80>".

@@ -5,6 +5,9 @@
 #include <span>
 #include <string_view>
 
+#include "calculator/charset.h"
+#include "text/lenient_text.h"
+
 namespace numalink {
 
 namespace {
@@ -68,6 +71,13 @@ std::size_t agreeing(const PieceReading &reading, std::span<const ViewToken> wan
     return count;
 }
 
+// Whether the text of a line, which reads as its tokens, comes back as others when it is read as text from elsewhere.
+bool changesOnTheWay(const ViewLine &line, const LineReading &reading) {
+    LenientText text;
+    const ViewLine back = lenientLine(text, utf8FromCalculator(line.text));
+    return lineBytes(readLine(back, true)).bytes != lineBytes(reading).bytes;
+}
+
 }  // namespace
 
 std::vector<std::string> piecesOfLine(const ViewLine &line) {
@@ -83,7 +93,7 @@ std::vector<std::string> piecesOfLine(const ViewLine &line) {
         for (const ViewToken &token : rest.first(count)) quoting.follow(token);
         rest = rest.subspan(count);
     }
-    if (pieces.empty()) pieces.emplace_back();
+    if (pieces.empty() || (pieces.size() == 1 && changesOnTheWay(line, reading))) pieces.emplace_back();
     return pieces;
 }
 

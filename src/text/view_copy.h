@@ -10,7 +10,9 @@
 
 namespace numalink {
 
-// One piece for most lines. A piece of one character is its own byte, a piece that is a mark gives the byte back.
+// One piece for most lines; an empty one behind it has the line parted all the same, where a reader of text from
+// elsewhere would leave blanks away or take a character for another. A piece of one character is its own byte, a piece
+// that is a mark gives the byte back.
 std::vector<std::string> piecesOfLine(const ViewLine &line);
 
 // The line again, all of it as untouched tokens. False for what is no token.

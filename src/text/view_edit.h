@@ -5,19 +5,20 @@
 #include <string_view>
 #include <vector>
 
+#include "text/text_faults.h"
 #include "text/view_runs.h"
 
 namespace numalink {
 
-// A line of UTF-8 as typed characters. What has no code is foreign; an accent goes where its plain letter has one.
-ViewLine typedLine(std::string_view utf8);
+// The lines of utf8 (one end at the very end adds no line) over those of the program: each takes the bytes of a line of
+// the same text, in order from both ends and in between. The others are read as text from elsewhere.
+struct TextOverProgram {
+    std::vector<ViewLine> lines;
+    bool blanksLeftOut = false;  // of the lines that were read
+};
+TextOverProgram linesOverProgram(ByteView image, std::string_view utf8);
 
-// The lines of utf8 (ends LF or CR LF; one at the very end adds no line) over those of the program: each takes the
-// bytes of a line of the same text, in order from both ends and in between.
-std::vector<ViewLine> linesOverProgram(ByteView image, std::string_view utf8);
-
-// The image of the lines with the checksum at its end. -1 and the image, or the number (from 1) of the first line that
-// holds a character without a code.
-int imageOfViewLines(const std::vector<ViewLine> &lines, bool autoCorrect, Bytes &image);
+// The image of the lines with the checksum at its end; or what is no token, the first of each faulty line.
+std::vector<TextFault> imageOfViewLines(const std::vector<ViewLine> &lines, bool autoCorrect, Bytes &image);
 
 }  // namespace numalink

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "calculator/charset.h"
 #include "calculator/program_info.h"
 #include "text/auto_correct.h"
 #include "text/token_table.h"
@@ -26,7 +27,7 @@ CodeOrigin packedOrigin(ByteView token, bool isMark, std::size_t place) {
     return isMark ? packed | markFlag : packed;
 }
 
-bool isPacked(CodeOrigin from) { return (from & packedFlag) != 0; }
+bool isPacked(CodeOrigin from) { return (from & packedFlag) != 0 && !isForeign(from); }
 std::size_t placeOf(CodeOrigin from) { return from >> placeShift & placeMask; }
 
 ViewToken tokenOf(CodeOrigin from) {
@@ -128,9 +129,6 @@ struct KeptTokens {
     bool hasTouched = false;
 };
 
-// A "/" that was typed stands as the division sign by the time the second "=" comes.
-constexpr std::string_view typedNotEqual = "=\xB9=";
-
 // The signs of a keyboard in the place of what they have become, for display texts that hold them ("P/L-").
 std::string asTyped(std::string_view text) {
     std::string typed(text.substr(0, tokenTextSize));
@@ -143,7 +141,6 @@ std::string asTyped(std::string_view text) {
 }
 
 TypedToken typedTokenAt(std::string_view text, bool quoted, bool autoCorrect) {
-    if (autoCorrect && text.starts_with(typedNotEqual)) return {0x11, 0, 1, static_cast<int>(typedNotEqual.size())};
     const TypedToken plain = textToToken(text, quoted, autoCorrect);
     if (!autoCorrect || quoted) return plain;
     const TypedToken spelled = textToToken(asTyped(text), quoted, autoCorrect);
@@ -155,11 +152,13 @@ struct LineWalk {
     const KeptTokens &kept;
     bool autoCorrect;
 
-    // Where a reading that starts at place has to end at the latest.
+    // Where a reading that starts at place has to end at the latest. No token's text is longer than tokenTextSize: a
+    // line is read in steps of its own length, however long it is.
     std::size_t barrier(std::size_t place, bool quoted) const {
+        const std::size_t last = std::min(line.text.size(), place + tokenTextSize);
         std::size_t end = place + 1;
-        for (; end < line.text.size(); end++) {
-            if (line.origins[end] == origin::foreign) break;
+        for (; end < last; end++) {
+            if (isForeign(line.origins[end])) break;
             if (!kept.starts(end)) continue;
             if (quoted || isMark(end)) break;
         }
@@ -194,7 +193,7 @@ struct LineWalk {
         const bool isKept = kept.starts(place);
         const ViewToken keptToken = isKept ? keptTokenAt(line, place) : ViewToken{};
         if (isKept && (quoted || keptToken.isMark || !kept.hasTouched)) return keptToken;
-        if (line.origins[place] == origin::foreign) return {};
+        if (isForeign(line.origins[place])) return {};
         const TypedToken typed = typedAt(place, quoted);
         const auto used = static_cast<std::size_t>(typed.used);
         if (isKept && (used < keptToken.size || !touches(place, used))) return keptToken;
@@ -208,7 +207,7 @@ struct LineWalk {
     }
 };
 
-// The class of a token, and the flags behind it: a comment opens only outside of quotes, unlike in a store.
+// The class of a token, and the flags behind it.
 RunClass classOf(const ViewToken &token, std::string_view shown, bool &inString, bool &inComment) {
     if (token.isMark) return RunClass::error;
     const bool isOwnByte = token.length == 1 && shown.size() == 1 && shown[0] == static_cast<char>(token.bytes[0]);
@@ -237,15 +236,18 @@ void appendRun(std::vector<ColorRun> &runs, std::size_t from, std::size_t size, 
 }  // namespace
 
 void Quoting::follow(const ViewToken &token) {
-    if (token.isMark) return;
-    switch (token.bytes[0]) {
+    if (!token.isMark) follow(token.bytes[0]);
+}
+
+void Quoting::follow(std::uint8_t firstByte) {
+    switch (firstByte) {
         case displayCommand:
         case ';':
         case lineEnd:
             *this = {};
             break;
         case '\'':
-            inComment = true;
+            inComment = inComment || !inString;
             break;
         case '"':
             inString = !inString;
@@ -253,6 +255,11 @@ void Quoting::follow(const ViewToken &token) {
         default:
             break;
     }
+}
+
+char32_t characterAt(const ViewLine &line, std::size_t place) {
+    const CodeOrigin from = line.origins[place];
+    return isForeign(from) ? from & ~origin::foreign : charsetToUnicode(static_cast<std::uint8_t>(line.text[place]));
 }
 
 std::string tokenOnView(ByteView token, bool isMark) {

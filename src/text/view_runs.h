@@ -18,8 +18,12 @@ using CodeOrigin = std::uint32_t;
 namespace origin {
 inline constexpr CodeOrigin typed = 0;    // by the user: read anew, with its neighbours, at each change
 inline constexpr CodeOrigin ownByte = 1;  // from a byte that is shown as the character of its own code
-inline constexpr CodeOrigin foreign = 2;  // a character that the calculators don't have; its code means nothing
+
+// A character that the calculators don't have, whose code means nothing: this flag and the code point below it.
+inline constexpr CodeOrigin foreign = 1u << 31;
 }  // namespace origin
+
+inline bool isForeign(CodeOrigin from) { return (from & origin::foreign) != 0; }
 
 // One line without its end. text and origins are of one length.
 struct ViewLine {
@@ -27,6 +31,8 @@ struct ViewLine {
     std::vector<CodeOrigin> origins;
     bool operator==(const ViewLine &) const = default;
 };
+
+char32_t characterAt(const ViewLine &line, std::size_t place);
 
 // In the order of the colours of the view.
 enum class RunClass : std::uint8_t {
@@ -69,11 +75,13 @@ std::vector<ViewLine> viewLines(ByteView image);
 // What of an image is shown: behind ':' and up to its last end mark, with or without a checksum behind that.
 ByteView viewedBytes(ByteView image);
 
-// Whether what comes next lies in a comment or in quotes, as a store sees it: by the first bytes alone.
+// Whether what comes next lies in a comment or in quotes: by the first bytes alone, also those of pairs. An apostrophe
+// in a string opens no comment.
 struct Quoting {
     bool inComment = false;
     bool inString = false;
 
+    void follow(std::uint8_t firstByte);
     void follow(const ViewToken &token);
     bool quoted() const { return inComment || inString; }
 };

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <ctime>
 
 #include "drawing/plane_picture.h"
 #include "exchange/import/bitmap_import.h"
@@ -211,6 +212,18 @@ TEST_F(Import, BitmapsAreAskedForAndParkedOrRefused) {
     EXPECT_TRUE(uiRecord.boxes.empty());
     importText("broken.bmp", "BM and nothing else");
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
+}
+
+TEST_F(Exchange, FilesTakeTimeInStepWithTheirSize) {
+    std::string file = "%Header Record\r\nData Type:PG\r\nCapacity:9\r\nFile Name:BIG\r\n%Data Record\r\n";
+    for (int i = 0; i < 800000; i++) file += "%no\n";
+    file += "%End\r\n%Header Record\r\nData Type:PG\r\nCapacity:9\r\nFile Name:LINE\r\n%Data Record\r\n";
+    const std::clock_t start = std::clock();
+    const ReadResult read = readWith(readCat, file + std::string(60000, '"') + "\r\n%End\r\n");
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 15);
+    ASSERT_EQ(read.taken.size(), 1u);
+    EXPECT_EQ(read.taken[0].data.size(), 60003u);
+    ASSERT_EQ(read.messages.size(), 1u);
 }
 
 }  // namespace

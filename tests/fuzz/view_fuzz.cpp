@@ -4,6 +4,7 @@
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
+#include "text/lenient_text.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
 #include "text/view_copy.h"
@@ -22,6 +23,8 @@ Bytes storedAgain(const std::vector<ViewLine> &lines) {
 // Out as text that a mail takes the last blanks off, and in again.
 Bytes throughAMail(const ViewLine &line) {
     std::vector<std::string> pieces = piecesOfLine(line);
+    LenientText text;
+    if (pieces.size() == 1) return lineBytes(readLine(lenientLine(text, utf8FromCalculator(pieces[0])), true)).bytes;
     if (pieces.back().starts_with('<') && pieces.back().ends_with("> ")) pieces.back().pop_back();
     ViewLine back;
     if (!lineOfPieces(pieces, back)) std::abort();
@@ -80,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (reading.faultAt < 0 && lineBytes(readLine(keptLine(edited, reading), true)).bytes != lineBytes(reading).bytes)
         std::abort();
     Bytes written;
-    imageOfViewLines(linesOverProgram(image, {reinterpret_cast<const char *>(edits.data()), edits.size()}), true,
+    imageOfViewLines(linesOverProgram(image, {reinterpret_cast<const char *>(edits.data()), edits.size()}).lines, true,
                      written);
     return 0;
 }

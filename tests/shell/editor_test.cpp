@@ -112,11 +112,11 @@ TEST_F(Editor, InputMethodsSymbolsAndPasteAreConvertedToo) {
     const QList<QToolButton *> buttons = symbols->findChildren<QToolButton *>();
     ASSERT_EQ(buttons.size(), 22);
     QTest::mouseClick(buttons[3], Qt::LeftButton);  // division
-    QApplication::clipboard()->setText(QStringLiteral("1->A\nwhile A\u2265\u03C0"));
+    QApplication::clipboard()->setText(QStringLiteral("1->A\nwhile A\u2265\u03C0\n  int(A) <= \u201Cb\u2013c\u201D"));
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_FALSE(symbols->isVisible());
-    EXPECT_EQ(stored(id), "*\xA9\xB9\x31\x0E\x41\r\xF7\x08\x41\x12\xD0");
+    EXPECT_EQ(stored(id), "*\xA9\xB9\x31\x0E\x41\r\xF7\x08\x41\x12\xD0\r\xA6(A)\x10\"b\x99\x63\"");
 }
 
 TEST_F(Editor, CopyIsReadableAndComesBackWithItsBytes) {
@@ -147,7 +147,7 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
         answer(wording(Text::goBack));
         select(other);
         ASSERT_EQ(shown.size(), static_cast<std::size_t>(attempt + 1));
-        EXPECT_EQ(shown.back(), wording(Text::lineNotStorable, {"2"}));
+        EXPECT_EQ(shown.back(), wording(Text::lineNotStorable, {"2"}) + "\nLine 2: € (U+20AC)");
         EXPECT_EQ(selectedItemId(), id);
         EXPECT_EQ(caret(), 3);
     }

@@ -8,14 +8,12 @@
 #include <cstring>
 
 #include "settings/settings_store.h"
-#include "support/ui_recorder.h"
 #include "text/auto_correct.h"
 #include "text/token_table.h"
 
 namespace numalink {
 namespace {
 
-using testing::ElementsAre;
 using testing::Optional;
 
 struct ProgramText : testing::Test {
@@ -23,8 +21,6 @@ struct ProgramText : testing::Test {
         EXPECT_TRUE(tokenTableLoad());
         settingsSetInt(setting::autoCorrect, 1);
     }
-
-    RecordedUi ui;
 };
 
 TEST_F(ProgramText, WithoutAutoCorrectOnlyPlusAndMinusAreForgiven) {
@@ -43,25 +39,13 @@ TEST_F(ProgramText, TextAndBytesAreTheSameProgram) {
                          '{', '}', 0x5C, 0x0D, 0x0D, 0x87, 'X',  0xFF, 0x00};
     const std::string text = programPlainText(image);
     EXPECT_EQ(text, "\"HI\"\xDD\r\nWhileEnd\r\n{}\\\r\n\r\n\x87X");
-    Bytes back;
-    ASSERT_TRUE(programFromText(text, back));
-    EXPECT_EQ(back, Bytes(image.begin(), image.end() - 1));
+    Bytes back = {':'};
+    ASSERT_EQ(lineFromText(text, back), -1);
+    EXPECT_EQ(back, Bytes(image.begin(), image.end() - 2));
     EXPECT_EQ(programPlainText(Bytes{':', 0xFF}), "");
     EXPECT_EQ(programPlainText({}), "");
     tokenTableSet({});
     EXPECT_EQ(programPlainText(Bytes{':', 'A', 0x0D, 0xFF}), "<65> <13> ");
-}
-
-TEST_F(ProgramText, ACharacterWithoutTokenIsToldWithItsLine) {
-    Bytes image;
-    EXPECT_FALSE(programFromText("A\r\nB\xDD\r\nC\x90", image));
-    ASSERT_EQ(uiRecord.boxes.size(), 1u);
-    EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::lineNotStorable);
-    EXPECT_EQ(uiRecord.boxes[0].icon, BoxIcon::error);
-    EXPECT_THAT(uiRecord.boxes[0].arguments, ElementsAre("3"));
-    Bytes tokens;
-    EXPECT_EQ(lineFromText("AB\x90", tokens), 2);
-    EXPECT_THAT(tokens, ElementsAre('A', 'B'));
 }
 
 TokenRecord recordOf(std::uint8_t length, std::uint8_t byte1, std::uint8_t byte2, const char *display,

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <ctime>
+
 #include "settings/settings_store.h"
 #include "text/auto_correct.h"
 #include "text/program_bytes.h"
@@ -117,6 +119,16 @@ TEST_F(ViewRuns, ClassesFollowTheRules) {
     EXPECT_EQ(classesOf("\"'A\"B"), "7:4 0:1 ");
     EXPECT_EQ(classesOf("A'\"1\x81"), "0:1 1:7 ");
     EXPECT_EQ(classesOf("\"\xFA\"1"), "7:1 2:6 7:1 3:1 ");
+}
+
+TEST_F(ViewRuns, AnyLengthOfLineIsReadInStepWithIt) {
+    ViewLine line;
+    while (line.text.size() < 400000) line.text += "A or B->C:";
+    line.origins.resize(line.text.size(), origin::typed);
+    const std::clock_t start = std::clock();
+    const LineReading reading = readLine(line, true);
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 15);
+    EXPECT_EQ(reading.tokens.size(), line.text.size() / 10 * 6);
 }
 
 }  // namespace

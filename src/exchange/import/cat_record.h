@@ -73,5 +73,6 @@ bool readCatText(CatReader &reader, ItemKind itemKind);
 bool readCatPicture(CatReader &reader);
 bool readCatValues(CatReader &reader, ItemKind itemKind);
 bool skipCatData(CatReader &reader);
+bool catTooLarge(CatReader &reader, const std::string &name);  // tells it, and skips what is left of the data
 
 }  // namespace numalink

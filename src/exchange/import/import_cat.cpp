@@ -106,6 +106,30 @@ bool readRecord(CatReader &reader) {
     return catFormatError(reader);
 }
 
+// The mark with nothing but a line end behind it.
+bool isMarkAt(const CatReader &reader, std::string_view mark) {
+    const std::string_view rest = restOf(reader);
+    if (!startsWithoutCase(rest, mark)) return false;
+    return rest.size() == mark.size() || rest[mark.size()] == '\r' || rest[mark.size()] == '\n';
+}
+
+// A line feed of its own is a line end as well: it gets its CR, so that all lines end in CR LF from here on. The second
+// LF of CR LF LF belongs to that line end.
+bool isLoneFeed(std::string_view file, std::size_t place) {
+    if (file[place] != '\n' || (place > 0 && file[place - 1] == '\r')) return false;
+    return place < 2 || file[place - 1] != '\n' || file[place - 2] != '\r';
+}
+
+std::string withReturns(std::string_view file) {
+    std::string text;
+    text.reserve(file.size() + file.size() / 16);
+    for (std::size_t place = 0; place < file.size(); place++) {
+        if (isLoneFeed(file, place)) text += '\r';
+        text += file[place];
+    }
+    return text;
+}
+
 // Steps to the line of the next record's start. False at the end of the file.
 bool findRecord(CatReader &reader) {
     std::size_t skipped = 0;
@@ -149,18 +173,13 @@ bool nextLine(CatReader &reader) {
     return true;
 }
 
-bool atEndMark(const CatReader &reader) {
-    if (reader.at >= reader.file.size() || reader.file[reader.at] != '%') return false;
-    const std::string_view rest = restOf(reader);
-    if (!startsWithoutCase(rest, endMark)) return false;
-    return rest.size() == endMark.size() || rest[endMark.size()] == '\r' || rest[endMark.size()] == '\n';
-}
+bool atEndMark(const CatReader &reader) { return isMarkAt(reader, endMark); }
 
 // Inside of data it tells that the "%End" of this record is missing.
 bool atRecordStart(const CatReader &reader) {
-    if (reader.at >= reader.file.size() || reader.file[reader.at] != '%') return false;
+    if (reader.at >= reader.file.size()) return false;
     const bool lineHead = reader.at == 0 || reader.file[reader.at - 1] == '\n' || reader.file[reader.at - 1] == '\r';
-    return lineHead && equalWithoutCase(lineOf(reader), catRecordStart);
+    return lineHead && isMarkAt(reader, catRecordStart);
 }
 
 // The end mark of old text files counts as nothing.
@@ -193,16 +212,19 @@ bool skipCatData(CatReader &reader) {
     return true;
 }
 
-void readCat(ByteView file, const ItemSink &sink, ImportReport &report) {
-    std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
-    std::string withReturns;
-    if (text.find('\r') == std::string_view::npos) {
-        for (const char byte : text) {
-            if (byte == '\n') withReturns += '\r';
-            withReturns += byte;
-        }
-        text = withReturns;
+bool catTooLarge(CatReader &reader, const std::string &name) {
+    addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(itemDataLimit)});
+    // The end mark of a text may stand behind other text of its line.
+    for (; (reader.at = std::min(reader.file.find('%', reader.at), reader.file.size())) < reader.file.size();
+         reader.at++) {
+        if (atEndMark(reader)) return true;
+        if (atRecordStart(reader)) break;
     }
+    return catFormatError(reader);
+}
+
+void readCat(ByteView file, const ItemSink &sink, ImportReport &report) {
+    const std::string text = withReturns({reinterpret_cast<const char *>(file.data()), file.size()});
     CatReader reader{.file = text, .sink = &sink, .report = &report};
     while (findRecord(reader) && readRecord(reader)) {
         if (!nextLine(reader)) return;

@@ -9,9 +9,11 @@
 #include "calculator/frames.h"
 #include "calculator/number_text.h"
 #include "exchange/import/cat_record.h"
-#include "exchange/import/import.h"
 #include "platform/letter_case.h"
+#include "text/lenient_text.h"
 #include "text/program_bytes.h"
+#include "text/token_table.h"
+#include "text/view_runs.h"
 
 namespace numalink {
 
@@ -221,6 +223,59 @@ void tellValues(CatReader &reader, const ValueTable &table, const std::string &n
                 std::to_string(first % table.columns + 1)});
 }
 
+// The words of a record's program, up to its end mark.
+struct WordWalk {
+    Bytes data{};
+    std::vector<std::string> unknown{};  // what reads as a word and is none, each once
+    Quoting quoting{};
+    std::size_t lastWord = 0;  // where the word just read began
+};
+
+// A backslash ahead of a letter belongs to a word; but writers part with it what would read as a longer word, or as a
+// line of the file's own.
+void noteUnknownWord(WordWalk &walk, const CatReader &reader) {
+    constexpr std::size_t wordsNoted = 5;
+    constexpr std::size_t lettersNoted = 20;
+    const std::string_view rest = restOf(reader);
+    const auto isLetter = [](char code) { return (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z'); };
+    if (rest.size() < 2 || rest[0] != '\\' || !isLetter(rest[1]) || asciiToToken(rest)) return;
+    const std::size_t own = reader.at - walk.lastWord;
+    std::string joined(reader.file.substr(walk.lastWord, own));
+    joined += rest.substr(1, tokenTextSize);
+    const TokenRecord *longer = own <= tokenTextSize ? asciiToToken(joined) : nullptr;
+    if (longer && std::string_view(longer->asciiText).size() > own) return;
+    if (walk.data.size() == 1 &&
+        (startsWithoutCase(rest.substr(1), "Password:") || startsWithoutCase(rest.substr(1), "BaseN:")))
+        return;
+    std::size_t end = 1;
+    while (end < std::min(rest.size(), lettersNoted) && (isLetter(rest[end]) || (rest[end] >= '0' && rest[end] <= '9')))
+        end++;
+    const std::string word(rest.substr(0, end));
+    if (walk.unknown.size() < wordsNoted && std::ranges::find(walk.unknown, word) == walk.unknown.end())
+        walk.unknown.push_back(word);
+}
+
+// False where nothing can be read.
+bool readNextWord(WordWalk &walk, CatReader &reader) {
+    const std::size_t before = walk.data.size();
+    noteUnknownWord(walk, reader);
+    std::size_t used = readWord(reader.file, reader.at, walk.data);
+    if (used == 0) used = readLenientCharacter(restOf(reader), walk.quoting, walk.data);
+    if (used == 0) return false;
+    if (walk.data.size() > before) walk.quoting.follow(walk.data[before]);
+    walk.lastWord = reader.at;
+    reader.at += used;
+    return true;
+}
+
+void tellUnknownWords(CatReader &reader, const WordWalk &walk) {
+    std::string words;
+    for (const std::string &word : walk.unknown) words += (words.empty() ? "" : ", ") + word;
+    if (!words.empty())
+        addMessage(*reader.report, Text::importUnknownWords,
+                   {utf8FromCalculator(reader.value(CatKey::fileName)), words});
+}
+
 }  // namespace
 
 bool readCatText(CatReader &reader, ItemKind itemKind) {
@@ -228,13 +283,15 @@ bool readCatText(CatReader &reader, ItemKind itemKind) {
     while (startsWithoutCase(restOf(reader), "Password:") || startsWithoutCase(restOf(reader), "BaseN:")) {
         if (!nextLine(reader)) return catFormatError(reader);
     }
-    Bytes data(1, ':');
+    WordWalk walk{.data = {':'}};
+    walk.lastWord = reader.at;
     while (!atEndMark(reader)) {
         if (reader.at == reader.file.size() || atRecordStart(reader)) return catFormatError(reader);
-        const std::size_t used = readWord(reader.file, reader.at, data);
-        if (used == 0) return catUnreadable(reader);
-        reader.at += used;
+        if (!readNextWord(walk, reader)) return catUnreadable(reader);
+        if (walk.data.size() > itemDataLimit) return catTooLarge(reader, reader.value(CatKey::fileName));
     }
+    tellUnknownWords(reader, walk);
+    Bytes &data = walk.data;
     takeBackToken(data, 0x0D);
     takeBackToken(data, 0x00);
     data.insert(data.end(), {0xFF, 0});
@@ -257,6 +314,7 @@ bool readCatPicture(CatReader &reader) {
     planes.bad = !fits || planes.pixels == 0;
     for (; !atEndMark(reader);) {
         if (!planes.bad) addPlaneLine(planes, lineOf(reader));
+        if (planes.data.size() > itemDataLimit) return catTooLarge(reader, name);
         if (atRecordStart(reader) || !nextLine(reader)) return catFormatError(reader);
     }
     if (planes.bad || planes.data.size() != planes.expected) return sizesDiffer(reader, name);
@@ -268,10 +326,7 @@ bool readCatValues(CatReader &reader, ItemKind itemKind) {
     ValueTable table{.rows = reader.number(CatKey::rows), .columns = reader.number(CatKey::columns)};
     const bool fits = fitsHead(table.rows) && fitsHead(table.columns);
     if (!fits) return skipCatData(reader) && sizesDiffer(reader, name);
-    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > itemDataLimit) {
-        addMessage(*reader.report, Text::importTooLarge, {utf8FromCalculator(name), std::to_string(itemDataLimit)});
-        return skipCatData(reader);
-    }
+    if (std::uint64_t{table.rows} * table.columns * valueFrameSize > itemDataLimit) return catTooLarge(reader, name);
     clearTable(table);
     while (!atEndMark(reader)) {
         addValueLine(table, lineOf(reader));

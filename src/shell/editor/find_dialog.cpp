@@ -18,7 +18,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/views/item_views.h"
 #include "telling/tell_user.h"
-#include "text/view_edit.h"
+#include "text/lenient_text.h"
 
 namespace numalink {
 

@@ -5,11 +5,14 @@
 #include <QPlainTextEdit>
 #include <QTextBlock>
 #include <QTextCursor>
-#include <utility>
+#include <algorithm>
 
 #include "calculator/charset.h"
+#include "settings/settings_store.h"
 #include "shell/editor/program_document.h"
 #include "shell/parts/main_widgets.h"
+#include "telling/tell_user.h"
+#include "text/lenient_text.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
 #include "text/view_copy.h"
@@ -21,27 +24,11 @@ namespace {
 const QString linesFormat = QStringLiteral("application/x-numalink-program-lines");
 constexpr quint32 linesLimit = 1u << 22;  // characters
 
-// What other programs write for a character that the calculators have under another code point.
-constexpr std::pair<char16_t, char16_t> pastedAs[] = {
-    {u'\u00A0', u' '},      {u'\t', u' '},          {u'\u2018', u'\''},     {u'\u2019', u'\''},
-    {u'\u201C', u'"'},      {u'\u201D', u'"'},      {u'\u2013', u'\u2212'}, {u'\u2014', u'\u2212'},
-    {u'\u03BC', u'\u00B5'}, {u'\u2206', u'\u0394'}, {u'\u2211', u'\u03A3'}, {u'\u2044', u'\u2215'},
-};
 // The full-width plus of the calculator is read back from a plain one.
 constexpr char16_t calculatorPlus = u'\uFF0B';
 // Parts a line where its text alone would come back as other bytes: without width, and kept by mails.
 constexpr char16_t separator = u'\u200C';
-
-QString withKnownCharacters(QString text) {
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    for (QChar &character : text) {
-        if (character == u'\r' || character == u'\u2028' || character == u'\u2029' || character == u'\f')
-            character = u'\n';
-        for (const auto &[from, to] : pastedAs)
-            if (character == from) character = to;
-    }
-    return text.remove(QChar(u'\u200B')).remove(QChar(u'\uFEFF')).remove(QChar(u'\0'));
-}
+constexpr std::string_view separatorText = "\u200C";
 
 // A line as other programs get it: characters of the view, parted where that is needed.
 QString readable(const ViewLine &line, QString text) {
@@ -58,15 +45,19 @@ QString readable(const ViewLine &line, QString text) {
 }
 
 // Lines that were parted; nothing for text without a separator, or with what isn't of this program's making.
-std::vector<ViewLine> linesOfParted(const QString &text) {
+std::vector<ViewLine> linesOfParted(const std::vector<std::string_view> &text) {
     std::vector<ViewLine> lines;
-    if (!text.contains(QChar(separator))) return lines;
-    for (const QString &part : text.split(QLatin1Char('\n'))) {
+    const auto isParted = [](std::string_view line) { return line.find(separatorText) != std::string_view::npos; };
+    if (std::ranges::none_of(text, isParted)) return lines;
+    for (std::string_view rest : text) {
         std::vector<std::string> pieces;
-        for (const QString &piece : part.split(QChar(separator))) {
+        for (;;) {
+            const std::size_t end = std::min(rest.find(separatorText), rest.size());
             int missing = 0;
-            pieces.push_back(calculatorFromUtf8(piece.toStdString(), &missing));
+            pieces.push_back(calculatorFromUtf8(rest.substr(0, end), &missing));
             if (missing > 0) return {};
+            if (end == rest.size()) break;
+            rest.remove_prefix(end + separatorText.size());
         }
         if (!lineOfPieces(pieces, lines.emplace_back())) return {};
     }
@@ -120,14 +111,14 @@ std::vector<ViewLine> unpacked(const QByteArray &bytes) {
 }
 
 // Text of exchange words: nothing but ASCII, at least one word behind a backslash, and no character left over.
-std::vector<ViewLine> linesOfWords(const QString &text) {
-    if (!text.contains(QLatin1Char('\\'))) return {};
+std::vector<ViewLine> linesOfWords(const std::vector<std::string_view> &text) {
     std::string words;
-    for (const QChar character : text) {
-        if (character.unicode() >= 0x80) return {};
-        if (character == u'\n') words += '\r';
-        words += static_cast<char>(character.unicode());
+    for (const std::string_view line : text) {
+        if (&line != text.data()) words += "\r\n";
+        words += line;
     }
+    const auto isHigh = [](char code) { return static_cast<unsigned char>(code) >= 0x80; };
+    if (std::ranges::any_of(words, isHigh)) return {};
     bool hasWord = false;
     for (std::size_t at = words.find('\\'); at != std::string::npos; at = words.find('\\', at + 1)) {
         const TokenRecord *record = asciiToToken(std::string_view(words).substr(at));
@@ -137,6 +128,25 @@ std::vector<ViewLine> linesOfWords(const QString &text) {
     if (!hasWord || tokensFromWords(words, image) >= 0) return {};
     image.push_back(0xFF);
     return viewLines(image);
+}
+
+// Text of any other making, read for where the caret stands.
+std::vector<ViewLine> linesFromElsewhere(const std::vector<std::string_view> &text, std::string_view utf8) {
+    const QTextCursor cursor = programEdit->textCursor();
+    const QTextBlock block = programEdit->document()->findBlock(cursor.selectionStart());
+    const ViewLine ahead = selectedPart(block, block.position(), cursor.selectionStart());
+    LinePlace place{.startsLine = ahead.text.find_first_not_of(' ') == std::string::npos};
+    for (const ViewToken &token : readLine(ahead, settingsInt(setting::autoCorrect) > 0).tokens)
+        place.quoting.follow(token);
+    LenientText lenient = lenientTextOf(utf8);
+    std::vector<ViewLine> lines;
+    for (const std::string_view line : text) {
+        place.reachesEnd = lines.size() + 1 < text.size();
+        lines.push_back(lenientLine(lenient, line, place));
+        place = {};
+    }
+    if (lenient.blanksLeftOut) statusLine(StatusPart::item, Text::blanksLeftOut);
+    return lines;
 }
 
 void insertLines(const std::vector<ViewLine> &lines) {
@@ -176,17 +186,12 @@ bool canPasteProgram(const QMimeData *source) {
 
 void pasteProgram(const QMimeData *source) {
     std::vector<ViewLine> lines = unpacked(source->data(linesFormat));
-    QString text = withKnownCharacters(source->text());
+    const std::string utf8 = source->text().toStdString();
+    const std::vector<std::string_view> text = linesOfText(utf8);
     if (lines.empty()) lines = linesOfWords(text);
     if (lines.empty()) lines = linesOfParted(text);
-    if (!lines.empty()) {
-        insertLines(lines);
-        return;
-    }
-    QTextCursor cursor = programEdit->textCursor();
-    cursor.beginEditBlock();
-    cursor.insertText(text.remove(QChar(separator)), QTextCharFormat());
-    cursor.endEditBlock();
+    if (lines.empty()) lines = linesFromElsewhere(text, utf8);
+    insertLines(lines);
     programEdit->ensureCursorVisible();
 }
 

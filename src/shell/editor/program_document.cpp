@@ -33,10 +33,27 @@ QTextCharFormat formatOf(CodeOrigin from) {
     return format;
 }
 
-void appendCharacter(ViewLine &line, QChar character, CodeOrigin from) {
-    const std::optional<std::uint8_t> code = charsetFromUnicode(character.unicode());
+void appendCharacter(ViewLine &line, char32_t character, CodeOrigin from) {
+    const std::optional<std::uint8_t> code = charsetFromUnicode(character);
     line.text += static_cast<char>(code.value_or(noCode));
-    line.origins.push_back(code ? from : origin::foreign);
+    line.origins.push_back(code ? from : origin::foreign | character);
+}
+
+// A character beyond the 16 bits of Qt's takes two places: the whole of it at the first, the rest of a pair at the
+// second.
+char32_t characterOf(const QString &text, qsizetype place) {
+    const QChar character = text[place];
+    const bool isPair = character.isHighSurrogate() && place + 1 < text.size() && text[place + 1].isLowSurrogate();
+    return isPair ? QChar::surrogateToUcs4(character, text[place + 1]) : character.unicode();
+}
+
+// As it came in; nothing for the second place of a pair.
+QString foreignText(char32_t character) {
+    std::string text;
+    const bool isRestOfPair = character >= 0xDC00 && character <= 0xDFFF;
+    const bool endsLine = character < ' ' || character == U'\u2028' || character == U'\u2029';
+    if (!isRestOfPair) appendUtf8(text, endsLine ? U'\uFFFD' : character);
+    return QString::fromStdString(text);
 }
 
 const LineMemory *memoryOf(const QTextBlock &block) {
@@ -86,7 +103,8 @@ ViewLine lineOfBlock(const QTextBlock &block) {
     for (auto part = block.begin(); !part.atEnd(); ++part) {
         const QTextFragment fragment = part.fragment();
         const CodeOrigin from = fragment.charFormat().property(originProperty).toUInt();
-        for (const QChar character : fragment.text()) appendCharacter(line, character, from);
+        const QString text = fragment.text();
+        for (qsizetype i = 0; i < text.size(); i++) appendCharacter(line, characterOf(text, i), from);
     }
     return line;
 }
@@ -95,8 +113,12 @@ void insertLine(QTextCursor &cursor, const ViewLine &line) {
     for (std::size_t from = 0; from < line.text.size();) {
         std::size_t to = from + 1;
         while (to < line.text.size() && line.origins[to] == line.origins[from]) to++;
-        cursor.insertText(qtFromCodes(std::string_view(line.text).substr(from, to - from)),
-                          formatOf(line.origins[from]));
+        if (isForeign(line.origins[from])) {
+            for (std::size_t i = from; i < to; i++) cursor.insertText(foreignText(characterAt(line, i)), {});
+        } else {
+            cursor.insertText(qtFromCodes(std::string_view(line.text).substr(from, to - from)),
+                              formatOf(line.origins[from]));
+        }
         from = to;
     }
 }

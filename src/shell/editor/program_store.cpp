@@ -9,6 +9,7 @@
 
 #include "calculator/frames.h"
 #include "calculator/program_info.h"
+#include "link/transmit_queue.h"
 #include "shell/app/message_boxes.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_drafts.h"
@@ -18,6 +19,7 @@
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
 #include "telling/tell_user.h"
+#include "text/text_faults.h"
 
 namespace numalink {
 
@@ -29,8 +31,8 @@ Bytes openedHead;
 struct ReadText {
     std::vector<LineBytes> lines;
     std::vector<ViewLine> kept;  // what each line is once it is stored
-    int faultAt = -1;            // position in the document
-    int faultLine = 0;           // from 1
+    std::vector<TextFault> faults;
+    int faultAt = -1;  // position of the first in the document
 };
 
 ReadText readText() {
@@ -40,9 +42,10 @@ ReadText readText() {
         ViewLine line;
         const LineReading reading = readBlock(block, line);
         if (reading.faultAt >= 0) {
-            read.faultAt = block.position() + static_cast<int>(reading.faultAt);
-            read.faultLine = block.blockNumber() + 1;
-            return read;
+            if (read.faults.empty()) read.faultAt = block.position() + static_cast<int>(reading.faultAt);
+            read.faults.push_back(
+                {block.blockNumber() + 1, characterAt(line, static_cast<std::size_t>(reading.faultAt))});
+            continue;
         }
         read.lines.push_back(lineBytes(reading));
         read.kept.push_back(keptLine(line, reading));
@@ -121,12 +124,12 @@ bool writeText(const ReadText &read) {
     takeReference();
     forgetDraft();
     itemInfoToStatus(viewItemId);
+    tellWhenTooLong(viewItemId);
     return true;
 }
 
 QString whyNot(const ReadText &read) {
-    return read.faultAt >= 0 ? toQt(wording(Text::lineNotStorable, {std::to_string(read.faultLine)}))
-                             : textOf(Text::programNotStored);
+    return read.faults.empty() ? textOf(Text::programNotStored) : toQt(textOfFaults(read.faults));
 }
 
 // False to go back.
@@ -178,7 +181,7 @@ bool storeEditedProgram() {
     ReadText read;
     if (tryToStore(read)) return true;
     if (read.faultAt >= 0) {
-        tellUser(Text::lineNotStorable, {std::to_string(read.faultLine)}, BoxIcon::error);
+        tellFaults(read.faults);
         putCaretOn(read.faultAt);
     }
     return false;

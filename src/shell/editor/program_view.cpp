@@ -12,11 +12,13 @@
 #include <algorithm>
 #include <vector>
 
+#include "calculator/charset.h"
 #include "shell/editor/edit_menu.h"
 #include "shell/editor/line_numbers.h"
 #include "shell/editor/program_document.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "text/lenient_text.h"
 #include "text/token_table.h"
 
 namespace numalink {
@@ -102,13 +104,21 @@ void insertTyped(QTextCursor cursor, const QString &text) {
     cursor.endEditBlock();
 }
 
+// What keyboards have for characters of the calculators, such as a dash.
+QString withKnownCharacters(const QString &text) {
+    std::string known;
+    for (const uint character : text.toUcs4())
+        if (const char32_t other = lenientCharacter(character); other != 0) appendUtf8(known, other);
+    return QString::fromStdString(known);
+}
+
 // A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
 void typeText(const QString &text) {
     const bool isBlank = text == QLatin1String(" ");
     const bool isThere = isBlank && !programEdit->textCursor().hasSelection() && caretNow().position == blankAddedAt;
     blankAddedAt = -1;
     if (isThere) return;
-    insertTyped(programEdit->textCursor(), text);
+    insertTyped(programEdit->textCursor(), withKnownCharacters(text));
     const int position = caretNow().position;
     if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) blankAddedAt = position;
     programEdit->ensureCursorVisible();
