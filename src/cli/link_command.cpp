@@ -11,6 +11,7 @@
 #include <optional>
 #include <sstream>
 
+#include "calculator/charset.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "cli/terminal_ui.h"
@@ -21,6 +22,8 @@
 #include "platform/lock.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
+#include "store/undo/undo.h"
+#include "telling/texts.h"
 #include "telling/user_interface.h"
 
 namespace numalink {
@@ -149,6 +152,20 @@ void queueNamed(const std::string &item, bool begin) {
     }
 }
 
+// The newest of what calculators have replaced, as Undo in the window.
+void takeBack() {
+    TakenBack done;
+    const bool isThere = storeUndoOffer().has_value();
+    if (!isThere || !storeUndo(done)) {
+        if (!isThere) commandStatus = commandFailed(wording(Text::nothingToUndo));
+        if (done.changedSince) commandStatus = commandFailed(wording(Text::changedSince));
+        return;
+    }
+    const std::string name = utf8FromCalculator(done.step.name);
+    print({{"undone", name}, {"count", done.step.count}},
+          "undone " + name + ", items: " + std::to_string(done.step.count));
+}
+
 // False to end.
 bool runLine(const std::string &line) {
     const std::size_t gap = line.find(' ');
@@ -159,6 +176,8 @@ bool runLine(const std::string &line) {
         queueNamed(rest, word == "transmit");
     } else if (word == "go") {
         if (!attentionIsOut() && !beginTransmit()) commandStatus = commandFailed("nothing to transmit");
+    } else if (word == "undo") {
+        takeBack();
     } else if (word == "slot" && rest.size() == 1 && rest[0] >= '1' && rest[0] <= '6') {
         chosenSlot = rest[0] - '0';
     } else if (!word.empty() && (word != "answer" || !chooseAnswer(rest))) {
@@ -252,7 +271,8 @@ CommandRun declareLink(CLI::App &command) {
     command.add_flag("--remove-colour", options->removeColor, "Send programs without colour commands");
     command.add_option("--seconds", options->seconds, "End after so many")->check(CLI::NonNegativeNumber);
     command.add_flag("--json", options->json, "One JSON object a line");
-    command.footer("Commands on standard input: transmit ITEM, queue ITEM, go, answer yes|no|cancel, slot N, quit");
+    command.footer(
+        "Commands on standard input: transmit ITEM, queue ITEM, go, undo, answer yes|no|cancel, slot N, quit");
     return [options] { return runLink(*options); };
 }
 

@@ -7,6 +7,7 @@
 #include "cli/commands.h"
 #include "cli/hex_text.h"
 #include "cli/library_session.h"
+#include "cli/terminal_ui.h"
 #include "store/item_store.h"
 
 namespace numalink {
@@ -43,7 +44,7 @@ int listAsText() {
     std::printf("%6s %6s %5s %7s %7s  name\n", "id", "parent", "kind", "head", "data");
     for (const ItemEntry &entry : storeListItems())
         std::printf("%6u %6u %5u %7u %7u  %s\n", entry.id, entry.parent, entry.kind, entry.headSize, entry.dataSize,
-                    utf8FromCalculator(entry.name).c_str());
+                    printableName(entry.name).c_str());
     return exitDone;
 }
 

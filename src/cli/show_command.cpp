@@ -9,6 +9,7 @@
 #include "drawing/dot_fonts.h"
 #include "drawing/dot_text.h"
 #include "drawing/item_picture.h"
+#include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "text/view_runs.h"
 
@@ -20,6 +21,7 @@ struct ShowOptions {
     std::string library;
     std::string item;
     std::string bitmap;
+    bool replace = false;
 };
 
 void showText(ByteView image) {
@@ -40,18 +42,17 @@ const char *faultWording(PictureFault fault) {
     return nullptr;
 }
 
-int showDots(const StoredItem &item, const std::string &bitmap) {
+int showDots(const StoredItem &item, const ShowOptions &options) {
     loadLargeFont();
     loadSmallFont();
     const Surface surface = itemSurface(item.kind, item.head, item.data);
     if (const char *wording = faultWording(pictureFault(item.kind, item.head, item.data)))
         std::fprintf(stderr, "numalink-cli: %s\n", wording);
-    if (bitmap.empty()) {
+    if (options.bitmap.empty()) {
         std::printf("%s", dotText(surface).c_str());
         return exitDone;
     }
-    if (writeBitmapFile(bitmap, surface) != FileResult::done) return commandFailed(bitmap + " can't be written");
-    return exitDone;
+    return writeUserFile(options.bitmap, bitmapBytes(surface), options.replace) ? exitDone : exitFailed;
 }
 
 int runShow(const ShowOptions &options) {
@@ -62,7 +63,7 @@ int runShow(const ShowOptions &options) {
     if (id == noItem)
         return commandFailed("no item \"" + options.item + "\" in this library; \"list\" tells ids and names");
     if (!storeReadItem(id, item)) return exitFailed;
-    if (isDrawnKind(item.kind)) return showDots(item, options.bitmap);
+    if (isDrawnKind(item.kind)) return showDots(item, options);
     if (!options.bitmap.empty()) return commandFailed(options.item + " has no picture");
     if (isTextKind(item.kind)) {
         showText(item.data);
@@ -80,6 +81,7 @@ CommandRun declareShow(CLI::App &command) {
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
     command.add_option("ITEM", options->item, "An id, or a path such as /Programs/SNAKE")->required();
     command.add_option("--bitmap", options->bitmap, "Draw into this BMP file instead of the terminal");
+    command.add_flag("--replace", options->replace, "Replace a file that exists");
     return [options] { return runShow(*options); };
 }
 

@@ -1,7 +1,8 @@
 #include "cli/terminal_ui.h"
 
-#include <algorithm>
 #include <cstdio>
+
+#include "calculator/charset.h"
 
 namespace numalink {
 
@@ -10,6 +11,7 @@ namespace {
 int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
+ImportTaken importTaken = ImportTaken::keepBoth;
 std::string subject;  // told ahead of the next box, once
 RasterType rasterType = RasterType::image;
 
@@ -35,26 +37,36 @@ void answerBitmap(BitmapQuestion &question) {
 
 }  // namespace
 
-std::string onOneLine(std::string text) {
-    std::ranges::replace_if(
-        text, [](char code) { return code >= 0 && code < ' '; }, ' ');
-    return text;
+std::string onOneLine(const std::string &text) {
+    std::string line;
+    for (std::size_t at = 0; at < text.size(); at++) {
+        const auto code = static_cast<unsigned char>(text[at]);
+        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : 0);
+        const bool second = code == 0xC2 && next >= 0x80 && next < 0xA0;
+        if (second) at++;
+        line += second || code < ' ' || code == 0x7F ? ' ' : text[at];
+    }
+    return line;
 }
 
 void terminalUiInstall() {
     boxCount = 0;
     importAction = ImportAction::none;
     importFolder.clear();
+    importTaken = ImportTaken::keepBoth;
     subject.clear();
     rasterType = RasterType::image;
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
+    userInterface.askImportTaken = [](const ImportTakenQuestion &) { return importTaken; };
     userInterface.askBitmap = answerBitmap;
     userInterface.statusText = [](StatusPart, Text, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
     };
 }
+
+std::string printableName(std::string_view name) { return onOneLine(utf8FromCalculator(name)); }
 
 void terminalSubject(const std::string &about) { subject = about; }
 
@@ -64,6 +76,8 @@ void terminalImportAnswer(ImportAction action, const std::string &folderName) {
     importAction = action;
     importFolder = folderName;
 }
+
+void terminalImportTaken(ImportTaken taken) { importTaken = taken; }
 
 void terminalRasterAnswer(const std::string &type) {
     rasterType = type == "sharp" ? RasterType::sharp : RasterType::image;

@@ -39,8 +39,4 @@ Bytes bitmapBytes(const Surface &surface) {
     return file;
 }
 
-FileResult writeBitmapFile(const std::string &path, const Surface &surface) {
-    return writeWholeFile(path, bitmapBytes(surface));
-}
-
 }  // namespace numalink

@@ -1,10 +1,7 @@
 // Surfaces as BMP files of 24 bits a dot, bottom row first. Any thread; no state.
 #pragma once
 
-#include <string>
-
 #include "platform/bytes.h"
-#include "platform/files.h"
 #include "platform/surface.h"
 
 namespace numalink {
@@ -12,8 +9,5 @@ namespace numalink {
 inline constexpr std::size_t bitmapHeadSize = 54;
 
 Bytes bitmapBytes(const Surface &surface);
-
-// Beside path and renamed over it; the caller tells of a failure.
-FileResult writeBitmapFile(const std::string &path, const Surface &surface);
 
 }  // namespace numalink

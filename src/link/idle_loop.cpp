@@ -32,10 +32,7 @@ IdleRead readIdle(Family family) {
     return idle;
 }
 
-void showIdle(Family family) {
-    userInterface.progressPosition(0);
-    linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle);
-}
+void showIdle(Family family) { linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle); }
 
 void sendAttention() {
     if (!attentionTakeWish()) return;
@@ -75,7 +72,9 @@ bool linkIdleLoop(Family family, bool isBack) {
     bool idleIsDue = true;
     bool tellsWaiting = isBack;
     while (!conversationOver()) {
-        if (idleIsDue || linkNoticeState() == NoticeState::over) showIdle(family);
+        if (idleIsDue) userInterface.progressRange(0);
+        const bool showsResult = idleIsDue && linkResultTake();
+        if (idleIsDue ? !showsResult : linkNoticeState() == NoticeState::over) showIdle(family);
         if (idleIsDue && !linkNoticeRepeat() && tellsWaiting) tellWaiting();
         idleIsDue = false;
         sendAttention();

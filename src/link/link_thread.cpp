@@ -38,12 +38,18 @@ constexpr Cause causes[] = {{LineFault::missing, Text::portMissing},
                             {LineFault::notSerial, Text::portNotSerial},
                             {LineFault::failed, Text::portFailed}};
 
+// The port of the defaults, and the system has none of that name: nobody has chosen one.
+bool noneChosen(const LineOpening &opening) {
+    return opening.fault == LineFault::missing && opening.path == setting::comPortDefault;
+}
+
 // Why the port is closed: as a box where the user waits for it, else as a line in the status bar.
 void tellClosed(const LineOpening &opening, bool asBox) {
     for (const Cause &cause : causes) {
         if (cause.fault != opening.fault) continue;
         const bool noGroup = opening.fault == LineFault::denied && opening.group.empty();
-        const Text text = noGroup ? Text::portForbidden : cause.text;
+        Text text = noGroup ? Text::portForbidden : cause.text;
+        if (noneChosen(opening)) text = Text::portNone;
         if (asBox) {
             tellMore(Text::portNotOpened, text, {opening.path, opening.group}, BoxIcon::none);
         } else {
@@ -74,6 +80,7 @@ void converse(Family family, const LineOpening &opening, bool isBack) {
     if (!opening.settingsTaken) tellUser(Text::lineSettingsRefused);
     const bool inTransfer = linkIdleLoop(family, isBack);
     serialLine.close();
+    if (!conversationStopped()) userInterface.progressRange(0);
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
 }
 
@@ -90,7 +97,7 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
             converse(family, opening, wasOpen);
             told = wasOpen = true;
         } else if (!told && !conversationStopped()) {
-            tellClosed(opening, chosenByUser);
+            tellClosed(opening, chosenByUser && !noneChosen(opening));
             told = true;
         }
         if (!conversationStopped()) waitClosed(opening);
@@ -123,6 +130,7 @@ void startLinkThread() {
         stopLinkThread();
         linkNoticeForget();
         userInterface.statusText(StatusPart::link, Text::none, "");
+        userInterface.progressRange(0);
         if (cut) {
             userInterface.refreshTree();  // what the stopped conversation has stored
             linkNotice(Text::transferStopped);

@@ -1,5 +1,8 @@
 #include "link/notices.h"
 
+#include <atomic>
+
+#include "link/conversation.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
 #include "telling/user_interface.h"
@@ -19,6 +22,7 @@ struct Notice {
 };
 
 Lock noticeLock;
+std::atomic<bool> resultShown = false;
 Notice notice GUARDED_BY(noticeLock);
 
 void keep(const Notice &kept) {
@@ -38,7 +42,17 @@ void linkNoticeShown() {
     keep({.standing = true, .atRest = true, .since = tickCount(), .text = Text::none, .worded = {}});
 }
 
-void linkNoticeForget() { keep({}); }
+void linkResult(Text text) {
+    resultShown = true;
+    linkStatus(text);
+}
+
+bool linkResultTake() { return resultShown.exchange(false); }
+
+void linkNoticeForget() {
+    resultShown = false;
+    keep({});
+}
 
 NoticeState linkNoticeState() {
     const HoldLock hold(noticeLock);

@@ -6,6 +6,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/receive_storage.h"
 #include "store/undo/undo.h"
 #include "telling/texts.h"
@@ -108,7 +109,7 @@ bool receiveNext(Tally &tally) {
     }
     userInterface.refreshTree();
     tally.treeIsFresh = true;
-    linkStatus(Text::algebraReceived);
+    linkResult(Text::algebraReceived);
     return false;
 }
 

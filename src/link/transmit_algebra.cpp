@@ -4,6 +4,7 @@
 #include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/conversations.h"
+#include "link/notices.h"
 #include "link/transmit_end.h"
 #include "telling/texts.h"
 
@@ -55,7 +56,7 @@ void transmitToAlgebra() {
     if (exchangeModels() && transmitQueued()) {
         linkStatus(Text::algebraClosing);
         sendSlowly(*buildHeadFrame(kind::endOfTransmission, Family::algebra, {}));
-        linkStatus(Text::algebraSent);
+        linkResult(Text::algebraSent);
     }
     clearSentFromTemp();
 }

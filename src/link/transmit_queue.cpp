@@ -85,11 +85,17 @@ bool askFor(QueuedItem &entry) {
 
 bool transmitAvailable() { return true; }
 
-bool queueItem(ItemId id) {
-    const auto entry = storeReadEntry(id);
-    if (!entry) return false;
+bool queueItem(ItemId id) { return queueItems({id}); }
+
+bool queueItems(const std::vector<ItemId> &ids) {
     Walk walk;
-    const Queued result = isFolderKind(entry->kind) ? queueFolder(id, walk) : queueSingle(id, walk);
+    Queued result = Queued::refused;
+    for (const ItemId id : ids) {
+        const auto entry = storeReadEntry(id);
+        if (!entry) continue;
+        result = isFolderKind(entry->kind) ? queueFolder(id, walk) : queueSingle(id, walk);
+        if (result == Queued::full) break;
+    }
     if (walk.refused > refusalsTold)
         tellMore(Text::kindNotTransferable, Text::refusedMore, {std::to_string(walk.refused - refusalsTold)},
                  BoxIcon::none);
@@ -178,6 +184,13 @@ bool transmitCanBegin() { return transmitQueueCount() > 0 && !attentionIsOut() &
 std::size_t transmitQueueCount() {
     const HoldLock hold(queueLock);
     return queue.entries.size();
+}
+
+std::vector<ItemId> transmitQueueHeld() {
+    const HoldLock hold(queueLock);
+    std::vector<ItemId> ids = queue.dropped;
+    for (const QueuedItem &entry : queue.entries) ids.push_back(entry.id);
+    return ids;
 }
 
 std::vector<ItemId> transmitQueueIds() {

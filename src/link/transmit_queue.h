@@ -26,6 +26,7 @@ bool transmitAvailable();  // whether the program can transmit at all
 // refused (told by name) or the queue is full (told). What a folder holds and can't go is told item by item,
 // a few at most, and the rest is queued.
 bool queueItem(ItemId id);
+bool queueItems(const std::vector<ItemId> &ids);  // the same for many, as for a folder of them
 
 // Graphical thread. Asks for picture slots and the consent to backups, then marks the wish to transmit; the attention
 // byte goes out as soon as the link is idle. False when there is nothing to send or the user declined.
@@ -46,8 +47,9 @@ bool transmitCanBegin();
 
 std::size_t transmitQueueCount();
 std::vector<ItemId> transmitQueueIds();
-void transmitQueueRemove(ItemId id);  // the first entry of this item
-void transmitQueueClear();            // by the user's wish: nothing is kept for "queue again"
+std::vector<ItemId> transmitQueueHeld();  // those, and what can be queued again: not to be cleared from the library
+void transmitQueueRemove(ItemId id);      // the first entry of this item
+void transmitQueueClear();                // by the user's wish: nothing is kept for "queue again"
 
 // What the last failure dropped can be queued again.
 std::size_t transmitDroppedCount();

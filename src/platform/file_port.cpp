@@ -17,13 +17,16 @@ namespace {
 
 constexpr std::uint64_t offsetLimit = INT64_MAX;
 
-OpenResult openLocked(const char *path, bool create, int &file) {
+OpenResult openWith(const char *path, bool create, bool own, int &file) {
     // O_NONBLOCK: a pipe in the place of the library doesn't hold the program.
-    const int opened = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0666);
+    const int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0) | (own ? O_NOFOLLOW : 0);
+    const int opened = open(path, flags, 0666);
+    if (opened < 0 && own && errno == ELOOP) return OpenResult::linked;
     if (opened < 0) return errno == ENOENT && !create ? OpenResult::absent : OpenResult::failed;
     struct stat facts {};
     OpenResult result = OpenResult::opened;
     if (fstat(opened, &facts) != 0 || !S_ISREG(facts.st_mode)) result = OpenResult::failed;
+    if (result == OpenResult::opened && own && facts.st_nlink > 1) result = OpenResult::linked;
     // flock goes with the open file itself: closing some other descriptor of it doesn't let go.
     if (result == OpenResult::opened && flock(opened, LOCK_EX | LOCK_NB) != 0)
         result = errno == EWOULDBLOCK ? OpenResult::heldByAnother : OpenResult::failed;
@@ -33,6 +36,25 @@ OpenResult openLocked(const char *path, bool create, int &file) {
     }
     file = opened;
     return result;
+}
+
+OpenResult openLocked(const char *path, bool create, int &file) { return openWith(path, create, false, file); }
+OpenResult openOwn(const char *path, bool create, int &file) { return openWith(path, create, true, file); }
+
+FileFault lastFault() {
+    switch (errno) {
+        case ENOSPC:
+        case EDQUOT:
+            return FileFault::full;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return FileFault::denied;
+        case EIO:
+            return FileFault::unreadable;
+        default:
+            return FileFault::other;
+    }
 }
 
 std::int64_t sizeOf(int file) {
@@ -48,6 +70,7 @@ std::size_t moveAll(std::uint64_t offset, std::size_t count, Once once) {
     while (done < count) {
         const ssize_t moved = once(done, static_cast<off_t>(offset + done), count - done);
         if (moved < 0 && errno == EINTR) continue;
+        if (moved == 0) errno = ENOSPC;  // of a write; for reading, the file has ended, which is the caller's to judge
         if (moved <= 0) break;
         done += static_cast<std::size_t>(moved);
     }
@@ -123,6 +146,7 @@ bool syncFolder(const char *path) {
 
 const FilePort systemFilePort = {
     .openLocked = openLocked,
+    .openOwn = openOwn,
     .size = sizeOf,
     .readAt = readAt,
     .writeAt = writeAt,
@@ -135,6 +159,7 @@ const FilePort systemFilePort = {
     .giveRights = giveRights,
     .realPath = realPath,
     .syncFolder = syncFolder,
+    .lastFault = lastFault,
 };
 
 FilePort filePort = systemFilePort;

@@ -107,11 +107,11 @@ std::string targetOf(const std::string &path) {
 
 // A new file beside target, under a name that no other thread or program uses at the time. What a dead program of the
 // same number left there is replaced.
-int createBeside(const std::string &target, std::string &beside) {
+int createBeside(const std::string &target, std::string &beside, mode_t rights) {
     static std::atomic<unsigned> serial = 0;
     beside = target + ".new-" + std::to_string(getpid()) + "-" + std::to_string(serial++);
     unlink(beside.c_str());
-    return open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    return open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rights);
 }
 
 // The rename itself survives a failing machine only when the folder is synced; a file system that can't is no fault.
@@ -154,7 +154,7 @@ FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t li
     return result;
 }
 
-FileResult writeWholeFile(const std::string &path, ByteView bytes) {
+FileResult writeWholeFile(const std::string &path, ByteView bytes, const std::string &rightsOf) {
     const std::string target = targetOf(path);
     struct stat old {};
     const bool replaces = stat(target.c_str(), &old) == 0;
@@ -162,8 +162,11 @@ FileResult writeWholeFile(const std::string &path, ByteView bytes) {
     if (replaces && !S_ISREG(old.st_mode)) return FileResult::failed;
     if (replaces && access(target.c_str(), W_OK) != 0) return resultOfError(errno);
     std::string beside;
-    const OpenFile opened(createBeside(target, beside));
+    constexpr mode_t own = 0600, asTheSystemGives = 0666;
+    const OpenFile pattern(replaces || rightsOf.empty() ? -1 : open(rightsOf.c_str(), O_RDONLY | O_CLOEXEC));
+    const OpenFile opened(createBeside(target, beside, pattern.file >= 0 ? own : asTheSystemGives));
     if (opened.file < 0) return resultOfError(errno);
+    if (pattern.file >= 0) filePort.giveRights(pattern.file, opened.file);
     // The new file takes the access rights of the one that it replaces.
     const bool written = (!replaces || fchmod(opened.file, old.st_mode & 07777U) == 0) &&
                          writeAll(opened.file, bytes) && fsync(opened.file) == 0;

@@ -15,7 +15,8 @@ enum class FileResult { done, missing, denied, isFolder, tooLarge, diskFull, fai
 FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t limit);
 
 // Writes beside path, syncs, and renames over it: path holds either its old content or the whole new one.
-FileResult writeWholeFile(const std::string &path, ByteView bytes);
+// A new file takes owner and rights of the file at rightsOf, where one is given and there.
+FileResult writeWholeFile(const std::string &path, ByteView bytes, const std::string &rightsOf = {});
 
 // Makes the folder and those it lies in, where they are missing; true when their names are on the disk.
 bool makeFolders(std::string path);

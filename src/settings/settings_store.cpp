@@ -21,7 +21,7 @@ struct DefaultSetting {
 
 // In the order of the table, and so of the file. The language has no default: it comes behind the others.
 constexpr DefaultSetting defaultSettings[] = {
-    {setting::comPort, "COM2"},
+    {setting::comPort, setting::comPortDefault},
     {setting::linkType, "CFX"},
     {setting::removeColor, "0"},
     {setting::haltOnError, "0"},

@@ -33,6 +33,8 @@ inline constexpr char colorNumbers[] = "Numalink.Settings.Editor.Colors.Numbers"
 inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment";
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
+
+inline constexpr char comPortDefault[] = "COM2";  // where nobody has chosen one
 }  // namespace setting
 
 // The value of key. An unknown key is added at the end of the table with an empty value; with the table full it

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,9 +59,12 @@ struct ItemMove {
     ItemId newParent = rootId;
 };
 
+// What becomes of a library whose file is missing or empty while daily copies of it lie beside.
+enum class WhenEmptied { refuse, begin };
 // False when the library can't be used, with the cause told. A library that some other program holds gives false
 // after nothing but its box.
-bool storeOpen();
+bool storeOpen(WhenEmptied whenEmptied = WhenEmptied::refuse);
+bool storeIsEmptied();  // whether an opening would be refused for that; while closed
 // Moves the records together, cuts the file at its end and lets go of it. Harmless when closed.
 void storeClose();
 bool storeIsOpen();
@@ -92,11 +96,12 @@ bool storeMove(ItemId id, ItemId newParent);  // refused for a folder into itsel
 // Many at once, all of them or none; refused with a folder among several.
 bool storeMoveItems(const std::vector<ItemMove> &moves);
 bool storeSetFlags(ItemId id, std::uint32_t value);
-std::uint32_t storeGetFlags(ItemId id);  // 0 when there is no such item
-bool storeDelete(ItemId id);             // with all that a folder holds
-bool storeDropFolder(ItemId id);         // only one that holds nothing, and not to be taken back
+std::uint32_t storeGetFlags(ItemId id);              // 0 when there is no such item
+bool storeDelete(ItemId id);                         // with all that a folder holds
+bool storeDeleteItems(std::span<const ItemId> ids);  // the same for many at once, all of them or none
+bool storeDropFolder(ItemId id);                     // only one that holds nothing, and not to be taken back
 // Takes back deletes and replacements: the items of leaving go, and these come back as they were, under their own ids
-// and in this order. Refused when an id is in use, or a parent is neither there nor ahead in the list.
+// and in this order. Refused when an id is in use, or a parent is neither there nor in the list.
 bool storePutBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &leaving = {});
 // The library's file as it stands, whole and on the disk at path, in place of what was there. Not told when it fails.
 bool storeCopyTo(const std::string &path);
@@ -110,7 +115,9 @@ std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKin
 ItemId storeResolvePath(std::string_view path, bool create);
 ItemId storeStandardFolder(ItemKind folderKind);  // found by kind, else made; noItem for kinds that are none
 ItemId storeTempFolder();                         // the temporary folder, made when absent
-void storeTidyTemp();   // as storeResetTemp, but tells of nothing: should it fail, the next reset or start does it
-bool storeResetTemp();  // deletes every temporary folder and makes one
+// Deletes every temporary folder and makes one; with something of kept in it, all but that.
+bool storeResetTemp(const std::vector<ItemId> &kept = {});
+// The same, but tells of nothing: should it fail, the next reset or start does it.
+void storeTidyTemp(const std::vector<ItemId> &kept = {});
 
 }  // namespace numalink

@@ -15,7 +15,8 @@
 namespace numalink {
 
 enum class BoxIcon { none, information, warning, error };
-enum class BoxButtons { ok, okCancel };
+// okGoTo: beside OK a way to the place that the box speaks of, which the front end takes by itself.
+enum class BoxButtons { ok, okCancel, okGoTo };
 enum class Answer { cancel, ok, yes, no };
 
 // A message box. Text::none stands for a wording that is fixed in the program.
@@ -36,6 +37,14 @@ struct ImportQuestion {
     std::vector<std::string> itemNames;                   // UTF-8
     std::string folderName;                               // UTF-8, edited by the user
     ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
+};
+
+// What becomes of those to be imported whose names are taken where they go. Cancel places nothing at all.
+enum class ImportTaken { cancel, replace, keepBoth, skip };
+
+struct ImportTakenQuestion {
+    std::size_t count = 0;  // of them
+    std::string names;      // UTF-8, of the first of them at least
 };
 
 // The question of an export: which items go into which sort of file, and where.
@@ -78,6 +87,7 @@ struct UserInterface {
     void (*refreshTree)();
     bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
     void (*askImport)(ImportQuestion &question);
+    ImportTaken (*askImportTaken)(const ImportTakenQuestion &question);
     void (*askExport)(ExportQuestion &question);
     void (*askBitmap)(BitmapQuestion &question);
     Answer (*askItemExists)(const std::string &question);  // yes, no or cancel

@@ -132,23 +132,38 @@ TEST(CommandLine, CheckTellsOfALibraryAndRepairsIt) {
     scratch.write("games.cat", catProgram("SNAKE") + catProgram("TETRIS"));
     ASSERT_EQ(run({"import", "library/new", "games.cat"}).status, 0);
     const std::string name = "library/new/storage.dat", sound = "places with damage: 0\n";
-    enum class Before { none, damage, hold, remove };
+    const std::string copy = "library/new/backups/storage-2026-01-02.dat", restored = " is in the place of the library";
+    std::filesystem::create_directory(scratch.path + "library/new/backups");
+    using Words = std::vector<std::string>;
+    const Words check = {"check"}, repair = {"check", "--repair"}, restore = {"check", "--restore"}, list = {"list"};
+    enum class Before { none, damage, hold, remove, empty, headless, lineEnd };
     struct Row {
         Before before;
-        bool repair;
+        Words command;
         int writes, status;
         std::string tells;
+        bool changes = false;
     };
     const Row rows[] = {
-        {Before::none, false, 99, 0, sound},
-        {Before::none, true, 99, 0, sound},
-        {Before::damage, false, 99, 1, "lost: at 8032, id "},
-        {Before::none, true, 0, 2, "could not be repaired"},
-        {Before::none, true, 1, 2, "could not be repaired"},  // once its copy is written
-        {Before::none, true, 99, 1, "repaired; the damaged file is kept"},
-        {Before::none, false, 99, 0, sound},
-        {Before::hold, true, 99, 2, "in use by another program"},
-        {Before::remove, true, 99, 2, "there is no such file"},
+        {Before::none, check, 99, 0, sound},
+        {Before::none, repair, 99, 0, sound},
+        {Before::damage, check, 99, 1, "lost: at 8032, id "},
+        {Before::none, repair, 0, 2, "could not be put in order"},
+        {Before::none, repair, 1, 2, "could not be put in order"},  // once its copy is written
+        {Before::none, repair, 99, 1, "repaired; the damaged file is kept", true},
+        {Before::none, check, 99, 0, sound},
+        {Before::none, restore, 99, 2, "holds no copy in order"},
+        {Before::empty, check, 99, 2, "copies of it lie in"},
+        {Before::none, list, 99, 2, "copies of it lie in"},
+        {Before::none, restore, 0, 2, "could not be put in order"},
+        {Before::none, restore, 99, 0, restored, true},
+        {Before::none, restore, 99, 2, "it stays as it is"},
+        {Before::headless, list, 99, 2, "numalink-cli check --restore "},
+        {Before::none, restore, 99, 0, restored, true},
+        {Before::lineEnd, list, 99, 0, "   ETRIS\n"},
+        {Before::hold, repair, 99, 2, "in use by another program"},
+        {Before::remove, repair, 99, 2, "copies of it lie in"},
+        {Before::none, restore, 99, 0, restored, true},
     };
     filePort.writeAt = [](int to, std::uint64_t offset, const void *bytes, std::size_t count) {
         return writesLeft-- > 0 ? systemFilePort.writeAt(to, offset, bytes, count) : 0;
@@ -157,18 +172,25 @@ TEST(CommandLine, CheckTellsOfALibraryAndRepairsIt) {
         int held = -1;
         if (row.before == Before::damage) scratch.write(name, scratch.read(name).replace(8032, 1, "x"));
         if (row.before == Before::hold) filePort.openLocked((scratch.path + name).c_str(), false, held);
+        if (row.before == Before::empty) scratch.write(copy, scratch.read(name));
+        if (row.before == Before::empty) scratch.write(name, "");
+        if (row.before == Before::headless) scratch.write(name, scratch.read(name).replace(0, 1, "x"));
+        if (row.before == Before::lineEnd)
+            scratch.write(name, scratch.read(name).replace(scratch.read(name).find("TETRIS"), 1, "\n"));
         if (row.before == Before::remove) std::filesystem::remove(scratch.path + name);
         const std::string bytes = scratch.read(name);
         writesLeft = row.writes;
-        std::vector<std::string> arguments = {"check", "library/new"};
-        if (row.repair) arguments.emplace_back("--repair");
+        Words arguments = row.command;
+        arguments.insert(arguments.begin() + 1, "library/new");
         const Outcome outcome = run(arguments);
         if (held >= 0) filePort.close(held);
         EXPECT_EQ(outcome.status, row.status) << row.tells;
         EXPECT_THAT(outcome.out + outcome.err, HasSubstr(row.tells));
-        EXPECT_TRUE((row.status == 1 && row.repair) || scratch.read(name) == bytes) << row.tells;
+        EXPECT_TRUE(row.changes || scratch.read(name) == bytes) << row.tells;
     }
     filePort = systemFilePort;
+    EXPECT_EQ(scratch.read(name), scratch.read(copy));
+    EXPECT_THAT(scratch.read(name + ".damaged-3"), StartsWith("xAINHEADER"));
 }
 
 }  // namespace

@@ -205,8 +205,12 @@ TEST(Keypad, NoTwoKeysOverlapAndAllLieOnTheSurface) {
 }
 
 TEST(Keypad, TheKeyboardFollowsTheLettersOfTheKeys) {
-    for (const auto &[key, code] :
-         {std::pair(KeyboardKey::enter, 31), {KeyboardKey::pad5, 63}, {KeyboardKey::f6, 29}, {KeyboardKey::down, 37}})
+    for (const auto &[key, code] : {std::pair(KeyboardKey::enter, 31),
+                                    {KeyboardKey::digit5, 63},
+                                    {KeyboardKey::comma, 35},
+                                    {KeyboardKey::erase, 44},
+                                    {KeyboardKey::f6, 29},
+                                    {KeyboardKey::down, 37}})
         EXPECT_EQ(keyCodeOf(key), code);
     for (int letter = 0; letter < 26; letter++) {
         const int code = keyCodeOf(static_cast<KeyboardKey>(static_cast<int>(KeyboardKey::a) + letter));

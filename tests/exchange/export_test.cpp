@@ -296,13 +296,23 @@ TEST_F(Export, AnExistingFileIsAskedAboutAndOwnFilesAreRefused) {
     ASSERT_EQ(symlink("storage.dat", (scratch.path + "link.cat").c_str()), 0);
     ASSERT_EQ(link((scratch.path + "storage.dat").c_str(), (scratch.path + "hard.cat").c_str()), 0);
     scratch.write("draft-1.txt", "draft");
-    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "draft-1.txt"}) {
+    scratch.write("another library", library);
+    for (const char *folder : {"backups", "real"}) std::filesystem::create_directory(scratch.path + folder);
+    scratch.write("backups/storage-2026-01-01.dat", "copy");
+    std::filesystem::create_hard_link(scratch.path + "backups/storage-2026-01-01.dat", scratch.path + "copy.cat");
+    for (const char *own : {"storage.dat", "link.cat", "hard.cat", "settings.xml", "draft-1.txt", "another library",
+                            "storage.dat-journal", "./storage.dat-new", "copy.cat", "backups/x.cat"}) {
         uiRecord.boxes.clear();
-        uiRecord.answers = {Answer::ok};
-        EXPECT_FALSE(exportTo(own, {id})) << own;
+        EXPECT_FALSE(
+            exportItems({.path = scratch.path + own, .ids = {id}, .target = ExportTarget::cat, .mayReplace = true}))
+            << own;
         EXPECT_EQ(uiRecord.boxes.size(), 1u) << own;
     }
     EXPECT_EQ(scratch.read("storage.dat"), library);
+    std::filesystem::rename(scratch.path + "storage.dat", scratch.path + "real/storage.dat");
+    std::filesystem::create_symlink("real/storage.dat", scratch.path + "storage.dat");
+    EXPECT_FALSE(exportTo("real/storage.dat-journal", {id})) << "beside the file itself";
+    EXPECT_TRUE(exportTo("real/draft.cat", {id}));
 }
 
 TEST_F(Export, AFolderThatCantBeWrittenIsTold) {

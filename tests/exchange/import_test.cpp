@@ -14,6 +14,7 @@
 #include "platform/file_port.h"
 #include "platform/picture_file.h"
 #include "settings/settings_store.h"
+#include "store/undo/undo.h"
 #include "support/cat_records.h"
 #include "telling/texts.h"
 
@@ -77,6 +78,20 @@ TEST_F(Import, AFullLibraryTakesAllOrNothing) {
     EXPECT_TRUE(uiRecord.lastQuestion.itemNames.empty()) << "there is nothing to ask about";
 }
 
+TEST_F(Import, WhatCouldNotBeMovedStaysWhereItWaits) {
+    static int failures = 1;
+    storeStandardFolder(1001);
+    uiRecord.importAction = ImportAction::standardFolders;
+    filePort.writeAt = [](int file, std::uint64_t offset, const void *bytes, std::size_t count) {
+        const bool isMove = !uiRecord.lastQuestion.itemNames.empty();  // it was asked where to
+        return isMove && failures-- > 0 ? 0 : systemFilePort.writeAt(file, offset, bytes, count);
+    };
+    importText("a.cat", catProgram("ONE"));
+    filePort = systemFilePort;
+    EXPECT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+}
+
 TEST_F(Import, AFolderOfTheUserIsNeverTheParkingPlace) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "temp";
@@ -108,7 +123,57 @@ TEST_F(Import, TransmittingQueuesWhatWasRead) {
     EXPECT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(transmitQueueIds().size(), 1u);
     EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("LIST", "ONE"));
+    importText("b.cat", catProgram("TWO"));
+    EXPECT_THAT(uiRecord.lastQuestion.itemNames, ElementsAre("TWO"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE", "TWO")) << "what isn't queued goes";
+    EXPECT_EQ(transmitQueueIds().size(), 2u);
+    EXPECT_TRUE(storeReadEntry(transmitQueueIds()[0]));
+    transmitQueueDrop();
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("c.cat", catProgram("THREE"));
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("THREE"));
+    EXPECT_EQ(transmitQueueAgain(), 2u) << "dropped by a failure, and still there";
     transmitQueueClear();
+}
+
+TEST_F(Import, NamesThatAreTakenAreAskedAboutOnceAndAllOfItIsOneStep) {
+    uiRecord.importAction = ImportAction::oneFolder;
+    uiRecord.importFolder = "games";
+    importText("a.cat", catProgram("ONE", "A") + catProgram("TWO", "A"));
+    const ItemId folder = storeFindItem("games", rootId);
+    storeAddItem({.name = "LIST", .parent = folder, .kind = kind::folder, .head = {}, .data = {}});
+    const auto content = [&] {
+        std::string all;
+        for (const ItemEntry &entry : storeListChildren(folder)) {
+            StoredItem item;
+            EXPECT_TRUE(storeReadItem(entry.id, item));
+            all += item.name + (isTextKind(item.kind) ? std::string(1, static_cast<char>(item.data[1])) : "") + " ";
+        }
+        return all;
+    };
+    const struct {
+        ImportTaken answer;
+        const char *content;
+    } rows[] = {{ImportTaken::cancel, "ONEA TWOA LIST "},
+                {ImportTaken::keepBoth, "ONEA TWOA LIST oneB THREEB LIST "},
+                {ImportTaken::skip, "ONEA TWOA LIST THREEB LIST "},
+                {ImportTaken::replace, "TWOA LIST oneB THREEB LIST "}};
+    for (const auto &row : rows) {
+        uiRecord.importTaken = row.answer;
+        uiRecord.lines.clear();
+        importText("b.cat", catProgram("one", "B") + catProgram("THREE", "B") +
+                                catValues("LT", "LIST", 1, 1, "Value : 1 1 2\r\n"));
+        EXPECT_EQ(content(), row.content);
+        EXPECT_EQ(std::ranges::count(uiRecord.lines, "taken 1: one"), 1) << "those of other kinds are let be";
+        TakenBack done;
+        if (row.answer == ImportTaken::cancel) continue;
+        EXPECT_EQ(storeUndoOffer()->name, "b");
+        ASSERT_TRUE(storeUndo(done));
+        EXPECT_EQ(content(), "ONEA TWOA LIST ");
+    }
+    TakenBack done;
+    ASSERT_TRUE(storeUndo(done));
+    EXPECT_TRUE(storeReadEntry(folder)) << "something of the user's lies in it";
 }
 
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include "platform/file_port.h"
 #include "support/scratch_folder.h"
@@ -43,6 +44,24 @@ TEST(Files, TellsTheCausesOfAFailureApart) {
     EXPECT_EQ(writeWholeFile(folder.path + "none/file", read), FileResult::missing);
     EXPECT_EQ(writeWholeFile(folder.path, read), FileResult::isFolder);
     EXPECT_EQ(writeWholeFile(folder.path + "pipe", read), FileResult::failed);
+}
+
+// As root writes anything, in a child without root's rights.
+TEST(Files, AWriteProtectedFileStays) {
+    const ScratchFolder folder;
+    folder.write("protected", "old");
+    ASSERT_EQ(chmod((folder.path + "protected").c_str(), 0444), 0);
+    ASSERT_EQ(chmod(folder.path.c_str(), 0777), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool dropped = geteuid() != 0 || setuid(65534) == 0;
+        const FileResult result = writeWholeFile(folder.path + "protected", bytesOf("new"));
+        _exit(dropped && result == FileResult::denied ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(folder.read("protected"), "old");
 }
 
 TEST(Files, WritesThroughALink) {

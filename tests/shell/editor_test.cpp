@@ -76,6 +76,31 @@ TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
     EXPECT_EQ(decodeProgramInfo(item.head)->imageLength, item.dataSize);
 }
 
+TEST_F(Editor, WhatWasStoredIsUndoneInTheTextAndInTheTree) {
+    const ItemId id = open("AB");
+    const ItemId other = addProgram("OTHER", "C");
+    refreshTree();
+    key(Qt::Key_A, Qt::ControlModifier);
+    key(Qt::Key_Delete);
+    select(other);
+    EXPECT_EQ(stored(id), "");
+    select(id);
+    programEdit->setFocus();
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(viewToText(), QStringLiteral("AB"));
+    treeView->setFocus();
+    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
+    EXPECT_EQ(mainWindow->findChild<QAction *>(QStringLiteral("undoAction"))->text(), textOf(Text::undoEdit, {"PROG"}))
+        << "it is stored by leaving it";
+    QTest::keyClick(mainWindow, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(viewToText(), QString());
+    EXPECT_FALSE(programEdit->document()->isUndoAvailable()) << "these bytes were stored by nobody's typing";
+    QTest::keyClick(mainWindow, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(stored(id), "AB");
+    EXPECT_EQ(viewToText(), QStringLiteral("AB"));
+    EXPECT_EQ(selectedItemId(), id);
+}
+
 TEST_F(Editor, EveryDisplayTextIsReachedByKeys) {
     open("");
     const auto typed = [](std::string_view codes) {
@@ -153,7 +178,9 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
     }
     EXPECT_EQ(stored(id), "A\rB");
     answer(wording(Text::keepDraft));
+    std::filesystem::permissions(folder.path + "storage.dat", std::filesystem::perms::owner_all);
     endProgram();
+    EXPECT_EQ(std::filesystem::status(folder.path + "draft-1.txt").permissions(), std::filesystem::perms::owner_all);
     EXPECT_TRUE(folder.read("draft-1.txt").find("\u20AC1") != std::string::npos);
     answer(wording(Text::draftOpen));
     ASSERT_TRUE(startProgram());

@@ -44,11 +44,23 @@ struct Emulator : StartedShell {
 };
 
 TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
+    const QWidget *button = toolbar->widgetForAction(commandAction(command::emulate));
+    const int width = button->width();
     run("\\Locate 1,1,\"HI\"");
     EXPECT_TRUE(QTest::qWaitFor([this] { return hasDrawn(); }, 3000));
     EXPECT_FALSE(programEdit->isVisible());
     EXPECT_TRUE(commandEnabled(command::screenshot));
+    EXPECT_EQ(button->width(), width);
     EXPECT_EQ(mainWindow->focusWidget(), window);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window->accessibleDescription() == QLatin1String("HI\n"); }));
+    for (const auto &[code, held] : {std::pair(Qt::Key_F10, Qt::KeyboardModifiers()), {Qt::Key_F, Qt::AltModifier}}) {
+        QTest::keyClick(window, code, held);
+        QWidget *menu = QApplication::activePopupWidget();
+        ASSERT_EQ(menu, menuAt(0)) << "keys of menus stay the window's";
+        QTest::keyClick(menu, Qt::Key_Escape);
+        QTest::keyClick(mainWindow->menuBar(), Qt::Key_Escape);
+        EXPECT_TRUE(emulatorRunning && keyCode == 0);
+    }
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
     EXPECT_FALSE(window->isVisible());
@@ -64,19 +76,26 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
     QTest::keyPress(window, Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(keyCode, 43);
     QTest::keyRelease(window, Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(keyCode, 0);
+    EXPECT_TRUE(QTest::qWaitFor([] { return keyCode == 0; }, 3000));
     QTest::keyPress(window, Qt::Key_Tab);
     EXPECT_EQ(keyCode, 25);
-    QTest::keyPress(window, Qt::Key_4);
-    EXPECT_EQ(keyCode, 25) << "digits of the main block, but for 5, do nothing";
-    QTest::keyPress(window, Qt::Key_4, Qt::KeypadModifier);
-    EXPECT_EQ(keyCode, 73);
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        int code;
+    } numberKeys[] = {{Qt::Key_4, {}, 73},      {Qt::Key_5, {}, 63},         {Qt::Key_5, Qt::KeypadModifier, 63},
+                      {Qt::Key_Period, {}, 61}, {Qt::Key_Minus, {}, 32},     {Qt::Key_ParenLeft, Qt::ShiftModifier, 55},
+                      {Qt::Key_Comma, {}, 35},  {Qt::Key_Backspace, {}, 44}, {Qt::Key_Comma, Qt::KeypadModifier, 61}};
+    for (const auto &number : numberKeys) {
+        QTest::keyPress(window, number.key, number.modifiers);
+        EXPECT_EQ(keyCode, number.code) << number.key;
+    }
     const QPoint origin((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1);
     QTest::mousePress(window, Qt::LeftButton, {}, origin + QPoint(5, 75));
     QTest::mouseClick(window, Qt::RightButton, {}, origin + QPoint(60, 75));
     EXPECT_EQ(keyCode, 79) << "the left button alone presses and releases";
     QTest::mouseRelease(window, Qt::LeftButton, {}, origin + QPoint(5, 75));
-    EXPECT_EQ(keyCode, 0);
+    EXPECT_TRUE(QTest::qWaitFor([] { return keyCode == 0; }, 3000));
     QTest::mousePress(window, Qt::LeftButton, {}, origin + QPoint(1, 75));
     EXPECT_EQ(keyCode, 0) << "an edge is no key";
     mainWindow->activateWindow();
@@ -104,6 +123,23 @@ TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
     EXPECT_TRUE(emulatorRunning);
     endProgram();
     EXPECT_FALSE(emulatorRunning);
+}
+
+TEST_F(Emulator, AHaltInTheLastLineNamesItsErrorAndLeadsToTheStatement) {
+    settingsSetInt(setting::haltOnError, 1);
+    answerBoxes = false;
+    run("1\\->A\r\"A:B\":2,,3");
+    ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }, 3000));
+    const QWidget *box = QApplication::activeModalWidget();
+    const QRect display(
+        window->mapToGlobal(QPoint((window->width() - keypadWidth) / 2 + 1, (window->height() - keypadHeight) / 2 + 1)),
+        QSize(displayWidth, displayHeight));
+    EXPECT_FALSE(box->frameGeometry().intersects(display)) << "it speaks of what the display shows";
+    answer(textOf(Text::goToStatement).remove(QLatin1Char('&')).toStdString());
+    answerBoxes = true;
+    ASSERT_TRUE(QTest::qWaitFor([] { return !emulatorRunning && mainWindow->focusWidget() == programEdit; }, 3000));
+    EXPECT_NE(shown.back().find("Syn ERROR"), std::string::npos) << shown.back();
+    EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("2,,3"));
 }
 
 TEST_F(Emulator, EndsAtOnceWhileABoxOfTheRunIsOpen) {

@@ -49,6 +49,14 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
             QApplication::activeModalWidget()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
         EXPECT_EQ(linesOf(left), (Lines{"TOP", "(Games/old) apple", "(Games/old) SNAKE"}));
         EXPECT_FALSE(ok->isEnabled()) << "nothing is chosen";
+        const char *const order[] = {"availableItems", ">", ">>", "<", "<<", "chosenItems"};
+        QWidget *at = left;
+        for (const char *name : order) {
+            const auto *button = qobject_cast<QPushButton *>(at);
+            EXPECT_EQ(button != nullptr ? button->text() : at->objectName(), QLatin1String(name)) << "by Tab";
+            do at = at->nextInFocusChain();
+            while ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible());
+        }
         doubleClick(left, 1);
         EXPECT_EQ(linesOf(right), (Lines{"(Games/old) apple"}));
         EXPECT_EQ(left->currentRow(), 1);

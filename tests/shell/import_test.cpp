@@ -29,6 +29,8 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     folder.write("one.cat", catProgram("ONE"));
     folder.write("Two Games.CAT", catProgram("TWO") + catProgram("THREE"));
     folder.write("no\xC3\xBCmlaut.cat", "%Header Record\r\nFo");
+    const ItemId onView = addProgram("VIEW", "A");
+    show(onView);
     answer("Return");
     answer("Return");
     dropFiles({"one.cat", "Two Games.CAT", "no\xC3\xBCmlaut.cat"});
@@ -40,6 +42,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);
     EXPECT_NE(treeEntryOf(storeFindItem("THREE", games)), nullptr);
+    EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(command::find));
 }
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {

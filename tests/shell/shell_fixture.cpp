@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "telling/tell_user.h"
+
 namespace numalink {
 
 namespace {
@@ -11,6 +13,11 @@ QTimer *answering = nullptr;
 
 std::string wordingOf(QWidget *dialog) {
     const auto *box = qobject_cast<QMessageBox *>(dialog);
+    if (box != nullptr) {
+        EXPECT_EQ(box->textFormat(), Qt::PlainText) << "names may hold what reads as markup";
+        EXPECT_TRUE(box->windowTitle() == QLatin1String(programTitle) ||
+                    box->windowTitle() == textOf(Text::warningTitle));
+    }
     return box != nullptr ? box->text().toStdString() : dialog->windowTitle().toStdString();
 }
 

@@ -4,8 +4,11 @@
 #include <filesystem>
 #include <map>
 
+#include "link/transmit_queue.h"
 #include "shell/app/single_copy.h"
+#include "shell/app/tray.h"
 #include "shell/shell_fixture.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 
@@ -25,6 +28,30 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
     const auto isShown = [] { return mainWindow->findChild<QWidget *>(QStringLiteral("aboutBox")) != nullptr; };
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isShown(); }, 10000)) << "it goes by itself";
+}
+
+// No port was chosen yet, no colours, no language.
+TEST_F(StartUp, AFirstUseHasColoursAndLeadsToTheSettings) {
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
+    EXPECT_NE(settingsColour(setting::colorText), 0u);
+    const QString link = QStringLiteral("<a href=\"settings\">") + textOf(Text::portNone);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
+    EXPECT_FALSE(progressBar->isVisible());
+    answer(wording(Text::ok));
+    emit linkField->linkActivated(QStringLiteral("settings"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
+        << "the language stays: no word about a new one";
+    endProgram();
+
+    settingsSetValue(setting::language, "Deutsch");
+    settingsSetInt(setting::syntaxHighlighting, 0);
+    ASSERT_TRUE(settingsSave());
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0) << "what the user has set stays";
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Create New Folder"),
+              QStringLiteral("Neuen Ordner erstellen"));
 }
 
 TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
@@ -52,6 +79,41 @@ TEST_F(StartUp, EndsWithTheBoxesWhenTheLibraryIsNoLibrary) {
     EXPECT_EQ(folder.read("storage.dat"), std::string(9000, 'x'));
 }
 
+// One that is lost and one that is damaged, with copies beside.
+TEST_F(StartUp, AsksBeforeItBeginsALibraryAnewOfWhichThereAreCopies) {
+    ASSERT_TRUE(startProgram());
+    addProgram("ABC", "A");
+    endProgram();
+    const std::string whole = folder.read("storage.dat"), copy = "backups/storage-2026-01-02.dat";
+    const std::string take = wording(Text::storeTakeCopy, {"2026-01-02"});
+    struct Row {
+        std::string library, answer;
+        bool starts, holds;
+    };
+    const Row rows[] = {
+        {"", "Esc", false, false},
+        {"", take, true, true},
+        {std::string(9000, 'x'), take, true, true},
+        {"", wording(Text::storeBeginEmpty), true, false},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.answer);
+        for (const auto &entry : std::filesystem::directory_iterator(folder.path + "backups"))
+            std::filesystem::remove(entry.path());
+        folder.write(copy, whole);
+        folder.write("backups/storage-2026-01-03.dat", whole.substr(0, 8000));
+        folder.write("storage.dat", row.library);
+        answers.clear();
+        if (!row.library.empty()) answer("Return");  // the box that tells what is wrong
+        answer(row.answer);
+        ASSERT_EQ(startProgram(), row.starts);
+        EXPECT_EQ(storeItemExists("ABC", rootId), row.holds);
+        if (row.starts) endProgram();
+        EXPECT_TRUE(row.starts || folder.read("storage.dat") == row.library);
+    }
+    EXPECT_EQ(folder.read("storage.dat.damaged-1"), rows[2].library);
+}
+
 using FolderContent = std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>>;
 
 FolderContent contentOf(const ScratchFolder &folder) {
@@ -63,7 +125,7 @@ FolderContent contentOf(const ScratchFolder &folder) {
     return content;
 }
 
-TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
+TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithoutAWordAndTouchesNothing) {
     ASSERT_TRUE(startProgram());
     addProgram("ABC", "A");
     mainWindow->hide();
@@ -73,11 +135,84 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithBoxesAndTouchesNothing) {
                  {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
     ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
     EXPECT_EQ(second.exitCode(), 0);
-    const std::string held = wording(Text::storeHeld, {folder.path + "storage.dat"});
-    EXPECT_EQ(second.readAllStandardOutput().toStdString(),
-              wording(Text::libraryNotOpened) + "\n" + held + "\n" + wording(Text::noLibraryAtStart) + "\n");
+    EXPECT_EQ(second.readAllStandardOutput().toStdString(), "");
     EXPECT_TRUE(mainWindow->isVisible());
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
+}
+
+TEST_F(StartUp, AWindowThatIsHiddenComesBackWithItsSymbolsWhenNoNotificationAreaIsThere) {
+    ASSERT_TRUE(startProgram());
+    const ItemId program = addProgram("ABC", "A");
+    show(program);
+    auto *symbols = mainWindow->findChild<QWidget *>(QStringLiteral("symbolsWindow"));
+    ASSERT_TRUE(symbols->isVisible());
+    hideToTray();
+    EXPECT_FALSE(mainWindow->isVisible() || symbols->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([] { return mainWindow->isVisible(); }));
+    EXPECT_TRUE(symbols->isVisible());
+    hideToTray();
+    storeDelete(program);
+    refreshTree();
+    raiseMainWindow();
+    EXPECT_FALSE(symbols->isVisible()) << "its program has gone";
+}
+
+// The letters that Alt reaches in a menu, each with its entries; those below it come with it.
+void checkMnemonics(const QString &menu, const QList<QAction *> &entries) {
+    std::map<QString, QStringList> reached;
+    for (const QAction *entry : entries) {
+        if (entry->isSeparator()) continue;
+        const qsizetype mark =
+            QString(entry->text()).replace(QLatin1String("&&"), QLatin1String("  ")).indexOf(QLatin1Char('&'));
+        reached[mark < 0 ? QString() : entry->text().mid(mark + 1, 1).toLower()] << entry->text();
+        if (entry->menu() != nullptr) checkMnemonics(entry->text(), entry->menu()->actions());
+    }
+    EXPECT_FALSE(reached.contains(QString())) << menu.toStdString();
+    for (const auto &[letter, texts] : reached)
+        EXPECT_EQ(texts.size(), 1) << menu.toStdString() << ": " << texts.join(QLatin1Char('|')).toStdString();
+}
+
+TEST_F(StartUp, NoTwoEntriesOfAMenuHaveTheSameLetterInAnyLanguage) {
+    for (const char *language : {"English", "Nederlands", "Deutsch",
+                                 "Fran\xC3\xA7"
+                                 "ais"}) {
+        folder.write("settings.xml", "");
+        settingsSetValue(setting::language, language);
+        ASSERT_TRUE(settingsSave());
+        ASSERT_TRUE(startProgram());
+        ASSERT_EQ(languageRecord(languageCurrent()).name, language);
+        show(addProgram("ABC", "A"));
+        for (QMenu *menu : mainWindow->findChildren<QMenu *>()) emit menu->aboutToShow();
+        checkMnemonics(QString::fromUtf8(language), mainWindow->menuBar()->actions());
+        QTimer::singleShot(0, [] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            checkMnemonics(menu->objectName(), menu->actions());
+            menu->close();
+        });
+        QContextMenuEvent asked(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(programEdit, &asked);
+        endProgram();
+    }
+}
+
+TEST_F(StartUp, TheQueueIsWorkedByKeyboard) {
+    ASSERT_TRUE(startProgram());
+    for (const char *name : {"ONE", "TWO", "THREE"}) {
+        show(addProgram(name, "A"));
+        handleCommand(command::queue);
+    }
+    ASSERT_EQ(transmitQueueIds().size(), 3u);
+    mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
+    auto *window = mainWindow->findChild<QWidget *>(QStringLiteral("queueWindow"));
+    auto *list = window->findChild<QListWidget *>();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->hasFocus(); }));
+    const ItemId second = transmitQueueIds()[1];
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == 2 && list->currentRow() == 0; }));
+    EXPECT_EQ(transmitQueueIds()[0], second);
+    QTest::keyClick(list, Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(StartUp, ExitCloseAndSignalsEndTheEventLoop) {

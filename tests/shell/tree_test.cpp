@@ -176,6 +176,42 @@ TEST_F(Tree, NewItemsTakeFreeNamesAndTheirLabelsOpen) {
     EXPECT_EQ(program.data, (Bytes{':', 0xFF}));
     EXPECT_EQ(decodeProgramInfo(program.head)->name, "SNAKE");
     EXPECT_EQ(selectedItemId(), program.id);
+    EXPECT_EQ(rootNames().size(), 3) << "the standard folder is made only to be used";
+}
+
+TEST_F(Tree, TheKeyboardStaysWhereItWasPut) {
+    QApplication::setDoubleClickInterval(50);  // also the pause ahead of a label edit
+    const auto hasFocus = [](const QWidget *widget) { return QApplication::focusWidget() == widget; };
+    const auto clickText = [] { QTest::mouseClick(programEdit->viewport(), Qt::LeftButton, {}, QPoint(20, 20)); };
+    QTest::keyClick(mainWindow, Qt::Key_N, Qt::ControlModifier);
+    const ItemId program = selectedItemId();
+    QTest::qWait(50);  // the window of the symbols may be the active one for a moment
+    mainWindow->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([] { return labelEditor()->hasFocus(); }));
+    typeKeys(QStringLiteral("ABC"));
+    QTest::keyClick(labelEditor(), Qt::Key_Return);
+    EXPECT_TRUE(hasFocus(programEdit)) << "a new program is written next";
+    QTest::keyClick(programEdit, Qt::Key_Escape);
+    EXPECT_TRUE(hasFocus(treeView));
+    QTest::keyClick(mainWindow, Qt::Key_F2);
+    typeKeys(QStringLiteral("ABCD"));
+    clickText();
+    EXPECT_TRUE(QTest::qWaitFor([] { return labelEditor() == nullptr; }));
+    typeKeys(QStringLiteral("7"));
+    EXPECT_EQ(storeReadEntry(program)->name, "ABCD");
+    EXPECT_EQ(programEdit->toPlainText(), QStringLiteral("7"));
+    select(program);
+    QTest::qWait(350);
+    EXPECT_EQ(labelEditor(), nullptr) << "the click only came back";
+    EXPECT_TRUE(hasFocus(treeView));
+    select(program);
+    EXPECT_TRUE(QTest::qWaitFor([] { return labelEditor() != nullptr; }));
+    QTest::keyClick(labelEditor(), Qt::Key_Escape);
+    QTest::keyClick(treeView, Qt::Key_Return);
+    EXPECT_TRUE(hasFocus(programEdit));
+    EXPECT_EQ(treeEntryOf(program)->data(0, Qt::AccessibleTextRole).toString(),
+              QStringLiteral("ABCD, ") + textOf(Text::kindProgram));
+    QApplication::setDoubleClickInterval(400);
 }
 
 TEST_F(Tree, RefusedNamesAreToldAndStayInTheEditor) {
@@ -199,6 +235,11 @@ TEST_F(Tree, RefusedNamesAreToldAndStayInTheEditor) {
         EXPECT_EQ(shown.back(), told);
         EXPECT_EQ(labelEditor()->text(), QString::fromUtf8(typed));
     }
+    labelEditor()->setText(QStringLiteral("TAKEN"));
+    const std::size_t told = shown.size();
+    QTest::mouseClick(programEdit->viewport(), Qt::LeftButton);
+    handleCommand(command::newFolder);
+    EXPECT_EQ(shown.size(), told + 1) << "one box, though both the lost focus and the command end the edit";
     labelEditor()->setText(QStringLiteral("EIGHTCHR"));
     QTest::keyClick(labelEditor(), Qt::Key_Return);
     EXPECT_EQ(labelEditor(), nullptr);
@@ -236,9 +277,9 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     refreshTree();
     drag(moved, target);
     EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
-    answer(wording(Text::keepBoth));
+    answer("Return");
     drag(moved, target);
-    EXPECT_EQ(storeListChildren(target).size(), 2u);
+    EXPECT_EQ(storeListChildren(target).size(), 2u) << "Enter keeps both";
     storeMove(moved, rootId);
     refreshTree();
     answer(wording(Text::replace));
@@ -246,6 +287,13 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
     EXPECT_EQ(shown.size(), 3u);
+    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
+    auto *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
+    undoAction->trigger();
+    EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
+    EXPECT_TRUE(storeItemExists("PROG", target)) << "both are as before";
+    EXPECT_EQ(selectedItemId(), moved);
 }
 
 TEST_F(Tree, DeleteAsksAndOnlyInTheTree) {

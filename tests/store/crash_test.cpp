@@ -132,6 +132,7 @@ TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAtEveryStep) {
     for (std::uint32_t seed = 1; tried < wanted && !HasFatalFailure(); seed++) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         random.seed(seed);
+        setGapLimits(seed % 2 == 0 ? GapLimits{} : GapLimits{.step = 700, .all = 3000});
         DiskImage image;
         LibraryState before;
         for (int run = 0; run < 12 && tried < wanted && !HasFatalFailure(); run++) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "store/file/changes.h"
 #include "store/file/check.h"
 #include "store/item_store.h"
 #include "support/scratch_folder.h"
@@ -20,7 +21,13 @@ struct Store : ::testing::Test {
     Store() { setLibraryFolder("/library/"); }
     ~Store() override {
         storeClose();
+        setGapLimits({});
         setLibraryFolder(programFolder());
+    }
+
+    static void setGapLimits(const GapLimits &limits) {
+        const HoldLock hold(storeLock);
+        gapLimits = limits;
     }
 
     static Bytes &file() { return diskFile("/library/storage.dat"); }

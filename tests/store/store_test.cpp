@@ -156,11 +156,19 @@ TEST_F(OpenStore, DeletingAFolderEmptiesItAtAnyDepthAndTheEndOfTheRunClosesTheGa
     EXPECT_EQ(readLittle32(file(), 20), 2U) << "the head is written after a delete too";
     checkFile();
     const std::vector<StoredItem> left = allItems();
+    const Bytes sound = file();
+    setGapLimits({.step = 200, .all = 1});
+    storeClose();
+    EXPECT_EQ(readLittle32(file(), 28 + 4), readLittle32(sound, 28 + 4)) << "only the first record has moved";
+    setGapLimits({.step = 200});
+    ASSERT_TRUE(restart(Bytes(file())));
+    EXPECT_THAT(uiRecord.lines, IsEmpty()) << "in order";
+    ASSERT_TRUE(storeDelete(storeTempFolder()));
+    EXPECT_TRUE(allItems() == left);
     storeClose();
     EXPECT_EQ(readLittle32(file(), 24), 8032U + 2 * 92 + 101 + 11) << "moved together";
     EXPECT_EQ(file().size(), readLittle32(file(), 24)) << "cut at the end";
-    ASSERT_TRUE(restart(Bytes(file())));
-    ASSERT_TRUE(storeDelete(storeTempFolder()));
+    ASSERT_TRUE(restart(Bytes(file())) && storeDelete(storeTempFolder()));
     EXPECT_TRUE(allItems() == left);
 }
 

@@ -1,7 +1,8 @@
-// Taking back what was deleted or replaced, and the daily copies.
+// Taking back what was done, and the daily copies.
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <thread>
 
@@ -36,45 +37,137 @@ bool redo() {
     return storeRedo(done);
 }
 
-TEST_F(Undo, AFolderComesBackWithAllItHeldAndLeavesAgain) {
-    add("first", kind::list, rootId, {1}, {2});
-    const ItemId outer = storeResolvePath("/A", true);
-    const ItemId inner = storeResolvePath("/A/B", true);
+// A conversation with a calculator that has begun ahead of an act, and changes afterwards what the act has made: its
+// step stands below that of the act all the same.
+void changeBehind(const std::function<void()> &act, const std::function<void()> &change) {
+    for (const std::uint8_t value : {std::uint8_t{0}, std::uint8_t{1}}) {
+        const UndoGroup group;
+        Store::add("ELSEWHERE", kind::backup, rootId, {}, {value});
+        if (value == 0) continue;
+        std::thread(act).join();
+        change();
+    }
+}
+
+TEST_F(Undo, AnActIsAStepByItsNameAndGoesBothWays) {
+    const ItemId folder = storeResolvePath("/F", true), inner = storeResolvePath("/F/G", true);
+    const ItemId a = add("A", kind::list, rootId, {1}, {1}), b = add("B", kind::list, folder, {2}, {2});
+    const ItemId other = add("A", kind::list, folder, {3}, {3});
     add("deep", kind::matrix, inner, {3, 4}, Bytes(300, 5));
     const ItemId late = storeResolvePath("/Late", true);  // a folder that is younger than what it comes to hold
-    ASSERT_TRUE(storeMove(outer, late));
+    ASSERT_TRUE(storeMove(folder, late));
     storeSetFlags(late, 0);
-    const auto before = seen();
-    ASSERT_TRUE(storeDelete(late));
-    const auto after = seen();
-    ASSERT_EQ(storeUndoOffer()->name, "Late");
-    EXPECT_EQ(storeUndoOffer()->count, 4U);
-    EXPECT_FALSE(storeUndoOffer()->replacement);
-    ASSERT_TRUE(undo());
-    EXPECT_EQ(seen(), before);
-    EXPECT_FALSE(undo());
-    ASSERT_TRUE(redo());
-    EXPECT_EQ(seen(), after);
-    ASSERT_TRUE(undo());
+    const struct {
+        UndoAct act;
+        const char *name;
+        std::size_t count;
+        std::function<bool()> run;
+    } rows[] = {
+        {UndoAct::edit, "A", 1,
+         [&] {
+             return storeWriteItem(a, item("A", kind::list, rootId, {1}, {9, 9}));
+         }},
+        {UndoAct::edit, "A", 1, [&] { return storeRewriteHead(a, Bytes{7}); }},
+        {UndoAct::rename, "N", 1, [&] { return storeRename(a, "N", Bytes{8}); }},
+        {UndoAct::rename, "H", 1, [&] { return storeRename(late, "H"); }},
+        {UndoAct::move, "A", 1, [&] { return storeMove(a, inner); }},
+        {UndoAct::move, "B", 2,
+         [&] {
+             return storeMoveItems({{b, rootId}, {a, late}});
+         }},
+        {UndoAct::move, "A", 2,
+         [&] {
+             const UndoGroup group(UndoAct::move);
+             return storeMove(a, folder) && storeDelete(other);
+         }},
+        {UndoAct::replacement, "A", 1, [&] { return add("A", kind::list, rootId, {1}, {2}) != noItem; }},
+        {UndoAct::deletion, "Late", 6, [&] { return storeDelete(late); }},
+        {UndoAct::import, "games", 3,
+         [&] {
+             const ItemId parked = storeAddItem(item("B", kind::list, storeTempFolder(), {4}, {4}));
+             const UndoGroup group(UndoAct::import, "games");
+             const ItemId made = storeResolvePath("/Late/New/Inner", true);
+             return storeMove(parked, made) && storeDelete(b);
+         }},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto before = seen();
+        ASSERT_TRUE(row.run());
+        const auto after = seen();
+        ASSERT_NE(before, after);
+        const auto offer = storeUndoOffer();
+        ASSERT_TRUE(offer);
+        EXPECT_TRUE(offer->act == row.act && offer->name == row.name && offer->count == row.count) << offer->count;
+        for (int round = 0; round < 2; round++) {
+            ASSERT_TRUE(undo());
+            EXPECT_EQ(seen(), before);
+            ASSERT_TRUE(redo());
+            EXPECT_EQ(seen(), after);
+        }
+        ASSERT_TRUE(undo());
+        EXPECT_EQ(storeUndoOffer()->name, "F") << "the move from the beginning";
+    }
+    EXPECT_TRUE(storeRename(a, "A")) << "nothing changes by it";
+    EXPECT_TRUE(storeCanRedo());
     add("new", kind::list, inner);
     EXPECT_FALSE(redo()) << "what was put in meanwhile would lose its folder";
     EXPECT_TRUE(uiRecord.lines.empty());
 }
 
-TEST_F(Undo, AReplacedItemComesBackAndAnEditedOneStaysBesideIt) {
-    add("A", kind::list, rootId, {1}, {1});
-    const auto before = seen();
-    add("A", kind::list, rootId, {2}, {2});
-    EXPECT_TRUE(storeUndoOffer()->replacement);
+TEST_F(Undo, WhatWasChangedSinceStays) {
+    const ItemId folder = storeResolvePath("/F", true);
+    const std::function<bool(ItemId)> touches[] = {
+        [](ItemId id) { return storeRename(id, "B"); }, [&](ItemId id) { return storeMove(id, folder); },
+        [](ItemId id) { return storeWriteItem(id, item("A", kind::matrix, rootId, {1}, {2})); },
+        [](ItemId id) { return storeWriteItem(id, item("A", kind::list, rootId, {1}, {3})); }};
+    for (const auto &touch : touches) {
+        const ItemId old = add("A", kind::list, rootId, {1}, {1});
+        ItemId id = noItem;
+        changeBehind([&] { id = add("A", kind::list, rootId, {1}, {2}); }, [&] { EXPECT_TRUE(touch(id)); });
+        const StoredItem touched = read(id);
+        ASSERT_TRUE(undo());
+        EXPECT_EQ(read(id), touched);
+        EXPECT_EQ(read(old).data, Bytes{1});
+        EXPECT_EQ(read(old).name, touched.name == "A" && touched.parent == rootId ? "A 2" : "A");
+        EXPECT_TRUE(storeDelete(id) && storeDelete(old));
+    }
+    const ItemId a = add("A", kind::list, rootId, {1}, {1}), older = add("OLD", kind::list, rootId, {1}, {1});
+    changeBehind(
+        [&] {
+            EXPECT_TRUE(storeDelete(older));
+            EXPECT_TRUE(storeRename(a, "N"));
+        },
+        [&] { EXPECT_TRUE(storeRename(a, "M")); });
+    TakenBack done;
+    EXPECT_FALSE(storeUndo(done));
+    EXPECT_TRUE(done.changedSince) << "a step with nothing left to do goes, and the older ones stay";
+    EXPECT_EQ(read(a).name, "M");
     ASSERT_TRUE(undo());
-    EXPECT_EQ(seen(), before);
-    ASSERT_TRUE(redo());
-    const ItemId second = storeFindItem("A", rootId);
-    EXPECT_EQ(read(second).data, Bytes{2});
-    ASSERT_TRUE(storeWriteItem(second, item("A", kind::list, rootId, {2}, {3})));
+    EXPECT_EQ(read(older).data, Bytes{1});
+}
+
+TEST_F(Undo, AnImportLeavesAFolderThatHoldsMoreByNowAndTheOldestStepsGoBeyondTheirRoom) {
+    const ItemId parked = storeAddItem(item("A", kind::list, storeTempFolder(), {4}, {4}));
+    ItemId made = noItem;
+    changeBehind(
+        [&] {
+            const UndoGroup group(UndoAct::import, "games");
+            made = storeResolvePath("/New", true);
+            EXPECT_TRUE(storeMove(parked, made));
+        },
+        [&] { add("MINE", kind::list, made); });
     ASSERT_TRUE(undo());
-    EXPECT_EQ(read(second).data, Bytes{3});
-    EXPECT_EQ(read(storeFindItem("A 2", rootId)).data, Bytes{1});
+    EXPECT_FALSE(storeReadEntry(parked));
+    EXPECT_TRUE(storeItemExists("MINE", made));
+    const Bytes large(undoMemoryLimit / 4 + 1, 1);
+    for (const char *name : {"1", "2", "3", "4", "5"})
+        EXPECT_TRUE(storeDelete(add(name, kind::backup, rootId, {}, large)));
+    int steps = 0;
+    while (undo()) steps++;
+    EXPECT_EQ(steps, 3);
+    const ItemId huge = add("HUGE", kind::backup, rootId, {}, Bytes(undoMemoryLimit + 1, 1));
+    EXPECT_TRUE(storeDelete(huge) && undo() && storeReadEntry(huge)) << "the newest stays, however large";
 }
 
 TEST_F(Undo, AProgramWhoseNameIsTakenByNowComesBackUnderAnotherInItsHeadToo) {
@@ -113,37 +206,6 @@ TEST_F(Undo, AFailedWriteKeepsTheStep) {
     EXPECT_FALSE(uiRecord.lines.empty());
     ASSERT_TRUE(undo());
     EXPECT_EQ(seen(), before);
-}
-
-TEST_F(Undo, WhatCameInsteadStaysOnceItIsRenamedMovedOrOfAnotherKind) {
-    static const ItemId folder = storeResolvePath("/F", true);
-    bool (*const touches[])(ItemId) = {
-        [](ItemId id) { return storeRename(id, "B"); }, [](ItemId id) { return storeMove(id, folder); },
-        [](ItemId id) { return storeWriteItem(id, item("A", kind::matrix, rootId, {1}, {2})); }};
-    for (const auto touch : touches) {
-        const ItemId old = add("A", kind::list, rootId, {1}, {1});
-        const ItemId id = add("A", kind::list, rootId, {1}, {2});
-        ASSERT_TRUE(touch(id));
-        ASSERT_TRUE(undo());
-        EXPECT_EQ(read(id).data, Bytes{2});
-        EXPECT_EQ(read(old).data, Bytes{1});
-        EXPECT_TRUE(storeDelete(id) && storeDelete(old));
-    }
-}
-
-TEST_F(Undo, AStepWithNothingLeftToDoGoesAndTheOlderOnesStay) {
-    const ItemId older = add("OLD", kind::list, rootId, {1}, {1});
-    EXPECT_TRUE(storeDelete(older));
-    const ItemId first = add("A", kind::list, rootId, {1}, {1});
-    const ItemId second = add("A", kind::list, rootId, {1}, {2});
-    ASSERT_TRUE(undo());
-    EXPECT_TRUE(storeRename(first, "B"));
-    EXPECT_TRUE(redo());
-    EXPECT_TRUE(storeRename(second, "C"));
-    EXPECT_FALSE(undo()) << "both were renamed, and stay";
-    EXPECT_EQ(read(first).data.size() + read(second).data.size(), 2U);
-    ASSERT_TRUE(undo());
-    EXPECT_EQ(read(older).data, Bytes{1});
 }
 
 TEST_F(Undo, ADeletionElsewhereLeavesAConversationOneStepAndAFolderThatNobodySawIsNone) {
@@ -247,7 +309,7 @@ TEST_F(Undo, OfALibraryThatIsHalfChangedOrDamagedOrOnAFullDiskNoDailyCopyIsTaken
         const bool kept = failing(n, keepDailyCopy);
         EXPECT_TRUE(copied() || !kept) << n;
         ASSERT_TRUE(restart(sound));
-        failing(n, storeResetTemp);
+        failing(n, [] { return storeResetTemp(); });
         const bool usable = storeResetTemp();
         if (!usable) broken++;
         EXPECT_EQ(keepDailyCopy(), usable) << n;
@@ -269,7 +331,7 @@ struct DailyCopies : ::testing::Test {
     // A run of the program on that day, and the copies that lie there after it.
     std::set<std::string> run(const std::string &date, bool changes) {
         today = date;
-        EXPECT_TRUE(storeOpen());
+        EXPECT_TRUE(storeOpen(WhenEmptied::begin));
         EXPECT_TRUE(keepDailyCopy());
         if (changes) storeResolvePath("/Day " + today, true);
         storeClose();

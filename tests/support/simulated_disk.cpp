@@ -127,6 +127,7 @@ bool takeSync(DiskAction action, int file) {
 
 const FilePort simulatedFilePort = {
     .openLocked = openLocked,
+    .openOwn = openLocked,
     .size = [](int file) -> std::int64_t {
         return fails() ? -1 : static_cast<std::int64_t>(disk.now.files[disk.openFiles[file]].size());
     },
@@ -146,6 +147,7 @@ const FilePort simulatedFilePort = {
             return !fails();
         },
     .syncFolder = [](const char *) { return takeSync(DiskAction::syncFolder, 0); },
+    .lastFault = [] { return FileFault::other; },
 };
 
 // The sectors of a write, each of them there or not.

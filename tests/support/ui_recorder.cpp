@@ -31,6 +31,11 @@ void recordImport(ImportQuestion &question) {
     if (!uiRecord.importFolder.empty()) question.folderName = uiRecord.importFolder;
 }
 
+ImportTaken recordTaken(const ImportTakenQuestion &question) {
+    uiRecord.lines.push_back("taken " + std::to_string(question.count) + ": " + question.names);
+    return uiRecord.importTaken;
+}
+
 void recordBitmap(BitmapQuestion &question) {
     uiRecord.lastBitmap = question;
     uiRecord.lines.push_back("bitmap " + question.fileName);
@@ -52,6 +57,7 @@ RecordedUi::RecordedUi() {
     userInterface.refreshTree = [] { recordLine("tree"); };
     userInterface.leaveCurrentView = [] { return uiRecord.leaveAllowed; };
     userInterface.askImport = recordImport;
+    userInterface.askImportTaken = recordTaken;
     userInterface.askBitmap = recordBitmap;
 }
 

@@ -14,10 +14,11 @@ struct UiRecord {
     std::vector<Box> boxes;
     std::deque<Answer> answers;  // taken from the front, "cancel" when empty
     bool leaveAllowed = true;
-    ImportAction importAction = ImportAction::none;  // the answer to the import question
-    std::string importFolder;                        // typed into it unless empty
-    ImportQuestion lastQuestion;                     // as it was asked
-    bool bitmapAccepted = false;                     // the answer to the bitmap question
+    ImportAction importAction = ImportAction::none;   // the answer to the import question
+    std::string importFolder;                         // typed into it unless empty
+    ImportQuestion lastQuestion;                      // as it was asked
+    ImportTaken importTaken = ImportTaken::keepBoth;  // the answer to the question about names that are taken
+    bool bitmapAccepted = false;                      // the answer to the bitmap question
     RasterType bitmapType = RasterType::image;
     BitmapQuestion lastBitmap;  // as it was asked
 };

@@ -16,6 +16,7 @@ void report(const char *text) {
         return;
     }
     if (errorShown != nullptr) errorShown(text);
+    if (!machine.errorFlag) machine.errorText = text;
     machine.errorFlag = true;
     if (machine.errorTrace != nullptr) machine.errorTrace->push_back({text, machine.statementsRun});
 }

@@ -32,12 +32,14 @@ std::span<const KeyFace> keyFaces();  // by rising code
 const KeyFace *keyFaceOf(int code);   // null for what is no key
 int keyHit(int x, int y);             // the code of the key strictly around the place, 0 if none
 
-// Keys of a computer's keyboard by neutral names. Letters by their place where the layout has none.
+// Keys of a computer's keyboard by neutral names, digits and signs by their characters, on the number pad or not.
+// Letters by their place where the layout has none.
 // clang-format off
 enum class KeyboardKey {
-    tab, enter, shift, space, left, up, right, down, openBracket, main5,
+    tab, enter, shift, space, left, up, right, down, openBracket, openParenthesis, closeParenthesis, comma, erase,
     a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v, w, x, y, z,
-    pad0, pad1, pad2, pad3, pad4, pad5, pad6, pad7, pad8, pad9, padPoint, padMultiply, padDivide, padPlus, padMinus,
+    digit0, digit1, digit2, digit3, digit4, digit5, digit6, digit7, digit8, digit9,
+    point, multiply, divide, plus, minus,
     f1, f2, f3, f4, f5, f6,
     count
 };

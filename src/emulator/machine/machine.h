@@ -114,10 +114,11 @@ struct EmulatorMachine {
     std::array<ViewWindow, memoryCount> windowMemories;
     std::array<MatrixSlot, matrixSlotCount> matrixSlots{};
     std::array<std::array<MatrixSlot, listSlotCount>, memoryCount> listSlots{};
-    bool errorFlag = false;     // set by every report, cleared by the runner
-    bool exhausted = false;     // the pool or the table gave out: the runner ends the run; cleared by machineStart
-    int currentFile = 0;        // 0 to 5
-    int backgroundPicture = 0;  // 1 to 6, 0 for none
+    bool errorFlag = false;      // set by every report, cleared by the runner
+    const char *errorText = "";  // of the report that has set it
+    bool exhausted = false;      // the pool or the table gave out: the runner ends the run; cleared by machineStart
+    int currentFile = 0;         // 0 to 5
+    int backgroundPicture = 0;   // 1 to 6, 0 for none
     PlotPoint plotPrevious, plotCurrent;
     int textRow = 1, textColumn = 0;
     int screenMode = textMode;

@@ -161,7 +161,7 @@ void programsClear() {
 int programCount() { return count; }
 const LoadedProgram &loadedProgram(int index) { return table[static_cast<std::size_t>(index)]; }
 
-bool programAdd(std::string_view name, ByteView image) {
+bool programAdd(std::string_view name, ByteView image, ItemId item) {
     const std::vector<ProgramCell> tokens = cellsOfTokens(programTokens(image));
     if (count >= programLimit || tokens.size() > programCellLimit - cellsUsed) return false;
     ProgramBlock &block = blocks[static_cast<std::size_t>(count)];
@@ -173,6 +173,7 @@ bool programAdd(std::string_view name, ByteView image) {
     cellsUsed += tokens.size();
     table[static_cast<std::size_t>(count)] = {
         .name = std::string(name.substr(0, programNameSize)),
+        .item = item,
         .cells = block.cells.data(),
         .cellCount = static_cast<int>(block.cells.size()),
         .terminators = block.terminators.data(),

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calculator/item_kinds.h"
 #include "emulator/machine/cells.h"
 #include "platform/bytes.h"
 
@@ -15,6 +16,7 @@ inline constexpr std::size_t programCellLimit = 1u << 20;  // cells of all progr
 
 struct LoadedProgram {
     std::string name;                    // calculator codes, cut at 11
+    ItemId item = noItem;                // where it comes from; noItem: not from the library
     const ProgramCell *cells = nullptr;  // always ends in the token 0xFF
     int cellCount = 0;                   // the end mark included
     const int *terminators = nullptr;    // of each cell: the first terminator from there on
@@ -28,7 +30,7 @@ const LoadedProgram &loadedProgram(int index);  // 0 to programCount() - 1
 
 // Translates a program image by prePass and appends it. False when the table or the room for cells is full: it is then
 // left out, and the caller tells.
-bool programAdd(std::string_view name, ByteView image);
+bool programAdd(std::string_view name, ByteView image, ItemId item = noItem);
 
 // The first program whose name matches by sameProgramName, or -1.
 int findProgram(std::string_view name);

@@ -38,7 +38,7 @@ void loadItem(ItemId id, LoadTrouble &trouble) {
     if (!entry || !(isTextKind(entry->kind) || entry->kind == kind::matrix || entry->kind == kind::picture)) return;
     StoredItem item;
     if (!storeReadItem(id, item)) return;
-    if (isTextKind(item.kind) && !programAdd(item.name, item.data)) trouble.programsLeftOut++;
+    if (isTextKind(item.kind) && !programAdd(item.name, item.data, item.id)) trouble.programsLeftOut++;
     if (item.kind == kind::matrix) loadMatrixItem(item.head, item.data);
     if (item.kind == kind::picture) loadPictureItem(item.head, item.data);
 }
@@ -82,7 +82,7 @@ bool loadRun(ItemId item, const std::vector<ItemId> &order) {
     StoredItem program;
     if (!storeReadItem(item, program) || program.kind != kind::program) return false;
     LoadTrouble trouble;
-    if (!programAdd(program.name, program.data)) trouble.programsLeftOut++;
+    if (!programAdd(program.name, program.data, program.id)) trouble.programsLeftOut++;
     const auto own = std::ranges::find(order, item);
     for (auto before = own; before != order.begin();) loadItem(*--before, trouble);
     for (auto behind = own; behind != order.end();) {

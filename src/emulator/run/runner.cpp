@@ -12,6 +12,7 @@
 #include "calculator/charset.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/block_search.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
@@ -24,7 +25,8 @@
 #include "platform/clock.h"
 #include "settings/settings_store.h"
 #include "telling/graphical_calls.h"
-#include "telling/tell_user.h"
+#include "telling/texts.h"
+#include "telling/user_interface.h"
 
 namespace numalink {
 
@@ -38,9 +40,17 @@ std::array<std::unique_ptr<RunState>, callLimit> calls;  // the programs in prog
 int nextCall = 0;
 std::uint64_t statementLimitOfRun = 0;
 bool haltTold = false;  // the box of a halt: every program in progress ends
+RunFault fault;         // the run threads', read between runs
 bool debugShown = false;
 std::uint64_t nextDebugLook = 0, nextSpeedLook = 0;  // in statements of the run
 std::atomic<int> debugVariables = 0, debugTemporaries = 0;
+
+// What begins again begins without the error at which it halted.
+void forgetHalt() {
+    haltTold = false;
+    fault = {};
+    machine.errorFlag = false;
+}
 
 enum class LoopEnd { programEnded, stopped };
 
@@ -85,15 +95,29 @@ void showDebug() {
     debugTemporaries = matrixRowsOwned(ownedTemporarily);
 }
 
+bool isLineEnd(const ProgramCell &cell) {
+    return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
+}
+
+// The box also offers the way to the statement, which the front end takes.
 void tellHalt(const RunState &state) {
     haltTold = true;
-    const int start = state.position - state.statementLength;
-    const auto lines = std::count_if(state.program, state.program + start, [](const ProgramCell &cell) {
-        return isToken(cell, token::newLine) || isToken(cell, token::displayTriangle);
-    });
-    tellUser(Text::haltedAtLine,
-             {utf8FromCalculator(loadedProgram(state.programIndex).name), std::to_string(lines + 1)}, BoxIcon::warning,
-             Text::haltTitle);
+    const LoadedProgram &program = loadedProgram(state.programIndex);
+    fault = {.item = program.item, .line = 1};
+    for (int i = 0; i < state.position - state.statementLength; i++) {
+        if (isTerminator(state.program[i])) fault.statement++;
+        if (!isLineEnd(state.program[i])) continue;
+        fault.line++;
+        fault.statement = 0;
+    }
+    Box box;
+    box.bodyText = Text::haltedAtLine;
+    box.titleText = Text::haltTitle;
+    box.arguments = {utf8FromCalculator(program.name), std::to_string(fault.line)};
+    box.body = wording(box.bodyText, box.arguments) + "\n" + machine.errorText;
+    box.title = wording(box.titleText);
+    box.buttons = BoxButtons::okGoTo;
+    userInterface.messageBox(box);
 }
 
 // False when the program ends here.
@@ -114,7 +138,11 @@ StatementEnd finishStatement(RunState &state) {
     showDebug();
     state.position += state.statementLength;
     const ProgramCell &terminator = state.program[state.position];
-    if (isEnd(terminator)) return StatementEnd::programEnded;
+    if (isEnd(terminator)) {
+        if (machine.errorFlag) refreshScreen(false);  // the box speaks of what is shown
+        passErrors(state);
+        return StatementEnd::programEnded;
+    }
     if (isToken(terminator, token::displayTriangle) && !showAtTriangle(state)) return StatementEnd::stopped;
     refreshScreen(false);
     if (!passErrors(state)) return StatementEnd::programEnded;
@@ -212,7 +240,7 @@ void runFirstProgram() {
     fullSpeed = settingsInt(setting::fullSpeed) == 1;
     RunState &state = *calls[0];
     while (runStatements(state) == LoopEnd::programEnded && showAtEnd(state)) {
-        haltTold = false;
+        forgetHalt();
         state.position = 0;
     }
 }
@@ -261,7 +289,7 @@ bool runStart(const RunOptions &options) {
     resetRunEnd(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
-    haltTold = false;
+    forgetHalt();
     nextDebugLook = nextSpeedLook = 0;
     statementPlansForget();
     if (!takeCall(0)) return false;
@@ -287,6 +315,8 @@ void runWait() {
 }
 
 RunEnd runEnded() { return runEndCause(); }
+
+const RunFault &runFault() { return fault; }
 
 DebugCounts runDebugCounts() { return {debugVariables, debugTemporaries}; }
 

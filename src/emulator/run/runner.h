@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "calculator/item_kinds.h"
 #include "emulator/machine/run_waits.h"
 
 namespace numalink {
@@ -21,6 +22,14 @@ void runStop();
 // Blocks until the run has ended by itself (the command line, tests), and then stops; serves nothing.
 void runWait();
 RunEnd runEnded();  // where the last run was when it ended by itself; running after a stop
+
+// Where the last run halted on an error, for as long as it hasn't begun again. Graphical thread, with no run on.
+struct RunFault {
+    ItemId item = noItem;
+    int line = 0;       // of the program, from 1; 0: there was no halt
+    int statement = 0;  // of the line, from 0, as colons part them
+};
+const RunFault &runFault();
 
 // The rows of the MatrixTable that variables and temporaries own, as the last statement left them. Counted while the
 // setting DisplayDebug is on. Any thread.

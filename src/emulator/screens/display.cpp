@@ -2,7 +2,9 @@
 #include "emulator/screens/display.h"
 
 #include <algorithm>
+#include <array>
 
+#include "calculator/charset.h"
 #include "drawing/matrix_picture.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/screens/graph_screen.h"
@@ -25,6 +27,7 @@ std::uint64_t matrixChanges = 0;
 
 Lock displayLock;
 Surface display GUARDED_BY(displayLock)(displayWidth, displayHeight);
+std::array<std::string, textRowCount> displayRows GUARDED_BY(displayLock);  // empty for what is no text
 std::uint64_t displayChanges GUARDED_BY(displayLock) = 1;
 
 // All that the display depends on: the same again leaves it as it is.
@@ -116,6 +119,8 @@ void refreshScreen(bool showCross) {
         const Surface &source = sourceOf(mode);
         const int rows = mode == textMode && wanted.shortCopy ? shortCopyRows : displayHeight;
         std::copy_n(source.dots.begin(), rows * displayWidth, display.dots.begin());
+        for (int row = 1; row <= textRowCount; row++)
+            displayRows[static_cast<std::size_t>(row - 1)] = mode == textMode ? textRowCodes(row) : std::string();
         if (wanted.hasCross) drawCross(display, wanted.crossX, wanted.crossY);
         displayChanges++;
     }
@@ -128,6 +133,16 @@ bool displayCopy(Surface &target, std::uint64_t &seen) {
     target = display;
     seen = displayChanges;
     return true;
+}
+
+std::string displayText() {
+    const HoldLock held(displayLock);
+    std::string text;
+    for (const std::string &row : displayRows) {
+        const std::size_t end = row.find_last_not_of(' ');
+        if (end != std::string::npos) text += utf8FromCalculator(row.substr(0, end + 1)) + "\n";
+    }
+    return text;
 }
 
 Surface displayNow() {

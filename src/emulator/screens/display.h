@@ -20,5 +20,6 @@ void refreshScreen(bool showCross);
 // number still.
 bool displayCopy(Surface &target, std::uint64_t &seen);
 Surface displayNow();
+std::string displayText();  // UTF-8: the rows of the text screen that aren't blank, each with its line end
 
 }  // namespace numalink

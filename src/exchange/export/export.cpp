@@ -2,29 +2,24 @@
 #include "exchange/export/export.h"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "calculator/charset.h"
 #include "exchange/export/export_formats.h"
+#include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
-#include "platform/files.h"
 #include "platform/letter_case.h"
-#include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
-#include "store/care/daily_copies.h"
+#include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
 
 namespace {
-
-constexpr std::size_t itemsNamed = 10;  // in one message
 
 std::vector<ItemId> lastChosen;  // of the question, for this run
 
@@ -35,30 +30,6 @@ ExportTarget lastTarget() {
     return ExportTarget::none;
 }
 
-// What the program itself reads and writes.
-constexpr std::array ownFiles = {"storage.dat", "settings.xml", "casio.ptt",   "large.cft",
-                                 "small.cft",   "numalink",     "numalink-cli"};
-
-// Whether path is a file of folder whose name begins so.
-bool isFileIn(const std::string &path, const std::string &folder, std::string_view beginning) {
-    std::error_code failure;
-    for (const auto &entry : std::filesystem::directory_iterator(folder, failure)) {
-        if (entry.path().filename().native().starts_with(beginning) && isSameFile(path, entry.path())) return true;
-    }
-    return false;
-}
-
-bool isOwnFile(const std::string &path) {
-    for (const std::string &folder : {libraryFolder(), programFolder()}) {
-        for (const char *name : ownFiles) {
-            if (isSameFile(path, folder + name)) return true;
-        }
-        // Copies of a damaged library, and what was being typed when the program ended.
-        if (isFileIn(path, folder, "storage.dat") || isFileIn(path, folder, "draft-")) return true;
-    }
-    return isFileIn(path, dailyCopyFolder(), "") || isFileIn(path, programFolder() + "Language", "");
-}
-
 // One box for all items that are refused for the same cause.
 struct Refusals {
     std::map<std::pair<ExportFault, int>, std::vector<std::string>> names{};
@@ -66,12 +37,6 @@ struct Refusals {
 
 void addRefusal(Refusals &refusals, const ExportRefusal &refusal, const std::string &name) {
     refusals.names[{refusal.fault, refusal.code}].push_back(name.empty() ? "?" : utf8FromCalculator(name));
-}
-
-std::string listOf(const std::vector<std::string> &names) {
-    std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), itemsNamed); i++) list += (i == 0 ? "" : ", ") + names[i];
-    return names.size() > itemsNamed ? list + " ... (" + std::to_string(names.size()) + ")" : list;
 }
 
 Text causeText(ExportFault fault, ExportTarget target) {
@@ -93,25 +58,15 @@ Text causeText(ExportFault fault, ExportTarget target) {
 bool tellRefusals(const Refusals &refusals, ExportTarget target) {
     for (const auto &[cause, names] : refusals.names) {
         const Text text = causeText(cause.first, target);
-        const std::string list = listOf(names), code = std::to_string(cause.second);
+        const std::string list = listOfNames(names), code = std::to_string(cause.second);
         tellComposed(text, wording(text, {code}) + "\n" + wording(Text::exportItems, {list}), {list});
     }
     return refusals.names.empty();
 }
 
-bool pathIsFree(const ExportJob &job) {
-    if (isOwnFile(job.path)) return failWith(Text::exportOwnFile, {job.path});
-    std::error_code failure;
-    if (std::filesystem::is_directory(job.path, failure)) return failWith(Text::fileIsFolder, {job.path});
-    if (job.mayReplace || !fileExists(job.path)) return true;
-    return tellComposed(Text::exportReplace, wording(Text::exportReplace, {job.path}), {job.path}, BoxIcon::warning,
-                        BoxButtons::okCancel) == Answer::ok;
-}
-
 bool writeFile(Bytes &file, std::size_t count, const ExportJob &job) {
     appendFileEnd(job.target, file);
-    const FileResult result = writeWholeFile(job.path, file);
-    if (result != FileResult::done) return failWith(fileTrouble(result), {job.path});
+    if (!writeUserFile(job.path, file, true)) return false;  // it was asked about ahead of the work
     statusLine(StatusPart::item, Text::exportDone, {std::to_string(count)});
     return true;
 }
@@ -148,7 +103,7 @@ bool makeFile(ItemSource source, const void *items, std::size_t count, ExportTar
 bool exportFrom(ItemSource source, const void *items, std::size_t count, const ExportJob &job) {
     assertRole(ThreadRole::graphical);
     const ExportFormat *format = exportFormatOf(job.target);
-    if (!format || count == 0 || !pathIsFree(job)) return false;
+    if (!format || count == 0 || !userFileIsFree(job.path, job.mayReplace)) return false;
     settingsSetValue(setting::lastExportType, format->settingName);
     Bytes file;
     return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);

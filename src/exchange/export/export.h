@@ -20,7 +20,7 @@ struct ExportJob {
 void exportWithQuestion();
 
 // False when nothing was written, which has been told. An existing file is asked about, files of the program's own
-// are refused. Also sets the setting of the last target.
+// are refused (store/care/user_files.h). Also sets the setting of the last target.
 bool exportItems(const ExportJob &job);
 
 // The same for items that lie in no library.

@@ -109,10 +109,11 @@ PictureResult decode(ByteView file, Surface &scaled) {
     return readScaledPicture(file, scaled, [&](std::size_t done) { progress.step(done); });
 }
 
-bool tellUnreadable(PictureResult result, const std::string &path) {
+void tellUnreadable(PictureResult result, const std::string &path) {
     if (result == PictureResult::tooLarge)
-        return failWith(Text::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
-    return failWith(Text::bitmapUnreadable, {path});
+        tellUser(Text::bitmapTooLarge, {path, std::to_string(pictureDotLimit / 1'000'000)});
+    else
+        tellUser(Text::bitmapUnreadable, {path});
 }
 
 }  // namespace
@@ -145,17 +146,20 @@ ImportedItem pictureItem(const Surface &raster, const std::string &name) {
     return item;
 }
 
-bool importBitmap(ByteView file, const std::string &path, const std::string &baseName) {
+ItemId importBitmap(ByteView file, const std::string &path, const std::string &baseName) {
     BitmapQuestion question{.fileName = baseName,
                             .scaled = Surface(calculatorPictureWidth, calculatorPictureHeight),
                             .sharp = {},
                             .image = {}};
     const PictureResult result = decode(file, question.scaled);
-    if (result != PictureResult::done) return tellUnreadable(result, path);
+    if (result != PictureResult::done) {
+        tellUnreadable(result, path);
+        return noItem;
+    }
     question.sharp = rasterPicture(question.scaled, RasterType::sharp);
     question.image = rasterPicture(question.scaled, RasterType::image);
     userInterface.askBitmap(question);
-    if (!question.accepted) return false;
+    if (!question.accepted) return noItem;
     const std::string name = calculatorName(baseName);
     ImportedItem item =
         pictureItem(question.type == RasterType::image ? question.image : question.sharp, name.empty() ? "?" : name);
@@ -164,7 +168,7 @@ bool importBitmap(ByteView file, const std::string &path, const std::string &bas
                          .kind = item.itemKind,
                          .head = std::move(item.head),
                          .data = std::move(item.data),
-                         .whenTaken = NameTaken::keepBoth}) != noItem;
+                         .whenTaken = NameTaken::keepBoth});
 }
 
 }  // namespace numalink

@@ -20,8 +20,8 @@ Surface rasterPicture(const Surface &scaled, RasterType type);
 // The picture item of a raster: three planes for orange, blue and green, and an empty fourth.
 ImportedItem pictureItem(const Surface &raster, const std::string &name);
 
-// Decodes, asks for the raster type and adds the item to the temporary folder. False when nothing was added: refused by
-// the user, or unreadable (told).
-bool importBitmap(ByteView file, const std::string &path, const std::string &baseName);
+// Decodes, asks for the raster type and adds the item to the temporary folder. noItem when nothing was added: refused
+// by the user, or unreadable (told).
+ItemId importBitmap(ByteView file, const std::string &path, const std::string &baseName);
 
 }  // namespace numalink

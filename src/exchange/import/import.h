@@ -13,11 +13,10 @@ inline constexpr std::size_t importFolderNameLimit = 300;
 
 extern std::string importFolderName;  // UTF-8; written at the start of each import, edited by the question
 
-// Imports the file at path; baseName (UTF-8) stands for it as folder name. All outcome is told to the user.
+// Imports the file at path; baseName (UTF-8) stands for it as folder name. All outcome is told to the user. What an
+// earlier import has parked goes, unless it waits for its transmission. What comes into the library is taken back in
+// one step.
 void importFile(const std::string &path, const std::string &baseName);
-
-// Places what lies in the temporary folder, as the import question was answered.
-void finishImport(const std::string &folderName, ImportAction action);
 
 // A file's name without folder and last ending.
 std::string importBaseName(const std::string &path);

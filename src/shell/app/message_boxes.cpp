@@ -3,10 +3,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QTimer>
 
 #include "platform/thread_role.h"
@@ -16,8 +14,10 @@
 #include "shell/dialogs/import_dialog.h"
 #include "shell/dialogs/link_dialogs.h"
 #include "shell/dialogs/worker_dialogs.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/status_bar.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
@@ -28,10 +28,10 @@ namespace numalink {
 
 namespace {
 
-// The widget that a box stands over: an open dialog, else the main window.
+// The widget that a box stands over: an open dialog, else the full screen, else the main window.
 QWidget *boxParent() {
     QWidget *modal = QApplication::activeModalWidget();
-    return modal != nullptr ? modal : mainWindow;
+    return modal != nullptr ? modal : runWindow();
 }
 
 QMessageBox::Icon iconOf(BoxIcon icon) {
@@ -47,13 +47,21 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
     }
 }
 
+// Titled by its sort alone, whatever part of the program speaks.
 QDialog *makeBox(const Box &box) {
     const bool cancellable = box.buttons == BoxButtons::okCancel;
-    auto *window = new QMessageBox(iconOf(box.icon), toQt(box.title), toQt(box.body),
-                                   cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok, boxParent());
+    const bool warns = !cancellable && (box.icon == BoxIcon::warning || box.icon == BoxIcon::error);
+    auto *window = new QMessageBox(iconOf(box.icon), boxTitle(warns), toQt(box.body), QMessageBox::Ok, boxParent());
+    if (cancellable) window->addButton(QMessageBox::Cancel);
     window->setTextFormat(Qt::PlainText);
     window->button(QMessageBox::Ok)->setText(textOf(Text::ok));
     if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(Text::cancel));
+    if (box.buttons == BoxButtons::okGoTo) {
+        window->addButton(QMessageBox::Yes)->setText(textOf(Text::goToStatement));
+        window->setDefaultButton(QMessageBox::Ok);
+        window->setEscapeButton(QMessageBox::Ok);
+        placeBesideDisplay(window);
+    }
     return window;
 }
 
@@ -61,35 +69,23 @@ bool boxesSilent = false;  // graphical thread only
 
 Answer messageBox(const Box &box) {
     if (threadRole == ThreadRole::graphical && boxesSilent) return Answer::cancel;
-    return askByDialog([box] { return makeBox(box); }) == QMessageBox::Ok ? Answer::ok : Answer::cancel;
+    const int button = askByDialog([box] { return makeBox(box); });
+    if (button == QMessageBox::Yes) QMetaObject::invokeMethod(qApp, goToRunFault, Qt::QueuedConnection);
+    return button == QMessageBox::Ok ? Answer::ok : Answer::cancel;
 }
 
-void statusText(StatusPart part, Text, const std::string &text) {
-    graphicalRun([&] {
-        QLabel *field = part == StatusPart::link ? linkField : itemField;
-        if (part == StatusPart::progress || field == nullptr) return;
-        // The link's field has a fixed width: what doesn't fit is in its tool tip.
-        field->setToolTip(toQt(text));
-        const bool fixed = part == StatusPart::link;
-        field->setText(fixed ? field->fontMetrics().elidedText(toQt(text), Qt::ElideRight, field->width())
-                             : toQt(text));
-    });
+void statusText(StatusPart part, Text which, const std::string &text) {
+    if (part == StatusPart::progress) return;
+    graphicalRun(
+        [&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text), which == Text::portNone); });
 }
 
 void progressRange(int maximum) {
-    graphicalRun([&] {
-        if (progressBar == nullptr) return;
-        progressBar->setRange(0, maximum > 0 ? maximum : 1);
-        progressBar->setValue(0);
-    });
+    graphicalRun([&] { showProgress(maximum); });
 }
 
 void progressPosition(int position) {
-    graphicalRun([&] {
-        if (progressBar == nullptr) return;
-        progressBar->setValue(position);
-        progressBar->repaint();
-    });
+    graphicalRun([&] { moveProgress(position); });
 }
 
 void waitCursor(bool on) {
@@ -117,6 +113,7 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
+    userInterface.askImportTaken = askImportTaken;
     userInterface.askItemExists = askItemExists;
     userInterface.askPictureSlot = askPictureSlot;
     userInterface.transmitQueueChanged = queueMarked;

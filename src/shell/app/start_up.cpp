@@ -7,10 +7,13 @@
 #include <QTimer>
 
 #include "drawing/dot_fonts.h"
+#include "platform/files.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
+#include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
+#include "shell/app/qt_language.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/stop_signals.h"
 #include "shell/app/tray.h"
@@ -22,6 +25,7 @@
 #include "shell/dialogs/about_box.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/program_colors.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/views/item_views.h"
@@ -46,16 +50,26 @@ bool done(void (*work)()) {
     return true;
 }
 
-bool openLibrary() {
-    if (storeOpen()) return true;
-    tellUser(Text::noLibraryAtStart);
-    return false;
-}
-
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
 bool settingsRead = true;
+bool isFirstUse = false;  // neither a library nor settings were there
+
+bool loadSettings() {
+    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
+    return settingsLoad();
+}
+
+// Programs show their colours from the start, where nobody has chosen otherwise.
+bool colorFirstUse() {
+    if (!isFirstUse) return true;
+    const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
+    for (std::size_t i = 0; i < scheme.size(); i++)
+        settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
+    settingsSetInt(setting::syntaxHighlighting, 1);
+    return settingsSave() || failWith(Text::settingsNotSaved);
+}
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
@@ -71,9 +85,10 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(); }, false},  // if one runs, opening the library ends the start
-    {"settings", [] { return settingsRead = settingsLoad(); }, false},
+    {"running copy", [] { return !raiseRunningCopy(); }, true},
+    {"settings", [] { return settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
+    {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
@@ -86,7 +101,8 @@ constexpr StartStep startSteps[] = {
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
-    {"library", openLibrary, true},
+    {"library", openLibraryAtStart, true},
+    {"colors of a new library", colorFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},

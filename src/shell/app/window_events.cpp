@@ -39,7 +39,7 @@ bool dropped(QDropEvent &event) {
 
 // An open dialog would stay on the screen without its window.
 void hideWhenMinimized() {
-    if (mainWindow->isMinimized() && QApplication::activeModalWidget() == nullptr) mainWindow->hide();
+    if (mainWindow->isMinimized() && QApplication::activeModalWidget() == nullptr) hideToTray();
 }
 
 bool windowEvent(QWidget *, QEvent *event) {

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
 #include <QToolButton>
@@ -38,6 +39,13 @@ QStringList filesToImport;
 bool importing = false;
 constexpr int importAgainMilliseconds = 100;
 
+// An import has left the view. What it told in the status bar stays.
+void showAfterImport() {
+    const std::string told = itemField->text().toStdString();
+    showSelectedAgain();
+    if (!told.empty()) userInterface.statusText(StatusPart::item, Text::none, told);
+}
+
 // One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
 // dialog of another import may be asking about.
 void importWaitingFiles() {
@@ -54,6 +62,7 @@ void importWaitingFiles() {
     importing = false;
     filesToImport.clear();
     refreshTree();
+    if (!shuttingDown()) showAfterImport();
 }
 
 int runRow(const Command &row) {
@@ -116,11 +125,10 @@ int newFolder() {
 
 namespace {
 
-// The selected item if that is a folder that is still there, otherwise the folder of programs.
+// The selected item if that is a folder that is still there, otherwise the folder of programs, made if need be.
 ItemId folderForProgram() {
-    const ItemId standard = storeStandardFolder(kind::programsFolder);
     const std::optional<ItemEntry> selected = storeReadEntry(selectedItemId());
-    return selected && isFolderKind(selected->kind) ? selected->id : standard;
+    return selected && isFolderKind(selected->kind) ? selected->id : storeStandardFolder(kind::programsFolder);
 }
 
 }  // namespace
@@ -137,11 +145,14 @@ int newProgram() {
     program.data = {':', 0xFF};
     program.whenTaken = NameTaken::nextFreeName;
     const ItemId id = storeAddItem(program);
-    if (id == noItem) return 1;
+    if (id == noItem) {
+        showSelectedAgain();
+        return 1;
+    }
     refreshTree();
     if (QTreeWidgetItem *folder = treeEntryOf(parent)) folder->setExpanded(true);
     selectItem(id);
-    startLabelEdit(id);
+    startLabelEdit(id, AfterEnter::view);
     return 1;
 }
 
@@ -163,7 +174,10 @@ int deleteWithQuestion() {
         if (next == nullptr) next = entry->parent();
     }
     const ItemId follower = next == nullptr ? noItem : next->data(0, Qt::UserRole).toUInt();
-    if (!storeDelete(item->id)) return 1;
+    if (!storeDelete(item->id)) {
+        showSelectedAgain();
+        return 1;
+    }
     if (viewItemId == item->id) dropCurrentView();
     refreshTree();
     selectItem(follower);

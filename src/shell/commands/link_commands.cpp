@@ -5,12 +5,14 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
+#include <algorithm>
 
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
@@ -18,6 +20,7 @@
 #include "shell/commands/command_table.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/settings_dialog.h"
+#include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
@@ -41,12 +44,13 @@ void showButtons() {
     againButton->setEnabled(transmitDroppedCount() > 0);
 }
 
-// The list is made anew with each entry that goes; what is chosen in it stays chosen.
+// The list is made anew with each entry that goes; what is chosen in it stays chosen, or the one in its place.
 void showQueue() {
     setCommandEnabled(command::transmitQueue, transmitCanBegin());
     if (queueList == nullptr) return;
     const QListWidgetItem *chosen = queueList->currentItem();
     const ItemId chosenId = chosen == nullptr ? noItem : chosen->data(Qt::UserRole).toUInt();
+    const int chosenRow = queueList->currentRow();
     queueList->clear();
     for (const ItemId id : transmitQueueIds()) {
         const std::optional<ItemEntry> item = storeReadEntry(id);
@@ -54,12 +58,20 @@ void showQueue() {
         row->setData(Qt::UserRole, id);
         if (id == chosenId) queueList->setCurrentItem(row);
     }
+    if (queueList->currentItem() == nullptr && queueList->count() > 0)
+        queueList->setCurrentRow(std::clamp(chosenRow, 0, queueList->count() - 1));
     showButtons();
 }
 
 void removeChosen() {
     const QListWidgetItem *row = queueList->currentItem();
     if (row != nullptr) transmitQueueRemove(row->data(Qt::UserRole).toUInt());
+}
+
+bool listEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Delete) return false;
+    removeChosen();
+    return true;
 }
 
 QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pressed)()) {
@@ -70,7 +82,7 @@ QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pr
 }
 
 void makeQueueWindow() {
-    queueWindow = new QDialog(mainWindow, Qt::Tool);
+    queueWindow = new QDialog(mainWindow);  // no tool window: the letters of its buttons would be those of the menus
     queueWindow->setObjectName(QStringLiteral("queueWindow"));
     queueWindow->setWindowTitle(textOf(Text::queueTitle));
     queueList = new QListWidget;
@@ -81,6 +93,7 @@ void makeQueueWindow() {
     clearButton = addButton(buttons, textOf(Text::queueClear), transmitQueueClear);
     againButton = addButton(buttons, textOf(Text::queueAgain), [] { transmitQueueAgain(); });
     QObject::connect(queueList, &QListWidget::currentItemChanged, queueWindow, showButtons);
+    hookEvents(queueList, listEvent);
     auto *layout = new QHBoxLayout(queueWindow);
     layout->addWidget(queueList);
     layout->addWidget(buttons);
@@ -89,12 +102,16 @@ void makeQueueWindow() {
 void openQueueWindow() {
     if (queueWindow == nullptr) makeQueueWindow();
     showQueue();
-    queueWindow->show();
+    showUnminimised(queueWindow);
     queueWindow->raise();
+    queueWindow->activateWindow();
+    queueList->setFocus();
 }
 
 std::vector<std::string> portsOffered() {
-    std::vector<std::string> ports = {"COM1", "COM2", "COM3", "COM4"};
+    std::vector<std::string> ports;
+    for (const char *name : {"COM1", "COM2", "COM3", "COM4"})
+        if (serialDevicePath(name) != name) ports.emplace_back(name);
     for (const std::string &device : serialDevices()) ports.push_back(device);
     return ports;
 }

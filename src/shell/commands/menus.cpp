@@ -5,7 +5,9 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QToolBar>
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -37,6 +39,16 @@ void addAction(const Command &row) {
 // "Transmit" out of "&Transmit", so that a button shows no stray mark.
 QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
 
+// A button with two words keeps the width of the longer one.
+void keepWidth(QAction *action, const QString &otherWord) {
+    QWidget *button = toolbar->widgetForAction(action);
+    const QString word = action->iconText();
+    const int width = button->sizeHint().width();
+    action->setIconText(otherWord);
+    button->setMinimumWidth(std::max(width, button->sizeHint().width()));
+    action->setIconText(word);
+}
+
 struct KindState {
     int commandId;
     bool (*enabledFor)(ItemKind itemKind);
@@ -65,6 +77,8 @@ void buildMenus() {
     actions[command::hideTree]->setCheckable(true);
     itemMenu = menus[static_cast<std::size_t>(MenuPosition::item)];
     menus[static_cast<std::size_t>(MenuPosition::emulator)]->setEnabled(false);
+    auto *openFirst = new QShortcut(QKeySequence(Qt::Key_F10), mainWindow);
+    QObject::connect(openFirst, &QShortcut::activated, bar, [bar] { bar->setActiveAction(bar->actions().first()); });
 }
 
 void buildToolbar() {
@@ -74,6 +88,7 @@ void buildToolbar() {
         action->setIconText(withoutMnemonic(textOf(button.text)));
         toolbar->addAction(action);
     }
+    keepWidth(actions[command::emulate], textOf(Text::editorButton));
     fitWindowToToolbar();
 }
 

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "calculator/charset.h"
 #include "emulator/machine/machine.h"
@@ -14,6 +15,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
+#include "store/item_store.h"
 #include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
@@ -21,7 +23,28 @@ namespace numalink {
 
 namespace {
 
+struct ActRow {
+    UndoAct act;
+    Text menu;    // with the name in it
+    Text status;  // once it is taken back
+};
+constexpr ActRow actRows[] = {
+    {UndoAct::deletion, Text::undoDeletion, Text::itemsCameBack},
+    {UndoAct::replacement, Text::undoReplacement, Text::itemsCameBack},
+    {UndoAct::edit, Text::undoEdit, Text::takenBack},
+    {UndoAct::rename, Text::undoRename, Text::takenBack},
+    {UndoAct::move, Text::undoMove, Text::takenBack},
+    {UndoAct::import, Text::undoImport, Text::takenBack},
+};
+
+const ActRow &rowOf(UndoAct act) { return *std::ranges::find(actRows, act, &ActRow::act); }
+
 bool isTyping() { return programEdit->isVisible() && programEdit->hasFocus(); }
+
+// An edit that becomes a step as soon as its view is left.
+bool viewIsEdited() { return isTextKind(viewKind) && programChanged(); }
+
+bool canUndo() { return viewIsEdited() || storeUndoOffer(); }
 
 // The view is left first, as ahead of a deletion: it may be of an item that goes.
 void changeLibrary(bool (*change)(TakenBack &)) {
@@ -29,10 +52,11 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     TakenBack done;
     const bool changed = change(done);
     refreshTree();
-    if (const ItemId shown = changed ? done.shown : selectedItemId(); shown != noItem) selectItem(shown);
+    const ItemId shown = changed && done.shown != noItem ? done.shown : selectedItemId();
+    if (shown != noItem) selectItem(shown);
     const std::vector<std::string> words = {utf8FromCalculator(done.step.name), std::to_string(done.step.count)};
     if (done.changedSince) statusLine(StatusPart::item, Text::changedSince);
-    if (changed && change == storeUndo) statusLine(StatusPart::item, Text::itemsCameBack, words);
+    if (changed && change == storeUndo) statusLine(StatusPart::item, rowOf(done.step.act).status, words);
     if (changed && change == storeRedo) userInterface.statusText(StatusPart::item, Text::none, "");
     treeView->setFocus();
 }
@@ -40,7 +64,7 @@ void changeLibrary(bool (*change)(TakenBack &)) {
 void undo() {
     if (emulatorRunning) return;
     if (isTyping()) return undoInProgram();
-    if (!storeUndoOffer()) return statusLine(StatusPart::item, Text::nothingToUndo);
+    if (!canUndo()) return statusLine(StatusPart::item, Text::nothingToUndo);
     changeLibrary(storeUndo);
 }
 
@@ -52,11 +76,14 @@ void redo() {
 }
 
 QString undoWords() {
-    const auto offer = storeUndoOffer();
-    if (isTyping() || !offer) return textOf(Text::undo);
-    QString name = QString::fromStdString(utf8FromCalculator(offer->name));
+    if (isTyping() || !canUndo()) return textOf(Text::undo);
+    auto offer = storeUndoOffer();
+    if (const auto viewed = viewIsEdited() ? storeReadEntry(viewItemId) : std::nullopt)
+        offer = UndoOffer{.act = UndoAct::edit, .name = viewed->name};
+    if (!offer) return textOf(Text::undo);
+    QString name = nameToQt(offer->name);
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
-    return textOf(offer->replacement ? Text::undoReplacement : Text::undoDeletion, {name.toStdString()});
+    return textOf(rowOf(offer->act).menu, {name.toStdString()});
 }
 
 }  // namespace
@@ -77,7 +104,7 @@ void buildUndoMenu() {
     // By name while the menu is open; its keys always work, and say so when there is nothing.
     QObject::connect(menu, &QMenu::aboutToShow, menu, [undoAction, redoAction] {
         undoAction->setText(undoWords());
-        undoAction->setEnabled(isTyping() || storeUndoOffer());
+        undoAction->setEnabled(isTyping() || canUndo());
         redoAction->setEnabled(isTyping() || storeCanRedo());
     });
     QObject::connect(menu, &QMenu::aboutToHide, menu, [undoAction, redoAction] {

@@ -32,6 +32,7 @@ void buildViewMenu() {
     QMenu *view = menuAt(static_cast<int>(MenuPosition::view));
     QAction *symbols = view->addAction(textOf(Text::menuSymbols));
     symbols->setObjectName(QStringLiteral("symbolsAction"));
+    symbols->setShortcut(QKeySequence(QStringLiteral("F4")));
     symbols->setCheckable(true);
     symbols->setChecked(symbolsWanted());
     QObject::connect(symbols, &QAction::triggered, view, setSymbolsWanted);

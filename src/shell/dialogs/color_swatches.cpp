@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -16,6 +17,7 @@
 
 #include "shell/editor/program_document.h"
 #include "shell/parts/color_contrast.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
@@ -107,6 +109,12 @@ void takeScheme(const ColorScheme &scheme) {
     showColors();
 }
 
+QPushButton *addChoice(QMessageBox &question, Text text, const char *name) {
+    QPushButton *button = question.addButton(textOf(text), QMessageBox::AcceptRole);
+    button->setObjectName(QString::fromLatin1(name));
+    return button;
+}
+
 void addSwatches(QGridLayout *grid) {
     constexpr int rowsPerColumn = 8;
     int place = 0;
@@ -144,28 +152,47 @@ void makePreview() {
     preview->setLineWrapMode(QPlainTextEdit::NoWrap);
     preview->setAccessibleName(textOf(Text::colorPreview));
     preview->setTabChangesFocus(true);
-    preview->setMinimumWidth(300);
-    preview->setFixedHeight(previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
+    preview->setMinimumSize(300, previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
     preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 }  // namespace
 
+void offerSchemeForBlack() {
+    const auto isBlack = [](const QColor &color) { return color == Qt::black; };
+    if (preview == nullptr || !std::ranges::all_of(colors, isBlack)) return;
+    QMessageBox question(QMessageBox::Question, boxTitle(false), textOf(Text::colorsAllBlack), QMessageBox::NoButton,
+                         preview->window());
+    question.setTextFormat(Qt::PlainText);
+    QPushButton *light = addChoice(question, Text::schemeLight, "offerLight");
+    QPushButton *dark = addChoice(question, Text::schemeDark, "offerDark");
+    QPushButton *none = addChoice(question, Text::schemeDefault, "offerNone");
+    question.setEscapeButton(none);
+    const bool isDark = &schemeOn(preview->palette().color(QPalette::Base)) == &darkScheme;
+    question.setDefaultButton(isDark ? dark : light);
+    question.exec();
+    if (question.clickedButton() == light) takeScheme(lightScheme);
+    if (question.clickedButton() == dark) takeScheme(darkScheme);
+}
+
 QWidget *makeColorSwatches() {
     auto *part = new QWidget;
-    auto *layout = new QVBoxLayout(part);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto *title = new QLabel(textOf(Text::settingsColors));
-    layout->addWidget(title);
+    auto *sides = new QHBoxLayout(part);
+    sides->setContentsMargins(0, 0, 0, 0);
+    auto *choices = new QVBoxLayout;
+    choices->addWidget(new QLabel(textOf(Text::settingsColors)));
     auto *grid = new QGridLayout;
     addSwatches(grid);
-    layout->addLayout(grid);
-    layout->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
-    layout->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
+    choices->addLayout(grid);
+    choices->addStretch();
+    sides->addLayout(choices);
     makePreview();
-    layout->addWidget(new QLabel(textOf(Text::colorPreview)));
-    layout->addWidget(preview);
-    layout->addStretch();
+    auto *shown = new QVBoxLayout;
+    shown->addWidget(new QLabel(textOf(Text::colorPreview)));
+    shown->addWidget(preview, 1);
+    shown->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
+    shown->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
+    sides->addLayout(shown, 1);
     for (std::size_t i = 0; i < colors.size(); i++) colors[i] = qtColor(settingsColour(programColorKeys[i]));
     showColors();
     return part;

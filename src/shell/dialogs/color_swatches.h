@@ -6,6 +6,9 @@ class QWidget;
 
 namespace numalink {
 
+// With highlighting switched on while all colours are black: asks which scheme they shall take.
+void offerSchemeForBlack();
+
 QWidget *makeColorSwatches();  // from the settings; one at a time
 void storeSwatches();          // into the settings
 void forgetSwatches();

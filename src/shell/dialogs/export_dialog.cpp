@@ -151,16 +151,18 @@ QPushButton *moveButton(const QString &sign, Text tip, const std::function<void(
     return button;
 }
 
+// They stand between the lists, and Tab meets them there.
 QVBoxLayout *moveButtons(const ExportControls &controls) {
     QListWidget *left = controls.available;
     QListWidget *right = controls.chosen;
+    QPushButton *const buttons[] = {
+        moveButton(QStringLiteral(">"), Text::exportAdd, [=] { moveSelected(controls, left, right); }),
+        moveButton(QStringLiteral(">>"), Text::exportAddAll, [=] { moveAll(controls, left, right); }),
+        moveButton(QStringLiteral("<"), Text::exportRemove, [=] { moveSelected(controls, right, left); }),
+        moveButton(QStringLiteral("<<"), Text::exportRemoveAll, [=] { moveAll(controls, right, left); })};
     auto *layout = new QVBoxLayout;
     layout->addStretch();
-    layout->addWidget(moveButton(QStringLiteral(">"), Text::exportAdd, [=] { moveSelected(controls, left, right); }));
-    layout->addWidget(moveButton(QStringLiteral(">>"), Text::exportAddAll, [=] { moveAll(controls, left, right); }));
-    layout->addWidget(
-        moveButton(QStringLiteral("<"), Text::exportRemove, [=] { moveSelected(controls, right, left); }));
-    layout->addWidget(moveButton(QStringLiteral("<<"), Text::exportRemoveAll, [=] { moveAll(controls, right, left); }));
+    for (QPushButton *button : buttons) layout->addWidget(button);
     layout->addStretch();
     return layout;
 }
@@ -208,7 +210,16 @@ void connectLists(const ExportControls &controls, QGridLayout *layout) {
     QObject::connect(right, &QListWidget::itemDoubleClicked, left, [=] { moveSelected(controls, right, left); });
     for (QRadioButton *target : controls.targets)
         QObject::connect(target, &QRadioButton::toggled, left, [=] { enableOk(controls); });
-    layout->addLayout(moveButtons(controls), 1, 1);
+    QVBoxLayout *buttons = moveButtons(controls);
+    layout->addLayout(buttons, 1, 1);
+    QWidget *ahead = left;
+    for (int i = 0; i < buttons->count(); i++) {
+        QWidget *button = buttons->itemAt(i)->widget();
+        if (button == nullptr) continue;
+        QWidget::setTabOrder(ahead, button);
+        ahead = button;
+    }
+    QWidget::setTabOrder(ahead, right);
 }
 
 void takeAnswers(ExportQuestion &question, const ExportControls &controls) {

@@ -6,9 +6,11 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "exchange/import/import.h"
 #include "link/transmit_queue.h"
@@ -81,6 +83,24 @@ void askImport(ImportQuestion &question) {
     const bool accepted = dialog.exec() == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;
     question.folderName = controls.folder->text().toStdString();
+}
+
+ImportTaken askImportTaken(const ImportTakenQuestion &question) {
+    QMessageBox box(QMessageBox::Question, textOf(Text::importTitle),
+                    textOf(Text::importTaken, {std::to_string(question.count), question.names}), QMessageBox::NoButton,
+                    mainWindow);
+    box.setTextFormat(Qt::PlainText);
+    const std::pair<QPushButton *, ImportTaken> buttons[] = {
+        {box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
+        {box.addButton(textOf(Text::keepBoth), QMessageBox::AcceptRole), ImportTaken::keepBoth},
+        {box.addButton(textOf(Text::skip), QMessageBox::AcceptRole), ImportTaken::skip},
+        {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
+    box.setDefaultButton(buttons[1].first);
+    box.setEscapeButton(buttons[3].first);
+    box.exec();
+    for (const auto &[button, taken] : buttons)
+        if (box.clickedButton() == button) return taken;
+    return ImportTaken::cancel;
 }
 
 }  // namespace numalink

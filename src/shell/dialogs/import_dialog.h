@@ -6,5 +6,6 @@
 namespace numalink {
 
 void askImport(ImportQuestion &question);
+ImportTaken askImportTaken(const ImportTakenQuestion &question);
 
 }  // namespace numalink

@@ -32,7 +32,7 @@ QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, Text text, in
 QDialog *existsDialog(const std::string &question) {
     auto *dialog = new QDialog(mainWindow);
     dialog->setObjectName(QStringLiteral("existsDialog"));
-    dialog->setWindowTitle(QStringLiteral("Numalink"));
+    dialog->setWindowTitle(boxTitle(false));
     auto *label = new QLabel(toQt(question));
     label->setTextFormat(Qt::PlainText);
     auto *buttons = new QDialogButtonBox;

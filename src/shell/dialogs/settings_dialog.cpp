@@ -5,12 +5,10 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
-#include <QPushButton>
+#include <QTabWidget>
 #include <QVBoxLayout>
 #include <array>
 
@@ -26,7 +24,7 @@
 
 namespace numalink {
 
-std::vector<std::string> (*listSerialPorts)() = [] { return std::vector<std::string>{"COM1", "COM2", "COM3", "COM4"}; };
+std::vector<std::string> (*listSerialPorts)() = [] { return std::vector<std::string>(); };
 void (*linkSettingsChanged)() = [] {};
 
 namespace {
@@ -92,12 +90,21 @@ QLabel *valueField() {
     return field;
 }
 
-QLayout *languagePart(SettingsControls &controls) {
+// What the settings name, or the language in use where they name none.
+int languageChosen() {
+    const QString stored = toQt(settingsValue(setting::language));
+    for (int i = 0; i < languageCount(); i++)
+        if (toQt(languageRecord(i).name).compare(stored, Qt::CaseInsensitive) == 0) return i;
+    return languageCurrent();
+}
+
+QWidget *languagePage(SettingsControls &controls) {
     controls.language = new QComboBox;
     controls.language->setObjectName(QStringLiteral("languageBox"));
     for (int i = 0; i < languageCount(); i++) controls.language->addItem(toQt(languageRecord(i).name));
-    controls.language->setCurrentIndex(languageCurrent());
-    auto *form = new QFormLayout;
+    controls.language->setCurrentIndex(languageChosen());
+    auto *page = new QWidget;
+    auto *form = new QFormLayout(page);
     form->addRow(textOf(Text::settingsLanguage), controls.language);
     form->addRow(textOf(Text::settingsAuthor), controls.author = valueField());
     form->addRow(textOf(Text::settingsEmail), controls.email = valueField());
@@ -105,36 +112,45 @@ QLayout *languagePart(SettingsControls &controls) {
     QObject::connect(controls.language, &QComboBox::currentIndexChanged, controls.language,
                      [controls] { showLanguage(controls); });
     showLanguage(controls);
-    return form;
+    return page;
 }
 
-QGroupBox *linkPart(SettingsControls &controls) {
+QWidget *linkPage(SettingsControls &controls) {
     QStringList ports;
     for (const std::string &port : listSerialPorts()) ports << toQt(port);
     controls.port = freeChoice(ports, setting::comPort);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
-    auto *box = new QGroupBox(textOf(Text::settingsCommunication));
-    auto *layout = new QVBoxLayout(box);
+    auto *page = new QWidget;
+    auto *layout = new QVBoxLayout(page);
     auto *form = new QFormLayout;
     form->addRow(textOf(Text::settingsPort), controls.port);
     form->addRow(textOf(Text::settingsType), controls.type);
     layout->addLayout(form);
     addSwitches(layout, linkSwitches, controls);
-    return box;
+    layout->addStretch();
+    return page;
 }
 
-QGroupBox *emulatorPart(SettingsControls &controls) {
-    auto *box = new QGroupBox(textOf(Text::settingsEmulator));
-    addSwitches(new QVBoxLayout(box), emulatorSwitches, controls);
-    return box;
+QWidget *emulatorPage(SettingsControls &controls) {
+    auto *page = new QWidget;
+    auto *layout = new QVBoxLayout(page);
+    addSwitches(layout, emulatorSwitches, controls);
+    layout->addStretch();
+    return page;
 }
 
-QGroupBox *editorPart(SettingsControls &controls) {
-    auto *box = new QGroupBox(textOf(Text::settingsEditor));
-    auto *layout = new QVBoxLayout(box);
+QWidget *editorPage(SettingsControls &controls) {
+    auto *page = new QWidget;
+    auto *layout = new QVBoxLayout(page);
     addSwitches(layout, editorSwitches, controls);
-    layout->addWidget(makeColorSwatches());
-    return box;
+    layout->addWidget(makeColorSwatches(), 1);
+    for (const auto &[key, box] : controls.switches) {
+        if (std::string_view(key) != setting::syntaxHighlighting) continue;
+        QObject::connect(box, &QCheckBox::clicked, box, [](bool on) {
+            if (on) offerSchemeForBlack();
+        });
+    }
+    return page;
 }
 
 void storeControls(const SettingsControls &controls) {
@@ -143,9 +159,8 @@ void storeControls(const SettingsControls &controls) {
         if (!settingsSetValue(key, value)) tellUser(Text::settingRefused, {value});
     };
     const QString language = controls.language->currentText();
-    if (!language.isEmpty() && language.compare(toQt(settingsValue(setting::language)), Qt::CaseInsensitive) != 0) {
+    if (controls.language->currentIndex() != languageChosen())
         tellFixed(Text::languageNextStart, {}, programTitle, BoxIcon::information);
-    }
     if (!language.isEmpty()) put(setting::language, language);
     put(setting::comPort, controls.port->currentText());
     put(setting::linkType, controls.type->currentText());
@@ -160,17 +175,13 @@ bool settingsDialog() {
     dialog.setObjectName(QStringLiteral("settingsDialog"));
     dialog.setWindowTitle(textOf(Text::settingsTitle));
     SettingsControls controls;
-    auto *left = new QVBoxLayout;
-    left->addLayout(languagePart(controls));
-    left->addSpacing(8);
-    left->addWidget(linkPart(controls));
-    left->addWidget(emulatorPart(controls));
-    left->addStretch();
-    auto *parts = new QHBoxLayout;
-    parts->addLayout(left);
-    parts->addWidget(editorPart(controls), 1);
+    auto *pages = new QTabWidget;  // one above the other they would not fit a small screen
+    pages->addTab(languagePage(controls), textOf(Text::settingsLanguagePage));
+    pages->addTab(linkPage(controls), textOf(Text::settingsCommunication));
+    pages->addTab(emulatorPage(controls), textOf(Text::settingsEmulator));
+    pages->addTab(editorPage(controls), textOf(Text::settingsEditor));
     auto *layout = new QVBoxLayout(&dialog);
-    layout->addLayout(parts);
+    layout->addWidget(pages);
     layout->addWidget(dialogButtons(&dialog));
     const bool accepted = dialog.exec() == QDialog::Accepted;
     if (accepted) storeControls(controls);

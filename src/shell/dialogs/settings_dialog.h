@@ -9,7 +9,7 @@ namespace numalink {
 int changeSettings();  // handler of the command table
 
 // The serial devices that the dialog offers, and what runs when port or type were changed by OK. The link puts in its
-// own at start-up; until then COM1 to COM4 are offered and nothing runs.
+// own at start-up; until then none is offered and nothing runs.
 extern std::vector<std::string> (*listSerialPorts)();
 extern void (*linkSettingsChanged)();
 

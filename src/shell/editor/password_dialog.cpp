@@ -20,22 +20,31 @@ namespace numalink {
 
 namespace {
 
-constexpr int typedLimit = 9;  // characters; the password keeps 8 of them
-
 bool askPassword(QString &password) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("passwordDialog"));
     dialog.setWindowTitle(textOf(Text::toolPassword));
     auto *typed = new QLineEdit(password);
     typed->setEchoMode(QLineEdit::Password);
-    typed->setMaxLength(typedLimit);
+    typed->setMaxLength(static_cast<int>(programNameLimit));
     typed->setAccessibleName(textOf(Text::toolPassword));
     typed->selectAll();
     auto *label = new QLabel(textOf(Text::toolPassword));
     label->setBuddy(typed);
+    auto *refused = new QLabel(textOf(Text::passwordTooLong));
+    refused->setObjectName(QStringLiteral("passwordRefused"));
+    QSizePolicy keepsRoom = refused->sizePolicy();
+    keepsRoom.setRetainSizeWhenHidden(true);
+    refused->setSizePolicy(keepsRoom);
+    refused->hide();
+    QObject::connect(typed, &QLineEdit::inputRejected, refused, &QWidget::show);
+    QObject::connect(typed, &QLineEdit::textChanged, refused, [refused](const QString &text) {
+        if (text.size() < static_cast<qsizetype>(programNameLimit)) refused->hide();
+    });
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(label);
     layout->addWidget(typed);
+    layout->addWidget(refused);
     layout->addWidget(dialogButtons(&dialog));
     dialog.setMinimumWidth(240);
     if (dialog.exec() != QDialog::Accepted) return false;
@@ -59,7 +68,11 @@ int changePassword() {
         tellUser(Text::nameHasForeignCharacter);
         return 1;
     }
-    info->password = codes.substr(0, programNameLimit);
+    if (codes.size() > programNameLimit) {
+        tellUser(Text::passwordTooLong);
+        return 1;
+    }
+    info->password = codes;
     if (storeRewriteHead(id, encodeProgramInfo(*info))) itemInfoToStatus(id);
     return 1;
 }

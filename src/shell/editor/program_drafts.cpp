@@ -12,6 +12,7 @@
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
@@ -66,8 +67,8 @@ bool readDraft(const std::string &path, Draft &draft) {
 enum class DraftAnswer { open, remove, later };
 
 DraftAnswer askDraft(const Draft &draft) {
-    QMessageBox box(QMessageBox::Question, textOf(Text::warningTitle),
-                    textOf(Text::draftFound, {draft.name.toStdString()}), QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Question, boxTitle(false), textOf(Text::draftFound, {draft.name.toStdString()}),
+                    QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *open = box.addButton(textOf(Text::draftOpen), QMessageBox::AcceptRole);
     const QPushButton *remove = box.addButton(textOf(Text::draftDelete), QMessageBox::DestructiveRole);
@@ -117,8 +118,9 @@ bool keepDraft(const ItemEntry &item, const QString &text) {
     std::string file = draftHead;
     for (const std::string &line : {std::to_string(item.id), std::to_string(item.kind), name, text.toStdString()})
         file.append("\n").append(line);
-    const bool kept =
-        writeWholeFile(path, {reinterpret_cast<const std::uint8_t *>(file.data()), file.size()}) == FileResult::done;
+    // Nobody reads in a draft what they could not read in the library.
+    const ByteView bytes(reinterpret_cast<const std::uint8_t *>(file.data()), file.size());
+    const bool kept = writeWholeFile(path, bytes, libraryFolder() + "storage.dat") == FileResult::done;
     if (kept) openDraft.clear();
     return kept;
 }

@@ -14,6 +14,7 @@
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
@@ -61,7 +62,7 @@ void putCaretOn(int place) {
 }
 
 Choice askUnstored(const QString &why, bool mayKeepDraft) {
-    QMessageBox box(QMessageBox::Critical, textOf(Text::warningTitle), why, QMessageBox::NoButton, mainWindow);
+    QMessageBox box(QMessageBox::Critical, boxTitle(true), why, QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *goBack = box.addButton(textOf(Text::goBack), QMessageBox::RejectRole);
     const QPushButton *discard = box.addButton(textOf(Text::discardChanges), QMessageBox::DestructiveRole);

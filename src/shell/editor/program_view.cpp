@@ -37,6 +37,17 @@ struct CaretStep {
     Caret after;
 };
 
+// A program that was left in this run, with the undo of its text.
+struct KeptProgram {
+    ItemId id = noItem;
+    Bytes image;  // as it was stored when it was left
+    QTextDocument *document = nullptr;
+    std::vector<CaretStep> caretSteps;
+    Caret caret;
+};
+constexpr std::size_t keptProgramLimit = 16;
+std::vector<KeptProgram> keptPrograms;  // the one that was left last is the last
+
 QString programReference;
 bool filling = false;     // the document's changes are ours
 bool travelling = false;  // by undo or redo
@@ -169,6 +180,46 @@ bool editEvent(QWidget *, QEvent *event) {
     }
 }
 
+void useDocument(QTextDocument *shown) {
+    filling = true;
+    programEdit->setDocument(shown);
+    filling = false;
+}
+
+// One that only the view changes, and only while it is shown.
+QTextDocument *newDocument() {
+    auto *made = new QTextDocument(programEdit);
+    made->setDocumentLayout(new QPlainTextDocumentLayout(made));
+    made->setDefaultFont(programEdit->font());
+    QObject::connect(made, &QTextDocument::contentsChange, programEdit, contentsChange);
+    QObject::connect(made, &QTextDocument::contentsChanged, programEdit, contentsChanged);
+    return made;
+}
+
+QString shownText(ByteView image) {
+    QString text;
+    for (const ViewLine &line : viewLines(image)) text += qtFromCodes(line.text) + QLatin1Char('\n');
+    text.chop(1);
+    return text;
+}
+
+// Shows the document that a program was left with. False when the program has become another since.
+bool showKept(ItemId id, ByteView image) {
+    const auto found = std::ranges::find(keptPrograms, id, &KeptProgram::id);
+    if (found == keptPrograms.end()) return false;
+    KeptProgram kept = std::move(*found);
+    keptPrograms.erase(found);
+    const bool isSame = std::ranges::equal(kept.image, image) && kept.document->toPlainText() == shownText(image);
+    QTextDocument *unused = isSame ? document() : kept.document;
+    if (isSame) {
+        useDocument(kept.document);
+        caretSteps = std::move(kept.caretSteps);
+        putCaret(kept.caret);
+    }
+    delete unused;
+    return isSame;
+}
+
 void fill(const std::vector<ViewLine> &lines) {
     document()->setUndoRedoEnabled(false);
     document()->clear();
@@ -187,8 +238,7 @@ void fill(const std::vector<ViewLine> &lines) {
 }  // namespace
 
 void connectProgramView() {
-    QObject::connect(document(), &QTextDocument::contentsChange, programEdit, contentsChange);
-    QObject::connect(document(), &QTextDocument::contentsChanged, programEdit, contentsChanged);
+    useDocument(newDocument());
     QObject::connect(programEdit, &QPlainTextEdit::cursorPositionChanged, programEdit, caretMoved);
     QObject::connect(programEdit, &QPlainTextEdit::selectionChanged, programEdit, caretMoved);
     QObject::connect(programEdit, &QPlainTextEdit::updateRequest, programEdit, updateLineNumbers);
@@ -200,7 +250,34 @@ void connectProgramView() {
 void forgetProgramView() {
     programReference.clear();
     caretSteps.clear();
+    keptPrograms.clear();
     changedFrom = changedTo = -1;
+}
+
+void openProgram(ItemId id, ByteView image) {
+    if (!showKept(id, image)) return programToView(image);
+    filling = true;
+    readColors();
+    programEdit->setReadOnly(tokenCount() == 0);
+    colorDocument();
+    filling = false;
+    programEdit->ensureCursorVisible();
+    lastCaret = caretNow();
+    blankAddedAt = -1;
+    takeReference();
+    updateLineNumbers();
+}
+
+void keepProgram(ItemId id, ByteView image) {
+    std::erase_if(keptPrograms, [&](const KeptProgram &kept) { return kept.id == id; });
+    if (keptPrograms.size() == keptProgramLimit) {
+        delete keptPrograms.front().document;
+        keptPrograms.erase(keptPrograms.begin());
+    }
+    keptPrograms.push_back({id, {image.begin(), image.end()}, document(), std::move(caretSteps), caretNow()});
+    caretSteps.clear();
+    useDocument(newDocument());
+    takeReference();
 }
 
 void programToView(ByteView image) {
@@ -255,6 +332,27 @@ void recolorProgram() {
 
 void putCaretAt(int position) {
     putCaret({position, position});
+    programEdit->ensureCursorVisible();
+}
+
+void selectStatement(int line, int statement) {
+    const QTextBlock block = document()->findBlockByNumber(line - 1);
+    if (!block.isValid()) return;
+    ViewLine text;
+    std::size_t from = 0;
+    std::size_t to = static_cast<std::size_t>(block.length() - 1);
+    bool inString = false;
+    for (const ViewToken &token : readBlock(block, text).tokens) {
+        const std::uint8_t code = token.length == 1 ? token.bytes[0] : 0;
+        if (code == '"') inString = !inString;
+        if (code != ':' || inString) continue;
+        if (statement-- == 0) {
+            to = token.from;
+            break;
+        }
+        from = token.from + token.size;
+    }
+    putCaret({block.position() + static_cast<int>(to), block.position() + static_cast<int>(from)});
     programEdit->ensureCursorVisible();
 }
 

@@ -4,12 +4,20 @@
 
 #include <QString>
 
+#include "calculator/item_kinds.h"
 #include "platform/bytes.h"
 
 namespace numalink {
 
 void connectProgramView();
 void forgetProgramView();
+
+// Shows a program as it was left, with the undo of its text, if it was left in this run and is still stored as it was
+// then, and else as programToView does.
+void openProgram(ItemId id, ByteView image);
+// Keeps the text on view, which is stored as this image, to be opened again; of many programs the last ones. The view
+// is empty then.
+void keepProgram(ItemId id, ByteView image);
 
 // Replaces all text by a program's. It is unchanged then, with nothing to undo and the caret at its start.
 void programToView(ByteView image);
@@ -29,6 +37,10 @@ void recolourLine();
 void recolorProgram();
 
 void putCaretAt(int position);  // or at the end of a shorter text, without a selection, in sight
+
+// Selects a statement of a line, in sight: lines from 1, statements from 0, as colons outside of quotes part them. What
+// isn't there leaves the caret.
+void selectStatement(int line, int statement);
 
 void undoInProgram();
 void redoInProgram();

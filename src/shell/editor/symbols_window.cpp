@@ -85,7 +85,7 @@ void forgetSymbolsWindow() { window = nullptr; }
 void showSymbols() {
     if (!wanted || programEdit->isReadOnly()) return;
     placeAtFirst();
-    window->show();
+    showUnminimised(window);
 }
 
 void hideSymbols() {

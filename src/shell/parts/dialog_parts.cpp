@@ -5,8 +5,11 @@
 #include <QPushButton>
 
 #include "shell/parts/shell_texts.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
+
+QString boxTitle(bool warns) { return warns ? textOf(Text::warningTitle) : QString::fromLatin1(programTitle); }
 
 QDialogButtonBox *dialogButtons(QDialog *dialog) {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);

@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
@@ -18,6 +17,7 @@
 #include "shell/editor/program_edit.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/status_bar.h"
 
 namespace numalink {
 
@@ -38,28 +38,7 @@ QMenu *itemMenu = nullptr;
 namespace {
 
 constexpr int windowWidth = 640, windowHeight = 430;
-constexpr int progressWidth = 150, progressHeight = 18, linkFieldWidth = 200;
 constexpr int toolbarImageSize = 24, treeImageSize = 16;
-
-QLabel *makeField() {
-    auto *field = new QLabel;
-    field->setTextFormat(Qt::PlainText);
-    return field;
-}
-
-void makeStatusBar() {
-    statusBar = mainWindow->statusBar();
-    progressBar = new QProgressBar;
-    progressBar->setFixedSize(progressWidth, progressHeight);
-    progressBar->setRange(0, 1);
-    progressBar->setTextVisible(false);
-    linkField = makeField();
-    linkField->setFixedWidth(linkFieldWidth);
-    itemField = makeField();
-    statusBar->addWidget(progressBar);
-    statusBar->addWidget(linkField);
-    statusBar->addWidget(itemField, 1);
-}
 
 void makeTree() {
     treeView = new QTreeWidget(clientArea);
@@ -134,6 +113,11 @@ void makeClientWidgets() {
 void fitWindowToToolbar() {
     const int needed = toolbar->sizeHint().width();
     if (needed > windowWidth) centreMainWindow(needed);
+}
+
+void showUnminimised(QWidget *window) {
+    if (window->isMinimized()) window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
 }
 
 void destroyWidgets() {

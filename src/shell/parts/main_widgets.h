@@ -35,4 +35,8 @@ void makeClientWidgets();
 void fitWindowToToolbar();  // wider where the buttons' words are longer, so that none is hidden
 void destroyWidgets();
 
+// Shows a window that stands over the main one. The window manager minimises it along with that one; shown in this
+// state, it would take the main window along again.
+void showUnminimised(QWidget *window);
+
 }  // namespace numalink

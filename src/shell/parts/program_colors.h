@@ -30,4 +30,6 @@ inline constexpr ColorScheme lightScheme = {0x202428, 0x5F6B5A, 0xC4202B, 0x0B6E
 inline constexpr ColorScheme darkScheme = {0xE6E8EA, 0x9AA893, 0xFF8A80, 0x6FCBF0,
                                            0xD9A0F0, 0xF2B866, 0x8FB4FF, 0x84D69A};
 
+inline const ColorScheme &schemeOn(const QColor &ground) { return ground.lightness() < 128 ? darkScheme : lightScheme; }
+
 }  // namespace numalink

@@ -1,7 +1,10 @@
 #include "shell/run/emulator_keys.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QTimer>
+#include <chrono>
 #include <optional>
 
 #include "emulator/machine/keypad.h"
@@ -12,12 +15,14 @@ namespace numalink {
 
 namespace {
 
+constexpr qint64 shortestPress = 60;  // milliseconds: a wait of a run looks at the key every 50 at the longest
+QElapsedTimer sincePress;
+
 struct NamedKey {
     int key;
     KeyboardKey name;
 };
 
-// Keys that are the same wherever they stand.
 constexpr NamedKey namedKeys[] = {
     {Qt::Key_Tab, KeyboardKey::tab},
     {Qt::Key_Backtab, KeyboardKey::tab},
@@ -30,14 +35,20 @@ constexpr NamedKey namedKeys[] = {
     {Qt::Key_Right, KeyboardKey::right},
     {Qt::Key_Down, KeyboardKey::down},
     {Qt::Key_BracketLeft, KeyboardKey::openBracket},
+    {Qt::Key_ParenLeft, KeyboardKey::openParenthesis},
+    {Qt::Key_ParenRight, KeyboardKey::closeParenthesis},
+    {Qt::Key_Comma, KeyboardKey::comma},
+    {Qt::Key_Period, KeyboardKey::point},
+    {Qt::Key_Asterisk, KeyboardKey::multiply},
+    {Qt::Key_Slash, KeyboardKey::divide},
+    {Qt::Key_Plus, KeyboardKey::plus},
+    {Qt::Key_Minus, KeyboardKey::minus},
+    {Qt::Key_Backspace, KeyboardKey::erase},
+    {Qt::Key_Delete, KeyboardKey::erase},
 };
 
-constexpr NamedKey padKeys[] = {
-    {Qt::Key_Period, KeyboardKey::padPoint}, {Qt::Key_Comma, KeyboardKey::padPoint},
-    {Qt::Key_Delete, KeyboardKey::padPoint}, {Qt::Key_Asterisk, KeyboardKey::padMultiply},
-    {Qt::Key_Slash, KeyboardKey::padDivide}, {Qt::Key_Plus, KeyboardKey::padPlus},
-    {Qt::Key_Minus, KeyboardKey::padMinus},
-};
+// The number pad's key of the point, whatever the layout and the Num Lock make of it.
+constexpr NamedKey padKeys[] = {{Qt::Key_Comma, KeyboardKey::point}, {Qt::Key_Delete, KeyboardKey::point}};
 
 // The letters of the three rows of a keyboard by the numbers that X gives their places: q to p, a to l, z to m.
 struct LetterRow {
@@ -68,19 +79,38 @@ std::optional<KeyboardKey> letterByPlace(quint32 scanCode) {
 
 std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
     const int key = event.key();
-    if (event.modifiers() & Qt::KeypadModifier) {
-        if (key >= Qt::Key_0 && key <= Qt::Key_9) return offsetFrom(KeyboardKey::pad0, key - Qt::Key_0);
+    if (event.modifiers() & Qt::KeypadModifier)
         if (const auto pad = foundIn(padKeys, key)) return pad;
-    }
     if (const auto named = foundIn(namedKeys, key)) return named;
+    if (key >= Qt::Key_0 && key <= Qt::Key_9) return offsetFrom(KeyboardKey::digit0, key - Qt::Key_0);
     if (key >= Qt::Key_A && key <= Qt::Key_Z) return offsetFrom(KeyboardKey::a, key - Qt::Key_A);
     if (key >= Qt::Key_F1 && key <= Qt::Key_F6) return offsetFrom(KeyboardKey::f1, key - Qt::Key_F1);
-    if (key == Qt::Key_5) return KeyboardKey::main5;
     const bool ascii = key < 0x80;
     return ascii ? std::nullopt : letterByPlace(event.nativeScanCode());
 }
 
 }  // namespace
+
+bool isMenuKey(const QKeyEvent &event) {
+    return event.key() == Qt::Key_Alt || event.key() == Qt::Key_F10 || (event.modifiers() & Qt::AltModifier) != 0;
+}
+
+void pressKey(int code) {
+    keyCode = code;
+    sincePress.start();
+}
+
+void releaseKey() {
+    const qint64 held = sincePress.isValid() ? sincePress.elapsed() : shortestPress;
+    if (held >= shortestPress) {
+        keyCode = 0;
+        return;
+    }
+    const auto rest = std::chrono::milliseconds(shortestPress - held);
+    QTimer::singleShot(rest, qApp, [] {
+        if (sincePress.elapsed() >= shortestPress) keyCode = 0;  // else another one has come
+    });
+}
 
 bool emulatorKeyDown(const QKeyEvent &event) {
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
@@ -92,12 +122,14 @@ bool emulatorKeyDown(const QKeyEvent &event) {
         }
         return true;
     }
-    if (const std::optional<KeyboardKey> key = keyboardKeyOf(event)) keyCode = keyCodeOf(*key);
+    const std::optional<KeyboardKey> key = keyboardKeyOf(event);
+    if (!key) return true;
+    event.isAutoRepeat() ? void(keyCode = keyCodeOf(*key)) : pressKey(keyCodeOf(*key));
     return true;
 }
 
 bool emulatorKeyUp(const QKeyEvent &event) {
-    if (!event.isAutoRepeat()) keyCode = 0;
+    if (!event.isAutoRepeat()) releaseKey();
     return true;
 }
 

@@ -5,11 +5,17 @@ class QKeyEvent;
 
 namespace numalink {
 
+// A key of the calculator is down, and up again: keyCode. A short tap counts for so long that a wait of the run sees
+// it.
+void pressKey(int code);
+void releaseKey();
+
 // A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
 // change nothing. Always true: while a run is on, no key does anything else.
+bool isMenuKey(const QKeyEvent &event);  // Alt, with another key or alone, and F10 stay the window's
 bool emulatorKeyDown(const QKeyEvent &key);
 
-// A key went up: keyCode is cleared. The releases of auto-repeat are none.
+// A key went up: the key of the calculator is, too. The releases of auto-repeat are none.
 bool emulatorKeyUp(const QKeyEvent &key);
 
 }  // namespace numalink

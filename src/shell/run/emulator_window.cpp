@@ -7,6 +7,8 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPlainTextEdit>
+#include <QScreen>
 #include <QTimer>
 #include <algorithm>
 #include <atomic>
@@ -21,6 +23,7 @@
 #include "shell/commands/command_handler.h"
 #include "shell/commands/command_table.h"
 #include "shell/commands/menus.h"
+#include "shell/editor/program_view.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -109,7 +112,7 @@ void mousePressed(const QMouseEvent &mouse) {
     if (!emulatorRunning || mouse.button() != Qt::LeftButton) return;
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
-    keyCode = key;
+    pressKey(key);
     if (key == stopKey) {
         QTimer::singleShot(0, emulatorWindow, [] {
             if (emulatorRunning) emulatorToggle();
@@ -130,7 +133,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             mousePressed(*static_cast<QMouseEvent *>(event));
             return true;
         case QEvent::MouseButtonRelease:
-            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) keyCode = 0;
+            if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) releaseKey();
             return true;
         case QEvent::Leave:
             outlinedKey = 0;
@@ -141,11 +144,12 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return false;
         case QEvent::ShortcutOverride:
             // While a run is on, the keys of the commands are keys of the calculator.
-            if (!emulatorRunning) return false;
+            if (!emulatorRunning || isMenuKey(*static_cast<QKeyEvent *>(event))) return false;
             event->accept();
             return true;
         case QEvent::KeyPress:
-            return emulatorRunning && emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+            return emulatorRunning && !isMenuKey(*static_cast<QKeyEvent *>(event)) &&
+                   emulatorKeyDown(*static_cast<QKeyEvent *>(event));
         case QEvent::KeyRelease:
             return emulatorKeyUp(*static_cast<QKeyEvent *>(event));
         default:
@@ -156,7 +160,11 @@ bool emulatorEvent(QWidget *, QEvent *event) {
 void takeDisplay() {
     marked = false;
     if (emulatorWindow == nullptr || !emulatorShown()) return;
-    if (displayCopy(display, displaySeen)) emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+    if (displayCopy(display, displaySeen)) {
+        emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+        if (const QString text = toQt(displayText()); text != emulatorWindow->accessibleDescription())
+            emulatorWindow->setAccessibleDescription(text);
+    }
     fullScreenRepaint();
     updateDebugWindow();
 }
@@ -177,9 +185,23 @@ bool startRun(ItemId item) {
     return runStart();
 }
 
+void showRunFault() {
+    const RunFault &fault = runFault();
+    if (fault.line == 0 || fault.item != viewItemId) return;
+    selectStatement(fault.line, fault.statement);
+    programEdit->setFocus();
+}
+
 int stopAndShowProgram() {
-    if (leaveCurrentView()) handleCommand(command::openView);
+    if (!leaveCurrentView()) return 1;
+    handleCommand(command::openView);
+    showRunFault();
     return 1;
+}
+
+QRect displayOnDesktop() {
+    if (const QWidget *full = fullScreenShown()) return fullScreenDisplay().translated(full->mapToGlobal(QPoint(0, 0)));
+    return QRect(emulatorWindow->mapToGlobal(origin()), QSize(displayWidth, displayHeight) * dotPixels());
 }
 
 }  // namespace
@@ -215,6 +237,44 @@ void emulatorStop() {
     emulatorWindow->hide();
 }
 
+QWidget *runWindow() {
+    QWidget *full = fullScreenShown();
+    return full != nullptr ? full : mainWindow;
+}
+
+// Below it, else above, else to the right or left; where there is no room at all, over its top, since errors stand at
+// its bottom.
+void placeBesideDisplay(QWidget *box) {
+    if (!emulatorShown()) return;
+    constexpr int gap = 8;
+    constexpr QMargins frame(4, 32, 4, 4);  // about what a window manager adds
+    const QRect display = displayOnDesktop();
+    const QRect room = runWindow()->screen()->availableGeometry();
+    box->adjustSize();
+    QRect place = box->rect().marginsAdded(frame);
+    place.moveTopLeft({display.center().x() - place.width() / 2, display.bottom() + gap});
+    place.moveLeft(std::clamp(place.left(), room.left(), std::max(room.left(), room.right() - place.width())));
+    if (place.bottom() > room.bottom()) place.moveBottom(display.top() - gap);
+    if (place.top() < room.top()) {
+        place.moveTop(room.top());
+        if (display.right() + gap + place.width() <= room.right())
+            place.moveLeft(display.right() + gap);
+        else if (display.left() - gap - place.width() >= room.left())
+            place.moveRight(display.left() - gap);
+    }
+    box->move(place.topLeft());
+}
+
+void goToRunFault() {
+    if (!emulatorShown()) return;
+    const ItemId halted = runFault().item;
+    if (halted == noItem || halted == selectedItemId()) {
+        stopAndShowProgram();
+    } else if (selectItem(halted)) {
+        showRunFault();
+    }
+}
+
 int saveScreenshot() {
     const Surface picture = displayNow();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
@@ -231,6 +291,7 @@ void displayMarked() {
 void makeEmulatorWindow() {
     emulatorWindow = new QWidget(clientArea);
     emulatorWindow->setObjectName(QStringLiteral("emulatorWindow"));
+    emulatorWindow->setAccessibleName(textOf(Text::displayName));
     emulatorWindow->setFocusPolicy(Qt::StrongFocus);
     emulatorWindow->setMouseTracking(true);
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);

@@ -2,6 +2,8 @@
 // but for displayMarked.
 #pragma once
 
+class QWidget;
+
 namespace numalink {
 
 // The Emulate command: starts the selected program, or stops the run.
@@ -17,6 +19,11 @@ int saveScreenshot();
 
 // The display has changed: leaves a mark, so that the window repaints soon, at most 60 times a second. Any thread.
 void displayMarked();
+
+// Boxes of a run: over which window one stands, beside the display that it speaks of, and where a halt leads to.
+QWidget *runWindow();                   // the full screen while it is on, else the main window
+void placeBesideDisplay(QWidget *box);  // ahead of its showing
+void goToRunFault();                    // stops the run and shows the statement at which it halted
 
 void makeEmulatorWindow();   // once clientArea is there
 void placeEmulatorWindow();  // over containerWindow

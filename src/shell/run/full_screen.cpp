@@ -29,19 +29,25 @@ int FSDLLCreate(QWidget *) { return 0; }
 void FSDLLDestroy() {}
 #endif
 
-// The display at the top of a picture of 320 by 240 or 640 by 480, which fills as much of the screen as it can.
+// The display is that of a screen of 320 by 240 or 640 by 480 dots, as large as such a screen can be made here.
+QRect displayPlace() {
+    const QRect room = fullScreenWindow->rect();
+    const double scale = std::min(static_cast<double>(room.width()) / fullScreenWidth,
+                                  static_cast<double>(room.height()) / fullScreenHeight);
+    QRect place(0, 0, qRound(fullScreenWidth * scale),
+                qRound(static_cast<int>(fullScreenHeight * displayShare) * scale));
+    place.moveCenter(room.center());
+    return place;
+}
+
 void paintFullScreen(QWidget *window) {
     QPainter painter(window);
     painter.fillRect(window->rect(), QColor::fromRgb(lcdColor::background));
-    const double scale = std::min(static_cast<double>(window->width()) / fullScreenWidth,
-                                  static_cast<double>(window->height()) / fullScreenHeight);
     const Surface display = displayNow();
     const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
                        static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
                        QImage::Format_RGB32);
-    const double left = (window->width() - fullScreenWidth * scale) / 2;
-    painter.drawImage(
-        QRectF(left, 0, fullScreenWidth * scale, static_cast<int>(fullScreenHeight * displayShare) * scale), image);
+    painter.drawImage(displayPlace(), image);
 }
 
 // A key that goes up isn't passed on: the code stays until the run clears it.
@@ -94,7 +100,9 @@ void fullScreenLeave() {
     fullScreenWindow->hide();
 }
 
-bool fullScreenActive() { return fullScreenOn; }
+QWidget *fullScreenShown() { return fullScreenOn ? fullScreenWindow : nullptr; }
+
+QRect fullScreenDisplay() { return fullScreenOn ? displayPlace() : QRect(); }
 
 void fullScreenRepaint() {
     if (fullScreenOn) fullScreenWindow->update();

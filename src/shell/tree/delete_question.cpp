@@ -5,11 +5,13 @@
 #include <QPushButton>
 #include <optional>
 
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/tree_rules.h"
 #include "shell/views/item_views.h"
+#include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -29,7 +31,7 @@ bool askDelete(const ItemEntry &item) {
 }
 
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
-    QMessageBox box(QMessageBox::Question, QString::fromLatin1(programTitle),
+    QMessageBox box(QMessageBox::Question, boxTitle(false),
                     textOf(Text::nameTakenThere, {utf8FromCalculator(moved.name)}), QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
     QPushButton *replace = mayReplace ? box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole) : nullptr;
@@ -50,6 +52,7 @@ void moveDropped(ItemId item, ItemId folder) {
     TakenAnswer answer = TakenAnswer::keepBoth;
     std::optional<ItemEntry> other = taken != noItem ? storeReadEntry(taken) : std::nullopt;
     if (other) answer = askNameTaken(*moved, other->kind == moved->kind);
+    const UndoGroup group(UndoAct::move);  // both come back together
     if (answer != TakenAnswer::cancel && storeMove(item, folder)) {
         // The old item goes only once the moved one is in its place.
         if (answer == TakenAnswer::replace) storeDelete(other->id);

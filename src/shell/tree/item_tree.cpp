@@ -37,15 +37,29 @@ constexpr int kindRole = Qt::UserRole + 1;  // the kind whose image an entry sho
 
 ItemId idOf(const QTreeWidgetItem *entry) { return entry->data(0, Qt::UserRole).toUInt(); }
 
-const char *const treeImageNames[] = {"program", "folder", "matrix", "backup",  "picture",
-                                      "screen",  "list",   "block",  "unknown", "function"};
+// A kind's image, and the word for it that a screen reader says.
+struct KindLook {
+    const char *image;
+    Text word;
+};
+
+constexpr KindLook kindLooks[] = {{"program", Text::kindProgram}, {"folder", Text::kindFolder},
+                                  {"matrix", Text::kindMatrix},   {"backup", Text::kindBackup},
+                                  {"picture", Text::kindPicture}, {"screen", Text::kindScreen},
+                                  {"list", Text::kindList},       {"block", Text::kindBlock},
+                                  {"unknown", Text::kindUnknown}, {"function", Text::kindFunction}};
 
 QIcon treeImage(ItemKind itemKind) {
     static std::unordered_map<int, QIcon> images;
     const int place = treeImageOfKind(itemKind);
     QIcon &image = images[place];
-    if (image.isNull())
-        image = QIcon(QStringLiteral(":/images/tree-%1.svg").arg(QString::fromLatin1(treeImageNames[place])));
+    if (!image.isNull()) return image;
+    // The same when selected: Qt's own picture for that is a blue on the blue of the line.
+    const QIcon drawn(QStringLiteral(":/images/tree-%1.svg").arg(QString::fromLatin1(kindLooks[place].image)));
+    for (const int scale : {1, 2, 3}) {
+        const QPixmap picture = drawn.pixmap(treeView->iconSize() * scale, 1.0);
+        for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected}) image.addPixmap(picture, mode);
+    }
     return image;
 }
 
@@ -118,6 +132,7 @@ void takeOutMoved(const TreeContent &content, std::vector<ItemId> &expanded) {
 
 void writeEntry(QTreeWidgetItem *item, const TreeEntry &entry) {
     item->setText(0, nameToQt(entry.name));
+    item->setData(0, Qt::AccessibleTextRole, spokenName(entry.name, entry.kind));
     const QVariant shownKind = item->data(0, kindRole);
     if (shownKind.isValid() && shownKind.toUInt() == entry.kind) return;
     item->setData(0, Qt::UserRole, entry.id);
@@ -188,6 +203,10 @@ void applySelection(QTreeWidgetItem *entry) {
 
 }  // namespace
 
+QString spokenName(const std::string &name, ItemKind itemKind) {
+    return nameToQt(name) + QStringLiteral(", ") + textOf(kindLooks[treeImageOfKind(itemKind)].word);
+}
+
 QTreeWidgetItem *treeEntryOf(ItemId id) {
     const auto found = entryOf.find(id);
     return found == entryOf.end() ? nullptr : found->second;
@@ -219,6 +238,8 @@ bool selectItem(ItemId id) {
     return left;
 }
 
+void showSelectedAgain() { selectItem(selectedItemId()); }
+
 void refreshTree() {
     graphicalRun([] {
         if (treeView == nullptr) return;
@@ -234,9 +255,9 @@ void refreshTreeWhenFree() {
     refreshNow();
 }
 
-void startLabelEdit(ItemId id) {
+void startLabelEdit(ItemId id, AfterEnter next) {
     refreshTreeWhenFree();
-    openLabelEditor(id);
+    openLabelEditor(id, next);
 }
 
 bool labelEditRunning() { return labelEditorOpen(); }

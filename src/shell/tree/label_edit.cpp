@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QPointer>
 #include <QScrollBar>
 #include <QTreeWidget>
@@ -11,6 +12,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/tree_rules.h"
+#include "shell/views/item_views.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -19,7 +21,8 @@ namespace {
 
 QPointer<QLineEdit> editor;
 ItemId editedItem = noItem;
-bool telling = false;  // a box about a refused name is open: the focus it takes is no end of the edit
+bool textComesNext = false;  // Enter goes on to the program's text
+bool telling = false;        // a box about a refused name is open: the focus it takes is no end of the edit
 
 constexpr int iconRoom = 20;  // pixels left of the text, for the image
 
@@ -66,6 +69,12 @@ void commit() {
     if (typed && renameItem(typed->item, calculatorFromUtf8(typed->name))) refreshTree();
 }
 
+void commitByEnter() {
+    const bool goesOn = textComesNext;
+    commit();
+    if (goesOn && editor == nullptr) focusView();
+}
+
 bool editorEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::ShortcutOverride) {
         event->accept();  // keys that are commands elsewhere belong to the text here
@@ -74,7 +83,7 @@ bool editorEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Escape) closeLabelEditor();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) commit();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) commitByEnter();
         return key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter;
     }
     if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason &&
@@ -86,11 +95,12 @@ bool editorEvent(QWidget *, QEvent *event) {
 
 }  // namespace
 
-void openLabelEditor(ItemId id) {
+void openLabelEditor(ItemId id, AfterEnter next) {
     closeLabelEditor();
     QTreeWidgetItem *entry = treeEntryOf(id);
     if (entry == nullptr) return;
     editedItem = id;
+    textComesNext = next == AfterEnter::view;
     treeView->scrollToItem(entry);
     editor = new QLineEdit(treeView->viewport());
     editor->setText(entry->text(0));
@@ -109,11 +119,13 @@ void openLabelEditor(ItemId id) {
 void closeLabelEditor() {
     if (editor == nullptr) return;
     QLineEdit *closing = editor;
+    // An edit that ended because the focus had gone elsewhere leaves it there.
+    const bool hadFocus = mainWindow->focusWidget() == closing;
     editor = nullptr;
     editedItem = noItem;
     closing->hide();
     closing->deleteLater();
-    treeView->setFocus();
+    if (hadFocus) treeView->setFocus();
     refreshTreeWhenFree();
 }
 

@@ -11,6 +11,7 @@
 #include "shell/commands/command_table.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/tree/item_tree.h"
+#include "shell/views/item_views.h"
 
 namespace numalink {
 
@@ -118,6 +119,17 @@ void goTo(QTreeWidgetItem *entry) {
     if (selectItem(idOf(entry))) treeView->scrollToItem(entry);
 }
 
+// Into what the entry shows; a folder opens or closes.
+void enterPressed() {
+    QTreeWidgetItem *entry = selectedEntry();
+    if (entry == nullptr) return;
+    if (entry->childIndicatorPolicy() == QTreeWidgetItem::ShowIndicator) {
+        entry->setExpanded(!entry->isExpanded());
+    } else {
+        focusView();
+    }
+}
+
 }  // namespace
 
 bool treeKeyPressed(const QKeyEvent &key) {
@@ -131,7 +143,7 @@ bool treeKeyPressed(const QKeyEvent &key) {
     if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0)
         return key.key() == Qt::Key_Space;
     if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
-        if (QTreeWidgetItem *entry = selectedEntry()) entry->setExpanded(!entry->isExpanded());
+        enterPressed();
         return true;
     }
     if (!key.text().isEmpty() && key.text().at(0).isPrint()) {

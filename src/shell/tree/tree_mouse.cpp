@@ -30,10 +30,13 @@ bool dragCanDrop = false;
 namespace {
 
 constexpr std::uint64_t blockAfterRightClick = 1000;  // milliseconds
+constexpr std::uint64_t comingBack = 250;             // milliseconds from the focus to the click that brought it
 
 ItemId pressedItem = noItem;
 QPoint pressedAt;
 bool pressedWasSelected = false;
+bool mayEditLabel = false;    // the press may be the first half of a click that edits the label
+std::uint64_t focusedAt = 0;  // tick
 ItemId dropTarget = noItem;
 
 ItemId idAt(const QPoint &place) {
@@ -123,6 +126,8 @@ void editAfterPause(ItemId item) {
 
 void leftPressed(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
+    // A click that comes back from elsewhere is no second click on the label.
+    mayEditLabel = treeView->hasFocus() && tickCount() - focusedAt >= comingBack;
     treeView->setFocus();
     if (onBranchMark(place)) toggleFolderAt(place);
     pressedItem = leftOfEntry(place) ? noItem : idAt(place);
@@ -139,7 +144,7 @@ void leftReleased(const QMouseEvent &event) {
     if (treeEntryOf(item) == nullptr) return;
     if (!pressedWasSelected) {
         selectItem(item);
-    } else if (idAt(place) == item && onEntry(place)) {
+    } else if (mayEditLabel && idAt(place) == item && onEntry(place)) {
         editAfterPause(item);
     }
 }
@@ -243,6 +248,7 @@ bool treeEvent(QWidget *, QEvent *event) {
         }
         return treeKeyPressed(key);
     }
+    if (event->type() == QEvent::FocusIn) focusedAt = tickCount();
     if ((event->type() == QEvent::FocusOut || event->type() == QEvent::WindowDeactivate) && dragActive) endDrag();
     return false;
 }

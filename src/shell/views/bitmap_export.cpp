@@ -3,13 +3,13 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QMainWindow>
-#include <optional>
 
 #include "drawing/bitmap_file.h"
 #include "drawing/item_picture.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
+#include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
@@ -17,10 +17,11 @@ namespace numalink {
 
 namespace {
 
-// A path that ends in .bmp, or nothing when cancelled. An existing file is asked for by the dialog.
+// A path that ends in .bmp, or nothing when cancelled. An existing file is asked about when it is written.
 QString askBitmapPath(const QString &itemName) {
     QFileDialog dialog(mainWindow);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.setNameFilter(textOf(Text::filterBitmaps) + QStringLiteral(" (*.bmp)"));
     dialog.setDefaultSuffix(QStringLiteral("bmp"));
     dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
@@ -29,14 +30,9 @@ QString askBitmapPath(const QString &itemName) {
 
 }  // namespace
 
-void tellFileResult(FileResult result, const std::string &path) {
-    if (result != FileResult::done) tellUser(fileTrouble(result), {path}, BoxIcon::error);
-}
-
 void saveSurface(const Surface &surface, const std::string &utf8Name) {
     const QString path = askBitmapPath(toQt(utf8Name));
-    if (path.isEmpty()) return;
-    tellFileResult(writeBitmapFile(QFile::encodeName(path).toStdString(), surface), path.toStdString());
+    if (!path.isEmpty()) writeUserFile(QFile::encodeName(path).toStdString(), bitmapBytes(surface), false);
 }
 
 int saveItemAsBitmap() {

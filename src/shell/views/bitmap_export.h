@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "platform/files.h"
 #include "platform/surface.h"
 
 namespace numalink {
@@ -12,8 +11,5 @@ namespace numalink {
 void saveSurface(const Surface &surface, const std::string &utf8Name);
 
 int saveItemAsBitmap();  // handler of the command table: for the selected item
-
-// The box for a file that could not be written or read; nothing for done.
-void tellFileResult(FileResult result, const std::string &path);
 
 }  // namespace numalink

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QTreeWidget>
 #include <algorithm>
 #include <utility>
 
@@ -16,6 +17,7 @@
 #include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
+#include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_window.h"
@@ -38,7 +40,7 @@ std::string matrixInfo;  // the status line of the matrix on view, without its p
 
 void showProgram(const StoredItem &item) {
     statusLine(StatusPart::item, Text::openingProgram);
-    programToView(item.data);
+    openProgram(item.id, item.data);
     takeOpenedProgram(item);
     lineNumberEdit->show();
     programEdit->show();
@@ -56,14 +58,29 @@ void scrollToPicked() {
                     rowHeight + (picked.row == 1 ? headHeight : 0));
 }
 
-// The value below a large table is out of sight: the status bar has it too.
-std::string pickedInfo() {
+std::string pickedValue() {
     const std::size_t place =
         static_cast<std::size_t>(picked.row - 1) * static_cast<std::size_t>(matrixOnView.columns) +
         static_cast<std::size_t>(picked.column - 1);
     if (place >= matrixOnView.values.size()) return {};
-    return "; " + std::to_string(picked.row) + ", " + std::to_string(picked.column) + ": " +
-           utf8FromCalculator(matrixPickedText(matrixOnView.values[place]));
+    return utf8FromCalculator(matrixPickedText(matrixOnView.values[place]));
+}
+
+// The value below a large table is out of sight: the status bar has it too.
+std::string pickedInfo() {
+    const std::string value = pickedValue();
+    if (value.empty()) return {};
+    return "; " + std::to_string(picked.row) + ", " + std::to_string(picked.column) + ": " + value;
+}
+
+void describeDrawn() {
+    const std::optional<ItemEntry> item = storeReadEntry(viewItemId);
+    if (!item) return;
+    const std::string value = isValuesKind(item->kind) ? pickedValue() : std::string();
+    const QString cell =
+        value.empty() ? QString()
+                      : textOf(Text::pickedCell, {std::to_string(picked.row), std::to_string(picked.column), value});
+    describeSurface(spokenName(item->name, item->kind), cell);
 }
 
 bool matrixKeys(const QKeyEvent &key) {
@@ -88,6 +105,7 @@ bool matrixKeys(const QKeyEvent &key) {
     picked.row = std::clamp(picked.row, 1, std::max(1, matrixOnView.rows));
     if (picked.row != before.row || picked.column != before.column) {
         redrawSurface();
+        describeDrawn();
         userInterface.statusText(StatusPart::item, Text::size, matrixInfo + pickedInfo());
     }
     scrollToPicked();
@@ -123,11 +141,14 @@ std::optional<Text> faultText(PictureFault fault) {
     return std::nullopt;
 }
 
+// Tells that there is a password, and neither its letters nor how many they are.
+constexpr char passwordMask[] = "••••";
+
 void infoToStatus(const StoredItem &item) {
     const std::string size = std::to_string(item.dataSize);
     const std::optional<ProgramInfo> info = isTextKind(item.kind) ? decodeProgramInfo(item.head) : std::nullopt;
     if (info && !info->password.empty()) {
-        statusLine(StatusPart::item, Text::sizeWithPassword, {size, utf8FromCalculator(info->password)});
+        statusLine(StatusPart::item, Text::sizeWithPassword, {size, passwordMask});
         return;
     }
     std::string line = wording(Text::size, {size});
@@ -139,7 +160,15 @@ void infoToStatus(const StoredItem &item) {
     userInterface.statusText(StatusPart::item, Text::size, line);
 }
 
+// What was discarded isn't come back to.
+void keepText() {
+    StoredItem item;
+    if (isTextKind(viewKind) && !programChanged() && storeReadEntry(viewItemId) && storeReadItem(viewItemId, item))
+        keepProgram(viewItemId, item.data);
+}
+
 void closeView() {
+    keepText();
     setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
@@ -161,11 +190,21 @@ bool leave(Leaving how) {
     return true;
 }
 
+bool escapeToTree(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::KeyPress || !treeView->isVisible()) return false;
+    const auto &key = *static_cast<QKeyEvent *>(event);
+    if (key.key() != Qt::Key_Escape || key.modifiers() != Qt::NoModifier) return false;
+    treeView->setFocus();
+    return true;
+}
+
 }  // namespace
 
 void connectViews() {
     connectProgramView();
     makeSurfaceView();
+    hookEvents(programEdit, escapeToTree);
+    hookEvents(containerWindow->focusProxy(), escapeToTree);
     makeEmulatorWindow();
     makeSymbolsWindow();
 }
@@ -194,7 +233,10 @@ int openSelectedItem() {
     userInterface.waitCursor(false);
     if (!read) return 1;
     if (isTextKind(item.kind)) showProgram(item);
-    if (isDrawnKind(item.kind)) showDrawn(item);
+    if (isDrawnKind(item.kind)) {
+        showDrawn(item);
+        describeDrawn();
+    }
     infoToStatus(item);
     return 1;
 }
@@ -209,6 +251,11 @@ bool reopenView() {
     putCaretAt(caret);
     if (hadFocus) programEdit->setFocus();
     return true;
+}
+
+void focusView() {
+    if (programEdit->isVisible()) programEdit->setFocus();
+    if (containerWindow->isVisible()) containerWindow->setFocus();
 }
 
 bool leaveCurrentView() { return leave(Leaving::view); }

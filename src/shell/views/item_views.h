@@ -17,6 +17,9 @@ int openSelectedItem();
 // Shows the selected item anew, with caret and focus where they were. False when the view can't be left.
 bool reopenView();
 
+// Gives the keyboard to the text or picture on view, if there is one. Escape there gives it back to the tree.
+void focusView();
+
 // True when the view is gone. Must be asked before anything changes the selection or the item on view. An edited
 // program is stored; where that can't be, the user goes back (false) or discards the changes.
 bool leaveCurrentView();

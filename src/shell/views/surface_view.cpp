@@ -96,6 +96,7 @@ void makeSurfaceView() {
     auto *layout = new QVBoxLayout(containerWindow);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(area);
+    containerWindow->setFocusProxy(area);
     hookEvents(picture, pictureEvent);
     hookEvents(area, areaEvent);
     zoom = 1;
@@ -128,6 +129,11 @@ void hideSurface() {
     containerWindow->hide();
     area->hide();
     forgetDrawing();
+}
+
+void describeSurface(const QString &name, const QString &detail) {
+    area->setAccessibleName(name);
+    area->setAccessibleDescription(detail);
 }
 
 void showSurfacePart(int x, int y, int width, int height) {

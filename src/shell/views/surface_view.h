@@ -2,6 +2,8 @@
 // thread only.
 #pragma once
 
+#include <QString>
+
 #include "platform/surface.h"
 
 class QKeyEvent;
@@ -24,6 +26,8 @@ void showSurface(Surface surface);
 void showSurfaceInParts(int width, int height, SurfacePart part, SurfaceKeys keys);
 void redrawSurface();  // its parts have changed
 void hideSurface();
+// What a screen reader says of the view: what is shown, and of a table the picked cell.
+void describeSurface(const QString &name, const QString &detail);
 
 // Scrolls until these dots are in sight.
 void showSurfacePart(int x, int y, int width, int height);

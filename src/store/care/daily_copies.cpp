@@ -1,14 +1,11 @@
 #include "store/care/daily_copies.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <vector>
 
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "platform/program_folder.h"
 #include "store/file/state.h"
 #include "store/item_store.h"
 
@@ -17,34 +14,7 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t blockSize = std::size_t{64} * 1024;  // bytes
-constexpr std::string_view dateForm = "storage-YYYY-MM-DD.dat";
-
 std::string copyName(const std::string &date) { return "storage-" + date + ".dat"; }
-
-bool isCopyName(const std::string &name) {
-    int year = 0;
-    unsigned month = 0, day = 0;
-    // NOLINTNEXTLINE(cert-err34-c): the widths keep the numbers small, and the name has to come out of them again
-    if (name.size() != dateForm.size() || std::sscanf(name.c_str(), "storage-%4d-%2u-%2u", &year, &month, &day) != 3)
-        return false;
-    char same[dateForm.size() + 1] = {};
-    std::snprintf(same, sizeof same, "storage-%04d-%02u-%02u.dat", year, month, day);
-    return name == same && (std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)).ok();
-}
-
-// By rising date.
-std::vector<std::string> copiesIn(const std::string &folder) {
-    std::vector<std::string> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder, error);
-    while (!error && entry != std::filesystem::directory_iterator()) {
-        std::string name = entry->path().filename().string();
-        if (isCopyName(name)) names.push_back(std::move(name));
-        entry.increment(error);
-    }
-    std::ranges::sort(names);
-    return names;
-}
 
 bool holdsSame(int copy) REQUIRES_LOCK(storeLock) {
     const std::int64_t size = storeFileSize();
@@ -80,7 +50,7 @@ bool libraryIsHalfChanged() {
 
 // Those beyond the limit, never today's. First those of days to come, then the oldest.
 void dropCopies(const std::string &folder, const std::string &today) {
-    std::vector<std::string> names = copiesIn(folder);
+    std::vector<std::string> names = dailyCopyNames();
     const std::size_t extra = names.size() - std::min(names.size(), dailyCopyLimit);
     const auto next = std::ranges::upper_bound(names, today);
     std::rotate(names.begin(), next, names.end());
@@ -92,7 +62,7 @@ void dropCopies(const std::string &folder, const std::string &today) {
 bool makeDailyCopy() {
     const std::string folder = dailyCopyFolder();
     const std::string today = copyName(clockPort.localDate());
-    const std::vector<std::string> names = copiesIn(folder);
+    const std::vector<std::string> names = dailyCopyNames();
     if (std::ranges::find(names, today) != names.end()) return true;
     const auto next = std::ranges::upper_bound(names, today);
     if (next != names.begin() && isLibraryAsItStands(folder + *(next - 1))) return true;
@@ -102,8 +72,6 @@ bool makeDailyCopy() {
 }
 
 }  // namespace
-
-std::string dailyCopyFolder() { return libraryFolder() + "backups/"; }
 
 bool keepDailyCopy() {
     if (!storeIsOpen() || storeIsDamaged()) return true;

@@ -1,15 +1,14 @@
 // Copies of the library in the folder backups/ beside it, storage-YYYY-MM-DD.dat: one a day, of the last ten days on
-// which the library had changed. Files with other names than a date gives are let be. To bring one back, put it in the
-// place of storage.dat while the program isn't running.
+// which the library had changed. Files with other names than a date gives are let be. restoreLibrary brings one back.
 #pragma once
 
-#include <string>
+#include <cstddef>
+
+#include "store/file/copy_names.h"
 
 namespace numalink {
 
 inline constexpr std::size_t dailyCopyLimit = 10;
-
-std::string dailyCopyFolder();
 
 // Makes today's copy when there is none and the library differs from the newest; copies beyond the limit go, the oldest
 // first, and ahead of them those of days to come, which some wrong clock has dated. Of a damaged library none is made,

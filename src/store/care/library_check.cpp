@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <set>
 
 #include "platform/program_folder.h"
 #include "store/file/check.h"
 #include "store/file/copy.h"
+#include "store/file/copy_names.h"
 
 namespace numalink {
 
@@ -21,6 +23,7 @@ struct Examined {
     std::vector<std::uint64_t> offsets;  // of the records found outside it
     std::vector<ItemHeader> found;       // their heads
     std::vector<Stretch> strays;
+    std::vector<std::size_t> shortened;  // slots of records from which bytes are missing
     std::uint64_t fileSize = 0;
 };
 
@@ -77,7 +80,7 @@ bool sizeIsCredible(const ItemHeader &head, std::uint64_t offset, std::uint64_t 
     if (end == limit || (limit - end >= sizeof itemSignature && signatureAt(end))) return true;
     const std::uint64_t last = std::min(limit, end + sizeof itemSignature - 1);
     SignatureSearch search{.limit = last, .block = {}};
-    for (std::uint64_t at = search.next(offset + sizeof head); at < last; at = search.next(at + 1)) {
+    for (std::uint64_t at = search.next(offset + sizeof itemSignature); at < last; at = search.next(at + 1)) {
         ItemHeader inner{};
         if (readHead(at, inner) && recordIsSound(inner, at, limit)) return false;
     }
@@ -106,46 +109,120 @@ bool isSameRecord(std::uint64_t one, std::uint64_t other, std::uint64_t size) RE
     return true;
 }
 
-// Looks through one stretch that no record of the table covers. ids: where the record of each id lies. One that has the
-// id of another, and isn't a copy of it, is kept beside it under an id of its own.
-void searchStretch(Examined &examined, std::map<ItemId, std::uint64_t> &ids, std::uint64_t from, std::uint64_t limit)
+// Takes a record for what lies ahead of another that was found within it.
+void shorten(Examined &examined, std::size_t slot, std::uint64_t size) {
+    ItemHeader &head = examined.slots[slot].head;
+    examined.shortened.push_back(slot);
+    head.dataSize = static_cast<std::uint32_t>(size - std::min<std::uint64_t>(size, sizeof head + head.headSize));
+    head.headSize = static_cast<std::uint32_t>(size - sizeof head - head.dataSize);
+}
+
+// Which records that the search comes upon are taken. Behind the end of the records lies what was deleted, unless the
+// head can't be believed: there, only one whose size the table has for one that is lost, as bytes that came into the
+// file push it on.
+struct Searched {
+    std::map<ItemId, std::uint64_t> ids;  // where the record of each id lies
+    std::uint64_t end = 0;                // of the records
+    std::set<std::uint64_t> lostSizes;    // by the table
+};
+
+bool isTaken(const Searched &searched, const ItemHeader &head, std::uint64_t at, std::uint64_t limit)
     REQUIRES_LOCK(storeLock) {
+    return recordIsSound(head, at, limit) &&
+           (at + recordSize(head) <= searched.end || searched.lostSizes.contains(recordSize(head))) &&
+           sizeIsCredible(head, at, limit) && payloadsReadable(head, at);
+}
+
+// Looks through one stretch, and gives where the last record that it has found ends. One that has the id of another,
+// and isn't a copy of it, is kept beside it under an id of its own.
+std::uint64_t searchStretch(Examined &examined, Searched &searched, std::uint64_t from, std::uint64_t limit)
+    REQUIRES_LOCK(storeLock) {
+    std::uint64_t end = from;
     SignatureSearch search{.limit = limit, .block = {}};
     for (std::uint64_t at = search.next(from); at < limit; at = search.next(at)) {
         ItemHeader head{};
-        if (!readHead(at, head) || !recordIsSound(head, at, limit) || !sizeIsCredible(head, at, limit) ||
-            !payloadsReadable(head, at)) {
+        if (!readHead(at, head) || !isTaken(searched, head, at, limit)) {
             at++;
             continue;
         }
-        const auto [same, ownId] = ids.emplace(head.id, at);
+        const auto [same, ownId] = searched.ids.emplace(head.id, at);
         if (ownId || !isSameRecord(same->second, at, recordSize(head))) {
             examined.offsets.push_back(at);
             examined.found.push_back(head);
             if (!ownId) examined.found.back().id = noItem;  // gets one of its own
         }
-        at += recordSize(head);
+        at = end = at + recordSize(head);
     }
+    return end;
 }
 
-// Behind the end of the records lies what was deleted, unless the head can't be believed.
+// Whether a record begins within these bytes.
+bool holdsRecord(const Searched &searched, std::uint64_t from, std::uint64_t to, std::uint64_t limit)
+    REQUIRES_LOCK(storeLock) {
+    SignatureSearch search{.limit = std::min(limit, to + sizeof itemSignature - 1), .block = {}};
+    for (std::uint64_t at = search.next(from + 1); at < search.limit; at = search.next(at + 1)) {
+        ItemHeader head{};
+        if (readHead(at, head) && isTaken(searched, head, at, limit)) return true;
+    }
+    return false;
+}
+
+// Whether what lies behind a record shows that its size is right: the end or another record, with none but deleted ones
+// ahead of it.
+bool isFollowed(const Examined &examined, std::uint64_t end) REQUIRES_LOCK(storeLock) {
+    ItemHeader next{};
+    while (readHead(end, next) && isDeleted(next) && recordSize(next) <= examined.fileSize - end)
+        end += recordSize(next);
+    return end == examined.main.endOffset || signatureAt(end);
+}
+
+// What the table makes of the sizes of those that are lost: from each to the next, or to the end of the records.
+std::set<std::uint64_t> lostSizes(const Examined &examined) {
+    std::set<std::uint64_t> places{examined.main.endOffset}, sizes;
+    const std::span<const std::uint32_t> offsets(examined.main.offsets, examined.slots.size());
+    places.insert(offsets.begin(), offsets.end());
+    for (std::size_t slot = 0; slot < offsets.size(); slot++) {
+        const auto next = places.upper_bound(offsets[slot]);
+        if (!examined.slots[slot].sound && next != places.end()) sizes.insert(*next - offsets[slot]);
+    }
+    return sizes;
+}
+
+// All that no record of the table covers; and within one that isn't followed as it should be, since bytes that are
+// missing from it have drawn the next ones into it. Then it is what lies ahead of them.
 void searchFile(Examined &examined, bool headLies) REQUIRES_LOCK(storeLock) {
-    std::map<ItemId, std::uint64_t> ids;
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> covered;
+    Searched searched;
+    std::vector<std::size_t> order;
     for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
         if (!examined.slots[slot].sound) continue;
-        ids.emplace(examined.slots[slot].head.id, examined.main.offsets[slot]);
-        covered.emplace_back(examined.main.offsets[slot], recordSize(examined.slots[slot].head));
+        searched.ids.emplace(examined.slots[slot].head.id, examined.main.offsets[slot]);
+        order.push_back(slot);
     }
-    std::ranges::sort(covered);
-    const std::uint64_t end =
-        headLies ? examined.fileSize : std::min<std::uint64_t>(examined.fileSize, examined.main.endOffset);
+    std::ranges::sort(order, {}, [&](std::size_t slot) { return examined.main.offsets[slot]; });
+    searched.end = headLies ? examined.fileSize : std::min<std::uint64_t>(examined.fileSize, examined.main.endOffset);
+    if (!headLies) searched.lostSizes = lostSizes(examined);
     std::uint64_t from = std::min<std::uint64_t>(sizeof(MainHeader), examined.fileSize);
-    for (const auto &[offset, size] : covered) {
-        searchStretch(examined, ids, from, offset);
-        from = offset + size;
+    for (std::size_t i = 0; i <= order.size(); i++) {
+        const bool last = i == order.size();
+        const std::uint64_t limit = last ? examined.fileSize : examined.main.offsets[order[i]];
+        searchStretch(examined, searched, std::min(from, limit), limit);
+        if (last) break;
+        ItemHeader &head = examined.slots[order[i]].head;
+        from = limit + recordSize(head);
+        if (isFollowed(examined, from)) continue;
+        const std::uint64_t next = i + 1 < order.size() ? examined.main.offsets[order[i + 1]] : examined.fileSize;
+        const std::size_t known = examined.found.size();
+        const bool headIsCut = holdsRecord(searched, limit, limit + sizeof head, next);
+        if (headIsCut) {
+            examined.slots[order[i]].sound = false;
+            searched.ids.erase(head.id);
+        }
+        from = std::max(from, searchStretch(examined, searched, limit + (headIsCut ? 1 : sizeof head), next));
+        if (headIsCut) continue;
+        const auto inner = std::span(examined.offsets).subspan(known);
+        if (!inner.empty() && inner.front() < limit + recordSize(head))
+            shorten(examined, order[i], inner.front() - limit);
     }
-    searchStretch(examined, ids, std::min(from, end), end);
 }
 
 CheckedRecord recordOf(const ItemHeader &head, std::uint64_t offset, RecordFate fate) {
@@ -168,9 +245,12 @@ void listRecords(const Examined &examined, LibraryCheck &check) {
     std::size_t room = storeSlotCount;
     for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
         const bool sound = examined.slots[slot].sound;
+        const bool shorter = std::ranges::find(examined.shortened, slot) != examined.shortened.end();
         if (sound) room--;
         check.records.push_back(recordOf(examined.slots[slot].head, examined.main.offsets[slot],
-                                         sound ? RecordFate::sound : RecordFate::lost));
+                                         shorter ? RecordFate::shortened
+                                         : sound ? RecordFate::sound
+                                                 : RecordFate::lost));
     }
     for (std::size_t i = 0; i < examined.found.size(); i++)
         check.records.push_back(
@@ -268,37 +348,50 @@ bool rewrite(const Examined &examined) REQUIRES_LOCK(storeLock) {
     return composeFile(examined, file) && storeFileKeepCopy() && storeJournalKeepTorn() && storeFileReplace(file);
 }
 
-void checkOpened(LibraryCheck &check, bool repair) REQUIRES_LOCK(storeLock) {
+// What is to be done with a library that isn't in order: nothing, or one of these.
+struct Care {
+    bool repair = false;
+    std::string copy = {};  // to put in its place
+};
+
+bool putInOrder(const Examined &examined, const Care &care) REQUIRES_LOCK(storeLock) {
+    if (care.copy.empty()) return rewrite(examined);
+    return (examined.fileSize == 0 || storeFileKeepCopy()) && storeJournalKeepTorn() && storeFileReplaceBy(care.copy);
+}
+
+void checkOpened(LibraryCheck &check, const Care &care) REQUIRES_LOCK(storeLock) {
+    const bool repair = care.repair || !care.copy.empty();
     Recovery recovery = storeFileRecover(repair);
     check.interrupted = recovery == Recovery::broughtBack;
     if (recovery == Recovery::foreign) check.otherJournal = repair ? storeJournalSetAside() : storeJournalPath();
     if (recovery == Recovery::foreign && check.otherJournal.empty()) recovery = Recovery::failed;
-    if (recovery == Recovery::unread || recovery == Recovery::failed) check.outcome = CheckOutcome::journalUnusable;
+    const bool unusable = recovery == Recovery::linked || recovery == Recovery::unread || recovery == Recovery::failed;
+    if (unusable) check.outcome = CheckOutcome::journalUnusable;
     const std::int64_t size = storeFileSize();
-    if (recovery == Recovery::unread || recovery == Recovery::failed || size < 0) return;
+    if (unusable || size < 0) return;
     Examined examined;
     examined.fileSize = static_cast<std::uint64_t>(size);
     const Text trouble = readMain(examined.main);
     check.headUsable = trouble == Text::none || trouble == Text::libraryTooNew;
     if (!check.headUsable) examined.main = {};
     check.outcome = CheckOutcome::checked;
-    if (size == 0) return;  // a new library, that the next start gives its head
-    examine(examined, check);
-    // A newer version may have written it, unless nothing but that number is out of order.
-    if (mayBeNewer(trouble, examined.main) && check.damage > 1) check.outcome = CheckOutcome::newer;
-    if (check.outcome != CheckOutcome::checked || !repair || check.damage == 0) return;
-    check.repaired = rewrite(examined);
+    if (size == 0 && care.copy.empty()) return;  // a new library, that the next start gives its head
+    if (size > 0) examine(examined, check);
+    check.perhapsNewer = mayBeNewer(trouble, examined.main);
+    // Unless nothing but that number is out of order.
+    const bool newer = check.perhapsNewer && (check.damage > 1 || !care.copy.empty());
+    if (newer) check.outcome = CheckOutcome::newer;
+    if (newer || !repair || (check.damage == 0 && size > 0)) return;
+    check.repaired = putInOrder(examined, care);
     if (!check.repaired) check.outcome = CheckOutcome::notWritten;
 }
 
-}  // namespace
-
-LibraryCheck checkLibrary(bool repair) {
+LibraryCheck lookAt(const std::string &path, const Care &care) {
     LibraryCheck check;
     const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         if (storeState.open) return Fault::absent;
-        const OpenResult opened = storeFileOpen(libraryFolder() + "storage.dat", false);
-        if (opened == OpenResult::opened) checkOpened(check, repair);
+        const OpenResult opened = storeFileOpen(path, !care.copy.empty());
+        if (opened == OpenResult::opened) checkOpened(check, care);
         if (opened == OpenResult::absent) check.outcome = CheckOutcome::absent;
         if (opened == OpenResult::heldByAnother) check.outcome = CheckOutcome::held;
         return Fault::none;
@@ -308,6 +401,41 @@ LibraryCheck checkLibrary(bool repair) {
     if (!storeState.open) storeFileClose();
     if (fault == Fault::noMemory) check.outcome = CheckOutcome::unreadable;
     return check;
+}
+
+std::string libraryPath() { return libraryFolder() + "storage.dat"; }
+
+}  // namespace
+
+LibraryCheck checkLibrary(bool repair) { return lookAt(libraryPath(), {.repair = repair}); }
+
+std::string newestSoundCopy() {
+    std::vector<std::string> names = dailyCopyNames();
+    for (auto name = names.rbegin(); name != names.rend(); name++) {
+        const LibraryCheck check = lookAt(dailyCopyFolder() + *name, {});
+        if (check.outcome == CheckOutcome::checked && check.headUsable && check.damage == 0)
+            return dailyCopyFolder() + *name;
+    }
+    return {};
+}
+
+std::string dateOfCopy(const std::string &path) {
+    constexpr std::size_t dateSize = 10, endingSize = 4;  // YYYY-MM-DD, .dat
+    return path.size() < dateSize + endingSize ? "" : path.substr(path.size() - dateSize - endingSize, dateSize);
+}
+
+LibraryCheck restoreLibrary() {
+    const std::string copy = newestSoundCopy();
+    if (!copy.empty()) return lookAt(libraryPath(), {.copy = copy});
+    LibraryCheck none;
+    none.outcome = CheckOutcome::noCopy;
+    return none;
+}
+
+bool libraryNeedsCopy() {
+    if (storeIsEmptied()) return true;
+    const LibraryCheck check = checkLibrary(false);
+    return check.outcome == CheckOutcome::checked && check.damage > 0 && !check.perhapsNewer;
 }
 
 }  // namespace numalink

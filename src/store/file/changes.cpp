@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <numeric>
+#include <utility>
 
 #include "store/file/copy.h"
 
@@ -82,7 +83,85 @@ void unmarkRecords(const std::vector<bool> &leaving, std::uint64_t end) REQUIRES
             changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
 }
 
+// The records by rising offset, and what the next change moves of them: count records from the first on, of size bytes
+// together, to place.
+struct GapMove {
+    const std::vector<std::size_t> &order;
+    std::size_t first = 0, count = 0;
+    std::uint64_t place = sizeof(MainHeader), size = 0;
+};
+
+// The next records behind a gap, as many as one change may move; none when there are no more.
+void nextBehindGap(GapMove &move) REQUIRES_LOCK(storeLock) {
+    move.first += std::exchange(move.count, 0);
+    move.place += std::exchange(move.size, 0);
+    while (move.first + move.count < move.order.size()) {
+        const std::size_t slot = move.order[move.first + move.count];
+        const std::uint64_t offset = storeState.main.offsets[slot], size = recordSize(storeState.slots[slot].head);
+        if (move.count > 0 && move.size + size > gapLimits.step) return;
+        if (move.count == 0 && (offset == move.place || size > gapLimits.step)) {
+            move.place = offset + size;
+            move.first++;
+        } else {
+            move.count++;
+            move.size += size;
+        }
+    }
+}
+
+// A deleted record of this size, as gaps are made of them.
+ItemHeader gapHead(std::uint64_t size) {
+    ItemHeader head{};
+    head.dataSize = static_cast<std::uint32_t>(size - sizeof head);
+    head.id = rootId + 1;
+    return head;
+}
+
+Fault endAt(std::uint64_t place) REQUIRES_LOCK(storeLock) {
+    if (place == storeState.main.endOffset) return Fault::none;
+    MainHeader main = storeState.main;
+    main.endOffset = static_cast<std::uint32_t>(place);
+    changeBegin();
+    changeWrite(0, bytesOf(main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault == Fault::none) storeState.main = main;
+    return fault;
+}
+
+// One change, behind which the gap lies ahead of the records that come next; behind the last ones is the end.
+Fault moveOne(GapMove &move) REQUIRES_LOCK(storeLock) {
+    nextBehindGap(move);
+    if (move.count == 0) return endAt(move.place);
+    StoreState next = storeState;
+    Bytes bytes(static_cast<std::size_t>(move.size));
+    std::size_t filled = 0;
+    for (const std::size_t slot : std::span(move.order).subspan(move.first, move.count)) {
+        const auto record =
+            std::span(bytes).subspan(filled, static_cast<std::size_t>(recordSize(next.slots[slot].head)));
+        if (!storeFileRead(next.main.offsets[slot], record)) return Fault::notWritten;
+        next.main.offsets[slot] = static_cast<std::uint32_t>(move.place + filled);
+        filled += record.size();
+    }
+    changeBegin();
+    const std::uint64_t end = move.place + move.size;
+    const bool last = move.first + move.count == move.order.size();
+    if (last) next.main.endOffset = static_cast<std::uint32_t>(end);
+    changeWrite(move.place, std::move(bytes));
+    if (!last) {
+        const std::uint64_t following = storeState.main.offsets[move.order[move.first + move.count]];
+        const ItemHeader gap = gapHead(following - end);
+        const auto *head = reinterpret_cast<const std::uint8_t *>(&gap);
+        changeWrite(end, Bytes(head, head + sizeof gap));
+    }
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault == Fault::none) storeState = std::move(next);
+    return fault;
+}
+
 }  // namespace
+
+GapLimits gapLimits;
 
 Bytes bytesOf(const MainHeader &main) {
     Bytes bytes(sizeof main);
@@ -107,6 +186,7 @@ Fault faultOf(ChangeResult result) {
 }
 
 Fault prepareChange() {
+    forgetRefusal();
     if (!storeState.open) return Fault::absent;
     if (storeState.damaged && !storeState.copied) storeState.copied = storeFileKeepCopy() && storeJournalKeepTorn();
     return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
@@ -137,30 +217,17 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
 
 Fault closeGaps() {
     if (!storeState.open || storeState.damaged) return Fault::absent;
-    StoreState next = storeState;
-    std::vector<std::size_t> order(next.slots.size());
+    forgetRefusal();
+    std::vector<std::size_t> order(storeState.slots.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::sort(order, {}, [&](std::size_t slot) { return next.main.offsets[slot]; });
-    std::uint64_t place = sizeof next.main, from = 0;
-    Bytes moved;  // all from the first gap on
-    for (const std::size_t slot : order) {
-        const std::uint64_t offset = next.main.offsets[slot], size = recordSize(next.slots[slot].head);
-        if (moved.empty()) from = place;
-        if (offset != place || !moved.empty()) {
-            moved.resize(moved.size() + static_cast<std::size_t>(size));
-            if (!storeFileRead(offset, std::span(moved).last(static_cast<std::size_t>(size)))) return Fault::notWritten;
-        }
-        next.main.offsets[slot] = static_cast<std::uint32_t>(place);
-        place += size;
+    std::ranges::sort(order, {},
+                      [](std::size_t slot) REQUIRES_LOCK(storeLock) { return storeState.main.offsets[slot]; });
+    std::uint64_t moved = 0;
+    for (GapMove move{order}; moved < gapLimits.all;) {
+        if (const Fault fault = moveOne(move); fault != Fault::none || move.count == 0) return fault;
+        moved += move.size;
     }
-    if (place == storeState.main.endOffset) return Fault::none;
-    next.main.endOffset = static_cast<std::uint32_t>(place);
-    changeBegin();
-    changeWrite(from, std::move(moved));
-    changeWrite(0, bytesOf(next.main));
-    const Fault fault = faultOf(changeCommit());
-    if (fault == Fault::none) storeState = std::move(next);
-    return fault;
+    return Fault::none;
 }
 
 Fault changeInPlace(std::span<const Patch> patches) {

@@ -20,9 +20,17 @@ struct NewRecord {
 Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId)
     REQUIRES_LOCK(storeLock);
 
-// Moves the records together, as one change of its own: at the end of a run, or when there is much to win. Until then a
-// record that goes leaves a gap, so that a small change stays a small one on the disk.
+// Moves the records together, at the end of a run, or when there is much to win. Until then a record that goes leaves a
+// gap, so that a small change stays a small one on the disk. It goes by changes of their own, each of which leaves a
+// library in order with the gap further on: so it takes little memory, and may end ahead of the last gap, which the
+// next end of a run goes on with.
 Fault closeGaps() REQUIRES_LOCK(storeLock);
+
+// Bytes of records that one such change moves, and one call in all. A record above the first stays where it is.
+struct GapLimits {
+    std::uint64_t step = std::uint64_t{8} << 20, all = std::uint64_t{256} << 20;
+};
+extern GapLimits gapLimits GUARDED_BY(storeLock);
 
 // Bytes of a record that are replaced where they lie; offset counts from the record's beginning.
 struct Patch {

@@ -53,8 +53,9 @@ std::uint32_t headFaults(const MainHeader &main, std::uint64_t fileSize, const s
 
 // The temporary folder is the one of that name at the top, of several the youngest. Any other folder of its kind bears
 // a wrong number, and what it holds must not go with the temporary folder's contents: an ordinary folder from here on.
-// How many those were.
-std::uint32_t demoteExtraTempFolders(std::vector<Slot> &slots) {
+// Nor does a folder ever wait in the temporary one: its parent's number is wrong, and it stands at the top from here
+// on. How many those were.
+std::uint32_t keepFromTemporary(std::vector<Slot> &slots) {
     std::vector<Slot *> folders;
     for (Slot &slot : slots)
         if (slot.sound && slot.head.kind == kind::temporaryFolder) folders.push_back(&slot);
@@ -62,8 +63,19 @@ std::uint32_t demoteExtraTempFolders(std::vector<Slot> &slots) {
         return slot->head.parent == rootId && nameOf(slot->head) == temporaryFolderName;
     };
     std::ranges::sort(folders, {}, [&](const Slot *slot) { return std::pair(isTemporary(slot), slot->head.id); });
-    if (!folders.empty() && isTemporary(folders.back())) folders.pop_back();
+    ItemId temporary = noItem;
+    if (!folders.empty() && isTemporary(folders.back())) {
+        temporary = folders.back()->head.id;
+        folders.pop_back();
+    }
     for (Slot *slot : folders) slot->head.kind = kind::folder;
+    for (Slot &slot : slots) {
+        if (temporary == noItem || !slot.sound || !isFolderKind(slot.head.kind) || slot.head.parent != temporary)
+            continue;
+        slot.head.parent = rootId;
+        if (std::ranges::find(folders, &slot) == folders.end()) folders.push_back(&slot);
+    }
+    for (Slot *slot : folders) slot->corrected = true;
     return static_cast<std::uint32_t>(folders.size());
 }
 
@@ -127,12 +139,12 @@ std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::ve
         slots[slot].sound = slots[slot].sound && recordIsSound(slots[slot].head, main.offsets[slot], fileSize);
     markOverlaps(main, slots);
     markDoubledIds(slots);
-    const std::uint32_t wrongKinds = demoteExtraTempFolders(slots);
+    const std::uint32_t wrongNumbers = keepFromTemporary(slots);
     // A count that lies says nothing of how many slots are used: what follows the last sound one is none.
     if (main.itemCount > storeSlotCount)
         while (!slots.empty() && !slots.back().sound) slots.pop_back();
     const auto unsound = std::ranges::count(slots, false, &Slot::sound);
-    return static_cast<std::uint32_t>(unsound) + wrongKinds + headFaults(main, fileSize, slots) +
+    return static_cast<std::uint32_t>(unsound) + wrongNumbers + headFaults(main, fileSize, slots) +
            static_cast<std::uint32_t>(foldersInCircle(slots).size());
 }
 

@@ -12,7 +12,7 @@ namespace numalink {
 // Marks in slots what isn't sound, and gives the number of places with damage, 0 when all is well. slots holds a
 // head for each slot of main, unsound where it couldn't be read. A circle of parents counts as damage, and its
 // folders stay usable, so that they can be dragged out of it or deleted. So does a second temporary folder, which stays
-// usable as an ordinary one.
+// usable as an ordinary one, and a folder in the temporary one, which stays usable at the top.
 std::uint32_t checkStore(const MainHeader &main, std::uint64_t fileSize, std::vector<Slot> &slots);
 
 // Whether a record can lie at this offset, by its head and the file's size alone.

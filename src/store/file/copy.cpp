@@ -21,15 +21,15 @@ bool readForCopy(std::uint64_t at, std::span<std::uint8_t> block, bool holes) RE
     return true;
 }
 
-bool copyInto(int target, bool holes) REQUIRES_LOCK(storeLock) {
-    const std::int64_t known = storeFileSize();
+// All that read(at, block) gives of a file of known size, or false.
+template <typename Read>
+bool copyInto(int target, std::int64_t known, Read read) {
     if (known < 0) return false;
     const auto size = static_cast<std::uint64_t>(known);
     Bytes block(blockSize);
     for (std::uint64_t at = 0; at < size; at += block.size()) {
         block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, size - at)));
-        if (!readForCopy(at, block, holes) || filePort.writeAt(target, at, block.data(), block.size()) != block.size())
-            return false;
+        if (!read(at, block) || filePort.writeAt(target, at, block.data(), block.size()) != block.size()) return false;
     }
     return true;
 }
@@ -40,7 +40,7 @@ bool makeWhole(const std::string &path, Fill fill) REQUIRES_LOCK(storeLock) {
     const std::string made = path + "-new";
     int file = noFile;
     filePort.remove(made.c_str());  // of a copy that was cut short, or a link to elsewhere
-    if (filePort.openLocked(made.c_str(), true, file) != OpenResult::opened) return false;
+    if (filePort.openOwn(made.c_str(), true, file) != OpenResult::opened) return false;
     storeFileGiveRights(file);
     const bool filled = filePort.cut(file, 0) && fill(file) && filePort.sync(file);
     filePort.close(file);
@@ -50,7 +50,11 @@ bool makeWhole(const std::string &path, Fill fill) REQUIRES_LOCK(storeLock) {
 }
 
 bool copyTo(const std::string &path, bool holes) REQUIRES_LOCK(storeLock) {
-    return makeWhole(path, [&](int file) REQUIRES_LOCK(storeLock) { return copyInto(file, holes); });
+    return makeWhole(path, [&](int file) REQUIRES_LOCK(storeLock) {
+        return copyInto(file, storeFileSize(),
+                        [&](std::uint64_t at, std::span<std::uint8_t> block)
+                            REQUIRES_LOCK(storeLock) { return readForCopy(at, block, holes); });
+    });
 }
 
 }  // namespace
@@ -71,6 +75,18 @@ bool storeFileCopyTo(const std::string &path) { return copyTo(path, false); }
 bool storeFileReplace(ByteView bytes) {
     return makeWhole(storeFilePath(),
                      [&](int file) { return filePort.writeAt(file, 0, bytes.data(), bytes.size()) == bytes.size(); });
+}
+
+bool storeFileReplaceBy(const std::string &path) {
+    int source = noFile;
+    if (filePort.openLocked(path.c_str(), false, source) != OpenResult::opened) return false;
+    const bool done = makeWhole(storeFilePath(), [&](int file) {
+        return copyInto(file, filePort.size(source), [&](std::uint64_t at, std::span<std::uint8_t> block) {
+            return filePort.readAt(source, at, block.data(), block.size()) == block.size();
+        });
+    });
+    filePort.close(source);
+    return done;
 }
 
 }  // namespace numalink

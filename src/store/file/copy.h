@@ -15,5 +15,7 @@ bool storeFileCopyTo(const std::string &path) REQUIRES_LOCK(storeLock);
 // A new file of these bytes in the place of storage.dat: it, or the old one, whole. The store goes on with the old one,
 // and is to be closed next.
 bool storeFileReplace(ByteView bytes) REQUIRES_LOCK(storeLock);
+// The same with what the file at this path holds.
+bool storeFileReplaceBy(const std::string &path) REQUIRES_LOCK(storeLock);
 
 }  // namespace numalink

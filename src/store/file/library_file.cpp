@@ -16,6 +16,8 @@ constexpr int keptJournalLimit = 1000;
 // Bytes of entries in a journal: all that a library can hold, its sums, and room to spare. More is none of ours, and
 // isn't taken into memory.
 constexpr std::uint64_t journalLimit = std::uint64_t{5} << 30;
+// Bytes that the journal keeps as long as it lies there: with the disk full meanwhile, deleting goes on.
+constexpr std::size_t journalReserve = std::size_t{16} * 1024;
 
 struct Write {
     std::uint64_t offset;
@@ -36,6 +38,32 @@ struct StoreFile {
     std::vector<Write> writes;  // of the change that is being handed over
 };
 StoreFile store GUARDED_BY(storeLock);
+thread_local Refusal refusal;
+
+// Keeps the cause of what has just failed; gives what it is given.
+bool noted(bool done) {
+    if (done) return true;
+    switch (filePort.lastFault()) {
+        case FileFault::full:
+            refusal.cause = RefusalCause::full;
+            break;
+        case FileFault::denied:
+            refusal.cause = RefusalCause::denied;
+            break;
+        case FileFault::unreadable:
+            refusal.cause = RefusalCause::disk;
+            break;
+        case FileFault::other:
+            refusal.cause = RefusalCause::unknown;
+            break;
+    }
+    return false;
+}
+
+bool notedRead(bool done) {
+    if (!done) refusal.cause = RefusalCause::disk;
+    return done;
+}
 
 bool writeAll(int file, std::uint64_t offset, ByteView bytes) {
     return filePort.writeAt(file, offset, bytes.data(), bytes.size()) == bytes.size();
@@ -96,14 +124,26 @@ void retireJournal() REQUIRES_LOCK(storeLock) {
     filePort.writeAt(store.journal, 0, nothing, sizeof nothing);
 }
 
+// Should it fail, there is less room to go on with.
+void reserveJournal() REQUIRES_LOCK(storeLock) {
+    const std::int64_t size = filePort.size(store.journal);
+    if (size < 0 || static_cast<std::uint64_t>(size) >= journalReserve) return;
+    const auto from = static_cast<std::size_t>(size);
+    writeAll(store.journal, from, Bytes(journalReserve - from));
+}
+
 bool openJournal() REQUIRES_LOCK(storeLock) {
     if (store.journal == noFile) {
-        if (filePort.openLocked(storeJournalPath().c_str(), true, store.journal) != OpenResult::opened) return false;
+        const OpenResult opened = filePort.openOwn(storeJournalPath().c_str(), true, store.journal);
+        if (opened != OpenResult::opened) noted(false);
+        if (opened == OpenResult::linked) refusal.cause = RefusalCause::linked;
+        if (opened != OpenResult::opened) return false;
         filePort.giveRights(store.file, store.journal);
+        reserveJournal();
     }
     // The names of both files, and the cut at the end of the run before: a piece behind the file's end is told from
     // what another file has there by its zero bytes.
-    if (!store.ready) store.ready = filePort.syncFolder(store.path.c_str()) && filePort.sync(store.file);
+    if (!store.ready) store.ready = noted(filePort.syncFolder(store.path.c_str()) && filePort.sync(store.file));
     return store.ready;
 }
 
@@ -142,8 +182,11 @@ bool isAsRemembered(std::uint64_t size, const Bytes &head) REQUIRES_LOCK(storeLo
 
 bool writeJournal(ByteView journal) REQUIRES_LOCK(storeLock) {
     store.torn = false;
-    if (writeAll(store.journal, 0, journal) && filePort.sync(store.journal)) return true;
-    filePort.cut(store.journal, 0);  // gives the room back on a full disk
+    if (noted(writeAll(store.journal, 0, journal) && filePort.sync(store.journal))) return true;
+    // Gives the room back on a full disk.
+    retireJournal();
+    const std::int64_t grown = filePort.size(store.journal);
+    if (grown < 0 || static_cast<std::uint64_t>(grown) > journalReserve) filePort.cut(store.journal, journalReserve);
     return false;
 }
 
@@ -196,8 +239,9 @@ std::optional<Bytes> readJournal() REQUIRES_LOCK(storeLock) {
 }
 
 Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
-    const OpenResult there = filePort.openLocked(storeJournalPath().c_str(), false, store.journal);
+    const OpenResult there = filePort.openOwn(storeJournalPath().c_str(), false, store.journal);
     if (there == OpenResult::absent) return Recovery::nothing;
+    if (there == OpenResult::linked) return Recovery::linked;
     const std::optional<Bytes> bytes = there == OpenResult::opened ? readJournal() : std::nullopt;
     if (!bytes) return Recovery::unread;
     JournalHead head{};
@@ -254,7 +298,7 @@ void storeFileCut(std::uint64_t size) {
 Recovery storeFileRecover(bool apply) {
     store.broken = true;  // whatever ends the work half-way leaves the journal
     const Recovery result = recover(apply);
-    store.broken = !apply || result == Recovery::unread || result == Recovery::failed || result == Recovery::foreign;
+    store.broken = !apply || (result != Recovery::nothing && result != Recovery::broughtBack);
     rememberFile();
     return result;
 }
@@ -277,6 +321,9 @@ std::string storeJournalSetAside() {
 
 bool storeJournalKeepTorn() { return !store.torn || !storeJournalSetAside().empty(); }
 
+const Refusal &lastRefusal() { return refusal; }
+void forgetRefusal() { refusal = {}; }
+
 void changeBegin() { store.writes.clear(); }
 void changeWrite(std::uint64_t offset, Bytes bytes) { store.writes.push_back({offset, std::move(bytes)}); }
 
@@ -290,15 +337,19 @@ ChangeResult changeCommit() {
     const std::uint64_t size = static_cast<std::uint64_t>(found);
     std::vector<Region> regions;
     Bytes oldMain;
-    if (found < 0 || !gatherRegions(size, regions) || !readMainHead(size, oldMain)) return ChangeResult::refused;
+    if (found < 0 || !notedRead(gatherRegions(size, regions) && readMainHead(size, oldMain)))
+        return ChangeResult::refused;
     store.writes.clear();
     store.replaced = !isAsRemembered(size, oldMain);
     if (store.replaced) return ChangeResult::replaced;
     Bytes head = headWith(oldMain, regions);
-    if (!openJournal() || !writeJournal(encodeJournal(regions, size, oldMain))) return ChangeResult::refused;
+    const Bytes journal = encodeJournal(regions, size, oldMain);
+    refusal.room = journal.size();
+    for (const Region &region : regions) refusal.room += region.now.size() - region.old.size();
+    if (!openJournal() || !writeJournal(journal)) return ChangeResult::refused;
     for (const Region &region : regions)
-        if (!writeAll(store.file, region.offset, region.now)) return takeBack(regions, size, region.offset == 0);
-    if (!filePort.sync(store.file)) return takeBack(regions, size, false);
+        if (!noted(writeAll(store.file, region.offset, region.now))) return takeBack(regions, size, region.offset == 0);
+    if (!noted(filePort.sync(store.file))) return takeBack(regions, size, false);
     retireJournal();
     // Nothing from here on may fail: the change is made.
     store.knownHead = std::move(head);

@@ -37,6 +37,7 @@ enum class Recovery {
     nothing,      // no change was interrupted
     broughtBack,  // one was, and its old bytes are in the file again
     foreign,      // a journal whose bytes belong to another file: to be set aside, and the file can be used
+    linked,       // a link lies in the journal's place, symbolic or of another name for the same file: it can't be used
     unread,  // a journal that can't be read, or not by this version: what the file lacks isn't known; it can't be used
     failed   // the old bytes could not be brought back: the same, and the journal stays
 };
@@ -50,11 +51,26 @@ bool storeJournalKeepTorn() REQUIRES_LOCK(storeLock);
 
 enum class ChangeResult {
     done,
-    refused,      // nothing has changed
+    refused,      // nothing has changed; lastRefusal tells why
     headRefused,  // the same, and it was the head record that couldn't be written
     broken,       // the old state could not be brought back: no more changes until the file is opened anew
     replaced      // nothing has changed, as a name leads to another file than the open one: no more changes either
 };
+
+// Why the last change of this thread was refused.
+enum class RefusalCause {
+    unknown,
+    full,    // the disk has no room
+    denied,  // no right to write
+    disk,    // it doesn't give or take bytes
+    linked   // the journal's place is taken by a link
+};
+struct Refusal {
+    RefusalCause cause = RefusalCause::unknown;
+    std::uint64_t room = 0;  // bytes that the change takes on the disk meanwhile
+};
+const Refusal &lastRefusal();
+void forgetRefusal();
 
 void changeBegin() REQUIRES_LOCK(storeLock);
 void changeWrite(std::uint64_t offset, Bytes bytes) REQUIRES_LOCK(storeLock);  // a later one covers an earlier one

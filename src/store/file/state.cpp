@@ -24,7 +24,6 @@ constexpr FaultText faultTexts[] = {
     {Fault::noFolder, Text::storeNoFolder},
     {Fault::intoItself, Text::storeIntoItself},
     {Fault::tooLarge, Text::storeTooLarge},
-    {Fault::notWritten, Text::storeNotWritten},
     {Fault::broken, Text::storeBroken},
     {Fault::replaced, Text::storeReplaced},
     {Fault::itemUnread, Text::storeItemUnread},
@@ -32,17 +31,36 @@ constexpr FaultText faultTexts[] = {
     {Fault::noMemory, Text::storeNoMemory},
 };
 
+struct RefusalText {
+    RefusalCause cause;
+    Text text;
+};
+constexpr RefusalText refusalTexts[] = {
+    {RefusalCause::full, Text::storeDiskFull},      {RefusalCause::denied, Text::storeDenied},
+    {RefusalCause::disk, Text::storeDiskFailed},    {RefusalCause::linked, Text::storeJournalLinked},
+    {RefusalCause::unknown, Text::storeNotWritten},
+};
+
+// Why this thread's last change was refused, and what comes next.
+bool tellRefusal() {
+    constexpr std::uint64_t kilobyte = 1024, spare = 8 * kilobyte;  // as disks give room in blocks
+    const std::uint64_t room = (lastRefusal().room + spare) / kilobyte;
+    for (const RefusalText &row : refusalTexts)
+        if (row.cause == lastRefusal().cause) return failWith(row.text, {std::to_string(room)});
+    return false;
+}
+
 // How many codes a name of this kind may have.
 std::size_t nameLimitOf(ItemKind itemKind) { return isTextKind(itemKind) ? programNameLimit : storeNameLimit; }
 
-// Whether deleted records, and nothing else, fill the stretch: they have lost their signature and kept their sizes.
+// Whether deleted records, and nothing else, fill the stretch.
 bool isGap(const Stretch &stretch) REQUIRES_LOCK(storeLock) {
     std::uint64_t at = stretch.from;
     while (at < stretch.to) {
         ItemHeader head{};
         if (stretch.to - at < sizeof head || !storeFileRead(at, {reinterpret_cast<std::uint8_t *>(&head), sizeof head}))
             return false;
-        if (std::ranges::any_of(head.signature, [](char code) { return code != 0; }) || head.id <= rootId) return false;
+        if (!isDeleted(head)) return false;
         at += recordSize(head);
     }
     return at == stretch.to;
@@ -54,6 +72,7 @@ bool tellStoreFault(Fault fault) {
     if (fault == Fault::none) return true;
     try {
         if (fault == Fault::headNotWritten) return failWith(Text::libraryHeadNotWritten);
+        if (fault == Fault::notWritten) return tellRefusal();
         for (const FaultText &row : faultTexts)
             if (row.fault == fault) return failWith(row.text);
     } catch (const std::bad_alloc &) {
@@ -72,6 +91,10 @@ bool isFolderId(ItemId id) {
     if (id == rootId) return true;
     const std::size_t slot = slotOfId(id);
     return slot != noSlot && isFolderKind(storeState.slots[slot].head.kind);
+}
+
+bool isDeleted(const ItemHeader &head) {
+    return std::ranges::all_of(head.signature, [](char code) { return code == 0; }) && head.id > rootId;
 }
 
 MainHeader emptyMain() {

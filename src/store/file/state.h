@@ -2,8 +2,9 @@
 // is told once the lock is free. Only store/ includes this. The caller holds storeLock throughout.
 //
 // Invariants between any two operations while the store is open:
-//   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file but for the kind of a second
-//       temporary folder, which is an ordinary one here; main.itemCount is their number.
+//   (1) slots[i] is the head of the record at main.offsets[i], as it lies in the file, but for a corrected one's kind
+//   and
+//       parent; main.itemCount is their number.
 //   (2) main is what the file's first 8032 bytes hold, unless opening found damage and nothing was changed since.
 //   (3) In an undamaged file no two records overlap, and all lie between 8032 and main.endOffset. What else lies there
 //       (gaps, until the end of the run) are deleted records, one behind the other, without their signature.
@@ -22,7 +23,8 @@ namespace numalink {
 
 struct Slot {
     ItemHeader head{};
-    bool sound = true;  // a record with damage keeps its slot, and no operation sees it
+    bool sound = true;       // a record with damage keeps its slot, and no operation sees it
+    bool corrected = false;  // a folder whose kind or parent in the file would empty it with the temporary folder
 };
 
 struct StoreState {
@@ -76,11 +78,15 @@ Text readMain(MainHeader &main) REQUIRES_LOCK(storeLock);
 // Whether a newer version may have written what readMain gave this text for. Above its limit the number is damage.
 bool mayBeNewer(Text trouble, const MainHeader &main);
 void readSlots(const MainHeader &main, std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
+// Whether the head is one of a deleted record: it has lost its signature and kept its sizes.
+bool isDeleted(const ItemHeader &head);
 // Stretches that neither a record of the table nor deleted ones explain: a record that the table has lost, or the rest
 // of one whose size says too little. In a file without damage there are none.
 struct Stretch;
 std::vector<Stretch> strayStretches(const MainHeader &main, const std::vector<Slot> &slots) REQUIRES_LOCK(storeLock);
 bool isFolderId(ItemId id) REQUIRES_LOCK(storeLock);  // the root is one
+// Whether it is that folder or lies below it. A circle of parents ends after as many steps as there are items.
+bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock);
 ItemEntry entryOf(const ItemHeader &head);
 
 // The sound record of the lowest id that fits, or noSlot.
@@ -107,7 +113,8 @@ std::string freeName(std::string_view name, ItemId parent, ItemKind itemKind,
 Fault addItem(const NewItem &item, ItemId &id, std::string *renamed = nullptr) REQUIRES_LOCK(storeLock);
 // Folders one within the other, the first of them under parent; id is the last one's.
 Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) REQUIRES_LOCK(storeLock);
-Fault resetTemp() REQUIRES_LOCK(storeLock);
+// Empties the temporary folder but for those, and makes it anew when nothing of them lies in it.
+Fault resetTemp(const std::vector<ItemId> &kept = {}) REQUIRES_LOCK(storeLock);
 bool tempIsFresh() REQUIRES_LOCK(storeLock);  // one temporary folder at the top, and nothing in it
 Fault readItem(ItemId id, StoredItem &item) REQUIRES_LOCK(storeLock);
 // Marks the item and all that it holds at any depth. A circle of parents ends where everything is marked.

@@ -1,6 +1,7 @@
 // The operations on single items: reading, adding, storing again, altering in place, deleting.
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "calculator/program_info.h"
 #include "store/file/changes.h"
@@ -38,21 +39,24 @@ std::vector<bool> marked(std::size_t slot) REQUIRES_LOCK(storeLock) {
     return marks;
 }
 
-bool liesWithin(ItemId id, ItemId folder) REQUIRES_LOCK(storeLock) {
-    for (std::size_t steps = 0; steps <= storeState.slots.size(); steps++) {
-        if (id == folder) return true;
-        const std::size_t slot = slotOfId(id);
-        if (slot == noSlot) return false;
-        id = storeState.slots[slot].head.parent;
-    }
-    return false;
+// Whether an item of this kind can have this parent: a folder, which the temporary one is for items alone.
+bool mayLieIn(ItemKind itemKind, ItemId parent) REQUIRES_LOCK(storeLock) {
+    if (!isFolderId(parent)) return false;
+    const std::size_t slot = slotOfId(parent);
+    return !isFolderKind(itemKind) || slot == noSlot || storeState.slots[slot].head.kind != kind::temporaryFolder;
 }
 
 Fault parentFault(std::size_t slot, ItemId newParent) REQUIRES_LOCK(storeLock) {
     const ItemHeader &head = storeState.slots[slot].head;
     if (newParent == head.parent) return Fault::none;
-    if (!isFolderId(newParent)) return Fault::noFolder;
+    if (!mayLieIn(head.kind, newParent)) return Fault::noFolder;
     return isFolderKind(head.kind) && liesWithin(newParent, head.id) ? Fault::intoItself : Fault::none;
+}
+
+// Ends a change: its step is kept once it is done.
+Fault keptOnceDone(Fault fault, UndoStep step) REQUIRES_LOCK(storeLock) {
+    if (fault == Fault::none) keepUndoStep(std::move(step));
+    return fault;
 }
 
 Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
@@ -62,8 +66,13 @@ Fault writeItem(ItemId id, const NewItem &item) REQUIRES_LOCK(storeLock) {
     if (const Fault fault = parentFault(slot, item.parent); fault != Fault::none) return fault;
     const bool becomesFolder = isFolderKind(item.kind) && !isFolderKind(storeState.slots[slot].head.kind);
     if (becomesFolder && liesWithin(item.parent, id)) return Fault::intoItself;
+    if (!mayLieIn(item.kind, item.parent) && becomesFolder) return Fault::noFolder;
     const NewRecord record{makeHead(item, storedName(item.name), id), item.head, item.data};
-    return changeRecords(marked(slot), {&record, 1}, storeState.main.nextId);
+    const Becoming becoming{
+        .name = storedName(item.name), .parent = item.parent, .kind = item.kind, .head = item.head, .data = item.data};
+    UndoStep step = newUndoStep(UndoAct::edit, storedName(item.name));
+    if (const Fault fault = noteBecoming(slot, becoming, step); fault != Fault::none) return fault;
+    return keptOnceDone(changeRecords(marked(slot), {&record, 1}, storeState.main.nextId), std::move(step));
 }
 
 // The first id from this one on that a new item may have, or noItem when all are used up: in a sound library that is
@@ -85,11 +94,6 @@ bool changeItem(ItemId id, Change change) {
     }));
 }
 
-Fault patchOne(std::size_t slot, std::size_t offset, ByteView bytes) REQUIRES_LOCK(storeLock) {
-    const Patch patch{slot, offset, {bytes.begin(), bytes.end()}};
-    return changeInPlace({&patch, 1});
-}
-
 Patch numberPatch(std::size_t slot, std::size_t offset, std::uint32_t value) {
     Patch patch{slot, offset, Bytes(sizeof value)};
     writeLittle32(patch.bytes, 0, value);
@@ -102,7 +106,7 @@ Fault addItems(const std::vector<NewItem> &items, std::vector<ItemId> &ids) REQU
     for (const NewItem &item : items) {
         const ItemId id = freshId(nextId);
         if (id == noItem) return Fault::full;
-        if (!isFolderId(item.parent)) return Fault::noFolder;
+        if (!mayLieIn(item.kind, item.parent)) return Fault::noFolder;
         if (!fitsRecord(item)) return Fault::tooLarge;
         records.push_back({makeHead(item, storedName(item.name), id), item.head, item.data});
         ids.push_back(id);
@@ -113,17 +117,35 @@ Fault addItems(const std::vector<NewItem> &items, std::vector<ItemId> &ids) REQU
 
 Fault moveItems(std::span<const ItemMove> moves) REQUIRES_LOCK(storeLock) {
     std::vector<Patch> patches;
+    UndoStep step = newUndoStep(UndoAct::move, "");
     for (const ItemMove &move : moves) {
         const std::size_t slot = slotOfId(move.id);
         if (slot == noSlot) return Fault::absent;
+        if (step.name.empty()) step.name = entryOf(storeState.slots[slot].head).name;
         // Two folders moved at once could come to hold each other, each move being sound by itself.
         if (moves.size() > 1 && isFolderKind(storeState.slots[slot].head.kind)) return Fault::intoItself;
         if (const Fault fault = parentFault(slot, move.newParent); fault != Fault::none) return fault;
+        if (const Fault fault = noteBecoming(slot, {.parent = move.newParent}, step); fault != Fault::none)
+            return fault;
         patches.push_back(numberPatch(slot, offsetof(ItemHeader, parent), move.newParent));
     }
     const Fault fault = changeInPlace(patches);
     if (fault == Fault::none) storeState.arrivals++;
-    return fault;
+    return keptOnceDone(fault, std::move(step));
+}
+
+Fault deleteItems(std::span<const ItemId> ids) REQUIRES_LOCK(storeLock) {
+    std::vector<bool> leaving(storeState.slots.size());
+    UndoStep step = newUndoStep(UndoAct::deletion, "");
+    for (const ItemId id : ids) {
+        const std::size_t slot = slotOfId(id);
+        if (slot == noSlot) return Fault::absent;
+        if (leaving[slot]) continue;  // it goes with a folder of the list
+        if (step.name.empty()) step.name = entryOf(storeState.slots[slot].head).name;
+        if (const Fault fault = noteLeaving(slot, step); fault != Fault::none) return fault;
+        markWithContents(leaving, slot);
+    }
+    return keptOnceDone(changeRecords(leaving, {}, storeState.main.nextId), std::move(step));
 }
 
 template <typename Fits>
@@ -140,6 +162,16 @@ std::vector<ItemEntry> entriesWhere(Fits fits) {
 }
 
 }  // namespace
+
+bool liesWithin(ItemId id, ItemId folder) {
+    for (std::size_t steps = 0; steps <= storeState.slots.size(); steps++) {
+        if (id == folder) return true;
+        const std::size_t slot = slotOfId(id);
+        if (slot == noSlot) return false;
+        id = storeState.slots[slot].head.parent;
+    }
+    return false;
+}
 
 void renameProgram(Bytes &head, std::string_view name) {
     if (head.size() != programInfoSize) return;
@@ -176,8 +208,10 @@ Fault readItem(ItemId id, StoredItem &item) {
     const bool whole = storeFileRead(offset, {reinterpret_cast<std::uint8_t *>(&inFile), sizeof inFile}) &&
                        storeFileRead(offset + sizeof head, read.head) &&
                        storeFileRead(offset + sizeof head + head.headSize, read.data);
-    // Opening has taken a second temporary folder for an ordinary one.
-    if (head.kind == kind::folder && inFile.kind == kind::temporaryFolder) inFile.kind = kind::folder;
+    if (storeState.slots[slot].corrected) {
+        inFile.kind = head.kind;
+        inFile.parent = head.parent;
+    }
     // Another head than the one in memory: somebody has written to the file in spite of its lock.
     if (!whole || std::memcmp(&inFile, &head, sizeof head) != 0) return Fault::itemUnread;
     item = std::move(read);
@@ -192,22 +226,22 @@ Fault putBack(const std::vector<StoredItem> &items, const std::vector<ItemId> &l
         marks[slot] = true;
     }
     std::vector<NewRecord> records;
-    std::vector<ItemId> folders;
     ItemId nextId = storeState.main.nextId;
     for (const StoredItem &item : items) {
+        const auto isParent = [&](const StoredItem &other) {
+            return other.id == item.parent && isFolderKind(other.kind);
+        };
         const auto hasId = [&](const NewRecord &record) { return record.head.id == item.id; };
         const std::size_t slot = slotOfId(item.id);
         const bool taken = (slot != noSlot && !marks[slot]) || std::ranges::any_of(records, hasId);
         if (taken || item.id <= rootId || item.id == noItem) return Fault::absent;
-        if (!isFolderId(item.parent) && std::ranges::find(folders, item.parent) == folders.end())
-            return Fault::noFolder;
+        if (!mayLieIn(item.kind, item.parent) && std::ranges::none_of(items, isParent)) return Fault::noFolder;
         const NewItem made{.name = item.name, .parent = item.parent, .kind = item.kind, .head = {}, .data = {}};
         ItemHeader head = makeHead(made, storedName(item.name), item.id);
         head.flags = item.flags;
         head.headSize = static_cast<std::uint32_t>(item.head.size());
         head.dataSize = static_cast<std::uint32_t>(item.data.size());
         records.push_back({head, item.head, item.data});
-        if (isFolderKind(item.kind)) folders.push_back(item.id);
         nextId = std::max(nextId, item.id + 1);
     }
     return changeRecords(marks, records, nextId);
@@ -218,7 +252,7 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
     if (!storeState.open) return Fault::absent;
     const ItemId newId = freshId(storeState.main.nextId);
     if (newId == noItem) return Fault::full;
-    if (!isFolderId(item.parent)) return Fault::noFolder;
+    if (!mayLieIn(item.kind, item.parent)) return Fault::noFolder;
     if (!fitsRecord(item)) return Fault::tooLarge;
     std::string name(storedName(item.name));
     Bytes head = item.head;
@@ -228,10 +262,12 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
         if (item.kind == kind::program && name != storedName(item.name)) renameProgram(head, name);
     }
     const NewRecord record{makeHead(item, name, newId), head, item.data};
-    UndoStep step;
-    if (replaced != noSlot) {
-        if (const Fault fault = undoStepFor(replaced, step); fault != Fault::none) return fault;
-        step.cameInstead.push_back({newId, digestOf(entryOf(record.head), head, item.data)});
+    UndoStep step = newUndoStep(UndoAct::replacement, name);
+    if (replaced == noSlot) {
+        noteArrival(entryOf(record.head), head, item.data, step);
+    } else {
+        if (const Fault fault = noteLeaving(replaced, step); fault != Fault::none) return fault;
+        if (!step.changes.empty()) noteReplacing(entryOf(record.head), head, item.data, step);
     }
     const Fault fault = changeRecords(marked(replaced), {&record, 1}, newId + 1);
     if (fault != Fault::none) return fault;
@@ -243,6 +279,7 @@ Fault addItem(const NewItem &item, ItemId &id, std::string *renamed) {
 
 Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, ItemId &id) {
     std::vector<NewRecord> records;
+    UndoStep step = newUndoStep(UndoAct::import, "");
     ItemId nextId = storeState.main.nextId;
     for (const std::string_view name : names) {
         const ItemId newId = freshId(nextId);
@@ -254,20 +291,32 @@ Fault addFolders(ItemId parent, const std::vector<std::string_view> &names, Item
                              .data = {},
                              .flags = folderOpenFlag};
         records.push_back({makeHead(folder, folder.name, newId), {}, {}});
+        noteArrival(entryOf(records.back().head), {}, {}, step);
         parent = newId;
         nextId = newId + 1;
     }
     const Fault fault = changeRecords({}, records, nextId);
     if (fault == Fault::none) id = parent;
-    return fault;
+    return keptOnceDone(fault, std::move(step));
 }
 
-Fault resetTemp() {
+Fault resetTemp(const std::vector<ItemId> &kept) {
     std::vector<bool> leaving(storeState.slots.size());
     for (std::size_t slot = 0; slot < leaving.size(); slot++) {
         const Slot &candidate = storeState.slots[slot];
         if (candidate.sound && candidate.head.kind == kind::temporaryFolder) markWithContents(leaving, slot);
     }
+    bool keepsSome = false;
+    for (const ItemId id : kept) {
+        std::size_t slot = slotOfId(id);
+        if (slot == noSlot || !leaving[slot]) continue;
+        keepsSome = true;
+        // With the folders that it lies in.
+        for (; slot != noSlot && leaving[slot]; slot = slotOfId(storeState.slots[slot].head.parent))
+            leaving[slot] = false;
+    }
+    if (keepsSome && std::ranges::none_of(leaving, std::identity{})) return Fault::none;
+    if (keepsSome) return changeRecords(leaving, {}, storeState.main.nextId);
     const ItemId id = freshId(storeState.main.nextId);
     if (id == noItem) return Fault::full;
     const NewItem temp{.name = temporaryFolderName, .kind = kind::temporaryFolder, .head = {}, .data = {}};
@@ -337,18 +386,26 @@ bool storeWriteItem(ItemId id, const NewItem &item) {
 bool storeRewriteHead(ItemId id, ByteView head) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
         if (head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
-        return head.empty() ? Fault::none : patchOne(slot, sizeof(ItemHeader), head);
+        if (head.empty()) return Fault::none;
+        UndoStep step = newUndoStep(UndoAct::edit, entryOf(storeState.slots[slot].head).name);
+        if (const Fault fault = noteBecoming(slot, {.head = head}, step); fault != Fault::none) return fault;
+        const Patch patch{slot, sizeof(ItemHeader), {head.begin(), head.end()}};
+        return keptOnceDone(changeInPlace({&patch, 1}), std::move(step));
     });
 }
 
 bool storeRename(ItemId id, std::string_view name, ByteView head) {
     return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
         if (!head.empty() && head.size() != storeState.slots[slot].head.headSize) return Fault::wrongSize;
+        UndoStep step = newUndoStep(UndoAct::rename, storedName(name));
+        Becoming becoming{.name = storedName(name)};
+        if (!head.empty()) becoming.head = head;
+        if (const Fault fault = noteBecoming(slot, becoming, step); fault != Fault::none) return fault;
         Bytes field(sizeof(ItemHeader::name));
         std::ranges::copy(storedName(name), field.begin());
         const Patch patches[] = {{slot, offsetof(ItemHeader, name), std::move(field)},
                                  {slot, sizeof(ItemHeader), {head.begin(), head.end()}}};
-        return changeInPlace(patches);
+        return keptOnceDone(changeInPlace(patches), std::move(step));
     });
 }
 
@@ -377,16 +434,10 @@ std::uint32_t storeGetFlags(ItemId id) {
     return entry ? entry->flags : 0;
 }
 
-bool storeDelete(ItemId id) {
-    return changeItem(id, [&](std::size_t slot) REQUIRES_LOCK(storeLock) {
-        UndoStep step;
-        if (const Fault fault = undoStepFor(slot, step); fault != Fault::none) return fault;
-        std::vector<bool> leaving(storeState.slots.size());
-        markWithContents(leaving, slot);
-        const Fault fault = changeRecords(leaving, {}, storeState.main.nextId);
-        if (fault == Fault::none) keepUndoStep(std::move(step));
-        return fault;
-    });
+bool storeDelete(ItemId id) { return storeDeleteItems({&id, 1}); }
+
+bool storeDeleteItems(std::span<const ItemId> ids) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return deleteItems(ids); }));
 }
 
 bool storeDropFolder(ItemId id) {

@@ -1,11 +1,13 @@
 // Opening with all its checks, and closing.
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 #include "platform/program_folder.h"
 #include "store/file/changes.h"
 #include "store/file/check.h"
 #include "store/file/copy.h"
+#include "store/file/copy_names.h"
 #include "store/undo/keep_for_undo.h"
 #include "telling/tell_user.h"
 
@@ -27,6 +29,7 @@ struct Opening {
     OpenResult file = OpenResult::failed;
     Recovery recovery = Recovery::nothing;
     std::string journal;       // its path; where it was set aside
+    bool emptied = false;      // missing or empty, with copies beside
     bool isNew = false;        // an empty file, which gets its head
     bool isNewer = false;      // a newer version wrote it, by all one can tell
     std::uint32_t damage = 0;  // places
@@ -39,7 +42,7 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
     opening.recovery = storeFileRecover(true);
     opening.journal = storeJournalPath();
     if (opening.recovery != Recovery::foreign)
-        return opening.recovery != Recovery::unread && opening.recovery != Recovery::failed;
+        return opening.recovery == Recovery::nothing || opening.recovery == Recovery::broughtBack;
     const std::string kept = storeJournalSetAside();
     opening.recovery = kept.empty() ? Recovery::failed : Recovery::foreign;
     if (!kept.empty()) opening.journal = kept;
@@ -47,12 +50,16 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
 }
 
 // The text that tells what keeps the file from being used, or none.
-Text openFile(Opening &opening) REQUIRES_LOCK(storeLock) {
-    opening.file = storeFileOpen(storePath(), true);
+Text openFile(Opening &opening, WhenEmptied whenEmptied) REQUIRES_LOCK(storeLock) {
+    const bool mayBegin = whenEmptied == WhenEmptied::begin || dailyCopyNames().empty();
+    opening.file = storeFileOpen(storePath(), mayBegin);
+    opening.emptied = opening.file == OpenResult::absent;
     if (opening.file != OpenResult::opened || !recoverFile(opening)) return Text::libraryNotOpened;
     const std::int64_t size = storeFileSize();
     if (size < 0) return Text::libraryTooShort;
     opening.isNew = size == 0;
+    opening.emptied = opening.isNew && !mayBegin;
+    if (opening.emptied) return Text::libraryNotOpened;
     const Text trouble = opening.isNew ? createStore() : readMain(storeState.main);
     opening.isNewer = mayBeNewer(trouble, storeState.main);
     if (trouble != Text::none) return trouble;
@@ -80,28 +87,41 @@ void letGo() {
 
 bool tellNotOpened(Text text, const Opening &opening) {
     const bool held = opening.file == OpenResult::heldByAnother;
-    if (opening.recovery == Recovery::unread)
+    if (opening.recovery == Recovery::linked)
+        tellMore(text, Text::storeJournalLinked, {});
+    else if (opening.recovery == Recovery::unread)
         tellMore(text, Text::storeJournalUnread, {opening.journal});
     else if (opening.recovery == Recovery::failed)
         tellMore(text, Text::storeNotBroughtBack, {opening.journal});
+    else if (opening.emptied)
+        tellUser(Text::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
     else if (text == Text::libraryNotOpened)
         tellMore(text, held ? Text::storeHeld : Text::storeNotOpened, {storePath()});
     else if (opening.isNewer)
         tellUser(text);
-    else
+    else if (dailyCopyNames().empty())
         tellMore(text, Text::storeMayBeSaved, {libraryFolder()});
+    else
+        tellMore(text, Text::storeMayBeRestored, {libraryFolder(), libraryFolder()});
     return false;
 }
 
 }  // namespace
 
-bool storeOpen() {
+bool storeIsEmptied() {
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(storePath(), failure);
+    const bool absent = failure == std::errc::no_such_file_or_directory;
+    return (absent || (!failure && size == 0)) && !dailyCopyNames().empty();
+}
+
+bool storeOpen(WhenEmptied whenEmptied) {
     Text trouble = Text::none;
     Opening opening;
     const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         if (storeState.open) return Fault::none;
         trouble = Text::libraryNotOpened;  // unless it comes to an end
-        trouble = openFile(opening);
+        trouble = openFile(opening, whenEmptied);
         return Fault::none;
     });
     if (trouble != Text::none) letGo();

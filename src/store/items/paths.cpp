@@ -107,12 +107,12 @@ ItemId storeTempFolder() {
     return foundOrTold([](ItemId &id) REQUIRES_LOCK(storeLock) { return tempFolder(id); });
 }
 
-void storeTidyTemp() {
-    withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); });
+void storeTidyTemp(const std::vector<ItemId> &kept) {
+    withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return resetTemp(kept); });
 }
 
-bool storeResetTemp() {
-    return tellStoreFault(withStoreLocked([]() REQUIRES_LOCK(storeLock) { return resetTemp(); }));
+bool storeResetTemp(const std::vector<ItemId> &kept) {
+    return tellStoreFault(withStoreLocked([&]() REQUIRES_LOCK(storeLock) { return resetTemp(kept); }));
 }
 
 }  // namespace numalink
