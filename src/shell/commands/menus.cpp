@@ -54,10 +54,9 @@ struct KindState {
     bool (*enabledFor)(ItemKind itemKind);
 };
 
-bool screenCopy(ItemKind itemKind) { return itemKind == kind::colorScreen || itemKind == kind::monochromeScreen; }
 bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
-bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !screenCopy(itemKind); }
-bool drawnAsBitmap(ItemKind itemKind) { return screenCopy(itemKind) || itemKind == kind::picture; }
+bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !isScreenKind(itemKind); }
+bool drawnAsBitmap(ItemKind itemKind) { return isScreenKind(itemKind) || itemKind == kind::picture; }
 bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
 
 // What the kind of the selected item enables.
