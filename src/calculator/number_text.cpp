@@ -56,9 +56,10 @@ std::optional<Number> wholeNumber(std::string_view text) {
 
 bool encodeValue(std::span<std::uint8_t, valueFrameSize> frame, std::uint32_t row, std::uint32_t column, double value) {
     if (!std::isfinite(value)) return false;
-    const auto [digits, exponent] = decimalOf(std::fabs(value));
+    const Decimal decimal = decimalOf(std::fabs(value));
+    const int exponent = decimal.exponent;
     if (std::abs(exponent) > exponentLimit) return false;
-    const auto digit = [&](std::size_t place) { return digits[place] - '0'; };
+    const auto digit = [&](std::size_t place) { return decimal.digits[place] - '0'; };
 
     frame[0] = ':';
     writeBig16(frame, 1, row);

@@ -23,7 +23,7 @@ bool readForCopy(std::uint64_t at, std::span<std::uint8_t> block, bool holes) RE
 
 // All that read(at, block) gives of a file of known size, or false.
 template <typename Read>
-bool copyInto(int target, std::int64_t known, Read read) {
+bool copyInto(int target, std::int64_t known, Read read) REQUIRES_LOCK(storeLock) {
     if (known < 0) return false;
     const auto size = static_cast<std::uint64_t>(known);
     Bytes block(blockSize);
@@ -80,7 +80,7 @@ bool storeFileReplace(ByteView bytes) {
 bool storeFileReplaceBy(const std::string &path) {
     int source = noFile;
     if (filePort.openLocked(path.c_str(), false, source) != OpenResult::opened) return false;
-    const bool done = makeWhole(storeFilePath(), [&](int file) {
+    const bool done = makeWhole(storeFilePath(), [&](int file) REQUIRES_LOCK(storeLock) {
         return copyInto(file, filePort.size(source), [&](std::uint64_t at, std::span<std::uint8_t> block) {
             return filePort.readAt(source, at, block.data(), block.size()) == block.size();
         });
