@@ -197,14 +197,13 @@ bool settingsDialog() {
 
 }  // namespace
 
-int changeSettings() {
+void changeSettings() {
     const std::string portBefore = settingsValue(setting::comPort);
     const std::string typeBefore = settingsValue(setting::linkType);
-    if (!settingsDialog()) return 1;
+    if (!settingsDialog()) return;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
     if (!reopenView()) recolorProgram();
-    return 1;
 }
 
 }  // namespace numalink
