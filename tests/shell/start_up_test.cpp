@@ -30,7 +30,7 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
 }
 
 // No port was chosen yet, no colours, no language.
-TEST_F(StartUp, AFirstUseHasColoursAndLeadsToTheSettings) {
+TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);
