@@ -40,7 +40,8 @@ constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemov
 constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
                                           {setting::fullscreen, Text::settingsFullScreen},
                                           {setting::fillListsMatrices, Text::settingsFillLists},
-                                          {setting::fullSpeed, Text::settingsFullSpeed}};
+                                          {setting::fullSpeed, Text::settingsFullSpeed},
+                                          {setting::calculatorModes, Text::settingsCalculatorModes}};
 constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
                                         {setting::autoCorrect, Text::settingsAutoCorrect}};
 
