@@ -42,7 +42,9 @@ void linkNoticeShown() {
     keep({.standing = true, .atRest = true, .since = tickCount(), .text = Text::none, .worded = {}});
 }
 
+// What was shown elsewhere ahead of the conversation, such as what waits, is over with it.
 void linkResult(Text text) {
+    if (const HoldLock hold(noticeLock); notice.text == Text::none) notice = {};
     resultShown = true;
     linkStatus(text);
 }

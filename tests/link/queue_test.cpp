@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "link/link_scene.h"
+#include "link/notices.h"
 #include "link/outgoing_image.h"
 #include "support/ui_recorder.h"
 #include "telling/language_table.h"
@@ -72,6 +73,14 @@ TEST_F(Queue, refusesTheHundredAndFirstOnce) {
     EXPECT_FALSE(queueItem(all));
     EXPECT_EQ(transmitQueueCount(), 100u);
     EXPECT_EQ(uiRecord.lines, (std::vector<std::string>{"box 172 / 2 P100"}));
+}
+
+TEST_F(Queue, wordsOfWhatWaitsAreOverWithTheEndOfTheConversation) {
+    queueAndTell(addProgram("A"));
+    EXPECT_EQ(uiRecord.lines.back(), "status 1: " + waitingText());
+    EXPECT_EQ(linkNoticeState(), NoticeState::standing);
+    linkResult(Text::algebraSent);
+    EXPECT_EQ(linkNoticeState(), NoticeState::none) << "else the idle words would soon take the result's place";
 }
 
 TEST(PictureSlots, comeFromTheNameAlone) {

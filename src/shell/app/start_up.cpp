@@ -18,10 +18,10 @@
 #include "shell/app/stop_signals.h"
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
+#include "shell/commands/client_layout.h"
+#include "shell/commands/file_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
-#include "shell/commands/undo_menu.h"
-#include "shell/commands/view_menu.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/parts/main_widgets.h"
@@ -94,9 +94,6 @@ constexpr StartStep startSteps[] = {
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
-    {"communication menu", [] { return done(buildCommunicationMenu); }, false},
-    {"undo menu", [] { return done(buildUndoMenu); }, false},
-    {"view menu", [] { return done(buildViewMenu); }, false},
     {"views", [] { return done(connectViews); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
@@ -133,6 +130,7 @@ void closeLibraryAndQuit() {
 bool startUp() {
     threadRole = ThreadRole::graphical;
     shutting = false;
+    endProgram = shutDown;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {
@@ -177,6 +175,7 @@ void tearDown() {
     forgetStopSignals();
     removeUserInterface();
     forgetMenus();
+    forgetLayout();
     forgetTree();
     forgetViews();
     destroyWidgets();

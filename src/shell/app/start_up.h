@@ -19,6 +19,4 @@ bool shuttingDown();  // from the closing of the library on: whoever waits for a
 // Frees the windows, after the event loop.
 void tearDown();
 
-void applyLayout();  // places the parts of the main window
-
 }  // namespace numalink

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "emulator/machine/machine.h"
-#include "shell/app/start_up.h"
+#include "shell/commands/menus.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -23,7 +23,6 @@ namespace numalink {
 namespace {
 
 QSystemTrayIcon *trayIcon = nullptr;
-QMenu *trayMenu = nullptr;
 QTimer *hostWatch = nullptr;  // runs while the window is hidden: nobody tells when the area goes
 bool hostMissed = false;
 QList<QPointer<QWidget>> hiddenAlong;  // windows over the main one, to come back with it
@@ -79,11 +78,9 @@ void raiseMainWindow() {
 }
 
 void addTrayIcon() {
-    trayMenu = new QMenu;
-    trayMenu->addAction(textOf(Text::trayExit), mainWindow, shutDown);
     trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
     trayIcon->setToolTip(QString::fromLatin1(programTitle));
-    trayIcon->setContextMenu(trayMenu);
+    trayIcon->setContextMenu(menuAt(MenuPosition::tray));
     QObject::connect(trayIcon, &QSystemTrayIcon::activated, mainWindow, [](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) raiseMainWindow();
     });
@@ -99,8 +96,6 @@ void removeTrayIcon() {
     trayIcon = nullptr;
     hostWatch = nullptr;
     hiddenAlong.clear();
-    delete trayMenu;
-    trayMenu = nullptr;
 }
 
 }  // namespace numalink

@@ -2,21 +2,20 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMainWindow>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QTimer>
 #include <QToolButton>
-#include <QTreeWidget>
 #include <QUrl>
 
 #include "shell/app/start_up.h"
 #include "shell/app/tray.h"
+#include "shell/commands/client_layout.h"
 #include "shell/commands/command_handler.h"
+#include "shell/commands/file_commands.h"
 #include "shell/parts/event_hook.h"
-#include "shell/parts/main_layout.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/run/emulator_window.h"
 
 namespace numalink {
 
@@ -69,27 +68,15 @@ bool clientEvent(QWidget *, QEvent *event) {
     return false;
 }
 
-void place(QWidget *widget, const Rectangle &where) {
-    widget->setGeometry(where.x, where.y, where.width, where.height);
-}
-
 }  // namespace
-
-void applyLayout() {
-    const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible);
-    place(treeView, layout.tree);
-    treeView->setVisible(treeVisible);
-    place(treeToggleButton, layout.toggle);
-    place(lineNumberEdit, layout.lineNumbers);
-    place(programEdit, layout.program);
-    place(containerWindow, layout.container);
-    placeEmulatorWindow();
-}
 
 void connectWindow() {
     hookEvents(mainWindow, windowEvent);
     hookEvents(clientArea, clientEvent);
-    QObject::connect(treeToggleButton, &QToolButton::clicked, mainWindow, [] { handleCommand(40055); });
+    QObject::connect(treeToggleButton, &QToolButton::clicked, mainWindow, [] { handleCommand(CommandId::hideTree); });
+    // Queued, since the settings may change the text that the click comes from.
+    QObject::connect(
+        linkField, &QLabel::linkActivated, linkField, [] { handleCommand(CommandId::settings); }, Qt::QueuedConnection);
     applyLayout();
 }
 

@@ -40,7 +40,8 @@ constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemov
 constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
                                           {setting::fullscreen, Text::settingsFullScreen},
                                           {setting::fillListsMatrices, Text::settingsFillLists},
-                                          {setting::fullSpeed, Text::settingsFullSpeed}};
+                                          {setting::fullSpeed, Text::settingsFullSpeed},
+                                          {setting::calculatorModes, Text::settingsCalculatorModes}};
 constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
                                         {setting::autoCorrect, Text::settingsAutoCorrect}};
 
@@ -72,6 +73,12 @@ QComboBox *freeChoice(const QStringList &offered, const char *key) {
     box->setCurrentText(toQt(settingsValue(key)));
     box->setObjectName(QString::fromLatin1(key));
     return box;
+}
+
+// The label belongs to the box alone: the line to type in, which has the focus for a screen reader, is named by itself.
+void addFreeChoice(QFormLayout *form, Text label, QComboBox *box) {
+    form->addRow(textOf(label), box);
+    box->lineEdit()->setAccessibleName(textOf(label));
 }
 
 void showLanguage(const SettingsControls &controls) {
@@ -123,8 +130,8 @@ QWidget *linkPage(SettingsControls &controls) {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     auto *form = new QFormLayout;
-    form->addRow(textOf(Text::settingsPort), controls.port);
-    form->addRow(textOf(Text::settingsType), controls.type);
+    addFreeChoice(form, Text::settingsPort, controls.port);
+    addFreeChoice(form, Text::settingsType, controls.type);
     layout->addLayout(form);
     addSwitches(layout, linkSwitches, controls);
     layout->addStretch();
@@ -191,14 +198,13 @@ bool settingsDialog() {
 
 }  // namespace
 
-int changeSettings() {
+void changeSettings() {
     const std::string portBefore = settingsValue(setting::comPort);
     const std::string typeBefore = settingsValue(setting::linkType);
-    if (!settingsDialog()) return 1;
+    if (!settingsDialog()) return;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
     if (!reopenView()) recolorProgram();
-    return 1;
 }
 
 }  // namespace numalink

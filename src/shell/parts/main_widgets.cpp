@@ -13,7 +13,6 @@
 #include <QTreeWidget>
 #include <algorithm>
 
-#include "shell/commands/command_handler.h"
 #include "shell/editor/program_edit.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/shell_texts.h"
@@ -34,6 +33,8 @@ QWidget *lineNumberEdit = nullptr;
 QWidget *containerWindow = nullptr;
 QToolBar *toolbar = nullptr;
 QMenu *itemMenu = nullptr;
+QMenu *treeGroundMenu = nullptr;
+QMenu *programMenu = nullptr;
 
 namespace {
 
@@ -89,7 +90,6 @@ void makeMainWindow() {
 }
 
 void makeClientWidgets() {
-    treeVisible = true;
     makeTree();
     treeToggleButton = new QToolButton(clientArea);
     treeToggleButton->setText(QStringLiteral("<"));

@@ -8,8 +8,6 @@
 #include <QStatusBar>
 #include <QStyle>
 
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -63,9 +61,6 @@ void makeStatusBar() {
     progressBar->setAccessibleName(textOf(Text::progressName));
     linkField = makeField("linkField", linkFieldWidth);
     linkField->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    // Queued, since the settings may change the text that the click comes from.
-    QObject::connect(
-        linkField, &QLabel::linkActivated, linkField, [] { handleCommand(command::settings); }, Qt::QueuedConnection);
     itemField = makeField("itemField", 1);
     statusBar->addWidget(progressBar);
     statusBar->addWidget(linkField, 1);

@@ -20,10 +20,8 @@
 #include "emulator/run/runner.h"
 #include "emulator/screens/display.h"
 #include "settings/settings_store.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -169,14 +167,6 @@ void takeDisplay() {
     updateDebugWindow();
 }
 
-// A run is on or not: the menu, the toolbar's word, and which keys are commands.
-void showRunState(bool running) {
-    commandAction(command::emulate)->setIconText(running ? textOf(Text::editorButton) : textOf(Text::toolEmulate));
-    menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
-    setCommandEnabled(command::screenshot, running);
-    setShortcutsEnabled(!running);
-}
-
 bool startRun(ItemId item) {
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
@@ -192,11 +182,10 @@ void showRunFault() {
     programEdit->setFocus();
 }
 
-int stopAndShowProgram() {
-    if (!leaveCurrentView()) return 1;
-    handleCommand(command::openView);
+void stopAndShowProgram() {
+    if (!leaveCurrentView()) return;
+    openSelectedItem();
     showRunFault();
-    return 1;
 }
 
 QRect displayOnDesktop() {
@@ -208,33 +197,32 @@ QRect displayOnDesktop() {
 
 bool emulatorShown() { return emulatorWindow != nullptr && !emulatorWindow->isHidden(); }
 
-int emulatorToggle() {
+void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
-    if (!item || item->kind != kind::program || !leaveCurrentView()) return 1;
+    if (!item || item->kind != kind::program || !leaveCurrentView()) return;
     outlinedKey = 0;
     placeEmulatorWindow();
     emulatorWindow->show();
     emulatorWindow->raise();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
     if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
-    showRunState(true);
+    commandStatesChanged();
     if (!startRun(item->id)) {
         emulatorStop();
-        return 1;
+        return;
     }
     emulatorWindow->setFocus();
-    return 1;
 }
 
 void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     keyCode = 0;
-    showRunState(false);
     fullScreenLeave();
     hideDebugWindow();
     emulatorWindow->hide();
+    commandStatesChanged();
 }
 
 QWidget *runWindow() {
@@ -275,11 +263,10 @@ void goToRunFault() {
     }
 }
 
-int saveScreenshot() {
+void saveScreenshot() {
     const Surface picture = displayNow();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
-    return 1;
 }
 
 void displayMarked() {

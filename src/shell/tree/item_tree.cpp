@@ -11,9 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/label_edit.h"
@@ -30,7 +28,8 @@ namespace {
 std::unordered_map<ItemId, QTreeWidgetItem *> entryOf;
 bool refreshOwed = false;
 bool askingAgain = false;
-bool selecting = false;   // selectItem is at work: it isn't entered again
+bool selecting = false;  // selectItem is at work: it isn't entered again
+ItemKind kindSelected = kind::none;
 bool straysTold = false;  // once a run
 
 constexpr int kindRole = Qt::UserRole + 1;  // the kind whose image an entry shows
@@ -223,6 +222,8 @@ ItemId selectedItemId() {
     return entry == nullptr ? noItem : idOf(entry);
 }
 
+ItemKind selectedKind() { return kindSelected; }
+
 bool selectItem(ItemId id) {
     if (selecting) return false;
     if (id != noItem && id == selectedItemId() && viewItemId == id) return true;
@@ -231,8 +232,9 @@ bool selectItem(ItemId id) {
     if (left) {
         applySelection(treeEntryOf(id));
         const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
-        setMenuStates(entry ? entry->kind : kind::none);
-        if (entry) handleCommand(command::openView);
+        kindSelected = entry ? entry->kind : kind::none;
+        commandStatesChanged();
+        if (entry) openSelectedItem();
     }
     selecting = false;
     return left;
@@ -273,6 +275,7 @@ void forgetTree() {
     refreshOwed = false;
     askingAgain = false;
     selecting = false;
+    kindSelected = kind::none;
     straysTold = false;
 }
 

@@ -15,8 +15,9 @@ namespace numalink {
 QString spokenName(const std::string &name, ItemKind itemKind);
 
 ItemId selectedItemId();  // noItem when nothing is selected
+ItemKind selectedKind();  // as it was when it was selected; kind::none when nothing is
 
-// Leaves the view, selects, sets the menu states and opens the new view. False, with everything as it was, when the
+// Leaves the view, selects, tells the commands and opens the new view. False, with everything as it was, when the
 // view can't be left. noItem selects nothing.
 bool selectItem(ItemId id);
 // Opens the selected item's view where it was left for something that kept the selection.

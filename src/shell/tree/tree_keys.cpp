@@ -7,9 +7,8 @@
 
 #include "emulator/machine/machine.h"
 #include "platform/clock.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/tree/item_commands.h"
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
 
@@ -134,7 +133,11 @@ void enterPressed() {
 
 bool treeKeyPressed(const QKeyEvent &key) {
     if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
-    if (key.key() == Qt::Key_Delete) return handleCommand(command::deleteKey) != 0;
+    if (key.key() == Qt::Key_Delete) {
+        if (selectedEntry() == nullptr) return false;
+        deleteWithQuestion();
+        return true;
+    }
     // Whatever is held down with them: Qt's tree would select without asking the view.
     if (isNavigation(key.key())) {
         goTo(navigated(key.key(), selectedEntry()));

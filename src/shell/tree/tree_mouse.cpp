@@ -9,9 +9,6 @@
 #include <QTreeWidget>
 
 #include "platform/clock.h"
-#include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
@@ -184,10 +181,7 @@ void showItemMenu(const QPoint &place, const QPoint &onScreen) {
     if (item != noItem) {
         if (selectItem(item)) itemMenu->exec(onScreen);
     } else {
-        QMenu menu(treeView);
-        menu.addAction(commandAction(command::newFolder));
-        menu.addAction(commandAction(command::newProgram));
-        menu.exec(onScreen);
+        treeGroundMenu->exec(onScreen);
     }
     refreshTreeWhenFree();
 }

@@ -13,10 +13,10 @@
 #include "drawing/item_picture.h"
 #include "drawing/matrix_picture.h"
 #include "platform/thread_role.h"
-#include "shell/commands/menus.h"
 #include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -45,7 +45,7 @@ void showProgram(const StoredItem &item) {
     lineNumberEdit->show();
     programEdit->show();
     showSymbols();
-    setEditMenuEnabled(true);
+    commandStatesChanged();
     if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 
@@ -169,7 +169,6 @@ void keepText() {
 
 void closeView() {
     keepText();
-    setEditMenuEnabled(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
     programEdit->hide();
@@ -181,6 +180,7 @@ void closeView() {
     forgetOpenedProgram();
     viewKind = kind::none;
     viewItemId = noItem;
+    commandStatesChanged();
 }
 
 bool leave(Leaving how) {

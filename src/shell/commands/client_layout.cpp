@@ -1,0 +1,42 @@
+#include "shell/commands/client_layout.h"
+
+#include <QPlainTextEdit>
+#include <QToolButton>
+#include <QTreeWidget>
+
+#include "shell/parts/main_layout.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/run/emulator_window.h"
+
+namespace numalink {
+
+bool treeVisible = true;
+
+namespace {
+
+void place(QWidget *widget, const Rectangle &where) {
+    widget->setGeometry(where.x, where.y, where.width, where.height);
+}
+
+}  // namespace
+
+void applyLayout() {
+    const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible);
+    place(treeView, layout.tree);
+    treeView->setVisible(treeVisible);
+    place(treeToggleButton, layout.toggle);
+    place(lineNumberEdit, layout.lineNumbers);
+    place(programEdit, layout.program);
+    place(containerWindow, layout.container);
+    placeEmulatorWindow();
+}
+
+void toggleTree() {
+    treeVisible = !treeVisible;
+    applyLayout();
+    treeToggleButton->setText(treeVisible ? QStringLiteral("<") : QStringLiteral(">"));
+}
+
+void forgetLayout() { treeVisible = true; }
+
+}  // namespace numalink
