@@ -33,6 +33,7 @@ using namespace numalink;
 
 constexpr int folderTotal = 40, itemsPerFolder = 48;
 constexpr int drawnMilliseconds = 3000;
+constexpr std::size_t headSize = 50, dataSize = 144;  // of a matrix of 3 by 3
 constexpr char drawing[] =
     "\\ViewWindow 0,127,0,0,63,0:\\Lbl 1:\\For 1\\->I \\To 60:\\PxlChg I,2I:\\Plot I,I:\\Next:\\Goto1";
 
@@ -70,12 +71,13 @@ int makeLibrary() {
     std::vector<NewItem> items;
     for (int at = 0; at < folderTotal; at++) {
         const ItemId parent = storeResolvePath("/F" + std::to_string(at) + "/", true);
-        for (int number = 0; number < itemsPerFolder; number++)
+        for (int number = 0; number < itemsPerFolder; number++) {
             items.push_back({.name = "N" + std::to_string(number),
                              .parent = parent,
                              .kind = kind::matrix,
-                             .head = Bytes(50, 1),
-                             .data = Bytes(16 * 9, 1)});
+                             .head = Bytes(headSize, 1),
+                             .data = Bytes(dataSize, 1)});
+        }
     }
     storeAddItems(items);
     addDrawing();
@@ -147,7 +149,7 @@ int main(int argc, char **argv) {
         return status == 0 ? 0 : 1;
     }
     if (std::strcmp(argv[1], "library") == 0) return makeLibrary();
-    if (std::getenv("QT_QPA_PLATFORM") == nullptr) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     if (std::strcmp(argv[1], "bare") == 0) return showBareWindow(application);
     return std::strcmp(argv[1], "tree") == 0 ? showTree(application, started) : draw(application);

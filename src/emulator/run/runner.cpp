@@ -32,9 +32,9 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint64_t callPoll = 100;          // milliseconds between the looks of a caller, with the pace on
-constexpr std::uint64_t workPerStatement = 100;  // evaluations within calls, where statements have a limit
-constexpr std::uint64_t settingsInterval = 64;   // statements between two looks at a setting
+constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
+constexpr std::uint64_t workPerStatement = 10;  // evaluations within calls, where statements have a limit
+constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting
 
 std::thread runThread;
 std::array<std::unique_ptr<RunState>, callLimit> calls;  // the programs in progress, the first one's caller ahead
