@@ -36,9 +36,8 @@ bool runContest(const Contest &contest, int passes) {
     const Bytes image = imageOf(contest.words, passes);
     const RunReport report = runScripted({}, [&] {
         programsClear();
-        if (contest.subprogram != nullptr)
-            return programAdd("MAIN", image) && programAdd("SUB", imageOf(contest.subprogram, 0));
-        return programAdd("MAIN", image);
+        const bool calls = contest.subprogram != nullptr;
+        return programAdd("MAIN", image) && (!calls || programAdd("SUB", imageOf(contest.subprogram, 0)));
     });
     return report.ended == RunEnd::end && report.errors.empty();
 }
@@ -99,12 +98,13 @@ int main(int argc, char **argv) {
     for (const Contest &contest : contests()) {
         const std::string name = contest.name;
         benchmark::RegisterBenchmark((name + "/ours").c_str(), ours, &contest)->Unit(benchmark::kMillisecond);
-        for (int rival = 0; rival < rivalCount; rival++)
+        for (int rival = 0; rival < rivalCount; rival++) {
             benchmark::RegisterBenchmark((name + "/" + rivalNames[rival]).c_str(), theirs, &contest,
                                          static_cast<Rival>(rival))
                 ->Unit(benchmark::kMillisecond)
                 ->UseManualTime()
                 ->Iterations(1);
+        }
     }
     benchmark::RunSpecifiedBenchmarks();
     for (const auto &[rival, sum] : logarithms)

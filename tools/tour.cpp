@@ -21,6 +21,7 @@
 #include "settings/settings_store.h"
 #include "shell/app/start_up.h"
 #include "shell/commands/command_handler.h"
+#include "shell/commands/file_commands.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/parts/main_widgets.h"
@@ -136,12 +137,12 @@ bool exchangeItems() {
         if (entry.kind == numalink::kind::matrix) numalink::queueItem(entry.id);
     const std::size_t count = numalink::transmitQueueCount();
     numalink::selectItem(picture);
-    numalink::mainWindow->findChild<QAction *>(QStringLiteral("queueAction"))->trigger();
+    numalink::commandAction(numalink::CommandId::showQueue)->trigger();
     auto *queueWindow = numalink::mainWindow->findChild<QDialog *>(QStringLiteral("queueWindow"));
     queueWindow->move(numalink::mainWindow->pos() + QPoint(226, 182));  // beside tree and picture
     if (!QTest::qWaitFor([] { return !numalink::linkConversationRuns(); }, VirtualCalculator::patience)) return false;
     other.converse();
-    numalink::handleCommand(40006);
+    numalink::handleCommand(numalink::CommandId::transmitQueue);
     QTest::qWait(1500);
     takePicture("transmission");
     const bool sent = QTest::qWaitFor([] { return numalink::transmitQueueCount() == 0; }, VirtualCalculator::patience);
@@ -184,13 +185,14 @@ int main(int argc, char **argv) {
     takePicture("zoom");
     numalink::setSurfaceZoom(1);
     numalink::selectItem(firstOfKind(numalink::kind::program));
-    for (const int dialog : {40043, 40049, 40042}) numalink::handleCommand(dialog);
-    numalink::menuAt(1)->popup(numalink::mainWindow->mapToGlobal(QPoint(40, 24)));
+    using enum numalink::CommandId;
+    for (const numalink::CommandId dialog : {settings, find, password}) numalink::handleCommand(dialog);
+    numalink::menuAt(numalink::MenuPosition::item)->popup(numalink::mainWindow->mapToGlobal(QPoint(40, 24)));
     takePicture("menu");
-    numalink::menuAt(1)->close();
-    numalink::handleCommand(40055);
+    numalink::menuAt(numalink::MenuPosition::item)->close();
+    numalink::handleCommand(numalink::CommandId::hideTree);
     takePicture("tree-hidden");
-    numalink::handleCommand(40055);
+    numalink::handleCommand(numalink::CommandId::hideTree);
     const bool exchanged = exchangeItems();
     if (!exchanged) std::fprintf(stderr, "The virtual calculator and the program did not understand each other.\n");
     answering.stop();

@@ -40,6 +40,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::colorNumbers, "0,0,0"},
     {setting::colorComment, "0,0,0"},
     {setting::lastExportType, "cas"},
+    {setting::calculatorModes, "0"},
 };
 static_assert(std::size(defaultSettings) < settingsSlotCount);
 

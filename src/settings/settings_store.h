@@ -21,6 +21,7 @@ inline constexpr char displayDebug[] = "Numalink.Settings.Emulator.DisplayDebug"
 inline constexpr char fullscreen[] = "Numalink.Settings.Emulator.Fullscreen";
 inline constexpr char fillListsMatrices[] = "Numalink.Settings.Emulator.FillListsMatrices";
 inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
+inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
 inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
 inline constexpr char autoCorrect[] = "Numalink.Settings.Editor.AutoCorrect";
 inline constexpr char colorAscii[] = "Numalink.Settings.Editor.Colors.Ascii";

@@ -123,7 +123,8 @@ RunReport runOf(const RunFile &file) {
 // As in a fresh process.
 void freshMachine(const RunFile &file) {
     const std::string group = "Numalink.Settings.Emulator.";
-    for (const auto *key : {"HaltOnError", "DisplayDebug", "FillListsMatrices"}) settingsSetValue(group + key, "0");
+    for (const auto *key : {"HaltOnError", "DisplayDebug", "FillListsMatrices", "CalculatorModes"})
+        settingsSetValue(group + key, "0");
     settingsSetValue(group + "FullSpeed", "1");
     for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
     poolReset();

@@ -11,6 +11,7 @@
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/run/machine_start.h"
 #include "platform/clock.h"
 #include "text/token_table.h"
@@ -28,6 +29,8 @@ void prepare() {
     machine = EmulatorMachine{};  // machineStart's look through the token table is done once
     poolReset();
     reports.clear();
+    resetRunEnd(RunEnd::running);
+    workBegin(1000);
     machine.errorTrace = &reports;
     for (std::size_t i = 0; i < 26; i++) machine.variables[i] = complexMake(static_cast<double>(i) - 3, i == 25);
     machine.listSlots[0][0] = matrixAllocate(ownedByVariable, 1, 3);

@@ -182,26 +182,26 @@ void clickEntry(QTreeWidgetItem *entry) {
 
 void selectEntry() { clickEntry(someEntry(oneIn(2))); }
 
-void command(int id) {
+void command(CommandId id) {
     QAction *action = commandAction(id);
     if (action == nullptr || !action->isEnabled() || QApplication::activeModalWidget() != nullptr) return;
-    LOG("command %d, %s", id, qPrintable(action->text()));
+    LOG("command %d, %s", static_cast<int>(id), qPrintable(action->text()));
     action->trigger();
 }
 
 void anyCommand() {
     const Command &row = oneOf(commandTable());
-    if (row.id != command::exit) command(row.id);
+    if (row.id != CommandId::exit && row.id != CommandId::exitFromTray) command(row.id);
 }
 
 void runProgram() {
     if (alive && oneIn(2)) clickEntry(someEntry(true));
-    if (alive) command(command::emulate);
+    if (alive) command(CommandId::emulate);
 }
 
 void sendItem() {
     if (oneIn(2)) clickEntry(someEntry(oneIn(2)));
-    if (alive) command(oneOf(std::to_array({command::transmit, command::queue, command::transmitQueue})));
+    if (alive) command(oneOf(std::to_array({CommandId::transmit, CommandId::queue, CommandId::transmitQueue})));
 }
 
 void undo() {
@@ -262,7 +262,7 @@ void endProgram() {
         LOG("closes the window");
         mainWindow->close();
     } else {
-        command(command::exit);
+        command(CommandId::exit);
     }
 }
 

@@ -25,6 +25,7 @@ struct Maker {
     }
     void text(std::string_view characters) { bytes.insert(bytes.end(), characters.begin(), characters.end()); }
 
+    const OperatorRow &anyRow();
     void number();
     void variable();
     void element();
@@ -98,19 +99,26 @@ void Maker::value() {
     }
 }
 
+const OperatorRow &Maker::anyRow() {
+    static const std::vector<OperatorRow> rows = [] {
+        std::vector<OperatorRow> all;
+        for (const OperatorGroup group : operatorGroups()) all.insert(all.end(), group().begin(), group().end());
+        return all;
+    }();
+    return rows[below(rows.size())];
+}
+
 void Maker::prefix() {
-    const std::span<const OperatorRow> rows = operatorRows();
-    const OperatorRow &row = rows[below(rows.size())];
+    const OperatorRow &row = anyRow();
     put(row.token);
     if (row.source == nullptr) value();
 }
 
 void Maker::expression() {
     depth++;
-    const std::span<const OperatorRow> rows = operatorRows();
     value();
     for (std::uint64_t more = below(4); more > 0; more--) {
-        const OperatorRow &row = rows[below(rows.size())];
+        const OperatorRow &row = anyRow();
         if (row.step == Step::postfix) put(row.token);
         if (row.binary != nullptr) put(row.token);
         if (oneOf(60)) anyToken();

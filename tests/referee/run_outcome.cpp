@@ -1,7 +1,9 @@
 #include "referee/run_outcome.h"
 
 #include <bit>
+#include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
@@ -17,7 +19,10 @@ namespace {
 struct Outcome {
     std::vector<std::string> lines;
 
+    // What is no number has a sign that depends on the order in which the machine took two of its kind, and that no
+    // program can see.
     void add(const std::string &name, double value) {
+        if (std::isnan(value)) value = std::numeric_limits<double>::quiet_NaN();
         char line[64];
         std::snprintf(line, sizeof line, "%016llx",
                       static_cast<unsigned long long>(std::bit_cast<std::uint64_t>(value)));

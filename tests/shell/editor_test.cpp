@@ -42,7 +42,7 @@ TEST_F(Editor, OpeningAloneStoresNothingAndAnEditOnlyWhatItTouches) {
     const ItemId id = open("\"Score*\"A or DO\xFA\rX");
     EXPECT_FALSE(programChanged());
     EXPECT_FALSE(programEdit->document()->isUndoAvailable());
-    handleCommand(command::refresh);
+    handleCommand(CommandId::refresh);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_EQ(item.dataSize, 20u);  // no checksum place: it was never written
@@ -90,9 +90,8 @@ TEST_F(Editor, WhatWasStoredIsUndoneInTheTextAndInTheTree) {
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(viewToText(), QStringLiteral("AB"));
     treeView->setFocus();
-    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
-    EXPECT_EQ(mainWindow->findChild<QAction *>(QStringLiteral("undoAction"))->text(), textOf(Text::undoEdit, {"PROG"}))
-        << "it is stored by leaving it";
+    emit menuAt(MenuPosition::edit)->aboutToShow();
+    EXPECT_EQ(commandAction(CommandId::undo)->text(), textOf(Text::undoEdit, {"PROG"})) << "it is stored by leaving it";
     QTest::keyClick(mainWindow, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(viewToText(), QString());
     EXPECT_FALSE(programEdit->document()->isUndoAvailable()) << "these bytes were stored by nobody's typing";
@@ -223,12 +222,12 @@ TEST_F(Editor, FindGoesOnFromTheSelectionAndTellsTheEnd) {
         QTest::keyClicks(QApplication::activeModalWidget()->findChild<QLineEdit *>(), QStringLiteral("b->a"));
     });
     answer(wording(Text::ok));
-    handleCommand(command::find);
+    handleCommand(CommandId::find);
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("B\u2192A"));
-    handleCommand(command::findAgain);
+    handleCommand(CommandId::findAgain);
     EXPECT_EQ(programEdit->textCursor().blockNumber(), 1);
     answer(wording(Text::ok));
-    handleCommand(command::findAgain);
+    handleCommand(CommandId::findAgain);
     EXPECT_EQ(shown.back(), wording(Text::findNothing));
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("b\u2192a"));
 }

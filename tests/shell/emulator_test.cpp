@@ -44,19 +44,19 @@ struct Emulator : StartedShell {
 };
 
 TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
-    const QWidget *button = toolbar->widgetForAction(commandAction(command::emulate));
+    const QWidget *button = toolbar->widgetForAction(commandAction(CommandId::emulate));
     const int width = button->width();
     run("\\Locate 1,1,\"HI\"");
     EXPECT_TRUE(QTest::qWaitFor([this] { return hasDrawn(); }, 3000));
     EXPECT_FALSE(programEdit->isVisible());
-    EXPECT_TRUE(commandEnabled(command::screenshot));
+    EXPECT_TRUE(commandEnabled(CommandId::screenshot));
     EXPECT_EQ(button->width(), width);
     EXPECT_EQ(mainWindow->focusWidget(), window);
     EXPECT_TRUE(QTest::qWaitFor([this] { return window->accessibleDescription() == QLatin1String("HI\n"); }));
     for (const auto &[code, held] : {std::pair(Qt::Key_F10, Qt::KeyboardModifiers()), {Qt::Key_F, Qt::AltModifier}}) {
         QTest::keyClick(window, code, held);
         QWidget *menu = QApplication::activePopupWidget();
-        ASSERT_EQ(menu, menuAt(0)) << "keys of menus stay the window's";
+        ASSERT_EQ(menu, menuAt(MenuPosition::file)) << "keys of menus stay the window's";
         QTest::keyClick(menu, Qt::Key_Escape);
         QTest::keyClick(mainWindow->menuBar(), Qt::Key_Escape);
         EXPECT_TRUE(emulatorRunning && keyCode == 0);
@@ -65,7 +65,7 @@ TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
     EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
     EXPECT_FALSE(window->isVisible());
     EXPECT_TRUE(programEdit->isVisible());
-    EXPECT_FALSE(commandEnabled(command::screenshot));
+    EXPECT_FALSE(commandEnabled(CommandId::screenshot));
     EXPECT_EQ(selectedItemId(), program);
 }
 
@@ -119,7 +119,7 @@ TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
     EXPECT_FALSE(emulatorRunning);
     EXPECT_EQ(viewItemId, other);
     select(program);
-    handleCommand(command::emulate);
+    handleCommand(CommandId::emulate);
     EXPECT_TRUE(emulatorRunning);
     endProgram();
     EXPECT_FALSE(emulatorRunning);

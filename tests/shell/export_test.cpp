@@ -72,7 +72,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
         };
         ok->click();
     };
-    handleCommand(command::save);
+    handleCommand(CommandId::save);
     const std::string file = folder.read("out.cat");
     EXPECT_LT(file.find("File Name:apple"), file.find("File Name:SNAKE")) << file;
     EXPECT_EQ(file.find("TOP"), std::string::npos);
@@ -80,7 +80,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
         EXPECT_EQ(linesOf(partOf<QListWidget>("chosenItems")), (Lines{"(Games/old) apple", "(Games/old) SNAKE"}));
         EXPECT_TRUE(buttonWith<QRadioButton>(textOf(Text::exportTypeCat))->isChecked());
     };
-    handleCommand(command::save);
+    handleCommand(CommandId::save);
     EXPECT_EQ(shown, (Lines{wording(Text::toolSave)})) << "of the second time, closed with Escape";
 }
 

@@ -42,7 +42,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);
     EXPECT_NE(treeEntryOf(storeFindItem("THREE", games)), nullptr);
-    EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(command::find));
+    EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(CommandId::find));
 }
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {

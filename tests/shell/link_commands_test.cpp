@@ -23,7 +23,7 @@ struct LinkCommands : StartedShell {
         return QTest::qWaitFor([&] { return linkField->toolTip().contains(QLatin1String(text)); }, 10000);
     }
     static bool transmitQueueIs(bool enabled) {
-        return QTest::qWaitFor([&] { return commandEnabled(command::transmitQueue) == enabled; }, 10000);
+        return QTest::qWaitFor([&] { return commandEnabled(CommandId::transmitQueue) == enabled; }, 10000);
     }
     // What the calculator hears until the program has given up waiting for its answer.
     std::vector<std::uint8_t> heard() {
@@ -52,7 +52,7 @@ TEST_F(LinkCommands, QueueOnlyWaitsAndTransmitTakesAllThatWaits) {
 
     press(first, Qt::Key_F8);
     EXPECT_TRUE(transmitQueueIs(true));
-    commandAction(command::transmitQueue)->trigger();
+    commandAction(CommandId::transmitQueue)->trigger();
     EXPECT_EQ(heard(), std::vector<std::uint8_t>{0x16});
 }
 

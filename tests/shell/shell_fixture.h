@@ -14,7 +14,6 @@
 #include "settings/settings_store.h"
 #include "shell/app/start_up.h"
 #include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
 #include "shell/commands/menus.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -45,6 +44,7 @@ struct ShellTest : testing::Test {
     QPoint centreOf(ItemId id);          // in the tree's viewport
     void drag(ItemId item, ItemId target);
 
+    static bool commandEnabled(CommandId id) { return commandAction(id)->isEnabled(); }
     static ItemId add(ItemKind itemKind, const std::string &name, ItemId parent = rootId);
     static ItemId addProgram(const std::string &name, const std::string &tokens, ItemId parent = rootId);
 

@@ -90,16 +90,16 @@ TEST_F(Tree, NothingSelectsWithoutOpening) {
 }
 
 TEST_F(Tree, CommandsEndTheEditOfALabelFirst) {
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     const ItemId renamed = storeFindItem(calculatorName(wording(Text::newItemName)), rootId);
     labelEditor()->setText(QStringLiteral("Typed"));
-    handleCommand(command::newProgram);
+    handleCommand(CommandId::newProgram);
     EXPECT_EQ(storeReadEntry(renamed)->name, "Typed");
     ASSERT_NE(labelEditor(), nullptr);
     EXPECT_EQ(storeReadEntry(selectedItemId())->kind, kind::program);
     const ItemId program = selectedItemId();
     labelEditor()->setText(QStringLiteral("NINECHARS"));
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     EXPECT_EQ(shown, std::vector<std::string>{wording(Text::programNameTooLong)});
     EXPECT_EQ(labelEditor()->text(), QStringLiteral("NINECHARS"));
     QTest::keyClick(labelEditor(), Qt::Key_Up);
@@ -141,11 +141,12 @@ TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
     const ItemId program = addProgram("PROG", "A\x0DX\xDD");
     const ItemId picture = add(kind::picture, "PIC");
     refreshTree();
-    EXPECT_FALSE(commandEnabled(command::rename));
-    EXPECT_TRUE(commandEnabled(command::newProgram));
+    EXPECT_FALSE(commandEnabled(CommandId::rename));
+    EXPECT_TRUE(commandEnabled(CommandId::newProgram));
+    EXPECT_EQ(handleCommand(CommandId::deleteKey) + handleCommand(CommandId::openView), 0) << "nothing is selected";
     select(program);
-    EXPECT_TRUE(commandEnabled(command::rename));
-    EXPECT_TRUE(commandEnabled(command::remove));
+    EXPECT_TRUE(commandEnabled(CommandId::rename));
+    EXPECT_TRUE(commandEnabled(CommandId::remove));
     EXPECT_TRUE(programEdit->isVisible());
     EXPECT_EQ(programEdit->toPlainText().left(3), QStringLiteral("A\nX"));
     EXPECT_EQ(itemField->text(), textOf(Text::size, {"6"}));
@@ -155,19 +156,19 @@ TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
 }
 
 TEST_F(Tree, NewItemsTakeFreeNamesAndTheirLabelsOpen) {
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     ASSERT_NE(labelEditor(), nullptr);
     const QString name = labelEditor()->text();
     typeKeys(QStringLiteral("Games"));
     QTest::keyClick(labelEditor(), Qt::Key_Return);
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     QTest::keyClick(labelEditor(), Qt::Key_Escape);
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     QTest::keyClick(labelEditor(), Qt::Key_Escape);
     EXPECT_EQ(rootNames(), QStringList({QStringLiteral("Games"), name, name + QStringLiteral(" 2")}));
     const ItemId games = storeFindItem("games", rootId);
     select(games);
-    handleCommand(command::newProgram);
+    handleCommand(CommandId::newProgram);
     ASSERT_NE(labelEditor(), nullptr);
     typeKeys(QStringLiteral("SNAKE"));
     QTest::keyClick(labelEditor(), Qt::Key_Return);
@@ -238,7 +239,7 @@ TEST_F(Tree, RefusedNamesAreToldAndStayInTheEditor) {
     labelEditor()->setText(QStringLiteral("TAKEN"));
     const std::size_t told = shown.size();
     QTest::mouseClick(programEdit->viewport(), Qt::LeftButton);
-    handleCommand(command::newFolder);
+    handleCommand(CommandId::newFolder);
     EXPECT_EQ(shown.size(), told + 1) << "one box, though both the lost focus and the command end the edit";
     labelEditor()->setText(QStringLiteral("EIGHTCHR"));
     QTest::keyClick(labelEditor(), Qt::Key_Return);
@@ -287,8 +288,8 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
     EXPECT_EQ(shown.size(), 3u);
-    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
-    auto *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    emit menuAt(MenuPosition::edit)->aboutToShow();
+    auto *undoAction = commandAction(CommandId::undo);
     EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
     undoAction->trigger();
     EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
@@ -319,7 +320,7 @@ TEST_F(Tree, HidesAndShowsWithItsColumn) {
     QTest::mouseClick(treeToggleButton, Qt::LeftButton);
     EXPECT_FALSE(treeView->isVisible());
     EXPECT_EQ(containerWindow->width(), clientArea->width() - 12);
-    EXPECT_TRUE(commandAction(command::hideTree)->isChecked());
+    EXPECT_TRUE(commandAction(CommandId::hideTree)->isChecked());
     QTest::keyClick(mainWindow, Qt::Key_F11);
     EXPECT_TRUE(treeView->isVisible());
 }
@@ -349,8 +350,8 @@ TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     }
     refreshTree();
     select(games);
-    emit menuAt(static_cast<int>(MenuPosition::edit))->aboutToShow();
-    QAction *undoAction = mainWindow->findChild<QAction *>(QStringLiteral("undoAction"));
+    emit menuAt(MenuPosition::edit)->aboutToShow();
+    QAction *undoAction = commandAction(CommandId::undo);
     EXPECT_EQ(undoAction->text(), textOf(Text::undoReplacement, {"XY"}));
     undoAction->trigger();
     EXPECT_TRUE(storeReadEntry(program)) << "all of it in one step";

@@ -73,7 +73,7 @@ TEST_F(Views, ABitmapHasAFileNameOfItsItemsAndNeverReplacesTheLibrary) {
             QTest::keyClick(typed, Qt::Key_Return);
             answerBoxes = true;
         });
-        handleCommand(command::saveBitmap);
+        handleCommand(CommandId::saveBitmap);
         answerBoxes = true;
     }
     ASSERT_EQ(shown.size(), 2u);
@@ -94,7 +94,7 @@ TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
         EXPECT_TRUE(refused->isVisible());
     });
     answer(wording(Text::ok));
-    handleCommand(command::password);
+    handleCommand(CommandId::password);
     StoredItem item;
     ASSERT_TRUE(storeReadItem(id, item));
     EXPECT_EQ(decodeProgramInfo(item.head)->password, "SECRETS9");
@@ -105,7 +105,7 @@ TEST_F(Views, PasswordTakesEightCharactersAndIsNeverShown) {
 TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
     for (const char *key : programColorKeys) settingsSetColour(key, 0);
     settingsSetInt(setting::syntaxHighlighting, 0);
-    handleCommand(command::settings);  // Escape
+    handleCommand(CommandId::settings);  // Escape
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0);
     QTimer::singleShot(0, [] {
         QWidget *dialog = QApplication::activeModalWidget();
@@ -114,7 +114,7 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
     });
     answer(wording(Text::schemeDark));
     answer(wording(Text::cancel));
-    handleCommand(command::settings);
+    handleCommand(CommandId::settings);
     EXPECT_EQ(shown[1], wording(Text::colorsAllBlack));
     QTimer::singleShot(0, [] {
         QWidget *dialog = QApplication::activeModalWidget();
@@ -123,7 +123,7 @@ TEST_F(Views, SettingsTakeASchemeAtOneClickAndCancelChangesNothing) {
         dialog->findChild<QComboBox *>(QString::fromLatin1(setting::comPort))->setEditText(QStringLiteral("ttyS7"));
     });
     answer(wording(Text::ok));
-    handleCommand(command::settings);
+    handleCommand(CommandId::settings);
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);
     EXPECT_EQ(settingsValue(setting::comPort), "ttyS7");

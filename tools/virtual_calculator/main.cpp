@@ -54,6 +54,13 @@ std::string fileNameOf(const calculator::Item &item, std::size_t number) {
     return std::to_string(number) + "-" + name + ".cas";
 }
 
+// The first number from this one on under which the folder holds no such file: what came earlier stays.
+std::size_t freeNumber(const std::string &folder, const calculator::Item &item, std::size_t number) {
+    std::error_code ignored;
+    while (!folder.empty() && std::filesystem::exists(folder + "/" + fileNameOf(item, number), ignored)) number++;
+    return number;
+}
+
 // False when a file could not be written.
 bool writeReceived(const std::string &folder, const calculator::Item &item, std::size_t number) {
     const std::string name = fileNameOf(item, number);
@@ -89,6 +96,17 @@ void sendNoise(int master, int count, std::uint64_t seed) {
     }
 }
 
+// Gives the port a lasting name in the place of an earlier run's, and of nothing else that lies there.
+bool linkPort(const std::string &port, const std::string &link) {
+    std::error_code failure;
+    const auto target = std::filesystem::status(link, failure).type();
+    const bool isPort =
+        std::filesystem::is_symlink(link, failure) &&
+        (target == std::filesystem::file_type::character || target == std::filesystem::file_type::not_found);
+    if (isPort) unlink(link.c_str());
+    return symlink(port.c_str(), link.c_str()) == 0;
+}
+
 int run(Options options) {
     const numalink::PseudoTerminal terminal;
     const int master = terminal.master;
@@ -97,8 +115,11 @@ int run(Options options) {
     // Only after one end has been opened and closed does the other tell whether somebody is there.
     ::close(::open(path.c_str(), O_RDWR | O_NOCTTY));
     if (!options.linkPath.empty()) {
-        unlink(options.linkPath.c_str());
-        if (symlink(path.c_str(), options.linkPath.c_str()) == 0) path = options.linkPath;
+        if (!linkPort(path, options.linkPath)) {
+            std::fprintf(stderr, "numalink-calculator: %s is taken, or can't be made\n", options.linkPath.c_str());
+            return 2;
+        }
+        path = options.linkPath;
     }
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
@@ -117,7 +138,8 @@ int run(Options options) {
     std::size_t taken = 0;
     bool allWritten = true;
     options.moving.taken = [&](const calculator::Item &item) {
-        if (!writeReceived(options.folder, item, ++taken)) allWritten = false;
+        taken = freeNumber(options.folder, item, taken + 1);
+        if (!writeReceived(options.folder, item, taken)) allWritten = false;
     };
     bool begun = false;
     while (!stop) {

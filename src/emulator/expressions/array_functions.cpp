@@ -1,9 +1,10 @@
-// Dim, Identity, Sum and the three function calls.
+// Dim, Identity, Sum, Augment(, List to Mat( and Seq(.
 #include "emulator/expressions/array_functions.h"
 
 #include <algorithm>
 #include <numeric>
 
+#include "emulator/expressions/calls.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
@@ -12,35 +13,18 @@ namespace numalink {
 
 namespace {
 
-// The arguments of a call: the cells behind its token.
-struct Arguments {
-    ProgramCell *cells;
-    int first;
-    int count;
-
-    int end() const { return first + count; }
-};
-
-// A call's result; kind number with value 0 after a report.
-using CallResult = ProgramCell;
-
-CallResult refused(void (*report)()) {
-    report();
-    return numberCell({});
-}
-
-CallResult augment(const Arguments &arguments) {
+ProgramCell augment(const CallArguments &arguments) {
     const ProgramCell *cells = arguments.cells + arguments.first;
     if (arguments.count != 3 || cells[0].kind != CellKind::matrix || !isToken(cells[1], token::comma) ||
         cells[2].kind != CellKind::matrix)
-        return refused(synError);
+        return refusedCall(synError);
     MatrixSlot joined = nullptr;
     if (!matrixAugment(ownedTemporarily, joined, cells[0].matrix, cells[2].matrix)) return numberCell({});
     return arrayCell(CellKind::matrix, joined);
 }
 
 // The array of the argument at place, which moves behind it; null after a report.
-const MatrixDescriptor *listArgument(const Arguments &arguments, int &place) {
+const MatrixDescriptor *listArgument(const CallArguments &arguments, int &place) {
     if (place < arguments.end() && arguments.cells[place].kind == CellKind::list)
         return arguments.cells[place++].matrix;
     if (place < arguments.end() && isToken(arguments.cells[place], token::list)) place++;
@@ -54,7 +38,7 @@ const MatrixDescriptor *listArgument(const Arguments &arguments, int &place) {
     return *slot;
 }
 
-CallResult listToMatrix(const Arguments &arguments) {
+ProgramCell listToMatrix(const CallArguments &arguments) {
     MatrixSlot joined = nullptr;
     bool reported = false;
     int place = arguments.first;
@@ -82,7 +66,7 @@ bool hasDirection(const Sequence &sequence) {
 }
 
 // Behind the expression stand, one cell each: comma, variable, comma, start, comma, end, comma, step.
-bool readSequence(const Arguments &arguments, Sequence &sequence) {
+bool readSequence(const CallArguments &arguments, Sequence &sequence) {
     constexpr int cellsBehindExpression = 8;
     const ProgramCell *cells = arguments.cells + arguments.first;
     const auto isComma = [](const ProgramCell &cell) { return isToken(cell, token::comma); };
@@ -128,10 +112,10 @@ int runSequence(const Sequence &sequence, double *results) {
     return reported ? -1 : resultCount;
 }
 
-CallResult makeSequence(const Arguments &arguments) {
+ProgramCell makeSequence(const CallArguments &arguments) {
     Sequence sequence;
-    if (!readSequence(arguments, sequence)) return refused(argError);
-    if (sequence.expressionCount > sequenceCellLimit) return refused(synError);
+    if (!readSequence(arguments, sequence)) return refusedCall(argError);
+    if (sequence.expressionCount > sequenceCellLimit) return refusedCall(synError);
     double results[elementLimit];
     const int count = runSequence(sequence, results);
     if (count < 0) return numberCell({});
@@ -140,27 +124,7 @@ CallResult makeSequence(const Arguments &arguments) {
     return arrayCell(CellKind::list, list);
 }
 
-struct CallRow {
-    Token token;
-    const char *name = nullptr;
-    CallResult (*run)(const Arguments &arguments) = nullptr;
-};
-
-constexpr CallRow calls[] = {
-    {{0x7F, 0x2C}, "Seq(", makeSequence},
-    {{0x7F, 0x49}, "Augment(", augment},
-    {{0x7F, 0x4A}, "List to Mat(", listToMatrix},
-};
-
-}  // namespace
-
-void evaluateFunctionCall(ProgramCell *cells, int open, int count) {
-    const Arguments arguments{cells, open + 1, count};
-    const auto call = std::ranges::find_if(calls, [&](const CallRow &row) { return isToken(cells[open], row.token); });
-    cells[open] = call == std::end(calls) ? refused(synError) : call->run(arguments);
-    blankCells(cells, open + 1, open + 1 + count);
-}
-
+// The prefix at p with its operand behind it; the operand is blanked unless Sum finds no list.
 void evaluateDim(ProgramCell *cells, int p) {
     const ProgramCell &operand = cells[p + 1];
     if (operand.kind == CellKind::matrix) {
@@ -198,5 +162,18 @@ void evaluateSum(ProgramCell *cells, int p) {
     makeNumber(cells[p], complexReal(std::accumulate(elements, elements + matrixSize(operand.matrix), 0.0)));
     makeBlank(cells[p + 1]);
 }
+
+constexpr OperatorRow rows[] = {
+    call({0x7F, 0x2C}, "Seq(", makeSequence),         call({0x7F, 0x49}, "Augment(", augment),
+    call({0x7F, 0x4A}, "List to Mat(", listToMatrix),
+
+    onArrays({0x7F, 0x46}, "Dim", evaluateDim),       onArrays({0x7F, 0x48}, "Identity", evaluateIdentity),
+    onArrays({0x7F, 0x4C}, "Sum", evaluateSum),
+};
+static_assert(stepsRise(rows));
+
+}  // namespace
+
+std::span<const OperatorRow> arrayRows() { return rows; }
 
 }  // namespace numalink

@@ -22,6 +22,8 @@ struct EvaluatorStep {
 // Precedence is the order of these rows.
 constexpr EvaluatorStep evaluatorSteps[] = {
     {Step::none, "", nullptr, false},
+    {Step::baseNumbers, "digits of other bases", readBaseNumbers, false},
+    {Step::quotedCalls, "calls of expressions", closeQuotedCalls, false},
     {Step::arrays, "array variables", resolveArrays, false},
     {Step::subscripts, "subscripts", resolveSubscripts, false},
     {Step::literals, "literals", makeLiterals, false},
@@ -36,6 +38,7 @@ constexpr EvaluatorStep evaluatorSteps[] = {
     {Step::secondProduct, "implicit product, second", multiplyNeighbours, true},
     {Step::prefix, "prefixes", applyPrefixes, true},
     {Step::thirdProduct, "implicit product, third", multiplyNeighbours, true},
+    {Step::combination, "nPr, nCr", applyBinary<Step::combination>, true},
     {Step::multiplication, "times and divide", applyBinary<Step::multiplication>, true},
     {Step::sign, "signs", applySigns, true},
     {Step::addition, "plus and minus", applyBinary<Step::addition>, true},
@@ -97,6 +100,8 @@ void findSteps(Stretch &stretch) {
             steps |= facts.steps;
             isValue = facts.variable != nullptr;
             standsBetween = facts.standsBetween;
+        } else if (cell.kind == CellKind::number) {
+            if (machine.numberBase != decimalBase) steps |= maskOf(Step::baseNumbers);
         } else if (cell.kind == CellKind::blank) {
             stretch.hasBlanks = true;
         }

@@ -16,13 +16,30 @@ namespace numalink {
 namespace {
 
 ComplexValue unaryValue(const OperatorRow &row, ComplexValue operand) {
-    return recording == nullptr ? row.unary(operand) : recordUnary(row, operand);
+    return recording == nullptr ? unaryResult(row, operand) : recordUnary(row, operand);
+}
+
+ComplexValue binaryValue(const OperatorRow &row, ComplexValue left, ComplexValue right) {
+    if (recording != nullptr) return recordBinary(row, left, right);
+    const ComplexValue result = binaryResult(row, left, right);
+    return machine.numberBase == decimalBase ? result : complexReal(std::trunc(result.re));
+}
+
+void takeInput(Stretch &stretch, const OperatorRow &row) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        if (operatorRow(stretch.cells[p], Step::inputs) != &row) continue;
+        makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row));
+    }
+}
+
+void applyUnary(ProgramCell &target, const ProgramCell &operand, const OperatorRow &row) {
+    if (isNumber(operand)) return makeNumber(target, unaryValue(row, operand.value));
+    synError();
+    makeNumber(target, row.unary(operand.value));
 }
 
 void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
-    ProgramCell &operand = stretch.cells[p + 1];
-    if (!isNumber(operand)) synError();
-    makeNumber(stretch.cells[p], unaryValue(row, operand.value));
+    applyUnary(stretch.cells[p], stretch.cells[p + 1], row);
     stretch.blank(p + 1);
 }
 
@@ -34,11 +51,28 @@ void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
         synError();
         makeNumber(right, row.binary(left.value, right.value));
     } else {
-        makeNumber(right, recording == nullptr ? binaryResult(row, left.value, right.value)
-                                               : recordBinary(row, left.value, right.value));
+        makeNumber(right, binaryValue(row, left.value, right.value));
     }
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
+}
+
+// As on the calculators: a fraction binds like a power, and three numbers are a whole one and a fraction.
+void applyFractions(Stretch &stretch) {
+    const auto isMark = [&](int p) { return isToken(stretch.cellOrNothing(p), token::fractionMark); };
+    const auto hasNumber = [&](int p) { return isNumber(stretch.cellOrNothing(p)); };
+    for (int p = stretch.first + 1; p < stretch.end() - 1; p++) {
+        if (!isMark(p) || !hasNumber(p - 1) || !hasNumber(p + 1) || refusesRecording()) continue;
+        const bool isMixed = isMark(p + 2) && hasNumber(p + 3);
+        const int last = isMixed ? p + 3 : p + 1;
+        const ComplexValue left = stretch.cells[p - 1].value, right = stretch.cells[last].value;
+        ComplexValue result = complexDiv(isMixed ? stretch.cells[p + 1].value : left, right);
+        if (isMixed) result = complexAdd(left, result);
+        makeNumber(stretch.cells[last], result);
+        for (int i = p - 1; i < last; i++) stretch.blank(i);
+        p = last;
+    }
+    stretch.compact();
 }
 
 }  // namespace
@@ -79,11 +113,10 @@ void callGraphFunctions(Stretch &stretch) {
 }
 
 void takeInputs(Stretch &stretch) {
-    for (const OperatorRow &row : operatorRows()) {
-        if (row.step > Step::inputs) break;
-        for (int p = stretch.first; p < stretch.end(); p++) {
-            if (operatorRow(stretch.cells[p], Step::inputs) != &row) continue;
-            makeNumber(stretch.cells[p], recording == nullptr ? row.source() : recordSource(row));
+    for (const OperatorGroup group : operatorGroups()) {
+        for (const OperatorRow &row : group()) {
+            if (row.step > Step::inputs) break;
+            takeInput(stretch, row);
         }
     }
 }
@@ -99,14 +132,13 @@ void applyPostfixes(Stretch &stretch) {
     for (int p = stretch.first + 1; p < stretch.end(); p++) {
         const OperatorRow *row = operatorRow(stretch.cells[p], Step::postfix);
         if (row == nullptr) continue;
-        const ProgramCell &operand = stretch.cells[p - 1];
-        if (!isNumber(operand)) synError();
-        makeNumber(stretch.cells[p], unaryValue(*row, operand.value));
+        applyUnary(stretch.cells[p], stretch.cells[p - 1], *row);
         stretch.blank(p - 1);
     }
 }
 
 void applyPowers(Stretch &stretch) {
+    if (machine.calculatorModes) applyFractions(stretch);
     for (int p = stretch.first; p < stretch.end() - 1; p++) {
         if (const OperatorRow *row = operatorRow(stretch.cells[p], Step::power)) applyBinaryAt(stretch, p, *row);
     }
@@ -140,6 +172,7 @@ void applyBinary(Stretch &stretch) {
         if (const OperatorRow *row = operatorRow(stretch.cells[p], step)) applyBinaryAt(stretch, p, *row);
     }
 }
+template void applyBinary<Step::combination>(Stretch &stretch);
 template void applyBinary<Step::multiplication>(Stretch &stretch);
 template void applyBinary<Step::addition>(Stretch &stretch);
 template void applyBinary<Step::relation>(Stretch &stretch);

@@ -28,6 +28,8 @@ struct Stretch {
 // Evaluates the cells low to high of the stretch and compacts it around the result.
 void evaluateWithin(Stretch &stretch, int low, int high);
 
+void readBaseNumbers(Stretch &stretch);
+void closeQuotedCalls(Stretch &stretch);
 void resolveArrays(Stretch &stretch);
 void resolveSubscripts(Stretch &stretch);
 void makeLiterals(Stretch &stretch);
@@ -43,7 +45,7 @@ void applyPowers(Stretch &stretch);
 void applyPrefixes(Stretch &stretch);
 void applySigns(Stretch &stretch);
 template <Step step>
-void applyBinary(Stretch &stretch);  // multiplication, addition, relation, logicalAnd, logicalOr
+void applyBinary(Stretch &stretch);  // combination, multiplication, addition, relation, logicalAnd, logicalOr
 void clearLonePoint(Stretch &stretch);
 
 // The steps that have something to do at the cells of the stretch, and whether it holds blanks.

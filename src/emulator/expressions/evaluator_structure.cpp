@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "emulator/expressions/array_functions.h"
+#include "emulator/expressions/calls.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
 #include "emulator/expressions/recording.h"
@@ -191,6 +191,18 @@ void closePair(Stretch &stretch, OpenParenthesis open, int close) {
     stretch.compact();
 }
 
+// The place of the parenthesis that closes the one at p, or the end of the stretch where it is missing.
+int findClosing(const Stretch &stretch, int p) {
+    int depth = 0;
+    for (int i = p; i < stretch.end(); i++) {
+        const ProgramCell &cell = stretch.cells[i];
+        if (cell.kind != CellKind::token) continue;
+        if (factsOf(cell).opening != Opening::none) depth++;
+        if (isToken(cell, token::closeParenthesis) && --depth == 0) return i;
+    }
+    return stretch.end();
+}
+
 void removeWithReport(Stretch &stretch, int p) {
     synError();
     stretch.blank(p);
@@ -224,6 +236,19 @@ bool closeInnermost(Stretch &stretch) {
 }
 
 }  // namespace
+
+// Outermost first: what stands within is written out, not evaluated.
+void closeQuotedCalls(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        const OperatorRow *row = operatorRow(stretch.cells[p], Step::quotedCalls);
+        if (row == nullptr) continue;
+        if (refusesRecording()) return;
+        const int close = findClosing(stretch, p);
+        stretch.cells[p] = row->call({stretch.cells, p + 1, close - p - 1});
+        blankCells(stretch.cells, p + 1, std::min(close + 1, stretch.end()));
+        stretch.compact();
+    }
+}
 
 void resolveArrays(Stretch &stretch) {
     for (int p = stretch.first; p + 1 < stretch.end(); p++) {

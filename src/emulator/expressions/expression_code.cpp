@@ -51,6 +51,12 @@ OperationCode codeOf(const OperatorRow &row) {
     return OperationCode::otherBinary;
 }
 
+ComplexValue unaryResult(const OperatorRow &row, ComplexValue operand) {
+    const ComplexValue result = row.unary(operand);
+    holdToBound(row, operand, {}, result);
+    return result;
+}
+
 ComplexValue binaryResult(const OperatorRow &row, ComplexValue left, ComplexValue right) {
     const ComplexValue result = row.binary(left, right);
     holdToBound(row, left, right, result);
@@ -95,7 +101,7 @@ void carryOut(const Operation *operations, int count) {
                 *operation.result = binaryResult(*operation.row, *operation.left, *operation.right);
                 break;
             case OperationCode::otherUnary:
-                *operation.result = operation.row->unary(*operation.left);
+                *operation.result = unaryResult(*operation.row, *operation.left);
                 break;
             case OperationCode::source:
                 *operation.result = operation.row->source();

@@ -50,6 +50,7 @@ void carryOut(const Operation *operations, int count);
 // The code of a binary operation that has one of its own, else otherBinary.
 OperationCode codeOf(const OperatorRow &row);
 // What the row computes of two values, reported where it is held to a bound and lies beyond.
+ComplexValue unaryResult(const OperatorRow &row, ComplexValue operand);
 ComplexValue binaryResult(const OperatorRow &row, ComplexValue left, ComplexValue right);
 
 }  // namespace numalink

@@ -1,6 +1,7 @@
 // What the evaluator knows of a token: the steps that act on it, on what, and what it computes. Any thread.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -11,6 +12,8 @@ namespace numalink {
 // The steps of evaluate in their order, which is the precedence of the language.
 enum class Step : std::uint8_t {
     none,
+    baseNumbers,  // digits in the base in use or told ahead of them
+    quotedCalls,  // calls that take an expression as it is written
     arrays,
     subscripts,
     literals,
@@ -25,6 +28,7 @@ enum class Step : std::uint8_t {
     secondProduct,
     prefix,
     thirdProduct,
+    combination,
     multiplication,
     sign,
     addition,
@@ -33,7 +37,7 @@ enum class Step : std::uint8_t {
     logicalOr,
     lonePoint
 };
-inline constexpr int stepCount = 22;  // with none
+inline constexpr int stepCount = 25;  // with none
 
 using StepMask = std::uint32_t;
 constexpr StepMask maskOf(Step step) { return StepMask{1} << static_cast<int>(step); }
@@ -49,6 +53,16 @@ enum class Bound : std::uint8_t {
 };
 inline constexpr double largestResult = 9.999999999e99;
 
+// The arguments of a call: the cells behind its token, up to the closing place.
+struct CallArguments {
+    ProgramCell *cells = nullptr;
+    int first = 0;
+    int count = 0;
+
+    int end() const { return first + count; }
+};
+using CallOperation = ProgramCell (*)(const CallArguments &arguments);  // a number of 0 after a report
+
 struct OperatorRow {
     Token token;
     Step step = Step::none;
@@ -57,8 +71,38 @@ struct OperatorRow {
     BinaryOperation binary = nullptr;                // left and right
     ComplexValue (*source)() = nullptr;              // a value from nowhere: GetKey, i, ?, Ran#, pi
     void (*onArrays)(ProgramCell *, int) = nullptr;  // Dim, Identity, Sum: the cell of the token
+    CallOperation call = nullptr;                    // parentheses and quotedCalls
     Bound bound = Bound::none;
 };
+
+// A group's table stands in a file of its own and is made with these; steps rise within it.
+template <std::size_t count>
+constexpr bool stepsRise(const OperatorRow (&rows)[count]) {
+    return std::ranges::is_sorted(rows, {}, &OperatorRow::step);
+}
+constexpr OperatorRow source(Token token, const char *name, ComplexValue (*value)()) {
+    return {.token = token, .step = Step::inputs, .name = name, .source = value};
+}
+constexpr OperatorRow unary(Token token, Step step, const char *name, UnaryOperation operation,
+                            Bound bound = Bound::none) {
+    return {.token = token, .step = step, .name = name, .unary = operation, .bound = bound};
+}
+constexpr OperatorRow binary(Token token, Step step, const char *name, BinaryOperation operation,
+                             Bound bound = Bound::none) {
+    return {.token = token, .step = step, .name = name, .binary = operation, .bound = bound};
+}
+constexpr OperatorRow onArrays(Token token, const char *name, void (*operation)(ProgramCell *, int)) {
+    return {.token = token, .step = Step::prefix, .name = name, .onArrays = operation};
+}
+// The token's text ends in the opening parenthesis. The arguments have had the steps ahead of the parentheses, and what
+// stands in parentheses within them is evaluated.
+constexpr OperatorRow call(Token token, const char *name, CallOperation operation) {
+    return {.token = token, .step = Step::parentheses, .name = name, .call = operation};
+}
+// The same with the arguments as they are written, ahead of every step.
+constexpr OperatorRow quotedCall(Token token, const char *name, CallOperation operation) {
+    return {.token = token, .step = Step::quotedCalls, .name = name, .call = operation};
+}
 
 // Whether a token opens a pair of parentheses, and whether it is a function call. It follows the token table as it was
 // when refreshOpeningTokens (vocabulary.h) last ran.

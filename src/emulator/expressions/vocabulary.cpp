@@ -1,11 +1,15 @@
-// The operator rows, and the table of token facts that the evaluator's passes look into.
+// The basic operator rows, the groups of all rows, and the table of token facts that the evaluator's passes look into.
 #include "emulator/expressions/vocabulary.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "emulator/expressions/angles.h"
 #include "emulator/expressions/array_functions.h"
+#include "emulator/expressions/calculus_functions.h"
 #include "emulator/expressions/complex_math.h"
+#include "emulator/expressions/number_functions.h"
+#include "emulator/expressions/statistics_functions.h"
 #include "emulator/machine/key_port.h"
 #include "emulator/screens/number_input.h"
 #include "text/token_table.h"
@@ -38,9 +42,24 @@ template <double (*function)(double)>
 Value ofReal(Value a) {
     return complexReal(function(a.re));
 }
+// The same of an angle in the unit of the machine, and one that gives an angle.
+template <double (*function)(double, AngleUnit)>
+Value ofAngle(Value a) {
+    return complexReal(function(a.re, machine.angleUnit));
+}
+template <double (*function)(double)>
+Value toAngle(Value a) {
+    return complexReal(function(a.re) / radiansPerUnit(machine.angleUnit));
+}
+Value argumentOf(Value a) { return complexReal(complexArg(a).re / radiansPerUnit(machine.angleUnit)); }
 double cubeRoot(double x) { return std::pow(x, 1.0 / 3.0); }
 double integerPart(double x) { return wrappedInteger(x); }
 double notZero(double x) { return x == 0 ? 1 : 0; }
+
+// In another base than ten, all bits the other way about.
+Value notOrComplement(Value a) {
+    return complexReal(machine.numberBase == decimalBase ? notZero(a.re) : ~wrappedInteger(a.re));
+}
 
 Value negated(Value a) { return complexMake(-a.re, -a.im); }
 Value integerParts(Value a) { return complexMake(integerPart(a.re), integerPart(a.im)); }
@@ -55,20 +74,6 @@ Value either(Value a, Value b) { return truth(a.re != 0 || b.re != 0); }
 Value bitsOfBoth(Value a, Value b) { return complexReal(wrappedInteger(a.re) & wrappedInteger(b.re)); }
 Value bitsOfEither(Value a, Value b) { return complexReal(wrappedInteger(a.re) | wrappedInteger(b.re)); }
 
-constexpr OperatorRow source(Token token, const char *name, Value (*value)()) {
-    return {.token = token, .step = Step::inputs, .name = name, .source = value};
-}
-constexpr OperatorRow unary(Token token, Step step, const char *name, UnaryOperation operation) {
-    return {.token = token, .step = step, .name = name, .unary = operation};
-}
-constexpr OperatorRow binary(Token token, Step step, const char *name, BinaryOperation operation,
-                             Bound bound = Bound::none) {
-    return {.token = token, .step = step, .name = name, .binary = operation, .bound = bound};
-}
-constexpr OperatorRow onArrays(Token token, const char *name, void (*operation)(ProgramCell *, int)) {
-    return {.token = token, .step = Step::prefix, .name = name, .onArrays = operation};
-}
-
 // The sources stand in the order in which they go through a stretch; other steps in rising order of their tokens.
 constexpr OperatorRow rows[] = {
     source({0x7F, 0x8F}, "GetKey", getKeyValue),
@@ -77,7 +82,7 @@ constexpr OperatorRow rows[] = {
     source({0xC1}, "Ran#", randomValue),
     source({0xD0}, "pi", piValue),
 
-    unary({0x7F, 0x22}, Step::complexPrefix, "Arg", complexArg),
+    unary({0x7F, 0x22}, Step::complexPrefix, "Arg", argumentOf),
     unary({0x7F, 0x23}, Step::complexPrefix, "Conjg", conjugate),
     unary({0x7F, 0x24}, Step::complexPrefix, "ReP", realPart),
     unary({0x7F, 0x25}, Step::complexPrefix, "ImP", imaginaryPart),
@@ -88,19 +93,16 @@ constexpr OperatorRow rows[] = {
     binary({0xA8}, Step::power, "power", complexPow, Bound::unlessPositive),
     binary({0xB8}, Step::power, "x-th root", complexRoot, Bound::unlessPositive),
 
-    onArrays({0x7F, 0x46}, "Dim", evaluateDim),
-    onArrays({0x7F, 0x48}, "Identity", evaluateIdentity),
-    onArrays({0x7F, 0x4C}, "Sum", evaluateSum),
     unary({0x7F, 0xB3}, Step::prefix, "Not", ofReal<notZero>),
-    unary({0x81}, Step::prefix, "sin", ofReal<std::sin>),
-    unary({0x82}, Step::prefix, "cos", ofReal<std::cos>),
-    unary({0x83}, Step::prefix, "tan", ofReal<std::tan>),
+    unary({0x81}, Step::prefix, "sin", ofAngle<sineOf>),
+    unary({0x82}, Step::prefix, "cos", ofAngle<cosineOf>),
+    unary({0x83}, Step::prefix, "tan", ofAngle<tangentOf>),
     unary({0x85}, Step::prefix, "ln", ofReal<std::log>),
     unary({0x86}, Step::prefix, "square root", ofReal<std::sqrt>),
     unary({0x87}, Step::prefix, "(-)", negated),
-    unary({0x91}, Step::prefix, "arc sin", ofReal<std::asin>),
-    unary({0x92}, Step::prefix, "arc cos", ofReal<std::acos>),
-    unary({0x93}, Step::prefix, "arc tan", ofReal<std::atan>),
+    unary({0x91}, Step::prefix, "arc sin", toAngle<std::asin>),
+    unary({0x92}, Step::prefix, "arc cos", toAngle<std::acos>),
+    unary({0x93}, Step::prefix, "arc tan", toAngle<std::atan>),
     unary({0x95}, Step::prefix, "log", ofReal<std::log10>),
     unary({0x96}, Step::prefix, "cube root", ofReal<cubeRoot>),
     unary({0x97}, Step::prefix, "Abs", complexAbs),
@@ -108,7 +110,7 @@ constexpr OperatorRow rows[] = {
     unary({0xA2}, Step::prefix, "cosh", ofReal<std::cosh>),
     unary({0xA3}, Step::prefix, "tanh", ofReal<std::tanh>),
     unary({0xA6}, Step::prefix, "Int", integerParts),
-    unary({0xA7}, Step::prefix, "Not", ofReal<notZero>),
+    unary({0xA7}, Step::prefix, "Not", notOrComplement),
     unary({0xB6}, Step::prefix, "Frac", fractions),
     unary({0xDE}, Step::prefix, "Intg", floors),
 
@@ -134,7 +136,12 @@ constexpr OperatorRow rows[] = {
     binary({0x7F, 0xB1}, Step::logicalOr, "Or", either),
     binary({0xAA}, Step::logicalOr, "or", bitsOfEither),
 };
-static_assert(std::ranges::is_sorted(rows, {}, &OperatorRow::step), "operator rows stand in the order of the steps");
+static_assert(stepsRise(rows));
+
+std::span<const OperatorRow> basicRows() { return rows; }
+
+// The groups. A token has one row in all of them, plus and minus two.
+constexpr OperatorGroup groups[] = {basicRows, arrayRows, numberRows, calculusRows, statisticsRows};
 
 // The tokens of the steps that aren't operators.
 struct StructureRow {
@@ -142,6 +149,17 @@ struct StructureRow {
     StepMask steps = 0;
 };
 constexpr StructureRow structure[] = {
+    {token::fractionMark, maskOf(Step::power)},  // with calculator modes, applyPowers takes it first
+    {{0x1A}, maskOf(Step::baseNumbers)},         // the digits A to F
+    {{0x1B}, maskOf(Step::baseNumbers)},
+    {{0x1C}, maskOf(Step::baseNumbers)},
+    {{0x1D}, maskOf(Step::baseNumbers)},
+    {{0x1E}, maskOf(Step::baseNumbers)},
+    {{0x1F}, maskOf(Step::baseNumbers)},
+    {{0x84}, maskOf(Step::baseNumbers)},  // h, d, o, b ahead of digits
+    {{0x94}, maskOf(Step::baseNumbers)},
+    {{0xA4}, maskOf(Step::baseNumbers)},
+    {{0xB4}, maskOf(Step::baseNumbers)},
     {token::list, maskOf(Step::arrays)},
     {token::matrix, maskOf(Step::arrays)},
     {token::openBracket, maskOf(Step::subscripts) | maskOf(Step::literals)},
@@ -152,9 +170,9 @@ constexpr StructureRow structure[] = {
 };
 
 // A plus or minus is one of them where it stands between two values.
-constexpr StepMask binarySteps = maskOf(Step::power) | maskOf(Step::multiplication) | maskOf(Step::sign) |
-                                 maskOf(Step::addition) | maskOf(Step::relation) | maskOf(Step::logicalAnd) |
-                                 maskOf(Step::logicalOr);
+constexpr StepMask binarySteps = maskOf(Step::power) | maskOf(Step::combination) | maskOf(Step::multiplication) |
+                                 maskOf(Step::sign) | maskOf(Step::addition) | maskOf(Step::relation) |
+                                 maskOf(Step::logicalAnd) | maskOf(Step::logicalOr);
 
 constexpr Token firstGraphFunction{0x14}, lastGraphFunction{0x19};
 
@@ -169,10 +187,12 @@ Opening openingOfToken(Token token) {
 
 TokenFacts factsOfToken(Token token) {
     TokenFacts facts;
-    for (const OperatorRow &row : rows) {
-        if (row.token != token) continue;
-        facts.steps |= maskOf(row.step);
-        (row.step == Step::sign ? facts.sign : facts.row) = &row;
+    for (const OperatorGroup group : groups) {
+        for (const OperatorRow &row : group()) {
+            if (row.token != token) continue;
+            facts.steps |= maskOf(row.step);
+            (row.step == Step::sign ? facts.sign : facts.row) = &row;
+        }
     }
     for (const StructureRow &row : structure) {
         if (row.token == token) facts.steps |= row.steps;
@@ -191,7 +211,7 @@ TokenFacts factsOfToken(Token token) {
 
 void randomRestart() { chanceState = firstChance; }
 
-std::span<const OperatorRow> operatorRows() { return rows; }
+std::span<const OperatorGroup> operatorGroups() { return groups; }
 
 void refreshOpeningTokens() {
     constexpr std::uint8_t leads[] = {0, 0x7F, 0xF7};

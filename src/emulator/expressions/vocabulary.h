@@ -7,7 +7,8 @@
 
 namespace numalink {
 
-std::span<const OperatorRow> operatorRows();  // in the order of the steps, then of the tokens
+using OperatorGroup = std::span<const OperatorRow> (*)();
+std::span<const OperatorGroup> operatorGroups();  // in the order in which their sources go through a stretch
 
 // Begins the sequence of Ran# anew: for whoever runs a program twice and compares. Else it goes on as long as the
 // process.

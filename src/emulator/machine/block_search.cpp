@@ -48,6 +48,16 @@ int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, a
 int findWhile(const ProgramCell *cells, int at) { return walkBack(cells, at, token::whileWord, token::whileEnd); }
 int findDo(const ProgramCell *cells, int at) { return walkBack(cells, at, token::doWord, token::loopWhile); }
 
+int findLoopEnd(const ProgramCell *cells, int at) {
+    int depth = 1;
+    for (int i = at + 1; !isEnd(cells[i]); i++) {
+        const auto is = [&](Token which) { return isToken(cells[i], which); };
+        if (is(token::forWord) || is(token::whileWord) || is(token::doWord)) depth++;
+        if ((is(token::next) || is(token::whileEnd) || is(token::loopWhile)) && --depth == 0) return i;
+    }
+    return noPartner;
+}
+
 int findFalseBranch(const ProgramCell *cells, int at) {
     int depth = 1;
     for (int i = at + 1; !isEnd(cells[i]); i++) {

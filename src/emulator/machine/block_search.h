@@ -23,6 +23,7 @@ int findFor(const ProgramCell *cells, int at);                      // Next: the
 int findWhileEnd(const ProgramCell *cells, int at);                 // While: the WhileEnd
 int findWhile(const ProgramCell *cells, int at);                    // WhileEnd: the While
 int findDo(const ProgramCell *cells, int at);                       // LpWhile: the Do
+int findLoopEnd(const ProgramCell *cells, int at);                  // Break: the Next, WhileEnd or LpWhile around it
 int findFalseBranch(const ProgramCell *cells, int at);              // If: the Else or IfEnd of its depth
 int findIfEnd(const ProgramCell *cells, int at);                    // Else: where the run goes on, an Else or the IfEnd
 int findLabel(const ProgramCell *cells, const ProgramCell &label);  // Goto: the Lbl

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "emulator/machine/errors.h"
+#include "emulator/machine/named_values.h"
 
 namespace numalink {
 
@@ -66,10 +67,11 @@ ComplexValue *variableRef(const ProgramCell &cell) {
         case 0xC0:
             return &machine.ans;
         case 0x7F:
-            if (cell.token2 >= std::size(windowValueOf) || windowValueOf[cell.token2] < 0) return nullptr;
+            if (cell.token2 >= std::size(windowValueOf)) return namedValueRef({cell.token1, cell.token2});
+            if (windowValueOf[cell.token2] < 0) return nullptr;
             return &machine.window[static_cast<std::size_t>(windowValueOf[cell.token2])];
         default:
-            return nullptr;
+            return namedValueRef({cell.token1, cell.token2});
     }
 }
 

@@ -22,7 +22,7 @@ inline constexpr Token arrow{0x0E}, then{0x13}, exponent{0x0F}, rangeMark{0x7E};
 inline constexpr Token comma{0x2C}, point{0x2E}, quote{0x22}, blank{0x20}, questionMark{0x3F};
 inline constexpr Token openParenthesis{0x28}, closeParenthesis{0x29};
 inline constexpr Token openBracket{0x5B}, closeBracket{0x5D}, openBrace{0x7B}, closeBrace{0x7D};
-inline constexpr Token plus{0x89}, minus{0x99}, negative{0x87}, ans{0xC0};
+inline constexpr Token plus{0x89}, minus{0x99}, negative{0x87}, fractionMark{0xBB}, ans{0xC0};
 inline constexpr Token matrix{0x7F, 0x40}, list{0x7F, 0x51}, dim{0x7F, 0x46};
 }  // namespace token
 
@@ -59,7 +59,7 @@ void compactCells(ProgramCell *cells, int first, int &count);
 // Index of the first such token among the count cells from first, or -1.
 int findToken(Token which, const ProgramCell *cells, int first, int count);
 
-// What the cell names: a variable, Ans or a view window value; null if none of these, or no token.
+// What the cell names: a variable, Ans, a view window value or a named value; null if none of these, or no token.
 ComplexValue *variableRef(const ProgramCell &cell);
 
 // The slot that the cell names: a letter that matrix, Ans the Mat Ans, any other token null. A cell that is no token

@@ -42,7 +42,7 @@ struct ProgramCell {
     CellKind kind = CellKind::blank;
     std::uint8_t token1 = 0;
     std::uint8_t token2 = 0;        // behind 0x7F and 0xF7, else 0
-    std::uint8_t stringLength = 0;  // cells of the text, at most 255
+    std::uint8_t stringLength = 0;  // cells of the text, at most 255; of a number as it is written: its digits, or 0
     ComplexValue value;
     union {
         const ProgramCell *stringCells = nullptr;  // string: the first cell of the text, tokens all
@@ -96,6 +96,21 @@ inline constexpr int filledListCount = 6;  // lists of each file with FillListsM
 
 enum ScreenMode : int { graphMode = 1, textMode = 2, matrixMode = 3 };
 
+// What the mode commands set. The words count only with the setting CalculatorModes, but for the decimals of Fix and
+// the digits of Sci.
+enum class AngleUnit : std::uint8_t { degrees, radians, gradians };
+enum class NumberForm : std::uint8_t { normal, fixed, scientific };
+struct NumberFormat {
+    NumberForm form = NumberForm::normal;
+    int digits = 0;  // 0 to 9: decimals, or significant digits, where 0 means 10
+};
+
+// Tokens that name a number beside letters and view window (named_values.h): a place for each second byte behind 0x7F,
+// then for each single byte.
+inline constexpr std::size_t namedValueCount = 512;
+
+inline constexpr int decimalBase = 10;
+
 struct PlotPoint {
     double x = 0;
     double y = 0;
@@ -126,6 +141,11 @@ struct EmulatorMachine {
     std::array<PixelColor, textRowCount> rowColor{};
     std::array<bool, 6> graphSwitches{};  // graphSwitchA to graphSwitchF
     bool gridSwitch = false;
+    bool calculatorModes = false;  // the setting, as the run started
+    AngleUnit angleUnit = AngleUnit::radians;
+    NumberFormat format;
+    int numberBase = decimalBase;  // of digits and of the display: 2, 8, 10 or 16
+    std::array<ComplexValue, namedValueCount> namedValues;
     std::uint64_t statementsRun = 0;                 // since machineStart, the one in progress included
     std::vector<ErrorReport> *errorTrace = nullptr;  // where reports are kept too, for the command line and tests
 };

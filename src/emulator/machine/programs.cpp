@@ -118,12 +118,19 @@ double PrePass::takeExponent() {
 }
 
 void PrePass::takeNumber() {
+    const std::size_t begin = at;
     double value = takeMantissa();
+    const std::size_t length = at - begin;
+    const auto isPoint = [](const ProgramCell &cell) { return isToken(cell, token::point); };
+    const bool isWhole = std::none_of(tokens.begin() + static_cast<std::ptrdiff_t>(begin),
+                                      tokens.begin() + static_cast<std::ptrdiff_t>(at), isPoint) &&
+                         !isToken(tokens[at], token::exponent);
     if (isToken(tokens[at], token::exponent)) {
         at++;
         value *= std::pow(10.0, takeExponent());
     }
     block.cells.push_back(numberCell(complexReal(value)));
+    if (isWhole && length <= stringLimit) block.cells.back().stringLength = static_cast<std::uint8_t>(length);
 }
 
 void placeStrings(ProgramBlock &block) {

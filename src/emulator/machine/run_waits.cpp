@@ -20,6 +20,23 @@ std::atomic<RunEnd> endCause = RunEnd::running;
 
 }  // namespace
 
+namespace {
+
+// The active run thread's.
+std::uint64_t workLimit = 0, workDone = 0;
+
+}  // namespace
+
+void workBegin(std::uint64_t limit) {
+    workLimit = limit;
+    workDone = 0;
+}
+
+bool takeWork() {
+    if (workLimit != 0 && workDone++ >= workLimit) runHalt(RunEnd::limit);
+    return runGoesOn();
+}
+
 void runHalt(RunEnd cause) {
     RunEnd first = RunEnd::running;
     endCause.compare_exchange_strong(first, cause);

@@ -31,8 +31,13 @@ void waitPassSleep(std::uint64_t milliseconds);
 // The pace of a pass: at full speed it sleeps as long, since nobody is served by a processor that spins on a wait.
 void waitPassPace(int units);
 
+// Ahead of each evaluation of an expression that a call repeats: false when the run doesn't go on. A run that has a
+// limit of statements has one of these too, and ends there.
+bool takeWork();
+
 // What the runner alone asks.
-void resetRunEnd(RunEnd cause);  // a new run: not halted, with that as what runEndCause tells
+void workBegin(std::uint64_t limit);  // so many evaluations by takeWork; 0: no limit
+void resetRunEnd(RunEnd cause);       // a new run: not halted, with that as what runEndCause tells
 RunEnd runEndCause();
 void runWake();  // behind clearing emulatorRunning: ends the sleeps of waits
 

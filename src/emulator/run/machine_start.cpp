@@ -44,6 +44,11 @@ void machineStart() {
     machine.rowColor.fill(pixelColor::blue);
     machine.graphSwitches.fill(false);
     machine.gridSwitch = false;
+    machine.calculatorModes = settingsInt(setting::calculatorModes) != 0;
+    machine.angleUnit = AngleUnit::radians;
+    machine.format = {};
+    machine.numberBase = decimalBase;
+    machine.namedValues.fill({});
     machine.backgroundPicture = 0;
     machine.currentFile = 0;
     machine.statementsRun = 0;

@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t lookInterval = 4096;  // statements
 
 void storePlanned(const StatementPlan &plan) {
-    const MatrixSlot slot = slotOf(plan.array);
+    MatrixDescriptor *const slot = slotOf(plan.array);
     const int row = cutToInteger(plan.row->re) - 1;
     const int column = plan.column == nullptr ? 0 : cutToInteger(plan.column->re) - 1;
     if (column < 0 || column >= slot->cols || row < 0 || row >= slot->rows) {

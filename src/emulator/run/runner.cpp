@@ -33,6 +33,7 @@ namespace numalink {
 namespace {
 
 constexpr std::uint64_t callPoll = 100;         // milliseconds between the looks of a caller, with the pace on
+constexpr std::uint64_t workPerStatement = 10;  // evaluations within calls, where statements have a limit
 constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting
 
 std::thread runThread;
@@ -190,7 +191,9 @@ StatementEnd finishCall(RunState &state, int program) {
 // The planned statements from here on, up to one that isn't: its row is then run.
 StatementEnd runSomeStatements(RunState &state, bool refreshDue) {
     lookAtDebug();
-    if (!fullSpeed || debugShown || evaluateWithoutShortcuts) return runOneStatement(state);
+    // Plans read digits as of base ten.
+    const bool usePlans = fullSpeed && !debugShown && !evaluateWithoutShortcuts && machine.numberBase == decimalBase;
+    if (!usePlans) return runOneStatement(state);
     PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue};
     switch (runPlanned(state, run)) {
         case PlannedStop::statementEnd:
@@ -289,6 +292,7 @@ bool runStart(const RunOptions &options) {
     resetRunEnd(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
+    workBegin(options.statementLimit * workPerStatement);
     forgetHalt();
     nextDebugLook = nextSpeedLook = 0;
     statementPlansForget();

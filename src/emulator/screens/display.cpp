@@ -87,7 +87,8 @@ void showMatrix(const ProgramCell &cell) {
 }  // namespace
 
 std::string valueText(const ProgramCell &cell) {
-    if (isNumber(cell)) return numberText(cell.value.re);
+    if (isNumber(cell) && machine.numberBase != decimalBase) return baseText(cell.value.re, machine.numberBase);
+    if (isNumber(cell)) return numberText(cell.value.re, machine.format);
     return cell.kind == CellKind::string ? stringText(cell) : std::string();
 }
 

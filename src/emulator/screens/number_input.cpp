@@ -1,6 +1,7 @@
 // The question mark on the text screen.
 #include "emulator/screens/number_input.h"
 
+#include <algorithm>
 #include <array>
 
 #include "emulator/machine/pace.h"
@@ -40,9 +41,8 @@ void writeQuestionMark() {
 }
 
 void takeKey(Input &input, int key) {
-    for (std::size_t digit = 0; digit < digitKeys.size(); digit++) {
-        if (key != digitKeys[digit]) continue;
-        input.value = input.value * 10 + static_cast<double>(digit);
+    if (const int digit = digitOfKey(key); digit >= 0) {
+        input.value = input.value * 10 + digit;
         const char text = static_cast<char>('0' + digit);
         write(input.column++, {&text, 1});
         return;
@@ -61,6 +61,11 @@ void blink(Input &input) {
 }
 
 }  // namespace
+
+int digitOfKey(int key) {
+    const auto found = std::ranges::find(digitKeys, key);
+    return found == digitKeys.end() ? -1 : static_cast<int>(found - digitKeys.begin());
+}
 
 ComplexValue readNumber() {
     writeQuestionMark();

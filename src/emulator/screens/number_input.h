@@ -7,4 +7,6 @@ namespace numalink {
 
 ComplexValue readNumber();
 
+int digitOfKey(int key);  // 0 to 9, or -1
+
 }  // namespace numalink

@@ -106,6 +106,22 @@ void showError(const char *text) {
     shownReport = {text, rowColor, textScreenChanges()};
 }
 
+TextScreenCopy textScreenCopy() {
+    return {surface,          characters, machine.rowColor, machine.textRow, machine.textColumn, machine.screenMode,
+            machine.shortCopy};
+}
+
+void textScreenRestore(const TextScreenCopy &copy) {
+    surface = copy.surface;
+    characters = copy.characters;
+    machine.rowColor = copy.rowColor;
+    machine.textRow = copy.row;
+    machine.textColumn = copy.column;
+    machine.screenMode = copy.mode;
+    machine.shortCopy = copy.shortCopy;
+    changes++;
+}
+
 void clearText() {
     std::fill(surface.dots.begin(), surface.dots.end(), lcdColor::background);
     characters.fill(blankRow);

@@ -2,6 +2,7 @@
 // brings the screen up (mode 2). Run thread.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,17 @@ void putText(int column, int row, std::string_view text, PixelColor color);  // 
 void printText(std::string_view text, PixelColor color, bool rightAligned);  // at the cursor, with line breaks
 void scrollIfNeeded();                                                       // leaves the cursor on row 7 at most
 void clearText();                                                            // empties the screen, cursor on row 1
+
+// The screen with its cursor, row colours and mode, for what shows for a while and then goes.
+struct TextScreenCopy {
+    Surface surface;
+    std::array<std::string, textRowCount> characters;
+    std::array<PixelColor, textRowCount> rowColor{};
+    int row = 1, column = 0, mode = textMode;
+    bool shortCopy = false;
+};
+TextScreenCopy textScreenCopy();
+void textScreenRestore(const TextScreenCopy &copy);
 
 // A report in blue at column 6 of row 8, where a scroll wipes it.
 void showError(const char *text);

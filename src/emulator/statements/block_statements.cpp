@@ -36,6 +36,12 @@ WayOut jumpTo(RunState &state, int position) {
 // Behind a cell that closes a block, and its terminator; onto the end when that stands right behind the cell.
 WayOut jumpBehind(RunState &state, int at) { return jumpTo(state, isEnd(state, at + 1) ? at + 1 : at + 2); }
 
+// Behind the statement that the cell belongs to.
+WayOut jumpBehindStatement(RunState &state, int at) {
+    const int terminator = findTerminator(state.program, at);
+    return isEnd(state, terminator) ? jumpTo(state, terminator) : jumpTo(state, terminator + 1);
+}
+
 WayOut lostPartner(RunState &state) {
     synError();
     return handled(state);
@@ -122,13 +128,31 @@ bool readFor(RunState &state, ForOperands &operands) {
 WayOut runDsz(RunState &state) { return countVariable(state, -1); }
 WayOut runIsz(RunState &state) { return countVariable(state, 1); }
 
+WayOut runStop(RunState &state) {
+    expectAlone(state);
+    return WayOut::programEnds;
+}
+
+// Out of the innermost loop that it stands in; without calculator modes, and outside of a loop, a stop.
+WayOut runBreak(RunState &state) {
+    if (!machine.calculatorModes) return runStop(state);
+    expectAlone(state);
+    const int at = partnerOf(state, findLoopEnd);
+    return at == noPartner ? WayOut::programEnds : jumpBehindStatement(state, at);
+}
+
 WayOut runGoto(RunState &state) {
     const ProgramCell &name = state.statement[1];
     const bool isLabel = hasCell(state, 1) && (isNumber(name) || name.kind == CellKind::token);
     if (state.cellCount != 2 || !isLabel) argError();
-    if (!isLabel) return handled(state);
-    int &mark = loadedProgram(state.programIndex).partners[state.position];
-    if (mark == notSearched) mark = findLabel(state.program, name);
+    return isLabel ? goToLabel(state, name) : handled(state);
+}
+
+WayOut goToLabel(RunState &state, const ProgramCell &label) {
+    int own = notSearched;
+    const bool isGoto = isToken(state.program[state.position], token::goTo);  // its label never changes
+    int &mark = isGoto ? loadedProgram(state.programIndex).partners[state.position] : own;
+    if (mark == notSearched) mark = findLabel(state.program, label);
     state.statementLength = mark == noPartner ? 0 : 2;
     if (mark == noPartner) {
         goError();

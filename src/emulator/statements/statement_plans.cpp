@@ -32,7 +32,7 @@ std::size_t memoryUsed() {
 struct Planning {
     const ProgramCell *program = nullptr;
     const ProgramCell *cells = nullptr;  // of the statement, in the program
-    StatementPlan plan;
+    StatementPlan plan{};
     Recording recording;
     ProgramCell left[statementLimit];  // what an expression left
     int leftCount = 0;
@@ -182,7 +182,7 @@ bool planProg(Planning &on) {
 
 struct PlanRow {
     Token token;
-    bool (*plan)(Planning &on);
+    bool (*plan)(Planning &on) = nullptr;
 };
 constexpr PlanRow planRows[] = {
     {token::label, planNothing},       {token::dsz, planDsz},           {token::isz, planIsz},
@@ -328,7 +328,7 @@ bool plannedArraysExist(const StatementPlan &plan) {
     const ArrayName *const names = arrays.data() + plan.firstArray;
     std::int64_t cells = 0;
     for (int i = 0; i < plan.arrayCount; i++) {
-        const MatrixSlot slot = slotOf(names[i]);
+        MatrixDescriptor *const slot = slotOf(names[i]);
         if (slot == nullptr) return false;
         if (i < plan.readArrays) cells += matrixSize(slot);
     }

@@ -7,6 +7,16 @@
 
 namespace numalink {
 
+struct StatementRow {
+    Token first, last;                // a run of tokens, or the same one twice
+    CellKind kind = CellKind::token;  // string: the row of a string
+    WayOut (*run)(RunState &state) = nullptr;
+};
+constexpr StatementRow one(Token token, WayOut (*run)(RunState &)) { return {token, token, CellKind::token, run}; }
+constexpr StatementRow range(Token first, Token last, WayOut (*run)(RunState &)) {
+    return {first, last, CellKind::token, run};
+}
+
 // Nothing is left of the statement.
 inline WayOut handled(RunState &state) {
     makeBlank(state.statement[0]);
@@ -43,6 +53,14 @@ WayOut runNext(RunState &state);
 WayOut runWhile(RunState &state);
 WayOut runWhileEnd(RunState &state);
 WayOut runLoopWhile(RunState &state);
+WayOut runStop(RunState &state);
+WayOut runBreak(RunState &state);
+
+// To the label that the cell, a number or a token, names; Go  ERROR and the program's end where there is none.
+WayOut goToLabel(RunState &state, const ProgramCell &label);
+
+// Modes.
+WayOut runMode(RunState &state);
 
 // Screens.
 WayOut runViewWindow(RunState &state);

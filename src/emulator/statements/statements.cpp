@@ -3,10 +3,12 @@
 #include "emulator/statements/statements.h"
 
 #include <array>
+#include <vector>
 
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/errors.h"
 #include "emulator/screens/display.h"
+#include "emulator/statements/statement_groups.h"
 #include "emulator/statements/statement_rows.h"
 
 namespace numalink {
@@ -19,11 +21,6 @@ WayOut runProg(RunState &state) {
     if (hasCell(state, 1) && state.statement[1].kind == CellKind::string)
         state.callProgram(valueText(state.statement[1]));
     return handled(state);
-}
-
-WayOut runStop(RunState &state) {
-    expectAlone(state);
-    return WayOut::programEnds;
 }
 
 // The token stays, for the bare expression to do nothing with it.
@@ -47,20 +44,9 @@ WayOut runGraphSwitch(RunState &state) {
     return handled(state);
 }
 
-struct StatementRow {
-    Token first, last;                // a run of tokens, or the same one twice
-    CellKind kind = CellKind::token;  // string: the row of a string
-    WayOut (*run)(RunState &state) = nullptr;
-};
-
-constexpr StatementRow one(Token token, WayOut (*run)(RunState &)) { return {token, token, CellKind::token, run}; }
-constexpr StatementRow range(Token first, Token last, WayOut (*run)(RunState &)) {
-    return {first, last, CellKind::token, run};
-}
-
 constexpr StatementRow rows[] = {
     one({0x27}, handled),                                            // comment
-    range({0xD9}, {0xDD}, handled),                                  // mode command
+    range({0xD9}, {0xDD}, runMode),                                  // mode command
     one({0xE2}, handled),                                            // Lbl
     one({0xE8}, runDsz),                                             // Dsz
     one({0xE9}, runIsz),                                             // Isz
@@ -81,7 +67,8 @@ constexpr StatementRow rows[] = {
     one({0xF7, 0x09}, runWhileEnd),                                  // WhileEnd
     one({0xF7, 0x0A}, handled),                                      // Do
     one({0xF7, 0x0B}, runLoopWhile),                                 // LpWhile
-    range({0xF7, 0x0D}, {0xF7, 0x0E}, runStop),                      // Stop
+    one({0xF7, 0x0D}, runBreak),                                     // Break
+    one({0xF7, 0x0E}, runStop),                                      // Stop
     one({0xF7, 0x10}, runLocate),                                    // Locate
     one({0xF7, 0x18}, runClearText),                                 // ClrText
     one({0xF7, 0x19}, runClearGraph),                                // ClrGraph
@@ -109,11 +96,19 @@ constexpr StatementRow rows[] = {
     range({0xF7, 0xC0}, {0xF7, 0xC5}, runGraphSwitch<0xC0, true>),   // switch on
     range({0xF7, 0xD0}, {0xF7, 0xD5}, runGraphSwitch<0xD0, false>),  // switch off
 };
-constexpr int rowCount = static_cast<int>(std::size(rows));
+
 constexpr std::int16_t noRow = -1;
 
-// The row of each token: a block for single bytes, one behind 0x7F, one behind 0xF7.
+std::span<const StatementRow> basicStatements() { return rows; }
+
+// The tables in their order of testing, which counts behind prefixes: all later ones take a prefix of the first.
+constexpr std::span<const StatementRow> (*groups[])() = {basicStatements, flowStatements,       modeStatements,
+                                                         graphStatements, statisticsStatements, recursionStatements};
+
+// The rows one after the other, and of each token the number of its row: a block for single bytes, one behind 0x7F, one
+// behind 0xF7.
 struct RowIndex {
+    std::vector<const StatementRow *> rows;
     std::array<std::int16_t, std::size_t{3} * 256> rowOf{};
     std::int16_t ofString = noRow;
 };
@@ -124,22 +119,25 @@ constexpr std::size_t placeOf(std::uint8_t first, std::uint8_t second) {
     return first;
 }
 
-constexpr RowIndex makeIndex() {
+RowIndex makeIndex() {
     RowIndex index;
     index.rowOf.fill(noRow);
-    for (int i = 0; i < rowCount; i++) {
-        const auto number = static_cast<std::int16_t>(i);
-        if (rows[i].kind == CellKind::string) {
-            index.ofString = number;
-            continue;
+    for (const auto group : groups) {
+        for (const StatementRow &row : group()) {
+            const auto number = static_cast<std::int16_t>(index.rows.size());
+            index.rows.push_back(&row);
+            if (row.kind == CellKind::string) {
+                index.ofString = number;
+                continue;
+            }
+            const std::size_t last = placeOf(row.last.first, row.last.second);
+            for (std::size_t place = placeOf(row.first.first, row.first.second); place <= last; place++)
+                index.rowOf[place] = number;
         }
-        const std::size_t last = placeOf(rows[i].last.first, rows[i].last.second);
-        for (std::size_t place = placeOf(rows[i].first.first, rows[i].first.second); place <= last; place++)
-            index.rowOf[place] = number;
     }
     return index;
 }
-constexpr RowIndex rowIndex = makeIndex();
+const RowIndex rowIndex = makeIndex();
 
 int rowOf(const ProgramCell &cell) {
     if (cell.kind == CellKind::token) return rowIndex.rowOf[placeOf(cell.token1, cell.token2)];
@@ -156,7 +154,7 @@ WayOut runStatement(RunState &state) {
         const int row = rowOf(state.statement[0]);
         if (row <= tested) break;
         tested = row;
-        const WayOut way = rows[row].run(state);
+        const WayOut way = rowIndex.rows[static_cast<std::size_t>(row)]->run(state);
         if (way != WayOut::goesOn) return way;
     }
     const int condition = findToken(token::then, state.statement, 0, state.cellCount);

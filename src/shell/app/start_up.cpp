@@ -19,15 +19,14 @@
 #include "shell/app/stop_signals.h"
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
+#include "shell/commands/file_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
-#include "shell/commands/undo_menu.h"
-#include "shell/commands/view_menu.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
-#include "shell/parts/upward_calls.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
@@ -93,15 +92,11 @@ constexpr StartStep startSteps[] = {
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
-    {"calls upward", [] { return done([] { fillUpwardCalls(shutDown, shuttingDown); }); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
     {"editor", [] { return done(makeProgramEdit); }, false},
     {"toolbar", [] { return done(buildToolbar); }, false},
-    {"communication menu", [] { return done(buildCommunicationMenu); }, false},
-    {"undo menu", [] { return done(buildUndoMenu); }, false},
-    {"view menu", [] { return done(buildViewMenu); }, false},
     {"views", [] { return done(connectViews); }, false},
     {"emulator", [] { return done(makeEmulatorWindow); }, false},
     {"window events", [] { return done(connectWindow); }, false},
@@ -112,7 +107,7 @@ constexpr StartStep startSteps[] = {
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
-    {"notification area", [] { return done([] { addTrayIcon(shutDown); }); }, false},
+    {"notification area", [] { return done(addTrayIcon); }, false},
     {"tokens", tokenTableLoad, false},
     {"large font", loadLargeFont, false},
     {"small font", loadSmallFont, false},
@@ -139,6 +134,7 @@ void closeLibraryAndQuit() {
 bool startUp() {
     threadRole = ThreadRole::graphical;
     shutting = false;
+    endProgram = shutDown;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {
@@ -183,10 +179,10 @@ void tearDown() {
     forgetStopSignals();
     removeUserInterface();
     forgetMenus();
+    forgetLayout();
     forgetTree();
     forgetViews();
     forgetEmulatorWindow();
-    upwardCalls = {};
     destroyWidgets();
 }
 

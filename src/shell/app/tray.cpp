@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "emulator/machine/machine.h"
+#include "shell/commands/menus.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -22,7 +23,6 @@ namespace numalink {
 namespace {
 
 QSystemTrayIcon *trayIcon = nullptr;
-QMenu *trayMenu = nullptr;
 QTimer *hostWatch = nullptr;  // runs while the window is hidden: nobody tells when the area goes
 bool hostMissed = false;
 QList<QPointer<QWidget>> hiddenAlong;  // windows over the main one, to come back with it
@@ -77,12 +77,10 @@ void raiseMainWindow() {
     }
 }
 
-void addTrayIcon(void (*exit)()) {
-    trayMenu = new QMenu;
-    trayMenu->addAction(textOf(Text::trayExit), mainWindow, exit);
+void addTrayIcon() {
     trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
     trayIcon->setToolTip(QString::fromLatin1(programTitle));
-    trayIcon->setContextMenu(trayMenu);
+    trayIcon->setContextMenu(menuAt(MenuPosition::tray));
     QObject::connect(trayIcon, &QSystemTrayIcon::activated, mainWindow, [](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) raiseMainWindow();
     });
@@ -98,8 +96,6 @@ void removeTrayIcon() {
     trayIcon = nullptr;
     hostWatch = nullptr;
     hiddenAlong.clear();
-    delete trayMenu;
-    trayMenu = nullptr;
 }
 
 }  // namespace numalink

@@ -3,7 +3,7 @@
 
 namespace numalink {
 
-void addTrayIcon(void (*exit)());  // exit: what its menu entry does
+void addTrayIcon();
 void removeTrayIcon();
 bool trayAvailable();  // without one, minimising only minimises: the program must stay reachable
 void hideToTray();     // with the windows over it; it comes back by itself when the notification area goes

@@ -1,11 +1,9 @@
 #include "shell/app/window_events.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
 #include <QMainWindow>
-#include <QMenu>
 #include <QMimeData>
 #include <QTimer>
 #include <QToolButton>
@@ -13,14 +11,10 @@
 
 #include "shell/app/tray.h"
 #include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
+#include "shell/commands/file_commands.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/parts/shell_texts.h"
-#include "shell/parts/upward_calls.h"
-#include "shell/run/emulator_window.h"
 
 namespace numalink {
 
@@ -50,7 +44,7 @@ bool windowEvent(QWidget *, QEvent *event) {
     switch (event->type()) {
         case QEvent::Close:
             event->ignore();
-            upwardCalls.endProgram();
+            endProgram();
             return true;
         case QEvent::WindowStateChange:
             if (mainWindow->isMinimized() && trayAvailable()) QTimer::singleShot(0, mainWindow, hideWhenMinimized);
@@ -73,41 +67,15 @@ bool clientEvent(QWidget *, QEvent *event) {
     return false;
 }
 
-// A run is on or not: the menu, the toolbar's word, and which keys are commands.
-void showRunState(bool running) {
-    commandAction(command::emulate)->setIconText(running ? textOf(Text::editorButton) : textOf(Text::toolEmulate));
-    menuAt(static_cast<int>(MenuPosition::emulator))->setEnabled(running);
-    setCommandEnabled(command::screenshot, running);
-    setShortcutsEnabled(!running);
-}
-
 }  // namespace
-
-void fillUpwardCalls(void (*endProgram)(), bool (*programEnds)()) {
-    upwardCalls = {
-        .selectionChanged = setMenuStates,
-        .programShown = setEditMenuEnabled,
-        .viewClosed = emulatorStop,
-        .runChanged = showRunState,
-        .deletePressed = [] { return handleCommand(command::deleteKey) != 0; },
-        .fillGroundMenu =
-            [](QMenu &menu) {
-                menu.addAction(commandAction(command::newFolder));
-                menu.addAction(commandAction(command::newProgram));
-            },
-        .endProgram = endProgram,
-        .programEnds = programEnds,
-    };
-}
 
 void connectWindow() {
     hookEvents(mainWindow, windowEvent);
     hookEvents(clientArea, clientEvent);
-    QObject::connect(treeToggleButton, &QToolButton::clicked, mainWindow, [] { handleCommand(command::hideTree); });
+    QObject::connect(treeToggleButton, &QToolButton::clicked, mainWindow, [] { handleCommand(CommandId::hideTree); });
     // Queued, since the settings may change the text that the click comes from.
     QObject::connect(
-        linkField, &QLabel::linkActivated, linkField, [] { handleCommand(command::settings); }, Qt::QueuedConnection);
-    treeVisible = true;
+        linkField, &QLabel::linkActivated, linkField, [] { handleCommand(CommandId::settings); }, Qt::QueuedConnection);
     applyLayout();
 }
 

@@ -1,26 +1,12 @@
-// What the commands do. Graphical thread only.
+// What every way to a command goes through: menu, key, button. Graphical thread only.
 #pragma once
 
-#include <QStringList>
+#include "shell/commands/command_table.h"
 
 namespace numalink {
 
-// Runs a command of the table, or 4654 (opens the selected item's view) or 46 (Delete). Non-zero when handled; 0 when
-// it isn't known, isn't enabled yet, lacks a selection, or an edited program could not be stored.
-int handleCommand(int id);
-
-// Handlers of the command table.
-int openFiles();
-int exitProgram();
-int newFolder();
-int newProgram();
-int renameSelectedItem();
-int deleteWithQuestion();
-int refreshView();
-int toggleTree();
-int showAbout();
-
-// Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
-void importDropped(const QStringList &paths);
+// Runs a command of the table; openView and deleteKey as well. Non-zero when handled; 0 when it isn't known, lacks a
+// selection, or an edited label or program could not be stored.
+int handleCommand(CommandId id);
 
 }  // namespace numalink

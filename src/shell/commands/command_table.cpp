@@ -2,14 +2,25 @@
 
 #include <algorithm>
 
-#include "shell/commands/command_handler.h"
+#include "link/transmit_queue.h"
+#include "shell/commands/file_commands.h"
 #include "shell/commands/link_commands.h"
+#include "shell/commands/undo_commands.h"
+#include "shell/dialogs/about_box.h"
 #include "shell/dialogs/export_dialog.h"
 #include "shell/dialogs/settings_dialog.h"
+#include "shell/editor/edit_menu.h"
 #include "shell/editor/find_dialog.h"
 #include "shell/editor/password_dialog.h"
+#include "shell/editor/program_view.h"
+#include "shell/editor/symbols_window.h"
+#include "shell/parts/client_layout.h"
+#include "shell/parts/on_view.h"
 #include "shell/run/emulator_window.h"
+#include "shell/tree/item_commands.h"
 #include "shell/views/bitmap_export.h"
+#include "shell/views/item_views.h"
+#include "shell/views/surface_view.h"
 
 namespace numalink {
 
@@ -17,60 +28,295 @@ namespace {
 
 using enum MenuPosition;
 
-// In the order of the menus.
+bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
+bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !isScreenKind(itemKind); }
+bool drawnAsBitmap(ItemKind itemKind) { return isScreenKind(itemKind) || itemKind == kind::picture; }
+bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
+
+bool programOnView() { return isTextKind(viewKind); }
+bool treeHidden() { return !treeVisible; }
+
+template <int zoom>
+bool zoomIs() {
+    return surfaceZoom() == zoom;
+}
+
+template <int zoom>
+void zoomTo() {
+    static_assert(zoom <= zoomLimit);
+    setSurfaceZoom(zoom);
+    zoomEmulatorWindow();
+}
+
+constexpr MenuRow menuRows[] = {
+    {.menu = file, .text = Text::menuFile},
+    {.menu = item, .text = Text::menuItem},
+    {.menu = edit, .text = Text::menuEdit},
+    {.menu = emulator, .text = Text::menuEmulator, .enabled = emulatorShown},
+    {.menu = communication, .text = Text::menuCommunication},
+    {.menu = view, .text = Text::menuView},
+    {.menu = help, .text = Text::menuHelp},
+    {.menu = zoom, .text = Text::menuZoom, .within = view, .oneChecked = true},
+    {.menu = program, .enabled = programOnView},
+    {.menu = tray, .ofNoWindow = true},
+};
+
 constexpr Command commands[] = {
-    // id, menu, separator, text, key, tip, at start, working, selection, stores first, handler
-    {command::open, file, false, Text::menuOpen, "Ctrl+O", Text::tipOpen, true, true, false, false, openFiles},
-    {command::save, file, false, Text::menuSave, "Ctrl+S", Text::tipSave, true, true, false, true, saveItems},
-    {command::settings, file, true, Text::menuSettings, "", Text::tipSettings, true, true, false, false,
-     changeSettings},
-    {command::exit, file, false, Text::menuExit, "Ctrl+Q", Text::tipExit, true, true, false, false, exitProgram},
-    {command::newFolder, item, false, Text::menuNewFolder, "Ctrl+Shift+N", Text::tipNewFolder, true, true, false, false,
-     newFolder},
-    {command::newProgram, item, false, Text::menuNewProgram, "Ctrl+N", Text::tipNewProgram, true, true, false, false,
-     newProgram},
-    {command::rename, item, false, Text::menuRename, "F2", Text::tipRename, false, true, true, true,
-     renameSelectedItem},
-    {command::remove, item, false, Text::menuDelete, "", Text::tipDelete, false, true, true, false, deleteWithQuestion},
-    {command::transmit, item, true, Text::menuTransmit, "F6", Text::tipTransmit, false, true, true, true,
-     transmitSelected},
-    {command::queue, item, false, Text::menuQueue, "F8", Text::tipQueue, false, true, true, true, queueSelected},
-    {command::emulate, item, true, Text::menuEmulate, "F7", Text::tipEmulate, false, true, true, true, emulatorToggle},
-    {command::password, item, false, Text::menuPassword, "", Text::tipPassword, false, true, true, false,
-     changePassword},
-    {command::saveBitmap, item, true, Text::menuSaveBitmap, "", Text::tipSaveBitmap, false, true, true, false,
-     saveItemAsBitmap},
-    {command::find, edit, false, Text::menuFind, "Ctrl+F", Text::tipFind, false, true, false, false, findInProgram},
-    {command::findAgain, edit, false, Text::menuFindAgain, "F3", Text::tipFindAgain, false, true, false, false,
-     findAgain},
-    {command::refresh, edit, false, Text::menuRefresh, "F5", Text::tipRefresh, false, true, false, false, refreshView},
-    {command::screenshot, emulator, false, Text::menuSaveScreenshot, "", Text::tipScreenshot, false, true, false, false,
-     saveScreenshot},
-    {command::transmitQueue, communication, false, Text::menuTransmitQueue, "F9", Text::tipTransmitQueue, false, true,
-     false, true, transmitQueued},
-    {command::hideTree, view, false, Text::menuHideFiles, "F11", Text::tipHideFiles, true, true, false, false,
-     toggleTree},
-    {command::about, help, false, Text::menuAbout, "", Text::tipAbout, true, true, false, false, showAbout},
+    {.id = CommandId::open,
+     .menu = file,
+     .text = Text::menuOpen,
+     .shortcut = "Ctrl+O",
+     .tip = Text::tipOpen,
+     .run = openFiles},
+    {.id = CommandId::save,
+     .menu = file,
+     .text = Text::menuSave,
+     .shortcut = "Ctrl+S",
+     .tip = Text::tipSave,
+     .storesFirst = true,
+     .run = saveItems},
+    {.id = CommandId::settings,
+     .menu = file,
+     .separatorAhead = true,
+     .text = Text::menuSettings,
+     .tip = Text::tipSettings,
+     .run = changeSettings},
+    {.id = CommandId::exit,
+     .menu = file,
+     .text = Text::menuExit,
+     .shortcut = "Ctrl+Q",
+     .tip = Text::tipExit,
+     .endsLabelEdit = false,
+     .run = exitProgram},
+
+    {.id = CommandId::newFolder,
+     .menu = item,
+     .text = Text::menuNewFolder,
+     .shortcut = "Ctrl+Shift+N",
+     .tip = Text::tipNewFolder,
+     .onTreeGround = true,
+     .run = newFolder},
+    {.id = CommandId::newProgram,
+     .menu = item,
+     .text = Text::menuNewProgram,
+     .shortcut = "Ctrl+N",
+     .tip = Text::tipNewProgram,
+     .onTreeGround = true,
+     .run = newProgram},
+    {.id = CommandId::rename,
+     .menu = item,
+     .text = Text::menuRename,
+     .shortcut = "F2",
+     .tip = Text::tipRename,
+     .storesFirst = true,
+     .enabledFor = anyItem,
+     .run = renameSelectedItem},
+    {.id = CommandId::remove,
+     .menu = item,
+     .text = Text::menuDelete,
+     .tip = Text::tipDelete,
+     .enabledFor = anyItem,
+     .run = deleteWithQuestion},
+    {.id = CommandId::transmit,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuTransmit,
+     .shortcut = "F6",
+     .tip = Text::tipTransmit,
+     .storesFirst = true,
+     .enabledFor = transmittable,
+     .run = transmitSelected},
+    {.id = CommandId::queue,
+     .menu = item,
+     .text = Text::menuQueue,
+     .shortcut = "F8",
+     .tip = Text::tipQueue,
+     .storesFirst = true,
+     .enabledFor = transmittable,
+     .run = queueSelected},
+    {.id = CommandId::emulate,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuEmulate,
+     .shortcut = "F7",
+     .tip = Text::tipEmulate,
+     .keyWhileRunning = true,
+     .storesFirst = true,
+     .enabledFor = isProgram,
+     .run = emulatorToggle},
+    {.id = CommandId::password,
+     .menu = item,
+     .text = Text::menuPassword,
+     .tip = Text::tipPassword,
+     .enabledFor = isProgram,
+     .run = changePassword},
+    {.id = CommandId::saveBitmap,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuSaveBitmap,
+     .tip = Text::tipSaveBitmap,
+     .enabledFor = drawnAsBitmap,
+     .run = saveItemAsBitmap},
+
+    {.id = CommandId::undo,
+     .menu = edit,
+     .text = Text::undo,
+     .standardKey = QKeySequence::Undo,
+     .repeats = true,
+     .offered = undoOffered,
+     .words = undoWords,
+     .run = undoLast},
+    {.id = CommandId::redo,
+     .menu = edit,
+     .text = Text::redo,
+     .standardKey = QKeySequence::Redo,
+     .repeats = true,
+     .offered = redoOffered,
+     .run = redoLast},
+    {.id = CommandId::find,
+     .menu = edit,
+     .separatorAhead = true,
+     .text = Text::menuFind,
+     .shortcut = "Ctrl+F",
+     .tip = Text::tipFind,
+     .enabled = programOnView,
+     .run = findInProgram},
+    {.id = CommandId::findAgain,
+     .menu = edit,
+     .text = Text::menuFindAgain,
+     .shortcut = "F3",
+     .tip = Text::tipFindAgain,
+     .enabled = programOnView,
+     .run = findAgain},
+    {.id = CommandId::refresh,
+     .menu = edit,
+     .text = Text::menuRefresh,
+     .shortcut = "F5",
+     .tip = Text::tipRefresh,
+     .enabled = programOnView,
+     .run = [] { reopenView(); }},
+
+    {.id = CommandId::screenshot,
+     .menu = emulator,
+     .text = Text::menuSaveScreenshot,
+     .tip = Text::tipScreenshot,
+     .run = saveScreenshot},
+
+    {.id = CommandId::transmitQueue,
+     .menu = communication,
+     .text = Text::menuTransmitQueue,
+     .shortcut = "F9",
+     .tip = Text::tipTransmitQueue,
+     .storesFirst = true,
+     .enabled = transmitCanBegin,
+     .run = [] { beginTransmit(); }},
+    {.id = CommandId::showQueue, .menu = communication, .text = Text::menuShowQueue, .run = openQueueWindow},
+
+    {.id = CommandId::hideTree,
+     .menu = view,
+     .text = Text::menuHideFiles,
+     .shortcut = "F11",
+     .tip = Text::tipHideFiles,
+     .checked = treeHidden,
+     .run = toggleTree},
+    {.id = CommandId::symbols,
+     .menu = view,
+     .text = Text::menuSymbols,
+     .shortcut = "F4",
+     .keyWhileRunning = true,
+     .checked = symbolsWanted,
+     .run = [] { setSymbolsWanted(!symbolsWanted()); }},
+    {.id = CommandId::zoom1, .menu = zoom, .label = "&1", .checked = zoomIs<1>, .run = zoomTo<1>},
+    {.id = CommandId::zoom2, .menu = zoom, .label = "&2", .checked = zoomIs<2>, .run = zoomTo<2>},
+    {.id = CommandId::zoom3, .menu = zoom, .label = "&3", .checked = zoomIs<3>, .run = zoomTo<3>},
+    {.id = CommandId::zoom4, .menu = zoom, .label = "&4", .checked = zoomIs<4>, .run = zoomTo<4>},
+    {.id = CommandId::zoom5, .menu = zoom, .label = "&5", .checked = zoomIs<5>, .run = zoomTo<5>},
+    {.id = CommandId::zoom6, .menu = zoom, .label = "&6", .checked = zoomIs<6>, .run = zoomTo<6>},
+    {.id = CommandId::zoomFit,
+     .menu = zoom,
+     .text = Text::zoomFit,
+     .checked = zoomIs<zoomToFit>,
+     .run = zoomTo<zoomToFit>},
+
+    {.id = CommandId::about, .menu = help, .text = Text::menuAbout, .tip = Text::tipAbout, .run = showAboutBox},
+
+    {.id = CommandId::undoTyping,
+     .menu = program,
+     .text = Text::undo,
+     .standardKey = QKeySequence::Undo,
+     .keyOfText = true,
+     .offered = canUndoTyping,
+     .run = undoInProgram},
+    {.id = CommandId::redoTyping,
+     .menu = program,
+     .text = Text::redo,
+     .standardKey = QKeySequence::Redo,
+     .keyOfText = true,
+     .offered = canRedoTyping,
+     .run = redoInProgram},
+    {.id = CommandId::copyText,
+     .menu = program,
+     .separatorAhead = true,
+     .text = Text::editCopy,
+     .standardKey = QKeySequence::Copy,
+     .keyOfText = true,
+     .offered = textIsSelected,
+     .run = copyText},
+    {.id = CommandId::cutText,
+     .menu = program,
+     .text = Text::editCut,
+     .standardKey = QKeySequence::Cut,
+     .keyOfText = true,
+     .offered = canCutText,
+     .run = cutText},
+    {.id = CommandId::pasteText,
+     .menu = program,
+     .text = Text::editPaste,
+     .standardKey = QKeySequence::Paste,
+     .keyOfText = true,
+     .offered = canPasteText,
+     .run = pasteText},
+    {.id = CommandId::deleteText,
+     .menu = program,
+     .text = Text::editDelete,
+     .standardKey = QKeySequence::Delete,
+     .keyOfText = true,
+     .offered = canCutText,
+     .run = deleteText},
+    {.id = CommandId::selectText,
+     .menu = program,
+     .separatorAhead = true,
+     .text = Text::editSelectAll,
+     .standardKey = QKeySequence::SelectAll,
+     .keyOfText = true,
+     .run = selectWholeText},
+
+    {.id = CommandId::exitFromTray, .menu = tray, .text = Text::trayExit, .endsLabelEdit = false, .run = exitProgram},
 };
 
 constexpr ToolbarButton buttons[] = {
-    {command::newProgram, "toolbar-new", Text::toolNewProgram, true},
-    {command::transmit, "toolbar-transmit", Text::toolTransmit, false},
-    {command::open, "toolbar-open", Text::toolOpen, true},
-    {command::save, "toolbar-save", Text::toolSave, true},
-    {command::remove, "toolbar-delete", Text::editDelete, false},
-    {command::emulate, "toolbar-emulate", Text::toolEmulate, false},
-    {command::password, "toolbar-password", Text::toolPassword, false},
-    {command::find, "toolbar-find", Text::toolFind, false},
-    {command::settings, "toolbar-settings", Text::toolSettings, true},
+    {.id = CommandId::newProgram, .image = "toolbar-new", .text = Text::toolNewProgram},
+    {.id = CommandId::transmit, .image = "toolbar-transmit", .text = Text::toolTransmit},
+    {.id = CommandId::open, .image = "toolbar-open", .text = Text::toolOpen},
+    {.id = CommandId::save, .image = "toolbar-save", .text = Text::toolSave},
+    {.id = CommandId::remove, .image = "toolbar-delete", .text = Text::editDelete},
+    {.id = CommandId::emulate,
+     .image = "toolbar-emulate",
+     .text = Text::toolEmulate,
+     .otherText = Text::editorButton,
+     .isOther = emulatorShown},
+    {.id = CommandId::password, .image = "toolbar-password", .text = Text::toolPassword},
+    {.id = CommandId::find, .image = "toolbar-find", .text = Text::toolFind},
+    {.id = CommandId::settings, .image = "toolbar-settings", .text = Text::toolSettings},
 };
 
 }  // namespace
 
+std::span<const MenuRow> menuTable() { return menuRows; }
 std::span<const Command> commandTable() { return commands; }
 std::span<const ToolbarButton> toolbarTable() { return buttons; }
 
-const Command *findCommand(int id) {
+const Command *findCommand(CommandId id) {
     const auto found = std::ranges::find(commands, id, &Command::id);
     return found == std::end(commands) ? nullptr : found;
 }

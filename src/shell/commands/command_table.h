@@ -1,67 +1,111 @@
-// Every command once: its number, place in the menu, key, toolbar button, wording and handler.
+// Every command once: its number, place in the menus, key, toolbar button, wording, states and handler.
 #pragma once
 
+#include <QKeySequence>
+#include <QString>
+#include <optional>
 #include <span>
 
+#include "calculator/item_kinds.h"
 #include "telling/texts.h"
 
 namespace numalink {
 
-namespace command {
-inline constexpr int open = 40004;
-inline constexpr int save = 40037;
-inline constexpr int settings = 40043;
-inline constexpr int exit = 40044;
-inline constexpr int newFolder = 40054;
-inline constexpr int newProgram = 40052;
-inline constexpr int rename = 40008;
-inline constexpr int remove = 40010;
-inline constexpr int transmit = 40011;
-inline constexpr int queue = 40012;
-inline constexpr int emulate = 40016;
-inline constexpr int password = 40042;
-inline constexpr int saveBitmap = 40038;
-inline constexpr int find = 40049;
-inline constexpr int findAgain = 40047;
-inline constexpr int refresh = 40051;
-inline constexpr int screenshot = 40058;
-inline constexpr int transmitQueue = 40006;
-inline constexpr int hideTree = 40055;
-inline constexpr int about = 40014;
-inline constexpr int openView = 4654;  // opens the selected item's view; in no menu
-inline constexpr int deleteKey = 46;   // Delete in the tree; in no menu
-}  // namespace command
+enum class CommandId {
+    open = 40004,
+    transmitQueue = 40006,
+    rename = 40008,
+    remove = 40010,
+    transmit = 40011,
+    queue = 40012,
+    about = 40014,
+    emulate = 40016,
+    save = 40037,
+    saveBitmap = 40038,
+    password = 40042,
+    settings = 40043,
+    exit = 40044,
+    findAgain = 40047,
+    find = 40049,
+    refresh = 40051,
+    newProgram = 40052,
+    newFolder = 40054,
+    hideTree = 40055,
+    screenshot = 40058,
 
-// Positions of the menu bar.
-enum class MenuPosition { file, item, edit, emulator, communication, view, help };
-inline constexpr int menuCount = 7;
-inline constexpr Text menuTexts[menuCount] = {Text::menuFile,     Text::menuItem,          Text::menuEdit,
-                                              Text::menuEmulator, Text::menuCommunication, Text::menuView,
-                                              Text::menuHelp};
+    showQueue = 50000,
+    undo,
+    redo,
+    symbols,
+    zoom1,
+    zoom2,
+    zoom3,
+    zoom4,
+    zoom5,
+    zoom6,
+    zoomFit,
+    undoTyping,
+    redoTyping,
+    copyText,
+    cutText,
+    pasteText,
+    deleteText,
+    selectText,
+    exitFromTray,
 
-struct Command {
-    int id;
+    openView = 4654,  // opens the selected item's view; in no menu
+    deleteKey = 46,   // Delete in the tree; in no menu
+};
+
+// The menus of the bar, from left to right, and after them those that open elsewhere.
+enum class MenuPosition { file, item, edit, emulator, communication, view, help, zoom, program, tray };
+
+struct MenuRow {
     MenuPosition menu;
-    bool separatorAhead;
-    Text text;
-    const char *shortcut;  // "" for none
-    Text tip;              // tool tip and status text
-    bool enabledAtStart;
-    bool working;         // false: stands in the menu, greyed until the program can do it
-    bool needsSelection;  // does nothing without a selected item
-    bool storesFirst;     // an edited program on view is stored ahead of it
-    int (*handler)();     // non-zero when handled
+    Text text = Text::none;                   // none: no menu of the bar, it opens where a button is pressed
+    std::optional<MenuPosition> within = {};  // the menu that it is an entry of
+    bool oneChecked = false;                  // of its entries always one has the check mark
+    bool ofNoWindow = false;                  // opens while the main window is hidden
+    bool (*enabled)() = nullptr;              // null: always; holds for its entries too
+};
+
+// Whatever isn't named has its default: no key, no check mark, enabled always.
+struct Command {
+    CommandId id;
+    MenuPosition menu;
+    bool separatorAhead = false;
+    Text text = Text::none;
+    const char *label = "";  // in place of text, for what is the same in all languages
+    const char *shortcut = "";
+    QKeySequence::StandardKey standardKey = QKeySequence::UnknownKey;  // in place of shortcut: as the desktop has it
+    Text tip = Text::none;                                             // tool tip and status text
+    bool keyWhileRunning = false;  // its key is a command, too, while an emulated program has the keyboard
+    bool keyOfText = false;        // its key is the text's own and is only shown here
+    bool repeats = false;          // as long as its key is held
+    bool onTreeGround = false;     // stands in the menu of the tree's empty ground as well
+    bool storesFirst = false;      // an edited program on view is stored ahead of it
+    bool endsLabelEdit = true;     // false: the handler does, after what it asks first
+
+    // By the kind of the selected item, kind::none without one. Such a command does nothing where no item is selected.
+    bool (*enabledFor)(ItemKind) = nullptr;
+    bool (*enabled)() = nullptr;
+    bool (*offered)() = nullptr;   // false greys it only in its open menu: the key works, and tells why it can't
+    bool (*checked)() = nullptr;   // null: no check mark
+    QString (*words)() = nullptr;  // in place of the text, each time its menu opens
+    void (*run)();
 };
 
 struct ToolbarButton {
-    int commandId;
+    CommandId id;
     const char *image;  // name of the picture in the resources
     Text text;
-    bool enabledAtStart;
+    Text otherText = Text::none;  // in place of text while isOther holds
+    bool (*isOther)() = nullptr;
 };
 
-std::span<const Command> commandTable();
+std::span<const MenuRow> menuTable();
+std::span<const Command> commandTable();  // in the order of the menus
 std::span<const ToolbarButton> toolbarTable();
-const Command *findCommand(int id);  // null when there is no such row
+const Command *findCommand(CommandId id);  // null when there is no such row
 
 }  // namespace numalink

@@ -1,6 +1,5 @@
 #include "shell/commands/link_commands.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -8,7 +7,6 @@
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QMainWindow>
-#include <QMenu>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -17,9 +15,8 @@
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/serial_line.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/dialogs/settings_dialog.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
@@ -46,7 +43,7 @@ void showButtons() {
 
 // The list is made anew with each entry that goes; what is chosen in it stays chosen, or the one in its place.
 void showQueue() {
-    setCommandEnabled(command::transmitQueue, transmitCanBegin());
+    commandStatesChanged();
     if (queueList == nullptr) return;
     const QListWidgetItem *chosen = queueList->currentItem();
     const ItemId chosenId = chosen == nullptr ? noItem : chosen->data(Qt::UserRole).toUInt();
@@ -99,15 +96,6 @@ void makeQueueWindow() {
     layout->addWidget(buttons);
 }
 
-void openQueueWindow() {
-    if (queueWindow == nullptr) makeQueueWindow();
-    showQueue();
-    showUnminimised(queueWindow);
-    queueWindow->raise();
-    queueWindow->activateWindow();
-    queueList->setFocus();
-}
-
 std::vector<std::string> portsOffered() {
     std::vector<std::string> ports;
     for (const char *name : {"COM1", "COM2", "COM3", "COM4"})
@@ -132,26 +120,16 @@ void stopLink() {
     stopLinkThread();
 }
 
-int transmitSelected() {
-    queueAndBegin(selectedItemId());
-    return 1;
-}
+void transmitSelected() { queueAndBegin(selectedItemId()); }
+void queueSelected() { queueAndTell(selectedItemId()); }
 
-int queueSelected() {
-    queueAndTell(selectedItemId());
-    return 1;
-}
-
-int transmitQueued() {
-    beginTransmit();
-    return 1;
-}
-
-void buildCommunicationMenu() {
-    QMenu *menu = menuAt(static_cast<int>(MenuPosition::communication));
-    QAction *queue = menu->addAction(textOf(Text::menuShowQueue));
-    queue->setObjectName(QStringLiteral("queueAction"));
-    QObject::connect(queue, &QAction::triggered, menu, openQueueWindow);
+void openQueueWindow() {
+    if (queueWindow == nullptr) makeQueueWindow();
+    showQueue();
+    showUnminimised(queueWindow);
+    queueWindow->raise();
+    queueWindow->activateWindow();
+    queueList->setFocus();
 }
 
 void queueMarked() {

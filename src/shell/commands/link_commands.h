@@ -7,11 +7,10 @@ namespace numalink {
 void startLink();  // the link's thread and the test of its deadline; with the library open
 void stopLink();   // joins the thread; ahead of closing the library
 
-int transmitSelected();  // 40011
-int queueSelected();     // 40012
-int transmitQueued();    // 40006
+void transmitSelected();  // queues the selected item and sends what waits
+void queueSelected();     // queues it and says how many wait
+void openQueueWindow();
 
-void buildCommunicationMenu();
 void queueMarked();  // what can be sent has changed. Any thread
 
 }  // namespace numalink

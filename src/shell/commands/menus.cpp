@@ -1,6 +1,7 @@
 #include "shell/commands/menus.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenu>
@@ -8,36 +9,104 @@
 #include <QShortcut>
 #include <QToolBar>
 #include <algorithm>
-#include <array>
 #include <map>
 
 #include "shell/commands/command_handler.h"
-#include "shell/commands/command_table.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_window.h"
+#include "shell/tree/selection.h"
 
 namespace numalink {
 
 namespace {
 
-std::map<int, QAction *> actions;
-std::array<QMenu *, menuCount> menus;
-
-void addAction(const Command &row) {
-    QMenu *menu = menus[static_cast<std::size_t>(row.menu)];
-    if (row.separatorAhead) menu->addSeparator();
-    QAction *action = menu->addAction(textOf(row.text));
-    action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
-    action->setAutoRepeat(false);
-    action->setStatusTip(textOf(row.tip));
-    action->setToolTip(textOf(row.tip));
-    action->setEnabled(row.working && row.enabledAtStart);
-    QObject::connect(action, &QAction::triggered, mainWindow, [id = row.id] { handleCommand(id); });
-    actions[row.id] = action;
-}
+struct Menus {
+    std::map<CommandId, QAction *> actions;
+    std::map<MenuPosition, QMenu *> menus;
+};
+Menus built;
 
 // "Transmit" out of "&Transmit", so that a button shows no stray mark.
 QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
+
+// Keys go to the commands, or, while an emulated program runs, to it.
+bool keyIsCommand(const Command &row) { return row.keyOfText || row.keyWhileRunning || !emulatorShown(); }
+
+void giveKeys(const Command &row) {
+    QAction *action = built.actions[row.id];
+    if (!keyIsCommand(row)) return action->setShortcuts(QList<QKeySequence>());
+    if (row.standardKey != QKeySequence::UnknownKey) return action->setShortcuts(row.standardKey);
+    action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+}
+
+const MenuRow &menuRow(MenuPosition menu) { return *std::ranges::find(menuTable(), menu, &MenuRow::menu); }
+
+bool isEnabled(const MenuRow &row) { return row.enabled == nullptr || row.enabled(); }
+
+bool isEnabled(const Command &row) {
+    if (!isEnabled(menuRow(row.menu))) return false;
+    if (row.enabledFor != nullptr && !row.enabledFor(selectedKind())) return false;
+    return row.enabled == nullptr || row.enabled();
+}
+
+void showState(const Command &row, bool menuOpen) {
+    QAction *action = built.actions[row.id];
+    action->setEnabled(isEnabled(row) && (!menuOpen || row.offered == nullptr || row.offered()));
+    if (row.checked != nullptr) action->setChecked(row.checked());
+    if (menuOpen && row.words != nullptr) action->setText(row.words());
+}
+
+void showMenuStates(MenuPosition menu, bool menuOpen) {
+    for (const Command &row : commandTable())
+        if (row.menu == menu) showState(row, menuOpen);
+}
+
+void showStates() {
+    for (const MenuRow &row : menuTable()) menuAt(row.menu)->setEnabled(isEnabled(row));
+    for (const Command &row : commandTable()) {
+        showState(row, menuAt(row.menu)->isVisible());
+        giveKeys(row);
+    }
+    for (const ToolbarButton &button : toolbarTable()) {
+        if (button.isOther == nullptr) continue;
+        built.actions[button.id]->setIconText(
+            withoutMnemonic(textOf(button.isOther() ? button.otherText : button.text)));
+    }
+}
+
+QMenu *makeMenu(const MenuRow &row) {
+    if (row.within) return menuAt(*row.within)->addMenu(textOf(row.text));
+    if (row.text != Text::none) return mainWindow->menuBar()->addMenu(textOf(row.text));
+    return new QMenu(row.ofNoWindow ? nullptr : mainWindow);
+}
+
+void addMenu(const MenuRow &row) {
+    QMenu *menu = makeMenu(row);
+    built.menus[row.menu] = menu;
+    if (row.oneChecked) new QActionGroup(menu);
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [where = row.menu] { showMenuStates(where, true); });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [where = row.menu] { showMenuStates(where, false); });
+}
+
+void addAction(const Command &row) {
+    QMenu *menu = menuAt(row.menu);
+    if (row.separatorAhead) menu->addSeparator();
+    QAction *action = menu->addAction(row.text == Text::none ? QString::fromLatin1(row.label) : textOf(row.text));
+    built.actions[row.id] = action;
+    if (row.keyOfText) action->setShortcutContext(Qt::WidgetShortcut);
+    action->setAutoRepeat(row.repeats);
+    if (row.tip != Text::none) {
+        action->setStatusTip(textOf(row.tip));
+        action->setToolTip(textOf(row.tip));
+    }
+    action->setCheckable(row.checked != nullptr);
+    if (auto *oneChecked = menu->findChild<QActionGroup *>(QString(), Qt::FindDirectChildrenOnly))
+        oneChecked->addAction(action);
+    if (row.onTreeGround) treeGroundMenu->addAction(action);
+    QObject::connect(action, &QAction::triggered, mainWindow, [id = row.id] { handleCommand(id); });
+}
 
 // A button with two words keeps the width of the longer one.
 void keepWidth(QAction *action, const QString &otherWord) {
@@ -49,87 +118,53 @@ void keepWidth(QAction *action, const QString &otherWord) {
     action->setIconText(word);
 }
 
-struct KindState {
-    int commandId;
-    bool (*enabledFor)(ItemKind itemKind);
-};
-
-bool screenCopy(ItemKind itemKind) { return itemKind == kind::colorScreen || itemKind == kind::monochromeScreen; }
-bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
-bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !screenCopy(itemKind); }
-bool drawnAsBitmap(ItemKind itemKind) { return screenCopy(itemKind) || itemKind == kind::picture; }
-bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
-
-// What the kind of the selected item enables.
-constexpr KindState kindStates[] = {
-    {command::rename, anyItem},         {command::remove, anyItem},           {command::queue, transmittable},
-    {command::transmit, transmittable}, {command::saveBitmap, drawnAsBitmap}, {command::emulate, isProgram},
-    {command::password, isProgram},
-};
-
 }  // namespace
 
 void buildMenus() {
     QMenuBar *bar = mainWindow->menuBar();
-    for (std::size_t position = 0; position < menus.size(); position++)
-        menus[position] = bar->addMenu(textOf(menuTexts[position]));
-    for (const Command &row : commandTable()) addAction(row);
-    actions[command::hideTree]->setCheckable(true);
-    itemMenu = menus[static_cast<std::size_t>(MenuPosition::item)];
-    menus[static_cast<std::size_t>(MenuPosition::emulator)]->setEnabled(false);
+    for (const MenuRow &row : menuTable())
+        if (!row.within) addMenu(row);
+    itemMenu = menuAt(MenuPosition::item);
+    programMenu = menuAt(MenuPosition::program);
+    treeGroundMenu = new QMenu(mainWindow);
+    for (const Command &row : commandTable()) {
+        // A menu within another stands where its first entry does.
+        if (menuAt(row.menu) == nullptr) addMenu(menuRow(row.menu));
+        addAction(row);
+    }
+    showStates();
+    commandStatesChanged = showStates;
     auto *openFirst = new QShortcut(QKeySequence(Qt::Key_F10), mainWindow);
     QObject::connect(openFirst, &QShortcut::activated, bar, [bar] { bar->setActiveAction(bar->actions().first()); });
 }
 
 void buildToolbar() {
     for (const ToolbarButton &button : toolbarTable()) {
-        QAction *action = actions[button.commandId];
+        QAction *action = built.actions[button.id];
         action->setIcon(QIcon(QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(button.image))));
         action->setIconText(withoutMnemonic(textOf(button.text)));
         toolbar->addAction(action);
+        if (button.isOther != nullptr) keepWidth(action, withoutMnemonic(textOf(button.otherText)));
     }
-    keepWidth(actions[command::emulate], textOf(Text::editorButton));
     fitWindowToToolbar();
 }
 
 void forgetMenus() {
-    actions.clear();
-    menus.fill(nullptr);
-    itemMenu = nullptr;
+    commandStatesChanged = [] {};
+    for (const MenuRow &row : menuTable())
+        if (row.ofNoWindow) delete menuAt(row.menu);
+    built = {};
+    itemMenu = programMenu = treeGroundMenu = nullptr;
 }
 
-QAction *commandAction(int id) {
-    const auto found = actions.find(id);
-    return found == actions.end() ? nullptr : found->second;
+QAction *commandAction(CommandId id) {
+    const auto found = built.actions.find(id);
+    return found == built.actions.end() ? nullptr : found->second;
 }
 
-QMenu *menuAt(int position) { return menus[static_cast<std::size_t>(position)]; }
-
-void setCommandEnabled(int id, bool enabled) {
-    const Command *row = findCommand(id);
-    QAction *action = commandAction(id);
-    if (row != nullptr && action != nullptr) action->setEnabled(enabled && row->working);
-}
-
-bool commandEnabled(int id) {
-    const QAction *action = commandAction(id);
-    return action != nullptr && action->isEnabled();
-}
-
-void setMenuStates(ItemKind selected) {
-    for (const KindState &state : kindStates) setCommandEnabled(state.commandId, state.enabledFor(selected));
-}
-
-void setEditMenuEnabled(bool enabled) {
-    for (const int id : {command::find, command::findAgain, command::refresh}) setCommandEnabled(id, enabled);
-}
-
-void setShortcutsEnabled(bool enabled) {
-    for (const Command &row : commandTable()) {
-        if (row.id == command::emulate) continue;  // its key stops a run as well
-        const QString keys = enabled ? QString::fromLatin1(row.shortcut) : QString();
-        if (QAction *action = commandAction(row.id)) action->setShortcut(QKeySequence(keys));
-    }
+QMenu *menuAt(MenuPosition position) {
+    const auto found = built.menus.find(position);
+    return found == built.menus.end() ? nullptr : found->second;
 }
 
 }  // namespace numalink

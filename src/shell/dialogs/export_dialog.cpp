@@ -273,9 +273,6 @@ void askExport(ExportQuestion &question) {
     askPath(question);
 }
 
-int saveItems() {
-    exportWithQuestion();
-    return 1;
-}
+void saveItems() { exportWithQuestion(); }
 
 }  // namespace numalink

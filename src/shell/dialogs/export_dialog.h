@@ -8,6 +8,6 @@ namespace numalink {
 void askExport(ExportQuestion &question);
 
 // The command behind it.
-int saveItems();
+void saveItems();
 
 }  // namespace numalink

@@ -40,7 +40,8 @@ constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemov
 constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
                                           {setting::fullscreen, Text::settingsFullScreen},
                                           {setting::fillListsMatrices, Text::settingsFillLists},
-                                          {setting::fullSpeed, Text::settingsFullSpeed}};
+                                          {setting::fullSpeed, Text::settingsFullSpeed},
+                                          {setting::calculatorModes, Text::settingsCalculatorModes}};
 constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
                                         {setting::autoCorrect, Text::settingsAutoCorrect}};
 
@@ -197,14 +198,13 @@ bool settingsDialog() {
 
 }  // namespace
 
-int changeSettings() {
+void changeSettings() {
     const std::string portBefore = settingsValue(setting::comPort);
     const std::string typeBefore = settingsValue(setting::linkType);
-    if (!settingsDialog()) return 1;
+    if (!settingsDialog()) return;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
     if (!reopenView()) recolorProgram();
-    return 1;
 }
 
 }  // namespace numalink

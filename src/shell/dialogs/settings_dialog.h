@@ -6,7 +6,7 @@
 
 namespace numalink {
 
-int changeSettings();  // handler of the command table
+void changeSettings();  // handler of the command table
 
 // The serial devices that the dialog offers, and what runs when port or type were changed by OK. The link puts in its
 // own at start-up; until then none is offered and nothing runs.

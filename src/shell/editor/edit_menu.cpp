@@ -4,7 +4,6 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 
-#include "shell/editor/program_view.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -12,49 +11,25 @@
 
 namespace numalink {
 
-namespace {
+bool textIsSelected() { return programEdit->textCursor().hasSelection(); }
+bool canCutText() { return textIsSelected() && !programEdit->isReadOnly(); }
+bool canPasteText() { return programEdit->canPaste(); }
+bool canUndoTyping() { return programEdit->document()->isUndoAvailable(); }
+bool canRedoTyping() { return programEdit->document()->isRedoAvailable(); }
 
-bool hasSelection() { return programEdit->textCursor().hasSelection(); }
-bool canCut() { return hasSelection() && !programEdit->isReadOnly(); }
-bool canPaste() { return programEdit->canPaste(); }
-bool always() { return true; }
-bool canUndo() { return programEdit->document()->isUndoAvailable(); }
-bool canRedo() { return programEdit->document()->isRedoAvailable(); }
+void copyText() { programEdit->copy(); }
+void cutText() { programEdit->cut(); }
+void pasteText() { programEdit->paste(); }
+void selectWholeText() { programEdit->selectAll(); }
 
-void deleteSelection() {
-    QTextCursor cursor = programEdit->textCursor();
-    cursor.removeSelectedText();
+void deleteText() {
+    if (canCutText()) programEdit->textCursor().removeSelectedText();
 }
 
-struct EditRow {
-    Text text;
-    QKeySequence::StandardKey key;
-    bool (*enabled)();
-    void (*run)();
-};
-
-constexpr EditRow editRows[] = {
-    {Text::undo, QKeySequence::Undo, canUndo, undoInProgram},
-    {Text::redo, QKeySequence::Redo, canRedo, redoInProgram},
-    {Text::editCopy, QKeySequence::Copy, hasSelection, [] { programEdit->copy(); }},
-    {Text::editCut, QKeySequence::Cut, canCut, [] { programEdit->cut(); }},
-    {Text::editPaste, QKeySequence::Paste, canPaste, [] { programEdit->paste(); }},
-    {Text::editDelete, QKeySequence::Delete, canCut, deleteSelection},
-    {Text::editSelectAll, QKeySequence::SelectAll, always, [] { programEdit->selectAll(); }},
-};
+namespace {
 
 void showEditMenu(const QPoint &where) {
-    QMenu menu(programEdit);
-    menu.setObjectName(QStringLiteral("editMenu"));
-    for (const EditRow &row : editRows) {
-        QAction *action = menu.addAction(textOf(row.text));
-        action->setShortcut(row.key);
-        action->setShortcutContext(Qt::WidgetShortcut);
-        action->setEnabled(row.enabled());
-        QObject::connect(action, &QAction::triggered, programEdit, row.run);
-        if (row.key == QKeySequence::Redo || row.key == QKeySequence::Delete) menu.addSeparator();
-    }
-    menu.exec(where);
+    programMenu->exec(where);
     refreshTreeWhenFree();
 }
 

@@ -81,15 +81,13 @@ void search() {
 
 }  // namespace
 
-int findInProgram() {
+void findInProgram() {
     if (isTextKind(viewKind) && askFind()) search();
-    return 1;
 }
 
-int findAgain() {
+void findAgain() {
     if (findText.isEmpty()) return findInProgram();
     if (isTextKind(viewKind)) search();
-    return 1;
 }
 
 }  // namespace numalink

@@ -4,7 +4,7 @@
 namespace numalink {
 
 // Handlers of the command table: nothing unless a program is on view.
-int findInProgram();
-int findAgain();
+void findInProgram();
+void findAgain();
 
 }  // namespace numalink

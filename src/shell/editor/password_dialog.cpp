@@ -54,27 +54,26 @@ bool askPassword(QString &password) {
 
 }  // namespace
 
-int changePassword() {
+void changePassword() {
     StoredItem item;
     const ItemId id = selectedItemId();
-    if (id == noItem || !storeReadItem(id, item) || item.kind != kind::program) return 1;
+    if (id == noItem || !storeReadItem(id, item) || item.kind != kind::program) return;
     std::optional<ProgramInfo> info = decodeProgramInfo(item.head);
-    if (!info) return 1;
+    if (!info) return;
     QString password = nameToQt(info->password);
-    if (!askPassword(password)) return 1;
+    if (!askPassword(password)) return;
     int missing = 0;
     const std::string codes = calculatorFromUtf8(password.toStdString(), &missing);
     if (missing > 0) {
         tellUser(Text::nameHasForeignCharacter);
-        return 1;
+        return;
     }
     if (codes.size() > programNameLimit) {
         tellUser(Text::passwordTooLong);
-        return 1;
+        return;
     }
     info->password = codes;
     if (storeRewriteHead(id, encodeProgramInfo(*info))) programToStatus(id);
-    return 1;
 }
 
 }  // namespace numalink

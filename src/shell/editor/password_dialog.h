@@ -3,6 +3,6 @@
 
 namespace numalink {
 
-int changePassword();  // handler of the command table: for the selected program
+void changePassword();  // handler of the command table: for the selected program
 
 }  // namespace numalink

@@ -30,4 +30,12 @@ void applyLayout() {
     if (emulatorWindow != nullptr) place(emulatorWindow, layout.container);
 }
 
+void toggleTree() {
+    treeVisible = !treeVisible;
+    applyLayout();
+    treeToggleButton->setText(treeVisible ? QStringLiteral("<") : QStringLiteral(">"));
+}
+
+void forgetLayout() { treeVisible = true; }
+
 }  // namespace numalink

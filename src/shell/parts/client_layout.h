@@ -6,5 +6,7 @@ namespace numalink {
 extern bool treeVisible;
 
 void applyLayout();
+void toggleTree();
+void forgetLayout();
 
 }  // namespace numalink

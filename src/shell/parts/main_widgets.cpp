@@ -32,6 +32,8 @@ QWidget *containerWindow = nullptr;
 QWidget *emulatorWindow = nullptr;
 QToolBar *toolbar = nullptr;
 QMenu *itemMenu = nullptr;
+QMenu *treeGroundMenu = nullptr;
+QMenu *programMenu = nullptr;
 
 namespace {
 

@@ -28,7 +28,9 @@ extern QWidget *lineNumberEdit;
 extern QWidget *containerWindow;
 extern QWidget *emulatorWindow;  // lies over containerWindow; made by the emulator
 extern QToolBar *toolbar;
-extern QMenu *itemMenu;
+extern QMenu *itemMenu;        // an item's commands
+extern QMenu *treeGroundMenu;  // what makes new ones
+extern QMenu *programMenu;     // what the text of a program offers
 
 // Make the widgets with their looks, unconnected: the main window with its parts, sized as at start-up.
 void makeMainWindow();

@@ -21,12 +21,12 @@
 #include "emulator/screens/display.h"
 #include "settings/settings_store.h"
 #include "shell/editor/program_view.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/parts/upward_calls.h"
 #include "shell/run/debug_window.h"
 #include "shell/run/emulator_keys.h"
 #include "shell/run/full_screen.h"
@@ -183,11 +183,10 @@ void showRunFault() {
     programEdit->setFocus();
 }
 
-int stopAndShowProgram() {
-    if (!leaveCurrentView()) return 1;
+void stopAndShowProgram() {
+    if (!leaveCurrentView()) return;
     openSelectedItem();
     showRunFault();
-    return 1;
 }
 
 QRect displayOnDesktop() {
@@ -199,32 +198,31 @@ QRect displayOnDesktop() {
 
 bool emulatorShown() { return emulatorWindow != nullptr && !emulatorWindow->isHidden(); }
 
-int emulatorToggle() {
+void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
-    if (!item || item->kind != kind::program || !leaveCurrentView()) return 1;
+    if (!item || item->kind != kind::program || !leaveCurrentView()) return;
     outlinedKey = 0;
     emulatorWindow->show();
     emulatorWindow->raise();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
     if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
-    upwardCalls.runChanged(true);
+    commandStatesChanged();
     if (!startRun(item->id)) {
         emulatorStop();
-        return 1;
+        return;
     }
     emulatorWindow->setFocus();
-    return 1;
 }
 
 void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     keyCode = 0;
-    upwardCalls.runChanged(false);
     fullScreenLeave();
     hideDebugWindow();
     emulatorWindow->hide();
+    commandStatesChanged();
 }
 
 QWidget *runWindow() {
@@ -265,11 +263,10 @@ void goToRunFault() {
     }
 }
 
-int saveScreenshot() {
+void saveScreenshot() {
     const Surface picture = displayNow();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
-    return 1;
 }
 
 void displayMarked() {
@@ -288,6 +285,7 @@ void makeEmulatorWindow() {
     emulatorWindow->hide();
     display = Surface(displayWidth, displayHeight);
     hookEvents(emulatorWindow, emulatorEvent);
+    viewLeft = emulatorStop;
 }
 
 void zoomEmulatorWindow() {
@@ -296,6 +294,7 @@ void zoomEmulatorWindow() {
 
 void forgetEmulatorWindow() {
     emulatorWindow = nullptr;
+    viewLeft = [] {};
     skin = QImage();
     skinScale = 0;
     forgetFullScreen();

@@ -7,7 +7,7 @@ class QWidget;
 namespace numalink {
 
 // The Emulate command: starts the selected program, or stops the run.
-int emulatorToggle();
+void emulatorToggle();
 
 // The emulator's share of leaving a view: stops the run, joins its threads and puts the surface away. Harmless when
 // none runs.
@@ -15,7 +15,7 @@ void emulatorStop();
 bool emulatorShown();
 
 // The Save Screenshot command: the display, 128 by 64 dots, as a bitmap file.
-int saveScreenshot();
+void saveScreenshot();
 
 // The display has changed: leaves a mark, so that the window repaints soon, at most 60 times a second. Any thread.
 void displayMarked();

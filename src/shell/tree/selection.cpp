@@ -1,8 +1,8 @@
 #include "shell/tree/selection.h"
 
+#include "shell/parts/command_states.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/selected_item.h"
-#include "shell/parts/upward_calls.h"
 #include "shell/tree/item_tree.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
@@ -13,7 +13,8 @@ namespace numalink {
 namespace {
 
 struct Selection {
-    bool selecting = false;   // selectItem is at work: it isn't entered again
+    bool selecting = false;  // selectItem is at work: it isn't entered again
+    ItemKind kindSelected = kind::none;
     bool straysTold = false;  // once a run
 };
 Selection state;
@@ -26,6 +27,8 @@ void tellStrays(int strays) {
 
 }  // namespace
 
+ItemKind selectedKind() { return state.kindSelected; }
+
 bool selectItem(ItemId id) {
     if (state.selecting) return false;
     if (id != noItem && id == selectedItemId() && viewItemId == id) return true;
@@ -34,7 +37,8 @@ bool selectItem(ItemId id) {
     if (left) {
         markSelected(id);
         const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
-        upwardCalls.selectionChanged(entry ? entry->kind : kind::none);
+        state.kindSelected = entry ? entry->kind : kind::none;
+        commandStatesChanged();
         if (entry) openSelectedItem();
     }
     state.selecting = false;

@@ -5,7 +5,9 @@
 
 namespace numalink {
 
-// Leaves the view, selects, tells it upward and opens the new view. False, with everything as it was, when the view
+ItemKind selectedKind();  // as it was when it was selected; kind::none when nothing is
+
+// Leaves the view, selects, tells the commands and opens the new view. False, with everything as it was, when the view
 // can't be left. noItem selects nothing.
 bool selectItem(ItemId id);
 

@@ -9,7 +9,7 @@
 #include "platform/clock.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
-#include "shell/parts/upward_calls.h"
+#include "shell/tree/item_commands.h"
 #include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 
@@ -132,7 +132,11 @@ void enterPressed() {
 
 bool treeKeyPressed(const QKeyEvent &key) {
     if (emulatorRunning) return true;  // the keyboard belongs to the emulated calculator
-    if (key.key() == Qt::Key_Delete) return upwardCalls.deletePressed();
+    if (key.key() == Qt::Key_Delete) {
+        if (selectedEntry() == nullptr) return false;
+        deleteWithQuestion();
+        return true;
+    }
     // Whatever is held down with them: Qt's tree would select without asking the view.
     if (isNavigation(key.key())) {
         goTo(navigated(key.key(), selectedEntry()));

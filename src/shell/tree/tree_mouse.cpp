@@ -14,7 +14,6 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/tree_refresh.h"
-#include "shell/parts/upward_calls.h"
 #include "shell/tree/delete_question.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
@@ -183,9 +182,7 @@ void showItemMenu(const QPoint &place, const QPoint &onScreen) {
     if (item != noItem) {
         if (selectItem(item)) itemMenu->exec(onScreen);
     } else {
-        QMenu menu(treeView);
-        upwardCalls.fillGroundMenu(menu);
-        menu.exec(onScreen);
+        treeGroundMenu->exec(onScreen);
     }
     refreshTreeWhenFree();
 }

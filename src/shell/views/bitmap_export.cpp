@@ -35,14 +35,13 @@ void saveSurface(const Surface &surface, const std::string &utf8Name) {
     if (!path.isEmpty()) writeUserFile(QFile::encodeName(path).toStdString(), bitmapBytes(surface), false);
 }
 
-int saveItemAsBitmap() {
+void saveItemAsBitmap() {
     StoredItem item;
-    if (!storeReadItem(selectedItemId(), item)) return 1;
+    if (!storeReadItem(selectedItemId(), item)) return;
     const bool isPicture = item.kind == kind::picture;
-    if (!isPicture && !isScreenKind(item.kind)) return 1;
+    if (!isPicture && !isScreenKind(item.kind)) return;
     const Surface surface = screenSurface(item.kind, item.head, item.data);
     saveSurface(surface, utf8FromCalculator(item.name));
-    return 1;
 }
 
 }  // namespace numalink

@@ -10,6 +10,6 @@ namespace numalink {
 // Asks for a file, with this name to start from, and writes the surface into it.
 void saveSurface(const Surface &surface, const std::string &utf8Name);
 
-int saveItemAsBitmap();  // handler of the command table: for the selected item
+void saveItemAsBitmap();  // handler of the command table: for the selected item
 
 }  // namespace numalink

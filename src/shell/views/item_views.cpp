@@ -17,13 +17,13 @@
 #include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
+#include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/kind_looks.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/parts/upward_calls.h"
 #include "shell/views/surface_view.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -44,7 +44,7 @@ void showProgram(const StoredItem &item) {
     lineNumberEdit->show();
     programEdit->show();
     showSymbols();
-    upwardCalls.programShown(true);
+    commandStatesChanged();
     if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 
@@ -160,18 +160,18 @@ void keepText() {
 
 void closeView() {
     keepText();
-    upwardCalls.programShown(false);
     userInterface.statusText(StatusPart::item, Text::none, "");
     hideSymbols();
     programEdit->hide();
     lineNumberEdit->hide();
     hideSurface();
-    upwardCalls.viewClosed();
+    viewLeft();
     matrixOnView = {};
     picked = {};
     forgetOpenedProgram();
     viewKind = kind::none;
     viewItemId = noItem;
+    commandStatesChanged();
 }
 
 bool leave(Leaving how) {

@@ -5,6 +5,9 @@
 
 namespace numalink {
 
+// Called as a view goes: what lies over it goes as well. The emulator, which stands above the views, puts in its own.
+inline void (*viewLeft)() = [] {};
+
 void connectViews();
 void forgetViews();
 

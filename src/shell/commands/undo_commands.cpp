@@ -1,15 +1,11 @@
-#include "shell/commands/undo_menu.h"
+#include "shell/commands/undo_commands.h"
 
-#include <QAction>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QTreeWidget>
 #include <algorithm>
 
 #include "calculator/charset.h"
 #include "emulator/machine/machine.h"
-#include "shell/commands/command_table.h"
-#include "shell/commands/menus.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -64,19 +60,24 @@ void changeLibrary(bool (*change)(TakenBack &)) {
     treeView->setFocus();
 }
 
-void undo() {
+}  // namespace
+
+void undoLast() {
     if (emulatorRunning) return;
     if (isTyping()) return undoInProgram();
     if (!canUndo()) return statusLine(StatusPart::item, Text::nothingToUndo);
     changeLibrary(storeUndo);
 }
 
-void redo() {
+void redoLast() {
     if (emulatorRunning) return;
     if (isTyping()) return redoInProgram();
     if (!storeCanRedo()) return statusLine(StatusPart::item, Text::nothingToRedo);
     changeLibrary(storeRedo);
 }
+
+bool undoOffered() { return isTyping() || canUndo(); }
+bool redoOffered() { return isTyping() || storeCanRedo(); }
 
 QString undoWords() {
     if (isTyping() || !canUndo()) return textOf(Text::undo);
@@ -87,33 +88,6 @@ QString undoWords() {
     QString name = nameToQt(offer->name);
     name.replace(QLatin1Char('&'), QLatin1String("&&"));
     return textOf(rowOf(offer->act).menu, {name.toStdString()});
-}
-
-}  // namespace
-
-void buildUndoMenu() {
-    QMenu *menu = menuAt(static_cast<int>(MenuPosition::edit));
-    auto *undoAction = new QAction(textOf(Text::undo), menu);
-    auto *redoAction = new QAction(textOf(Text::redo), menu);
-    undoAction->setObjectName(QStringLiteral("undoAction"));
-    redoAction->setObjectName(QStringLiteral("redoAction"));
-    undoAction->setShortcut(QKeySequence::Undo);
-    redoAction->setShortcuts(QKeySequence::Redo);
-    QAction *first = menu->actions().value(0);
-    menu->insertActions(first, {undoAction, redoAction});
-    menu->insertSeparator(first);
-    QObject::connect(undoAction, &QAction::triggered, menu, undo);
-    QObject::connect(redoAction, &QAction::triggered, menu, redo);
-    // By name while the menu is open; its keys always work, and say so when there is nothing.
-    QObject::connect(menu, &QMenu::aboutToShow, menu, [undoAction, redoAction] {
-        undoAction->setText(undoWords());
-        undoAction->setEnabled(isTyping() || canUndo());
-        redoAction->setEnabled(isTyping() || storeCanRedo());
-    });
-    QObject::connect(menu, &QMenu::aboutToHide, menu, [undoAction, redoAction] {
-        undoAction->setEnabled(true);
-        redoAction->setEnabled(true);
-    });
 }
 
 }  // namespace numalink

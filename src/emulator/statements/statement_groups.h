@@ -1,0 +1,16 @@
+// The statement tables of the groups, one a file. Run thread.
+#pragma once
+
+#include <span>
+
+#include "emulator/statements/statement_rows.h"
+
+namespace numalink {
+
+std::span<const StatementRow> flowStatements();
+std::span<const StatementRow> modeStatements();
+std::span<const StatementRow> graphStatements();
+std::span<const StatementRow> statisticsStatements();
+std::span<const StatementRow> recursionStatements();
+
+}  // namespace numalink

@@ -1,0 +1,80 @@
+#include "shell/commands/file_commands.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMainWindow>
+#include <QTimer>
+
+#include "exchange/import/import.h"
+#include "exchange/import/import_formats.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/parts/tree_refresh.h"
+#include "shell/tree/selection.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+QString lastFolder;  // of the file dialog, for this run
+QStringList filesToImport;
+bool importing = false;
+constexpr int importAgainMilliseconds = 100;
+
+// An import has left the view. What it told in the status bar stays.
+void showAfterImport() {
+    const std::string told = itemField->text().toStdString();
+    showSelectedAgain();
+    if (!told.empty()) userInterface.statusText(StatusPart::item, Text::none, told);
+}
+
+// One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
+// dialog of another import may be asking about.
+void importWaitingFiles() {
+    if (importing || filesToImport.isEmpty()) return;
+    if (QApplication::activeModalWidget() != nullptr) {
+        QTimer::singleShot(importAgainMilliseconds, mainWindow, importWaitingFiles);
+        return;
+    }
+    importing = true;
+    while (!filesToImport.isEmpty() && storeIsOpen()) {
+        const QString path = filesToImport.takeFirst();
+        importFile(QFile::encodeName(path).toStdString(), importBaseName(path.toStdString()));
+    }
+    importing = false;
+    filesToImport.clear();
+    refreshTree();
+    if (storeIsOpen()) showAfterImport();
+}
+
+}  // namespace
+
+void openFiles() {
+    QStringList bothCases;
+    for (const ImportFormat &format : importFormats()) {
+        for (const char *ending : format.endings) {
+            const QString pattern = QStringLiteral("*.") + QLatin1String(ending);
+            bothCases << pattern << pattern.toUpper();
+        }
+    }
+    const QString filter = textOf(Text::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +
+                           QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
+    const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), lastFolder, filter);
+    if (chosen.isEmpty()) return;
+    lastFolder = QFileInfo(chosen.first()).absolutePath();
+    importDropped(chosen);
+}
+
+void importDropped(const QStringList &paths) {
+    filesToImport += paths;
+    importWaitingFiles();
+}
+
+void exitProgram() { endProgram(); }
+
+}  // namespace numalink

@@ -1,0 +1,17 @@
+// Files from outside, and the end of the program. Graphical thread only.
+#pragma once
+
+#include <QStringList>
+
+namespace numalink {
+
+void openFiles();  // the Open command
+
+// Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
+void importDropped(const QStringList &paths);
+
+// The Exit command. What ends the program is put in at the start.
+inline void (*endProgram)() = nullptr;
+void exitProgram();
+
+}  // namespace numalink
