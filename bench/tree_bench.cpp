@@ -12,8 +12,11 @@
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/commands/menus.h"
+#include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/tree_refresh.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/tree_mouse.h"
 #include "shell/tree/tree_rules.h"
 #include "support/simulated_disk.h"
 
@@ -96,6 +99,7 @@ void refreshOnScreen(benchmark::State &state, bool moveAll) {
     makeMainWindow();
     buildMenus();
     makeClientWidgets();
+    makeProgramEdit();
     mainWindow->show();
     connectTree();
     double work = 0;

@@ -16,7 +16,8 @@
 #include "shell/app/start_up.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/tree/item_tree.h"
+#include "shell/parts/tree_refresh.h"
+#include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
 

@@ -21,7 +21,7 @@
 #include "shell/app/start_up.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/run/emulator_window.h"
-#include "shell/tree/item_tree.h"
+#include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
 #include "text/program_bytes.h"
