@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTimer>
 
 #include "platform/thread_role.h"

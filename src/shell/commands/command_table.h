@@ -61,7 +61,7 @@ enum class CommandId {
 enum class MenuPosition { file, item, edit, emulator, communication, view, help, zoom, program, tray };
 
 struct MenuRow {
-    MenuPosition menu;
+    MenuPosition menu = MenuPosition::file;
     Text text = Text::none;                   // none: no menu of the bar, it opens where a button is pressed
     std::optional<MenuPosition> within = {};  // the menu that it is an entry of
     bool oneChecked = false;                  // of its entries always one has the check mark
@@ -71,8 +71,8 @@ struct MenuRow {
 
 // Whatever isn't named has its default: no key, no check mark, enabled always.
 struct Command {
-    CommandId id;
-    MenuPosition menu;
+    CommandId id = CommandId::open;
+    MenuPosition menu = MenuPosition::file;
     bool separatorAhead = false;
     Text text = Text::none;
     const char *label = "";  // in place of text, for what is the same in all languages
@@ -92,13 +92,13 @@ struct Command {
     bool (*offered)() = nullptr;   // false greys it only in its open menu: the key works, and tells why it can't
     bool (*checked)() = nullptr;   // null: no check mark
     QString (*words)() = nullptr;  // in place of the text, each time its menu opens
-    void (*run)();
+    void (*run)() = nullptr;
 };
 
 struct ToolbarButton {
-    CommandId id;
-    const char *image;  // name of the picture in the resources
-    Text text;
+    CommandId id = CommandId::open;
+    const char *image = "";  // name of the picture in the resources
+    Text text = Text::none;
     Text otherText = Text::none;  // in place of text while isOther holds
     bool (*isOther)() = nullptr;
 };

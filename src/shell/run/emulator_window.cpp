@@ -236,19 +236,19 @@ void placeBesideDisplay(QWidget *box) {
     if (!emulatorShown()) return;
     constexpr int gap = 8;
     constexpr QMargins frame(4, 32, 4, 4);  // about what a window manager adds
-    const QRect display = displayOnDesktop();
+    const QRect shownDisplay = displayOnDesktop();
     const QRect room = runWindow()->screen()->availableGeometry();
     box->adjustSize();
     QRect place = box->rect().marginsAdded(frame);
-    place.moveTopLeft({display.center().x() - place.width() / 2, display.bottom() + gap});
+    place.moveTopLeft({shownDisplay.center().x() - place.width() / 2, shownDisplay.bottom() + gap});
     place.moveLeft(std::clamp(place.left(), room.left(), std::max(room.left(), room.right() - place.width())));
-    if (place.bottom() > room.bottom()) place.moveBottom(display.top() - gap);
+    if (place.bottom() > room.bottom()) place.moveBottom(shownDisplay.top() - gap);
     if (place.top() < room.top()) {
         place.moveTop(room.top());
-        if (display.right() + gap + place.width() <= room.right())
-            place.moveLeft(display.right() + gap);
-        else if (display.left() - gap - place.width() >= room.left())
-            place.moveRight(display.left() - gap);
+        if (shownDisplay.right() + gap + place.width() <= room.right())
+            place.moveLeft(shownDisplay.right() + gap);
+        else if (shownDisplay.left() - gap - place.width() >= room.left())
+            place.moveRight(shownDisplay.left() - gap);
     }
     box->move(place.topLeft());
 }
