@@ -12,6 +12,7 @@
 #include "shell/app/tray.h"
 #include "shell/commands/command_handler.h"
 #include "shell/commands/file_commands.h"
+#include "shell/dialogs/settings_dialog.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
@@ -74,8 +75,7 @@ void connectWindow() {
     hookEvents(clientArea, clientEvent);
     QObject::connect(treeToggleButton, &QToolButton::clicked, mainWindow, [] { handleCommand(CommandId::hideTree); });
     // Queued, since the settings may change the text that the click comes from.
-    QObject::connect(
-        linkField, &QLabel::linkActivated, linkField, [] { handleCommand(CommandId::settings); }, Qt::QueuedConnection);
+    QObject::connect(linkField, &QLabel::linkActivated, linkField, choosePort, Qt::QueuedConnection);
     applyLayout();
 }
 

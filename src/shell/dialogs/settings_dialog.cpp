@@ -177,16 +177,17 @@ void storeControls(const SettingsControls &controls) {
 }
 
 // True for OK, with all stored.
-bool settingsDialog() {
+bool settingsDialog(bool portFirst) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("settingsDialog"));
     dialog.setWindowTitle(textOf(Text::settingsTitle));
     SettingsControls controls;
     auto *pages = new QTabWidget;  // one above the other they would not fit a small screen
     pages->addTab(languagePage(controls), textOf(Text::settingsLanguagePage));
-    pages->addTab(linkPage(controls), textOf(Text::settingsCommunication));
+    const int portPage = pages->addTab(linkPage(controls), textOf(Text::settingsCommunication));
     pages->addTab(emulatorPage(controls), textOf(Text::settingsEmulator));
     pages->addTab(editorPage(controls), textOf(Text::settingsEditor));
+    if (portFirst) pages->setCurrentIndex(portPage);
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(pages);
     layout->addWidget(dialogButtons(&dialog));
@@ -196,15 +197,18 @@ bool settingsDialog() {
     return accepted;
 }
 
-}  // namespace
-
-void changeSettings() {
+void change(bool portFirst) {
     const std::string portBefore = settingsValue(setting::comPort);
     const std::string typeBefore = settingsValue(setting::linkType);
-    if (!settingsDialog()) return;
+    if (!settingsDialog(portFirst)) return;
     if (settingsValue(setting::comPort) != portBefore || settingsValue(setting::linkType) != typeBefore)
         linkSettingsChanged();
     if (!reopenView()) recolorProgram();
 }
+
+}  // namespace
+
+void changeSettings() { change(false); }
+void choosePort() { change(true); }
 
 }  // namespace numalink

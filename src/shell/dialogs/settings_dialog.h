@@ -6,7 +6,9 @@
 
 namespace numalink {
 
-void changeSettings();  // handler of the command table
+// Handlers of the command table and of the status bar's link.
+void changeSettings();
+void choosePort();  // the same dialog, open at the page of the port
 
 // The serial devices that the dialog offers, and what runs when port or type were changed by OK. The link puts in its
 // own at start-up; until then none is offered and nothing runs.
