@@ -1,5 +1,7 @@
 // The start, with whatever is missing or held, and each way to the end.
 #include <QProcess>
+#include <QTabWidget>
+#include <QTimer>
 #include <csignal>
 #include <filesystem>
 #include <map>
@@ -38,10 +40,21 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
     EXPECT_FALSE(progressBar->isVisible());
     answer(wording(Text::ok));
+    QTimer pageLook;
+    QString page;
+    QObject::connect(&pageLook, &QTimer::timeout, [&] {
+        const QWidget *dialog = QApplication::activeModalWidget();
+        const auto *pages = dialog == nullptr ? nullptr : dialog->findChild<QTabWidget *>();
+        if (pages != nullptr) page = pages->tabText(pages->currentIndex());
+    });
+    pageLook.start(0);
     emit linkField->linkActivated(QStringLiteral("settings"));
     EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
     EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
         << "the language stays: no word about a new one";
+    EXPECT_EQ(page, textOf(Text::settingsCommunication));
+    userInterface.statusText(StatusPart::item, Text::none, "<b>A</b>");
+    EXPECT_EQ(itemField->toolTip(), QStringLiteral("&lt;b&gt;A&lt;/b&gt;"));
     endProgram();
 
     settingsSetValue(setting::language, "Deutsch");
