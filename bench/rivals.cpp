@@ -145,7 +145,7 @@ const Contest table[] = {
      nullptr,
      100000,
      gotoOfBasic.c_str(),
-     {5000, 1000, 50000},
+     {500000, 1000, 50000},
      nullptr,
      gotoOfLua.c_str(),
      500000},
