@@ -72,6 +72,13 @@ void readDigits(Stretch &stretch, int p, int first, int end, int base) {
 
 }  // namespace
 
+ComplexValue heldToBase(ComplexValue result) {
+    const double limit = machine.numberBase == 2 ? 32768.0 : 2147483648.0;
+    const double whole = std::trunc(result.re);
+    if (!(whole >= -limit && whole < limit)) maError();
+    return complexReal(whole);
+}
+
 void readBaseNumbers(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         const int told = baseToldBy(stretch.cells[p]);

@@ -70,6 +70,11 @@ Value fromUnit(Value a) {
     return complexMake(a.re * factor, a.im * factor);
 }
 
+// A complex number by its size and angle.
+Value byAngle(Value size, Value angle) {
+    return complexMake(size.re * cosineOf(angle.re, machine.angleUnit), size.re * sineOf(angle.re, machine.angleUnit));
+}
+
 template <int exponent>
 Value engineering(Value a) {
     const double factor = std::pow(10.0, exponent);
@@ -125,8 +130,8 @@ constexpr OperatorRow rows[] = {
     unary({0x09}, Step::postfix, "tera", engineering<12>),
     unary({0x0A}, Step::postfix, "peta", engineering<15>),
     unary({0x0B}, Step::postfix, "exa", engineering<18>),
-    unary({0x8C}, Step::postfix, "to DMS", unchanged),
-    unary({0x9C}, Step::postfix, "degrees", fromUnit<AngleUnit::degrees>),
+    unary(token::toSexagesimal, Step::postfix, "to DMS", unchanged),
+    unary(token::degrees, Step::postfix, "degrees", fromUnit<AngleUnit::degrees>),
     unary({0xAB}, Step::postfix, "factorial", factorial, bounded),
     unary({0xAC}, Step::postfix, "radians", fromUnit<AngleUnit::radians>),
     unary({0xBC}, Step::postfix, "gradians", fromUnit<AngleUnit::gradians>),
@@ -138,6 +143,8 @@ constexpr OperatorRow rows[] = {
     unary({0xB5}, Step::prefix, "power of 10", ofReal<powerOfTen>, bounded),
     unary({0xB7}, Step::prefix, "Neg", negatedBits),
 
+    binary({0x7F, 0x54}, Step::combination, "angle", byAngle, bounded),
+    binary({0x7F, 0x55}, Step::combination, "angle", byAngle, bounded),
     binary({0x88}, Step::combination, "permutations", permutations, bounded),
     binary({0x98}, Step::combination, "combinations", combinations, bounded),
 
