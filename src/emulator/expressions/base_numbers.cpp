@@ -44,8 +44,9 @@ struct Growing {
             fits = false;
             return;
         }
-        double power = std::pow(10.0, cell.stringLength - 1);
-        for (double rest = cell.value.re; power >= 1; power /= 10) {
+        double rest = cell.value.re;
+        for (int place = cell.stringLength - 1; place >= 0; place--) {
+            const double power = std::pow(10.0, place);
             const double digit = std::floor(rest / power);
             rest -= digit * power;
             take(static_cast<int>(digit));

@@ -99,7 +99,10 @@ bool applySexagesimal(Stretch &stretch, int p) {
     if (!isPart(p) || !isPart(p + 2) || refusesRecording()) return false;
     const int last = isPart(p + 4) ? p + 4 : p + 2;
     double value = 0, unit = 1;
-    for (int mark = p; mark <= last; mark += 2, unit *= 60) value += stretch.cells[mark - 1].value.re / unit;
+    for (int mark = p; mark <= last; mark += 2) {
+        value += stretch.cells[mark - 1].value.re / unit;
+        unit *= 60;
+    }
     makeNumber(stretch.cells[last], complexReal(value));
     for (int i = p - 1; i < last; i++) stretch.blank(i);
     return true;

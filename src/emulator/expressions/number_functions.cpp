@@ -24,7 +24,8 @@ bool isCount(double x) { return x >= 0 && std::trunc(x) == x; }
 // n times the whole numbers below it, so many in all.
 double fallingProduct(double n, double factors) {
     double product = 1;
-    for (double k = 0; k < factors && product <= largestResult; k++) product *= n - k;
+    const auto count = static_cast<std::int64_t>(factors);
+    for (std::int64_t k = 0; k < count && product <= largestResult; k++) product *= n - static_cast<double>(k);
     return product;
 }
 
@@ -43,7 +44,11 @@ Value combinations(Value n, Value r) {
     if (!canChoose(n, r)) return complexReal(none);
     const double factors = std::fmin(r.re, n.re - r.re);
     double product = 1;
-    for (double k = 1; k <= factors && product <= largestResult; k++) product = product * (n.re - factors + k) / k;
+    const auto count = static_cast<std::int64_t>(factors);
+    for (std::int64_t i = 1; i <= count && product <= largestResult; i++) {
+        const auto k = static_cast<double>(i);
+        product = product * (n.re - factors + k) / k;
+    }
     return complexReal(product);
 }
 

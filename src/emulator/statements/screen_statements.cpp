@@ -38,7 +38,7 @@ void pixelOffAt(double x, double y, PixelColor) { pixelOff(x, y); }
 // The statements that draw at one place.
 struct PlaceRow {
     Token token;
-    void (*draw)(double x, double y, PixelColor color);
+    void (*draw)(double x, double y, PixelColor color) = nullptr;
 };
 constexpr PlaceRow placeRows[] = {
     {{0xE0}, plotPoint},     {{0xF7, 0xA8}, plotPoint},  {{0xF7, 0xA9}, plotOff},     {{0xF7, 0xAA}, plotChange},
