@@ -13,6 +13,7 @@
 #include "calculator/charset.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions.h"
+#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
@@ -128,6 +129,7 @@ void freshMachine(const RunFile &file) {
     settingsSetValue(group + "FullSpeed", "1");
     for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
     poolReset();
+    randomRestart();
     machine = EmulatorMachine{};
     clearText();
     clearGraph();
@@ -314,16 +316,16 @@ struct RunClock {
     ~RunClock() { clockPort = systemClock; }
 };
 
-std::vector<std::string> runFiles() {
+std::vector<std::string> runFiles(const char *folder) {
     std::vector<std::string> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(NUMALINK_RUNS_FOLDER)) {
-        if (entry.path().extension() == ".run") paths.push_back(entry.path().stem().string());
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".run") paths.push_back(entry.path().string());
     }
     std::ranges::sort(paths);
     return paths;
 }
 
-class Runs : public testing::TestWithParam<std::string> {
+class RunMachine : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         threadRole = ThreadRole::graphical;
@@ -335,12 +337,19 @@ protected:
     RunClock clock;
 };
 
+class Runs : public RunMachine, public testing::WithParamInterface<std::string> {};
+
 TEST_P(Runs, EndsAsItsFileTells) {
-    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER "/") + GetParam() + ".run");
+    const std::string differences = checkRunFile(GetParam());
     EXPECT_TRUE(differences.empty()) << differences;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Runs, testing::ValuesIn(runFiles()), [](const auto &run) { return run.param; });
+std::string stemOf(const testing::TestParamInfo<std::string> &path) {
+    return std::filesystem::path(path.param).stem().string();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Runs, testing::ValuesIn(runFiles(NUMALINK_RUNS_FOLDER)), stemOf);
+INSTANTIATE_TEST_SUITE_P(Programs, Runs, testing::ValuesIn(runFiles(NUMALINK_PROGRAMS_FOLDER)), stemOf);
 
 }  // namespace
 
