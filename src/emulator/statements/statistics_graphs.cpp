@@ -19,21 +19,21 @@ constexpr Token drawOn{0xF7, 0xCC}, drawOff{0xF7, 0xDC};
 
 struct MarkRow {
     Token token;
-    StatMark mark;
+    StatMark mark = StatMark::square;
 };
 constexpr MarkRow marks[] = {
     {{0xF7, 0x4D}, StatMark::square}, {{0xF7, 0x4E}, StatMark::cross}, {{0xF7, 0x4F}, StatMark::dot}};
 
 struct ColorRow {
     Token token;
-    PixelColor color;
+    PixelColor color = pixelColor::blue;
 };
 constexpr ColorRow colors[] = {
     {{0x7F, 0x34}, pixelColor::orange}, {{0x7F, 0x35}, pixelColor::blue}, {{0x7F, 0x36}, pixelColor::green}};
 
 struct KindRow {
     Token token;
-    StatGraphKind kind;
+    StatGraphKind kind = StatGraphKind::scatter;
     RegressionKind regression = RegressionKind::linear;
 };
 constexpr KindRow kinds[] = {

@@ -224,7 +224,7 @@ const Regression *runRegression(RegressionKind kind, const ListSample &sample) {
     leave(correlationName, curve.correlation);
     leave(determinationName, curve.determination);
     leave(errorName, curve.meanSquareError);
-    for (std::uint8_t i = 0; i < curve.medians.size(); i++)
+    for (std::size_t i = 0; i < curve.medians.size(); i++)
         leave({0x7F, static_cast<std::uint8_t>(firstMedianPlace + i)}, curve.medians[i]);
     leaveResiduals(curve, sample);
     return &curve;
