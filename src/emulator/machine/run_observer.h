@@ -36,13 +36,13 @@ inline const RunObserver *observing() { return runObserver.load(std::memory_orde
 // Which statements the observer is asked ahead of: from a count of statements on, and those whose first cell has a
 // mark. Run thread, or any while no run is on or the observer blocks.
 struct ObserverLook {
-    std::uint64_t fromStatement = 0;             // of machine.statementsRun
-    const std::uint8_t *const *marks = nullptr;  // of each program, of each cell: not 0: ask. Null: no marks
+    std::atomic<std::uint64_t> fromStatement = 0;  // of machine.statementsRun; any thread may set it to 0
+    const std::uint8_t *const *marks = nullptr;    // of each program, of each cell: not 0: ask. Null: no marks
 };
 extern ObserverLook observerLook;
 
 inline bool observerAsks(int program, int cell) {
-    return machine.statementsRun >= observerLook.fromStatement ||
+    return machine.statementsRun >= observerLook.fromStatement.load(std::memory_order_relaxed) ||
            (observerLook.marks != nullptr && observerLook.marks[program][cell] != 0);
 }
 

@@ -198,7 +198,7 @@ StatementEnd finishCall(RunState &state) {
 StatementEnd runSomeStatements(RunState &state, bool refreshDue) {
     lookAtDebug();
     // Plans read digits as of base ten.
-    const bool isFast = (fullSpeed || runRepeats) && !paceCounted;
+    const bool isFast = runRepeats || (fullSpeed && !paceCounted);
     const bool usePlans = isFast && !debugShown && !evaluateWithoutShortcuts && machine.numberBase == decimalBase;
     if (!usePlans) return runOneStatement(state);
     PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue, .observer = observing()};
@@ -310,7 +310,12 @@ void callProgram(std::string_view name) {
 }
 
 void joinRun() {
-    if (runThread.joinable()) runThread.join();
+    if (runThread.joinable()) {
+        runThread.join();
+        runObserver = nullptr;
+        runRepeats = paceCounted = false;
+        holdDisplay(false);
+    }
     nextCall = 0;
 }
 
