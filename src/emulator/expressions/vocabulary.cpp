@@ -10,7 +10,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/number_functions.h"
 #include "emulator/expressions/statistics_functions.h"
-#include "emulator/machine/key_port.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/screens/number_input.h"
 #include "text/token_table.h"
 
@@ -20,7 +20,7 @@ namespace {
 
 using Value = ComplexValue;
 
-Value getKeyValue() { return complexReal(keyPort.getKey()); }
+Value getKeyValue() { return complexReal(takeGetKey()); }
 Value imaginaryUnit() { return complexMake(0, 1); }
 // A generator of 0 to 32767, never seeded: each process meets the same sequence.
 constexpr std::uint32_t firstChance = 1;
@@ -210,6 +210,9 @@ TokenFacts factsOfToken(Token token) {
 }
 
 }  // namespace
+
+std::uint32_t randomPlace() { return chanceState; }
+void randomGoOn(std::uint32_t place) { chanceState = place; }
 
 void randomRestart() { chanceState = firstChance; }
 

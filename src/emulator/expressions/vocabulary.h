@@ -13,6 +13,9 @@ std::span<const OperatorGroup> operatorGroups();  // in the order in which their
 // Begins the sequence of Ran# anew: for whoever runs a program twice and compares. Else it goes on as long as the
 // process.
 void randomRestart();
+// Where in that sequence the machine stands, and back to such a place.
+std::uint32_t randomPlace();
+void randomGoOn(std::uint32_t place);
 
 // Fills tokenFacts from the rows and from the token table as it is: machineStart does that.
 void refreshOpeningTokens();

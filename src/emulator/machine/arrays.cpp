@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "emulator/machine/errors.h"
+#include "emulator/machine/run_waits.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -32,7 +33,9 @@ double spareElement = 0;      // what a place outside of every array reads and w
 bool isTableRow(const MatrixDescriptor *descriptor) { return descriptor >= table && descriptor < table + rowsUsed; }
 
 MatrixDescriptor *refuse(Text text) {
-    if (!machine.exhausted) {
+    if (isAside()) {
+        giveUpAside();
+    } else if (!machine.exhausted) {
         machine.exhausted = true;
         failWith(text);
     }
@@ -60,6 +63,30 @@ MatrixDescriptor *takeRow(std::int32_t owner, int cols, int rows) {
 }
 
 }  // namespace
+
+PoolRecords poolRecords() {
+    PoolRecords records{.cellsUsed = cellsUsed,
+                        .rowsUsed = rowsUsed,
+                        .rowsInUse = rowsInUse,
+                        .temporaryCount = temporaryCount,
+                        .borrowedCells = borrowedCells,
+                        .borrowedRows = borrowedRows};
+    std::ranges::copy(table, records.table.begin());
+    return records;
+}
+
+const double *poolElements() { return pool.get(); }
+
+void poolRestore(const PoolRecords &records, const double *elements) {
+    std::ranges::copy(records.table, table);
+    cellsUsed = records.cellsUsed;
+    rowsUsed = records.rowsUsed;
+    rowsInUse = records.rowsInUse;
+    temporaryCount = records.temporaryCount;
+    borrowedCells = records.borrowedCells;
+    borrowedRows = records.borrowedRows;
+    if (elements != nullptr) std::copy_n(elements, cellsUsed, pool.get());
+}
 
 void poolReset() {
     if (pool == nullptr) pool = std::make_unique<double[]>(poolCellLimit);

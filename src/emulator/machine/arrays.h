@@ -48,6 +48,16 @@ bool matrixAugment(std::int32_t owner, MatrixSlot &slot, const MatrixDescriptor 
 // Frees every temporary; the display slot is empty afterwards. Costs next to nothing when there is none.
 void freeTemporaries();
 
+// The table with its counts, beside the elements in use from poolElements on: for bringing a machine back as it was.
+struct PoolRecords {
+    std::array<MatrixDescriptor, matrixRowLimit> table{};
+    int cellsUsed = 0, rowsUsed = 0, rowsInUse = 0, temporaryCount = 0, borrowedCells = 0, borrowedRows = 0;
+};
+PoolRecords poolRecords();
+const double *poolElements();
+// Without elements those in the pool stay: the records are then from a moment since which nothing was freed.
+void poolRestore(const PoolRecords &records, const double *elements = nullptr);
+
 int poolCellsUsed();
 int matrixRowsOwned(std::int32_t owner);  // rows of the table with that owner
 

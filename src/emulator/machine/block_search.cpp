@@ -1,36 +1,81 @@
-// The walks that take the place of a stack of blocks.
+// One walk ahead for pairs, one back for what depends on what follows.
 #include "emulator/machine/block_search.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
 
 namespace numalink {
 
 namespace {
 
-bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram); }
+struct PairRow {
+    Token opens, closes;
+    bool opensLead, closesLead;  // whose partner is asked for
+};
+constexpr PairRow pairs[] = {
+    {token::forWord, token::next, true, true},
+    {token::whileWord, token::whileEnd, true, true},
+    {token::doWord, token::loopWhile, false, true},
+};
 
-int walkForward(const ProgramCell *cells, int at, Token opens, Token closes) {
-    int depth = 1;
-    for (int i = at + 1; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], opens)) depth++;
-        if (isToken(cells[i], closes)) depth--;
-        if (depth == 0) return i;
+// The partners of all cells, being found.
+struct Partners {
+    std::span<const ProgramCell> cells;
+    std::vector<int> found;
+
+    int count() const { return static_cast<int>(cells.size()); }
+    bool is(int i, Token which) const { return isToken(cells[static_cast<std::size_t>(i)], which); }
+    void set(int i, int partner) { found[static_cast<std::size_t>(i)] = partner; }
+
+    void findPairs(const PairRow &row);
+    void findLoopEnds();
+    void findBranches();
+};
+
+void Partners::findPairs(const PairRow &row) {
+    std::vector<int> open;
+    for (int i = 0; i < count(); i++) {
+        if (is(i, row.opens)) open.push_back(i);
+        if (!is(i, row.closes) || open.empty()) continue;
+        if (row.opensLead) set(open.back(), i);
+        if (row.closesLead) set(i, open.back());
+        open.pop_back();
     }
-    return noPartner;
 }
 
-int walkBack(const ProgramCell *cells, int at, Token opens, Token closes) {
-    int depth = 1;
-    for (int i = at - 1; i >= 0; i--) {
-        if (isToken(cells[i], opens)) depth--;
-        if (isToken(cells[i], closes)) depth++;
-        if (depth == 0) return i;
+// Seen from the end, the loop around a Break is closed by the nearest end whose beginning hasn't come yet.
+void Partners::findLoopEnds() {
+    std::vector<int> ends;
+    for (int i = count() - 1; i >= 0; i--) {
+        for (const PairRow &row : pairs) {
+            if (is(i, row.closes)) ends.push_back(i);
+            if (is(i, row.opens) && !ends.empty()) ends.pop_back();
+        }
+        if (is(i, token::breakWord) && !ends.empty()) set(i, ends.back());
     }
-    return noPartner;
 }
 
-bool isSameLabel(const ProgramCell &left, const ProgramCell &right) {
-    if (left.kind != right.kind) return false;
-    return isNumber(left) ? left.value.re == right.value.re
-                          : left.kind == CellKind::token && left.token1 == right.token1;
+// Seen from the end: of each depth the nearest Else or IfEnd, the innermost depth last. An If whose IfEnd is missing
+// leaves nothing behind it at the depth of those ahead of it.
+void Partners::findBranches() {
+    std::vector<int> nearest = {noPartner};
+    for (int i = count() - 1; i >= 0; i--) {
+        if (is(i, token::ifEnd)) nearest.push_back(i);
+        if (is(i, token::ifWord) || is(i, token::elseWord)) set(i, nearest.back());
+        if (is(i, token::elseWord)) nearest.back() = i;
+        if (!is(i, token::ifWord)) continue;
+        nearest.pop_back();
+        if (nearest.empty()) nearest.push_back(noPartner);
+    }
+}
+
+// Numbers by their value, tokens by their first byte; nothing else names a label.
+std::optional<LabelPlace> labelNamed(const ProgramCell &name, int at) {
+    if (name.kind == CellKind::token) return LabelPlace{name.kind, name.token1, at};
+    if (!isNumber(name) || name.value.re != name.value.re) return std::nullopt;
+    const double value = name.value.re == 0 ? 0 : name.value.re;  // one nought
+    return LabelPlace{name.kind, std::bit_cast<std::uint64_t>(value), at};
 }
 
 }  // namespace
@@ -42,50 +87,29 @@ bool isTerminator(const ProgramCell &cell) {
            first == token::endOfProgram.first;
 }
 
-int findNext(const ProgramCell *cells, int at) { return walkForward(cells, at, token::forWord, token::next); }
-int findFor(const ProgramCell *cells, int at) { return walkBack(cells, at, token::forWord, token::next); }
-int findWhileEnd(const ProgramCell *cells, int at) { return walkForward(cells, at, token::whileWord, token::whileEnd); }
-int findWhile(const ProgramCell *cells, int at) { return walkBack(cells, at, token::whileWord, token::whileEnd); }
-int findDo(const ProgramCell *cells, int at) { return walkBack(cells, at, token::doWord, token::loopWhile); }
-
-int findLoopEnd(const ProgramCell *cells, int at) {
-    int depth = 1;
-    for (int i = at + 1; !isEnd(cells[i]); i++) {
-        const auto is = [&](Token which) { return isToken(cells[i], which); };
-        if (is(token::forWord) || is(token::whileWord) || is(token::doWord)) depth++;
-        if ((is(token::next) || is(token::whileEnd) || is(token::loopWhile)) && --depth == 0) return i;
-    }
-    return noPartner;
+std::vector<int> findPartners(std::span<const ProgramCell> cells) {
+    Partners partners{cells, std::vector<int>(cells.size(), noPartner)};
+    for (const PairRow &row : pairs) partners.findPairs(row);
+    partners.findLoopEnds();
+    partners.findBranches();
+    return std::move(partners.found);
 }
 
-int findFalseBranch(const ProgramCell *cells, int at) {
-    int depth = 1;
-    for (int i = at + 1; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], token::ifWord)) depth++;
-        if (isToken(cells[i], token::elseWord) && depth == 1) return i;
-        if (isToken(cells[i], token::ifEnd)) {
-            if (depth == 1) return i;
-            depth--;
-        }
+ProgramLabels findLabels(std::span<const ProgramCell> cells) {
+    ProgramLabels labels;
+    for (std::size_t i = 0; i + 1 < cells.size(); i++) {
+        if (!isToken(cells[i], token::label)) continue;
+        if (const auto label = labelNamed(cells[i + 1], static_cast<int>(i))) labels.push_back(*label);
     }
-    return noPartner;
+    std::ranges::sort(labels);
+    return labels;
 }
 
-int findIfEnd(const ProgramCell *cells, int at) {
-    int depth = 1;
-    for (int i = at + 1; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], token::ifWord)) depth++;
-        if (isToken(cells[i], token::elseWord) && depth == 1) return i;
-        if (isToken(cells[i], token::ifEnd) && --depth == 0) return i;
-    }
-    return noPartner;
-}
-
-int findLabel(const ProgramCell *cells, const ProgramCell &name) {
-    for (int i = 0; !isEnd(cells[i]); i++) {
-        if (isToken(cells[i], token::label) && isSameLabel(cells[i + 1], name)) return i;
-    }
-    return noPartner;
+int findLabel(const ProgramLabels &labels, const ProgramCell &name) {
+    const auto wanted = labelNamed(name, noPartner);
+    if (!wanted) return noPartner;
+    const auto found = std::ranges::lower_bound(labels, *wanted);
+    return found != labels.end() && found->kind == wanted->kind && found->name == wanted->name ? found->at : noPartner;
 }
 
 int findTerminator(const ProgramCell *cells, int from) {

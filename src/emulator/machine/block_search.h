@@ -1,5 +1,10 @@
-// From a block statement to its partner by walking the cells and counting depth. Pure.
+// The partners of block statements and the places of labels: all of a program found in one walk when it is loaded, so
+// that a jump is a look-up and a program of nothing but open blocks loads and runs in linear time. Pure.
 #pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
 
 #include "emulator/machine/cells.h"
 
@@ -11,22 +16,32 @@ namespace token {
 inline constexpr Token ifWord{0xF7, 0x00}, thenWord{0xF7, 0x01}, elseWord{0xF7, 0x02}, ifEnd{0xF7, 0x03};
 inline constexpr Token forWord{0xF7, 0x04}, to{0xF7, 0x05}, step{0xF7, 0x06}, next{0xF7, 0x07};
 inline constexpr Token whileWord{0xF7, 0x08}, whileEnd{0xF7, 0x09};
-inline constexpr Token doWord{0xF7, 0x0A}, loopWhile{0xF7, 0x0B};
+inline constexpr Token doWord{0xF7, 0x0A}, loopWhile{0xF7, 0x0B}, breakWord{0xF7, 0x0D};
 inline constexpr Token label{0xE2}, goTo{0xEC}, dsz{0xE8}, isz{0xE9}, prog{0xED};
 }  // namespace token
 
 bool isTerminator(const ProgramCell &cell);  // 0x0D, 0x3A, 0x0C or 0xFF
 
-// cells ends in 0xFF. at is the cell of the statement. Results are cell indexes; noPartner when the walk runs off.
-int findNext(const ProgramCell *cells, int at);                     // For: the Next
-int findFor(const ProgramCell *cells, int at);                      // Next: the For
-int findWhileEnd(const ProgramCell *cells, int at);                 // While: the WhileEnd
-int findWhile(const ProgramCell *cells, int at);                    // WhileEnd: the While
-int findDo(const ProgramCell *cells, int at);                       // LpWhile: the Do
-int findLoopEnd(const ProgramCell *cells, int at);                  // Break: the Next, WhileEnd or LpWhile around it
-int findFalseBranch(const ProgramCell *cells, int at);              // If: the Else or IfEnd of its depth
-int findIfEnd(const ProgramCell *cells, int at);                    // Else: where the run goes on, an Else or the IfEnd
-int findLabel(const ProgramCell *cells, const ProgramCell &label);  // Goto: the Lbl
-int findTerminator(const ProgramCell *cells, int from);             // the first 0x0D, 0x3A, 0x0C or 0xFF from there on
+// Of each cell of a program the index of its partner, noPartner for one that has none and for all other cells:
+//   For the Next, Next the For, While the WhileEnd, WhileEnd the While, LpWhile the Do,
+//   Break the Next, WhileEnd or LpWhile of the loop around it,
+//   If the Else or IfEnd of its depth, Else where the run goes on: an Else or the IfEnd.
+// Every cell counts, wherever in a statement it stands.
+std::vector<int> findPartners(std::span<const ProgramCell> cells);
+
+// A label of a program, by the number or token behind its Lbl.
+struct LabelPlace {
+    CellKind kind = CellKind::token;
+    std::uint64_t name = 0;
+    int at = noPartner;  // the cell of the Lbl
+    friend auto operator<=>(const LabelPlace &, const LabelPlace &) = default;
+};
+using ProgramLabels = std::vector<LabelPlace>;  // sorted
+
+ProgramLabels findLabels(std::span<const ProgramCell> cells);
+// The first Lbl of that name, or noPartner.
+int findLabel(const ProgramLabels &labels, const ProgramCell &name);
+
+int findTerminator(const ProgramCell *cells, int from);  // the first 0x0D, 0x3A, 0x0C or 0xFF from there on
 
 }  // namespace numalink

@@ -2,23 +2,26 @@
 #include "emulator/machine/errors.h"
 
 #include "emulator/machine/machine.h"
+#include "emulator/machine/run_observer.h"
 
 namespace numalink {
 
 void (*errorShown)(const char *text) = nullptr;
 int *reportsCounted = nullptr;
+const char *firstCounted = "";
 
 namespace {
 
 void report(const char *text) {
     if (reportsCounted != nullptr) {
-        ++*reportsCounted;
+        if (++*reportsCounted == 1) firstCounted = text;
         return;
     }
     if (errorShown != nullptr) errorShown(text);
     if (!machine.errorFlag) machine.errorText = text;
     machine.errorFlag = true;
     if (machine.errorTrace != nullptr) machine.errorTrace->push_back({text, machine.statementsRun});
+    if (const RunObserver *observer = observing()) observer->reported(text);
 }
 
 }  // namespace

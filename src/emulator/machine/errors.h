@@ -10,8 +10,10 @@ void argError();  // an element outside its array, a wrong operand of Goto or Se
 void goError();   // a label or a program that isn't there
 void maError();   // a result that is none, or a complex element where a real one is needed
 
-// Not null while an expression is only being translated: a report then counts there, and does nothing else.
+// Not null while an expression is only being translated, or evaluated beside the run: a report then counts there, and
+// does nothing else but that the first one's text is kept.
 extern int *reportsCounted;
+extern const char *firstCounted;
 
 // How a report gets on the screen, which lies above this room: machineStart puts it in. Null shows nothing.
 extern void (*errorShown)(const char *text);

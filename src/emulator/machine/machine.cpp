@@ -1,6 +1,8 @@
 // The one machine of the process.
 #include "emulator/machine/machine.h"
 
+#include "emulator/machine/run_observer.h"
+
 namespace numalink {
 
 EmulatorMachine machine;
@@ -9,7 +11,10 @@ std::atomic<bool> emulatorRunning = false;
 
 void setScreenMode(int mode) {
     machine.shortCopy = machine.screenMode == graphMode && mode == textMode;
+    const bool changes = machine.screenMode != mode;
     machine.screenMode = mode;
+    if (!changes) return;
+    if (const RunObserver *observer = observing()) observer->screenModeChanged(mode);
 }
 
 int cutToInteger(double value) {

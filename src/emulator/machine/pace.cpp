@@ -6,6 +6,9 @@
 namespace numalink {
 
 std::atomic<bool> fullSpeed = false;
+bool runRepeats = false;
+bool paceCounted = false;
+std::uint64_t paceUnitsPaid = 0, paceUnitsAhead = 0;
 
 namespace {
 
@@ -16,6 +19,12 @@ constexpr std::uint64_t longestWait = paceUnits::straightLine * 3 / 10;  // mill
 }  // namespace
 
 void paceWait(int units) {
+    if (runRepeats) return;
+    if (paceCounted) paceUnitsPaid += static_cast<std::uint64_t>(units);
+    if (!fullSpeed) paceSleep(units);
+}
+
+void paceSleep(int units) {
     const std::uint64_t now = tickCount();
     if (paceDeadline > now && paceDeadline - now <= longestWait) sleepMilliseconds(paceDeadline - now);
     paceDeadline = tickCount() + static_cast<std::uint64_t>(units) * 3 / 10;

@@ -3,18 +3,28 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 namespace numalink {
 
 // Set by each run thread at its start from the setting FullSpeed (on when it equals 1); tests set it too.
 extern std::atomic<bool> fullSpeed;
 
+// What runs has run before, or is an expression beside the run: nothing is waited for, counted or told. Run thread.
+extern bool runRepeats;
+
+// The units that have been paid since they began to be counted, also at full speed. Run thread.
+extern bool paceCounted;
+extern std::uint64_t paceUnitsPaid;
+extern std::uint64_t paceUnitsAhead;  // of these, those for the statement that comes next
+
 // Sleeps until the deadline of the call before has come, then sets the next: now plus units * 0.3, cut to whole
 // milliseconds. So each call pays for the one ahead of it.
-void paceWait(int units);
+void paceSleep(int units);
+void paceWait(int units);  // counts the units where they are counted, and sleeps unless at full speed
 
 inline void pace(int units) {
-    if (!fullSpeed.load(std::memory_order_relaxed)) paceWait(units);
+    if (!fullSpeed.load(std::memory_order_relaxed) || paceCounted) paceWait(units);
 }
 
 namespace paceUnits {

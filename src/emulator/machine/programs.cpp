@@ -6,17 +6,15 @@
 #include <cmath>
 
 #include "calculator/program_info.h"
-#include "emulator/machine/block_search.h"
 
 namespace numalink {
 
 namespace {
 
-struct ProgramBlock {
-    std::vector<ProgramCell> cells;
-    std::vector<ProgramCell> stringCells;
+struct ProgramBlock : ProgramCells {
     std::vector<int> terminators;
     std::vector<int> partners;
+    ProgramLabels labels;
 };
 
 std::array<LoadedProgram, programLimit> table;
@@ -48,7 +46,7 @@ std::vector<ProgramCell> cellsOfTokens(ByteView tokens) {
 // Walks the tokens of one program. The last of them is the end mark, so that a look at the next one is always sound.
 struct PrePass {
     const std::vector<ProgramCell> &tokens;
-    ProgramBlock &block;
+    ProgramCells &block;
     std::size_t at = 0;
 
     void run();
@@ -133,7 +131,7 @@ void PrePass::takeNumber() {
     if (isWhole && length <= stringLimit) block.cells.back().stringLength = static_cast<std::uint8_t>(length);
 }
 
-void placeStrings(ProgramBlock &block) {
+void placeStrings(ProgramCells &block) {
     const ProgramCell *next = block.stringCells.data();
     for (ProgramCell &cell : block.cells) {
         if (cell.kind != CellKind::string) continue;
@@ -168,6 +166,13 @@ void programsClear() {
 int programCount() { return count; }
 const LoadedProgram &loadedProgram(int index) { return table[static_cast<std::size_t>(index)]; }
 
+ProgramCells cellsOfImage(ByteView image) {
+    ProgramCells made;
+    PrePass{cellsOfTokens(programTokens(image)), made}.run();
+    placeStrings(made);
+    return made;
+}
+
 bool programAdd(std::string_view name, ByteView image, ItemId item) {
     const std::vector<ProgramCell> tokens = cellsOfTokens(programTokens(image));
     if (count >= programLimit || tokens.size() > programCellLimit - cellsUsed) return false;
@@ -176,7 +181,8 @@ bool programAdd(std::string_view name, ByteView image, ItemId item) {
     PrePass{tokens, block}.run();
     placeStrings(block);
     markTerminators(block);
-    block.partners.assign(block.cells.size(), notSearched);
+    block.partners = findPartners(block.cells);
+    block.labels = findLabels(block.cells);
     cellsUsed += tokens.size();
     table[static_cast<std::size_t>(count)] = {
         .name = std::string(name.substr(0, programNameSize)),
@@ -185,6 +191,7 @@ bool programAdd(std::string_view name, ByteView image, ItemId item) {
         .cellCount = static_cast<int>(block.cells.size()),
         .terminators = block.terminators.data(),
         .partners = block.partners.data(),
+        .labels = &block.labels,
     };
     count++;
     return true;

@@ -1,5 +1,5 @@
-// The programs of a run as cells. Filled before the run starts, then only read, but for the marks that searches leave
-// for the next of their kind. The cells lie in blocks of their own that no view shares.
+// The programs of a run as cells. Filled before the run starts, then only read. The cells lie in blocks of their own
+// that no view shares.
 #pragma once
 
 #include <string>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "calculator/item_kinds.h"
+#include "emulator/machine/block_search.h"
 #include "emulator/machine/cells.h"
 #include "platform/bytes.h"
 
@@ -20,9 +21,16 @@ struct LoadedProgram {
     const ProgramCell *cells = nullptr;  // always ends in the token 0xFF
     int cellCount = 0;                   // the end mark included
     const int *terminators = nullptr;    // of each cell: the first terminator from there on
-    int *partners = nullptr;             // of each block statement: what a search found, or notSearched
+    const int *partners = nullptr;       // of each block statement: the cell of its partner, or noPartner
+    const ProgramLabels *labels = nullptr;
 };
-inline constexpr int notSearched = -2;
+
+// A program's cells, those of its strings beside them. The string cells point to the latter: moved, never copied.
+struct ProgramCells {
+    std::vector<ProgramCell> cells;  // the end mark is the last
+    std::vector<ProgramCell> stringCells;
+};
+ProgramCells cellsOfImage(ByteView image);
 
 void programsClear();
 int programCount();

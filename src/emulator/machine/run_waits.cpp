@@ -4,6 +4,7 @@
 
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
+#include "emulator/machine/run_observer.h"
 #include "emulator/machine/run_waits.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
@@ -25,6 +26,10 @@ namespace {
 // The active run thread's.
 std::uint64_t workLimit = 0, workDone = 0;
 
+// Of an expression beside the run.
+bool aside = false, gaveUp = false;
+std::uint64_t asideLeft = 0;
+
 }  // namespace
 
 void workBegin(std::uint64_t limit) {
@@ -33,9 +38,29 @@ void workBegin(std::uint64_t limit) {
 }
 
 bool takeWork() {
+    if (aside) {
+        gaveUp = gaveUp || asideLeft == 0;
+        if (!gaveUp) asideLeft--;
+        return !gaveUp;
+    }
     if (workLimit != 0 && workDone++ >= workLimit) runHalt(RunEnd::limit);
     return runGoesOn();
 }
+
+std::uint64_t workDoneSoFar() { return workDone; }
+void workDoneAgain(std::uint64_t done) { workDone = done; }
+
+void beginAside(std::uint64_t evaluations) {
+    aside = true;
+    gaveUp = false;
+    asideLeft = evaluations;
+}
+bool endAside() {
+    aside = false;
+    return gaveUp;
+}
+bool isAside() { return aside; }
+void giveUpAside() { gaveUp = true; }
 
 void runHalt(RunEnd cause) {
     RunEnd first = RunEnd::running;
@@ -57,6 +82,22 @@ void runWake() {
 
 int waitPassKey(RunEnd where) {
     if (!runGoesOn()) return noKeyAnyMore;
+    const RunObserver *observer = observing();
+    return observer == nullptr ? takeWaitKey(where) : observer->waitKey(where);
+}
+
+int takeGetKey() {
+    if (aside) return keyCode;
+    const RunObserver *observer = observing();
+    return observer == nullptr ? keyPort.getKey() : observer->getKey();
+}
+
+std::uint64_t waitTicks() {
+    const RunObserver *observer = observing();
+    return observer == nullptr ? tickCount() : observer->ticks();
+}
+
+int takeWaitKey(RunEnd where) {
     if (!keyPort.beforeWaitTest()) {
         runHalt(where);
         return noKeyAnyMore;
@@ -67,6 +108,7 @@ int waitPassKey(RunEnd where) {
 void clearKey(int seen) { keyCode.compare_exchange_strong(seen, 0); }
 
 void waitPassSleep(std::uint64_t milliseconds) {
+    if (runRepeats) return;
     if (clockPort.sleepMilliseconds != systemClock.sleepMilliseconds) {
         sleepMilliseconds(milliseconds);
         return;
@@ -76,11 +118,17 @@ void waitPassSleep(std::uint64_t milliseconds) {
     while (runGoesOn() && std::chrono::steady_clock::now() < end) hold.waitUntil(wakeCondition, end);
 }
 
+void waitForWake(const std::atomic<bool> &due) {
+    HoldLock hold(wakeLock);
+    while (runGoesOn() && !due) hold.wait(wakeCondition);
+}
+
 void waitPassPace(int units) {
+    if (runRepeats) return;
     if (fullSpeed) {
         waitPassSleep(static_cast<std::uint64_t>(units) * 3 / 10);
     } else {
-        paceWait(units);
+        paceSleep(units);
     }
 }
 

@@ -21,9 +21,13 @@ inline bool runGoesOn() {
 }
 
 // The head of each pass of a wait: lets keyPort put in a key and gives what keyCode holds; noKeyAnyMore when the run
-// doesn't go on.
+// doesn't go on. An observer comes in between.
 inline constexpr int noKeyAnyMore = -1;
 int waitPassKey(RunEnd where);
+int takeWaitKey(RunEnd where);  // the same without the observer
+// What GetKey gives, and milliseconds as waits count them; an observer comes in between here too.
+int takeGetKey();
+std::uint64_t waitTicks();
 // keyCode becomes 0 unless another key than the one seen has come in between.
 void clearKey(int seen);
 // Sleeps for so long; a stop ends it.
@@ -34,11 +38,23 @@ void waitPassPace(int units);
 // Ahead of each evaluation of an expression that a call repeats: false when the run doesn't go on. A run that has a
 // limit of statements has one of these too, and ends there.
 bool takeWork();
+std::uint64_t workDoneSoFar();
+void workDoneAgain(std::uint64_t done);  // the count as it was at an earlier statement
+
+// An expression that is evaluated beside the run has so many evaluations within calls; what needs more, or waits, gives
+// up without an end of the run. Until endAside, which tells whether it had to.
+void beginAside(std::uint64_t evaluations);
+bool endAside();
+bool isAside();  // nothing may wait, nor draw
+void giveUpAside();
+
+// Blocks until due is set and runWake follows, or the run doesn't go on.
+void waitForWake(const std::atomic<bool> &due);
 
 // What the runner alone asks.
 void workBegin(std::uint64_t limit);  // so many evaluations by takeWork; 0: no limit
 void resetRunEnd(RunEnd cause);       // a new run: not halted, with that as what runEndCause tells
 RunEnd runEndCause();
-void runWake();  // behind clearing emulatorRunning: ends the sleeps of waits
+void runWake();  // any thread; behind clearing emulatorRunning: ends the sleeps of waits, and waitForWake looks
 
 }  // namespace numalink

@@ -92,9 +92,8 @@ void beginStatements() {
     machine.textColumn = 0;
 }
 
-}  // namespace
-
-PlannedStop runPlanned(RunState &state, PlannedRun &run) {
+template <bool isObserved>
+PlannedStop runPlans(RunState &state, PlannedRun &run) {
     const std::uint64_t limit = run.statementLimit == 0 ? UINT64_MAX : run.statementLimit;
     const std::uint64_t look = std::min(limit, machine.statementsRun + lookInterval);
     PlanView view = planView(state.programIndex);
@@ -108,6 +107,10 @@ PlannedStop runPlanned(RunState &state, PlannedRun &run) {
         if (plan.kind == PlanKind::none || machine.statementsRun >= look || !runGoesOn())
             return PlannedStop::plainStatement;
         if (plan.arrayCount > 0 && !plannedArraysExist(plan)) return PlannedStop::plainStatement;
+        if constexpr (isObserved) {
+            if (observerAsks(state.programIndex, state.position) && !run.observer->beforeStatement(state))
+                return PlannedStop::stopped;
+        }
         machine.statementsRun++;
         if (plan.kind != PlanKind::empty) {
             if (isFirst) beginStatements();
@@ -125,6 +128,12 @@ PlannedStop runPlanned(RunState &state, PlannedRun &run) {
         }
         state.position = way.position;
     }
+}
+
+}  // namespace
+
+PlannedStop runPlanned(RunState &state, PlannedRun &run) {
+    return run.observer == nullptr ? runPlans<false>(state, run) : runPlans<true>(state, run);
 }
 
 }  // namespace numalink

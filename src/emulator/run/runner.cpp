@@ -15,8 +15,10 @@
 #include "emulator/machine/errors.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
+#include "emulator/machine/run_observer.h"
 #include "emulator/machine/run_waits.h"
 #include "emulator/run/planned_statements.h"
+#include "emulator/run/run_calls.h"
 #include "emulator/run/run_display.h"
 #include "emulator/screens/display.h"
 #include "emulator/statements/statement_plans.h"
@@ -117,12 +119,12 @@ void tellHalt(const RunState &state) {
     box.body = wording(box.bodyText, box.arguments) + "\n" + machine.errorText;
     box.title = wording(box.titleText);
     box.buttons = BoxButtons::okGoTo;
-    userInterface.messageBox(box);
+    if (!runRepeats) userInterface.messageBox(box);
 }
 
 // False when the program ends here.
 bool passErrors(const RunState &state) {
-    if (!machine.errorFlag) return true;
+    if (!machine.errorFlag || runIsLeft()) return true;
     if (settingsInt(setting::haltOnError) == 0) {
         machine.errorFlag = false;
         return true;
@@ -156,6 +158,10 @@ StatementEnd runOneStatement(RunState &state) {
         runHalt(RunEnd::limit);
         return StatementEnd::stopped;
     }
+    if (const RunObserver *observer = observing()) {
+        if (observerAsks(state.programIndex, state.position) && !observer->beforeStatement(state))
+            return StatementEnd::stopped;
+    }
     machine.statementsRun++;
     state.statementLength = loadedProgram(state.programIndex).terminators[state.position] - state.position;
     state.cellCount = state.statementLength;
@@ -178,8 +184,8 @@ StatementEnd runOneStatement(RunState &state) {
 
 void callLoaded(int program);
 
-StatementEnd finishCall(RunState &state, int program) {
-    callLoaded(program);
+// Behind what a Prog has called.
+StatementEnd finishCall(RunState &state) {
     if (machine.exhausted) {
         runHalt(RunEnd::memory);
         return StatementEnd::stopped;
@@ -191,32 +197,36 @@ StatementEnd finishCall(RunState &state, int program) {
 StatementEnd runSomeStatements(RunState &state, bool refreshDue) {
     lookAtDebug();
     // Plans read digits as of base ten.
-    const bool usePlans = fullSpeed && !debugShown && !evaluateWithoutShortcuts && machine.numberBase == decimalBase;
+    const bool isFast = runRepeats || (fullSpeed && !paceCounted);
+    const bool usePlans = isFast && !debugShown && !evaluateWithoutShortcuts && machine.numberBase == decimalBase;
     if (!usePlans) return runOneStatement(state);
-    PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue};
+    PlannedRun run{.statementLimit = statementLimitOfRun, .refreshDue = refreshDue, .observer = observing()};
     switch (runPlanned(state, run)) {
         case PlannedStop::statementEnd:
             return finishStatement(state);
         case PlannedStop::programCall:
-            return finishCall(state, run.called);
+            callLoaded(run.called);
+            return finishCall(state);
+        case PlannedStop::stopped:
+            return StatementEnd::stopped;
         case PlannedStop::plainStatement:
             break;
     }
     return runOneStatement(state);
 }
 
-LoopEnd runStatements(RunState &state) {
-    StatementEnd end = StatementEnd::next;
+LoopEnd runStatements(RunState &state, StatementEnd end = StatementEnd::next) {
     bool refreshDue = true;  // what lies ahead of the program may have drawn
     for (;;) {
+        if (end == StatementEnd::programEnded) return LoopEnd::programEnded;
+        if (end == StatementEnd::stopped) return LoopEnd::stopped;
         if (end == StatementEnd::next) {
             if (!runGoesOn()) return LoopEnd::programEnded;
             pace(paceUnits::statement);
+            if (paceCounted) paceUnitsAhead = paceUnits::statement;
         }
         end = runSomeStatements(state, refreshDue);
         refreshDue = end == StatementEnd::jump;
-        if (end == StatementEnd::programEnded) return LoopEnd::programEnded;
-        if (end == StatementEnd::stopped) return LoopEnd::stopped;
     }
 }
 
@@ -237,13 +247,37 @@ bool takeCall(int program) {
     return true;
 }
 
+// The programs in progress go on, the innermost first.
+LoopEnd carryOn(int index) {
+    RunState &state = *calls[static_cast<std::size_t>(index)];
+    if (index + 1 == nextCall) return runStatements(state);
+    carryOn(index + 1);
+    nextCall--;
+    makeBlank(state.statement[0]);  // of its Prog nothing is left
+    state.cellCount = 0;
+    return runStatements(state, finishCall(state));
+}
+
+// After the observer has left the run.
+bool goOnElsewhere() {
+    runLeftBehind();
+    forgetHalt();
+    nextDebugLook = nextSpeedLook = 0;
+    const RunObserver *observer = observing();
+    return observer != nullptr && runGoesOn() && observer->goesOnElsewhere();
+}
+
 void runFirstProgram() {
     threadRole = ThreadRole::run;
     fullSpeed = settingsInt(setting::fullSpeed) == 1;
-    RunState &state = *calls[0];
-    while (runStatements(state) == LoopEnd::programEnded && showAtEnd(state)) {
-        forgetHalt();
-        state.position = 0;
+    for (bool goesOn = true; goesOn;) {
+        goesOn = carryOn(0) == LoopEnd::programEnded && showAtEnd(*calls[0]);
+        if (runIsLeft()) {
+            goesOn = goOnElsewhere();
+        } else if (goesOn) {
+            forgetHalt();
+            calls[0]->position = 0;
+        }
     }
 }
 
@@ -275,11 +309,41 @@ void callProgram(std::string_view name) {
 }
 
 void joinRun() {
-    if (runThread.joinable()) runThread.join();
+    if (runThread.joinable()) {
+        runThread.join();
+        runObserver = nullptr;
+        runRepeats = paceCounted = false;
+        holdDisplay(false);
+    }
     nextCall = 0;
 }
 
 }  // namespace
+
+int runCallDepth() { return nextCall; }
+
+std::vector<CallPlace> runCalls() {
+    std::vector<CallPlace> places;
+    for (int i = 0; i < nextCall; i++) {
+        const RunState &call = *calls[static_cast<std::size_t>(i)];
+        places.push_back(
+            {call.programIndex, call.position, call.statementLength, call.forContinuing, call.statement[0]});
+    }
+    return places;
+}
+
+bool runCarryOnFrom(const std::vector<CallPlace> &places) {
+    nextCall = 0;
+    for (const CallPlace &place : places) {
+        if (!takeCall(place.program)) return false;
+        RunState &call = *calls[static_cast<std::size_t>(nextCall - 1)];
+        call.position = place.position;
+        call.statementLength = place.statementLength;
+        call.forContinuing = place.forContinuing;
+        call.statement[0] = place.left;
+    }
+    return nextCall > 0;
+}
 
 bool runStart(const RunOptions &options) {
     if (emulatorRunning) return false;

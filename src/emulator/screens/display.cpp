@@ -30,6 +30,12 @@ Surface display GUARDED_BY(displayLock)(displayWidth, displayHeight);
 std::array<std::string, textRowCount> displayRows GUARDED_BY(displayLock);  // empty for what is no text
 std::uint64_t displayChanges GUARDED_BY(displayLock) = 1;
 
+std::atomic<bool> displayHeld = false;
+
+void keepRow(int row) REQUIRES_LOCK(displayLock) {
+    displayRows[static_cast<std::size_t>(row - 1)] = machine.screenMode == textMode ? textRowCodes(row) : std::string();
+}
+
 // All that the display depends on: the same again leaves it as it is.
 struct DisplayState {
     int mode = 0;
@@ -105,6 +111,20 @@ void displayValue(const ProgramCell &cell, PixelColor color) {
 
 const Surface &matrixScreen() { return matrixSurface; }
 
+void displayRestore(const Surface &ofMatrices, const Surface &onDisplay) {
+    matrixSurface = ofMatrices;
+    matrixChanges++;
+    shown = {};
+    const HoldLock held(displayLock);
+    display = onDisplay;
+    for (int row = 1; row <= textRowCount; row++) keepRow(row);
+    displayChanges++;
+}
+
+void holdDisplay(bool on) {
+    if (displayHeld.exchange(on) && !on) userInterface.displayChanged();
+}
+
 void refreshScreen(bool showCross) {
     const int mode = machine.screenMode;
     DisplayState wanted{.mode = mode, .shortCopy = machine.shortCopy, .sourceChanges = changesOf(mode)};
@@ -120,17 +140,16 @@ void refreshScreen(bool showCross) {
         const Surface &source = sourceOf(mode);
         const int rows = mode == textMode && wanted.shortCopy ? shortCopyRows : displayHeight;
         std::copy_n(source.dots.begin(), rows * displayWidth, display.dots.begin());
-        for (int row = 1; row <= textRowCount; row++)
-            displayRows[static_cast<std::size_t>(row - 1)] = mode == textMode ? textRowCodes(row) : std::string();
+        for (int row = 1; row <= textRowCount; row++) keepRow(row);
         if (wanted.hasCross) drawCross(display, wanted.crossX, wanted.crossY);
         displayChanges++;
     }
-    userInterface.displayChanged();
+    if (!displayHeld) userInterface.displayChanged();
 }
 
 bool displayCopy(Surface &target, std::uint64_t &seen) {
     const HoldLock held(displayLock);
-    if (seen == displayChanges) return false;
+    if (seen == displayChanges || displayHeld) return false;
     target = display;
     seen = displayChanges;
     return true;

@@ -12,6 +12,13 @@ std::string valueText(const ProgramCell &cell);                // calculator cod
 void displayValue(const ProgramCell &cell, PixelColor color);  // a string, a number, a matrix; else an empty line
 const Surface &matrixScreen();
 
+// The screen of matrices and the display as they were at an earlier statement, to the dot; the other screens and the
+// machine come ahead. Run thread.
+void displayRestore(const Surface &ofMatrices, const Surface &onDisplay);
+// While on, copies of the display stay as they are, whatever is drawn: what is shown has been shown before. Taking it
+// off tells the user interface.
+void holdDisplay(bool on);
+
 // Brings the screen of the mode on display if anything has changed since the last time, and then tells the user
 // interface (displayChanged). showCross: the graph cursor at X and Y. Run thread.
 void refreshScreen(bool showCross);

@@ -8,7 +8,6 @@
 #include "emulator/machine/run_waits.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/text_screen.h"
-#include "platform/clock.h"
 
 namespace numalink {
 
@@ -53,7 +52,7 @@ void takeKey(Input &input, int key) {
 }
 
 void blink(Input &input) {
-    const std::uint64_t now = tickCount();
+    const std::uint64_t now = waitTicks();
     if (now < input.nextBlink) return;
     input.nextBlink = now + blinkMilliseconds;
     input.cursorShown = !input.cursorShown;
@@ -68,6 +67,10 @@ int digitOfKey(int key) {
 }
 
 ComplexValue readNumber() {
+    if (isAside()) {
+        giveUpAside();
+        return {};
+    }
     writeQuestionMark();
     Input input;
     keyCode = 0;

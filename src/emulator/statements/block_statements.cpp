@@ -1,9 +1,8 @@
-// Loops, branches and jumps. There is no stack of blocks: a partner is found by walking the program's cells, and a
-// walk's result is kept with the program, whose cells never change.
+// Loops, branches and jumps. There is no stack of blocks: the program, whose cells never change, knows each statement's
+// partner.
 #include <cmath>
 
 #include "emulator/expressions/evaluator.h"
-#include "emulator/machine/block_search.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/programs.h"
 #include "emulator/statements/statement_rows.h"
@@ -21,12 +20,7 @@ int ownCell(const RunState &state) {
     return at < 0 ? state.position : at;
 }
 
-int partnerOf(const RunState &state, int (*search)(const ProgramCell *, int)) {
-    const int at = ownCell(state);
-    int &mark = loadedProgram(state.programIndex).partners[at];
-    if (mark == notSearched) mark = search(state.program, at);
-    return mark;
-}
+int partnerOf(const RunState &state) { return loadedProgram(state.programIndex).partners[ownCell(state)]; }
 
 WayOut jumpTo(RunState &state, int position) {
     state.position = position;
@@ -75,7 +69,7 @@ WayOut takeTrueBranch(RunState &state) {
 }
 
 WayOut takeFalseBranch(RunState &state) {
-    const int at = partnerOf(state, findFalseBranch);
+    const int at = partnerOf(state);
     if (at == noPartner) return jumpTo(state, 0);
     return isToken(state.program[at], token::elseWord) ? jumpTo(state, at + 1) : jumpBehind(state, at);
 }
@@ -137,7 +131,7 @@ WayOut runStop(RunState &state) {
 WayOut runBreak(RunState &state) {
     if (!machine.calculatorModes) return runStop(state);
     expectAlone(state);
-    const int at = partnerOf(state, findLoopEnd);
+    const int at = partnerOf(state);
     return at == noPartner ? WayOut::programEnds : jumpBehindStatement(state, at);
 }
 
@@ -149,17 +143,14 @@ WayOut runGoto(RunState &state) {
 }
 
 WayOut goToLabel(RunState &state, const ProgramCell &label) {
-    int own = notSearched;
-    const bool isGoto = isToken(state.program[state.position], token::goTo);  // its label never changes
-    int &mark = isGoto ? loadedProgram(state.programIndex).partners[state.position] : own;
-    if (mark == notSearched) mark = findLabel(state.program, label);
-    state.statementLength = mark == noPartner ? 0 : 2;
-    if (mark == noPartner) {
+    const int at = findLabel(*loadedProgram(state.programIndex).labels, label);
+    state.statementLength = at == noPartner ? 0 : 2;
+    if (at == noPartner) {
         goError();
         state.position = loadedProgram(state.programIndex).cellCount - 1;
         return handled(state);
     }
-    state.position = mark;
+    state.position = at;
     makeNumber(state.statement[0], {});
     state.cellCount = 0;
     return WayOut::handled;
@@ -168,7 +159,7 @@ WayOut goToLabel(RunState &state, const ProgramCell &label) {
 WayOut runIf(RunState &state) { return conditionHolds(state) ? takeTrueBranch(state) : takeFalseBranch(state); }
 
 WayOut runElse(RunState &state) {
-    const int at = partnerOf(state, findIfEnd);
+    const int at = partnerOf(state);
     return jumpTo(state, at == noPartner ? 0 : at);
 }
 
@@ -183,12 +174,12 @@ WayOut runFor(RunState &state) {
     const bool goesOn = operands.step >= 0 ? counter <= operands.end : operands.step < 0 && counter >= operands.end;
     if (goesOn) return handled(state);
     counter -= operands.step;
-    const int next = partnerOf(state, findNext);
+    const int next = partnerOf(state);
     return next == noPartner ? lostPartner(state) : jumpBehind(state, next);
 }
 
 WayOut runNext(RunState &state) {
-    const int at = partnerOf(state, findFor);
+    const int at = partnerOf(state);
     if (at == noPartner) return lostPartner(state);
     state.forContinuing = true;
     return jumpTo(state, at);
@@ -196,18 +187,18 @@ WayOut runNext(RunState &state) {
 
 WayOut runWhile(RunState &state) {
     if (conditionHolds(state)) return handled(state);
-    const int at = partnerOf(state, findWhileEnd);
+    const int at = partnerOf(state);
     return at == noPartner ? lostPartner(state) : jumpBehind(state, at);
 }
 
 WayOut runWhileEnd(RunState &state) {
-    const int at = partnerOf(state, findWhile);
+    const int at = partnerOf(state);
     return at == noPartner ? lostPartner(state) : jumpTo(state, at);
 }
 
 WayOut runLoopWhile(RunState &state) {
     if (!conditionHolds(state)) return handled(state);
-    const int at = partnerOf(state, findDo);
+    const int at = partnerOf(state);
     return at == noPartner ? lostPartner(state) : jumpTo(state, at);
 }
 

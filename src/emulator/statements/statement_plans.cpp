@@ -4,7 +4,6 @@
 
 #include "emulator/expressions/recording.h"
 #include "emulator/machine/arrays.h"
-#include "emulator/machine/block_search.h"
 #include "emulator/machine/programs.h"
 #include "emulator/screens/display.h"
 #include "emulator/statements/statements.h"
@@ -20,16 +19,31 @@ std::vector<Operation> operations;
 std::vector<ArrayName> arrays;
 std::array<std::vector<int>, programLimit> marks;  // of each cell of a program that has been run
 
-// What a run may take for plans; later statements are then left to the rows.
+// What a run may take for plans, in bytes, also while one of the vectors moves to a larger place; later statements are
+// then left to the rows.
 constexpr std::size_t planMemoryLimit = 8u << 20;
+std::size_t marksTaken = 0;  // bytes
 
-std::size_t memoryUsed() {
-    return plans.size() * sizeof(StatementPlan) + operations.size() * sizeof(Operation) +
-           arrays.size() * sizeof(ArrayName);
+template <class Element>
+std::size_t bytesOf(const std::vector<Element> &vector) {
+    return vector.capacity() * sizeof(Element);
+}
+
+// Room for so many elements more, or false. It grows by a quarter: doubling would need three times the old place.
+template <class Element>
+bool makeRoom(std::vector<Element> &vector, std::size_t more) {
+    const std::size_t wanted = vector.size() + more;
+    if (wanted <= vector.capacity()) return true;
+    const std::size_t capacity = wanted + wanted / 4 + 64;
+    const std::size_t taken = bytesOf(plans) + bytesOf(operations) + bytesOf(arrays) + marksTaken;
+    if (taken + capacity * sizeof(Element) > planMemoryLimit) return false;
+    vector.reserve(capacity);
+    return true;
 }
 
 // One statement on its way to a plan.
 struct Planning {
+    const LoadedProgram *loaded = nullptr;
     const ProgramCell *program = nullptr;
     const ProgramCell *cells = nullptr;  // of the statement, in the program
     StatementPlan plan{};
@@ -39,6 +53,7 @@ struct Planning {
 
     int position() const { return plan.start; }
     int terminator() const { return plan.start + plan.length; }
+    int partner() const { return loaded->partners[plan.start]; }
     bool isEnd(int at) const { return isToken(program[at], token::endOfProgram); }
     bool has(int cell, Token which) const { return cell < plan.length && isToken(cells[cell], which); }
     PlannedWay itsEnd() const { return {terminator() + 1, true}; }
@@ -99,7 +114,7 @@ bool planNothing(Planning &on) {
 bool planIf(Planning &on) {
     const int then = on.terminator() + 1;
     if (on.isEnd(on.terminator()) || !isToken(on.program[then], token::thenWord)) return false;
-    const int at = findFalseBranch(on.program, on.position());
+    const int at = on.partner();
     const PlannedWay whenFalse = at == noPartner                            ? PlannedWay{0}
                                  : isToken(on.program[at], token::elseWord) ? PlannedWay{at + 1}
                                                                             : on.behind(at);
@@ -107,27 +122,27 @@ bool planIf(Planning &on) {
 }
 
 bool planElse(Planning &on) {
-    const int at = findIfEnd(on.program, on.position());
+    const int at = on.partner();
     return planJump(on, PlanKind::jump, at == noPartner ? 0 : at);
 }
 
 bool planWhile(Planning &on) {
-    const int at = findWhileEnd(on.program, on.position());
+    const int at = on.partner();
     return at != noPartner && planBranch(on, on.itsEnd(), on.behind(at));
 }
 
-bool planWhileEnd(Planning &on) { return planJump(on, PlanKind::jump, findWhile(on.program, on.position())); }
+bool planWhileEnd(Planning &on) { return planJump(on, PlanKind::jump, on.partner()); }
 
 bool planLoopWhile(Planning &on) {
-    const int at = findDo(on.program, on.position());
+    const int at = on.partner();
     return at != noPartner && planBranch(on, {at}, on.itsEnd());
 }
 
-bool planNext(Planning &on) { return planJump(on, PlanKind::next, findFor(on.program, on.position())); }
+bool planNext(Planning &on) { return planJump(on, PlanKind::next, on.partner()); }
 
 bool planFor(Planning &on) {
     const int arrow = findToken(token::arrow, on.cells, 0, on.plan.length);
-    const int next = findNext(on.program, on.position());
+    const int next = on.partner();
     if (arrow < 0 || next == noPartner || !on.record(0, arrow, 2)) return false;
     on.plan.kind = PlanKind::forLoop;
     on.plan.leaves = CellKind::token;
@@ -162,7 +177,7 @@ bool planIsz(Planning &on) { return planCount(on, 1); }
 
 bool planGoto(Planning &on) {
     if (on.plan.length != 2 || (!isNumber(on.cells[1]) && on.cells[1].kind != CellKind::token)) return false;
-    const int at = findLabel(on.program, on.cells[1]);
+    const int at = findLabel(*on.loaded->labels, on.cells[1]);
     if (at == noPartner) return false;
     const ProgramCell &terminator = on.program[at + 2];
     on.plan.kind = PlanKind::goTo;
@@ -276,6 +291,9 @@ bool makePlan(Planning &on) {
 
 int keepPlan(Planning &on) {
     StatementPlan &plan = on.plan;
+    if (!makeRoom(plans, 1) || !makeRoom(operations, on.recording.operations.size()) ||
+        !makeRoom(arrays, on.recording.arrays.size() + 1))
+        return withoutPlan;
     if (plan.way.ends && on.isEnd(plan.way.position - 1)) plan.way.position--;  // the end mark ends the program
     if (plan.whenFalse.ends && on.isEnd(plan.whenFalse.position - 1)) plan.whenFalse.position--;
     plan.firstOperation = static_cast<int>(operations.size());
@@ -291,8 +309,8 @@ int keepPlan(Planning &on) {
 }
 
 int translate(const LoadedProgram &program, int position) {
-    if (memoryUsed() > planMemoryLimit) return withoutPlan;
     static Planning on;  // too large for a stack of calls within calls
+    on.loaded = &program;
     on.program = program.cells;
     on.cells = program.cells + position;
     on.plan = {};
@@ -308,6 +326,7 @@ PlanView planView(int program) {
     std::vector<int> &ofProgram = marks[static_cast<std::size_t>(program)];
     if (ofProgram.empty()) {
         ofProgram.assign(static_cast<std::size_t>(loadedProgram(program).cellCount), notTranslated);
+        marksTaken += bytesOf(ofProgram);
         if (plans.empty()) plans.resize(withoutPlan + 1);
     }
     return {ofProgram.data(), plans.data(), operations.data()};
@@ -330,9 +349,10 @@ bool plannedArraysExist(const StatementPlan &plan) {
 }
 
 void statementPlansForget() {
-    plans.clear();
-    operations.clear();
-    arrays.clear();
+    plans = {};
+    operations = {};
+    arrays = {};
+    marksTaken = 0;
     for (std::vector<int> &ofProgram : marks) ofProgram = {};
 }
 

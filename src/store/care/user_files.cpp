@@ -25,7 +25,7 @@ constexpr std::array programNames = {"casio.ptt", "large.cft",    "small.cft",
 // The library with its journal and copies, and what was being typed when the program ended.
 bool isLibraryName(std::string_view name) {
     return name.starts_with("storage.dat") || name.starts_with("settings.xml") ||
-           (name.starts_with("draft-") && name.ends_with(".txt"));
+           name.starts_with("breakpoints.json") || (name.starts_with("draft-") && name.ends_with(".txt"));
 }
 
 bool isProgramName(std::string_view name) { return std::ranges::find(programNames, name) != programNames.end(); }

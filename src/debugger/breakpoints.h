@@ -1,0 +1,60 @@
+// Where runs are to stop. One list a process, kept beside the library (breakpoint_file.h). Each breakpoint remembers
+// the statement that it stands at, so that it finds it again after an edit. Any thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "debugger/places.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+struct Breakpoint {
+    int id = 0;  // from 1, never given twice in a process
+    bool enabled = true;
+    bool isLost = false;  // its statement is gone from the program; it stops nothing
+    // At a statement: of this item, by line and statement as DebugPlace counts. Else of data.
+    ItemId item = noItem;
+    std::string program;  // UTF-8; the name where item is noItem
+    int line = 0, statement = 0;
+    std::string target;       // stops when this changes: a name of values.h; empty: at a statement
+    std::string condition;    // an expression that must be other than 0; empty: always
+    std::uint64_t count = 0;  // stops from this hit on; 0 and 1: from the first
+    std::uint64_t hits = 0;   // in this run
+    // Digests of the statement's tokens and of those ahead and behind; 0: not looked at yet.
+    std::uint64_t own = 0, ahead = 0, behind = 0;
+
+    bool isOfData() const { return !target.empty(); }
+};
+
+std::vector<Breakpoint> breakpoints();
+// Adds it (id, hits and digests are set here) and gives its id; or 0 for what has neither line nor target, or whose
+// condition or target can't be read.
+int breakpointAdd(Breakpoint breakpoint);
+bool breakpointChange(const Breakpoint &breakpoint);  // the one of its id; false as above
+void breakpointRemove(int id);
+void breakpointsClear();
+// Sets one at the place, or removes those that stand there; the id of a new one, else 0.
+int breakpointToggle(ItemId item, int line, int statement);
+std::vector<Breakpoint> breakpointsOfItem(ItemId item);
+// All at once, with the ids that they have or new ones for 0: from a file.
+void breakpointsSet(std::vector<Breakpoint> list);
+
+// The program of that item holds this image now: its breakpoints look for their statements and move there, or are lost.
+// True when any has changed. Called when a view opens or has stored, and ahead of each run.
+bool breakpointsFollow(ItemId item, ByteView image);
+void breakpointsFollowLoaded();           // the same for all programs of the run that is loaded
+void breakpointsForgetItem(ItemId item);  // it is deleted
+
+// The run's: a hit is counted, and a new run counts anew.
+std::uint64_t breakpointHit(int id);
+void breakpointsCountAnew();
+
+// Grows with each change of the list, hits excluded.
+std::uint64_t breakpointsVersion();
+// Called after each change, on the thread that made it. Null: nobody.
+extern void (*breakpointsChanged)();
+
+}  // namespace numalink

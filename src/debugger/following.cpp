@@ -1,0 +1,166 @@
+#include "debugger/following.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "emulator/machine/programs.h"
+#include "emulator/run/run_calls.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::uint8_t breakMark = 1, goalMark = 2;
+
+bool isSame(const std::optional<ComplexValue> &left, const std::optional<ComplexValue> &right) {
+    if (left.has_value() != right.has_value()) return false;
+    const auto bits = [](double value) { return std::bit_cast<std::uint64_t>(value); };
+    return !left || (bits(left->re) == bits(right->re) && bits(left->im) == bits(right->im));
+}
+
+std::string shownOrNone(const std::optional<ComplexValue> &value) { return value ? valueTextOf(*value).full : "-"; }
+
+CellRange statementAround(int program, int cell) {
+    return {program, cell, loadedProgram(program).terminators[cell] + 1};
+}
+
+// A jump to a label goes on behind it, so that what stands at a label stops at the statement behind.
+CellRange stoppingCells(int program, int cell) {
+    const LoadedProgram &loaded = loadedProgram(program);
+    const int next = loaded.terminators[cell] + 1;
+    return statementAround(program, isToken(loaded.cells[cell], token::label) && next < loaded.cellCount ? next : cell);
+}
+
+void mark(Stops &stops, const CellRange &range, std::uint8_t with) {
+    if (range.program < 0) return;
+    auto &ofProgram = stops.marks[static_cast<std::size_t>(range.program)];
+    for (int cell = range.first; cell < range.end; cell++) ofProgram[static_cast<std::size_t>(cell)] |= with;
+}
+
+std::optional<WatchExpression> conditionOf(const Breakpoint &breakpoint) {
+    if (breakpoint.condition.empty()) return std::nullopt;
+    return readWatch(breakpoint.condition);
+}
+
+void adopt(Stops &stops, const Breakpoint &breakpoint) {
+    if (!breakpoint.enabled || breakpoint.isLost) return;
+    if (breakpoint.isOfData()) {
+        const auto target = debugTargetNamed(breakpoint.target);
+        if (!target) return;
+        stops.ofData.push_back(
+            {breakpoint.id, *target, breakpoint.count, conditionOf(breakpoint), debugTargetValue(*target)});
+        return;
+    }
+    const int program = breakpoint.item == noItem ? programNamed(breakpoint.program) : programOfItem(breakpoint.item);
+    const int cell = cellOfPlace(program, breakpoint.line, breakpoint.statement);
+    if (cell < 0) return;
+    stops.atStatements.push_back(
+        {stoppingCells(program, cell), breakpoint.id, breakpoint.count, conditionOf(breakpoint)});
+    mark(stops, stops.atStatements.back().cells, breakMark);
+}
+
+// A condition that reports stops too, and tells.
+bool holds(const std::optional<WatchExpression> &condition, std::string &detail) {
+    if (!condition) return true;
+    const WatchValue value = evaluateWatch(*condition);
+    if (value.sort == WatchValue::Sort::number) return value.number.re != 0;
+    detail = value.text;
+    return true;
+}
+
+// Of the breakpoints of both sorts what stops here, without counting.
+template <class Counts>
+StopFound findStop(Stops &stops, int program, int cell, const Counts &counts) {
+    const std::uint8_t marked = stops.marks[static_cast<std::size_t>(program)][static_cast<std::size_t>(cell)];
+    StopFound found;
+    for (const StatementStop &stop : stops.atStatements) {
+        if ((marked & breakMark) == 0) break;
+        std::string detail;
+        if (!stop.cells.holds(program, cell) || !holds(stop.condition, detail)) continue;
+        if (counts(stop.id, stop.count) || !detail.empty()) found = {StopReason::breakpoint, stop.id, detail};
+    }
+    for (DataStop &stop : stops.ofData) {
+        const auto value = debugTargetValue(stop.target);
+        if (isSame(value, stop.last)) continue;
+        std::string detail = stop.target.name + ": " + shownOrNone(stop.last) + " -> " + shownOrNone(value);
+        stop.last = value;
+        if (holds(stop.condition, detail) && counts(stop.id, stop.count))
+            found = {StopReason::changed, stop.id, detail};
+    }
+    if (found.reason == StopReason::none && (marked & goalMark) != 0 && stops.goal.holds(program, cell))
+        found.reason = StopReason::step;
+    return found;
+}
+
+}  // namespace
+
+CellRange lineAround(const DebugPlace &place) {
+    const int first = cellOfPlace(place.program, place.line, 0);
+    if (first < 0) return {};
+    const LoadedProgram &loaded = loadedProgram(place.program);
+    int end = first;
+    do end = loaded.terminators[end] + 1;
+    while (end < loaded.cellCount && isToken(loaded.cells[end - 1], token::colon));
+    return {place.program, first, end};
+}
+
+bool stopsAreOld(const Stops &stops) { return stops.version != breakpointsVersion(); }
+
+void stopsAdopt(Stops &stops) {
+    if (!stopsAreOld(stops)) return;
+    const CellRange goal = stops.goal;
+    stops = {};
+    stops.version = breakpointsVersion();
+    stops.goal = goal;
+    for (int program = 0; program < programCount(); program++)
+        stops.marks.emplace_back(static_cast<std::size_t>(loadedProgram(program).cellCount), 0);
+    for (const auto &ofProgram : stops.marks) stops.markPointers.push_back(ofProgram.data());
+    for (const Breakpoint &breakpoint : breakpoints()) adopt(stops, breakpoint);
+    mark(stops, stops.goal, goalMark);
+}
+
+void stopsSetGoal(Stops &stops, const DebugPlace &place) {
+    const int cell = cellOfPlace(place.program, place.line, place.statement);
+    if (cell < 0) return;
+    stops.goal = stoppingCells(place.program, cell);
+    mark(stops, stops.goal, goalMark);
+}
+
+void stopsClearGoal(Stops &stops) { stops.goal = {}; }
+
+void stopsLookAtData(Stops &stops) {
+    for (DataStop &stop : stops.ofData) stop.last = debugTargetValue(stop.target);
+}
+
+StopFound stopsFind(Stops &stops, int program, int cell) {
+    return findStop(stops, program, cell,
+                    [](int id, std::uint64_t count) { return breakpointHit(id) >= std::max<std::uint64_t>(count, 1); });
+}
+
+void searchBegin(Search &search) {
+    search.hit.reset();
+    search.before = machine.statementsRun;
+    if (search.target) search.value = debugTargetValue(*search.target);
+}
+
+void searchLook(Search &search, Stops &stops, int program, int cell, std::uint64_t statement) {
+    if (search.back == DebugBack::change) {
+        const auto value = debugTargetValue(*search.target);
+        if (!isSame(value, search.value)) search.hit = search.before;
+        search.value = value;
+        search.before = statement;
+        return;
+    }
+    if (statement > search.limit || (statement == search.limit && !search.takesLimit)) return;
+    if (search.back == DebugBack::over) {
+        if (runCallDepth() <= search.depth) search.hit = statement;
+        return;
+    }
+    const StopFound found = findStop(stops, program, cell, [](int, std::uint64_t) { return true; });
+    if (found.reason != StopReason::breakpoint && found.reason != StopReason::changed) return;
+    search.hit = statement;
+    search.reason = found.reason;
+    search.breakpoint = found.breakpoint;
+}
+
+}  // namespace numalink

@@ -1,0 +1,231 @@
+#include "debugger/history.h"
+
+#include <algorithm>
+#include <chrono>
+#include <deque>
+
+#include "debugger/machine_image.h"
+#include "emulator/machine/key_port.h"
+#include "platform/clock.h"
+
+namespace numalink {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::uint64_t lookInterval = 256;                     // statements between two looks at the clock
+constexpr std::uint64_t longestStretch = 32768;                 // statements without an image
+constexpr auto longestTime = std::chrono::milliseconds(5);      // the same, as long as memory suffices
+constexpr std::size_t bytesWanted = historyBytes - (2u << 20);  // the rest is for what is taken in between
+constexpr std::size_t newestKept = 8;                           // images that thinning leaves alone
+
+// Values in a row, alike ones as one entry.
+template <class Value>
+class InputLog {
+public:
+    bool hasNext() const { return cursor < end; }
+    Value next() {
+        while (at + 1 < entries.size() && entries[at + 1].from <= cursor) at++;
+        cursor++;
+        return entries[at].value;
+    }
+    void add(Value value) {
+        if (entries.empty() || entries.back().value != value) entries.push_back({value, end});
+        cursor = ++end;
+        at = entries.size() - 1;
+    }
+    std::uint64_t place() const { return cursor; }
+    void goTo(std::uint64_t place) {
+        cursor = place;
+        const auto behind = std::ranges::upper_bound(entries, place, {}, &Entry::from);
+        at = behind == entries.begin() ? 0 : static_cast<std::size_t>(behind - entries.begin()) - 1;
+    }
+    void cut() {  // what comes behind the cursor
+        end = cursor;
+        while (!entries.empty() && entries.back().from >= end) entries.pop_back();
+        at = entries.empty() ? 0 : entries.size() - 1;
+    }
+    void forgetAhead(std::uint64_t place) {
+        while (entries.size() > 1 && entries[1].from <= place) {
+            entries.pop_front();
+            if (at > 0) at--;
+        }
+    }
+    void forget() { *this = {}; }
+    std::size_t bytes() const { return entries.size() * sizeof(Entry); }
+
+private:
+    struct Entry {
+        Value value;
+        std::uint64_t from;
+    };
+    std::deque<Entry> entries;
+    std::uint64_t end = 0, cursor = 0;
+    std::size_t at = 0;  // the entry of the cursor, or one ahead of it
+};
+
+struct Keyframe {
+    std::uint64_t statement = 0;
+    bool hasChange = false;  // the machine was changed by hand here
+    std::uint64_t waits = 0, getKeys = 0, ticks = 0;
+    MachineImage image;
+};
+
+struct History {
+    bool isOn = false;
+    bool changeDue = false;  // the next image stands for a change by hand
+    std::deque<Keyframe> keyframes;
+    std::size_t frameBytes = 0;  // of the keyframes beside their pages
+    InputLog<int> waits, getKeys;
+    InputLog<std::uint64_t> ticks;
+    Clock::time_point lastTaken;
+    unsigned thinned = 0;  // how often memory has made the images fewer: each time they are twice as far apart
+};
+History history;
+
+std::size_t bytesOf(const Keyframe &keyframe) { return sizeof keyframe + bytesOfImage(keyframe.image); }
+
+std::size_t bytesUsed() {
+    return imageBytes() + history.frameBytes + history.waits.bytes() + history.getKeys.bytes() + history.ticks.bytes();
+}
+
+void dropOldest() {
+    history.frameBytes -= bytesOf(history.keyframes.front());
+    history.keyframes.pop_front();
+    const Keyframe &oldest = history.keyframes.front();
+    history.waits.forgetAhead(oldest.waits);
+    history.getKeys.forgetAhead(oldest.getKeys);
+    history.ticks.forgetAhead(oldest.ticks);
+}
+
+// Every second one goes, but for the oldest, the newest and those of changes by hand.
+void thinOut() {
+    std::deque<Keyframe> kept;
+    history.frameBytes = 0;
+    const std::size_t count = history.keyframes.size();
+    for (std::size_t i = 0; i < count; i++) {
+        Keyframe &keyframe = history.keyframes[i];
+        if (i % 2 == 1 && i + newestKept < count && !keyframe.hasChange) continue;
+        history.frameBytes += bytesOf(keyframe);
+        kept.push_back(std::move(keyframe));
+    }
+    history.keyframes = std::move(kept);
+    history.thinned++;
+}
+
+void makeRoom() {
+    while (bytesUsed() > bytesWanted && history.keyframes.size() > 1) {
+        const std::size_t before = history.keyframes.size();
+        thinOut();
+        if (history.keyframes.size() == before) dropOldest();
+    }
+}
+
+void take(std::uint64_t statement) {
+    while (!history.keyframes.empty() && history.keyframes.back().statement >= statement) {
+        history.frameBytes -= bytesOf(history.keyframes.back());
+        history.keyframes.pop_back();
+    }
+    history.keyframes.push_back({.statement = statement,
+                                 .hasChange = history.changeDue,
+                                 .waits = history.waits.place(),
+                                 .getKeys = history.getKeys.place(),
+                                 .ticks = history.ticks.place(),
+                                 .image = takeImage()});
+    history.frameBytes += bytesOf(history.keyframes.back());
+    history.changeDue = false;
+    history.lastTaken = Clock::now();
+    while (history.keyframes.size() > 1 && history.keyframes[1].statement + historyStatements <= statement)
+        dropOldest();
+    if (bytesUsed() > bytesWanted) makeRoom();
+}
+
+bool isDue(std::uint64_t statement) {
+    if (history.keyframes.empty() || history.changeDue) return true;
+    const std::uint64_t stretch = statement - history.keyframes.back().statement;
+    if (stretch >= longestStretch << history.thinned) return true;
+    return stretch >= lookInterval && Clock::now() - history.lastTaken >= longestTime * (1u << history.thinned);
+}
+
+template <class Value, class Source>
+Value nextOf(InputLog<Value> &log, Source source) {
+    if (!history.isOn) return source();
+    if (log.hasNext()) return log.next();
+    const Value value = source();
+    if (runGoesOn()) log.add(value);  // a run that ends here takes nothing any more
+    return value;
+}
+
+}  // namespace
+
+void historyBegin() {
+    historyForget();
+    history.isOn = true;
+}
+
+void historyForget() {
+    history = {};
+    forgetImages();
+}
+
+bool historyIsOn() { return history.isOn; }
+
+std::uint64_t historyAt(std::uint64_t statement) {
+    if (isDue(statement)) take(statement);
+    return statement + lookInterval;
+}
+
+int historyWaitKey(RunEnd where) {
+    return nextOf(history.waits, [where] { return takeWaitKey(where); });
+}
+int historyGetKey() {
+    return nextOf(history.getKeys, [] { return keyPort.getKey(); });
+}
+std::uint64_t historyTicks() {
+    return nextOf(history.ticks, [] { return tickCount(); });
+}
+bool historyHasInput() { return history.waits.hasNext() || history.getKeys.hasNext() || history.ticks.hasNext(); }
+
+std::uint64_t historyOldest() { return history.keyframes.empty() ? UINT64_MAX : history.keyframes.front().statement; }
+
+void historyCut(std::uint64_t statement, bool hasChanged, bool betweenStatements) {
+    if (!history.isOn) return;
+    history.waits.cut();
+    history.getKeys.cut();
+    history.ticks.cut();
+    while (!history.keyframes.empty() && history.keyframes.back().statement > statement) {
+        history.frameBytes -= bytesOf(history.keyframes.back());
+        history.keyframes.pop_back();
+    }
+    history.changeDue = hasChanged;
+    if (hasChanged && betweenStatements) take(statement);
+}
+
+std::size_t historyImageAt(std::uint64_t statement) {
+    const auto behind = std::ranges::upper_bound(history.keyframes, statement, {}, &Keyframe::statement);
+    return behind == history.keyframes.begin() ? 0 : static_cast<std::size_t>(behind - history.keyframes.begin()) - 1;
+}
+
+std::uint64_t historyStatementOf(std::size_t image) { return history.keyframes[image].statement; }
+
+bool historyBringBack(std::size_t image) {
+    const Keyframe &keyframe = history.keyframes[image];
+    bringBack(keyframe.image);
+    history.waits.goTo(keyframe.waits);
+    history.getKeys.goTo(keyframe.getKeys);
+    history.ticks.goTo(keyframe.ticks);
+    return runCarryOnFrom(keyframe.image.calls);
+}
+
+std::optional<std::uint64_t> historyNextChange(std::uint64_t statement) {
+    for (std::size_t i = historyImageAt(statement); i < history.keyframes.size(); i++) {
+        if (history.keyframes[i].hasChange && history.keyframes[i].statement > statement)
+            return history.keyframes[i].statement;
+    }
+    return std::nullopt;
+}
+
+HistorySize historySize() { return {history.keyframes.size(), history.isOn ? bytesUsed() : 0}; }
+
+}  // namespace numalink

@@ -1,0 +1,204 @@
+#include "debugger/machine_image.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <type_traits>
+
+#include "emulator/expressions/vocabulary.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/run_waits.h"
+#include "emulator/screens/display.h"
+#include "emulator/screens/graph_screen.h"
+#include "emulator/screens/pictures.h"
+#include "emulator/screens/text_screen.h"
+#include "platform/bytes.h"
+
+namespace numalink {
+
+namespace {
+
+using Rows = std::array<std::array<char, textColumnCount>, textRowCount>;
+
+// What is neither a screen nor an element.
+struct PlainPart {
+    EmulatorMachine machine;
+    PoolRecords pool;
+    Rows textRows{};
+    std::uint64_t workDone = 0;
+    std::uint64_t reportsKept = 0;  // of errorTrace
+    std::uint32_t random = 0;
+};
+static_assert(std::is_trivially_copyable_v<EmulatorMachine> && std::is_trivially_copyable_v<PoolRecords>);
+static_assert(std::is_trivially_copyable_v<PlainPart>);
+
+constexpr std::size_t surfaceBytes = std::size_t{displayWidth} * displayHeight * sizeof(Color);
+static_assert(surfaceBytes % imagePageSize == 0);
+
+std::atomic<std::size_t> pageCount = 0;
+
+// The last image, as bytes and as pages.
+Bytes lastBytes;
+std::vector<std::shared_ptr<const ImagePage>> lastPages;
+
+std::size_t pagesFor(std::size_t bytes) { return (bytes + imagePageSize - 1) / imagePageSize; }
+
+PlainPart plainPart() {
+    PlainPart part{.machine = machine, .pool = poolRecords()};
+    for (std::size_t row = 0; row < part.textRows.size(); row++)
+        std::ranges::copy(textRowCodes(static_cast<int>(row) + 1), part.textRows[row].begin());
+    part.workDone = workDoneSoFar();
+    part.reportsKept = machine.errorTrace == nullptr ? 0 : machine.errorTrace->size();
+    part.random = randomPlace();
+    return part;
+}
+
+// Puts the pages of so many bytes behind those that the image has.
+void addPart(MachineImage &image, const void *bytes, std::size_t size) {
+    const auto *from = static_cast<const std::uint8_t *>(bytes);
+    for (std::size_t at = 0; at < size; at += imagePageSize) {
+        const std::size_t length = std::min(imagePageSize, size - at);
+        const std::size_t page = image.pages.size();
+        if (lastBytes.size() < (page + 1) * imagePageSize) lastBytes.resize((page + 1) * imagePageSize);
+        std::uint8_t *const last = lastBytes.data() + page * imagePageSize;
+        if (page < lastPages.size() && std::memcmp(last, from + at, length) == 0) {
+            image.pages.push_back(lastPages[page]);
+            continue;
+        }
+        std::memcpy(last, from + at, length);
+        auto made = std::make_shared<ImagePage>();
+        std::memcpy(made->bytes.data(), last, imagePageSize);
+        image.pages.push_back(std::move(made));
+    }
+}
+
+void addSurface(MachineImage &image, const Surface &surface) { addPart(image, surface.dots.data(), surfaceBytes); }
+
+void takeBack(const std::uint8_t *&from, Surface &surface) {
+    std::memcpy(surface.dots.data(), from, surfaceBytes);
+    from += surfaceBytes;
+}
+
+void bringBackText(const PlainPart &part, const Surface &surface) {
+    TextScreenCopy text;
+    text.surface = surface;
+    for (std::size_t row = 0; row < part.textRows.size(); row++)
+        text.characters[row].assign(part.textRows[row].begin(), part.textRows[row].end());
+    textScreenRestore(text);
+}
+
+struct Digest {
+    std::uint64_t value = 14695981039346656037u;
+
+    void add(const void *bytes, std::size_t size) {
+        const auto *from = static_cast<const std::uint8_t *>(bytes);
+        for (; size >= sizeof(std::uint64_t); size -= sizeof(std::uint64_t), from += sizeof(std::uint64_t)) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, from, sizeof word);
+            take(word);
+        }
+        for (; size > 0; size--) take(*from++);
+    }
+    void take(std::uint64_t word) {
+        value = (value ^ word) * 1099511628211u;
+        value ^= value >> 29;
+    }
+    template <class... Values>
+    void addAll(const Values &...values) {
+        (add(&values, sizeof values), ...);
+    }
+    void addArray(const MatrixDescriptor *array) {
+        if (array == nullptr) return take(0);
+        addAll(array->cols, array->rows);
+        add(matrixElements(array), static_cast<std::size_t>(matrixSize(array)) * sizeof(double));
+    }
+    void addSurface(const Surface &surface) { add(surface.dots.data(), surface.dots.size() * sizeof(Color)); }
+};
+
+void digestValues(Digest &digest) {
+    digest.addAll(machine.variables, machine.ans, machine.window, machine.windowMemories, machine.namedValues);
+    digest.addAll(machine.errorFlag, machine.currentFile, machine.backgroundPicture, machine.plotPrevious,
+                  machine.plotCurrent, machine.textRow, machine.screenMode, machine.shortCopy, machine.rowColor,
+                  machine.graphSwitches, machine.gridSwitch, machine.angleUnit, machine.format.form,
+                  machine.format.digits, machine.numberBase, machine.statementsRun);
+    for (int slot = 0; slot <= matrixAnsSlot; slot++)
+        digest.addArray(machine.matrixSlots[static_cast<std::size_t>(slot)]);
+    for (const auto &file : machine.listSlots) {
+        for (const MatrixSlot slot : file) digest.addArray(slot);
+    }
+    digest.take(randomPlace());
+    digest.take(machine.errorTrace == nullptr ? 0 : machine.errorTrace->size());
+}
+
+}  // namespace
+
+ImagePage::ImagePage() { pageCount++; }
+ImagePage::~ImagePage() { pageCount--; }
+
+MachineImage takeImage() {
+    MachineImage image;
+    image.pages.reserve(lastPages.size());
+    const PlainPart part = plainPart();
+    addPart(image, &part, sizeof part);
+    addSurface(image, textScreen());
+    addSurface(image, graphScreen());
+    addSurface(image, matrixScreen());
+    addSurface(image, displayNow());
+    for (int number = 1; number <= memoryCount; number++) addSurface(image, *pictureMemory(number));
+    addPart(image, poolElements(), static_cast<std::size_t>(part.pool.cellsUsed) * sizeof(double));
+    image.calls = runCalls();
+    lastPages = image.pages;
+    return image;
+}
+
+void bringBack(const MachineImage &image) {
+    lastPages = image.pages;
+    lastBytes.resize(image.pages.size() * imagePageSize);
+    for (std::size_t page = 0; page < image.pages.size(); page++)
+        std::memcpy(lastBytes.data() + page * imagePageSize, image.pages[page]->bytes.data(), imagePageSize);
+    PlainPart part{};
+    std::memcpy(static_cast<void *>(&part), lastBytes.data(), sizeof part);
+    const std::uint8_t *from = lastBytes.data() + pagesFor(sizeof part) * imagePageSize;
+    Surface text(displayWidth, displayHeight), matrices = text, display = text;
+    takeBack(from, text);
+    takeBack(from, graphScreen());
+    graphScreenTouch();
+    takeBack(from, matrices);
+    takeBack(from, display);
+    for (int number = 1; number <= memoryCount; number++) takeBack(from, *pictureMemory(number));
+    std::vector<double> elements(static_cast<std::size_t>(part.pool.cellsUsed));
+    std::memcpy(elements.data(), from, elements.size() * sizeof(double));
+    poolRestore(part.pool, elements.data());
+    bringBackText(part, text);
+    machine = part.machine;
+    displayRestore(matrices, display);
+    workDoneAgain(part.workDone);
+    randomGoOn(part.random);
+    if (machine.errorTrace != nullptr && machine.errorTrace->size() > part.reportsKept)
+        machine.errorTrace->resize(part.reportsKept);
+}
+
+void forgetImages() {
+    lastPages.clear();
+    lastBytes = {};
+}
+
+std::size_t imageBytes() { return pageCount * (sizeof(ImagePage) + 2 * sizeof(void *)); }
+
+std::size_t bytesOfImage(const MachineImage &image) {
+    return image.pages.size() * sizeof image.pages[0] + image.calls.size() * sizeof image.calls[0];
+}
+
+std::uint64_t machineDigest() {
+    Digest digest;
+    digestValues(digest);
+    digest.addSurface(textScreen());
+    digest.addSurface(graphScreen());
+    digest.addSurface(matrixScreen());
+    for (int number = 1; number <= memoryCount; number++) digest.addSurface(*pictureMemory(number));
+    for (const CallPlace &call : runCalls())
+        digest.addAll(call.program, call.position, call.forContinuing, call.left.kind);
+    return digest.value;
+}
+
+}  // namespace numalink

@@ -1,0 +1,43 @@
+// All that a run has made of the machine, kept so that it can be brought back to the bit: values, arrays, screens, the
+// programs in progress. Parts that are alike in successive images are kept once. Run thread.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "emulator/run/run_calls.h"
+
+namespace numalink {
+
+inline constexpr std::size_t imagePageSize = 2048;  // bytes
+
+struct ImagePage {
+    ImagePage();
+    ~ImagePage();
+    ImagePage(const ImagePage &) = delete;
+    ImagePage &operator=(const ImagePage &) = delete;
+    std::array<std::uint8_t, imagePageSize> bytes;
+};
+
+struct MachineImage {
+    std::vector<std::shared_ptr<const ImagePage>> pages;
+    std::vector<CallPlace> calls;
+};
+
+// Between two statements. Pages that haven't changed since the last image was taken or brought back are shared with it.
+MachineImage takeImage();
+// The machine is as it was when the image was taken; the calls are the caller's to carry on from.
+void bringBack(const MachineImage &image);
+// The next image shares nothing: ahead of a run.
+void forgetImages();
+
+std::size_t imageBytes();                             // that all pages take
+std::size_t bytesOfImage(const MachineImage &image);  // beside its pages
+
+// A digest of all that a program can see or an owner could, of the programs in progress too. Whatever way a run took to
+// a state, it is the same.
+std::uint64_t machineDigest();
+
+}  // namespace numalink
