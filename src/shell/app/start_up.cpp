@@ -32,6 +32,8 @@
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
 #include "shell/views/item_views.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/panes.h"
 #include "store/care/daily_copies.h"
 #include "store/item_store.h"
 #include "telling/language_table.h"
@@ -104,12 +106,15 @@ constexpr StartStep startSteps[] = {
     {"toolbar", [] { return done(buildToolbar); }, false},
     {"views", [] { return done(connectViews); }, false},
     {"emulator", [] { return done(makeEmulatorWindow); }, false},
+    {"workbench", [] { return done(makePanes); }, false},
+    {"its bar", [] { return done(buildDebugBar); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return state.settingsRead || tellSettings(); }, false},
     {"library", openLibraryAtStart, true},
     {"colors of a new library", colorFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
+    {"breakpoints", [] { return done(connectDebugging); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
     {"notification area", [] { return done(addTrayIcon); }, false},
@@ -123,6 +128,7 @@ constexpr StartStep startSteps[] = {
 
 void closeLibraryAndQuit() {
     state.shutting = true;
+    emulatorStop();  // beside the program it doesn't end with the view
     stopLink();
     storeClose();
     removeTrayIcon();
@@ -177,6 +183,8 @@ void tearDown() {
     forgetExport();
     forgetTree();
     forgetViews();
+    forgetDebugging();
+    forgetPanes();
     forgetEmulatorWindow();
     destroyWidgets();
 }

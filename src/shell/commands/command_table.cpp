@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "debugger/breakpoints.h"
 #include "link/transmit_queue.h"
 #include "shell/commands/file_commands.h"
 #include "shell/commands/link_commands.h"
@@ -16,11 +17,15 @@
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/on_view.h"
+#include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/item_commands.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/panes.h"
+#include "shell/workbench/variables_pane.h"
 
 namespace numalink {
 
@@ -48,15 +53,33 @@ void zoomTo() {
     zoomEmulatorWindow();
 }
 
+bool runIsStopped() { return shownStop() != nullptr; }
+
+template <DebugStep step>
+void stepBy() {
+    debugStepBy(step);
+}
+
+template <Pane pane>
+constexpr Command paneRow(CommandId id, Text title) {
+    return {.id = id,
+            .menu = panes,
+            .text = title,
+            .checked = [] { return paneShown(pane); },
+            .run = [] { togglePane(pane); }};
+}
+
 constexpr MenuRow menuRows[] = {
     {.menu = file, .text = Text::menuFile},
     {.menu = item, .text = Text::menuItem},
     {.menu = edit, .text = Text::menuEdit},
     {.menu = emulator, .text = Text::menuEmulator, .enabled = emulatorShown},
+    {.menu = debug, .text = Text::menuDebug},
     {.menu = communication, .text = Text::menuCommunication},
     {.menu = view, .text = Text::menuView},
     {.menu = help, .text = Text::menuHelp},
     {.menu = zoom, .text = Text::menuZoom, .within = view, .oneChecked = true},
+    {.menu = panes, .text = Text::menuPanes, .within = view},
     {.menu = program, .enabled = programOnView},
     {.menu = tray, .ofNoWindow = true},
 };
@@ -202,6 +225,115 @@ constexpr Command commands[] = {
      .tip = Text::tipScreenshot,
      .run = saveScreenshot},
 
+    {.id = CommandId::debugGoOn,
+     .menu = debug,
+     .text = Text::menuGoOn,
+     .shortcut = "Ctrl+F5",
+     .tip = Text::tipGoOn,
+     .keyWhileRunning = true,
+     .storesFirst = true,
+     .enabled = canGoOn,
+     .run = debugGoOn},
+    {.id = CommandId::debugPause,
+     .menu = debug,
+     .text = Text::menuPause,
+     .shortcut = "Ctrl+F6",
+     .tip = Text::tipPause,
+     .keyWhileRunning = true,
+     .enabled = canPause,
+     .run = debugPauseRun},
+    {.id = CommandId::debugStep,
+     .menu = debug,
+     .separatorAhead = true,
+     .text = Text::menuStep,
+     .shortcut = "F12",
+     .tip = Text::tipStep,
+     .keyWhileRunning = true,
+     .repeats = true,
+     .enabled = canGoOn,
+     .run = stepBy<DebugStep::statement>},
+    {.id = CommandId::debugStepOver,
+     .menu = debug,
+     .text = Text::menuStepOver,
+     .shortcut = "Ctrl+F12",
+     .tip = Text::tipStepOver,
+     .keyWhileRunning = true,
+     .repeats = true,
+     .enabled = canGoOn,
+     .run = stepBy<DebugStep::over>},
+    {.id = CommandId::debugStepOut,
+     .menu = debug,
+     .text = Text::menuStepOut,
+     .shortcut = "Ctrl+Shift+F12",
+     .tip = Text::tipStepOut,
+     .keyWhileRunning = true,
+     .enabled = runIsStopped,
+     .run = stepBy<DebugStep::out>},
+    {.id = CommandId::debugNextLine,
+     .menu = debug,
+     .text = Text::menuNextLine,
+     .shortcut = "Ctrl+F11",
+     .tip = Text::tipNextLine,
+     .keyWhileRunning = true,
+     .repeats = true,
+     .enabled = canGoOn,
+     .run = stepBy<DebugStep::line>},
+    {.id = CommandId::debugToCaret,
+     .menu = debug,
+     .text = Text::menuToCaret,
+     .shortcut = "Ctrl+F10",
+     .tip = Text::tipToCaret,
+     .keyWhileRunning = true,
+     .storesFirst = true,
+     .enabled = [] { return viewKind == kind::program && canGoOn(); },
+     .run = debugToCaret},
+    {.id = CommandId::debugBackStep,
+     .menu = debug,
+     .separatorAhead = true,
+     .text = Text::menuBackStep,
+     .shortcut = "Shift+F12",
+     .tip = Text::tipBackStep,
+     .keyWhileRunning = true,
+     .repeats = true,
+     .enabled = canGoBack,
+     .run = [] { debugBackBy(DebugBack::statement); }},
+    {.id = CommandId::debugBackBreakpoint,
+     .menu = debug,
+     .text = Text::menuBackBreakpoint,
+     .shortcut = "Ctrl+Shift+F5",
+     .tip = Text::tipBackBreakpoint,
+     .keyWhileRunning = true,
+     .enabled = canGoBack,
+     .run = [] { debugBackBy(DebugBack::breakpoint); }},
+    {.id = CommandId::debugBackChange,
+     .menu = debug,
+     .text = Text::menuBackChange,
+     .tip = Text::tipBackChange,
+     .enabled = canGoBack,
+     .offered = [] { return !pickedValue().empty(); },
+     .run = [] { debugBackBy(DebugBack::change, pickedValue()); }},
+    {.id = CommandId::debugNewRoad,
+     .menu = debug,
+     .text = Text::menuNewRoad,
+     .tip = Text::tipNewRoad,
+     .enabled = canTakeNewRoad,
+     .run = debugTakeNewRoad},
+    {.id = CommandId::breakpoint,
+     .menu = debug,
+     .separatorAhead = true,
+     .text = Text::menuBreakpoint,
+     .shortcut = "Ctrl+F9",
+     .tip = Text::tipBreakpoint,
+     .keyWhileRunning = true,
+     .enabled = [] { return viewKind == kind::program; },
+     .run = toggleBreakpoint},
+    {.id = CommandId::breakpointsClear,
+     .menu = debug,
+     .text = Text::menuBreakpointsClear,
+     .tip = Text::tipBreakpointsClear,
+     .enabled = anyBreakpoints,
+     .run = breakpointsClear},
+
     {.id = CommandId::transmitQueue,
      .menu = communication,
      .text = Text::menuTransmitQueue,
@@ -226,6 +358,17 @@ constexpr Command commands[] = {
      .keyWhileRunning = true,
      .checked = symbolsWanted,
      .run = [] { setSymbolsWanted(!symbolsWanted()); }},
+    {.id = CommandId::besideProgram,
+     .menu = view,
+     .text = Text::menuBeside,
+     .tip = Text::tipBeside,
+     .checked = besideProgram,
+     .run = toggleBeside},
+    paneRow<Pane::variables>(CommandId::paneVariables, Text::paneVariables),
+    paneRow<Pane::watches>(CommandId::paneWatches, Text::paneWatches),
+    paneRow<Pane::calls>(CommandId::paneCalls, Text::paneCalls),
+    paneRow<Pane::breakpoints>(CommandId::paneBreakpoints, Text::paneBreakpoints),
+    paneRow<Pane::profile>(CommandId::paneProfile, Text::paneProfile),
     {.id = CommandId::zoom1, .menu = zoom, .label = "&1", .checked = zoomIs<1>, .run = zoomTo<1>},
     {.id = CommandId::zoom2, .menu = zoom, .label = "&2", .checked = zoomIs<2>, .run = zoomTo<2>},
     {.id = CommandId::zoom3, .menu = zoom, .label = "&3", .checked = zoomIs<3>, .run = zoomTo<3>},
@@ -294,6 +437,13 @@ constexpr Command commands[] = {
     {.id = CommandId::exitFromTray, .menu = tray, .text = Text::trayExit, .endsLabelEdit = false, .run = exitProgram},
 };
 
+constexpr ToolbarButton debugButtons[] = {
+    {.id = CommandId::debugGoOn, .image = "debug-go"},     {.id = CommandId::debugPause, .image = "debug-pause"},
+    {.id = CommandId::debugStep, .image = "debug-step"},   {.id = CommandId::debugStepOver, .image = "debug-over"},
+    {.id = CommandId::debugStepOut, .image = "debug-out"}, {.id = CommandId::debugBackStep, .image = "debug-back"},
+    {.id = CommandId::breakpoint, .image = "debug-point"},
+};
+
 constexpr ToolbarButton buttons[] = {
     {.id = CommandId::newProgram, .image = "toolbar-new", .text = Text::toolNewProgram},
     {.id = CommandId::transmit, .image = "toolbar-transmit", .text = Text::toolTransmit},
@@ -315,6 +465,7 @@ constexpr ToolbarButton buttons[] = {
 std::span<const MenuRow> menuTable() { return menuRows; }
 std::span<const Command> commandTable() { return commands; }
 std::span<const ToolbarButton> toolbarTable() { return buttons; }
+std::span<const ToolbarButton> debugBarTable() { return debugButtons; }
 
 const Command *findCommand(CommandId id) {
     const auto found = std::ranges::find(commands, id, &Command::id);

@@ -52,13 +52,32 @@ enum class CommandId {
     deleteText,
     selectText,
     exitFromTray,
+    besideProgram,
+    paneVariables,
+    paneWatches,
+    paneCalls,
+    paneBreakpoints,
+    paneProfile,
+    debugGoOn,
+    debugPause,
+    debugStep,
+    debugStepOver,
+    debugStepOut,
+    debugNextLine,
+    debugToCaret,
+    debugBackStep,
+    debugBackBreakpoint,
+    debugBackChange,
+    debugNewRoad,
+    breakpoint,
+    breakpointsClear,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
 };
 
 // The menus of the bar, from left to right, and after them those that open elsewhere.
-enum class MenuPosition { file, item, edit, emulator, communication, view, help, zoom, program, tray };
+enum class MenuPosition { file, item, edit, emulator, debug, communication, view, help, zoom, panes, program, tray };
 
 struct MenuRow {
     MenuPosition menu = MenuPosition::file;
@@ -106,6 +125,7 @@ struct ToolbarButton {
 std::span<const MenuRow> menuTable();
 std::span<const Command> commandTable();  // in the order of the menus
 std::span<const ToolbarButton> toolbarTable();
-const Command *findCommand(CommandId id);  // null when there is no such row
+std::span<const ToolbarButton> debugBarTable();  // the buttons of the debugger's bar
+const Command *findCommand(CommandId id);        // null when there is no such row
 
 }  // namespace numalink

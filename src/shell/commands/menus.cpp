@@ -15,8 +15,10 @@
 #include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/selection.h"
+#include "shell/workbench/stop_view.h"
 
 namespace numalink {
 
@@ -31,8 +33,10 @@ Menus state;
 // "Transmit" out of "&Transmit", so that a button shows no stray mark.
 QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
 
-// Keys go to the commands, or, while an emulated program runs, to it.
-bool keyIsCommand(const Command &row) { return row.keyOfText || row.keyWhileRunning || !emulatorShown(); }
+// Keys go to the commands, or, while an emulated program runs, to it; beside the program, to where the focus is.
+bool keyIsCommand(const Command &row) {
+    return row.keyOfText || row.keyWhileRunning || !emulatorShown() || besideProgram();
+}
 
 void giveKeys(const Command &row) {
     QAction *action = state.actions[row.id];
@@ -147,6 +151,19 @@ void buildToolbar() {
         if (button.isOther != nullptr) keepWidth(action, withoutMnemonic(textOf(button.otherText)));
     }
     fitWindowToToolbar();
+}
+
+void buildDebugBar() {
+    constexpr int imageSize = 16;
+    QToolBar *bar = debugBar();
+    bar->setIconSize({imageSize, imageSize});
+    QAction *line = bar->actions().first();
+    for (const ToolbarButton &button : debugBarTable()) {
+        QAction *action = built.actions[button.id];
+        action->setIcon(QIcon(QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(button.image))));
+        action->setIconVisibleInMenu(false);
+        bar->insertAction(line, action);
+    }
 }
 
 void forgetMenus() {

@@ -8,9 +8,10 @@ class QMenu;
 
 namespace numalink {
 
-void buildMenus();    // once the main window is there; from here on they follow commandStatesChanged
-void buildToolbar();  // once the other widgets are there too
-void forgetMenus();   // when the windows are gone
+void buildMenus();     // once the main window is there; from here on they follow commandStatesChanged
+void buildToolbar();   // once the other widgets are there too
+void buildDebugBar();  // into the debugger's bar, once that is there
+void forgetMenus();    // when the windows are gone
 
 QAction *commandAction(CommandId id);  // null when there is none
 QMenu *menuAt(MenuPosition position);

@@ -1,8 +1,21 @@
-// The column of line numbers beside the program: a number a block, painted where the block stands. Graphical thread
-// only.
+// The column of line numbers beside the program: a number a block, painted where the block stands, and what marks a
+// line. Graphical thread only.
 #pragma once
 
+#include <QString>
+
 namespace numalink {
+
+enum class LineSign { none, breakpoint, idleBreakpoint };  // the second one is off, or its statement is lost
+struct LineMark {
+    LineSign sign = LineSign::none;
+    bool isNext = false;  // a run stands here
+    double heat = 0;      // share of the time of the hottest line
+    QString words;        // tool tip
+};
+// What a line, from 1, is marked by; and what a click on its number does. Nothing while nobody debugs.
+inline LineMark (*lineMarkOf)(int line) = [](int) { return LineMark{}; };
+inline void (*lineNumberClicked)(int line) = [](int) {};
 
 void connectLineNumbers();
 void repaintLineNumbers();

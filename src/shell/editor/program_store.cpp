@@ -132,6 +132,7 @@ bool writeText(const ReadText &read) {
     takeReference();
     forgetDraft();
     programToStatus(viewItemId);
+    programStored(viewItemId);
     tellWhenTooLong(viewItemId);
     return true;
 }

@@ -16,6 +16,7 @@
 #include "shell/editor/line_numbers.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_edit.h"
+#include "shell/editor/statement_marks.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
@@ -188,6 +189,7 @@ bool editEvent(QWidget *, QEvent *event) {
 
 void useDocument(QTextDocument *shown) {
     state.filling = true;
+    programEdit->setExtraSelections({});  // they are the other document's
     programEdit->setDocument(shown);
     state.filling = false;
 }
@@ -355,23 +357,9 @@ void putCaretAt(int position) {
 }
 
 void selectStatement(int line, int statement) {
-    const QTextBlock block = document()->findBlockByNumber(line - 1);
-    if (!block.isValid()) return;
-    ViewLine text;
-    std::size_t from = 0;
-    std::size_t to = static_cast<std::size_t>(block.length() - 1);
-    bool inString = false;
-    for (const ViewToken &token : readBlock(block, text).tokens) {
-        const std::uint8_t code = token.length == 1 ? token.bytes[0] : 0;
-        if (code == '"') inString = !inString;
-        if (code != ':' || inString) continue;
-        if (statement-- == 0) {
-            to = token.from;
-            break;
-        }
-        from = token.from + token.size;
-    }
-    putCaret({block.position() + static_cast<int>(to), block.position() + static_cast<int>(from)});
+    const std::optional<TextRange> range = rangeOfStatement(line, statement);
+    if (!range) return;
+    putCaret({range->to, range->from});
     programEdit->ensureCursorVisible();
 }
 

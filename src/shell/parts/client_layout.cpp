@@ -27,7 +27,7 @@ void applyLayout() {
     place(lineNumberEdit, layout.lineNumbers);
     place(programEdit, layout.program);
     place(containerWindow, layout.container);
-    if (emulatorWindow != nullptr) place(emulatorWindow, layout.container);
+    if (emulatorWindow != nullptr && emulatorWindow->parentWidget() == clientArea) place(emulatorWindow, layout.container);
 }
 
 void toggleTree() {

@@ -92,6 +92,8 @@ std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
 }  // namespace
 
 bool isMenuKey(const QKeyEvent &event) {
+    const bool isFunctionKey = event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F12;
+    if (event.key() == Qt::Key_F12 || (isFunctionKey && (event.modifiers() & Qt::ControlModifier) != 0)) return true;
     return event.key() == Qt::Key_Alt || event.key() == Qt::Key_F10 || (event.modifiers() & Qt::AltModifier) != 0;
 }
 

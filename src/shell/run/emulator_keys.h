@@ -12,7 +12,8 @@ void releaseKey();
 
 // A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
 // change nothing. Always true: while a run is on, no key does anything else.
-bool isMenuKey(const QKeyEvent &event);  // Alt, with another key or alone, and F10 stay the window's
+bool isMenuKey(
+    const QKeyEvent &event);  // Alt, with another key or alone, F10, F12 and Ctrl with F1 to F12 stay the window's
 bool emulatorKeyDown(const QKeyEvent &key);
 
 // A key went up: the key of the calculator is, too. The releases of auto-repeat are none.

@@ -29,6 +29,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/run/debug_window.h"
 #include "shell/run/emulator_keys.h"
+#include "shell/run/emulator_place.h"
 #include "shell/run/full_screen.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/tree/selection.h"
@@ -177,6 +178,7 @@ bool startRun(ItemId item) {
     if (!loadRun(item, itemsBeside(item))) return false;
     state.displaySeen = 0;
     state.display = displayNow();
+    runBegins();
     return runStart();
 }
 
@@ -188,9 +190,19 @@ void showRunFault() {
 }
 
 void stopAndShowProgram() {
-    if (!leaveCurrentView()) return;
-    openSelectedItem();
+    if (besideProgram()) {
+        emulatorStop();
+        if (viewItemId == noItem) openSelectedItem();
+    } else {
+        if (!leaveCurrentView()) return;
+        openSelectedItem();
+    }
     showRunFault();
+}
+
+// Beside the program the calculator goes on while other items are looked at.
+void stopWithView() {
+    if (!besideProgram()) emulatorStop();
 }
 
 QRect displayOnDesktop() {
@@ -205,10 +217,10 @@ bool emulatorShown() { return emulatorWindow != nullptr && !emulatorWindow->isHi
 void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
-    if (!item || item->kind != kind::program || !leaveCurrentView()) return;
+    if (!item || item->kind != kind::program) return;
+    if (!besideProgram() && !leaveCurrentView()) return;
     state.outlinedKey = 0;
-    emulatorWindow->show();
-    emulatorWindow->raise();
+    showEmulatorPlace();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
     if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
     commandStatesChanged();
@@ -222,10 +234,11 @@ void emulatorToggle() {
 void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
+    runIsOver();
     keyCode = 0;
     fullScreenLeave();
     hideDebugWindow();
-    emulatorWindow->hide();
+    hideEmulatorPlace();
     commandStatesChanged();
 }
 
@@ -260,11 +273,22 @@ void placeBesideDisplay(QWidget *box) {
 void goToRunFault() {
     if (!emulatorShown()) return;
     const ItemId halted = runFault().item;
-    if (halted == noItem || halted == selectedItemId()) {
-        stopAndShowProgram();
-    } else if (selectItem(halted)) {
-        showRunFault();
-    }
+    if (halted == noItem || halted == selectedItemId()) return stopAndShowProgram();
+    if (besideProgram()) emulatorStop();
+    if (selectItem(halted)) showRunFault();
+}
+
+bool showBesideProgram(bool beside) {
+    if (beside == besideProgram()) return true;
+    const bool shown = emulatorShown();
+    // The view is under the calculator, and closed: it opens where both are to be seen, and closes where not.
+    if (shown && !beside && !leaveCurrentView()) return false;
+    rememberBeside(beside);
+    if (!shown) return true;
+    beside ? showEmulatorPlace() : placeEmulator();
+    if (beside) openSelectedItem();
+    emulatorWindow->setFocus();
+    return true;
 }
 
 void saveScreenshot() {
@@ -289,7 +313,7 @@ void makeEmulatorWindow() {
     emulatorWindow->hide();
     state.display = Surface(displayWidth, displayHeight);
     hookEvents(emulatorWindow, emulatorEvent);
-    viewLeft = emulatorStop;
+    viewLeft = stopWithView;
 }
 
 void zoomEmulatorWindow() {
@@ -303,6 +327,7 @@ void forgetEmulatorWindow() {
     marked = false;
     forgetFullScreen();
     forgetDebugWindow();
+    forgetEmulatorPlace();
 }
 
 }  // namespace numalink

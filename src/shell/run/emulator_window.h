@@ -14,6 +14,14 @@ void emulatorToggle();
 void emulatorStop();
 bool emulatorShown();
 
+// Puts the calculator beside the program, or over the view; at once where it is shown. False when the view couldn't be
+// left.
+bool showBesideProgram(bool beside);
+
+// For who follows runs: one is loaded and about to begin; the last one is over, its threads joined.
+inline void (*runBegins)() = [] {};
+inline void (*runIsOver)() = [] {};
+
 // The Save Screenshot command: the display, 128 by 64 dots, as a bitmap file.
 void saveScreenshot();
 

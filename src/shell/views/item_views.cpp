@@ -39,6 +39,7 @@ void showProgram(const StoredItem &item) {
     programEdit->show();
     showSymbols();
     commandStatesChanged();
+    programOpened();
     if (tokenCount() == 0) tellUser(Text::withoutTable);
 }
 

@@ -1,0 +1,139 @@
+#include "shell/workbench/breakpoints_pane.h"
+
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTreeWidget>
+#include <QTreeWidgetItem>
+#include <QVBoxLayout>
+
+#include "debugger/breakpoints.h"
+#include "shell/editor/program_view.h"
+#include "shell/parts/event_hook.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/selection.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/pane_parts.h"
+#include "store/item_store.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int placeColumn = 0, conditionColumn = 1, countColumn = 2, hitsColumn = 3;
+constexpr int idRole = Qt::UserRole;
+
+struct BreakpointsPane {
+    QTreeWidget *table = nullptr;  // its dock's, as is the next
+    QLineEdit *target = nullptr;
+    bool filling = false;
+};
+BreakpointsPane state;
+
+QString placeOf(const Breakpoint &point) {
+    if (point.isOfData()) return toQt(point.target);
+    const std::optional<ItemEntry> entry = storeReadEntry(point.item);
+    const std::string name = entry ? utf8FromCalculator(entry->name) : point.program;
+    const QString place =
+        textOf(Text::stopPlace, {name, std::to_string(point.line), std::to_string(point.statement + 1)});
+    return point.isLost ? textOf(Text::breakpointLost, {place.toStdString()}) : place;
+}
+
+std::optional<Breakpoint> pointOf(const QTreeWidgetItem *row) {
+    if (row == nullptr) return std::nullopt;
+    const int id = row->data(placeColumn, idRole).toInt();
+    for (const Breakpoint &point : breakpoints())
+        if (point.id == id) return point;
+    return std::nullopt;
+}
+
+void edited(QTreeWidgetItem *row, int) {
+    if (state.filling) return;
+    std::optional<Breakpoint> point = pointOf(row);
+    if (!point) return;
+    point->enabled = row->checkState(placeColumn) == Qt::Checked;
+    point->condition = row->text(conditionColumn).trimmed().toStdString();
+    bool isNumber = true;
+    const QString count = row->text(countColumn).trimmed();
+    point->count = count.isEmpty() ? 0 : count.toULongLong(&isNumber);
+    if (!isNumber)
+        tellUser(Text::debugNotANumber);
+    else if (!breakpointChange(*point))
+        tellUser(Text::breakpointUnreadable);
+    QMetaObject::invokeMethod(state.table, refreshBreakpoints, Qt::QueuedConnection);
+}
+
+void goTo(QTreeWidgetItem *row, int column) {
+    const std::optional<Breakpoint> point = pointOf(row);
+    if (column != placeColumn || !point || point->isOfData() || point->isLost) return;
+    if (point->item != viewItemId && !selectItem(point->item)) return;
+    selectStatement(point->line, point->statement);
+}
+
+void addOfData() {
+    const std::string target = state.target->text().trimmed().toStdString();
+    if (target.empty()) return;
+    Breakpoint point;
+    point.target = target;
+    if (breakpointAdd(point) == 0) return tellUser(Text::breakpointUnreadable);
+    state.target->clear();
+}
+
+bool tableEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Delete) return false;
+    if (const std::optional<Breakpoint> point = pointOf(state.table->currentItem())) breakpointRemove(point->id);
+    return true;
+}
+
+}  // namespace
+
+QWidget *makeBreakpointsPane() {
+    auto *pane = new QWidget;
+    auto *layout = new QVBoxLayout(pane);
+    layout->setContentsMargins(0, 0, 0, 0);
+    state.table = makePaneTable({textOf(Text::columnPlace), textOf(Text::columnCondition), textOf(Text::columnFromHit),
+                                 textOf(Text::columnHits)});
+    state.table->setRootIsDecorated(false);
+    state.table->setColumnWidth(placeColumn, 240);
+    state.table->setAccessibleName(textOf(Text::paneBreakpoints));
+    editColumns(state.table, conditionColumn, countColumn);
+    layout->addWidget(state.table);
+    state.target = new QLineEdit;
+    state.target->setPlaceholderText(textOf(Text::breakpointsChange));
+    state.target->setToolTip(textOf(Text::breakpointsChange).toHtmlEscaped());
+    state.target->setAccessibleName(textOf(Text::breakpointsChange));
+    layout->addWidget(state.target);
+    auto *errors = new QCheckBox(textOf(Text::breakpointsAtError));
+    errors->setChecked(stopsAtFirstError());
+    layout->addWidget(errors);
+    QObject::connect(state.table, &QTreeWidget::itemChanged, state.table, edited);
+    QObject::connect(state.table, &QTreeWidget::itemActivated, state.table, goTo);
+    QObject::connect(state.target, &QLineEdit::returnPressed, state.target, addOfData);
+    QObject::connect(errors, &QCheckBox::toggled, errors, stopAtFirstError);
+    hookEvents(state.table, tableEvent);
+    return pane;
+}
+
+void refreshBreakpoints() {
+    state.filling = true;
+    const std::optional<Breakpoint> picked = pointOf(state.table->currentItem());
+    state.table->clear();
+    for (const Breakpoint &point : breakpoints()) {
+        auto *row = new QTreeWidgetItem(state.table);
+        row->setFlags(row->flags() | Qt::ItemIsEditable | Qt::ItemIsUserCheckable);
+        row->setData(placeColumn, idRole, point.id);
+        row->setCheckState(placeColumn, point.enabled ? Qt::Checked : Qt::Unchecked);
+        row->setText(placeColumn, placeOf(point));
+        row->setText(conditionColumn, toQt(point.condition));
+        row->setText(countColumn, point.count > 1 ? QString::number(point.count) : QString());
+        row->setText(hitsColumn, QString::number(point.hits));
+        if (picked && picked->id == point.id) state.table->setCurrentItem(row);
+    }
+    state.filling = false;
+}
+
+void forgetBreakpointsPane() { state = {}; }
+
+}  // namespace numalink

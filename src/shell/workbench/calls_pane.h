@@ -1,0 +1,12 @@
+// The pane of calls: the statement to come, and each Prog that led there. Graphical thread only.
+#pragma once
+
+class QWidget;
+
+namespace numalink {
+
+QWidget *makeCallsPane();
+void refreshCalls();
+void forgetCallsPane();
+
+}  // namespace numalink

@@ -1,0 +1,43 @@
+// The debugger in the window: its commands, and what is known of the run that it follows. A run is followed while the
+// calculator stands beside the program. Graphical thread only.
+#pragma once
+
+#include <string>
+
+#include "debugger/debugger.h"
+
+namespace numalink {
+
+void connectDebugging();  // once emulator and views are there and the library is open
+void forgetDebugging();
+
+const DebugStop *shownStop();  // where the followed run stands; null while it goes on, or there is none
+bool runIsFollowed();
+// The text of this item was stored anew since the run began, so that places of the run no longer fit it.
+bool storedSinceStart(ItemId item);
+void stopAtFirstError(bool stop);
+bool stopsAtFirstError();
+void debugPanesChanged();  // a run is recorded while a pane is shown
+
+// After each change of the above, of the breakpoints, and when another program is on view.
+inline void (*debuggingChanged)() = [] {};
+
+// Commands. Those that move a run start the selected program where none runs, ahead of its first statement.
+void debugGoOn();
+void debugPauseRun();
+void debugStepBy(DebugStep step);
+void debugToCaret();
+void debugBackBy(DebugBack back, const std::string &target = {});
+void debugTakeNewRoad();
+void toggleBreakpoint();                // at the caret
+void toggleBreakpointOfLine(int line);  // its first statement
+void toggleBeside();
+
+// Whether they can do anything.
+bool canGoOn();
+bool canPause();
+bool canGoBack();
+bool canTakeNewRoad();
+bool anyBreakpoints();
+
+}  // namespace numalink

@@ -1,0 +1,60 @@
+#include "shell/workbench/pane_parts.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QTreeWidget>
+
+#include "shell/parts/fonts.h"
+
+namespace numalink {
+
+namespace {
+
+// Only some columns of a row can be written into; Qt knows only of rows.
+class PaneTable : public QTreeWidget {
+public:
+    int firstEdited = 1, lastEdited = 0;  // none
+
+protected:
+    bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override {
+        if (index.column() < firstEdited || index.column() > lastEdited) return false;
+        return QTreeWidget::edit(index, trigger, event);
+    }
+    // F2 in a row edits its first column that can be, whichever has the focus.
+    void keyPressEvent(QKeyEvent *event) override {
+        QTreeWidgetItem *row = currentItem();
+        const bool editKey =
+            event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (!editKey || row == nullptr || firstEdited > lastEdited || (row->flags() & Qt::ItemIsEditable) == 0)
+            return QTreeWidget::keyPressEvent(event);
+        editItem(row, firstEdited);
+    }
+};
+
+}  // namespace
+
+QTreeWidget *makePaneTable(const QStringList &columns) {
+    auto *table = new PaneTable;
+    table->setHeaderLabels(columns);
+    table->setUniformRowHeights(true);
+    table->setAlternatingRowColors(true);
+    table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
+    table->header()->setStretchLastSection(true);
+    return table;
+}
+
+void editColumns(QTreeWidget *table, int first, int last) {
+    auto *pane = static_cast<PaneTable *>(table);
+    pane->firstEdited = first;
+    pane->lastEdited = last;
+}
+
+void markChanged(QTreeWidgetItem *row, int column, bool changed) {
+    QFont font = row->font(column);
+    if (font.bold() == changed) return;
+    font.setBold(changed);
+    row->setFont(column, font);
+}
+
+}  // namespace numalink

@@ -1,0 +1,203 @@
+#include "shell/workbench/panes.h"
+
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QTimer>
+#include <algorithm>
+#include <array>
+
+#include "settings/settings_store.h"
+#include "shell/parts/command_states.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_place.h"
+#include "shell/workbench/breakpoints_pane.h"
+#include "shell/workbench/calls_pane.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/profile_pane.h"
+#include "shell/workbench/stop_view.h"
+#include "shell/workbench/variables_pane.h"
+#include "shell/workbench/watches_pane.h"
+
+namespace numalink {
+
+namespace {
+
+struct PaneRow {
+    Pane pane;
+    char letter;  // in the setting
+    const char *name;
+    Text title;
+    QWidget *(*make)();
+    void (*refresh)();
+    Qt::DockWidgetArea area;  // at first
+    bool shownAtFirst;
+};
+
+constexpr PaneRow rows[] = {
+    {Pane::variables, 'V', "variablesDock", Text::paneVariables, makeVariablesPane, refreshVariables,
+     Qt::RightDockWidgetArea, true},
+    {Pane::watches, 'W', "watchesDock", Text::paneWatches, makeWatchesPane, refreshWatches, Qt::RightDockWidgetArea,
+     true},
+    {Pane::calls, 'C', "callsDock", Text::paneCalls, makeCallsPane, refreshCalls, Qt::BottomDockWidgetArea, true},
+    {Pane::breakpoints, 'B', "breakpointsDock", Text::paneBreakpoints, makeBreakpointsPane, refreshBreakpoints,
+     Qt::BottomDockWidgetArea, true},
+    {Pane::profile, 'P', "profileDock", Text::paneProfile, makeProfilePane, refreshProfile, Qt::BottomDockWidgetArea,
+     false},
+};
+
+struct Dock {
+    QDockWidget *widget = nullptr;
+    bool wanted = false;
+};
+
+struct Panes {
+    std::array<Dock, std::size(rows)> docks;
+    bool shown = false;
+    bool arranging = false;  // what the docks tell meanwhile is our own doing
+};
+Panes state;
+
+constexpr std::pair<Qt::DockWidgetArea, char> areaLetters[] = {{Qt::LeftDockWidgetArea, 'l'},
+                                                               {Qt::RightDockWidgetArea, 'r'},
+                                                               {Qt::TopDockWidgetArea, 't'},
+                                                               {Qt::BottomDockWidgetArea, 'b'}};
+
+// The setting: for each pane its letter, its area's, and "+" where it is shown: "Vr+Wr+Cb+Bb+Pb-".
+std::string arrangementNow() {
+    std::string text;
+    for (std::size_t i = 0; i < std::size(rows); i++) {
+        const Dock &dock = state.docks[i];
+        const auto *area = std::ranges::find(areaLetters, mainWindow->dockWidgetArea(dock.widget),
+                                             &std::pair<Qt::DockWidgetArea, char>::first);
+        text += rows[i].letter;
+        text += dock.widget->isFloating() || area == std::end(areaLetters) ? 'f' : area->second;
+        text += dock.wanted ? '+' : '-';
+    }
+    return text;
+}
+
+struct PanePlace {
+    Qt::DockWidgetArea area;
+    bool floats;
+    bool wanted;
+};
+
+// As the setting tells; a pane that it doesn't name, or a text that makes no sense, as at first.
+PanePlace placeOf(const PaneRow &row, const std::string &setting) {
+    PanePlace place{row.area, false, row.shownAtFirst};
+    const std::size_t at = setting.find(row.letter);
+    if (at == std::string::npos || at + 2 >= setting.size()) return place;
+    const auto *area = std::ranges::find(areaLetters, setting[at + 1], &std::pair<Qt::DockWidgetArea, char>::second);
+    if (area != std::end(areaLetters)) place.area = area->first;
+    place.floats = setting[at + 1] == 'f';
+    place.wanted = setting[at + 2] == '+';
+    return place;
+}
+
+void changed() {
+    if (state.arranging) return;
+    rememberPanes();
+    debugPanesChanged();
+    commandStatesChanged();
+}
+
+void makeDock(std::size_t index) {
+    const PaneRow &row = rows[index];
+    Dock &dock = state.docks[index];
+    dock.widget = new QDockWidget(textOf(row.title), mainWindow);
+    dock.widget->setObjectName(QString::fromLatin1(row.name));
+    QWidget *content = row.make();
+    content->setAccessibleName(textOf(row.title));
+    dock.widget->setWidget(content);
+    dock.widget->hide();
+    // Closed by its own button.
+    QObject::connect(dock.widget->toggleViewAction(), &QAction::triggered, dock.widget, [index](bool on) {
+        state.docks[index].wanted = on;
+        changed();
+    });
+    QObject::connect(dock.widget, &QDockWidget::dockLocationChanged, dock.widget, changed);
+    QObject::connect(dock.widget, &QDockWidget::topLevelChanged, dock.widget, changed);
+}
+
+void arrange() {
+    state.arranging = true;
+    const std::string setting = settingsValue(setting::panes);
+    std::array<QDockWidget *, 16> firstOf{};  // by area
+    for (std::size_t i = 0; i < std::size(rows); i++) {
+        Dock &dock = state.docks[i];
+        const PanePlace place = placeOf(rows[i], setting);
+        dock.wanted = place.wanted;
+        mainWindow->addDockWidget(place.area, dock.widget);
+        dock.widget->setFloating(place.floats);
+        if (place.floats) continue;
+        QDockWidget *&first = firstOf[static_cast<std::size_t>(place.area)];
+        if (first != nullptr)
+            mainWindow->tabifyDockWidget(first, dock.widget);
+        else
+            first = dock.widget;
+    }
+    for (QDockWidget *first : firstOf)
+        if (first != nullptr) first->raise();
+    state.arranging = false;
+}
+
+void refreshShown() {
+    showStopInProgram();
+    for (std::size_t i = 0; i < std::size(rows); i++)
+        if (state.docks[i].widget->isVisible()) rows[i].refresh();
+}
+
+}  // namespace
+
+void makePanes() {
+    for (std::size_t i = 0; i < std::size(rows); i++) makeDock(i);
+    arrange();
+    makeStopLine();
+    debuggingChanged = refreshShown;
+    if (besideProgram()) showPanes(true);
+}
+
+void forgetPanes() {
+    state = {};
+    forgetVariablesPane();
+    forgetWatchesPane();
+    forgetCallsPane();
+    forgetBreakpointsPane();
+    forgetProfilePane();
+    forgetStopView();
+}
+
+void showPanes(bool show) {
+    state.arranging = true;
+    state.shown = show;
+    for (Dock &dock : state.docks) dock.widget->setVisible(show && dock.wanted);
+    showStopLine(show);
+    state.arranging = false;
+    refreshShown();
+}
+
+bool panesShown() {
+    return state.shown && std::ranges::any_of(state.docks, [](const Dock &dock) { return dock.wanted; });
+}
+
+bool paneShown(Pane pane) { return state.shown && state.docks[static_cast<std::size_t>(pane)].wanted; }
+
+void togglePane(Pane pane) {
+    Dock &dock = state.docks[static_cast<std::size_t>(pane)];
+    dock.wanted = !paneShown(pane);
+    if (!state.shown) return toggleBeside();
+    dock.widget->setVisible(dock.wanted);
+    if (dock.wanted) {
+        dock.widget->raise();
+        rows[static_cast<std::size_t>(pane)].refresh();
+    }
+    changed();
+}
+
+void rememberPanes() {
+    settingsSetValue(setting::panes, arrangementNow());
+    settingsSave();
+}
+
+}  // namespace numalink

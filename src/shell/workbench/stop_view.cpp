@@ -1,0 +1,171 @@
+#include "shell/workbench/stop_view.h"
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QToolBar>
+#include <map>
+
+#include "debugger/breakpoints.h"
+#include "debugger/profile.h"
+#include "shell/editor/line_numbers.h"
+#include "shell/editor/program_view.h"
+#include "shell/editor/statement_marks.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_window.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/profile_pane.h"
+
+namespace numalink {
+
+namespace {
+
+struct StopView {
+    QToolBar *bar = nullptr;  // the main window's
+    QLabel *line = nullptr;
+    std::map<int, LineMark> lines;  // of the program on view
+};
+StopView state;
+
+LineMark markOf(int line) {
+    const auto found = state.lines.find(line);
+    return found == state.lines.end() ? LineMark{} : found->second;
+}
+
+QString reasonWords(const DebugStop &stop) {
+    switch (stop.reason) {
+        case StopReason::entry:
+            return textOf(Text::stoppedEntry);
+        case StopReason::breakpoint:
+            return textOf(Text::stoppedBreakpoint) +
+                   (stop.detail.empty() ? QString() : QStringLiteral(": ") + toQt(stop.detail));
+        case StopReason::changed:
+            return textOf(Text::stoppedChanged, {stop.detail});
+        case StopReason::error:
+            return textOf(Text::stoppedError, {stop.detail});
+        case StopReason::pause:
+            return textOf(Text::stoppedPause);
+        case StopReason::end:
+            return textOf(Text::stoppedEnd);
+        case StopReason::backAtStart:
+            return textOf(Text::stoppedOldest);
+        case StopReason::step:
+        case StopReason::none:
+            break;
+    }
+    return textOf(Text::stoppedStep);
+}
+
+QString grouped(std::uint64_t number) { return QLocale().toString(static_cast<qulonglong>(number)); }
+
+QString stopWords(const DebugStop &stop) {
+    const DebugPlace &place = stop.place;
+    QStringList words{reasonWords(stop)};
+    words << toQt(statementText(place.program, cellOfPlace(place.program, place.line, place.statement)));
+    words << textOf(Text::stopPlace,
+                    {programNameShown(place.program), std::to_string(place.line), std::to_string(place.statement + 1)});
+    if (canTakeNewRoad()) {
+        words << textOf(Text::stopInPast, {grouped(stop.statement).toStdString(), grouped(stop.newest).toStdString()});
+    } else {
+        words << textOf(Text::stopCount, {grouped(stop.statement).toStdString()});
+    }
+    if (storedSinceStart(place.item) || (place.item == viewItemId && programChanged()))
+        words << textOf(Text::stopOldText);
+    return words.join(QStringLiteral("  \u00B7  "));
+}
+
+void showWords() {
+    const DebugStop *stop = shownStop();
+    const QString words = stop != nullptr ? stopWords(*stop) : runIsFollowed() ? textOf(Text::debugRuns) : QString();
+    state.line->setText(words);
+    state.line->setToolTip(words.toHtmlEscaped());
+}
+
+void addBreakpoints() {
+    for (const Breakpoint &point : breakpointsOfItem(viewItemId)) {
+        LineMark &mark = state.lines[point.line];
+        const bool counts = point.enabled && !point.isLost;
+        if (mark.sign != LineSign::breakpoint) mark.sign = counts ? LineSign::breakpoint : LineSign::idleBreakpoint;
+        if (!point.condition.empty()) mark.words = toQt(point.condition);
+    }
+}
+
+void addHeat() {
+    if (!profileIsOn()) return;
+    std::map<int, std::uint64_t> units, counts;
+    std::uint64_t hottest = 0;
+    for (const ProfileRow &row : profileReport().rows) {
+        if (row.place.item != viewItemId) continue;
+        counts[row.place.line] += row.count;
+        hottest = std::max(hottest, units[row.place.line] += row.paceUnits);
+    }
+    for (const auto &[line, sum] : units) {
+        if (sum == 0) continue;
+        LineMark &mark = state.lines[line];
+        mark.heat = static_cast<double>(sum) / static_cast<double>(hottest);
+        mark.words = textOf(Text::profileTotal, {grouped(counts[line]).toStdString(),
+                                                 QString::number(profileMilliseconds(sum)).toStdString()});
+    }
+}
+
+// The statements of the run in the program on view; none where its text has become another.
+std::vector<StatementMark> marksOfRun() {
+    std::vector<StatementMark> marks;
+    if (storedSinceStart(viewItemId) || programChanged()) return marks;
+    if (neverRunShown())
+        for (const ProfileRow &row : profileReport().rows)
+            if (row.place.item == viewItemId && row.count == 0)
+                marks.push_back({row.place.line, row.place.statement, StatementLook::neverRun});
+    const DebugStop *stop = shownStop();
+    if (stop == nullptr) return marks;
+    const std::vector<DebugPlace> calls = debugCalls();
+    for (std::size_t i = 1; i < calls.size(); i++)
+        if (calls[i].item == viewItemId) marks.push_back({calls[i].line, calls[i].statement, StatementLook::calling});
+    if (stop->place.item == viewItemId) {
+        marks.push_back({stop->place.line, stop->place.statement, StatementLook::next});
+        state.lines[stop->place.line].isNext = true;
+    }
+    return marks;
+}
+
+}  // namespace
+
+void makeStopLine() {
+    state.bar = new QToolBar(textOf(Text::debugBarName));
+    state.bar->setObjectName(QStringLiteral("debugBar"));
+    state.bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    state.line = new QLabel;
+    state.line->setObjectName(QStringLiteral("stopLine"));
+    state.line->setTextFormat(Qt::PlainText);
+    state.line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    state.line->setContentsMargins(8, 0, 8, 0);
+    state.bar->addWidget(state.line);
+    mainWindow->addToolBarBreak();
+    mainWindow->addToolBar(state.bar);
+    state.bar->hide();
+    lineMarkOf = markOf;
+}
+
+QToolBar *debugBar() { return state.bar; }
+
+void showStopLine(bool show) { state.bar->setVisible(show); }
+
+void showStopInProgram() {
+    state.lines.clear();
+    std::vector<StatementMark> marks;
+    if (viewKind == kind::program) {
+        addBreakpoints();
+        addHeat();
+        marks = marksOfRun();
+    }
+    markStatements(marks);
+    const DebugStop *stop = shownStop();
+    if (stop != nullptr && stop->place.item == viewItemId) showStatement(stop->place.line, stop->place.statement);
+    repaintLineNumbers();
+    showWords();
+}
+
+void forgetStopView() { state = {}; }
+
+}  // namespace numalink
