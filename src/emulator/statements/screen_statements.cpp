@@ -48,7 +48,7 @@ WayOut runViewWindow(RunState &state) {
 
 WayOut runColor(RunState &state) {
     constexpr PixelColor colors[] = {pixelColor::orange, pixelColor::blue, pixelColor::green};
-    state.color = colors[state.statement[0].token2 - 0x34];
+    state.color = state.sketchColor = colors[state.statement[0].token2 - 0x34];
     return takePrefix(state);
 }
 
@@ -60,17 +60,18 @@ WayOut runCls(RunState &state) {
 
 WayOut runPlot(RunState &state) {
     readPair(state);
-    plotPoint(numberAt(state, 1), numberAt(state, 3), state.color);
+    plotPoint(numberAt(state, 1), numberAt(state, 3), state.sketchColor);
     return drawn(state);
 }
 
 WayOut runLine(RunState &state) {
     expectAlone(state);
-    drawLastLine(state.color);
+    drawLastLine(state.sketchColor);
     return drawn(state);
 }
 
 WayOut runString(RunState &state) {
+    if (storesFormula(state) || storesSequence(state)) return handled(state);
     displayValue(state.statement[0], state.color);
     return takePrefix(state);
 }
@@ -132,14 +133,14 @@ WayOut runRecallWindow(RunState &state) {
 WayOut runVertical(RunState &state) {
     evaluateAll(state);
     expectShape(state, 2, "n");
-    drawVertical(numberAt(state, 1), state.color);
+    drawVertical(numberAt(state, 1), state.sketchColor);
     return drawn(state);
 }
 
 WayOut runHorizontal(RunState &state) {
     evaluateAll(state);
     expectShape(state, 2, "n");
-    drawHorizontal(numberAt(state, 1), state.color);
+    drawHorizontal(numberAt(state, 1), state.sketchColor);
     return drawn(state);
 }
 
@@ -153,14 +154,14 @@ WayOut runText(RunState &state) {
 WayOut runCircle(RunState &state) {
     evaluateAll(state);
     expectShape(state, 6, "n,n,n");
-    drawCircle(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), state.color);
+    drawCircle(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), state.sketchColor);
     return drawn(state);
 }
 
 WayOut runFLine(RunState &state) {
     evaluateAll(state);
     expectShape(state, 8, "n,n,n,n");
-    drawLine(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), numberAt(state, 7), state.color);
+    drawLine(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), numberAt(state, 7), state.sketchColor);
     return drawn(state);
 }
 
@@ -172,7 +173,7 @@ WayOut runPlotOff(RunState &state) {
 
 WayOut runPlotChange(RunState &state) {
     readPair(state);
-    pixelChange(mapX(numberAt(state, 1)), mapY(numberAt(state, 3)), state.color);
+    pixelChange(mapX(numberAt(state, 1)), mapY(numberAt(state, 3)), state.sketchColor);
     return drawn(state);
 }
 

@@ -12,5 +12,6 @@ std::span<const StatementRow> modeStatements();
 std::span<const StatementRow> graphStatements();
 std::span<const StatementRow> statisticsStatements();
 std::span<const StatementRow> recursionStatements();
+std::span<const StatementRow> tableStatements();
 
 }  // namespace numalink
