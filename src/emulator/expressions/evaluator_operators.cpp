@@ -1,8 +1,6 @@
 // The steps that act on single cells and their neighbours: values, prefixes, postfixes, binary operators and the
 // implicit product. Each walks in its own direction and leaves its result in its own place; both are the language's
 // associativity.
-#include <cmath>
-
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
@@ -23,7 +21,7 @@ ComplexValue unaryValue(const OperatorRow &row, ComplexValue operand) {
 ComplexValue binaryValue(const OperatorRow &row, ComplexValue left, ComplexValue right) {
     if (recording != nullptr) return recordBinary(row, left, right);
     const ComplexValue result = binaryResult(row, left, right);
-    return machine.numberBase == decimalBase ? result : complexReal(std::trunc(result.re));
+    return machine.numberBase == decimalBase ? result : heldToBase(result);
 }
 
 void takeInput(Stretch &stretch, const OperatorRow &row) {
@@ -44,10 +42,27 @@ void applyPrefixAt(Stretch &stretch, int p, const OperatorRow &row) {
     stretch.blank(p + 1);
 }
 
+// The sign that the cell behind an operator is to what follows it, where the sign's own step comes later: as on the
+// calculators. Without calculator modes that is the minus of an exponent alone; all else reports.
+const OperatorRow *signBehind(const OperatorRow &row, const ProgramCell &cell) {
+    if (!machine.calculatorModes && !(row.step == Step::power && isToken(cell, token::minus))) return nullptr;
+    if (row.step == Step::power && isToken(cell, token::negative)) return operatorRow(cell, Step::prefix);
+    return row.step < Step::sign ? signRow(cell) : nullptr;
+}
+
+// The place of the right operand of the operator at p; a sign ahead of it has gone into it.
+int rightOperandOf(Stretch &stretch, int p, const OperatorRow &row) {
+    const OperatorRow *sign = signBehind(row, stretch.cells[p + 1]);
+    if (sign == nullptr || !isNumber(stretch.cellOrNothing(p + 2))) return p + 1;
+    applyUnary(stretch.cells[p + 2], stretch.cells[p + 2], *sign);
+    stretch.blank(p + 1);
+    return p + 2;
+}
+
 // p may be the first cell: there is then nothing on the left.
 void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
-    ProgramCell &right = stretch.cells[p + 1];
+    ProgramCell &right = stretch.cells[rightOperandOf(stretch, p, row)];
     if (!isNumber(left) || !isNumber(right)) {
         synError();
         makeNumber(right, row.binary(left.value, right.value));
@@ -74,6 +89,24 @@ void applyFractions(Stretch &stretch) {
         p = last;
     }
     stretch.compact();
+}
+
+// Degrees or hours, minutes and perhaps seconds, each with its mark, in base ten: the first mark stands at p. False
+// where it is the mark of an angle by itself.
+bool applySexagesimal(Stretch &stretch, int p) {
+    const auto isPart = [&](int mark) {
+        return isToken(stretch.cellOrNothing(mark), token::degrees) && isNumber(stretch.cellOrNothing(mark - 1));
+    };
+    if (!isPart(p) || !isPart(p + 2) || refusesRecording()) return false;
+    const int last = isPart(p + 4) ? p + 4 : p + 2;
+    double value = 0, unit = 1;
+    for (int mark = p; mark <= last; mark += 2) {
+        value += stretch.cells[mark - 1].value.re / unit;
+        unit *= 60;
+    }
+    makeNumber(stretch.cells[last], complexReal(value));
+    for (int i = p - 1; i < last; i++) stretch.blank(i);
+    return true;
 }
 
 }  // namespace
@@ -140,7 +173,7 @@ void applyComplexPrefixes(Stretch &stretch) {
 void applyPostfixes(Stretch &stretch) {
     for (int p = stretch.first + 1; p < stretch.end(); p++) {
         const OperatorRow *row = operatorRow(stretch.cells[p], Step::postfix);
-        if (row == nullptr) continue;
+        if (row == nullptr || applySexagesimal(stretch, p)) continue;
         applyUnary(stretch.cells[p], stretch.cells[p - 1], *row);
         stretch.blank(p - 1);
     }
