@@ -61,7 +61,7 @@ Estimate extrapolated(Asked &asked, double at, double firstStep, double middle, 
     double table[rows][rows];
     Estimate best;
     double step = firstStep;
-    for (int row = 0; row < rows; row++, step /= shrink) {
+    for (int row = 0; row < rows; row++) {
         double scale = 0;
         table[0][row] = quotient(asked, at, step, middle, scale);
         if (!std::isfinite(table[0][row])) return row == 0 ? Estimate{} : best;
@@ -78,6 +78,7 @@ Estimate extrapolated(Asked &asked, double at, double firstStep, double middle, 
             best.value = table[column][row];
         }
         if (row > 1 && std::fabs(table[row][row] - table[row - 1][row - 1]) > 8 * best.error) break;
+        step /= shrink;
     }
     return best;
 }
@@ -253,8 +254,9 @@ CalculusResult root(const RealFunction &function, double start, double low, doub
     };
     const double y = asked(start);
     Side sides[] = {{start, y, high}, {start, y, low}};
-    for (double step = 0.01 * std::max(std::fabs(start), 0.1); !asked.isStopped; step *= growth) {
-        bool moved = false;
+    double step = 0.01 * std::max(std::fabs(start), 0.1);
+    for (bool moved = true; moved && !asked.isStopped;) {
+        moved = false;
         for (Side &side : sides) {
             if (side.x == side.bound) continue;
             moved = true;
@@ -269,7 +271,7 @@ CalculusResult root(const RealFunction &function, double start, double low, doub
             side.x = x;
             side.y = value;
         }
-        if (!moved) break;
+        step *= growth;
     }
     return asked.result(false, 0, 0);
 }

@@ -50,6 +50,7 @@ ProgramCell sumOf(const CallArguments &arguments) {
         return refusedCall(maError);
     const OneAtATime running(variable);
     ComplexValue sum, term;
+    // NOLINTNEXTLINE(cert-flp30-c): the language's own steps
     for (double place = start.re; step.re > 0 ? place <= end.re : place >= end.re; place += step.re) {
         if (!takeWork()) break;
         *variable = complexReal(place);

@@ -71,24 +71,24 @@ void drawOverX(const GraphFrame &frame, const Curve &curve) {
 // The steps of T or theta: the curve's own range, else the window's. None after a report.
 struct Steps {
     double from = 0, pitch = 0;
-    double count = 0;
+    std::int64_t count = 0;
+    double at(std::int64_t i) const { return from + static_cast<double>(i) * pitch; }
 };
 Steps stepsOf(const Curve &curve) {
     const double from = curve.isWithin ? curve.from : machine.window[tThetaMin].re;
     const double to = curve.isWithin ? curve.to : machine.window[tThetaMax].re;
     const double pitch = machine.window[tThetaPitch].re;
-    const double count = std::floor((to - from) / pitch + 1e-9) + 1;
-    if (count >= 1 && std::isfinite(count)) return {from, pitch, count};
-    argError();
-    return {};
+    const std::int64_t count = countOfSteps(from, to, pitch);
+    if (count == 0) argError();
+    return {from, pitch, count};
 }
 
 void drawPolar(const GraphFrame &frame, const Curve &curve) {
     SampledFunction function(curve.formula, theta());
     CurvePen pen = penOf(frame, curve.color, curve.style);
     const Steps steps = stepsOf(curve);
-    for (double i = 0; i < steps.count; i++) {
-        const double angle = steps.from + i * steps.pitch;
+    for (std::int64_t i = 0; i < steps.count; i++) {
+        const double angle = steps.at(i);
         double r = 0;
         if (!function.at(angle, r)) return;
         const double radians = angle * radiansPerUnit(machine.angleUnit);
@@ -102,10 +102,9 @@ void drawParametric(const GraphFrame &frame, const Curve &curve) {
     SampledFunction ofY(curve.second, variableT());
     CurvePen pen = penOf(frame, curve.color, curve.style);
     const Steps steps = stepsOf(curve);
-    for (double i = 0; i < steps.count; i++) {
+    for (std::int64_t i = 0; i < steps.count; i++) {
         double x = 0, y = 0;
-        const double t = steps.from + i * steps.pitch;
-        if (!ofX.at(t, x) || !ofY.at(t, y)) return;
+        if (!ofX.at(steps.at(i), x) || !ofY.at(steps.at(i), y)) return;
         pen.to(x, y);
     }
     if (steps.count > 0 && !ofX.tellIfNowhere()) ofY.tellIfNowhere();
@@ -135,12 +134,12 @@ bool tableRows(std::vector<double> &rows) {
     } else {
         const double start = variableRef(tokenCell({0x7F, 0x91}))->re, end = variableRef(tokenCell({0x7F, 0x92}))->re;
         const double pitch = variableRef(tokenCell({0x7F, 0x93}))->re;
-        const double count = start == end ? 1 : std::floor((end - start) / pitch + 1e-9) + 1;
-        if (!(count >= 1 && count <= tableRowLimit)) {
+        const std::int64_t count = countOfSteps(start, end, pitch);
+        if (count == 0 || count > tableRowLimit) {
             argError();
             return false;
         }
-        for (double i = 0; i < count; i++) rows.push_back(start + i * pitch);
+        for (int i = 0; i < count; i++) rows.push_back(start + i * pitch);
     }
     return true;
 }
@@ -195,6 +194,13 @@ int tableColumns(const GraphFunction &function) {
 
 Curve curveOf(const GraphFunction &function) {
     return {function.type, fieldOf(function.formula), fieldOf(function.second), function.color, function.style};
+}
+
+std::int64_t countOfSteps(double from, double to, double pitch) {
+    constexpr double limit = 1e15;
+    if (from == to) return 1;
+    const double count = std::floor((to - from) / pitch + 1e-9) + 1;
+    return count >= 1 && count <= limit ? static_cast<std::int64_t>(count) : 0;
 }
 
 void drawCurve(const GraphFrame &frame, const Curve &curve) {

@@ -18,6 +18,9 @@ struct Curve {
 Curve curveOf(const GraphFunction &function);
 inline CallField fieldOf(const FormulaCells &formula) { return {formula.data(), static_cast<int>(formula.size())}; }
 
+// How many values from one on to the other; 0 where the pitch doesn't lead there.
+std::int64_t countOfSteps(double from, double to, double pitch);
+
 // Places without a value are left out; a formula that has none anywhere reports. A stop ends it.
 void drawCurve(const GraphFrame &frame, const Curve &curve);
 

@@ -197,12 +197,13 @@ void drawArea(const Curve &curve, double from, double to) {
     }
     const CalculusResult result = integral([&function](double x, double &y) { return function.at(x, y); }, from, to);
     if (result.end == CalculusEnd::none && !function.tellIfNowhere()) maError();
-    if (result.end == CalculusEnd::found)
+    if (result.end == CalculusEnd::found) {
         graphCaption(
             "\x8D"
             "dx=" +
                 numberText(result.y, machine.format),
             pixelColor::blue);
+    }
 }
 
 WayOut runGraphIntegral(RunState &state) {

@@ -1,6 +1,4 @@
 // The statements of number tables and of dynamic graphs: one function at many values.
-#include <cmath>
-
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/pace.h"
@@ -115,15 +113,15 @@ WayOut runDrawDynamic(RunState &state) {
     ComplexValue *variable = variableRef(tokenCell(graphs.dynamicVariable));
     const double start = variableRef(tokenCell({0x7F, 0x0D}))->re, end = variableRef(tokenCell({0x7F, 0x0E}))->re;
     const double pitch = variableRef(tokenCell({0x7F, 0x0F}))->re;
-    const double count = start == end ? 1 : std::floor((end - start) / pitch + 1e-9) + 1;
-    if (function == nullptr || variable == nullptr || !(count >= 1) || !std::isfinite(count)) {
+    const std::int64_t count = countOfSteps(start, end, pitch);
+    if (function == nullptr || variable == nullptr || count == 0) {
         argError();
         return graphShown(state);
     }
     clearScreen();
     for (int pass = 0; graphs.dynamicGoesOn || pass < passes; pass++) {
-        for (double i = 0; i < count; i++) {
-            *variable = complexReal(start + i * pitch);
+        for (std::int64_t i = 0; i < count; i++) {
+            *variable = complexReal(start + static_cast<double>(i) * pitch);
             if (!showDynamic(*function, variable->re)) return graphShown(state);
         }
     }
