@@ -49,6 +49,14 @@ WayOut runOfFunction(RunState &state) {
     return handled(state);
 }
 
+// Without a number of all functions.
+template <bool GraphFunction::*member, bool isSelected>
+WayOut runSelect(RunState &state) {
+    if (state.cellCount > 1) return runOfFunction<member, isSelected>(state);
+    for (GraphFunction &function : graphs.functions) function.*member = isSelected;
+    return handled(state);
+}
+
 // One function alone is dynamic.
 WayOut runSelectDynamic(RunState &state) {
     GraphFunction *function = functionTold(state);
@@ -311,12 +319,12 @@ constexpr StatementRow rows[] = {
     one({0xF7, 0xA1}, runLineAtCurve<true>),                          // Normal
     one({0xF7, 0xA2}, runInverse),                                    // Inverse
     range({0xF7, 0xBE}, {0xF7, 0xBF}, handled),                       // Y=DrawSpeed: as the run
-    one({0xF7, 0xC8}, runOfFunction<&Function::inGraph, true>),       // G SelOn
-    one({0xF7, 0xC9}, runOfFunction<&Function::inTable, true>),       // T SelOn
+    one({0xF7, 0xC8}, runSelect<&Function::inGraph, true>),           // G SelOn
+    one({0xF7, 0xC9}, runSelect<&Function::inTable, true>),           // T SelOn
     one({0xF7, 0xCA}, runSelectDynamic),                              // D SelOn
-    one({0xF7, 0xD8}, runOfFunction<&Function::inGraph, false>),      // G SelOff
-    one({0xF7, 0xD9}, runOfFunction<&Function::inTable, false>),      // T SelOff
-    one({0xF7, 0xDA}, runOfFunction<&Function::isDynamic, false>),    // D SelOff
+    one({0xF7, 0xD8}, runSelect<&Function::inGraph, false>),          // G SelOff
+    one({0xF7, 0xD9}, runSelect<&Function::inTable, false>),          // T SelOff
+    one({0xF7, 0xDA}, runSelect<&Function::isDynamic, false>),        // D SelOff
 };
 
 }  // namespace
