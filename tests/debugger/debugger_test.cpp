@@ -12,7 +12,6 @@
 #include "debugger/values.h"
 #include "debugger/watches.h"
 #include "emulator/expressions.h"
-#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/run_files.h"
 #include "support/ui_recorder.h"
@@ -39,7 +38,6 @@ void (*onStop)() = nullptr;
 Ending runWith(const RunFile &file, const DebugOptions *options) {
     const RecordedUi recorded;
     freshMachine(file);
-    randomRestart();
     debugStateChanged = [] {
         if (debugState() == DebugState::stopped) onStop();
     };
@@ -53,8 +51,6 @@ Ending runWith(const RunFile &file, const DebugOptions *options) {
     debugStateChanged = nullptr;
     return ending;
 }
-
-RunFile fileOf(const std::string &name) { return readRunFile(std::string(NUMALINK_RUNS_FOLDER "/") + name + ".run"); }
 
 // A program of its own, and a subprogram behind a bar, as the file that it might be.
 RunFile fileWith(const std::string &words) {
@@ -200,11 +196,11 @@ constexpr std::size_t shareOfRuns = 5;
 
 template <class Check>
 void withSomeFiles(const Check &check) {
-    const std::vector<std::string> names = runFiles();
+    const std::vector<std::string> names = runFiles(NUMALINK_RUNS_FOLDER);
     const auto seed = static_cast<std::size_t>(testing::UnitTest::GetInstance()->random_seed());
     for (std::size_t i = seed % shareOfRuns; i < names.size(); i += shareOfRuns) {
         SCOPED_TRACE(names[i]);
-        check(fileOf(names[i]));
+        check(readRunFile(names[i]));
     }
 }
 

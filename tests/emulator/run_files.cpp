@@ -9,6 +9,7 @@
 #include "calculator/charset.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions.h"
+#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
@@ -25,19 +26,6 @@ namespace {
 
 bool isAmong(const std::string &word, std::initializer_list<const char *> words) {
     return std::ranges::any_of(words, [&](const char *each) { return word == each; });
-}
-
-void takeLine(RunFile &file, const std::string &line) {
-    const std::string word = firstWord(line), rest = behindFirstWord(line);
-    if (isAmong(word, {"set", "program", "list", "mat", "dots"})) {
-        file.sections.emplace_back(line, Lines{});
-    } else if (isAmong(word, {"keys", "getkey", "statements", "ended", "text", "graph", "matrix", "shown", "display",
-                              "vars", "errors", "boxes", "row", "mode", "switches"})) {
-        file.sections.emplace_back(word, rest.empty() ? Lines{} : Lines{rest});
-    } else {
-        const bool isProgram = file.sections.back().first.starts_with("program");
-        file.sections.back().second.push_back(isProgram && line.starts_with('|') ? line.substr(1) : line);
-    }
 }
 
 std::vector<int> codesOf(const std::string &line) {
@@ -65,6 +53,19 @@ std::string joined(const Lines &lines, const char *between) {
     return all;
 }
 
+void takeLine(RunFile &file, const std::string &line) {
+    const std::string word = firstWord(line), rest = behindFirstWord(line);
+    if (isAmong(word, {"set", "program", "list", "mat", "dots"})) {
+        file.sections.emplace_back(line, Lines{});
+    } else if (isAmong(word, {"keys", "getkey", "statements", "ended", "text", "graph", "matrix", "shown", "display",
+                              "vars", "errors", "boxes", "row", "mode", "switches"})) {
+        file.sections.emplace_back(word, rest.empty() ? Lines{} : Lines{rest});
+    } else {
+        const bool isProgram = file.sections.back().first.starts_with("program");
+        file.sections.back().second.push_back(isProgram && line.starts_with('|') ? line.substr(1) : line);
+    }
+}
+
 RunFile readRunFile(const std::string &path) {
     RunFile file;
     std::ifstream stream(path);
@@ -73,13 +74,13 @@ RunFile readRunFile(const std::string &path) {
     return file;
 }
 
-std::vector<std::string> runFiles() {
-    std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(NUMALINK_RUNS_FOLDER)) {
-        if (entry.path().extension() == ".run") names.push_back(entry.path().stem().string());
+std::vector<std::string> runFiles(const char *folder) {
+    std::vector<std::string> paths;
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".run") paths.push_back(entry.path().string());
     }
-    std::ranges::sort(names);
-    return names;
+    std::ranges::sort(paths);
+    return paths;
 }
 
 RunScript scriptOf(const RunFile &file) {
@@ -108,6 +109,7 @@ void freshMachine(const RunFile &file) {
     settingsSetValue(group + "FullSpeed", "1");
     for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
     poolReset();
+    randomRestart();
     machine = EmulatorMachine{};
     clearText();
     clearGraph();

@@ -43,7 +43,8 @@ struct RunFile {
 };
 
 RunFile readRunFile(const std::string &path);
-std::vector<std::string> runFiles();  // their names without the ending
+void takeLine(RunFile &file, const std::string &line);
+std::vector<std::string> runFiles(const char *folder);  // their paths, sorted
 
 // A machine as in a fresh process, with the settings of the file.
 void freshMachine(const RunFile &file);
