@@ -20,6 +20,7 @@ struct CommandRow {
 constexpr CommandRow commandRows[] = {
     {"check", "Tell what of a library is sound, and repair it", declareCheck},
     {"convert", "Convert an item file or a bitmap into another item file", declareConvert},
+    {"debug", "Step through a program by the Debug Adapter Protocol on standard input and output", declareDebug},
     {"export", "Export items of a library into a file", declareExport},
     {"import", "Import item files into a library", declareImport},
     {"link", "Converse with a calculator over a serial line", declareLink},

@@ -16,6 +16,7 @@ using CommandRun = std::function<int()>;
 // Each declares its options on command and gives what runs once they are parsed.
 CommandRun declareCheck(CLI::App &command);
 CommandRun declareConvert(CLI::App &command);
+CommandRun declareDebug(CLI::App &command);
 CommandRun declareExport(CLI::App &command);
 CommandRun declareImport(CLI::App &command);
 CommandRun declareLink(CLI::App &command);

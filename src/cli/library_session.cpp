@@ -15,6 +15,7 @@ namespace numalink {
 
 namespace {
 
+constexpr char emulatorSettings[] = "Numalink.Settings.Emulator.";
 constexpr char fallbackLanguage[] = "English";
 
 // The item of this name in the folder at path, or noItem.
@@ -41,6 +42,14 @@ bool loadTables() {
                      libraryFolder().c_str());
     languageLoad(settingsValue(setting::language), fallbackLanguage);
     return tokenTableLoad();
+}
+
+bool useSetting(const std::string &assignment) {
+    const std::size_t equals = assignment.find('=');
+    if (equals == std::string::npos) return false;
+    std::string key = assignment.substr(0, equals);
+    if (key.find('.') == std::string::npos) key.insert(0, emulatorSettings);
+    return settingsSetValue(key, assignment.substr(equals + 1));
 }
 
 ItemId findItem(const std::string &item) {

@@ -23,6 +23,9 @@ struct LibrarySession {
 // Settings that can't be read are told on standard error: the defaults stand in for them.
 bool loadTables();
 
+// KEY=VALUE for this command alone; a key without a dot is one of the emulator's. False for what is none.
+bool useSetting(const std::string &assignment);
+
 // An id, or a path such as "/Programs/SNAKE" in UTF-8. noItem when there is none.
 ItemId findItem(const std::string &item);
 

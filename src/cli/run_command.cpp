@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "cli/commands.h"
+#include "cli/followed_run.h"
 #include "cli/hex_text.h"
 #include "cli/library_session.h"
 #include "cli/run_report.h"
@@ -20,7 +21,6 @@ namespace numalink {
 
 namespace {
 
-constexpr char emulatorSettings[] = "Numalink.Settings.Emulator.";
 constexpr char evalName[] = "EVAL";
 
 struct RunCommandOptions {
@@ -29,6 +29,7 @@ struct RunCommandOptions {
     std::string hex;
     RunScript script;
     std::vector<std::string> settings;  // KEY=VALUE
+    FollowedRun followed;
     bool paced = false;
     bool plain = false;
     bool json = false;
@@ -44,15 +45,6 @@ void keepBoxes() {
         boxesShown.push_back(box);
         return terminalBox(box);
     };
-}
-
-// A key without a dot is one of the emulator's.
-bool useSetting(const std::string &assignment) {
-    const std::size_t equals = assignment.find('=');
-    if (equals == std::string::npos) return false;
-    std::string key = assignment.substr(0, equals);
-    if (key.find('.') == std::string::npos) key.insert(0, emulatorSettings);
-    return settingsSetValue(key, assignment.substr(equals + 1));
 }
 
 bool prepare(const RunCommandOptions &options) {
@@ -71,13 +63,21 @@ bool prepare(const RunCommandOptions &options) {
 
 int runAndPrint(const RunCommandOptions &options, const std::function<bool()> &load) {
     if (!prepare(options)) return commandFailed("--set takes KEY=VALUE");
-    const RunReport report = runScripted(options.script, load);
+    std::string fault;
+    const RunReport report = runScripted(options.script, [&] {
+        if (!load()) return false;
+        fault = followBegin(options.followed);
+        return fault.empty();
+    });
+    if (!fault.empty()) return commandFailed(fault);
+    const bool written = followEnd(options.followed);
     if (options.json) {
         std::printf("%s\n", runAsJson(report, boxesShown).dump().c_str());
     } else {
         std::fputs(runAsText(report).c_str(), stdout);
     }
-    return report.ended == RunEnd::nothingToRun ? commandFailed("nothing to run") : exitDone;
+    if (report.ended == RunEnd::nothingToRun) return commandFailed("nothing to run");
+    return written ? exitDone : exitFailed;
 }
 
 int runItem(const RunCommandOptions &options) {
@@ -118,6 +118,7 @@ void declareScript(CLI::App &command, RunCommandOptions &options) {
     command.add_flag("--plain", options.plain, "Without the plans of statements: every pass of the evaluator walks");
     command.add_flag("--paced", options.paced, "At the calculator's pace");
     command.add_flag("--json", options.json, "All that the run leaves behind as one object");
+    declareFollowed(command, options.followed);
 }
 
 }  // namespace

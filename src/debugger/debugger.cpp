@@ -313,11 +313,22 @@ void screenModeChanged(int mode) {
     if (!runRepeats && !runIsLeft() && debugTrace != nullptr) debugTrace->screenMode(mode);
 }
 
-// In a wait the run stops at a pause, and once at the end of the program.
-StopReason whyStopInWait(bool isEnd) {
-    if (pauseWanted) return StopReason::pause;
-    const bool stopsAtEnd = run.step != DebugStep::onward || run.options.stopAtEnd;
-    return isEnd && stopsAtEnd && !run.endSeen ? StopReason::end : StopReason::none;
+// In a wait the run stops at a pause, and once at the end of the program: also for what its last statement has changed.
+DebugStop whyStopInWait(bool isEnd) {
+    DebugStop stop = stopWithin(StopReason::none);
+    stop.isWaiting = true;
+    stop.isAtEnd = isEnd;
+    if (pauseWanted) stop.reason = StopReason::pause;
+    if (!isEnd || std::exchange(run.endSeen, true)) return stop;
+    const StopFound found = run.options.breakpoints ? stopsFindOfData(run.stops) : StopFound();
+    if (found.reason != StopReason::none) {
+        stop.reason = found.reason;
+        stop.breakpoint = found.breakpoint;
+        stop.detail = found.detail;
+    } else if (run.step != DebugStep::onward || run.options.stopAtEnd) {
+        stop.reason = StopReason::end;
+    }
+    return stop;
 }
 
 int waitKey(RunEnd where) {
@@ -325,13 +336,8 @@ int waitKey(RunEnd where) {
     if (!run.search && !historyHasInput()) {
         adopt();
         if (paceCounted) profileSettle();
-        const bool isEnd = where == RunEnd::end;
-        const StopReason reason = whyStopInWait(isEnd);
-        run.endSeen = run.endSeen || isEnd;
-        if (reason != StopReason::none) {
-            DebugStop stop = stopWithin(reason);
-            stop.isWaiting = true;
-            stop.isAtEnd = isEnd;
+        const DebugStop stop = whyStopInWait(where == RunEnd::end);
+        if (stop.reason != StopReason::none) {
             if (!stopAt(stop)) return noKeyAnyMore;
             setLook();
         }
@@ -385,6 +391,7 @@ void debugBegin(const DebugOptions &options) {
         breakpointsFollowLoaded();
         breakpointsCountAnew();
         run.entryDue = options.stopAtEntry;
+        profileAdopt();
     }
     {
         const HoldLock held(controlLock);

@@ -68,6 +68,21 @@ bool holds(const std::optional<WatchExpression> &condition, std::string &detail)
     return true;
 }
 
+// A breakpoint is hit; whether it stops.
+bool countHit(int id, std::uint64_t count) { return breakpointHit(id) >= std::max<std::uint64_t>(count, 1); }
+
+template <class Counts>
+void findDataStop(Stops &stops, StopFound &found, const Counts &counts) {
+    for (DataStop &stop : stops.ofData) {
+        const auto value = debugTargetValue(stop.target);
+        if (isSame(value, stop.last)) continue;
+        std::string detail = stop.target.name + ": " + shownOrNone(stop.last) + " -> " + shownOrNone(value);
+        stop.last = value;
+        if (holds(stop.condition, detail) && counts(stop.id, stop.count))
+            found = {StopReason::changed, stop.id, detail};
+    }
+}
+
 // Of the breakpoints of both sorts what stops here, without counting.
 template <class Counts>
 StopFound findStop(Stops &stops, int program, int cell, const Counts &counts) {
@@ -79,14 +94,7 @@ StopFound findStop(Stops &stops, int program, int cell, const Counts &counts) {
         if (!stop.cells.holds(program, cell) || !holds(stop.condition, detail)) continue;
         if (counts(stop.id, stop.count) || !detail.empty()) found = {StopReason::breakpoint, stop.id, detail};
     }
-    for (DataStop &stop : stops.ofData) {
-        const auto value = debugTargetValue(stop.target);
-        if (isSame(value, stop.last)) continue;
-        std::string detail = stop.target.name + ": " + shownOrNone(stop.last) + " -> " + shownOrNone(value);
-        stop.last = value;
-        if (holds(stop.condition, detail) && counts(stop.id, stop.count))
-            found = {StopReason::changed, stop.id, detail};
-    }
+    findDataStop(stops, found, counts);
     if (found.reason == StopReason::none && (marked & goalMark) != 0 && stops.goal.holds(program, cell))
         found.reason = StopReason::step;
     return found;
@@ -132,9 +140,12 @@ void stopsLookAtData(Stops &stops) {
     for (DataStop &stop : stops.ofData) stop.last = debugTargetValue(stop.target);
 }
 
-StopFound stopsFind(Stops &stops, int program, int cell) {
-    return findStop(stops, program, cell,
-                    [](int id, std::uint64_t count) { return breakpointHit(id) >= std::max<std::uint64_t>(count, 1); });
+StopFound stopsFind(Stops &stops, int program, int cell) { return findStop(stops, program, cell, countHit); }
+
+StopFound stopsFindOfData(Stops &stops) {
+    StopFound found;
+    findDataStop(stops, found, countHit);
+    return found;
 }
 
 void searchBegin(Search &search) {

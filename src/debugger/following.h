@@ -58,6 +58,7 @@ struct StopFound {
 };
 // Whether one stops ahead of this statement; hits are counted.
 StopFound stopsFind(Stops &stops, int program, int cell);
+StopFound stopsFindOfData(Stops &stops);  // what has changed alone
 
 // The way back to a statement, or to the last one that is asked for.
 struct Search {

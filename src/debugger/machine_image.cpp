@@ -120,7 +120,8 @@ void digestValues(Digest &digest) {
     digest.addAll(machine.errorFlag, machine.currentFile, machine.backgroundPicture, machine.plotPrevious,
                   machine.plotCurrent, machine.textRow, machine.screenMode, machine.shortCopy, machine.rowColor,
                   machine.graphSwitches, machine.gridSwitch, machine.angleUnit, machine.format.form,
-                  machine.format.digits, machine.numberBase, machine.statementsRun);
+                  machine.format.digits, machine.format.lowestFixedExponent, machine.format.engineering,
+                  machine.numberBase, machine.statementsRun);
     for (int slot = 0; slot <= matrixAnsSlot; slot++)
         digest.addArray(machine.matrixSlots[static_cast<std::size_t>(slot)]);
     for (const auto &file : machine.listSlots) {
@@ -167,7 +168,7 @@ void bringBack(const MachineImage &image) {
     takeBack(from, display);
     for (int number = 1; number <= memoryCount; number++) takeBack(from, *pictureMemory(number));
     std::vector<double> elements(static_cast<std::size_t>(part.pool.cellsUsed));
-    std::memcpy(elements.data(), from, elements.size() * sizeof(double));
+    if (!elements.empty()) std::memcpy(elements.data(), from, elements.size() * sizeof(double));
     poolRestore(part.pool, elements.data());
     bringBackText(part, text);
     machine = part.machine;

@@ -82,7 +82,10 @@ void addProgram(ProfileReport &report, CellCounts &of, int program) {
 
 }  // namespace
 
-void profileStart() { isWanted = true; }
+void profileStart() {
+    isWanted = true;
+    if (!emulatorRunning) profileAdopt();  // what is paid ahead of the first statement counts
+}
 void profileStop() { isWanted = false; }
 bool profileIsOn() { return isWanted; }
 

@@ -11,130 +11,21 @@
 #include <vector>
 
 #include "calculator/charset.h"
-#include "drawing/dot_fonts.h"
 #include "emulator/expressions.h"
-#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
-#include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
-#include "emulator/run/scripted_run.h"
+#include "emulator/run_files.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/pictures.h"
 #include "emulator/screens/text_screen.h"
-#include "platform/clock.h"
-#include "platform/thread_role.h"
-#include "settings/settings_store.h"
 #include "support/ui_recorder.h"
-#include "text/token_table.h"
 
 namespace numalink {
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-std::string firstWord(const std::string &line) { return line.substr(0, line.find(' ')); }
-std::string behindFirstWord(const std::string &line) {
-    const std::size_t blank = line.find(' ');
-    return blank == std::string::npos ? "" : line.substr(blank + 1);
-}
-
-Lines wordsOf(const std::string &line) {
-    std::istringstream stream(line);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
-std::string joined(const Lines &lines, const char *between) {
-    std::string all;
-    for (const std::string &line : lines) all += (&line == &lines.front() ? "" : between) + line;
-    return all;
-}
-
 std::string orNone(const std::string &text) { return text.empty() ? "none" : text; }
-
-// By keyword the lines that follow it, after what stands behind it; what may come several times has its operand with
-// the keyword: "set FullSpeed 0", "program MAIN", "list 1/2 = 1 2 3", "dots text".
-struct RunFile {
-    std::vector<std::pair<std::string, Lines>> sections;
-
-    const Lines *find(const std::string &keyword) const {
-        for (const auto &[key, lines] : sections)
-            if (key == keyword) return &lines;
-        return nullptr;
-    }
-    std::string line(const std::string &keyword, const std::string &otherwise) const {
-        const Lines *lines = find(keyword);
-        if (lines == nullptr) return otherwise;
-        return lines->empty() ? "" : lines->front();
-    }
-    // The operands of a keyword that may come several times, and their lines.
-    std::vector<std::pair<std::string, Lines>> all(const std::string &keyword) const {
-        std::vector<std::pair<std::string, Lines>> found;
-        for (const auto &[key, lines] : sections)
-            if (firstWord(key) == keyword) found.emplace_back(behindFirstWord(key), lines);
-        return found;
-    }
-};
-
-bool isAmong(const std::string &word, std::initializer_list<const char *> words) {
-    return std::ranges::any_of(words, [&](const char *each) { return word == each; });
-}
-
-void takeLine(RunFile &file, const std::string &line) {
-    const std::string word = firstWord(line), rest = behindFirstWord(line);
-    if (isAmong(word, {"set", "program", "list", "mat", "dots"})) {
-        file.sections.emplace_back(line, Lines{});
-    } else if (isAmong(word, {"keys", "getkey", "statements", "ended", "text", "graph", "matrix", "shown", "display",
-                              "vars", "errors", "boxes", "row", "mode", "switches"})) {
-        file.sections.emplace_back(word, rest.empty() ? Lines{} : Lines{rest});
-    } else {
-        const bool isProgram = file.sections.back().first.starts_with("program");
-        file.sections.back().second.push_back(isProgram && line.starts_with('|') ? line.substr(1) : line);
-    }
-}
-
-RunFile readRunFile(const std::string &path) {
-    RunFile file;
-    std::ifstream stream(path);
-    for (std::string line; std::getline(stream, line);)
-        if (!line.empty() && line[0] != '#') takeLine(file, line);
-    return file;
-}
-
-std::vector<int> codesOf(const std::string &line) {
-    std::vector<int> codes;
-    for (const std::string &word : wordsOf(line)) codes.push_back(word == "EXE" ? executeKey : std::stoi(word));
-    return codes;
-}
-
-RunReport runOf(const RunFile &file) {
-    RunScript script;
-    script.statementLimit = std::stoull(file.line("statements", "20000"));  // a program that runs away fails
-    script.keys = codesOf(file.line("keys", ""));
-    script.getKeys = codesOf(file.line("getkey", ""));
-    return runScripted(script, [&] {
-        programsClear();
-        for (const auto &[name, lines] : file.all("program"))
-            programAdd(calculatorFromUtf8(name), imageOfWords(joined(lines, "\r\n")));
-        return true;
-    });
-}
-
-// As in a fresh process.
-void freshMachine(const RunFile &file) {
-    const std::string group = "Numalink.Settings.Emulator.";
-    for (const auto *key : {"HaltOnError", "DisplayDebug", "FillListsMatrices", "CalculatorModes"})
-        settingsSetValue(group + key, "0");
-    settingsSetValue(group + "FullSpeed", "1");
-    for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
-    poolReset();
-    randomRestart();
-    machine = EmulatorMachine{};
-    clearText();
-    clearGraph();
-    for (int i = 1; i <= memoryCount; i++) *pictureMemory(i) = Surface(displayWidth, displayHeight);
-}
 
 constexpr std::pair<char, Color> dotColors[] = {
     {'.', lcdColor::background}, {'b', lcdColor::blue}, {'g', lcdColor::green}, {'o', lcdColor::orange}};
@@ -308,32 +199,9 @@ std::string checkRunFile(const std::string &path) {
     return check.differences;
 }
 
-// Waits for keys that a script puts in at once needn't be slept through.
-struct RunClock {
-    RunClock() {
-        clockPort.sleepMilliseconds = [](std::uint64_t) {};
-    }
-    ~RunClock() { clockPort = systemClock; }
-};
-
-std::vector<std::string> runFiles(const char *folder) {
-    std::vector<std::string> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() == ".run") paths.push_back(entry.path().string());
-    }
-    std::ranges::sort(paths);
-    return paths;
-}
-
 class RunMachine : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        threadRole = ThreadRole::graphical;
-        ASSERT_TRUE(tokenTableLoad());
-        ASSERT_TRUE(loadLargeFont());
-        ASSERT_TRUE(loadSmallFont());
-        settingsLoad();
-    }
+    static void SetUpTestSuite() { prepareRuns(); }
     RunClock clock;
 };
 

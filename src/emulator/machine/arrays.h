@@ -1,6 +1,8 @@
 // Matrices and lists: one pool of doubles, one table of rows that describe it. Run thread.
 #pragma once
 
+#include <bitset>
+
 #include "emulator/machine/machine.h"
 
 namespace numalink {
@@ -57,6 +59,20 @@ PoolRecords poolRecords();
 const double *poolElements();
 // Without elements those in the pool stay: the records are then from a moment since which nothing was freed.
 void poolRestore(const PoolRecords &records, const double *elements = nullptr);
+
+// Frees the temporaries made while it lives, and gives back what was borrowed: for an expression that is evaluated many
+// times within one statement.
+class TemporariesOfOnePass {
+public:
+    TemporariesOfOnePass();
+    ~TemporariesOfOnePass();
+    TemporariesOfOnePass(const TemporariesOfOnePass &) = delete;
+    TemporariesOfOnePass &operator=(const TemporariesOfOnePass &) = delete;
+
+private:
+    std::bitset<matrixRowLimit> were;  // the rows that are others' temporaries
+    int countBefore, borrowedCellsBefore, borrowedRowsBefore;
+};
 
 int poolCellsUsed();
 int matrixRowsOwned(std::int32_t owner);  // rows of the table with that owner

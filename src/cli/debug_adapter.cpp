@@ -1,0 +1,543 @@
+// The main thread runs the program, a reader takes the requests and gives the debugger its commands, and the run thread
+// tells where it stops.
+#include "cli/debug_adapter.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <istream>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <thread>
+
+#include "cli/commands.h"
+#include "cli/debug_sources.h"
+#include "cli/library_session.h"
+#include "cli/run_report.h"
+#include "debugger/breakpoints.h"
+#include "debugger/debugger.h"
+#include "debugger/values.h"
+#include "debugger/watches.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/run_loading.h"
+#include "emulator/run/scripted_run.h"
+#include "platform/lock.h"
+
+namespace numalink {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t messageLimit = 16u << 20;  // bytes
+constexpr int onlyThread = 1;
+enum Scope : int { variablesScope = 1, windowScope, arraysScope, modesScope, firstArray };
+
+Lock answerLock;
+std::ostream *answerStream GUARDED_BY(answerLock) = nullptr;
+int answersSent GUARDED_BY(answerLock) = 0;
+
+// Between reader and main thread.
+Lock stageLock;
+std::condition_variable stageChanged GUARDED_BY(stageLock);
+enum class Stage { waits, launched, over } stage GUARDED_BY(stageLock) = Stage::waits;
+RunScript script GUARDED_BY(stageLock);
+DebugOptions options GUARDED_BY(stageLock);
+
+std::atomic<bool> isConfigured = false;  // stops are told from then on
+bool stopsOnEntry = false;               // reader
+
+void send(Json message) {
+    const HoldLock held(answerLock);
+    message["seq"] = ++answersSent;
+    const std::string text = message.dump(-1, ' ', false, Json::error_handler_t::replace);
+    *answerStream << "Content-Length: " << text.size() << "\r\n\r\n" << text << std::flush;
+}
+
+void sendEvent(const char *event, Json body = Json::object()) {
+    send({{"type", "event"}, {"event", event}, {"body", std::move(body)}});
+}
+
+// A request, and its answer.
+struct Request {
+    Json message;
+
+    const Json &arguments() const {
+        static const Json none = Json::object();
+        const auto found = message.find("arguments");
+        return found != message.end() && found->is_object() ? *found : none;
+    }
+    std::string command() const { return message.value("command", std::string()); }
+    void answer(Json body = Json::object()) const { respond(true, std::move(body), {}); }
+    void refuse(const std::string &why) const { respond(false, Json::object(), why); }
+
+private:
+    void respond(bool success, Json body, const std::string &why) const {
+        Json response = {{"type", "response"},
+                         {"request_seq", message.value("seq", 0)},
+                         {"command", command()},
+                         {"success", success},
+                         {"body", std::move(body)}};
+        if (!success) response["message"] = why;
+        send(std::move(response));
+    }
+};
+
+template <class Value>
+Value argument(const Json &arguments, const char *name, Value otherwise) {
+    try {
+        return arguments.value(name, otherwise);
+    } catch (const Json::exception &) {
+        return otherwise;
+    }
+}
+
+std::vector<int> keysOf(const Json &arguments, const char *name) {
+    std::vector<int> keys;
+    for (const Json &key : arguments.value(name, Json::array())) {
+        if (key.is_number_integer()) keys.push_back(key.get<int>());
+    }
+    return keys;
+}
+
+Json sourceOf(int program) {
+    return {{"name", programNameShown(program)}, {"path", programNameShown(program)}, {"sourceReference", program + 1}};
+}
+
+// By its number, or by its name or the end of its path.
+int programOf(const Json &source) {
+    const int reference = argument(source, "sourceReference", 0);
+    if (reference > 0 && reference <= programCount()) return reference - 1;
+    std::string name = argument(source, "name", argument(source, "path", std::string()));
+    name.erase(0, name.rfind('/') + 1);
+    return programNamed(name);
+}
+
+const char *reasonName(StopReason reason) {
+    switch (reason) {
+        case StopReason::entry:
+            return "entry";
+        case StopReason::breakpoint:
+            return "breakpoint";
+        case StopReason::changed:
+            return "data breakpoint";
+        case StopReason::error:
+            return "exception";
+        case StopReason::pause:
+            return "pause";
+        case StopReason::end:
+            return "end";
+        case StopReason::none:
+        case StopReason::step:
+        case StopReason::backAtStart:
+            break;
+    }
+    return "step";
+}
+
+void tellStop() {
+    const DebugStop stop = debugStop();
+    Json body = {{"reason", reasonName(stop.reason)}, {"threadId", onlyThread}, {"allThreadsStopped", true}};
+    if (stop.reason == StopReason::backAtStart) body["description"] = "the beginning of the record";
+    if (stop.statement < stop.newest) body["description"] = "in the past";
+    if (!stop.detail.empty()) body["text"] = stop.detail;
+    if (stop.breakpoint != 0) body["hitBreakpointIds"] = {stop.breakpoint};
+    sendEvent("stopped", std::move(body));
+}
+
+void stateChanged() {
+    {
+        const HoldLock held(stageLock);
+        stageChanged.notify_all();
+    }
+    if (isConfigured && debugState() == DebugState::stopped) tellStop();
+}
+
+void answerInitialize(const Request &request) {
+    Json filters = Json::array();
+    filters.push_back({{"filter", "first"}, {"label", "The first error"}, {"default", true}});
+    filters.push_back({{"filter", "every"}, {"label", "Every error"}});
+    Json can = {{"exceptionBreakpointFilters", filters}};
+    for (const char *ability : {"supportsConfigurationDoneRequest", "supportsConditionalBreakpoints",
+                                "supportsHitConditionalBreakpoints", "supportsStepBack", "supportsSetVariable",
+                                "supportsDataBreakpoints", "supportsEvaluateForHovers", "supportsTerminateRequest"})
+        can[ability] = true;
+    request.answer(can);
+}
+
+// The program is loaded and stands ahead of its first statement when this is answered.
+void answerLaunch(const Request &request) {
+    const Json &arguments = request.arguments();
+    stopsOnEntry = argument(arguments, "stopOnEntry", false);
+    bool isOver = false;
+    {
+        HoldLock held(stageLock);
+        if (stage != Stage::waits) return request.refuse("it runs already");
+        script.keys = keysOf(arguments, "keys");
+        script.getKeys = keysOf(arguments, "getKeys");
+        script.statementLimit = argument(arguments, "statements", std::uint64_t{0});
+        options.stopAtEntry = true;
+        options.stopAtEnd = argument(arguments, "stopOnEnd", false);
+        options.records = argument(arguments, "record", true);
+        stage = Stage::launched;
+        stageChanged.notify_all();
+        while (stage != Stage::over && debugState() != DebugState::stopped) held.wait(stageChanged);
+        isOver = stage == Stage::over;
+    }
+    if (isOver) return request.refuse("nothing to run");
+    request.answer();
+    sendEvent("initialized");
+}
+
+void answerConfigurationDone(const Request &request) {
+    request.answer();
+    isConfigured = true;
+    if (stopsOnEntry) {
+        tellStop();
+    } else {
+        debugStep(DebugStep::onward);
+    }
+}
+
+Json breakpointAnswer(int id, const DebugPlace &place) {
+    if (id == 0) return {{"verified", false}, {"message", "no statement, or a condition that can't be read"}};
+    return {{"id", id},
+            {"verified", true},
+            {"line", place.line},
+            {"column", columnOf(place.program, place.line, place.statement)},
+            {"source", sourceOf(place.program)}};
+}
+
+Json addBreakpoint(int program, const Json &wanted) {
+    DebugPlace place;
+    place.program = program;
+    place.line = argument(wanted, "line", 0);
+    place.statement = statementAtColumn(program, place.line, argument(wanted, "column", 1));
+    if (cellOfPlace(program, place.line, place.statement) < 0) return breakpointAnswer(0, place);
+    Breakpoint breakpoint;
+    breakpoint.item = loadedProgram(program).item;
+    breakpoint.program = programNameShown(program);
+    breakpoint.line = place.line;
+    breakpoint.statement = place.statement;
+    breakpoint.condition = argument(wanted, "condition", std::string());
+    breakpoint.count = std::strtoull(argument(wanted, "hitCondition", std::string()).c_str(), nullptr, 10);
+    return breakpointAnswer(breakpointAdd(breakpoint), place);
+}
+
+void answerSetBreakpoints(const Request &request) {
+    const int program = programOf(request.arguments().value("source", Json::object()));
+    if (program < 0) return request.refuse("no such program");
+    for (const Breakpoint &old : breakpoints()) {
+        if (!old.isOfData() && old.program == programNameShown(program)) breakpointRemove(old.id);
+    }
+    Json answers = Json::array();
+    for (const Json &wanted : request.arguments().value("breakpoints", Json::array()))
+        answers.push_back(addBreakpoint(program, wanted));
+    request.answer({{"breakpoints", answers}});
+}
+
+void answerSetDataBreakpoints(const Request &request) {
+    for (const Breakpoint &old : breakpoints()) {
+        if (old.isOfData()) breakpointRemove(old.id);
+    }
+    Json answers = Json::array();
+    for (const Json &wanted : request.arguments().value("breakpoints", Json::array())) {
+        Breakpoint breakpoint;
+        breakpoint.target = argument(wanted, "dataId", std::string());
+        breakpoint.condition = argument(wanted, "condition", std::string());
+        const int id = breakpoint.target.empty() ? 0 : breakpointAdd(breakpoint);
+        answers.push_back({{"verified", id != 0}, {"id", id}});
+    }
+    request.answer({{"breakpoints", answers}});
+}
+
+std::string targetNameOf(const Json &arguments);
+
+void answerDataBreakpointInfo(const Request &request) {
+    const std::string name = targetNameOf(request.arguments());
+    const bool isKnown = debugTargetNamed(name).has_value();
+    request.answer({{"dataId", isKnown ? Json(name) : Json(nullptr)},
+                    {"description", isKnown ? name : "it can't be watched"},
+                    {"accessTypes", {"write"}}});
+}
+
+void answerSetExceptionBreakpoints(const Request &request) {
+    DebugOptions wanted = debugOptions();
+    wanted.errors = ErrorStops::none;
+    for (const Json &filter : request.arguments().value("filters", Json::array())) {
+        if (filter == "first" && wanted.errors == ErrorStops::none) wanted.errors = ErrorStops::first;
+        if (filter == "every") wanted.errors = ErrorStops::every;
+    }
+    debugSetOptions(wanted);
+    request.answer();
+}
+
+void answerThreads(const Request &request) {
+    Json threads = Json::array();
+    threads.push_back({{"id", onlyThread}, {"name", programNameShown(0)}});
+    request.answer({{"threads", threads}});
+}
+
+void answerStackTrace(const Request &request) {
+    Json frames = Json::array();
+    for (const DebugPlace &place : debugCalls()) {
+        frames.push_back({{"id", frames.size() + 1},
+                          {"name", programNameShown(place.program)},
+                          {"source", sourceOf(place.program)},
+                          {"line", place.line},
+                          {"column", columnOf(place.program, place.line, place.statement)}});
+    }
+    const std::size_t count = frames.size();
+    request.answer({{"stackFrames", std::move(frames)}, {"totalFrames", count}});
+}
+
+void answerScopes(const Request &request) {
+    Json scopes = Json::array();
+    const auto add = [&](const char *name, int reference) {
+        scopes.push_back({{"name", name}, {"variablesReference", reference}, {"expensive", false}});
+    };
+    add("Variables", variablesScope);
+    add("Arrays", arraysScope);
+    add("View window", windowScope);
+    add("Modes", modesScope);
+    request.answer({{"scopes", scopes}});
+}
+
+Json variable(const std::string &name, const std::string &value, int reference = 0) {
+    return {{"name", name}, {"value", value}, {"variablesReference", reference}};
+}
+
+std::string elementName(const NamedArray &array, int index) {
+    const std::string row = std::to_string(index / array.columns + 1);
+    return array.isList ? "[" + row + "]" : "[" + row + "," + std::to_string(index % array.columns + 1) + "]";
+}
+
+void addElements(Json &list, const NamedArray &array, int start, int count) {
+    const int size = array.columns * array.rows;
+    const int end = count <= 0 ? size : static_cast<int>(std::min<std::int64_t>(size, std::int64_t{start} + count));
+    for (int index = std::max(start, 0); index < end; index++) {
+        const double element = debugElement(array, index / array.columns + 1, index % array.columns + 1);
+        list.push_back(variable(elementName(array, index), elementTextOf(element).full));
+    }
+}
+
+void answerVariables(const Request &request) {
+    const int reference = argument(request.arguments(), "variablesReference", 0);
+    const std::vector<NamedArray> arrays = debugArrays();
+    Json list = Json::array();
+    if (reference == variablesScope || reference == windowScope) {
+        for (const NamedValue &value : reference == variablesScope ? debugVariables() : debugWindow())
+            list.push_back(variable(value.name, valueTextOf(value.value).full));
+    } else if (reference == modesScope) {
+        for (const NamedText &mode : debugModes()) list.push_back(variable(mode.name, mode.text));
+    } else if (reference == arraysScope) {
+        for (std::size_t i = 0; i < arrays.size(); i++) {
+            const std::string size = std::to_string(arrays[i].rows) + " by " + std::to_string(arrays[i].columns);
+            list.push_back(variable(arrays[i].name, size, firstArray + static_cast<int>(i)));
+            list.back()["indexedVariables"] = arrays[i].rows * arrays[i].columns;
+        }
+    } else if (reference >= firstArray && reference - firstArray < static_cast<int>(arrays.size())) {
+        addElements(list, arrays[static_cast<std::size_t>(reference - firstArray)],
+                    argument(request.arguments(), "start", 0), argument(request.arguments(), "count", 0));
+    }
+    request.answer({{"variables", list}});
+}
+
+// The name that a variable of a scope or of an array has by itself.
+std::string targetNameOf(const Json &arguments) {
+    const std::string name = argument(arguments, "name", std::string());
+    const int array = argument(arguments, "variablesReference", 0) - firstArray;
+    const std::vector<NamedArray> arrays = debugArrays();
+    return array >= 0 && array < static_cast<int>(arrays.size()) ? arrays[static_cast<std::size_t>(array)].name + name
+                                                                 : name;
+}
+
+void answerSetVariable(const Request &request) {
+    const auto target = debugTargetNamed(targetNameOf(request.arguments()));
+    if (!target) return request.refuse("that can't be changed");
+    switch (debugChange(*target, argument(request.arguments(), "value", std::string()))) {
+        case DebugChange::done:
+            return request.answer({{"value", valueTextOf(debugTargetValue(*target).value_or(ComplexValue{})).full}});
+        case DebugChange::notANumber:
+            return request.refuse("not a number");
+        case DebugChange::notReal:
+            return request.refuse("elements are real");
+        case DebugChange::noSuchPlace:
+            return request.refuse("there is no such element");
+        case DebugChange::runsOn:
+            return request.refuse("it runs");
+    }
+}
+
+void answerEvaluate(const Request &request) {
+    const WatchValue value = evaluateWatch(readWatch(argument(request.arguments(), "expression", std::string())));
+    if (value.sort == WatchValue::Sort::error) return request.refuse(value.text);
+    request.answer({{"result", watchText(value).full}, {"variablesReference", 0}});
+}
+
+void answerSource(const Request &request) {
+    const int program = programOf(request.arguments().value("source", request.arguments()));
+    if (program < 0) return request.refuse("no such program");
+    request.answer({{"content", sourceText(program)}});
+}
+
+void answerLoadedSources(const Request &request) {
+    Json sources = Json::array();
+    for (int program = 0; program < programCount(); program++) sources.push_back(sourceOf(program));
+    request.answer({{"sources", sources}});
+}
+
+// The answer goes ahead, so that the stop comes behind it.
+template <DebugStep step>
+void answerStep(const Request &request) {
+    request.answer({{"allThreadsContinued", true}});
+    debugStep(step);
+}
+template <DebugBack back>
+void answerBack(const Request &request) {
+    request.answer();
+    if (!debugBack(back)) tellStop();
+}
+
+void answerPause(const Request &request) {
+    request.answer();
+    debugPause();
+}
+
+struct RequestRow {
+    const char *command;
+    void (*serve)(const Request &request);
+    bool needsLoaded = true, needsStop = false;
+};
+constexpr RequestRow requestRows[] = {
+    {"initialize", answerInitialize, false},
+    {"launch", answerLaunch, false},
+    {"configurationDone", answerConfigurationDone},
+    {"setBreakpoints", answerSetBreakpoints},
+    {"setDataBreakpoints", answerSetDataBreakpoints},
+    {"dataBreakpointInfo", answerDataBreakpointInfo, true, true},
+    {"setExceptionBreakpoints", answerSetExceptionBreakpoints},
+    {"threads", answerThreads},
+    {"stackTrace", answerStackTrace, true, true},
+    {"scopes", answerScopes, true, true},
+    {"variables", answerVariables, true, true},
+    {"setVariable", answerSetVariable, true, true},
+    {"evaluate", answerEvaluate, true, true},
+    {"source", answerSource},
+    {"loadedSources", answerLoadedSources},
+    {"continue", answerStep<DebugStep::onward>, true, true},
+    {"next", answerStep<DebugStep::over>, true, true},
+    {"stepIn", answerStep<DebugStep::statement>, true, true},
+    {"stepOut", answerStep<DebugStep::out>, true, true},
+    {"stepBack", answerBack<DebugBack::over>, true, true},
+    {"reverseContinue", answerBack<DebugBack::breakpoint>, true, true},
+    {"pause", answerPause},
+};
+
+bool isLoaded() {
+    const HoldLock held(stageLock);
+    return stage == Stage::launched;
+}
+
+void serve(const Request &request) {
+    const auto row =
+        std::ranges::find_if(requestRows, [&](const RequestRow &each) { return request.command() == each.command; });
+    if (row == std::end(requestRows)) return request.refuse("not known here");
+    if (row->needsLoaded && !isLoaded()) return request.refuse("nothing runs");
+    if (row->needsStop && debugState() != DebugState::stopped) return request.refuse("it runs");
+    row->serve(request);
+}
+
+// False at the end of the requests, or where what comes is none.
+bool readMessage(std::istream &requests, std::string &text) {
+    std::size_t length = 0;
+    for (std::string line; std::getline(requests, line);) {
+        if (line.ends_with('\r')) line.pop_back();
+        if (line.empty() && length > 0) break;
+        constexpr std::string_view field = "Content-Length:";
+        if (line.starts_with(field)) length = std::strtoull(line.c_str() + field.size(), nullptr, 10);
+    }
+    if (length == 0 || length > messageLimit) return false;
+    text.resize(length);
+    return static_cast<bool>(requests.read(text.data(), static_cast<std::streamsize>(length)));
+}
+
+// The reader's thread.
+void readRequests(std::istream &requests) {
+    for (std::string text; readMessage(requests, text);) {
+        Request request{Json::parse(text, nullptr, false)};
+        if (!request.message.is_object()) continue;
+        const bool ends = request.command() == "disconnect" || request.command() == "terminate";
+        try {
+            ends ? request.answer() : serve(request);
+        } catch (const Json::exception &fault) {
+            request.refuse(fault.what());
+        }
+        if (ends) break;
+    }
+    emulatorRunning = false;  // the main thread joins the run
+    runWake();
+    const HoldLock held(stageLock);
+    if (stage == Stage::waits) stage = Stage::over;
+    stageChanged.notify_all();
+}
+
+// False when the requests ended without a launch.
+bool waitForLaunch() {
+    HoldLock held(stageLock);
+    while (stage == Stage::waits) held.wait(stageChanged);
+    return stage == Stage::launched;
+}
+
+void runLaunched(ItemId id) {
+    RunScript taken;
+    DebugOptions wanted;
+    {
+        const HoldLock held(stageLock);
+        taken = script;
+        wanted = options;
+    }
+    const RunReport report = runScripted(taken, [&] {
+        if (!loadRun(id, itemsBeside(id))) return false;
+        debugBegin(wanted);
+        return true;
+    });
+    {
+        const HoldLock held(stageLock);
+        stage = Stage::over;
+        stageChanged.notify_all();
+    }
+    sendEvent("output",
+              {{"category", "console"}, {"output", std::string("ended: ") + runEndName(report.ended) + "\n"}});
+    sendEvent("exited", {{"exitCode", 0}});
+    sendEvent("terminated");
+}
+
+}  // namespace
+
+int serveDebugger(const std::string &item, std::istream &requests, std::ostream &answers) {
+    const ItemId id = findItem(item);
+    if (id == noItem) return commandFailed("no item " + item);
+    {
+        const HoldLock held(answerLock);
+        answerStream = &answers;
+        answersSent = 0;
+    }
+    {
+        const HoldLock held(stageLock);
+        stage = Stage::waits;
+        script = {};
+        options = {};
+    }
+    isConfigured = false;
+    breakpointsClear();
+    debugStateChanged = stateChanged;
+    std::thread reader([&requests] { readRequests(requests); });
+    if (waitForLaunch()) runLaunched(id);
+    reader.join();
+    debugForget();
+    debugStateChanged = nullptr;
+    return exitDone;
+}
+
+}  // namespace numalink

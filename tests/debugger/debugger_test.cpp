@@ -1,0 +1,288 @@
+// Runs that are stopped, stepped through and gone back in: whatever way a run is taken through, it is the same run.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "debugger/breakpoints.h"
+#include "debugger/debugger.h"
+#include "debugger/machine_image.h"
+#include "debugger/profile.h"
+#include "debugger/trace.h"
+#include "debugger/values.h"
+#include "debugger/watches.h"
+#include "emulator/expressions.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/run_files.h"
+#include "support/ui_recorder.h"
+
+namespace numalink {
+
+namespace {
+
+// What a run leaves, whatever way it was taken.
+struct Ending {
+    std::uint64_t digest = 0, statements = 0;
+    RunEnd ended = RunEnd::running;
+    std::size_t errors = 0;
+    friend bool operator==(const Ending &, const Ending &) = default;
+};
+std::ostream &operator<<(std::ostream &out, const Ending &ending) {
+    return out << ending.statements << " statements, ended " << static_cast<int>(ending.ended) << ", " << ending.errors
+               << " errors, digest " << ending.digest;
+}
+
+// Runs the file with the debugger as options say, if any; onStop answers each stop, on the run thread.
+void (*onStop)() = nullptr;
+
+Ending runWith(const RunFile &file, const DebugOptions *options) {
+    const RecordedUi recorded;
+    freshMachine(file);
+    debugStateChanged = [] {
+        if (debugState() == DebugState::stopped) onStop();
+    };
+    const RunReport report = runScripted(scriptOf(file), [&] {
+        if (!loadPrograms(file)) return false;
+        if (options != nullptr) debugBegin(*options);
+        return true;
+    });
+    const Ending ending{machineDigest(), report.statements, report.ended, report.errors.size()};
+    debugForget();
+    debugStateChanged = nullptr;
+    return ending;
+}
+
+// A program of its own, and a subprogram behind a bar, as the file that it might be.
+RunFile fileWith(const std::string &words) {
+    const std::size_t bar = words.find('|');
+    RunFile file;
+    file.sections = {{"program MAIN", {words.substr(0, bar)}}, {"statements", {"100000"}}};
+    if (bar != words.npos) file.sections.push_back({"program SUB", {words.substr(bar + 1)}});
+    return file;
+}
+
+std::map<std::uint64_t, std::uint64_t> digests;  // ahead of each statement, by how many are over
+
+constexpr DebugTrace digestTrace = {
+    .statement = [](int, int) { digests[machine.statementsRun] = machineDigest(); },
+    .report = [](const char *) {},
+    .screenMode = [](int) {},
+};
+
+Ending runAndDigest(const RunFile &file) {
+    digests.clear();
+    debugTrace = &digestTrace;
+    const DebugOptions options;
+    const Ending ending = runWith(file, &options);
+    debugTrace = nullptr;
+    return ending;
+}
+
+// A walk of so many moves that goes on to the end then.
+std::mt19937 randomMove;
+int movesLeft = 0, stopsSeen = 0;
+std::string walkFault;
+
+void move() {
+    const DebugStop stop = debugStop();
+    stopsSeen++;
+    const auto known = digests.find(stop.statement);
+    if (!stop.isWithin && known != digests.end() && known->second != machineDigest() && walkFault.empty())
+        walkFault = "differs ahead of statement " + std::to_string(stop.statement);
+    if (movesLeft-- <= 0) {
+        debugStep(DebugStep::onward);
+        return;
+    }
+    const std::uint64_t span = stop.newest - stop.oldest + 1;
+    bool moved = false;
+    switch (randomMove() % 8) {
+        case 0:
+        case 1:
+            moved = debugBack(DebugBack::statement);
+            break;
+        case 2:
+            moved = debugGoTo(stop.oldest + randomMove() % span);
+            break;
+        case 3:
+            moved = debugBack(DebugBack::change, std::string(1, static_cast<char>('A' + randomMove() % 3)));
+            break;
+        case 4:
+            moved = debugStep(DebugStep::over);
+            break;
+        default:
+            break;
+    }
+    if (!moved) debugStep(DebugStep::statement);
+}
+
+// Commands that are given at one stop after the other, and the stops as they come: LINE.STATEMENT@STATEMENTS-OVER, and
+// what else is told. The run goes on to its end then.
+struct Script {
+    const char *name, *program;  // MAIN, and SUB behind a bar
+    const char *breaks;          // LINE.STATEMENT, ?condition or *count behind it; =TARGET
+    const char *commands, *stops;
+};
+constexpr Script scripts[] = {
+    {"steps", "\\Prog \"SUB\":3\\->C|1\\->A:2\\->B", "", "in in in in", "1.0@0 1.0@1 1.1@2 1.1@3 1.1@3+end"},
+    {"over, out and back over", "\\Prog \"SUB\":3\\->C|1\\->A:2\\->B", "", "in out back-over over",
+     "1.0@0 1.0@1 1.1@3 1.0@0 1.1@3 1.1@3+end"},
+    {"lines", "1\\->A:2\\->B\r\nA+B\\->C:C\\->D", "", "line line", "1.0@0 2.0@2 2.1@3+end"},
+    {"breakpoints", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1", "on on back-break back-break back-break",
+     "1.0@0 1.1@1 1.1@4 1.1@1 1.0@0+start 1.0@0+start 1.1@1 1.1@4 1.1@7 1.3@10+end"},
+    {"a condition", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1?I=3", "on on", "1.0@0 1.1@7 1.3@10+end"},
+    {"a condition that reports", "1\\->A:2\\->A", "1.1?1=", "on", "1.0@0 1.1@1+Syn ERROR 1.1@1+end"},
+    {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
+    {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
+     "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
+    {"a variable that changes", "1\\->A:2\\->B:1\\->A:5\\->A", "=A", "on on on",
+     "1.0@0 1.1@1+A: 0 -> 1 1.3@3+end+A: 1 -> 5"},
+    {"a dot that changes", "\\PxlOn 5,6:\\PxlOn 7,8:\\Cls", "=dot 7,8", "on on on",
+     "1.0@0 1.2@2+dot 7,8: 0 -> 1 1.2@2+end+dot 7,8: 1 -> 0"},
+    {"the first error", "1\\->A:\\Lbl :B+\\->A:2\\->C", "errors", "on in", "1.0@0 1.2@2+Syn ERROR 1.3@3 1.3@3+end"},
+    {"back to a change", "1\\->A:2\\->B:3\\->A:4\\->B:5\\->C", "", "to@4 change-A change-A change-A",
+     "1.0@0 1.4@4 1.2@2 1.0@0 1.0@0+start 1.4@4+end"},
+};
+
+std::vector<std::string> commandsLeft;
+std::string stopsTold;
+
+void obeyScript() {
+    const DebugStop stop = debugStop();
+    stopsTold += (stopsTold.empty() ? "" : " ") + std::to_string(stop.place.line) + "." +
+                 std::to_string(stop.place.statement) + "@" + std::to_string(stop.statement);
+    if (stop.isAtEnd) stopsTold += "+end";
+    if (stop.reason == StopReason::backAtStart) stopsTold += "+start";
+    if (!stop.detail.empty()) stopsTold += "+" + stop.detail;
+    const std::string command = commandsLeft.empty() ? "on" : commandsLeft.front();
+    if (!commandsLeft.empty()) commandsLeft.erase(commandsLeft.begin());
+    const std::string operand = command.substr(std::min(command.size(), command.find_first_of("-@") + 1));
+    bool given = false;
+    if (command == "in") given = debugStep(DebugStep::statement);
+    if (command == "over") given = debugStep(DebugStep::over);
+    if (command == "out") given = debugStep(DebugStep::out);
+    if (command == "line") given = debugStep(DebugStep::line);
+    if (command == "back") given = debugBack(DebugBack::statement);
+    if (command == "back-over") given = debugBack(DebugBack::over);
+    if (command == "back-break") given = debugBack(DebugBack::breakpoint);
+    if (command.starts_with("change-")) given = debugBack(DebugBack::change, operand);
+    if (command.starts_with("to@")) given = debugRunTo(placeOfCell(0, statementCells(0)[std::stoul(operand)]));
+    if (!given) debugStep(DebugStep::onward);
+}
+
+void setBreaks(const std::string &breaks) {
+    breakpointsClear();
+    if (breaks.empty() || breaks == "errors") return;
+    Breakpoint breakpoint;
+    breakpoint.program = "MAIN";
+    const std::size_t behind = std::min(breaks.find_first_of("?*"), breaks.size());
+    if (breaks[0] == '=') {
+        breakpoint.target = breaks.substr(1);
+    } else {
+        breakpoint.line = breaks[0] - '0';
+        breakpoint.statement = breaks[2] - '0';
+    }
+    if (behind < breaks.size() && breaks[behind] == '?') breakpoint.condition = breaks.substr(behind + 1);
+    if (behind < breaks.size() && breaks[behind] == '*') breakpoint.count = std::stoull(breaks.substr(behind + 1));
+    ASSERT_NE(breakpointAdd(breakpoint), 0) << breaks;
+}
+
+struct Debugged : testing::Test {
+    static void SetUpTestSuite() { prepareRuns(); }
+    RunClock clock;
+};
+
+// A fifth of the files, another with each seed.
+constexpr std::size_t shareOfRuns = 5;
+
+template <class Check>
+void withSomeFiles(const Check &check) {
+    const std::vector<std::string> names = runFiles(NUMALINK_RUNS_FOLDER);
+    const auto seed = static_cast<std::size_t>(testing::UnitTest::GetInstance()->random_seed());
+    for (std::size_t i = seed % shareOfRuns; i < names.size(); i += shareOfRuns) {
+        SCOPED_TRACE(names[i]);
+        check(readRunFile(names[i]));
+    }
+}
+
+}  // namespace
+
+TEST_F(Debugged, SteppedStatementByStatementARunEndsAsItDoesByItself) {
+    onStop = [] { debugStep(DebugStep::statement); };
+    const DebugOptions options{.stopAtEntry = true};
+    withSomeFiles([&](const RunFile &file) { EXPECT_EQ(runWith(file, &options), runWith(file, nullptr)); });
+}
+
+TEST_F(Debugged, StopsWhereItIsTold) {
+    onStop = obeyScript;
+    for (const Script &script : scripts) {
+        SCOPED_TRACE(script.name);
+        setBreaks(script.breaks);
+        DebugOptions options{.stopAtEntry = true, .stopAtEnd = true, .records = true};
+        if (std::string(script.breaks) == "errors") options.errors = ErrorStops::first;
+        commandsLeft = wordsOf(script.commands);
+        stopsTold.clear();
+        runWith(fileWith(script.program), &options);
+        EXPECT_EQ(stopsTold, script.stops);
+    }
+    breakpointsClear();
+}
+
+TEST_F(Debugged, AProfileCountsEveryStatementOnce) {
+    withSomeFiles([](const RunFile &file) {
+        onStop = [] { debugStep(DebugStep::onward); };
+        profileStart();
+        static ProfileReport report;
+        const RecordedUi recorded;
+        freshMachine(file);
+        const RunReport run = runScripted(scriptOf(file), [&] {
+            loadPrograms(file);
+            debugBegin({});
+            return true;
+        });
+        report = profileReport();
+        std::uint64_t sum = 0, units = 0;
+        for (const ProfileRow &row : report.rows) {
+            sum += row.count;
+            units += row.paceUnits;
+        }
+        EXPECT_EQ(sum, run.statements);
+        EXPECT_EQ(report.count, sum);
+        EXPECT_EQ(report.paceUnits, units);
+        EXPECT_GE(units, sum * 5 / 2);
+        profileStop();
+        debugForget();
+    });
+}
+
+TEST_F(Debugged, WatchesLeaveNoTrace) {
+    static std::string told;
+    told.clear();
+    onStop = [] {
+        const std::uint64_t before = machineDigest();
+        const int cells = poolCellsUsed();
+        for (const char *expression : {"A+1", "Ran#", "1/", "?", "\"T\"", "List 1", "Seq(X^2,X,1,3,1)", "Mat B", "A->B",
+                                       "", "Getkey", "A>2 And 1"})
+            told += watchText(evaluateWatch(readWatch(expression))).full + "|";
+        if (machineDigest() != before || poolCellsUsed() != cells) told += "changed";
+        debugStep(DebugStep::onward);
+    };
+    const DebugOptions options{.stopAtEnd = true};
+    runWith(fileWith("5\\->A:Ran#\\->R:{1,2,3}\\->\\List 1:7\\->X"), &options);
+    EXPECT_EQ(told,
+              "6|0.5138706625568408|Syn ERROR|takes too long, or waits|T|{1, 2, 3}|{1, 4, 9}|Dim ERROR|Syn ERROR|is "
+              "empty|0|1|");
+}
+
+TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {
+    onStop = move;
+    const DebugOptions options{.stopAtEntry = true, .records = true};
+    withSomeFiles([&](const RunFile &file) {
+        const Ending straight = runAndDigest(file);
+        movesLeft = 60;
+        walkFault.clear();
+        EXPECT_EQ(runWith(file, &options), straight);
+        EXPECT_EQ(walkFault, "");
+    });
+}
+
+}  // namespace numalink
