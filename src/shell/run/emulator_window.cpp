@@ -301,6 +301,7 @@ void forgetEmulatorWindow() {
     viewLeft = [] {};
     state = {};
     marked = false;
+    forgetEmulatorKeys();
     forgetFullScreen();
     forgetDebugWindow();
 }
