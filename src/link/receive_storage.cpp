@@ -94,6 +94,7 @@ bool storeReceived(const Received &received) {
     const ItemId id = storeAddItem(item, &storedName);
     if (id == noItem) {
         if (place.groupMade) storeDropFolder(place.parent);
+        userInterface.refreshTree();  // the standard folder may have been made
         return false;
     }
     sayWhatHappened(received.name, storedName, same != noItem && !keepsSame);

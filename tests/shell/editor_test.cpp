@@ -176,6 +176,9 @@ TEST_F(Editor, TextThatCannotBeStoredIsNeverLost) {
         EXPECT_EQ(selectedItemId(), id);
         EXPECT_EQ(caret(), 3);
     }
+    answer(wording(Text::goBack));
+    handleCommand(CommandId::newProgram);
+    EXPECT_EQ(storeListItems().size(), 2u) << "not even the folder for it was made";
     EXPECT_EQ(stored(id), "A\rB");
     answer(wording(Text::keepDraft));
     std::filesystem::permissions(folder.path + "storage.dat", std::filesystem::perms::owner_all);

@@ -106,7 +106,10 @@ bool addAsNew(NewItem item) {
         item.head = encodeProgramInfo(*info);
     }
     const ItemId id = storeAddItem(item, &name);
-    if (id == noItem) return false;
+    if (id == noItem) {
+        refreshTree();  // the folder may have been made
+        return false;
+    }
     viewItemId = id;
     if (const std::optional<ItemEntry> entry = storeReadEntry(id)) state.entry = *entry;
     refreshTree();

@@ -41,8 +41,9 @@ ItemId folderForProgram() {
 }  // namespace
 
 void newProgram() {
+    if (!leaveCurrentView()) return;  // ahead of the folder, which whoever stays on the view doesn't want
     const ItemId parent = folderForProgram();
-    if (parent == noItem || !leaveCurrentView()) return;
+    if (parent == noItem) return showSelectedAgain();
     NewItem program;
     program.name =
         storeFreeName(calculatorName(wording(Text::newItemName)).substr(0, programNameLimit), parent, kind::program);
@@ -52,11 +53,8 @@ void newProgram() {
     program.data = {':', 0xFF};
     program.whenTaken = NameTaken::nextFreeName;
     const ItemId id = storeAddItem(program);
-    if (id == noItem) {
-        showSelectedAgain();
-        return;
-    }
-    refreshTree();
+    refreshTree();  // also where only the folder was made
+    if (id == noItem) return showSelectedAgain();
     if (QTreeWidgetItem *folder = treeEntryOf(parent)) folder->setExpanded(true);
     selectItem(id);
     startLabelEdit(id, AfterEnter::view);
