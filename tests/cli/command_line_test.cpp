@@ -135,7 +135,7 @@ Outcome runLink(const std::string &port, const std::function<void()> &ahead, con
     int input[2] = {-1, -1};
     EXPECT_EQ(pipe2(input, O_CLOEXEC), 0);
     const int before = dup(STDIN_FILENO);
-    dup2(input[0], STDIN_FILENO);
+    EXPECT_EQ(dup2(input[0], STDIN_FILENO), STDIN_FILENO);
     std::thread other([&] {
         ahead();
         EXPECT_EQ(write(input[1], commands.data(), commands.size()), std::ssize(commands));
@@ -143,7 +143,7 @@ Outcome runLink(const std::string &port, const std::function<void()> &ahead, con
     const Outcome outcome =
         run({"link", "library/new", "--port", port, "--type", "cfx", "--answer", "yes", "--seconds", "60"});
     other.join();
-    dup2(before, STDIN_FILENO);
+    EXPECT_EQ(dup2(before, STDIN_FILENO), STDIN_FILENO);
     for (const int end : {before, input[0], input[1]}) close(end);
     return outcome;
 }
