@@ -325,6 +325,7 @@ void forgetEmulatorWindow() {
     viewLeft = [] {};
     state = {};
     marked = false;
+    forgetEmulatorKeys();
     forgetFullScreen();
     forgetDebugWindow();
     forgetEmulatorPlace();
