@@ -159,7 +159,7 @@ void buildDebugBar() {
     bar->setIconSize({imageSize, imageSize});
     QAction *line = bar->actions().first();
     for (const ToolbarButton &button : debugBarTable()) {
-        QAction *action = built.actions[button.id];
+        QAction *action = state.actions[button.id];
         action->setIcon(QIcon(QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(button.image))));
         action->setIconVisibleInMenu(false);
         bar->insertAction(line, action);

@@ -77,8 +77,11 @@ void addOfData() {
     if (target.empty()) return;
     Breakpoint point;
     point.target = target;
-    if (breakpointAdd(point) == 0) return tellUser(Text::breakpointUnreadable);
-    state.target->clear();
+    if (breakpointAdd(point) == 0) {
+        tellUser(Text::breakpointUnreadable);
+    } else {
+        state.target->clear();
+    }
 }
 
 bool tableEvent(QWidget *, QEvent *event) {

@@ -143,19 +143,20 @@ void fillAll() {
     state.filling = false;
 }
 
-void tellWhyNot(DebugChange result) {
+Text whyNot(DebugChange result) {
     switch (result) {
-        case DebugChange::done:
-            return;
         case DebugChange::notANumber:
-            return tellUser(Text::debugNotANumber);
+            return Text::debugNotANumber;
         case DebugChange::notReal:
-            return tellUser(Text::debugNotReal);
+            return Text::debugNotReal;
         case DebugChange::noSuchPlace:
-            return tellUser(Text::debugNoSuchPlace);
+            return Text::debugNoSuchPlace;
         case DebugChange::runsOn:
-            return tellUser(Text::debugRunsOn);
+            return Text::debugRunsOn;
+        case DebugChange::done:
+            break;
     }
+    return Text::none;
 }
 
 void edited(QTreeWidgetItem *row, int column) {
@@ -164,7 +165,7 @@ void edited(QTreeWidgetItem *row, int column) {
         debugTargetNamed(row->data(nameColumn, targetRole).toString().toStdString());
     const DebugChange result =
         target ? debugChange(*target, row->text(column).trimmed().toStdString()) : DebugChange::noSuchPlace;
-    tellWhyNot(result);
+    if (result != DebugChange::done) tellUser(whyNot(result));
     // Also where nothing was changed: what was typed goes.
     if (shownStop() != nullptr) fillAll();
     debuggingChanged();

@@ -1,0 +1,153 @@
+// A run beside its program: steps, breakpoints, panes and the way back, by the commands that the user has.
+#include <QDockWidget>
+#include <QLabel>
+#include <QTreeWidget>
+
+#include "debugger/breakpoints.h"
+#include "emulator/machine/machine.h"
+#include "shell/editor/line_numbers.h"
+#include "shell/run/emulator_place.h"
+#include "shell/run/emulator_window.h"
+#include "shell/shell_fixture.h"
+#include "shell/workbench/debugging.h"
+#include "shell/workbench/panes.h"
+#include "text/program_bytes.h"
+
+namespace numalink {
+
+struct Workbench : StartedShell {
+    void SetUp() override {
+        StartedShell::SetUp();
+        settingsSetInt(setting::fullSpeed, 1);
+    }
+
+    ItemId addWords(const char *name, const char *words) {
+        Bytes tokens;
+        EXPECT_EQ(tokensFromWords(words, tokens), -1);
+        return addProgram(name, std::string(tokens.begin(), tokens.end()));
+    }
+
+    // By a command, up to the stop that it leads to; its line, or 0 where there is none.
+    static int stopAfter(CommandId id) {
+        const std::uint64_t before = shownStop() != nullptr ? shownStop()->statement : UINT64_MAX;
+        handleCommand(id);
+        const bool stopped =
+            QTest::qWaitFor([&] { return shownStop() != nullptr && shownStop()->statement != before; }, 5000);
+        return stopped ? shownStop()->place.line : 0;
+    }
+
+    static QTreeWidget *tableOf(const char *dock) {
+        return mainWindow->findChild<QDockWidget *>(QString::fromLatin1(dock))->findChild<QTreeWidget *>();
+    }
+    static QTreeWidgetItem *rowNamed(const char *dock, const QString &name) {
+        for (QTreeWidgetItem *row : tableOf(dock)->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) return row;
+        return nullptr;
+    }
+    static QString valueOf(const char *name) { return rowNamed("variablesDock", QString::fromLatin1(name))->text(1); }
+};
+
+TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
+    const ItemId called = addWords("SUB", "7->B\r\\Return");
+    const ItemId program = addWords("MAIN", "1->A:2->A\rA+1->A\r\\Prog \"SUB\"\r\\Do\r\\LpWhile 1");
+    refreshTree();
+    show(program);
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1) << "a step starts the program ahead of its first statement";
+    ASSERT_TRUE(emulatorRunning);
+    EXPECT_TRUE(programEdit->isVisible());
+    EXPECT_NE(emulatorWindow->parentWidget(), clientArea);
+    EXPECT_TRUE(lineMarkOf(1).isNext);
+    EXPECT_EQ(programEdit->extraSelections().size(), 1);
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
+    EXPECT_EQ(shownStop()->place.statement, 1);
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 2);
+    EXPECT_EQ(valueOf("A"), QStringLiteral("2"));
+    EXPECT_TRUE(rowNamed("variablesDock", QStringLiteral("A"))->font(1).bold()) << "it has changed";
+
+    rowNamed("variablesDock", QStringLiteral("A"))->setText(1, QStringLiteral("41"));
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 3);
+    EXPECT_EQ(valueOf("A"), QStringLiteral("42"));
+    rowNamed("variablesDock", QStringLiteral("A"))->setText(1, QStringLiteral("no"));
+    EXPECT_EQ(shown.back(), wording(Text::debugNotANumber));
+    EXPECT_EQ(valueOf("A"), QStringLiteral("42"));
+
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
+    EXPECT_EQ(viewItemId, called);
+    EXPECT_EQ(tableOf("callsDock")->topLevelItemCount(), 2);
+    EXPECT_EQ(stopAfter(CommandId::debugStepOut), 4);
+    EXPECT_EQ(viewItemId, program);
+    EXPECT_EQ(valueOf("B"), QStringLiteral("7"));
+    EXPECT_EQ(stopAfter(CommandId::debugBackStep), 2) << "of the called one";
+    EXPECT_EQ(stopAfter(CommandId::debugBackStep), 1);
+    EXPECT_EQ(stopAfter(CommandId::debugBackStep), 3);
+    EXPECT_EQ(valueOf("B"), QStringLiteral("0"));
+    EXPECT_TRUE(commandEnabled(CommandId::debugNewRoad));
+
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    EXPECT_FALSE(emulatorRunning);
+    EXPECT_FALSE(emulatorShown());
+    EXPECT_EQ(shownStop(), nullptr);
+    EXPECT_EQ(viewItemId, program);
+    EXPECT_TRUE(programEdit->extraSelections().isEmpty());
+}
+
+TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
+    const ItemId program = addWords("LOOP", "0->A\r\\Do\rA+1->A\r\\LpWhile 1");
+    refreshTree();
+    show(program);
+    lineNumberClicked(3);
+    EXPECT_EQ(lineMarkOf(3).sign, LineSign::breakpoint);
+    Breakpoint point = breakpointsOfItem(program).at(0);
+    point.condition = "A=5";
+    EXPECT_TRUE(breakpointChange(point));
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 3);
+    EXPECT_EQ(valueOf("A"), QStringLiteral("5"));
+    handleCommand(CommandId::debugGoOn);
+    EXPECT_TRUE(QTest::qWaitFor([] { return shownStop() == nullptr; }, 3000));
+    EXPECT_NE(stopAfter(CommandId::debugPause), 0);
+
+    // The text changes below the run: the mark goes, and the breakpoint with its statement.
+    QTextCursor cursor(programEdit->document());
+    cursor.insertText(QStringLiteral("9\u2192C\n"));
+    programEdit->setTextCursor(cursor);
+    handleCommand(CommandId::rename);
+    finishLabelEdit();
+    EXPECT_EQ(lineMarkOf(4).sign, LineSign::breakpoint);
+    EXPECT_EQ(lineMarkOf(3).sign, LineSign::none);
+    EXPECT_TRUE(programEdit->extraSelections().isEmpty());
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+
+    endProgram();
+    ASSERT_TRUE(startProgram());
+    EXPECT_EQ(breakpoints().size(), 1u) << "kept beside the library";
+    EXPECT_EQ(breakpoints().at(0).condition, "A=5");
+    handleCommand(CommandId::breakpointsClear);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return folder.read("breakpoints.json").empty(); }, 3000));
+}
+
+TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
+    const ItemId program = addWords("MAIN", "1->A\r2->A");
+    const ItemId other = addWords("OTHER", "3->A");
+    refreshTree();
+    show(program);
+    handleCommand(CommandId::besideProgram);
+    EXPECT_TRUE(paneShown(Pane::variables));
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    select(other);
+    EXPECT_TRUE(emulatorRunning);
+    EXPECT_EQ(viewItemId, other);
+    handleCommand(CommandId::paneProfile);
+    EXPECT_TRUE(paneShown(Pane::profile));
+    handleCommand(CommandId::besideProgram);
+    EXPECT_EQ(emulatorWindow->parentWidget(), clientArea);
+    EXPECT_FALSE(paneShown(Pane::variables));
+    EXPECT_TRUE(emulatorRunning) << "over the view it goes on";
+    handleCommand(CommandId::besideProgram);
+    EXPECT_NE(stopAfter(CommandId::debugPause), 0);
+    endProgram();
+    EXPECT_FALSE(emulatorRunning);
+    ASSERT_TRUE(startProgram());
+    EXPECT_TRUE(besideProgram());
+    EXPECT_TRUE(paneShown(Pane::profile)) << "as it was left";
+}
+
+}  // namespace numalink
