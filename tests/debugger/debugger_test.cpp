@@ -15,6 +15,7 @@
 #include "emulator/expressions.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/run_files.h"
+#include "emulator/screens/display.h"
 #include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
 
@@ -40,6 +41,7 @@ void (*onStop)() = nullptr;
 Ending runWith(const RunFile &file, const DebugOptions *options) {
     const RecordedUi recorded;
     freshMachine(file);
+    displayRestore(Surface(displayWidth, displayHeight), Surface(displayWidth, displayHeight));
     debugStateChanged = [] {
         if (debugState() == DebugState::stopped) onStop();
     };
