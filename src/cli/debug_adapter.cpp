@@ -58,6 +58,19 @@ void sendEvent(const char *event, Json body = Json::object()) {
     send({{"type", "event"}, {"event", event}, {"body", std::move(body)}});
 }
 
+// What an object has by that name, if it is of the sort that is asked for.
+template <class Value>
+Value argument(const Json &object, const char *name, Value otherwise) {
+    const auto found = object.is_object() ? object.find(name) : object.end();
+    if (found == object.end()) return otherwise;
+    if constexpr (std::is_same_v<Value, bool>) return found->is_boolean() ? found->template get<Value>() : otherwise;
+    if constexpr (std::is_same_v<Value, std::string>)
+        return found->is_string() ? found->template get<Value>() : otherwise;
+    if constexpr (std::is_same_v<Value, Json>) return found->type() == otherwise.type() ? *found : otherwise;
+    if constexpr (std::is_integral_v<Value>)
+        return found->is_number_integer() ? static_cast<Value>(found->template get<std::int64_t>()) : otherwise;
+}
+
 // A request, and its answer.
 struct Request {
     Json message;
@@ -67,14 +80,14 @@ struct Request {
         const auto found = message.find("arguments");
         return found != message.end() && found->is_object() ? *found : none;
     }
-    std::string command() const { return message.value("command", std::string()); }
+    std::string command() const { return argument(message, "command", std::string()); }
     void answer(Json body = Json::object()) const { respond(true, std::move(body), {}); }
     void refuse(const std::string &why) const { respond(false, Json::object(), why); }
 
 private:
     void respond(bool success, Json body, const std::string &why) const {
         Json response = {{"type", "response"},
-                         {"request_seq", message.value("seq", 0)},
+                         {"request_seq", argument(message, "seq", 0)},
                          {"command", command()},
                          {"success", success},
                          {"body", std::move(body)}};
@@ -83,18 +96,9 @@ private:
     }
 };
 
-template <class Value>
-Value argument(const Json &arguments, const char *name, Value otherwise) {
-    try {
-        return arguments.value(name, otherwise);
-    } catch (const Json::exception &) {
-        return otherwise;
-    }
-}
-
 std::vector<int> keysOf(const Json &arguments, const char *name) {
     std::vector<int> keys;
-    for (const Json &key : arguments.value(name, Json::array())) {
+    for (const Json &key : argument(arguments, name, Json(Json::array()))) {
         if (key.is_number_integer()) keys.push_back(key.get<int>());
     }
     return keys;
@@ -225,13 +229,13 @@ Json addBreakpoint(int program, const Json &wanted) {
 }
 
 void answerSetBreakpoints(const Request &request) {
-    const int program = programOf(request.arguments().value("source", Json::object()));
+    const int program = programOf(argument(request.arguments(), "source", Json(Json::object())));
     if (program < 0) return request.refuse("no such program");
     for (const Breakpoint &old : breakpoints()) {
         if (!old.isOfData() && old.program == programNameShown(program)) breakpointRemove(old.id);
     }
     Json answers = Json::array();
-    for (const Json &wanted : request.arguments().value("breakpoints", Json::array()))
+    for (const Json &wanted : argument(request.arguments(), "breakpoints", Json(Json::array())))
         answers.push_back(addBreakpoint(program, wanted));
     request.answer({{"breakpoints", answers}});
 }
@@ -241,7 +245,7 @@ void answerSetDataBreakpoints(const Request &request) {
         if (old.isOfData()) breakpointRemove(old.id);
     }
     Json answers = Json::array();
-    for (const Json &wanted : request.arguments().value("breakpoints", Json::array())) {
+    for (const Json &wanted : argument(request.arguments(), "breakpoints", Json(Json::array()))) {
         Breakpoint breakpoint;
         breakpoint.target = argument(wanted, "dataId", std::string());
         breakpoint.condition = argument(wanted, "condition", std::string());
@@ -264,7 +268,7 @@ void answerDataBreakpointInfo(const Request &request) {
 void answerSetExceptionBreakpoints(const Request &request) {
     DebugOptions wanted = debugOptions();
     wanted.errors = ErrorStops::none;
-    for (const Json &filter : request.arguments().value("filters", Json::array())) {
+    for (const Json &filter : argument(request.arguments(), "filters", Json(Json::array()))) {
         if (filter == "first" && wanted.errors == ErrorStops::none) wanted.errors = ErrorStops::first;
         if (filter == "every") wanted.errors = ErrorStops::every;
     }
@@ -376,7 +380,7 @@ void answerEvaluate(const Request &request) {
 }
 
 void answerSource(const Request &request) {
-    const int program = programOf(request.arguments().value("source", request.arguments()));
+    const int program = programOf(argument(request.arguments(), "source", request.arguments()));
     if (program < 0) return request.refuse("no such program");
     request.answer({{"content", sourceText(program)}});
 }

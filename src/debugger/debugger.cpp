@@ -373,6 +373,9 @@ bool give(const Command &command) {
 
 bool isStopped() { return debugState() == DebugState::stopped; }
 
+// It is stopped, and there is somewhere to go back to.
+bool hasRecord() { return isStopped() && historySize().images > 0; }
+
 // Of a stopped run: what it does from here on is new.
 void cutHere(bool hasChanged) {
     const HoldLock held(controlLock);
@@ -474,7 +477,7 @@ void debugPause() {
 
 bool debugBack(DebugBack back, const std::string &target) {
     const DebugStop stop = debugStop();
-    if (!isStopped() || !historyIsOn() || stop.oldest > stop.statement) return false;
+    if (!hasRecord() || stop.oldest > stop.statement) return false;
     if (back == DebugBack::statement && !stop.isWithin)
         return stop.statement > stop.oldest && debugGoTo(stop.statement - 1);
     if (back == DebugBack::statement) return debugGoTo(stop.statement);
@@ -495,7 +498,7 @@ bool debugBack(DebugBack back, const std::string &target) {
 
 bool debugGoTo(std::uint64_t statement) {
     const DebugStop stop = debugStop();
-    if (!isStopped() || !historyIsOn() || statement < stop.oldest || statement > stop.newest) return false;
+    if (!hasRecord() || statement < stop.oldest || statement > stop.newest) return false;
     Command command;
     command.sort = Command::Sort::search;
     command.search.isGoal = true;

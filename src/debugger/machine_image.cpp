@@ -7,7 +7,9 @@
 
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/run_waits.h"
+#include "emulator/machine/statistics_memory.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/pictures.h"
@@ -18,33 +20,52 @@ namespace numalink {
 
 namespace {
 
+std::atomic<std::size_t> pageCount = 0, graphCount = 0;
+
+}  // namespace
+
+struct KeptGraphs {
+    explicit KeptGraphs(std::uint64_t itsDigest) : settings(graphs), digest(itsDigest) { graphCount++; }
+    ~KeptGraphs() { graphCount--; }
+    KeptGraphs(const KeptGraphs &) = delete;
+    KeptGraphs &operator=(const KeptGraphs &) = delete;
+
+    GraphSettings settings;
+    std::uint64_t digest;
+};
+
+namespace {
+
 using Rows = std::array<std::array<char, textColumnCount>, textRowCount>;
 
 // What is neither a screen nor an element.
 struct PlainPart {
     EmulatorMachine machine;
     PoolRecords pool;
+    StatisticsMemory statistics;
     Rows textRows{};
     std::uint64_t workDone = 0;
     std::uint64_t reportsKept = 0;  // of errorTrace
     std::uint32_t random = 0;
 };
 static_assert(std::is_trivially_copyable_v<EmulatorMachine> && std::is_trivially_copyable_v<PoolRecords>);
-static_assert(std::is_trivially_copyable_v<PlainPart>);
+static_assert(std::is_trivially_copyable_v<StatisticsMemory> && std::is_trivially_copyable_v<PlainPart>);
 
 constexpr std::size_t surfaceBytes = std::size_t{displayWidth} * displayHeight * sizeof(Color);
 static_assert(surfaceBytes % imagePageSize == 0);
 
-std::atomic<std::size_t> pageCount = 0;
-
 // The last image, as bytes and as pages.
 Bytes lastBytes;
 std::vector<std::shared_ptr<const ImagePage>> lastPages;
+std::shared_ptr<const KeptGraphs> lastGraphs;
 
 std::size_t pagesFor(std::size_t bytes) { return (bytes + imagePageSize - 1) / imagePageSize; }
 
 PlainPart plainPart() {
-    PlainPart part{.machine = machine, .pool = poolRecords()};
+    PlainPart part;
+    part.machine = machine;
+    part.pool = poolRecords();
+    part.statistics = statisticsMemory;
     for (std::size_t row = 0; row < part.textRows.size(); row++)
         std::ranges::copy(textRowCodes(static_cast<int>(row) + 1), part.textRows[row].begin());
     part.workDone = workDoneSoFar();
@@ -115,6 +136,38 @@ struct Digest {
     void addSurface(const Surface &surface) { add(surface.dots.data(), surface.dots.size() * sizeof(Color)); }
 };
 
+void digestFormula(Digest &digest, const FormulaCells &formula) {
+    digest.take(formula.size());
+    for (const ProgramCell &cell : formula) digest.addAll(cell.kind, cell.token1, cell.token2, cell.value);
+}
+
+void digestFunctions(Digest &digest, const GraphFunctions &functions) {
+    for (const GraphFunction &function : functions) {
+        digestFormula(digest, function.formula);
+        digestFormula(digest, function.second);
+        digest.addAll(function.type, function.color, function.style, function.inGraph, function.inTable,
+                      function.isDynamic);
+    }
+}
+
+std::uint64_t digestOfGraphs() {
+    Digest digest;
+    digestFunctions(digest, graphs.functions);
+    for (const GraphMemory &memory : graphs.memories) {
+        digestFunctions(digest, memory.functions);
+        digest.addAll(memory.window);
+    }
+    for (const SequenceFormula &sequence : graphs.sequences) {
+        digestFormula(digest, sequence.formula);
+        digest.addAll(sequence.isSelected);
+    }
+    digest.addAll(graphs.newType, graphs.plotsOnly, graphs.hidesAxes, graphs.sketchStyle, graphs.sketchColor,
+                  graphs.dual, graphs.listOfX, graphs.tableResult, graphs.recursionResult, graphs.dynamicVariable.first,
+                  graphs.dynamicVariable.second, graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus,
+                  graphs.sequenceType, graphs.showsSums);
+    return digest.value;
+}
+
 void digestValues(Digest &digest) {
     digest.addAll(machine.variables, machine.ans, machine.window, machine.windowMemories, machine.namedValues);
     digest.addAll(machine.errorFlag, machine.currentFile, machine.backgroundPicture, machine.plotPrevious,
@@ -127,6 +180,12 @@ void digestValues(Digest &digest) {
     for (const auto &file : machine.listSlots) {
         for (const MatrixSlot slot : file) digest.addArray(slot);
     }
+    digest.addArray(graphs.tableResult);
+    digest.addArray(graphs.recursionResult);
+    digest.take(digestOfGraphs());
+    for (const StatGraph &graph : statisticsMemory.graphs)
+        digest.addAll(graph.isOn, graph.kind, graph.regression, graph.xList, graph.yList, graph.mark, graph.color);
+    digest.take(statisticsMemory.residualList.value_or(SIZE_MAX));
     digest.take(randomPlace());
     digest.take(machine.errorTrace == nullptr ? 0 : machine.errorTrace->size());
 }
@@ -148,12 +207,17 @@ MachineImage takeImage() {
     for (int number = 1; number <= memoryCount; number++) addSurface(image, *pictureMemory(number));
     addPart(image, poolElements(), static_cast<std::size_t>(part.pool.cellsUsed) * sizeof(double));
     image.calls = runCalls();
+    const std::uint64_t ofGraphs = digestOfGraphs();
+    if (lastGraphs == nullptr || lastGraphs->digest != ofGraphs) lastGraphs = std::make_shared<KeptGraphs>(ofGraphs);
+    image.graphs = lastGraphs;
     lastPages = image.pages;
     return image;
 }
 
 void bringBack(const MachineImage &image) {
     lastPages = image.pages;
+    lastGraphs = image.graphs;
+    graphs = image.graphs->settings;
     lastBytes.resize(image.pages.size() * imagePageSize);
     for (std::size_t page = 0; page < image.pages.size(); page++)
         std::memcpy(lastBytes.data() + page * imagePageSize, image.pages[page]->bytes.data(), imagePageSize);
@@ -172,6 +236,7 @@ void bringBack(const MachineImage &image) {
     poolRestore(part.pool, elements.data());
     bringBackText(part, text);
     machine = part.machine;
+    statisticsMemory = part.statistics;
     displayRestore(matrices, display);
     workDoneAgain(part.workDone);
     randomGoOn(part.random);
@@ -181,10 +246,14 @@ void bringBack(const MachineImage &image) {
 
 void forgetImages() {
     lastPages.clear();
+    lastGraphs.reset();
     lastBytes = {};
 }
 
-std::size_t imageBytes() { return pageCount * (sizeof(ImagePage) + 2 * sizeof(void *)); }
+std::size_t imageBytes() {
+    constexpr std::size_t formulasOfGraphs = 8192;  // bytes, of as many as people write
+    return pageCount * (sizeof(ImagePage) + 2 * sizeof(void *)) + graphCount * (sizeof(KeptGraphs) + formulasOfGraphs);
+}
 
 std::size_t bytesOfImage(const MachineImage &image) {
     return image.pages.size() * sizeof image.pages[0] + image.calls.size() * sizeof image.calls[0];

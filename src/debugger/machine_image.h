@@ -21,8 +21,11 @@ struct ImagePage {
     std::array<std::uint8_t, imagePageSize> bytes;
 };
 
+struct KeptGraphs;  // what graphs and sequences are made of
+
 struct MachineImage {
     std::vector<std::shared_ptr<const ImagePage>> pages;
+    std::shared_ptr<const KeptGraphs> graphs;
     std::vector<CallPlace> calls;
 };
 

@@ -128,6 +128,7 @@ void profileCount(int program, int cell) {
 }
 
 ProfileReport profileReport() {
+    if (!emulatorRunning) profileSettle();  // the last statement has no next one
     ProfileReport report;
     const HoldLock held(countsLock);
     const int loaded = std::min(programCount(), static_cast<int>(counts.size()));

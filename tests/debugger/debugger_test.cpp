@@ -4,6 +4,7 @@
 #include <map>
 #include <random>
 
+#include "debugger/breakpoint_file.h"
 #include "debugger/breakpoints.h"
 #include "debugger/debugger.h"
 #include "debugger/machine_image.h"
@@ -14,6 +15,8 @@
 #include "emulator/expressions.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/run_files.h"
+#include "emulator/screens/display.h"
+#include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
 
 namespace numalink {
@@ -38,6 +41,7 @@ void (*onStop)() = nullptr;
 Ending runWith(const RunFile &file, const DebugOptions *options) {
     const RecordedUi recorded;
     freshMachine(file);
+    displayRestore(Surface(displayWidth, displayHeight), Surface(displayWidth, displayHeight));
     debugStateChanged = [] {
         if (debugState() == DebugState::stopped) onStop();
     };
@@ -271,6 +275,59 @@ TEST_F(Debugged, WatchesLeaveNoTrace) {
     EXPECT_EQ(told,
               "6|0.5138706625568408|Syn ERROR|takes too long, or waits|T|{1, 2, 3}|{1, 4, 9}|Dim ERROR|Syn ERROR|is "
               "empty|0|1|");
+}
+
+// A breakpoint at the statement marked *, the program after an edit, and where it is then; "lost" else.
+struct Edit {
+    const char *name, *before, *after, *place;
+};
+constexpr Edit edits[] = {
+    {"a line ahead", "1\\->A|2\\->B*|3\\->C", "0\\->Z|1\\->A|2\\->B|3\\->C", "3.0"},
+    {"statements ahead in its line", "1\\->A|2\\->B*|3\\->C", "1\\->A|9\\->D:8\\->E:2\\->B|3\\->C", "2.2"},
+    {"edited itself", "1\\->A|2\\->B*|3\\->C", "1\\->A|2.5\\->B|3\\->C", "2.0"},
+    {"deleted", "1\\->A|2\\->B*|3\\->C", "1\\->A|3\\->C", "lost"},
+    {"moved", "1\\->A|2\\->B*|3\\->C", "1\\->A|3\\->C|4\\->D|2\\->B", "4.0"},
+    {"one of many alike", "\\Next|\\Next|1\\->A|\\Next*|2\\->A", "\\Next|0\\->B|\\Next|1\\->A|\\Next|2\\->A", "5.0"},
+    {"a colon in a text", "\"A:B\":1\\->A*", "1\\->B:\"A:B\":1\\->A", "1.2"},
+};
+
+Bytes imageOfLines(std::string lines) {
+    std::erase(lines, '*');
+    for (std::size_t at = lines.find('|'); at != lines.npos; at = lines.find('|', at)) lines.replace(at, 1, "\r\n");
+    return imageOfWords(lines);
+}
+
+TEST_F(Debugged, BreakpointsFollowEditsAndRestarts) {
+    const ScratchFolder scratch;
+    constexpr ItemId item = 77;
+    for (const Edit &edit : edits) {
+        SCOPED_TRACE(edit.name);
+        breakpointsClear();
+        int line = 1, statement = 0;
+        bool quoted = false;
+        for (const char *c = edit.before; *c != '*'; c++) {
+            if (*c == '"') quoted = !quoted;
+            if (*c == ':' && !quoted) statement++;
+            if (*c != '|') continue;
+            line++;
+            statement = 0;
+        }
+        breakpointToggle(item, line, statement);
+        breakpointsFollow(item, imageOfLines(edit.before));
+        ASSERT_TRUE(breakpointsSave(scratch.path));
+        breakpointsClear();
+        ASSERT_TRUE(breakpointsLoad(scratch.path));
+        breakpointsFollow(item, imageOfLines(edit.after));
+        const std::vector<Breakpoint> found = breakpointsOfItem(item);
+        ASSERT_EQ(found.size(), 1u);
+        const std::string place = std::to_string(found[0].line) + "." + std::to_string(found[0].statement);
+        EXPECT_EQ(found[0].isLost ? "lost" : place, edit.place);
+    }
+    for (const char *hostile : {"", "{", "[1,{},{\"item\":-1,\"line\":1e99},{\"changes\":7}]", "[[[[[["}) {
+        scratch.write(breakpointFileName, hostile);
+        breakpointsLoad(scratch.path);
+        EXPECT_TRUE(breakpoints().empty()) << hostile;
+    }
 }
 
 TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {

@@ -1,0 +1,108 @@
+// What it costs to be followed: a run with a record for going back beside a plain one, in processor time, and what the
+// record takes; and how long a way back is.
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include "bench/rivals.h"
+#include "debugger/debugger.h"
+#include "emulator/machine/programs.h"
+#include "emulator/run/scripted_run.h"
+#include "platform/thread_role.h"
+#include "settings/settings_store.h"
+#include "text/program_bytes.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+Bytes imageOf(std::string words, int passes) {
+    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at))
+        words.replace(at, 1, std::to_string(passes));
+    Bytes image = {':'};
+    tokensFromWords(words, image);
+    image.insert(image.end(), {0xFF, 0});
+    return image;
+}
+
+DebugRecord recordAtEnd;
+std::uint64_t wayBack = 0;  // statements; 0: none
+
+void onStop() {
+    if (debugState() != DebugState::stopped) return;
+    recordAtEnd = debugRecord();
+    const DebugStop stop = debugStop();
+    const std::uint64_t back = std::exchange(wayBack, 0);
+    if (back == 0 || !debugGoTo(stop.statement - std::min(stop.statement - stop.oldest, back)))
+        debugStep(DebugStep::onward);
+}
+
+double secondsOf(const Contest &contest, bool records, std::uint64_t back = 0) {
+    const Bytes image = imageOf(contest.words, contest.passes);
+    wayBack = back;
+    debugStateChanged = onStop;
+    const double before = processorSeconds(RUSAGE_SELF);
+    const RunReport report = runScripted({}, [&] {
+        programsClear();
+        programAdd("MAIN", image);
+        if (contest.subprogram != nullptr) programAdd("SUB", imageOf(contest.subprogram, 0));
+        DebugOptions options;
+        options.records = records;
+        options.stopAtEnd = records;
+        if (records) debugBegin(options);
+        return true;
+    });
+    const double seconds = processorSeconds(RUSAGE_SELF) - before;
+    debugForget();
+    return report.ended == RunEnd::end ? seconds : -1;
+}
+
+void prepare() {
+    threadRole = ThreadRole::graphical;
+    tokenTableLoad();
+    settingsLoad();
+    settingsSetInt(setting::fullSpeed, 1);
+    settingsSetInt(setting::fillListsMatrices, 0);
+}
+
+void recording(benchmark::State &state, const Contest *contest) {
+    prepare();
+    double plain = 0, recorded = 0;
+    for (auto unused : state) {
+        plain += secondsOf(*contest, false);
+        recorded += secondsOf(*contest, true);
+    }
+    state.counters["recorded_over_plain"] = recorded / plain;
+    state.counters["statements"] = static_cast<double>(machine.statementsRun);
+    state.counters["bytes_a_statement"] = static_cast<double>(recordAtEnd.bytes) /
+                                          static_cast<double>(std::max<std::uint64_t>(recordAtEnd.statements, 1));
+    state.counters["megabytes"] = static_cast<double>(recordAtEnd.bytes) / 1e6;
+    state.counters["images"] = static_cast<double>(recordAtEnd.keyframes);
+}
+
+// To a statement and on again to the end, less what the run takes.
+void goingBack(benchmark::State &state, const Contest *contest, std::uint64_t back) {
+    prepare();
+    double recorded = 0, withBack = 0;
+    for (auto unused : state) {
+        recorded += secondsOf(*contest, true);
+        withBack += secondsOf(*contest, true, back);
+    }
+    state.counters["ms_there_and_back"] = (withBack - recorded) * 1000 / static_cast<double>(state.iterations());
+}
+
+}  // namespace
+
+}  // namespace numalink
+
+int main(int argc, char **argv) {
+    using namespace numalink;
+    benchmark::Initialize(&argc, argv);
+    for (const Contest &contest : contests()) {
+        const std::string name = contest.name;
+        benchmark::RegisterBenchmark((name + "/recording").c_str(), recording, &contest)->Iterations(5);
+        benchmark::RegisterBenchmark((name + "/oneBack").c_str(), goingBack, &contest, 1)->Iterations(5);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
