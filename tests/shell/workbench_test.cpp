@@ -9,6 +9,7 @@
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/shell_fixture.h"
+#include "shell/tree/label_edit.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/panes.h"
 #include "text/program_bytes.h"
@@ -43,12 +44,15 @@ struct Workbench : StartedShell {
         for (QTreeWidgetItem *row : tableOf(dock)->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) return row;
         return nullptr;
     }
-    static QString valueOf(const char *name) { return rowNamed("variablesDock", QString::fromLatin1(name))->text(1); }
+    static QString valueOf(const char *name) {
+        const QTreeWidgetItem *row = rowNamed("variablesDock", QString::fromLatin1(name));
+        return row != nullptr ? row->text(1) : QStringLiteral("none");
+    }
 };
 
 TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
-    const ItemId called = addWords("SUB", "7->B\r\\Return");
-    const ItemId program = addWords("MAIN", "1->A:2->A\rA+1->A\r\\Prog \"SUB\"\r\\Do\r\\LpWhile 1");
+    const ItemId called = addWords("SUB", "7\\->B\r\\Return");
+    const ItemId program = addWords("MAIN", "1\\->A:2\\->A\rA+1\\->A\r\\Prog \"SUB\"\r\\Do\r\\LpWhile 1");
     refreshTree();
     show(program);
     EXPECT_EQ(stopAfter(CommandId::debugStep), 1) << "a step starts the program ahead of its first statement";
@@ -91,11 +95,11 @@ TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
 }
 
 TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
-    const ItemId program = addWords("LOOP", "0->A\r\\Do\rA+1->A\r\\LpWhile 1");
+    const ItemId program = addWords("LOOP", "0\\->A\r\\Do\rA+1\\->A\r\\LpWhile 1");
     refreshTree();
     show(program);
     lineNumberClicked(3);
-    EXPECT_EQ(lineMarkOf(3).sign, LineSign::breakpoint);
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(3).sign == LineSign::breakpoint; }, 3000));
     Breakpoint point = breakpointsOfItem(program).at(0);
     point.condition = "A=5";
     EXPECT_TRUE(breakpointChange(point));
@@ -125,8 +129,8 @@ TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
 }
 
 TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
-    const ItemId program = addWords("MAIN", "1->A\r2->A");
-    const ItemId other = addWords("OTHER", "3->A");
+    const ItemId program = addWords("MAIN", "1\\->A\r2\\->A");
+    const ItemId other = addWords("OTHER", "3\\->A");
     refreshTree();
     show(program);
     handleCommand(CommandId::besideProgram);

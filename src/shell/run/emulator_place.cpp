@@ -3,6 +3,7 @@
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QScreen>
+#include <algorithm>
 
 #include "emulator/machine/keypad.h"
 #include "settings/settings_store.h"
@@ -14,8 +15,9 @@ namespace numalink {
 
 namespace {
 
-constexpr int frame = 2;                 // pixels around the key pad
-constexpr QSize roomForBoth(1000, 680);  // of the main window: program, calculator and panes
+constexpr int frame = 2;  // pixels around the key pad
+constexpr QSize usualFrame(4, 32);
+constexpr QSize roomForBoth(1040, 760);  // of the main window: program, calculator and panes
 constexpr QSize firstSize(2 * keypadWidth, 2 * keypadHeight);
 
 struct EmulatorPlace {
@@ -23,23 +25,15 @@ struct EmulatorPlace {
 };
 EmulatorPlace state;
 
-void makeDock() {
+}  // namespace
+
+void makeCalculatorDock() {
     state.dock = new QDockWidget(textOf(Text::calculatorPane), mainWindow);
     state.dock->setObjectName(QStringLiteral("calculatorDock"));
     state.dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
     mainWindow->addDockWidget(Qt::RightDockWidgetArea, state.dock);
     state.dock->hide();
 }
-
-void makeRoom() {
-    if (mainWindow->isMaximized() || mainWindow->isFullScreen()) return;
-    const QSize room = mainWindow->screen()->availableSize();
-    const QSize wanted = mainWindow->size().expandedTo(roomForBoth).boundedTo(room);
-    if (wanted == mainWindow->size()) return;
-    mainWindow->resize(wanted);
-}
-
-}  // namespace
 
 bool besideProgram() { return settingsInt(setting::besideProgram) != 0; }
 
@@ -48,7 +42,20 @@ void rememberBeside(bool beside) {
     settingsSave();
 }
 
-QDockWidget *calculatorDock() { return state.dock; }
+void makeRoomBeside() {
+    if (mainWindow->isMaximized() || mainWindow->isFullScreen()) return;
+    const QRect screen = mainWindow->screen()->availableGeometry();
+    // A window that hasn't been on the screen has no frame yet.
+    const QSize frameSize = (mainWindow->frameGeometry().size() - mainWindow->size()).expandedTo(usualFrame);
+    const QSize wanted = mainWindow->size().expandedTo(roomForBoth).boundedTo(screen.size() - frameSize);
+    if (wanted == mainWindow->size()) return;
+    QRect place(mainWindow->pos(), wanted + frameSize);
+    place.moveLeft(
+        std::clamp(place.left(), screen.left(), std::max(screen.left(), screen.right() - place.width() + 1)));
+    place.moveTop(std::clamp(place.top(), screen.top(), std::max(screen.top(), screen.bottom() - place.height() + 1)));
+    mainWindow->resize(wanted);
+    mainWindow->move(place.topLeft());
+}
 
 void placeEmulator() {
     const bool beside = besideProgram();
@@ -56,7 +63,6 @@ void placeEmulator() {
     if (beside == isBeside) return;
     const bool wasHidden = emulatorWindow->isHidden();
     if (beside) {
-        if (state.dock == nullptr) makeDock();
         emulatorWindow->setMinimumSize(keypadWidth + frame, keypadHeight + frame);
         state.dock->setWidget(emulatorWindow);
         emulatorWindow->setVisible(!wasHidden);
@@ -77,7 +83,7 @@ void showEmulatorPlace() {
     emulatorWindow->show();
     if (!besideProgram()) return emulatorWindow->raise();
     const bool first = !state.dock->isVisible();
-    if (first) makeRoom();
+    if (first) makeRoomBeside();
     state.dock->show();
     if (first && !state.dock->isFloating())
         mainWindow->resizeDocks({state.dock}, {firstSize.width() + frame}, Qt::Horizontal);

@@ -2,17 +2,16 @@
 // Graphical thread only.
 #pragma once
 
-class QDockWidget;
-
 namespace numalink {
 
 bool besideProgram();
 void rememberBeside(bool beside);  // the setting alone
 
-void placeEmulator();  // moves emulatorWindow to the place that the setting names; hidden as it was
+void makeCalculatorDock();  // ahead of other docks, which come to stand below it
+void makeRoomBeside();      // a larger main window, where the screen has room; all of it stays on the screen
+void placeEmulator();       // moves emulatorWindow to the place that the setting names; hidden as it was
 void showEmulatorPlace();
 void hideEmulatorPlace();
-QDockWidget *calculatorDock();  // null until it was first needed
 
 void forgetEmulatorPlace();
 

@@ -118,6 +118,7 @@ void followNoMore() {
 // The calculator beside the program, and the run that is on followed.
 bool beginFollowing() {
     if (!showBesideProgram(true)) return false;
+    showPanes(true);
     if (emulatorShown() && !state.follows) follow();
     return true;
 }

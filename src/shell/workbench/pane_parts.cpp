@@ -10,6 +10,8 @@ namespace numalink {
 
 namespace {
 
+constexpr int indentation = 12;  // pixels a level: panes are narrow
+
 // Only some columns of a row can be written into; Qt knows only of rows.
 class PaneTable : public QTreeWidget {
 public:
@@ -37,6 +39,7 @@ QTreeWidget *makePaneTable(const QStringList &columns) {
     auto *table = new PaneTable;
     table->setHeaderLabels(columns);
     table->setUniformRowHeights(true);
+    table->setIndentation(indentation);
     table->setAlternatingRowColors(true);
     table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     table->setSelectionMode(QAbstractItemView::SingleSelection);

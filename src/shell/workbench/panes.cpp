@@ -23,6 +23,8 @@ namespace numalink {
 
 namespace {
 
+constexpr int rightWidth = 290, bottomHeight = 150;  // pixels at first
+
 struct PaneRow {
     Pane pane;
     char letter;  // in the setting
@@ -116,6 +118,10 @@ void makeDock(std::size_t index) {
         state.docks[index].wanted = on;
         changed();
     });
+    // Also when its tab comes to the front.
+    QObject::connect(dock.widget, &QDockWidget::visibilityChanged, dock.widget, [index](bool visible) {
+        if (visible) rows[index].refresh();
+    });
     QObject::connect(dock.widget, &QDockWidget::dockLocationChanged, dock.widget, changed);
     QObject::connect(dock.widget, &QDockWidget::topLevelChanged, dock.widget, changed);
 }
@@ -151,6 +157,8 @@ void refreshShown() {
 }  // namespace
 
 void makePanes() {
+    mainWindow->setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    makeCalculatorDock();
     for (std::size_t i = 0; i < std::size(rows); i++) makeDock(i);
     arrange();
     makeStopLine();
@@ -169,10 +177,24 @@ void forgetPanes() {
 }
 
 void showPanes(bool show) {
+    if (state.shown == show) return;
     state.arranging = true;
+    if (show) makeRoomBeside();
     state.shown = show;
     for (Dock &dock : state.docks) dock.widget->setVisible(show && dock.wanted);
+    // Of those that share a place the first one is to be seen.
+    for (auto dock = state.docks.rbegin(); dock != state.docks.rend(); ++dock)
+        if (show && dock->wanted) dock->widget->raise();
     showStopLine(show);
+    QList<QDockWidget *> right, bottom;
+    for (const Dock &dock : state.docks) {
+        const Qt::DockWidgetArea area = mainWindow->dockWidgetArea(dock.widget);
+        if (!show || !dock.wanted || dock.widget->isFloating()) continue;
+        if (area == Qt::RightDockWidgetArea && right.isEmpty()) right << dock.widget;
+        if (area == Qt::BottomDockWidgetArea && bottom.isEmpty()) bottom << dock.widget;
+    }
+    mainWindow->resizeDocks(right, {rightWidth}, Qt::Horizontal);
+    mainWindow->resizeDocks(bottom, {bottomHeight}, Qt::Vertical);
     state.arranging = false;
     refreshShown();
 }

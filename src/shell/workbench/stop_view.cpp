@@ -1,5 +1,6 @@
 #include "shell/workbench/stop_view.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMainWindow>
 #include <QToolBar>
@@ -139,8 +140,14 @@ void makeStopLine() {
     state.line->setObjectName(QStringLiteral("stopLine"));
     state.line->setTextFormat(Qt::PlainText);
     state.line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    state.line->setContentsMargins(8, 0, 8, 0);
-    state.bar->addWidget(state.line);
+    // The bar would hide a widget whose words are too long for it: the frame takes what room there is, the words are
+    // cut.
+    auto *frame = new QWidget;
+    frame->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    auto *layout = new QHBoxLayout(frame);
+    layout->setContentsMargins(8, 0, 8, 0);
+    layout->addWidget(state.line);
+    state.bar->addWidget(frame);
     mainWindow->addToolBarBreak();
     mainWindow->addToolBar(state.bar);
     state.bar->hide();
