@@ -95,7 +95,8 @@ std::vector<std::string> piecesOfLine(const ViewLine &line) {
         for (const ViewToken &token : rest.first(count)) quoting.follow(token);
         rest = rest.subspan(count);
     }
-    if (pieces.empty() || (pieces.size() == 1 && changesOnTheWay(line, reading))) pieces.emplace_back();
+    const bool endsInBlank = pieces.size() > 1 && pieces.back().ends_with(' ') && markOf(pieces.back()).size == 0;
+    if (pieces.empty() || endsInBlank || (pieces.size() == 1 && changesOnTheWay(line, reading))) pieces.emplace_back();
     return pieces;
 }
 
