@@ -214,6 +214,7 @@ Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, TakenBack
         if (change.before != nullptr) items.push_back(*change.before);
     findPlaces(items, now, &from == &redoSteps);
     std::vector<ItemId> leaving;
+    leaving.reserve(now.size());
     for (const StoredItem &item : now) leaving.push_back(item.id);
     UndoStep inverse = inverseOf(changes, now, items);
     inverse.group = ++lastGroup;
@@ -276,7 +277,7 @@ Fault noteBecoming(std::size_t slot, const Becoming &becoming, UndoStep &step) {
     const bool isSeen = becoming.parent ? !isTemporary(*becoming.parent) : wasSeen;
     if (!wasSeen && !isSeen) return Fault::none;
     if (const Fault fault = readItem(id, before); fault != Fault::none) return fault;
-    ItemEntry entry = before;
+    ItemEntry entry = static_cast<const ItemEntry &>(before);
     entry.name = becoming.name.value_or(before.name);
     entry.parent = becoming.parent.value_or(before.parent);
     entry.kind = becoming.kind.value_or(before.kind);
