@@ -16,6 +16,7 @@
 #include "link/transmit_queue.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -80,7 +81,7 @@ void askImport(ImportQuestion &question) {
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     dialog.resize(360, 380);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = runDialog(dialog) == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;
     question.folderName = controls.folder->text().toStdString();
 }
@@ -98,7 +99,7 @@ ImportTaken askImportTaken(const ImportTakenQuestion &question) {
         {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
     box.setDefaultButton(buttons[0].first);
     box.setEscapeButton(buttons[3].first);
-    box.exec();
+    runDialog(box);
     for (const auto &[button, taken] : buttons)
         if (box.clickedButton() == button) return taken;
     return ImportTaken::cancel;
