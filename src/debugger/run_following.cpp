@@ -58,6 +58,7 @@ void adopt() {
         run.nextImageLook = 0;
     }
     stopsAdopt(run.stops);
+    observerLook.marks = run.stops.markPointers.data();
     if (!runRepeats) profileAdopt();
 }
 
@@ -74,7 +75,7 @@ void setLook() {
     if (asksAlways) from = now;
     if (historyIsOn() && !runRepeats) from = std::min(from, run.nextImageLook);
     if (runRepeats) from = std::min({from, run.newest, run.nextChange});
-    observerLook.marks = run.stops.markPointers.data();
+    observerLook.marks = run.options.breakpoints ? run.stops.markPointers.data() : nullptr;
     observerLook.fromStatement = from;
     if (control.pauseWanted || run.optionsSeen != control.optionsVersion || stopsAreOld(run.stops)) drawAttention();
 }
@@ -335,6 +336,7 @@ const RunObserver followingObserver = {
 };
 
 void followAnew(bool stopsAtEntry) {
+    observerLook.marks = nullptr;
     run = {};
     run.entryDue = stopsAtEntry;
 }
