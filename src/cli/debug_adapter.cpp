@@ -5,12 +5,10 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
-#include <istream>
-#include <nlohmann/json.hpp>
-#include <ostream>
 #include <thread>
 
 #include "cli/commands.h"
+#include "cli/debug_messages.h"
 #include "cli/debug_sources.h"
 #include "cli/library_session.h"
 #include "cli/run_report.h"
@@ -27,15 +25,11 @@ namespace numalink {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = DebugJson;
+using Request = DebugRequest;
 
-constexpr std::size_t messageLimit = 16u << 20;  // bytes
 constexpr int onlyThread = 1;
 enum Scope : int { variablesScope = 1, windowScope, arraysScope, modesScope, firstArray };
-
-Lock answerLock;
-std::ostream *answerStream GUARDED_BY(answerLock) = nullptr;
-int answersSent GUARDED_BY(answerLock) = 0;
 
 // Between reader and main thread.
 Lock stageLock;
@@ -46,55 +40,6 @@ DebugOptions options GUARDED_BY(stageLock);
 
 std::atomic<bool> isConfigured = false;  // stops are told from then on
 bool stopsOnEntry = false;               // reader
-
-void send(Json message) {
-    const HoldLock held(answerLock);
-    message["seq"] = ++answersSent;
-    const std::string text = message.dump(-1, ' ', false, Json::error_handler_t::replace);
-    *answerStream << "Content-Length: " << text.size() << "\r\n\r\n" << text << std::flush;
-}
-
-void sendEvent(const char *event, Json body = Json::object()) {
-    send({{"type", "event"}, {"event", event}, {"body", std::move(body)}});
-}
-
-// What an object has by that name, if it is of the sort that is asked for.
-template <class Value>
-Value argument(const Json &object, const char *name, Value otherwise) {
-    const auto found = object.is_object() ? object.find(name) : object.end();
-    if (found == object.end()) return otherwise;
-    if constexpr (std::is_same_v<Value, bool>) return found->is_boolean() ? found->template get<Value>() : otherwise;
-    if constexpr (std::is_same_v<Value, std::string>)
-        return found->is_string() ? found->template get<Value>() : otherwise;
-    if constexpr (std::is_same_v<Value, Json>) return found->type() == otherwise.type() ? *found : otherwise;
-    if constexpr (std::is_integral_v<Value>)
-        return found->is_number_integer() ? static_cast<Value>(found->template get<std::int64_t>()) : otherwise;
-}
-
-// A request, and its answer.
-struct Request {
-    Json message;
-
-    const Json &arguments() const {
-        static const Json none = Json::object();
-        const auto found = message.find("arguments");
-        return found != message.end() && found->is_object() ? *found : none;
-    }
-    std::string command() const { return argument(message, "command", std::string()); }
-    void answer(Json body = Json::object()) const { respond(true, std::move(body), {}); }
-    void refuse(const std::string &why) const { respond(false, Json::object(), why); }
-
-private:
-    void respond(bool success, Json body, const std::string &why) const {
-        Json response = {{"type", "response"},
-                         {"request_seq", argument(message, "seq", 0)},
-                         {"command", command()},
-                         {"success", success},
-                         {"body", std::move(body)}};
-        if (!success) response["message"] = why;
-        send(std::move(response));
-    }
-};
 
 std::vector<int> keysOf(const Json &arguments, const char *name) {
     std::vector<int> keys;
@@ -146,7 +91,7 @@ void tellStop() {
     if (stop.statement < stop.newest) body["description"] = "in the past";
     if (!stop.detail.empty()) body["text"] = stop.detail;
     if (stop.breakpoint != 0) body["hitBreakpointIds"] = {stop.breakpoint};
-    sendEvent("stopped", std::move(body));
+    sendDebugEvent("stopped", std::move(body));
 }
 
 void stateChanged() {
@@ -190,7 +135,7 @@ void answerLaunch(const Request &request) {
     }
     if (isOver) return request.refuse("nothing to run");
     request.answer();
-    sendEvent("initialized");
+    sendDebugEvent("initialized");
 }
 
 void answerConfigurationDone(const Request &request) {
@@ -452,23 +397,9 @@ void serve(const Request &request) {
     row->serve(request);
 }
 
-// False at the end of the requests, or where what comes is none.
-bool readMessage(std::istream &requests, std::string &text) {
-    std::size_t length = 0;
-    for (std::string line; std::getline(requests, line);) {
-        if (line.ends_with('\r')) line.pop_back();
-        if (line.empty() && length > 0) break;
-        constexpr std::string_view field = "Content-Length:";
-        if (line.starts_with(field)) length = std::strtoull(line.c_str() + field.size(), nullptr, 10);
-    }
-    if (length == 0 || length > messageLimit) return false;
-    text.resize(length);
-    return static_cast<bool>(requests.read(text.data(), static_cast<std::streamsize>(length)));
-}
-
 // The reader's thread.
 void readRequests(std::istream &requests) {
-    for (std::string text; readMessage(requests, text);) {
+    for (std::string text; readDebugMessage(requests, text);) {
         Request request{Json::parse(text, nullptr, false)};
         if (!request.message.is_object()) continue;
         const bool ends = request.command() == "disconnect" || request.command() == "terminate";
@@ -511,10 +442,10 @@ void runLaunched(ItemId id) {
         stage = Stage::over;
         stageChanged.notify_all();
     }
-    sendEvent("output",
-              {{"category", "console"}, {"output", std::string("ended: ") + runEndName(report.ended) + "\n"}});
-    sendEvent("exited", {{"exitCode", 0}});
-    sendEvent("terminated");
+    sendDebugEvent("output",
+                   {{"category", "console"}, {"output", std::string("ended: ") + runEndName(report.ended) + "\n"}});
+    sendDebugEvent("exited", {{"exitCode", 0}});
+    sendDebugEvent("terminated");
 }
 
 }  // namespace
@@ -522,11 +453,7 @@ void runLaunched(ItemId id) {
 int serveDebugger(const std::string &item, std::istream &requests, std::ostream &answers) {
     const ItemId id = findItem(item);
     if (id == noItem) return commandFailed("no item " + item);
-    {
-        const HoldLock held(answerLock);
-        answerStream = &answers;
-        answersSent = 0;
-    }
+    debugAnswersTo(answers);
     {
         const HoldLock held(stageLock);
         stage = Stage::waits;

@@ -1,0 +1,349 @@
+// The run thread's side: it is asked ahead of statements, stops there, and takes the way back.
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "debugger/debugger_control.h"
+#include "debugger/history.h"
+#include "debugger/profile_counts.h"
+#include "debugger/trace.h"
+#include "emulator/machine/pace.h"
+#include "emulator/run/run_calls.h"
+#include "emulator/screens/display.h"
+
+namespace numalink {
+
+const DebugTrace *debugTrace = nullptr;
+
+namespace {
+
+constexpr std::uint64_t noLimit = UINT64_MAX;
+
+// The run thread's.
+struct Run {
+    DebugOptions options;
+    std::uint64_t optionsSeen = 0;
+    Stops stops;
+    bool entryDue = false, errorSeen = false, endSeen = false;
+    DebugStep step = DebugStep::onward;
+    int stepDepth = 0;
+    CellRange stepLine;
+    std::uint64_t newest = 0;            // where the record ends, while the run repeats itself
+    std::uint64_t nextChange = noLimit;  // in the record: a change by hand
+    std::uint64_t nextImageLook = 0;
+    std::size_t image = 0;       // to go on from, when the run is left
+    std::uint64_t toldUpTo = 0;  // statements before this one are in profile and trace
+    std::optional<Search> search;
+};
+Run run;
+
+void tell() {
+    if (debugStateChanged != nullptr) debugStateChanged();
+}
+
+void beLive() {
+    runRepeats = false;
+    run.nextChange = noLimit;
+}
+
+void adopt() {
+    if (run.optionsSeen != control.optionsVersion) {
+        const HoldLock held(control.lock);
+        run.optionsSeen = control.optionsVersion;
+        run.options = control.options;
+    }
+    if (run.options.records != historyIsOn()) {
+        beLive();
+        run.options.records ? historyBegin() : historyForget();
+        run.nextImageLook = 0;
+    }
+    stopsAdopt(run.stops);
+    observerLook.marks = run.stops.markPointers.data();
+    if (!runRepeats) profileAdopt();
+}
+
+// How many statements are over.
+std::uint64_t statementsOver(bool isWithin) {
+    return isWithin && machine.statementsRun > 0 ? machine.statementsRun - 1 : machine.statementsRun;
+}
+
+void setLook() {
+    const std::uint64_t now = machine.statementsRun;
+    std::uint64_t from = noLimit;
+    const bool asksAlways = run.step != DebugStep::onward || !run.stops.ofData.empty() || paceCounted ||
+                            debugTrace != nullptr || run.search.has_value();
+    if (asksAlways) from = now;
+    if (historyIsOn() && !runRepeats) from = std::min(from, run.nextImageLook);
+    if (runRepeats) from = std::min({from, run.newest, run.nextChange});
+    observerLook.marks = run.options.breakpoints ? run.stops.markPointers.data() : nullptr;
+    observerLook.fromStatement = from;
+    if (control.pauseWanted || run.optionsSeen != control.optionsVersion || stopsAreOld(run.stops)) drawAttention();
+}
+
+void leaveFor(std::size_t image) {
+    run.image = image;
+    runLeave();
+}
+
+DebugStop stopFor(StopReason reason, int program, int cell, bool isWithin) {
+    DebugStop stop;
+    stop.reason = reason;
+    stop.place = placeOfCell(program, cell);
+    stop.isWithin = isWithin;
+    stop.statement = statementsOver(isWithin);
+    stop.newest = runRepeats ? run.newest : stop.statement;
+    stop.oldest = std::min(historyOldest(), stop.newest);
+    stop.depth = runCallDepth() - 1;
+    return stop;
+}
+
+void obeyStep(const DebugCommand &command, const DebugStop &stop) {
+    run.step = command.step;
+    run.stepDepth = runCallDepth();
+    run.stepLine = lineAround(stop.place);
+    if (command.place.program >= 0) stopsSetGoal(run.stops, command.place);
+}
+
+// The image that a search begins with, and up to where from there.
+void beginSearch(Search search, const DebugStop &from) {
+    search.limit = from.statement;
+    search.takesLimit = from.isWithin;  // the statement in progress is one that was gone by
+    search.depth = runCallDepth();
+    const std::uint64_t last = search.isGoal ? search.goal : from.statement - (from.isWithin ? 0 : 1);
+    leaveFor(historyImageAt(last));
+    run.search = std::move(search);
+}
+
+// Blocks until a command. False: the run is left, or has ended.
+bool stopAt(const DebugStop &stop) {
+    if (!stop.isWithin) refreshScreen(false);
+    control.pauseWanted = false;
+    run.step = DebugStep::onward;
+    stopsClearGoal(run.stops);
+    {
+        const HoldLock held(control.lock);
+        control.stop = stop;
+        control.state = DebugState::stopped;
+        control.commandDue = false;
+    }
+    tell();
+    waitForWake(control.commandDue);
+    DebugCommand command;
+    {
+        const HoldLock held(control.lock);
+        command = std::exchange(control.command, {});
+        control.commandDue = false;
+        control.state = DebugState::runs;
+    }
+    tell();
+    if (!runGoesOn()) return false;
+    adopt();
+    if (command.sort == DebugCommand::Sort::step) {
+        obeyStep(command, stop);
+        return true;
+    }
+    if (!runRepeats) run.newest = stop.statement;
+    beginSearch(std::move(command.search), stop);
+    return false;
+}
+
+// The step in progress is over ahead of the statement at this cell.
+bool stepIsOver(int program, int cell) {
+    const int depth = runCallDepth();
+    switch (run.step) {
+        case DebugStep::statement:
+            return true;
+        case DebugStep::over:
+            return depth <= run.stepDepth;
+        case DebugStep::out:
+            return depth < run.stepDepth;
+        case DebugStep::line:
+            return depth < run.stepDepth || (depth == run.stepDepth && !run.stepLine.holds(program, cell));
+        case DebugStep::onward:
+            break;
+    }
+    return false;
+}
+
+DebugStop whyStop(int program, int cell) {
+    const StopFound found = run.options.breakpoints ? stopsFind(run.stops, program, cell) : StopFound();
+    StopReason reason = found.reason;
+    if (reason == StopReason::none && stepIsOver(program, cell)) reason = StopReason::step;
+    if (std::exchange(run.entryDue, false)) reason = StopReason::entry;
+    if (reason == StopReason::none && control.pauseWanted) reason = StopReason::pause;
+    if (reason == StopReason::none) return {};
+    DebugStop stop = stopFor(reason, program, cell, false);
+    stop.breakpoint = found.breakpoint;
+    stop.detail = found.detail;
+    return stop;
+}
+
+void record(int program, int cell) {
+    if (historyIsOn() && machine.statementsRun >= run.nextImageLook)
+        run.nextImageLook = historyAt(machine.statementsRun);
+    if (machine.statementsRun < run.toldUpTo) return;
+    run.toldUpTo = machine.statementsRun + 1;
+    if (paceCounted) profileCount(program, cell);
+    if (debugTrace != nullptr) debugTrace->statement(program, cell);
+}
+
+// The statement was found that was gone back for.
+bool arrive(int program, int cell) {
+    const Search search = std::move(*run.search);
+    run.search.reset();
+    if (machine.statementsRun >= run.newest) beLive();
+    stopsLookAtData(run.stops);
+    refreshScreen(false);
+    holdDisplay(false);
+    DebugStop stop = stopFor(search.reason, program, cell, false);
+    stop.breakpoint = search.breakpoint;
+    return stopAt(stop);
+}
+
+// A stretch of the record between two images has been walked.
+void searchFurther(Search &search, std::uint64_t oldest) {
+    if (search.hit) {
+        search.goal = *search.hit;
+    } else if (run.image == 0) {
+        search.goal = oldest;
+        search.reason = StopReason::backAtStart;
+        search.breakpoint = 0;
+    } else {
+        search.limit = historyStatementOf(run.image);
+        search.takesLimit = false;
+        leaveFor(run.image - 1);
+        return;
+    }
+    search.isGoal = true;
+    leaveFor(historyImageAt(search.goal));
+}
+
+// On the way back, through what has run before.
+bool search(int program, int cell) {
+    Search &going = *run.search;
+    const std::uint64_t now = machine.statementsRun;
+    if (going.isGoal) {
+        if (now >= going.goal) return arrive(program, cell);
+        observerLook.fromStatement = going.goal;
+        observerLook.marks = nullptr;
+        return true;
+    }
+    searchLook(going, run.stops, program, cell, now);
+    if (now < going.limit) return runGoesOn();
+    searchFurther(going, historyOldest());
+    return false;
+}
+
+bool beforeStatement(RunState &running) {
+    if (runIsLeft() || !runGoesOn()) return false;
+    const int program = running.programIndex, cell = running.position;
+    if (run.search) {
+        if (!search(program, cell)) return false;
+        if (run.search) return true;
+        setLook();
+        return runGoesOn();
+    }
+    adopt();
+    run.endSeen = false;
+    if (runRepeats && machine.statementsRun >= run.newest) beLive();
+    if (runRepeats && machine.statementsRun >= run.nextChange) {
+        leaveFor(historyImageAt(run.nextChange));
+        return false;
+    }
+    if (!runRepeats) record(program, cell);
+    const DebugStop stop = whyStop(program, cell);
+    if (stop.reason != StopReason::none && !stopAt(stop)) return false;
+    setLook();
+    return runGoesOn();
+}
+
+bool goesOnElsewhere() {
+    holdDisplay(run.search.has_value());
+    runRepeats = true;
+    if (!historyBringBack(run.image)) return false;
+    run.nextChange = historyNextChange(machine.statementsRun).value_or(noLimit);
+    stopsLookAtData(run.stops);
+    if (run.search) searchBegin(*run.search);
+    drawAttention();
+    return true;
+}
+
+DebugStop stopWithin(StopReason reason) {
+    const std::vector<CallPlace> calls = runCalls();
+    return stopFor(reason, calls.back().program, calls.back().position, true);
+}
+
+void reported(const char *text) {
+    if (runIsLeft() || run.search) return;
+    if (!runRepeats && debugTrace != nullptr) debugTrace->report(text);
+    const bool isFirst = !std::exchange(run.errorSeen, true);
+    if (run.options.errors == ErrorStops::none || (run.options.errors == ErrorStops::first && !isFirst)) return;
+    DebugStop stop = stopWithin(StopReason::error);
+    stop.detail = text;
+    if (stopAt(stop)) setLook();
+}
+
+void screenModeChanged(int mode) {
+    if (!runRepeats && !runIsLeft() && debugTrace != nullptr) debugTrace->screenMode(mode);
+}
+
+// In a wait the run stops at a pause, and once at the end of the program: also for what its last statement has changed.
+DebugStop whyStopInWait(bool isEnd) {
+    DebugStop stop = stopWithin(StopReason::none);
+    stop.isWaiting = true;
+    stop.isAtEnd = isEnd;
+    if (control.pauseWanted) stop.reason = StopReason::pause;
+    if (!isEnd || std::exchange(run.endSeen, true)) return stop;
+    const StopFound found = run.options.breakpoints ? stopsFindOfData(run.stops) : StopFound();
+    if (found.reason != StopReason::none) {
+        stop.reason = found.reason;
+        stop.breakpoint = found.breakpoint;
+        stop.detail = found.detail;
+    } else if (run.step != DebugStep::onward || run.options.stopAtEnd) {
+        stop.reason = StopReason::end;
+    }
+    return stop;
+}
+
+int waitKey(RunEnd where) {
+    if (runIsLeft()) return noKeyAnyMore;
+    if (!run.search && !historyHasInput()) {
+        adopt();
+        if (paceCounted) profileSettle();
+        const DebugStop stop = whyStopInWait(where == RunEnd::end);
+        if (stop.reason != StopReason::none) {
+            if (!stopAt(stop)) return noKeyAnyMore;
+            setLook();
+        }
+        if (!historyHasInput()) beLive();
+    }
+    return historyWaitKey(where);
+}
+
+int getKey() { return runIsLeft() ? 0 : historyGetKey(); }
+std::uint64_t ticks() { return runIsLeft() ? 0 : historyTicks(); }
+
+}  // namespace
+
+const RunObserver followingObserver = {
+    .beforeStatement = beforeStatement,
+    .goesOnElsewhere = goesOnElsewhere,
+    .reported = reported,
+    .screenModeChanged = screenModeChanged,
+    .waitKey = waitKey,
+    .getKey = getKey,
+    .ticks = ticks,
+};
+
+void followAnew(bool stopsAtEntry) {
+    observerLook.marks = nullptr;
+    run = {};
+    run.entryDue = stopsAtEntry;
+}
+
+void followLive(std::uint64_t toldUpTo) {
+    run.toldUpTo = std::min(run.toldUpTo, toldUpTo);
+    beLive();
+}
+
+}  // namespace numalink
