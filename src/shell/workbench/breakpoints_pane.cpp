@@ -100,7 +100,7 @@ QWidget *makeBreakpointsPane() {
                                  textOf(Text::columnHits)});
     state.table->setRootIsDecorated(false);
     state.table->setColumnWidth(placeColumn, 240);
-    state.table->setAccessibleName(textOf(Text::paneBreakpoints));
+    state.table->setAccessibleName(textOf(Text::paneBreakpoints).remove(QLatin1Char('&')));
     editColumns(state.table, conditionColumn, countColumn);
     layout->addWidget(state.table);
     state.target = new QLineEdit;

@@ -107,10 +107,11 @@ void changed() {
 void makeDock(std::size_t index) {
     const PaneRow &row = rows[index];
     Dock &dock = state.docks[index];
-    dock.widget = new QDockWidget(textOf(row.title), mainWindow);
+    const QString title = textOf(row.title).remove(QLatin1Char('&'));  // it is the menu's too
+    dock.widget = new QDockWidget(title, mainWindow);
     dock.widget->setObjectName(QString::fromLatin1(row.name));
     QWidget *content = row.make();
-    content->setAccessibleName(textOf(row.title));
+    content->setAccessibleName(title);
     dock.widget->setWidget(content);
     dock.widget->hide();
     // Closed by its own button.

@@ -155,7 +155,7 @@ QWidget *makeProfilePane() {
     state.table->setSortingEnabled(true);
     state.table->sortByColumn(timeColumn, Qt::DescendingOrder);
     state.table->setColumnHidden(beforeColumn, true);
-    state.table->setAccessibleName(textOf(Text::paneProfile));
+    state.table->setAccessibleName(textOf(Text::paneProfile).remove(QLatin1Char('&')));
     layout->addWidget(state.table);
     state.total = new QLabel;
     layout->addWidget(state.total);

@@ -27,7 +27,7 @@ struct VariablesPane {
 VariablesPane state;
 
 QTreeWidgetItem *group(Text title) {
-    auto *row = new QTreeWidgetItem(state.table, {textOf(title)});
+    auto *row = new QTreeWidgetItem(state.table, {textOf(title).remove(QLatin1Char('&'))});
     row->setFirstColumnSpanned(true);
     return row;
 }
