@@ -97,8 +97,9 @@ constexpr std::int16_t noRow = -1;
 std::span<const StatementRow> basicStatements() { return rows; }
 
 // The tables in their order of testing, which counts behind prefixes: all later ones take a prefix of the first.
-constexpr std::span<const StatementRow> (*groups[])() = {basicStatements, flowStatements,       modeStatements,
-                                                         graphStatements, statisticsStatements, recursionStatements};
+constexpr std::span<const StatementRow> (*groups[])() = {basicStatements,      flowStatements,     modeStatements,
+                                                         memoryStatements,     lineStatements,     graphStatements,
+                                                         statisticsStatements, recursionStatements};
 
 // The rows one after the other, and of each token the number of its row: a block for single bytes, one behind 0x7F, one
 // behind 0xF7.
