@@ -86,7 +86,7 @@ TEST_F(FarEnd, GivesBackWhatWasSent) {
     EXPECT_EQ(machine.variables[1].re, 2);
     EXPECT_EQ(machine.variables[1].im, 3);
     EXPECT_EQ(machine.variables[3].re, 6);
-    const MatrixSlot list = machine.listSlots[0][1];
+    const MatrixDescriptor *list = machine.listSlots[0][1];
     ASSERT_TRUE(list != nullptr && list->rows == 3 && list->cols == 1);
     EXPECT_EQ(matrixElements(list)[2], 6);
     EXPECT_EQ(machine.listSlots[0][2], nullptr);
