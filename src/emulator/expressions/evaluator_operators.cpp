@@ -1,6 +1,7 @@
 // The steps that act on single cells and their neighbours: values, prefixes, postfixes, binary operators and the
 // implicit product. Each walks in its own direction and leaves its result in its own place; both are the language's
 // associativity.
+#include "emulator/expressions/array_arithmetic.h"
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/expressions/evaluator_steps.h"
@@ -8,6 +9,8 @@
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
+#include "emulator/machine/named_values.h"
 
 namespace numalink {
 
@@ -32,6 +35,10 @@ void takeInput(Stretch &stretch, const OperatorRow &row) {
 
 void applyUnary(ProgramCell &target, const ProgramCell &operand, const OperatorRow &row) {
     if (isNumber(operand)) return makeNumber(target, unaryValue(row, operand.value));
+    if (isOperand(operand)) {
+        target = changedArray(row, operand);
+        return;
+    }
     synError();
     makeNumber(target, row.unary(operand.value));
 }
@@ -52,7 +59,7 @@ const OperatorRow *signBehind(const OperatorRow &row, const ProgramCell &cell) {
 // The place of the right operand of the operator at p; a sign ahead of it has gone into it.
 int rightOperandOf(Stretch &stretch, int p, const OperatorRow &row) {
     const OperatorRow *sign = signBehind(row, stretch.cells[p + 1]);
-    if (sign == nullptr || !isNumber(stretch.cellOrNothing(p + 2))) return p + 1;
+    if (sign == nullptr || !isOperand(stretch.cellOrNothing(p + 2))) return p + 1;
     applyUnary(stretch.cells[p + 2], stretch.cells[p + 2], *sign);
     stretch.blank(p + 1);
     return p + 2;
@@ -62,11 +69,13 @@ int rightOperandOf(Stretch &stretch, int p, const OperatorRow &row) {
 void applyBinaryAt(Stretch &stretch, int p, const OperatorRow &row) {
     const ProgramCell &left = stretch.cellOrNothing(p - 1);
     ProgramCell &right = stretch.cells[rightOperandOf(stretch, p, row)];
-    if (!isNumber(left) || !isNumber(right)) {
+    if (isNumber(left) && isNumber(right)) {
+        makeNumber(right, binaryValue(row, left.value, right.value));
+    } else if (isOperand(left) && isOperand(right)) {
+        right = combinedArrays(row, left, right);
+    } else {
         synError();
         makeNumber(right, row.binary(left.value, right.value));
-    } else {
-        makeNumber(right, binaryValue(row, left.value, right.value));
     }
     if (p > stretch.first) stretch.blank(p - 1);
     stretch.blank(p);
@@ -88,6 +97,14 @@ void applyFractions(Stretch &stretch) {
         p = last;
     }
     stretch.compact();
+}
+
+// Where no binary operator can stand: at either end, beside a comma, or behind another one.
+bool isValuePlace(const Stretch &stretch, int p) {
+    if (p == stretch.first || p == stretch.end() - 1) return true;
+    const ProgramCell &left = stretch.cells[p - 1];
+    return isToken(left, token::comma) || isToken(stretch.cells[p + 1], token::comma) ||
+           (left.kind == CellKind::token && factsOf(left).standsBetween);
 }
 
 // Degrees or hours, minutes and perhaps seconds, each with its mark, in base ten: the first mark stands at p. False
@@ -119,9 +136,14 @@ void multiplyNeighbours(Stretch &stretch) {
     for (int p = stretch.first + 1; p < stretch.end(); p++) {
         const ProgramCell &left = stretch.cells[p - 1];
         ProgramCell &right = stretch.cells[p];
-        if (!isNumber(left) || !isNumber(right)) continue;
-        right.value =
-            recording == nullptr ? complexMul(left.value, right.value) : recordProduct(left.value, right.value);
+        if (isNumber(left) && isNumber(right)) {
+            right.value =
+                recording == nullptr ? complexMul(left.value, right.value) : recordProduct(left.value, right.value);
+        } else if (isOperand(left) && isOperand(right)) {
+            right = productOfNeighbours(left, right);
+        } else {
+            continue;
+        }
         stretch.blank(p - 1);
     }
 }
@@ -130,8 +152,10 @@ void readVariables(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
         if (cell.kind != CellKind::token) continue;
-        if (const ComplexValue *variable = factsOf(cell).variable)
-            makeNumber(cell, recording == nullptr ? *variable : recordVariable(variable));
+        const ComplexValue *variable = factsOf(cell).variable;
+        if (variable == nullptr && isToken(cell, token::mode) && isValuePlace(stretch, p))
+            variable = &namedValue(token::mode);
+        if (variable != nullptr) makeNumber(cell, recording == nullptr ? *variable : recordVariable(variable));
     }
 }
 
@@ -139,6 +163,14 @@ void callGraphFunctions(Stretch &stretch) {
     constexpr std::uint8_t beforeFirst = 0x13;
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
+        const FunctionName name = functionNameOf(cell);
+        if (name != FunctionName::none && isNumber(stretch.cellOrNothing(p + 1))) {
+            if (refusesRecording()) return;
+            cell = evaluateFunctionOfGraphs(name, stretch.cells[p + 1].value.re);
+            stretch.blank(p + 1);
+            stretch.compact();
+            continue;
+        }
         if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
         if (refusesRecording()) return;
         cell = evaluateGraphFunction(cell.token1 - beforeFirst);
@@ -194,7 +226,7 @@ void applyPrefixes(Stretch &stretch) {
 void applySigns(Stretch &stretch) {
     for (int p = stretch.end() - 2; p >= stretch.first; p--) {
         const OperatorRow *row = signRow(stretch.cells[p]);
-        if (row == nullptr || (p > stretch.first && isNumber(stretch.cells[p - 1]))) continue;
+        if (row == nullptr || (p > stretch.first && isOperand(stretch.cells[p - 1]))) continue;
         applyPrefixAt(stretch, p, *row);
     }
 }

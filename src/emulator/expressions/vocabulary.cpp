@@ -10,6 +10,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/number_functions.h"
 #include "emulator/expressions/statistics_functions.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/key_port.h"
 #include "emulator/screens/number_input.h"
 #include "text/token_table.h"
@@ -141,7 +142,8 @@ static_assert(stepsRise(rows));
 std::span<const OperatorRow> basicRows() { return rows; }
 
 // The groups. A token has one row in all of them, plus and minus two.
-constexpr OperatorGroup groups[] = {basicRows, arrayRows, numberRows, calculusRows, statisticsRows};
+constexpr OperatorGroup groups[] = {basicRows,  arrayRows,    listRows,      matrixRows,
+                                    numberRows, calculusRows, statisticsRows};
 
 // The tokens of the steps that aren't operators.
 struct StructureRow {
@@ -160,6 +162,9 @@ constexpr StructureRow structure[] = {
     {{0x94}, maskOf(Step::baseNumbers)},
     {{0xA4}, maskOf(Step::baseNumbers)},
     {{0xB4}, maskOf(Step::baseNumbers)},
+    {{0x7F, 0x90}, maskOf(Step::arrays)},  // F Result, R Result
+    {{0x7F, 0x94}, maskOf(Step::arrays)},
+    {token::mode, maskOf(Step::variables)},
     {token::list, maskOf(Step::arrays)},
     {token::matrix, maskOf(Step::arrays)},
     {token::openBracket, maskOf(Step::subscripts) | maskOf(Step::literals)},
@@ -199,7 +204,8 @@ TokenFacts factsOfToken(Token token) {
     }
     facts.variable = variableRef(tokenCell(token));
     if (facts.variable != nullptr) facts.steps |= maskOf(Step::variables);
-    if (token.first >= firstGraphFunction.first && token.first <= lastGraphFunction.first)
+    if ((token.first >= firstGraphFunction.first && token.first <= lastGraphFunction.first) ||
+        functionNameOf(tokenCell(token)) != FunctionName::none)
         facts.steps |= maskOf(Step::graphFunctions);
     facts.opening = openingOfToken(token);
     if (facts.opening != Opening::none) facts.steps |= maskOf(Step::parentheses);

@@ -25,6 +25,7 @@ inline constexpr Token openBracket{0x5B}, closeBracket{0x5D}, openBrace{0x7B}, c
 inline constexpr Token plus{0x89}, minus{0x99}, negative{0x87}, fractionMark{0xBB}, ans{0xC0};
 inline constexpr Token degrees{0x9C}, toSexagesimal{0x8C};
 inline constexpr Token matrix{0x7F, 0x40}, list{0x7F, 0x51}, dim{0x7F, 0x46};
+inline constexpr Token mode{0x8E};  // of a sample, or the rest of a division
 }  // namespace token
 
 inline bool isToken(const ProgramCell &cell, Token which) {

@@ -12,7 +12,10 @@ std::span<const StatementRow> modeStatements();
 std::span<const StatementRow> memoryStatements();
 std::span<const StatementRow> lineStatements();
 std::span<const StatementRow> graphStatements();
+std::span<const StatementRow> arrayStatements();
 std::span<const StatementRow> statisticsStatements();
+std::span<const StatementRow> statisticsGraphStatements();
 std::span<const StatementRow> recursionStatements();
+std::span<const StatementRow> tableStatements();
 
 }  // namespace numalink
