@@ -108,6 +108,19 @@ TEST_F(FarEnd, TheFastLineIsOpenedAndClosedByTheProgram) {
     EXPECT_FALSE(farEndIsOpen());
 }
 
+TEST_F(FarEnd, OverwritesWhereAskedAndGivesUpWhereRefused) {
+    other.manners.headAnswer = 0x21;
+    EXPECT_EQ(reportsOf(run("7\\->A:\\Send(A)")), "");
+    EXPECT_EQ(other.received.size(), 1u);
+    other.library = other.received;
+    other.library[0].data[6] ^= 1;
+    other.manners.headAnswer = 0x24;
+    EXPECT_EQ(reportsOf(run("\\Send(A):\\Receive(A)")), "Com1 Com2 ") << "refused, and a wrong sum";
+    other.manners = {.dataAnswer = 0x2B};
+    EXPECT_EQ(reportsOf(run("\\Send(A):\\Receive(\\Mat A)")), "Com1 Com2 ");
+    EXPECT_EQ(machine.variables[0].re, 0);
+}
+
 TEST_F(FarEnd, NamesWhatCantBeSent) {
     EXPECT_EQ(reportsOf(run("\\Send(\\List 9):\\Send(5):\\Send(\\List \\Ans):\\Send(A+1):(1/0)\\->A:\\Send(A)")),
               "Dim1 Syn2 Syn3 Syn4 Ma 6 ");
