@@ -13,27 +13,30 @@ namespace numalink {
 
 namespace {
 
-QFrame *line = nullptr;
-QLabel *label = nullptr;
-void (*pressed)() = [] {};
+struct ModeLine {
+    QFrame *frame = nullptr;  // the emulator's window owns it
+    QLabel *label = nullptr;
+    void (*turnOn)() = [] {};
+};
+ModeLine state;
 
 // The keys of the keyboard stay the calculator's: the button never takes them, but has one with Alt.
 void makeModeLine() {
     constexpr QMargins margins(8, 4, 8, 4);
-    line = new QFrame(emulatorWindow);
-    line->setObjectName(QStringLiteral("modeLine"));
-    line->setFrameShape(QFrame::StyledPanel);
-    line->setAutoFillBackground(true);
-    label = new QLabel;
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
+    state.frame = new QFrame(emulatorWindow);
+    state.frame->setObjectName(QStringLiteral("modeLine"));
+    state.frame->setFrameShape(QFrame::StyledPanel);
+    state.frame->setAutoFillBackground(true);
+    state.label = new QLabel;
+    state.label->setTextFormat(Qt::PlainText);
+    state.label->setWordWrap(true);
     auto *button = new QPushButton(textOf(Text::modesTurnOn));
     button->setFocusPolicy(Qt::NoFocus);
     QObject::connect(
-        button, &QPushButton::clicked, emulatorWindow, [] { pressed(); }, Qt::QueuedConnection);
-    auto *layout = new QHBoxLayout(line);
+        button, &QPushButton::clicked, emulatorWindow, [] { state.turnOn(); }, Qt::QueuedConnection);
+    auto *layout = new QHBoxLayout(state.frame);
     layout->setContentsMargins(margins);
-    layout->addWidget(label, 1);
+    layout->addWidget(state.label, 1);
     layout->addWidget(button);
 }
 
@@ -41,30 +44,27 @@ void makeModeLine() {
 
 void showModeLine(const std::vector<std::string> &commands, void (*turnOn)()) {
     if (commands.empty()) {
-        if (line != nullptr) line->hide();
+        if (state.frame != nullptr) state.frame->hide();
         return;
     }
-    if (line == nullptr) makeModeLine();
+    if (state.frame == nullptr) makeModeLine();
     std::string names;
     for (const std::string &command : commands) names += (names.empty() ? "" : ", ") + utf8FromCalculator(command);
-    label->setText(toQt(wording(Text::modesDiffer, {names})));
-    pressed = turnOn;
-    line->show();
+    state.label->setText(toQt(wording(Text::modesDiffer, {names})));
+    state.turnOn = turnOn;
+    state.frame->show();
     placeModeLine();
 }
 
 void placeModeLine() {
-    if (line == nullptr) return;
+    if (state.frame == nullptr) return;
     const int width = emulatorWindow->width();
-    const QLayout *layout = line->layout();
-    line->setGeometry(0, 0, width, std::max(layout->heightForWidth(width), layout->minimumSize().height()));
+    const QLayout *layout = state.frame->layout();
+    state.frame->setGeometry(0, 0, width, std::max(layout->heightForWidth(width), layout->minimumSize().height()));
 }
 
-int modeLineHeight() { return line == nullptr || line->isHidden() ? 0 : line->height(); }
+int modeLineHeight() { return state.frame == nullptr || state.frame->isHidden() ? 0 : state.frame->height(); }
 
-void forgetModeLine() {
-    line = nullptr;
-    label = nullptr;
-}
+void forgetModeLine() { state = {}; }
 
 }  // namespace numalink
