@@ -338,6 +338,9 @@ int waitKey(RunEnd where) {
 
 int getKey() { return runIsLeft() ? 0 : historyGetKey(); }
 std::uint64_t ticks() { return runIsLeft() ? 0 : historyTicks(); }
+LineOutcome lineOutcome(const std::function<LineOutcome()> &exchange) {
+    return runIsLeft() ? LineOutcome() : historyLine(exchange);
+}
 
 }  // namespace
 
@@ -349,6 +352,7 @@ const RunObserver followingObserver = {
     .waitKey = waitKey,
     .getKey = getKey,
     .ticks = ticks,
+    .lineOutcome = lineOutcome,
 };
 
 void followAnew(bool stopsAtEntry) {

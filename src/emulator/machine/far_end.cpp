@@ -5,7 +5,8 @@
 #include <optional>
 
 #include "calculator/frames.h"
-#include "emulator/machine/run_waits.h"
+#include "emulator/machine/pace.h"
+#include "emulator/machine/run_observer.h"
 #include "platform/serial_line.h"
 #include "settings/settings_store.h"
 
@@ -86,25 +87,13 @@ bool readFrame(std::span<std::uint8_t> frame) {
     return write(isGood ? control::good : control::bad) && isGood;
 }
 
-}  // namespace
-
-bool farEndOpen(unsigned baud) {
+bool openLine(unsigned baud) {
     const std::string port = settingsValue(setting::farEndPort);
     isOpen = !port.empty() && runGoesOn() && farEndLine.open(port, baud).fault == LineFault::none;
     return isOpen;
 }
 
-bool farEndIsOpen() { return isOpen; }
-
-void farEndClose() {
-    if (isOpen.exchange(false)) farEndLine.close();
-}
-
-void farEndInterrupt() {
-    if (isOpen) farEndLine.interrupt();
-}
-
-bool farEndSend(ByteView head, ByteView data, std::size_t frameSize) {
+bool sendItem(ByteView head, ByteView data, std::size_t frameSize) {
     if (answerToCall() != control::ready || !write(head) || !isTaken()) return false;
     for (std::size_t at = 0; at < data.size(); at += frameSize) {
         if (!write(data.subspan(at, frameSize)) || !isTaken()) return false;
@@ -114,7 +103,7 @@ bool farEndSend(ByteView head, ByteView data, std::size_t frameSize) {
     return true;
 }
 
-bool farEndReceive(ByteView request, DataSize (*dataSize)(ByteView head), Bytes &head, Bytes &data) {
+bool receiveItem(ByteView request, DataSize (*dataSize)(ByteView head), Bytes &head, Bytes &data) {
     auto answer = answerToCall();
     if (answer == control::ready) {
         if (!write(request) || !isTaken()) return false;
@@ -131,6 +120,45 @@ bool farEndReceive(ByteView request, DataSize (*dataSize)(ByteView head), Bytes 
     Bytes closing(headFrameSize);
     readAll(closing, answerWait);  // or another item, which isn't answered
     return true;
+}
+
+LineOutcome outcomeOf(const std::function<LineOutcome()> &exchange) {
+    const RunObserver *observer = observing();
+    return observer == nullptr ? exchange() : observer->lineOutcome(exchange);
+}
+
+}  // namespace
+
+bool farEndOpen(unsigned baud) {
+    return outcomeOf([baud] { return LineOutcome{openLine(baud), {}, {}}; }).isGood;
+}
+
+bool farEndIsOpen() {
+    return outcomeOf([] { return LineOutcome{isOpen, {}, {}}; }).isGood;
+}
+
+// What is repeated leaves the line alone.
+void farEndClose() {
+    if (!runRepeats && isOpen.exchange(false)) farEndLine.close();
+}
+
+void farEndInterrupt() {
+    if (isOpen) farEndLine.interrupt();
+}
+
+bool farEndSend(ByteView head, ByteView data, std::size_t frameSize) {
+    return outcomeOf([&] { return LineOutcome{sendItem(head, data, frameSize), {}, {}}; }).isGood;
+}
+
+bool farEndReceive(ByteView request, DataSize (*dataSize)(ByteView head), Bytes &head, Bytes &data) {
+    LineOutcome outcome = outcomeOf([&] {
+        LineOutcome made;
+        made.isGood = receiveItem(request, dataSize, made.head, made.data);
+        return made;
+    });
+    head = std::move(outcome.head);
+    data = std::move(outcome.data);
+    return outcome.isGood;
 }
 
 }  // namespace numalink

@@ -282,6 +282,7 @@ void runFirstProgram() {
             calls[0]->position = 0;
         }
     }
+    runRepeats = false;  // so that the line is closed whatever it stopped in
     farEndClose();
 }
 
