@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <deque>
+#include <type_traits>
 
 #include "debugger/machine_image.h"
 #include "emulator/machine/key_port.h"
@@ -53,7 +54,13 @@ public:
         }
     }
     void forget() { *this = {}; }
-    std::size_t bytes() const { return entries.size() * sizeof(Entry); }
+    std::size_t bytes() const {
+        std::size_t taken = entries.size() * sizeof(Entry);
+        if constexpr (std::is_same_v<Value, LineOutcome>) {
+            for (const Entry &entry : entries) taken += entry.value.head.size() + entry.value.data.size();
+        }
+        return taken;
+    }
 
 private:
     struct Entry {
@@ -68,7 +75,7 @@ private:
 struct Keyframe {
     std::uint64_t statement = 0;
     bool hasChange = false;  // the machine was changed by hand here
-    std::uint64_t waits = 0, getKeys = 0, ticks = 0;
+    std::uint64_t waits = 0, getKeys = 0, ticks = 0, lines = 0;
     MachineImage image;
 };
 
@@ -79,6 +86,7 @@ struct History {
     std::size_t frameBytes = 0;  // of the keyframes beside their pages
     InputLog<int> waits, getKeys;
     InputLog<std::uint64_t> ticks;
+    InputLog<LineOutcome> lines;
     Clock::time_point lastTaken;
     unsigned thinned = 0;  // how often memory has made the images fewer: each time they are twice as far apart
 };
@@ -87,7 +95,8 @@ History history;
 std::size_t bytesOf(const Keyframe &keyframe) { return sizeof keyframe + bytesOfImage(keyframe.image); }
 
 std::size_t bytesUsed() {
-    return imageBytes() + history.frameBytes + history.waits.bytes() + history.getKeys.bytes() + history.ticks.bytes();
+    return imageBytes() + history.frameBytes + history.waits.bytes() + history.getKeys.bytes() + history.ticks.bytes() +
+           history.lines.bytes();
 }
 
 void dropOldest() {
@@ -97,6 +106,7 @@ void dropOldest() {
     history.waits.forgetAhead(oldest.waits);
     history.getKeys.forgetAhead(oldest.getKeys);
     history.ticks.forgetAhead(oldest.ticks);
+    history.lines.forgetAhead(oldest.lines);
 }
 
 // Every second one goes, but for the oldest, the newest and those of changes by hand.
@@ -132,6 +142,7 @@ void take(std::uint64_t statement) {
                                  .waits = history.waits.place(),
                                  .getKeys = history.getKeys.place(),
                                  .ticks = history.ticks.place(),
+                                 .lines = history.lines.place(),
                                  .image = takeImage()});
     history.frameBytes += bytesOf(history.keyframes.back());
     history.changeDue = false;
@@ -185,7 +196,10 @@ int historyGetKey() {
 std::uint64_t historyTicks() {
     return nextOf(history.ticks, [] { return tickCount(); });
 }
-bool historyHasInput() { return history.waits.hasNext() || history.getKeys.hasNext() || history.ticks.hasNext(); }
+LineOutcome historyLine(const std::function<LineOutcome()> &exchange) { return nextOf(history.lines, exchange); }
+bool historyHasInput() {
+    return history.waits.hasNext() || history.getKeys.hasNext() || history.ticks.hasNext() || history.lines.hasNext();
+}
 
 std::uint64_t historyOldest() { return history.keyframes.empty() ? UINT64_MAX : history.keyframes.front().statement; }
 
@@ -194,6 +208,7 @@ void historyCut(std::uint64_t statement, bool hasChanged, bool betweenStatements
     history.waits.cut();
     history.getKeys.cut();
     history.ticks.cut();
+    history.lines.cut();
     while (!history.keyframes.empty() && history.keyframes.back().statement > statement) {
         history.frameBytes -= bytesOf(history.keyframes.back());
         history.keyframes.pop_back();
@@ -215,6 +230,7 @@ bool historyBringBack(std::size_t image) {
     history.waits.goTo(keyframe.waits);
     history.getKeys.goTo(keyframe.getKeys);
     history.ticks.goTo(keyframe.ticks);
+    history.lines.goTo(keyframe.lines);
     return runCarryOnFrom(keyframe.image.calls);
 }
 

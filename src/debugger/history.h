@@ -1,13 +1,13 @@
 // The record of a run: images of the machine now and then, and between them all that came from outside (keys, the
-// clock), so that a state between any two statements is made again by running from the image ahead of it. At least the
-// last 1,000,000 statements, in at most 64 MB; where an image is large the images are further apart.
+// clock, what a line gave), so that a state between any two statements is made again by running from the image ahead of
+// it. At least the last 1,000,000 statements, in at most 64 MB; where an image is large the images are further apart.
 // Run thread; while the run is stopped, the thread of the commands.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
-#include "emulator/machine/run_waits.h"
+#include "emulator/machine/run_observer.h"
 
 namespace numalink {
 
@@ -26,6 +26,7 @@ std::uint64_t historyAt(std::uint64_t statement);
 int historyWaitKey(RunEnd where);
 int historyGetKey();
 std::uint64_t historyTicks();
+LineOutcome historyLine(const std::function<LineOutcome()> &exchange);
 bool historyHasInput();  // there is more of it
 
 std::uint64_t historyOldest();  // the first statement that can be gone back to

@@ -165,16 +165,26 @@ bool stepIsOver(int program, int cell) {
     return false;
 }
 
-DebugStop whyStop(int program, int cell) {
-    const StopFound found = run.options.breakpoints ? stopsFind(run.stops, program, cell) : StopFound();
-    StopReason reason = found.reason;
-    if (reason == StopReason::none && stepIsOver(program, cell)) reason = StopReason::step;
-    if (std::exchange(run.entryDue, false)) reason = StopReason::entry;
-    if (reason == StopReason::none && control.pauseWanted) reason = StopReason::pause;
-    if (reason == StopReason::none) return {};
-    DebugStop stop = stopFor(reason, program, cell, false);
+// Its reason, if one of the breakpoints is.
+void takeBreakpoint(DebugStop &stop, int program, int cell) {
+    if (!run.options.breakpoints) return;
+    const StopFound found = stopsFind(run.stops, program, cell);
+    if (found.reason == StopReason::none) return;
+    stop.reason = found.reason;
     stop.breakpoint = found.breakpoint;
     stop.detail = found.detail;
+}
+
+DebugStop whyStop(int program, int cell) {
+    DebugStop why;
+    takeBreakpoint(why, program, cell);
+    if (why.reason == StopReason::none && stepIsOver(program, cell)) why.reason = StopReason::step;
+    if (std::exchange(run.entryDue, false)) why.reason = StopReason::entry;
+    if (why.reason == StopReason::none && control.pauseWanted) why.reason = StopReason::pause;
+    if (why.reason == StopReason::none) return why;
+    DebugStop stop = stopFor(why.reason, program, cell, false);
+    stop.breakpoint = why.breakpoint;
+    stop.detail = why.detail;
     return stop;
 }
 
@@ -251,8 +261,14 @@ bool beforeStatement(RunState &running) {
         return false;
     }
     if (!runRepeats) record(program, cell);
-    const DebugStop stop = whyStop(program, cell);
+    DebugStop stop = whyStop(program, cell);
+    const std::uint64_t version = run.stops.version;
     if (stop.reason != StopReason::none && !stopAt(stop)) return false;
+    if (stop.reason == StopReason::entry && run.stops.version != version) {
+        // A breakpoint that was set while the run stood ahead of all counts there too.
+        takeBreakpoint(stop, program, cell);
+        if (stop.reason != StopReason::entry && !stopAt(stop)) return false;
+    }
     setLook();
     return runGoesOn();
 }
@@ -322,6 +338,9 @@ int waitKey(RunEnd where) {
 
 int getKey() { return runIsLeft() ? 0 : historyGetKey(); }
 std::uint64_t ticks() { return runIsLeft() ? 0 : historyTicks(); }
+LineOutcome lineOutcome(const std::function<LineOutcome()> &exchange) {
+    return runIsLeft() ? LineOutcome() : historyLine(exchange);
+}
 
 }  // namespace
 
@@ -333,6 +352,7 @@ const RunObserver followingObserver = {
     .waitKey = waitKey,
     .getKey = getKey,
     .ticks = ticks,
+    .lineOutcome = lineOutcome,
 };
 
 void followAnew(bool stopsAtEntry) {

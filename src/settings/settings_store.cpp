@@ -42,6 +42,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::lastExportType, "cas"},
     {setting::calculatorModes, "0"},
     {setting::besideProgram, "0"},
+    {setting::farEndPort, ""},
 };
 static_assert(std::size(defaultSettings) < settingsSlotCount);
 

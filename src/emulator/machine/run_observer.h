@@ -4,12 +4,21 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 
 #include "emulator/machine/run_waits.h"
+#include "platform/bytes.h"
 
 namespace numalink {
 
 struct RunState;
+
+// What an exchange with the far end of a line came to, and what was received in it.
+struct LineOutcome {
+    bool isGood = false;
+    Bytes head, data;
+    friend bool operator==(const LineOutcome &, const LineOutcome &) = default;
+};
 
 // All of it is called on the run thread, and no entry may be null.
 struct RunObserver {
@@ -26,6 +35,8 @@ struct RunObserver {
     int (*waitKey)(RunEnd where);
     int (*getKey)();
     std::uint64_t (*ticks)();
+    // In the place of an exchange with the far end of a line, for the same.
+    LineOutcome (*lineOutcome)(const std::function<LineOutcome()> &exchange);
 };
 
 // Set on any thread. A run sees it within a statement that has no plan, a pass of a wait or 4,096 statements. The

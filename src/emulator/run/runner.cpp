@@ -13,6 +13,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/block_search.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/far_end.h"
 #include "emulator/machine/graph_memory.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
@@ -281,6 +282,8 @@ void runFirstProgram() {
             calls[0]->position = 0;
         }
     }
+    runRepeats = false;  // so that the line is closed whatever it stopped in
+    farEndClose();
 }
 
 // The callee has ended at once at full speed; else as the caller's looks would find it.
@@ -375,6 +378,7 @@ void runStop() {
     emulatorRunning = false;
     graphicalCallsRefuse(ThreadRole::run);
     runWake();
+    farEndInterrupt();
     joinRun();
 }
 
