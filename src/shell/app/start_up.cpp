@@ -12,6 +12,7 @@
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "shell/app/draft_offer.h"
+#include "shell/app/library_change.h"
 #include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
 #include "shell/app/qt_language.h"
@@ -20,6 +21,7 @@
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
 #include "shell/commands/file_commands.h"
+#include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
@@ -52,14 +54,19 @@ bool done(void (*work)()) {
     return true;
 }
 
+StartWish startWish;
+
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
+void openFilesSoon() {
+    if (!startWish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(startWish.files); });
+}
 
 bool settingsRead = true;
 bool isFirstUse = false;  // neither a library nor settings were there
 
 bool loadSettings() {
-    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
+    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(settingsFolder() + "settings.xml");
     return settingsLoad();
 }
 
@@ -75,7 +82,7 @@ bool colorFirstUse() {
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
-    tellUser(Text::fileFailed, {libraryFolder() + "settings.xml"});
+    tellUser(Text::fileFailed, {settingsFolder() + "settings.xml"});
     return true;
 }
 
@@ -87,11 +94,12 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(); }, true},
+    {"running copy", [] { return !raiseRunningCopy(startWish); }, true},
     {"settings", [] { return settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
+    {"recent libraries", [] { return done(listRecentLibraries); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
@@ -114,6 +122,7 @@ constexpr StartStep startSteps[] = {
     {"link", [] { return done(startLink); }, false},
     {"signals", [] { return done([] { watchStopSignals(shutDownAtOnce); }); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
+    {"files", [] { return done(openFilesSoon); }, false},
 };
 
 bool shutting = false;
@@ -131,10 +140,12 @@ void closeLibraryAndQuit() {
 
 }  // namespace
 
-bool startUp() {
+bool startUp(const StartWish &wish) {
+    startWish = wish;
     threadRole = ThreadRole::graphical;
     shutting = false;
     endProgram = shutDown;
+    changeLibrary = changeLibraryTo;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {

@@ -109,8 +109,10 @@ std::vector<std::string> portsOffered() {
 void startLink() {
     listSerialPorts = portsOffered;
     linkSettingsChanged = startLinkThread;
-    deadlineTimer = new QTimer(mainWindow);
-    QObject::connect(deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    if (deadlineTimer == nullptr) {
+        deadlineTimer = new QTimer(mainWindow);
+        QObject::connect(deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    }
     deadlineTimer->start(deadlineMilliseconds);
     startLinkThread();
 }

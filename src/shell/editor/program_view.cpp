@@ -20,6 +20,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "store/item_store.h"
 #include "text/lenient_text.h"
 #include "text/token_table.h"
 
@@ -270,11 +271,16 @@ void forgetProgramView() {
     changedFrom = changedTo = -1;
 }
 
+void forgetKeptPrograms() {
+    for (const KeptProgram &kept : keptPrograms) delete kept.document;
+    keptPrograms.clear();
+}
+
 void openProgram(ItemId id, ByteView image) {
     if (!showKept(id, image)) return programToView(image);
     filling = true;
     readColors();
-    programEdit->setReadOnly(tokenCount() == 0);
+    programEdit->setReadOnly(tokenCount() == 0 || storeIsReadOnly());
     colorDocument();
     filling = false;
     programEdit->ensureCursorVisible();
@@ -300,7 +306,7 @@ void programToView(ByteView image) {
     filling = true;
     readColors();
     fill(viewLines(image));
-    programEdit->setReadOnly(tokenCount() == 0);
+    programEdit->setReadOnly(tokenCount() == 0 || storeIsReadOnly());
     colorDocument();
     document()->setModified(false);
     caretSteps.clear();
