@@ -13,6 +13,7 @@
 #include "calculator/charset.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions.h"
+#include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
@@ -128,6 +129,7 @@ void freshMachine(const RunFile &file) {
     settingsSetValue(group + "FullSpeed", "1");
     for (const auto &[key, lines] : file.all("set")) settingsSetValue(group + firstWord(key), behindFirstWord(key));
     poolReset();
+    randomRestart();
     machine = EmulatorMachine{};
     clearText();
     clearGraph();
@@ -314,16 +316,16 @@ struct RunClock {
     ~RunClock() { clockPort = systemClock; }
 };
 
-std::vector<std::string> runFiles() {
+std::vector<std::string> runFiles(const char *folder) {
     std::vector<std::string> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(NUMALINK_RUNS_FOLDER)) {
-        if (entry.path().extension() == ".run") paths.push_back(entry.path().stem().string());
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".run") paths.push_back(entry.path().string());
     }
     std::ranges::sort(paths);
     return paths;
 }
 
-class Runs : public testing::TestWithParam<std::string> {
+class RunMachine : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         threadRole = ThreadRole::graphical;
@@ -335,12 +337,102 @@ protected:
     RunClock clock;
 };
 
+class Runs : public RunMachine, public testing::WithParamInterface<std::string> {};
+
 TEST_P(Runs, EndsAsItsFileTells) {
-    const std::string differences = checkRunFile(std::string(NUMALINK_RUNS_FOLDER "/") + GetParam() + ".run");
+    const std::string differences = checkRunFile(GetParam());
     EXPECT_TRUE(differences.empty()) << differences;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Runs, testing::ValuesIn(runFiles()), [](const auto &run) { return run.param; });
+std::string stemOf(const testing::TestParamInfo<std::string> &path) {
+    return std::filesystem::path(path.param).stem().string();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Runs, testing::ValuesIn(runFiles(NUMALINK_RUNS_FOLDER)), stemOf);
+INSTANTIATE_TEST_SUITE_P(Programs, Runs, testing::ValuesIn(runFiles(NUMALINK_PROGRAMS_FOLDER)), stemOf);
+
+// The language reference: every example is run with calculator modes, and gives what its row tells.
+
+// "keyed 1 2 EXE: A=12" begins with the keys of all waits and of Getkey; what is left is "A=12".
+RunFile fileOfExample(const std::string &words, std::string &gives) {
+    RunFile file;
+    for (const char *line : {"set CalculatorModes 1", "program EXAMPLE"}) takeLine(file, line);
+    takeLine(file, "|" + words);
+    if (gives.starts_with("keyed ")) {
+        const std::size_t colon = gives.find(": ");
+        std::string keys;
+        for (const std::string &key : wordsOf(gives.substr(6, colon - 6))) {
+            constexpr const char *digitKeys[] = {"71", "72", "62", "52", "73", "63", "53", "74", "64", "54"};
+            keys += (key.size() == 1 ? digitKeys[key[0] - '0'] : key) + (" " + std::string());
+        }
+        for (const char *reader : {"keys ", "getkey "}) takeLine(file, reader + keys);
+        gives = gives.substr(colon + 2);
+    }
+    return file;
+}
+
+std::string dotFound(const std::string &dot) {
+    const std::size_t comma = dot.find(',');
+    const Color color = dotAt(graphScreen(), std::stoi(dot), std::stoi(dot.substr(comma + 1)));
+    const std::string place = "dot " + dot.substr(0, dot.find(' '));
+    if (color == lcdColor::background) return "no " + place;
+    if (dot.find(' ') == std::string::npos) return place;
+    return place + (color == lcdColor::orange ? " orange" : color == lcdColor::green ? " green" : " blue");
+}
+
+// What the run has left of that of which a row tells, in the row's own words.
+std::string foundOf(const std::string &told) {
+    const std::size_t equals = told.find('=');
+    const std::string name = told.substr(0, equals);
+    if (told.starts_with("dot ")) return dotFound(told.substr(4));
+    if (told.starts_with("no dot ")) return dotFound(told.substr(7));
+    if (told.starts_with("List ")) return name + "=" + arrayFound(true, "1/" + name.substr(5));
+    if (told.starts_with("Mat ")) return name + "=" + arrayFound(false, name.substr(4));
+    if (told.starts_with("shows ")) {
+        Lines rows;
+        for (int row = 1; row <= textRowCount; row++)
+            rows.push_back(joined(wordsOf(utf8FromCalculator(textRowCodes(row))), " "));
+        const bool isShown = std::ranges::find(rows, told.substr(6)) != rows.end();
+        return isShown ? told : "shows " + joined(rows, "/");
+    }
+    if (equals == 1) return name + "=" + valueOf(machine.variables[static_cast<std::size_t>(told[0] - 'A')]);
+    if (told[0] == '{') return arrayFound(true, "1/Ans");
+    if (told[0] == '[') return arrayFound(false, "Ans");
+    return valueOf(machine.ans);
+}
+
+std::string runExample(const std::string &words, const std::string &row) {
+    std::string gives = row;
+    const RunFile file = fileOfExample(words, gives);
+    const RecordedUi recorded;
+    freshMachine(file);
+    machine.ans = complexReal(-77);  // so that a statement without a value is told apart from one with the value 0
+    const RunReport report = runOf(file);
+    if (!report.errors.empty()) return report.errors.front().text;
+    std::string found;
+    for (std::size_t at = 0, end = 0; at < gives.size(); at = end + 2) {
+        end = std::min(gives.find("; ", at), gives.size());
+        found += (found.empty() ? "" : "; ") + foundOf(gives.substr(at, end - at));
+    }
+    return row.substr(0, row.size() - gives.size()) + found;
+}
+
+TEST_F(RunMachine, GivesWhatTheLanguageReferenceTells) {
+    enum Column { token = 0, example = 8, told = 9 };
+    std::ifstream stream(NUMALINK_LANGUAGE_REFERENCE);
+    int run = 0;
+    std::string line;
+    std::getline(stream, line);
+    while (std::getline(stream, line)) {
+        Lines fields;
+        std::istringstream row(line);
+        for (std::string field; std::getline(row, field, '\t');) fields.push_back(field);
+        if (fields.at(example).empty()) continue;
+        EXPECT_EQ(fields.at(told), runExample(fields.at(example), fields.at(told))) << line;
+        run++;
+    }
+    EXPECT_GT(run, 250);
+}
 
 }  // namespace
 

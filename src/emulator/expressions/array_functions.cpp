@@ -13,8 +13,22 @@ namespace numalink {
 
 namespace {
 
+// One list behind the other.
+ProgramCell joinLists(const MatrixDescriptor *first, const MatrixDescriptor *second) {
+    MatrixDescriptor *joined = matrixAllocate(ownedTemporarily, 1, first->rows + second->rows);
+    if (matrixSize(joined) == first->rows + second->rows) {
+        double *end = std::copy_n(matrixElements(first), first->rows, matrixElements(joined));
+        std::copy_n(matrixElements(second), second->rows, end);
+    }
+    return arrayCell(CellKind::list, joined);
+}
+
+// Two matrices side by side; as on the calculators, two lists as well.
 ProgramCell augment(const CallArguments &arguments) {
     const ProgramCell *cells = arguments.cells + arguments.first;
+    const bool areLists = arguments.count == 3 && cells[0].kind == CellKind::list && isToken(cells[1], token::comma) &&
+                          cells[2].kind == CellKind::list;
+    if (areLists && machine.calculatorModes) return joinLists(cells[0].matrix, cells[2].matrix);
     if (arguments.count != 3 || cells[0].kind != CellKind::matrix || !isToken(cells[1], token::comma) ||
         cells[2].kind != CellKind::matrix)
         return refusedCall(synError);

@@ -44,8 +44,9 @@ struct Growing {
             fits = false;
             return;
         }
-        double power = std::pow(10.0, cell.stringLength - 1);
-        for (double rest = cell.value.re; power >= 1; power /= 10) {
+        double rest = cell.value.re;
+        for (int place = cell.stringLength - 1; place >= 0; place--) {
+            const double power = std::pow(10.0, place);
             const double digit = std::floor(rest / power);
             rest -= digit * power;
             take(static_cast<int>(digit));
@@ -71,6 +72,13 @@ void readDigits(Stretch &stretch, int p, int first, int end, int base) {
 }
 
 }  // namespace
+
+ComplexValue heldToBase(ComplexValue result) {
+    const double limit = machine.numberBase == 2 ? 32768.0 : 2147483648.0;
+    const double whole = std::trunc(result.re);
+    if (!(whole >= -limit && whole < limit)) maError();
+    return complexReal(whole);
+}
 
 void readBaseNumbers(Stretch &stretch) {
     for (int p = stretch.first; p < stretch.end(); p++) {

@@ -48,6 +48,9 @@ template <Step step>
 void applyBinary(Stretch &stretch);  // combination, multiplication, addition, relation, logicalAnd, logicalOr
 void clearLonePoint(Stretch &stretch);
 
+// A result in another base than ten: without its fraction. Ma  ERROR beyond the bits of the base.
+ComplexValue heldToBase(ComplexValue result);
+
 // The steps that have something to do at the cells of the stretch, and whether it holds blanks.
 void findSteps(Stretch &stretch);
 

@@ -51,6 +51,16 @@ OperationCode codeOf(const OperatorRow &row) {
     return OperationCode::otherBinary;
 }
 
+std::optional<ArrayName> arrayNamed(CellKind kind, const ProgramCell &name, double number) {
+    if (kind == CellKind::matrix) {
+        MatrixSlot *slot = name.kind == CellKind::token ? matrixSlotRef(&name, 0) : nullptr;
+        return slot == nullptr ? std::nullopt : std::optional(ArrayName{.matrix = slot});
+    }
+    if (isToken(name, token::ans)) return ArrayName{.list = listAnsSlot};
+    const int list = isNumber(name) ? cutToInteger(number) : 0;
+    return list >= 1 && list <= listNumberLimit ? std::optional(ArrayName{.list = list - 1}) : std::nullopt;
+}
+
 ComplexValue unaryResult(const OperatorRow &row, ComplexValue operand) {
     const ComplexValue result = row.unary(operand);
     holdToBound(row, operand, {}, result);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "emulator/expressions/operators.h"
 
@@ -35,6 +36,10 @@ inline MatrixSlot &slotOf(const ArrayName &name) {
     if (name.matrix != nullptr) return *name.matrix;
     return machine.listSlots[static_cast<std::size_t>(machine.currentFile)][static_cast<std::size_t>(name.list)];
 }
+
+// The array that a name behind its word gives: a letter or Ans, or a list's number, which is that value. Nothing where
+// it gives none; nothing is reported.
+std::optional<ArrayName> arrayNamed(CellKind kind, const ProgramCell &name, double number);
 
 struct Operation {
     OperationCode code = OperationCode::add;

@@ -24,7 +24,8 @@ bool isCount(double x) { return x >= 0 && std::trunc(x) == x; }
 // n times the whole numbers below it, so many in all.
 double fallingProduct(double n, double factors) {
     double product = 1;
-    for (double k = 0; k < factors && product <= largestResult; k++) product *= n - k;
+    const auto count = static_cast<std::int64_t>(factors);
+    for (std::int64_t k = 0; k < count && product <= largestResult; k++) product *= n - static_cast<double>(k);
     return product;
 }
 
@@ -43,7 +44,11 @@ Value combinations(Value n, Value r) {
     if (!canChoose(n, r)) return complexReal(none);
     const double factors = std::fmin(r.re, n.re - r.re);
     double product = 1;
-    for (double k = 1; k <= factors && product <= largestResult; k++) product = product * (n.re - factors + k) / k;
+    const auto count = static_cast<std::int64_t>(factors);
+    for (std::int64_t i = 1; i <= count && product <= largestResult; i++) {
+        const auto k = static_cast<double>(i);
+        product = product * (n.re - factors + k) / k;
+    }
     return complexReal(product);
 }
 
@@ -68,6 +73,11 @@ Value fromUnit(Value a) {
     if (unit == machine.angleUnit) return a;
     const double factor = radiansPerUnit(unit) / radiansPerUnit(machine.angleUnit);
     return complexMake(a.re * factor, a.im * factor);
+}
+
+// A complex number by its size and angle.
+Value byAngle(Value size, Value angle) {
+    return complexMake(size.re * cosineOf(angle.re, machine.angleUnit), size.re * sineOf(angle.re, machine.angleUnit));
 }
 
 template <int exponent>
@@ -125,8 +135,8 @@ constexpr OperatorRow rows[] = {
     unary({0x09}, Step::postfix, "tera", engineering<12>),
     unary({0x0A}, Step::postfix, "peta", engineering<15>),
     unary({0x0B}, Step::postfix, "exa", engineering<18>),
-    unary({0x8C}, Step::postfix, "to DMS", unchanged),
-    unary({0x9C}, Step::postfix, "degrees", fromUnit<AngleUnit::degrees>),
+    unary(token::toSexagesimal, Step::postfix, "to DMS", unchanged),
+    unary(token::degrees, Step::postfix, "degrees", fromUnit<AngleUnit::degrees>),
     unary({0xAB}, Step::postfix, "factorial", factorial, bounded),
     unary({0xAC}, Step::postfix, "radians", fromUnit<AngleUnit::radians>),
     unary({0xBC}, Step::postfix, "gradians", fromUnit<AngleUnit::gradians>),
@@ -138,6 +148,8 @@ constexpr OperatorRow rows[] = {
     unary({0xB5}, Step::prefix, "power of 10", ofReal<powerOfTen>, bounded),
     unary({0xB7}, Step::prefix, "Neg", negatedBits),
 
+    binary({0x7F, 0x54}, Step::combination, "angle", byAngle, bounded),
+    binary({0x7F, 0x55}, Step::combination, "angle", byAngle, bounded),
     binary({0x88}, Step::combination, "permutations", permutations, bounded),
     binary({0x98}, Step::combination, "combinations", combinations, bounded),
 

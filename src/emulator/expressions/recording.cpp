@@ -97,21 +97,12 @@ ComplexValue recordSource(const OperatorRow &row) {
 ComplexValue recordVariable(const ComplexValue *variable) { return operandNumber(variable); }
 
 MatrixDescriptor *recordArray(CellKind kind, const ProgramCell &name) {
-    ArrayName array;
-    if (kind == CellKind::matrix) {
-        array.matrix = matrixSlotRef(&name, 0);
-    } else if (isNumber(name)) {
-        const int number = cutToInteger(operandOf(*recording, name)->re);
-        array.list = number >= 1 && number <= listNumberLimit ? number - 1 : -1;
-    } else {
-        array.list = isToken(name, token::ans) ? listAnsSlot : -1;
-    }
-    if ((array.matrix == nullptr && (kind == CellKind::matrix || array.list < 0)) ||
-        recording->arrays.size() == arrayLimit) {
+    const auto array = arrayNamed(kind, name, isNumber(name) ? operandOf(*recording, name)->re : 0);
+    if (!array || recording->arrays.size() == arrayLimit) {
         recording->refused = true;
         return nullptr;
     }
-    recording->arrays.push_back(array);
+    recording->arrays.push_back(*array);
     return &arrayMarks[recording->arrays.size() - 1];
 }
 

@@ -141,7 +141,8 @@ static_assert(stepsRise(rows));
 std::span<const OperatorRow> basicRows() { return rows; }
 
 // The groups. A token has one row in all of them, plus and minus two.
-constexpr OperatorGroup groups[] = {basicRows, arrayRows, numberRows, calculusRows, statisticsRows};
+constexpr OperatorGroup groups[] = {basicRows,  arrayRows,    listRows,      matrixRows,
+                                    numberRows, calculusRows, statisticsRows};
 
 // The tokens of the steps that aren't operators.
 struct StructureRow {
@@ -160,6 +161,7 @@ constexpr StructureRow structure[] = {
     {{0x94}, maskOf(Step::baseNumbers)},
     {{0xA4}, maskOf(Step::baseNumbers)},
     {{0xB4}, maskOf(Step::baseNumbers)},
+    {token::mode, maskOf(Step::variables)},
     {token::list, maskOf(Step::arrays)},
     {token::matrix, maskOf(Step::arrays)},
     {token::openBracket, maskOf(Step::subscripts) | maskOf(Step::literals)},

@@ -23,7 +23,9 @@ inline constexpr Token comma{0x2C}, point{0x2E}, quote{0x22}, blank{0x20}, quest
 inline constexpr Token openParenthesis{0x28}, closeParenthesis{0x29};
 inline constexpr Token openBracket{0x5B}, closeBracket{0x5D}, openBrace{0x7B}, closeBrace{0x7D};
 inline constexpr Token plus{0x89}, minus{0x99}, negative{0x87}, fractionMark{0xBB}, ans{0xC0};
+inline constexpr Token degrees{0x9C}, toSexagesimal{0x8C};
 inline constexpr Token matrix{0x7F, 0x40}, list{0x7F, 0x51}, dim{0x7F, 0x46};
+inline constexpr Token mode{0x8E};  // of a sample, or the rest of a division
 }  // namespace token
 
 inline bool isToken(const ProgramCell &cell, Token which) {

@@ -96,13 +96,14 @@ inline constexpr int filledListCount = 6;  // lists of each file with FillListsM
 
 enum ScreenMode : int { graphMode = 1, textMode = 2, matrixMode = 3 };
 
-// What the mode commands set. The words count only with the setting CalculatorModes, but for the decimals of Fix and
-// the digits of Sci.
+// What the mode commands set; Fix, Sci and the end of both count always, all else with the setting CalculatorModes.
 enum class AngleUnit : std::uint8_t { degrees, radians, gradians };
 enum class NumberForm : std::uint8_t { normal, fixed, scientific };
 struct NumberFormat {
     NumberForm form = NumberForm::normal;
-    int digits = 0;  // 0 to 9: decimals, or significant digits, where 0 means 10
+    int digits = 0;                // 0 to 9: decimals, or significant digits, where 0 means 10
+    int lowestFixedExponent = -1;  // of normal: -2 with Norm 1, -9 with Norm 2
+    bool engineering = false;      // a letter in the place of the exponent
 };
 
 // Tokens that name a number beside letters and view window (named_values.h): a place for each second byte behind 0x7F,

@@ -9,7 +9,8 @@ namespace numalink {
 // The number that the token names, or null. Reading, assigning and For take it like a letter.
 ComplexValue *namedValueRef(Token which);
 
-// The same for a token that has a row: where a statement leaves its results.
+// The same for a token that has a row: where a statement leaves its results. The mode of a sample, whose token is an
+// operator as well, has its number here too, and reads it where no operator can stand.
 ComplexValue &namedValue(Token which);
 
 }  // namespace numalink

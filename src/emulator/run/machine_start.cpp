@@ -4,6 +4,7 @@
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/statistics_memory.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/text_screen.h"
 #include "settings/settings_store.h"
@@ -49,6 +50,8 @@ void machineStart() {
     machine.format = {};
     machine.numberBase = decimalBase;
     machine.namedValues.fill({});
+    statisticsMemory = {};
+    statisticsMemory.graphs[0].isOn = true;
     machine.backgroundPicture = 0;
     machine.currentFile = 0;
     machine.statementsRun = 0;

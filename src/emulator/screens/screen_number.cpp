@@ -5,14 +5,15 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace numalink {
 
 namespace {
 
 constexpr int significantDigits = 10;
-constexpr int lowestFixedExponent = -1;
 constexpr char minusCode = '\x87', plusCode = '\x89', exponentCode = '\xDF';
+constexpr char degreeCode = '\x9C', fractionCode = '\xBB';
 
 // digits are those of a number from 1 to 10; the point goes behind the first, or pointPlace digits further on.
 std::string fixedText(const std::string &digits, int exponent) {
@@ -104,12 +105,78 @@ std::string formatted(double value, const NumberFormat &format) {
     return value < 0 && !isZero ? "-" + text : text;
 }
 
+std::string normalText(double value, int lowestFixedExponent) {
+    const std::string sign = std::signbit(value) && !std::isnan(value) ? std::string(1, minusCode) : std::string();
+    if (std::isnan(value)) return "NaN";
+    if (std::isinf(value)) return sign + "Inf";
+    char scientific[32];  // "d.ddddddddde+dd"
+    const auto end = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(value),
+                                   std::chars_format::scientific, significantDigits - 1);
+    const std::string text(scientific, end.ptr);
+    const std::size_t mark = text.find('e');
+    const std::string digits = text.substr(0, 1) + text.substr(2, mark - 2);
+    const int exponent = static_cast<int>(std::strtol(text.c_str() + mark + 1, nullptr, 10));
+    const bool fixed = exponent >= lowestFixedExponent && exponent < significantDigits;
+    return sign + (fixed ? fixedText(digits, exponent) : exponentialText(digits, exponent));
+}
+
+std::string engineeringText(double value, NumberFormat format) {
+    constexpr int lowest = -5, highest = 6;  // femto and exa as powers of 1000
+    constexpr char lettersBelow[] = "\xE4\xE5\xE6\xE7\xE8", lettersAbove[] = "\xE9\xEA\xEB\xEC\xED\xEE";
+    format.engineering = false;
+    const int power = static_cast<int>(std::floor(decimalOf(roundedAsShown(value, {})).exponent / 3.0));
+    if (power == 0 || power < lowest || power > highest) return numberText(value, format);
+    const double thousands = std::pow(1000.0, std::abs(power));
+    return power < 0 ? numberText(value * thousands, format) + lettersBelow[power - lowest]
+                     : numberText(value / thousands, format) + lettersAbove[power - 1];
+}
+
 }  // namespace
 
+std::string numberText(double value) { return normalText(value, NumberFormat{}.lowestFixedExponent); }
+
 std::string numberText(double value, const NumberFormat &format) {
+    if (format.engineering && value != 0 && std::isfinite(value)) return engineeringText(value, format);
     const bool isTooLarge = format.form == NumberForm::fixed && std::fabs(value) >= fixedLimit;
-    if (format.form == NumberForm::normal || isTooLarge || !std::isfinite(value)) return numberText(value);
+    if (format.form == NumberForm::normal || isTooLarge || !std::isfinite(value))
+        return normalText(value, format.lowestFixedExponent);
     return inCalculatorCodes(formatted(value, format));
+}
+
+std::string sexagesimalText(double value) {
+    constexpr double limit = 1e7;
+    if (!(std::fabs(value) < limit)) return numberText(value);
+    const auto hundredths = static_cast<std::int64_t>(std::llround(std::fabs(value) * 360000));
+    const auto whole = [](std::int64_t number) { return std::to_string(number); };
+    const std::string sign = value < 0 && hundredths > 0 ? std::string(1, minusCode) : std::string();
+    const std::string seconds =
+        numberText(static_cast<double>(hundredths % 6000) / 100, NumberFormat{.lowestFixedExponent = -2});
+    return sign + whole(hundredths / 360000) + degreeCode + whole(hundredths / 6000 % 60) + degreeCode + seconds +
+           degreeCode;
+}
+
+// By the continued fraction of the value: the first convergent that gives all of its 15 digits.
+std::string fractionText(double value) {
+    constexpr double limit = 1e10, closeEnough = 1e-14;
+    constexpr std::size_t longest = 10;
+    const double size = std::fabs(value), whole = std::trunc(size), part = size - whole;
+    if (!(size < limit)) return {};
+    double rest = part;
+    double numerator = 0, denominator = 1, numeratorBefore = 1, denominatorBefore = 0;
+    while (std::fabs(part - numerator / denominator) > closeEnough * std::fmax(1, size)) {
+        rest = 1 / rest;
+        const double next = std::trunc(rest);
+        rest -= next;
+        numeratorBefore = std::exchange(numerator, next * numerator + numeratorBefore);
+        denominatorBefore = std::exchange(denominator, next * denominator + denominatorBefore);
+        if (!(denominator < limit)) return {};
+    }
+    if (numerator == 0 || denominator == 1) return {};
+    const auto digits = [](double number) { return std::to_string(static_cast<std::int64_t>(number)); };
+    const std::string text = (whole == 0 ? std::string() : digits(whole) + fractionCode) + digits(numerator) +
+                             fractionCode + digits(denominator);
+    if (text.size() > longest) return {};
+    return value < 0 ? minusCode + text : text;
 }
 
 std::string baseText(double value, int base) {
@@ -135,21 +202,6 @@ double roundedAsShown(double value, const NumberFormat &format) {
     double rounded = value;
     std::from_chars(text.data(), text.data() + text.size(), rounded);
     return rounded;
-}
-
-std::string numberText(double value) {
-    const std::string sign = std::signbit(value) && !std::isnan(value) ? std::string(1, minusCode) : std::string();
-    if (std::isnan(value)) return "NaN";
-    if (std::isinf(value)) return sign + "Inf";
-    char scientific[32];  // "d.ddddddddde+dd"
-    const auto end = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(value),
-                                   std::chars_format::scientific, significantDigits - 1);
-    const std::string text(scientific, end.ptr);
-    const std::size_t mark = text.find('e');
-    const std::string digits = text.substr(0, 1) + text.substr(2, mark - 2);
-    const int exponent = static_cast<int>(std::strtol(text.c_str() + mark + 1, nullptr, 10));
-    const bool fixed = exponent >= lowestFixedExponent && exponent < significantDigits;
-    return sign + (fixed ? fixedText(digits, exponent) : exponentialText(digits, exponent));
 }
 
 }  // namespace numalink

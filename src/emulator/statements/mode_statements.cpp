@@ -7,7 +7,7 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint8_t norm = 0xD9, deg = 0xDA, rad = 0xDB, gra = 0xDC;
+constexpr std::uint8_t norm = 0xD9, deg = 0xDA, rad = 0xDB, gra = 0xDC, eng = 0xDD;
 constexpr int digitLimit = 9;
 
 template <NumberForm form>
@@ -18,7 +18,8 @@ WayOut runFormat(RunState &state) {
     if (digits < 0 || digits > digitLimit) {
         argError();
     } else {
-        machine.format = {form, digits};
+        machine.format.form = form;
+        machine.format.digits = digits;
     }
     return handled(state);
 }
@@ -43,11 +44,35 @@ constexpr StatementRow rows[] = {
 
 std::span<const StatementRow> modeStatements() { return rows; }
 
-// Norm, Deg, Rad, Gra and Eng, whatever stands behind them. Norm ends Fix and Sci in any case: nothing else does.
+namespace {
+
+constexpr int exponentOfNorm1 = -2, exponentOfNorm2 = -9;
+
+// Norm 1 or Norm 2, or the other of the two with nothing behind it.
+void runNorm(RunState &state) {
+    evaluateRest(state);
+    const NumberFormat before = machine.format;
+    const bool wasNorm1 = before.form == NumberForm::normal && before.lowestFixedExponent == exponentOfNorm1;
+    int form = wasNorm1 ? 2 : 1;
+    if (state.cellCount > 1) {
+        expectShape(state, 2, "n");
+        form = cutToInteger(numberAt(state, 1));
+        if (form != 1 && form != 2) return argError();
+    }
+    machine.format = {.lowestFixedExponent = form == 1 ? exponentOfNorm1 : exponentOfNorm2,
+                      .engineering = before.engineering};
+}
+
+}  // namespace
+
+// Norm, Deg, Rad, Gra and Eng; without calculator modes whatever stands behind them. Norm ends Fix and Sci in any case:
+// nothing else does.
 WayOut runMode(RunState &state) {
     const std::uint8_t mode = state.statement[0].token1;
-    if (mode == norm) machine.format = {};
+    if (mode == norm && !machine.calculatorModes) machine.format = {};
     if (machine.calculatorModes) {
+        if (mode == norm) runNorm(state);
+        if (mode == eng) machine.format.engineering = !machine.format.engineering;
         if (mode == deg) machine.angleUnit = AngleUnit::degrees;
         if (mode == rad) machine.angleUnit = AngleUnit::radians;
         if (mode == gra) machine.angleUnit = AngleUnit::gradians;

@@ -31,6 +31,20 @@ double rawNumber(RunState &state) {
     return numberAt(state, 1);
 }
 
+void plotOff(double x, double y, PixelColor) { plotPoint(x, y, pixelColor::background); }
+void plotChange(double x, double y, PixelColor color) { pixelChange(mapX(x), mapY(y), color); }
+void pixelOffAt(double x, double y, PixelColor) { pixelOff(x, y); }
+
+// The statements that draw at one place.
+struct PlaceRow {
+    Token token;
+    void (*draw)(double x, double y, PixelColor color) = nullptr;
+};
+constexpr PlaceRow placeRows[] = {
+    {{0xE0}, plotPoint},     {{0xF7, 0xA8}, plotPoint},  {{0xF7, 0xA9}, plotOff},     {{0xF7, 0xAA}, plotChange},
+    {{0xF7, 0xAB}, pixelOn}, {{0xF7, 0xAC}, pixelOffAt}, {{0xF7, 0xAD}, pixelChange},
+};
+
 ViewWindow *windowMemory(double number) {
     const int index = cutToInteger(number - 1);
     return index >= 0 && index < memoryCount ? &machine.windowMemories[static_cast<std::size_t>(index)] : nullptr;
@@ -58,9 +72,12 @@ WayOut runCls(RunState &state) {
     return handled(state);
 }
 
-WayOut runPlot(RunState &state) {
+WayOut runPlace(RunState &state) {
+    const ProgramCell command = state.statement[0];
     readPair(state);
-    plotPoint(numberAt(state, 1), numberAt(state, 3), state.color);
+    for (const PlaceRow &row : placeRows) {
+        if (isToken(command, row.token)) row.draw(numberAt(state, 1), numberAt(state, 3), state.color);
+    }
     return drawn(state);
 }
 
@@ -161,36 +178,6 @@ WayOut runFLine(RunState &state) {
     evaluateAll(state);
     expectShape(state, 8, "n,n,n,n");
     drawLine(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), numberAt(state, 7), state.color);
-    return drawn(state);
-}
-
-WayOut runPlotOff(RunState &state) {
-    readPair(state);
-    plotPoint(numberAt(state, 1), numberAt(state, 3), pixelColor::background);
-    return drawn(state);
-}
-
-WayOut runPlotChange(RunState &state) {
-    readPair(state);
-    pixelChange(mapX(numberAt(state, 1)), mapY(numberAt(state, 3)), state.color);
-    return drawn(state);
-}
-
-WayOut runPixelOn(RunState &state) {
-    readPair(state);
-    pixelOn(numberAt(state, 1), numberAt(state, 3), state.color);
-    return drawn(state);
-}
-
-WayOut runPixelOff(RunState &state) {
-    readPair(state);
-    pixelOff(numberAt(state, 1), numberAt(state, 3));
-    return drawn(state);
-}
-
-WayOut runPixelChange(RunState &state) {
-    readPair(state);
-    pixelChange(numberAt(state, 1), numberAt(state, 3), state.color);
     return drawn(state);
 }
 

@@ -10,7 +10,9 @@ namespace numalink {
 std::span<const StatementRow> flowStatements();
 std::span<const StatementRow> modeStatements();
 std::span<const StatementRow> graphStatements();
+std::span<const StatementRow> arrayStatements();
 std::span<const StatementRow> statisticsStatements();
+std::span<const StatementRow> statisticsGraphStatements();
 std::span<const StatementRow> recursionStatements();
 
 }  // namespace numalink

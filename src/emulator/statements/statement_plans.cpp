@@ -203,15 +203,9 @@ bool planCondition(Planning &on, int then) {
 bool planElement(Planning &on, int name, bool isMatrix) {
     if (!on.has(name + 1, token::openBracket)) return false;
     const ProgramCell &cell = on.cells[name];
-    if (isMatrix && cell.kind == CellKind::token) {
-        on.plan.array.matrix = matrixSlotRef(on.cells, name);
-    } else if (!isMatrix && isNumber(cell)) {
-        const int number = cutToInteger(cell.value.re);
-        on.plan.array.list = number >= 1 && number <= listNumberLimit ? number - 1 : -1;
-    } else {
-        return false;
-    }
-    if (isMatrix ? on.plan.array.matrix == nullptr : on.plan.array.list < 0) return false;
+    const auto array = arrayNamed(isMatrix ? CellKind::matrix : CellKind::list, cell, cell.value.re);
+    if (!array) return false;
+    on.plan.array = *array;
     const int subscripts = isMatrix ? 3 : 1;
     const int first = name + 2;
     const int end = on.has(on.plan.length - 1, token::closeBracket) ? on.plan.length - 1 : on.plan.length;

@@ -66,7 +66,7 @@ WayOut runMode(RunState &state);
 WayOut runViewWindow(RunState &state);
 WayOut runColor(RunState &state);
 WayOut runCls(RunState &state);
-WayOut runPlot(RunState &state);
+WayOut runPlace(RunState &state);  // Plot, PlotOn and those that draw at one place
 WayOut runLine(RunState &state);
 WayOut runString(RunState &state);
 WayOut runLocate(RunState &state);
@@ -83,11 +83,6 @@ WayOut runHorizontal(RunState &state);
 WayOut runText(RunState &state);
 WayOut runCircle(RunState &state);
 WayOut runFLine(RunState &state);
-WayOut runPlotOff(RunState &state);
-WayOut runPlotChange(RunState &state);
-WayOut runPixelOn(RunState &state);
-WayOut runPixelOff(RunState &state);
-WayOut runPixelChange(RunState &state);
 WayOut runPixelTest(RunState &state);
 
 // Values.

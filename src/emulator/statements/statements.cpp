@@ -55,7 +55,7 @@ constexpr StatementRow rows[] = {
     range({0x7F, 0x34}, {0x7F, 0x36}, runColor),                     // Orange, Blue, Green
     one({0x7F, 0x47}, runFill),                                      // Fill(
     one({0xD1}, runCls),                                             // Cls
-    one({0xE0}, runPlot),                                            // Plot
+    one({0xE0}, runPlace),                                           // Plot
     one({0xE1}, runLine),                                            // Line
     {{}, {}, CellKind::string, runString},                           // a string
     one({0xED}, runProg),                                            // Prog
@@ -85,12 +85,7 @@ constexpr StatementRow rows[] = {
     one({0xF7, 0xA5}, runText),                                      // Text
     one({0xF7, 0xA6}, runCircle),                                    // Circle
     one({0xF7, 0xA7}, runFLine),                                     // F-Line
-    one({0xF7, 0xA8}, runPlot),                                      // PlotOn
-    one({0xF7, 0xA9}, runPlotOff),                                   // PlotOff
-    one({0xF7, 0xAA}, runPlotChange),                                // PlotChg
-    one({0xF7, 0xAB}, runPixelOn),                                   // PxlOn
-    one({0xF7, 0xAC}, runPixelOff),                                  // PxlOff
-    one({0xF7, 0xAD}, runPixelChange),                               // PxlChg
+    range({0xF7, 0xA8}, {0xF7, 0xAD}, runPlace),                     // PlotOn to PxlChg
     one({0xF7, 0xAF}, runPixelTest),                                 // PxlTest
     range({0xF7, 0xB8}, {0xF7, 0xBD}, runFile),                      // File
     range({0xF7, 0xC0}, {0xF7, 0xC5}, runGraphSwitch<0xC0, true>),   // switch on
@@ -102,8 +97,9 @@ constexpr std::int16_t noRow = -1;
 std::span<const StatementRow> basicStatements() { return rows; }
 
 // The tables in their order of testing, which counts behind prefixes: all later ones take a prefix of the first.
-constexpr std::span<const StatementRow> (*groups[])() = {basicStatements, flowStatements,       modeStatements,
-                                                         graphStatements, statisticsStatements, recursionStatements};
+constexpr std::span<const StatementRow> (*groups[])() = {basicStatements, flowStatements,           modeStatements,
+                                                         graphStatements, statisticsStatements,     recursionStatements,
+                                                         arrayStatements, statisticsGraphStatements};
 
 // The rows one after the other, and of each token the number of its row: a block for single bytes, one behind 0x7F, one
 // behind 0xF7.
