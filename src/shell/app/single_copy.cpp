@@ -27,9 +27,12 @@ constexpr char elsewhereAnswer[] = "elsewhere\n";
 constexpr int answerMilliseconds = 1000;
 constexpr qsizetype questionLimit = qsizetype{1024} * 1024;  // bytes
 
-QLocalServer *ofLibrary = nullptr;
-QLocalServer *ofStart = nullptr;  // while another library is open than the one of the start
-QString startName;
+struct SingleCopy {
+    QLocalServer *ofLibrary = nullptr;
+    QLocalServer *ofStart = nullptr;  // while another library is open than the one of the start
+    QString startName;
+};
+SingleCopy state;
 
 // Named for the library, so that copies with libraries of their own don't meet.
 QString serverName() {
@@ -93,15 +96,20 @@ bool raiseRunningCopy(const StartWish &wish) {
 
 void answerFurtherCopies() {
     const QString name = serverName();
-    if (startName.isEmpty()) startName = name;
-    ofLibrary = listenAs(name, true);
-    if (name != startName) ofStart = listenAs(startName, false);
+    if (state.startName.isEmpty()) state.startName = name;
+    state.ofLibrary = listenAs(name, true);
+    if (name != state.startName) state.ofStart = listenAs(state.startName, false);
 }
 
 void stopAnsweringCopies() {
-    delete ofLibrary;
-    delete ofStart;
-    ofLibrary = ofStart = nullptr;
+    delete state.ofLibrary;
+    delete state.ofStart;
+    state.ofLibrary = state.ofStart = nullptr;
+}
+
+void forgetCopies() {
+    stopAnsweringCopies();
+    state = {};
 }
 
 }  // namespace numalink

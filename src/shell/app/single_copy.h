@@ -18,6 +18,7 @@ bool raiseRunningCopy(const StartWish &wish);
 
 // From now on, answers such a question with raiseMainWindow. Asked again after a change of the library.
 void answerFurtherCopies();
-void stopAnsweringCopies();
+void stopAnsweringCopies();  // for a change of the library
+void forgetCopies();         // at the end
 
 }  // namespace numalink

@@ -1,7 +1,6 @@
 #include "shell/app/start_up.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QMainWindow>
 #include <QThread>
 #include <QTimer>
@@ -25,9 +24,11 @@
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
+#include "shell/dialogs/export_dialog.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/program_colors.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
@@ -54,25 +55,29 @@ bool done(void (*work)()) {
     return true;
 }
 
-StartWish startWish;
-
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
+
+struct Start {
+    bool settingsRead = true;
+    bool isFirstUse = false;  // neither a library nor settings were there
+    bool shutting = false;
+    StartWish wish = {};
+};
+Start state;
+
 void openFilesSoon() {
-    if (!startWish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(startWish.files); });
+    if (!state.wish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
 }
 
-bool settingsRead = true;
-bool isFirstUse = false;  // neither a library nor settings were there
-
 bool loadSettings() {
-    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(settingsFolder() + "settings.xml");
+    state.isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(settingsFolder() + "settings.xml");
     return settingsLoad();
 }
 
 // Programs show their colours from the start, where nobody has chosen otherwise.
 bool colorFirstUse() {
-    if (!isFirstUse) return true;
+    if (!state.isFirstUse) return true;
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
@@ -94,8 +99,8 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(startWish); }, true},
-    {"settings", [] { return settingsRead = loadSettings(); }, false},
+    {"running copy", [] { return !raiseRunningCopy(state.wish); }, true},
+    {"settings", [] { return state.settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
@@ -109,7 +114,7 @@ constexpr StartStep startSteps[] = {
     {"emulator", [] { return done(makeEmulatorWindow); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
-    {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
+    {"faulty settings told", [] { return state.settingsRead || tellSettings(); }, false},
     {"library", openLibraryAtStart, true},
     {"colors of a new library", colorFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
@@ -125,10 +130,8 @@ constexpr StartStep startSteps[] = {
     {"files", [] { return done(openFilesSoon); }, false},
 };
 
-bool shutting = false;
-
 void closeLibraryAndQuit() {
-    shutting = true;
+    state.shutting = true;
     stopLink();
     storeClose();
     removeTrayIcon();
@@ -141,9 +144,8 @@ void closeLibraryAndQuit() {
 }  // namespace
 
 bool startUp(const StartWish &wish) {
-    startWish = wish;
     threadRole = ThreadRole::graphical;
-    shutting = false;
+    state = {.wish = wish};
     endProgram = shutDown;
     changeLibrary = changeLibraryTo;
     QApplication::setQuitOnLastWindowClosed(false);
@@ -157,40 +159,32 @@ bool startUp(const StartWish &wish) {
     return true;
 }
 
-bool shuttingDown() { return shutting; }
+bool shuttingDown() { return state.shutting; }
 
 void shutDown() {
-    if (shutting) return;
-    if (QWidget *dialog = QApplication::activeModalWidget()) {
-        dialog->raise();
-        dialog->activateWindow();
-        return;
-    }
+    if (state.shutting) return;
+    if (raiseOpenDialog()) return;
     if (finishLabelEdit() && leaveViewAtEnd()) closeLibraryAndQuit();
 }
 
 void shutDownAtOnce() {
-    if (shutting) return;
-    while (QWidget *menu = QApplication::activePopupWidget()) {
-        menu->close();
-        if (QApplication::activePopupWidget() == menu) break;
-    }
-    while (QWidget *dialog = QApplication::activeModalWidget()) {
-        dialog->close();
-        if (QApplication::activeModalWidget() == dialog) break;
-    }
+    if (state.shutting) return;
+    closeOpenWindows();
     finishLabelEditAtOnce();
     leaveViewAtOnce();
     closeLibraryAndQuit();
 }
 
 void tearDown() {
-    stopAnsweringCopies();
+    forgetCopies();
     removeTrayIcon();
     forgetStopSignals();
     removeUserInterface();
     forgetMenus();
     forgetLayout();
+    forgetFileCommands();
+    forgetLinkCommands();
+    forgetExport();
     forgetTree();
     forgetViews();
     forgetEmulatorWindow();

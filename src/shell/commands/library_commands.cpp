@@ -17,6 +17,12 @@ namespace numalink {
 
 namespace {
 
+struct LibraryMenu {
+    QString lastPlace = QDir::homePath();  // of the dialogs: where libraries of one's own are kept
+    std::vector<std::string> recent;       // but for the one that is open
+};
+LibraryMenu state;
+
 constexpr int menuPathLimit = 60;  // characters of a path in a menu
 
 const QString libraryName = QStringLiteral("storage.dat");
@@ -33,27 +39,24 @@ std::string folderPath(const QString &folder) {
     return path.ends_with('/') ? path : path + "/";
 }
 
-QString lastPlace = QDir::homePath();  // of the dialogs, for this run: where libraries of one's own are kept
-
-std::vector<std::string> recentOthers;
-
 bool holdsLibrary(const std::string &folder) { return fileExists(folder + "storage.dat"); }
 
 }  // namespace
 
 void openLibrary() {
     const QString path = QFileDialog::getOpenFileName(
-        mainWindow, titleOf(Text::menuOpenLibrary), lastPlace,
+        mainWindow, titleOf(Text::menuOpenLibrary), state.lastPlace,
         textOf(Text::filterLibrary) + QStringLiteral(" (") + libraryName + QLatin1Char(')'));
     if (path.isEmpty()) return;
-    lastPlace = QFileInfo(path).absolutePath();
+    state.lastPlace = QFileInfo(path).absolutePath();
     openLibraryFile(path);
 }
 
 void newLibrary() {
-    const QString chosen = QFileDialog::getExistingDirectory(mainWindow, titleOf(Text::menuNewLibrary), lastPlace);
+    const QString chosen =
+        QFileDialog::getExistingDirectory(mainWindow, titleOf(Text::menuNewLibrary), state.lastPlace);
     if (chosen.isEmpty()) return;
-    lastPlace = chosen;
+    state.lastPlace = chosen;
     const std::string folder = folderPath(chosen);
     if (holdsLibrary(folder))
         tellUser(Text::libraryThere, {folder});
@@ -70,16 +73,16 @@ void openLibraryFile(const QString &path) {
 }
 
 void listRecentLibraries() {
-    recentOthers = recentLibraries();
-    std::erase_if(recentOthers, [](const std::string &folder) { return isSameFile(folder, libraryFolder()); });
+    state.recent = recentLibraries();
+    std::erase_if(state.recent, [](const std::string &folder) { return isSameFile(folder, libraryFolder()); });
 }
 
-bool anyRecentLibrary() { return !recentOthers.empty(); }
-bool isRecentLibrary(int place) { return static_cast<std::size_t>(place) < recentOthers.size(); }
+bool anyRecentLibrary() { return !state.recent.empty(); }
+bool isRecentLibrary(int place) { return static_cast<std::size_t>(place) < state.recent.size(); }
 
 QString recentLibraryWords(int place) {
     if (!isRecentLibrary(place)) return {};
-    QString path = QFile::decodeName(recentOthers[static_cast<std::size_t>(place)].c_str());
+    QString path = QFile::decodeName(state.recent[static_cast<std::size_t>(place)].c_str());
     if (path.size() > menuPathLimit) path = QChar(0x2026) + path.right(menuPathLimit);
     path.replace(QLatin1Char('&'), QLatin1String("&&"));
     return QStringLiteral("&%1 ").arg(place + 1) + path;
@@ -87,7 +90,7 @@ QString recentLibraryWords(int place) {
 
 void openRecentLibrary(int place) {
     if (!isRecentLibrary(place)) return;
-    const std::string folder = recentOthers[static_cast<std::size_t>(place)];
+    const std::string folder = state.recent[static_cast<std::size_t>(place)];
     changeLibrary(folder, false);
 }
 

@@ -15,6 +15,7 @@
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
 
@@ -130,7 +131,7 @@ void showSplash() {
 void showAboutBox() {
     QDialog *about = makePicture(Qt::Dialog);
     addLibrary(about);
-    about->exec();
+    runDialog(*about);
 }
 
 }  // namespace numalink
