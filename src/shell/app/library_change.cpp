@@ -44,6 +44,7 @@ bool mayLeaveLibrary() {
 
 bool changeLibraryTo(const std::string &folder, bool mayBegin) {
     assertRole(ThreadRole::graphical);
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): what libraryFolder gives changes below
     const std::string former = libraryFolder();
     if (isSameFile(folder, former)) {
         tellLibrary();
