@@ -61,7 +61,7 @@ _numalink_calculator() {
         --receive) _filedir -d && return ;;
     esac
     if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--help --version --type --send --receive --link --exists --answer --noise \
+        mapfile -t COMPREPLY < <(compgen -W "--help --version --type --send --give --receive --link --exists --answer --noise \
             --drop --double --flip --delay --patience --pause --seed --seconds --paced --silent --once" -- "$cur")
     else
         _filedir
