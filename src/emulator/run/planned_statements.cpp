@@ -52,7 +52,8 @@ bool holds(const StatementPlan &plan) {
     }
 }
 
-const PlannedWay &carryOut(RunState &state, const StatementPlan &plan) {
+// Both walks have it within them: as a call it costs the shortest loops 4 %.
+[[gnu::always_inline]] inline const PlannedWay &carryOut(RunState &state, const StatementPlan &plan) {
     switch (plan.kind) {
         case PlanKind::expression:
             machine.ans = *plan.value;
