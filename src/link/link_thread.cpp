@@ -43,19 +43,30 @@ bool noneChosen(const LineOpening &opening) {
     return opening.fault == LineFault::missing && opening.path == setting::comPortDefault;
 }
 
-// Why the port is closed: as a box where the user waits for it, else as a line in the status bar.
-void tellClosed(const LineOpening &opening, bool asBox) {
-    for (const Cause &cause : causes) {
-        if (cause.fault != opening.fault) continue;
-        const bool noGroup = opening.fault == LineFault::denied && opening.group.empty();
-        Text text = noGroup ? Text::portForbidden : cause.text;
-        if (noneChosen(opening)) text = Text::portNone;
-        if (asBox) {
-            tellMore(Text::portNotOpened, text, {opening.path, opening.group}, BoxIcon::none);
-        } else {
-            statusLine(StatusPart::link, text, {opening.path, opening.group});
-        }
-    }
+// Why the port is closed.
+Text causeOf(const LineOpening &opening) {
+    if (noneChosen(opening)) return Text::portNone;
+    if (opening.fault == LineFault::denied && opening.group.empty()) return Text::portForbidden;
+    for (const Cause &cause : causes)
+        if (cause.fault == opening.fault) return cause.text;
+    return Text::portFailed;
+}
+
+void tellClosedInBox(const LineOpening &opening) {
+    tellMore(Text::portNotOpened, causeOf(opening), {opening.path, opening.group}, BoxIcon::none);
+}
+
+// Nothing can go through a port that is closed: an attempt ends with what keeps the port closed, where without an
+// answer it would have ended a second later.
+void endAttempt(const LineOpening &opening) {
+    attentionAnswered();
+    const std::size_t count = transmitQueueDrop();
+    const Text cause = causeOf(opening);
+    std::string text = wording(cause, {opening.path, opening.group});
+    if (count > 0) text += ". " + wording(Text::queueDropped, {std::to_string(count)});
+    userInterface.statusText(StatusPart::link, cause, text);
+    userInterface.transmitQueueChanged();
+    tellClosedInBox(opening);
 }
 
 void tellLost(const std::string &path, bool inTransfer) {
@@ -65,12 +76,8 @@ void tellLost(const std::string &path, bool inTransfer) {
     userInterface.statusText(StatusPart::link, Text::portLost, text);
 }
 
-// While the port is closed, an attention byte goes nowhere, and its deadline ends the attempt.
 void waitClosed(const LineOpening &opening) {
-    if (attentionTakeWish()) {
-        attentionSent();
-        tellClosed(opening, true);
-    }
+    if (attentionTakeWish()) endAttempt(opening);
     const auto end = std::chrono::steady_clock::now() + lookAgain;
     HoldLock hold(closedLock);
     while (!conversationStopped() && std::chrono::steady_clock::now() < end) hold.waitUntil(closedChanged, end);
@@ -97,7 +104,10 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
             converse(family, opening, wasOpen);
             told = wasOpen = true;
         } else if (!told && !conversationStopped()) {
-            tellClosed(opening, chosenByUser && !noneChosen(opening));
+            if (chosenByUser && !noneChosen(opening))
+                tellClosedInBox(opening);
+            else
+                statusLine(StatusPart::link, causeOf(opening), {opening.path, opening.group});
             told = true;
         }
         if (!conversationStopped()) waitClosed(opening);

@@ -10,10 +10,14 @@
 //   has a text                    somewhere in it
 //   ! a text                      how a line of its errors begins; there are no others
 //   holds out.cat |a line         in that file, afterwards
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <functional>
 #include <iomanip>
+#include <thread>
 
 #include "cli/commands.h"
 #include "platform/file_port.h"
@@ -21,6 +25,8 @@
 #include "support/cat_records.h"
 #include "support/scratch_folder.h"
 #include "telling/user_interface.h"
+#include "virtual_calculator/calculator_mover.h"
+#include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
 namespace {
@@ -122,6 +128,47 @@ TEST(Sessions, GoAsTheyTell) {
         count++;
     }
     EXPECT_GE(count, 5);
+}
+
+// What the commands on standard input do while a calculator sends.
+Outcome runLink(const std::string &port, const std::function<void()> &ahead, const std::string &commands) {
+    int input[2] = {-1, -1};
+    EXPECT_EQ(pipe2(input, O_CLOEXEC), 0);
+    const int before = dup(STDIN_FILENO);
+    EXPECT_EQ(dup2(input[0], STDIN_FILENO), STDIN_FILENO);
+    std::thread other([&] {
+        ahead();
+        EXPECT_EQ(write(input[1], commands.data(), commands.size()), std::ssize(commands));
+    });
+    const Outcome outcome =
+        run({"link", "library/new", "--port", port, "--type", "cfx", "--answer", "yes", "--seconds", "60"});
+    other.join();
+    EXPECT_EQ(dup2(before, STDIN_FILENO), STDIN_FILENO);
+    for (const int end : {before, input[0], input[1]}) close(end);
+    return outcome;
+}
+
+TEST(CommandLine, LinkTakesBackWhatACalculatorHasReplaced) {
+    const CallFolder folder;
+    folder.scratch.write("games.cat", catProgram("SNAKE"));
+    ASSERT_EQ(run({"import", "library/new", "games.cat"}).status, 0);
+    const std::string shown = run({"show", "library/new", "/Programs/SNAKE"}).out;
+    const PseudoTerminal terminal;
+    const auto send = [&] {
+        bool sent = false;
+        while (!sent) {  // its first byte is lost on a port that isn't open yet
+            calculator::Calculator sender;
+            calculator::Moving moving{.patience = 1000};
+            sender.toSend.push_back(calculator::program("SNAKE", {'B', 'C', 'D'}));
+            startSending(sender);
+            sent = moveCalculator(sender, terminal.master, moving) && sender.closed;
+        }
+    };
+    const Outcome undone = runLink(terminal.path, send, "undo\nundo\nquit\n");
+    EXPECT_THAT(undone.out, HasSubstr("undone SNAKE, items: 1"));
+    EXPECT_EQ(undone.status, 2);
+    EXPECT_THAT(undone.err, HasSubstr("There is nothing to undo"));
+    EXPECT_EQ(run({"show", "library/new", "/Programs/SNAKE"}).out, shown);
 }
 
 int writesLeft = 0;

@@ -70,7 +70,7 @@ TEST_F(Emulator, RunsShowsStopsAndReturnsToTheProgram) {
 }
 
 TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
-    run("\\Locate 1,1,\"KEYS\":\\Lbl 1:\\Goto 1");
+    run("\\Locate 1,1,\"KEYS\":\\Do:\\LpWhile 1");
     // The start of a run clears the key.
     ASSERT_TRUE(QTest::qWaitFor([this] { return hasDrawn(); }, 3000));
     QTest::keyPress(window, Qt::Key_S, Qt::ControlModifier);
@@ -101,11 +101,16 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
     mainWindow->activateWindow();
     window->setFocus();
     ASSERT_TRUE(QTest::qWaitFor([&] { return window->hasFocus(); }, 3000));
-    const auto pressed = [&] {
-        QTest::keyPress(window, Qt::Key_A);
-        return keyCode != 0;
+    const auto tapsThenHolds = [this] {
+        QTest::keyClick(window, Qt::Key_A);
+        const bool lasts = keyCode != 0;
+        QTest::keyPress(window, Qt::Key_Comma);
+        QTest::qWait(100);
+        return lasts && keyCode == 35;
     };
-    ASSERT_TRUE(QTest::qWaitFor(pressed, 3000)) << "again, should the window have been without focus for a moment";
+    ASSERT_TRUE(QTest::qWaitFor(tapsThenHolds, 5000))
+        << "a tap lasts until the run can have seen it, and ends no later press; again, should the window have been "
+           "without focus for a moment";
     window->clearFocus();
     EXPECT_EQ(keyCode, 0);
     QTest::mouseClick(window, Qt::LeftButton, {}, origin + QPoint(110, 180));

@@ -1,19 +1,30 @@
 // The commands of the link, with a calculator's end of the line that hears and says nothing.
+#include <atomic>
+
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
+#include "platform/clock.h"
 #include "shell/shell_fixture.h"
 #include "virtual_calculator/pseudo_terminal.h"
 
 namespace numalink {
 
+// Where the clock stands still, or 0: however long a loaded machine takes, an answer isn't overdue meanwhile.
+std::atomic<std::uint64_t> heldAt = 0;
+
 struct LinkCommands : StartedShell {
     void SetUp() override {
+        clockPort.tickCount = [] { return heldAt != 0 ? heldAt.load() : systemClock.tickCount(); };
         StartedShell::SetUp();
         settingsSetValue(setting::comPort, terminal.path);
         startLinkThread();
         ASSERT_TRUE(tells("Ready"));
         first = addProgram("ONE", "A");
         second = addProgram("TWO", "B");
+    }
+    void TearDown() override {
+        StartedShell::TearDown();
+        clockPort = systemClock;
     }
     void press(ItemId id, Qt::Key key) {
         show(id);
@@ -42,10 +53,12 @@ TEST_F(LinkCommands, QueueOnlyWaitsAndTransmitTakesAllThatWaits) {
     EXPECT_TRUE(tells("Waiting to be sent: 1 (ONE)"));
     EXPECT_TRUE(terminal.take(1, 100).empty());
     EXPECT_TRUE(transmitQueueIs(true));
+    heldAt = systemClock.tickCount();
     press(second, Qt::Key_F6);
     press(first, Qt::Key_F6);
     EXPECT_EQ(transmitQueueIds(), (std::vector<ItemId>{first, second}));
     EXPECT_TRUE(transmitQueueIs(false)) << "it is on its way";
+    heldAt = 0;
     EXPECT_EQ(heard(), std::vector<std::uint8_t>{0x16});
     EXPECT_TRUE(tells("No calculator answered. Items dropped from the queue: 2"));
     EXPECT_TRUE(transmitQueueIs(false));

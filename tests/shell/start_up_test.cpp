@@ -9,7 +9,9 @@
 #include "link/transmit_queue.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/tray.h"
+#include "shell/editor/symbols_window.h"
 #include "shell/shell_fixture.h"
+#include "shell/views/surface_view.h"
 #include "telling/language_table.h"
 
 namespace numalink {
@@ -55,6 +57,8 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     EXPECT_EQ(page, textOf(Text::settingsCommunication));
     userInterface.statusText(StatusPart::item, Text::none, "<b>A</b>");
     EXPECT_EQ(itemField->toolTip(), QStringLiteral("&lt;b&gt;A&lt;/b&gt;"));
+    setSymbolsWanted(false);
+    setSurfaceZoom(3);
     endProgram();
 
     settingsSetValue(setting::language, "Deutsch");
@@ -62,6 +66,7 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     ASSERT_TRUE(settingsSave());
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 0) << "what the user has set stays";
+    EXPECT_TRUE(symbolsWanted() && surfaceZoom() == 1) << "the run before is forgotten";
     EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Create New Folder"),
               QStringLiteral("Neuen Ordner erstellen"));
 }

@@ -134,7 +134,7 @@ TEST_F(Tree, AReleaseThatGotLostStartsNoDrag) {
         QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, {});
         QApplication::sendEvent(treeView->viewport(), &move);
     }
-    EXPECT_FALSE(dragActive);
+    EXPECT_FALSE(dragRunning());
 }
 
 TEST_F(Tree, SelectionSetsTheCommandsAndShowsTheProgram) {
@@ -267,7 +267,7 @@ TEST_F(Tree, DragsFollowTheRulesByKind) {
     EXPECT_EQ(viewItemId, noItem);
     drag(program, folderId);
     EXPECT_EQ(storeReadEntry(program)->parent, folderId);
-    EXPECT_FALSE(dragActive);
+    EXPECT_FALSE(dragRunning());
     EXPECT_EQ(selectedItemId(), program);
 }
 

@@ -65,6 +65,8 @@ struct DamagedStore : Store {
         for (const StoredItem &item : allItems()) {
             if (item.kind == kind::temporaryFolder) continue;
             left.push_back(item.id);
+            EXPECT_TRUE(check.damage == 0 || item.parent == rootId || storeReadEntry(item.parent))
+                << "in no lost folder";
             const auto original = std::ranges::find(items, item.id, &ItemEntry::id);
             flawed += original != items.end() && item.data != original->data ? 1 : 0;
         }
@@ -328,6 +330,8 @@ TEST_F(DamagedStore, WhatIsWholeBehindMissingOrInsertedBytesIsSaved) {
             damaged.erase(at, at + static_cast<std::ptrdiff_t>(std::min(count, whole.size() - place)));
         SCOPED_TRACE(std::to_string(round) + ": " + std::to_string(count) + " bytes at " + std::to_string(place));
         const Ids left = idsAfterRepair(damaged);
+        const auto lost = std::ranges::count(check.records, RecordFate::lost, &CheckedRecord::fate);
+        EXPECT_LE(lost + std::ssize(left), std::ssize(items)) << "lost and found at once";
         for (std::size_t from = sizeof(MainHeader), end = 0; from < whole.size(); from = end) {
             ItemHeader head{};
             std::memcpy(&head, whole.data() + from, sizeof head);

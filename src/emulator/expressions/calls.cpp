@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "emulator/expressions/evaluator.h"
+#include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 
 namespace numalink {
@@ -63,6 +64,7 @@ int splitFields(const CallArguments &arguments, std::span<CallField> fields) {
 }
 
 bool fieldValue(const CallField &field, ComplexValue &value) {
+    const TemporariesOfOnePass pass;
     std::vector<ProgramCell> work(field.cells, field.cells + field.count);
     int count = field.count;
     evaluate(work.data(), 0, count);

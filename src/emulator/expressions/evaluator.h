@@ -6,6 +6,8 @@
 
 namespace numalink {
 
+enum class FunctionName : std::uint8_t;
+
 // Reduces the count cells from first. count is then how many are left; they stand from first on. Nothing outside of
 // the stretch is read or written. The places behind the result hold stale copies: the caller blanks them before it
 // compacts a stretch around. An error shows in errorFlag alone. Begins with pace(5); a count of 0 or less does no more.
@@ -18,6 +20,10 @@ void evaluateSubrange(ProgramCell *cells, int outerFirst, int low, int high, int
 // The value of the stored function f1 to f6 (digit 1 to 6), of whatever kind: evaluated anew from its text at each
 // use. No such function gives 0. One that reaches itself, or of more than 500 cells, reports Syn ERROR and gives 0.
 ProgramCell evaluateGraphFunction(int digit);
+
+// The same of a graph function by its name and number, 1 to 20. One that isn't there, or is of another type, gives 0;
+// another number reports Syn ERROR.
+ProgramCell evaluateFunctionOfGraphs(FunctionName name, double number);
 
 // Walk every pass and every compaction, also where there is nothing for them to act on, and make no plans of
 // statements: what all faster ways are measured by. Set between runs.

@@ -9,6 +9,7 @@
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/named_values.h"
 
 namespace numalink {
@@ -162,6 +163,14 @@ void callGraphFunctions(Stretch &stretch) {
     constexpr std::uint8_t beforeFirst = 0x13;
     for (int p = stretch.first; p < stretch.end(); p++) {
         ProgramCell &cell = stretch.cells[p];
+        const FunctionName name = functionNameOf(cell);
+        if (name != FunctionName::none && isNumber(stretch.cellOrNothing(p + 1))) {
+            if (refusesRecording()) return;
+            cell = evaluateFunctionOfGraphs(name, stretch.cells[p + 1].value.re);
+            stretch.blank(p + 1);
+            stretch.compact();
+            continue;
+        }
         if (cell.kind != CellKind::token || cell.token1 <= beforeFirst || cell.token1 > beforeFirst + 6) continue;
         if (refusesRecording()) return;
         cell = evaluateGraphFunction(cell.token1 - beforeFirst);

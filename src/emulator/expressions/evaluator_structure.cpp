@@ -8,6 +8,7 @@
 #include "emulator/expressions/recording.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -28,6 +29,21 @@ MatrixDescriptor *arrayForExpression(const Stretch &stretch, int p, MatrixDescri
     const bool isSubscripted = isToken(stretch.cellOrNothing(p + 2), token::openBracket);
     if (isSubscripted && !evaluateWithoutShortcuts && matrixBorrow(array)) return array;
     return matrixCopy(ownedTemporarily, array);
+}
+
+// F Result and R Result: the matrix that the last table has left.
+void resolveResults(Stretch &stretch) {
+    for (int p = stretch.first; p < stretch.end(); p++) {
+        const bool isTable = isToken(stretch.cells[p], {0x7F, 0x90});
+        if (!isTable && !isToken(stretch.cells[p], {0x7F, 0x94})) continue;
+        if (refusesRecording()) return;
+        MatrixDescriptor *result = isTable ? graphs.tableResult : graphs.recursionResult;
+        if (result == nullptr) {
+            dimError();
+        } else {
+            makeArray(stretch.cells[p], CellKind::matrix, matrixCopy(ownedTemporarily, result));
+        }
+    }
 }
 
 // While an expression is recorded: the array stands for itself until its subscripts are read.
@@ -251,6 +267,7 @@ void closeQuotedCalls(Stretch &stretch) {
 }
 
 void resolveArrays(Stretch &stretch) {
+    resolveResults(stretch);
     for (int p = stretch.first; p + 1 < stretch.end(); p++) {
         const CellKind kind = arrayKind(stretch.cells[p]);
         if (kind == CellKind::blank) continue;

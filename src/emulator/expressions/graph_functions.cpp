@@ -1,8 +1,12 @@
-// The stored functions f1 to f6 in an expression.
+// The stored functions in an expression: f1 to f6 of programs, Y1 to Y20 of the graphs.
 #include <algorithm>
+#include <array>
+#include <cmath>
 
+#include "emulator/expressions/calls.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/programs.h"
 #include "emulator/machine/run_waits.h"
 
@@ -41,6 +45,23 @@ ProgramCell evaluateGraphFunction(int digit) {
     const ProgramCell result = evaluateText(program, work[digit - 1]);
     isActive = false;
     return result;
+}
+
+ProgramCell evaluateFunctionOfGraphs(FunctionName name, double number) {
+    static std::array<bool, graphFunctionCount> busy{};
+    const ProgramCell zero = numberCell({});
+    const GraphFunction *function = graphFunction(number);
+    if (function == nullptr || number != std::floor(number)) return refusedCall(synError);
+    const FormulaCells &formula = name == FunctionName::yt ? function->second : function->formula;
+    if (!namesType(name, function->type) || formula.empty() || !runGoesOn()) return zero;
+    bool &isBusy = busy[static_cast<std::size_t>(function - graphs.functions.data())];
+    if (isBusy) return refusedCall(synError);
+    isBusy = true;
+    FormulaCells cells = formula;
+    int count = static_cast<int>(cells.size());
+    evaluate(cells.data(), 0, count);
+    isBusy = false;
+    return count == 1 ? cells[0] : refusedCall(synError);
 }
 
 }  // namespace numalink

@@ -10,6 +10,7 @@
 #include "emulator/expressions/complex_math.h"
 #include "emulator/expressions/number_functions.h"
 #include "emulator/expressions/statistics_functions.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/key_port.h"
 #include "emulator/screens/number_input.h"
 #include "text/token_table.h"
@@ -161,6 +162,8 @@ constexpr StructureRow structure[] = {
     {{0x94}, maskOf(Step::baseNumbers)},
     {{0xA4}, maskOf(Step::baseNumbers)},
     {{0xB4}, maskOf(Step::baseNumbers)},
+    {{0x7F, 0x90}, maskOf(Step::arrays)},  // F Result, R Result
+    {{0x7F, 0x94}, maskOf(Step::arrays)},
     {token::mode, maskOf(Step::variables)},
     {token::list, maskOf(Step::arrays)},
     {token::matrix, maskOf(Step::arrays)},
@@ -201,7 +204,8 @@ TokenFacts factsOfToken(Token token) {
     }
     facts.variable = variableRef(tokenCell(token));
     if (facts.variable != nullptr) facts.steps |= maskOf(Step::variables);
-    if (token.first >= firstGraphFunction.first && token.first <= lastGraphFunction.first)
+    if ((token.first >= firstGraphFunction.first && token.first <= lastGraphFunction.first) ||
+        functionNameOf(tokenCell(token)) != FunctionName::none)
         facts.steps |= maskOf(Step::graphFunctions);
     facts.opening = openingOfToken(token);
     if (facts.opening != Opening::none) facts.steps |= maskOf(Step::parentheses);

@@ -172,6 +172,20 @@ void freeTemporaries() {
     machine.matrixSlots[matrixDisplaySlot] = nullptr;
 }
 
+TemporariesOfOnePass::TemporariesOfOnePass()
+    : countBefore(temporaryCount), borrowedCellsBefore(borrowedCells), borrowedRowsBefore(borrowedRows) {
+    for (int i = 0; countBefore > 0 && i < rowsUsed; i++)
+        were[static_cast<std::size_t>(i)] = table[i].owner == ownedTemporarily;
+}
+
+TemporariesOfOnePass::~TemporariesOfOnePass() {
+    borrowedCells = borrowedCellsBefore;
+    borrowedRows = borrowedRowsBefore;
+    for (int i = rowsUsed - 1; i >= 0 && temporaryCount > countBefore; i--) {
+        if (table[i].owner == ownedTemporarily && !were[static_cast<std::size_t>(i)]) matrixFree(&table[i]);
+    }
+}
+
 int poolCellsUsed() { return cellsUsed; }
 
 int matrixRowsOwned(std::int32_t owner) {

@@ -1,6 +1,8 @@
 // Matrices and lists: one pool of doubles, one table of rows that describe it. Run thread.
 #pragma once
 
+#include <bitset>
+
 #include "emulator/machine/machine.h"
 
 namespace numalink {
@@ -47,6 +49,20 @@ bool matrixAugment(std::int32_t owner, MatrixSlot &slot, const MatrixDescriptor 
 
 // Frees every temporary; the display slot is empty afterwards. Costs next to nothing when there is none.
 void freeTemporaries();
+
+// Frees the temporaries made while it lives, and gives back what was borrowed: for an expression that is evaluated many
+// times within one statement.
+class TemporariesOfOnePass {
+public:
+    TemporariesOfOnePass();
+    ~TemporariesOfOnePass();
+    TemporariesOfOnePass(const TemporariesOfOnePass &) = delete;
+    TemporariesOfOnePass &operator=(const TemporariesOfOnePass &) = delete;
+
+private:
+    std::bitset<matrixRowLimit> were;  // the rows that are others' temporaries
+    int countBefore, borrowedCellsBefore, borrowedRowsBefore;
+};
 
 int poolCellsUsed();
 int matrixRowsOwned(std::int32_t owner);  // rows of the table with that owner

@@ -190,6 +190,15 @@ bool programAdd(std::string_view name, ByteView image, ItemId item) {
     return true;
 }
 
+std::vector<ProgramCell> cellsOfString(const ProgramCell &string) {
+    std::vector<ProgramCell> tokens(string.stringCells, string.stringCells + string.stringLength);
+    tokens.push_back(tokenCell(token::endOfProgram));
+    ProgramBlock block;
+    PrePass{tokens, block}.run();
+    block.cells.pop_back();
+    return block.cells;
+}
+
 int findProgram(std::string_view name) {
     for (int i = 0; i < count; i++) {
         if (sameProgramName(loadedProgram(i).name, name)) return i;

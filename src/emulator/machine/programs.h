@@ -32,6 +32,9 @@ const LoadedProgram &loadedProgram(int index);  // 0 to programCount() - 1
 // left out, and the caller tells.
 bool programAdd(std::string_view name, ByteView image, ItemId item = noItem);
 
+// The cells of an expression that a string holds: its tokens with their digits made numbers.
+std::vector<ProgramCell> cellsOfString(const ProgramCell &string);
+
 // The first program whose name matches by sameProgramName, or -1.
 int findProgram(std::string_view name);
 bool sameProgramName(std::string_view left, std::string_view right);

@@ -4,6 +4,7 @@
 #include "emulator/expressions/vocabulary.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/statistics_memory.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/text_screen.h"
@@ -35,6 +36,7 @@ void machineStart() {
     machine.exhausted = false;
     refreshOpeningTokens();
     emptySlots();
+    graphs = {};
     if (settingsInt(setting::fillListsMatrices) != 0) fillSlots();
     clearText();
     clearGraph();  // still with the background picture of the run before

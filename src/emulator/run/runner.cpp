@@ -13,6 +13,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/block_search.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
 #include "emulator/machine/run_waits.h"
@@ -59,6 +60,7 @@ bool isEnd(const ProgramCell &cell) { return isToken(cell, token::endOfProgram);
 // Copies the statement at position to the working array. False when it has more cells than that holds.
 bool takeStatement(RunState &state) {
     state.color = pixelColor::blue;
+    state.sketchColor = graphs.sketchColor;
     machine.textColumn = 0;
     if (state.statementLength > statementLimit) {
         state.cellCount = 0;

@@ -41,28 +41,28 @@ void emptyScreen() {
     changes++;
 }
 
-void putLineDot(double x, double y, PixelColor color) {
+void putLineDot(double x, double y, StyledDots &dots) {
     pace(paceUnits::lineDot);
-    if (y < lineBottom) putPixel(cutToInteger(x), cutToInteger(y), color);
+    if (y < lineBottom) dots.put(cutToInteger(x), cutToInteger(y));
 }
 
 // The walks go by tenths of a dot or of a degree as the calculators' do: how these add up is part of the picture.
 // Behind the lower or right edge a walk meets no dot any more.
-void walkDown(double x, double fromY, double toY, PixelColor color) {
+void walkDown(double x, double fromY, double toY, StyledDots &dots) {
     // NOLINTNEXTLINE(cert-flp30-c): see above; a step too small to count ends it
     for (double y = fromY; y <= toY && y < lineBottom && runGoesOn(); y += lineStep) {
         if (y + lineStep == y) return;
-        putLineDot(x, y, color);
+        putLineDot(x, y, dots);
     }
 }
 
-void walkRight(PlotPoint from, PlotPoint to, PixelColor color) {
+void walkRight(PlotPoint from, PlotPoint to, StyledDots &dots) {
     const double slope = (from.y - to.y) / (from.x - to.x);
     double y = from.y;
     // NOLINTNEXTLINE(cert-flp30-c): see above; a step too small to count ends it
     for (double x = from.x; x <= to.x && x < displayWidth && runGoesOn(); x += lineStep) {
         if (x + lineStep == x) return;
-        putLineDot(x, y, color);
+        putLineDot(x, y, dots);
         y += slope / 10;
     }
 }
@@ -101,6 +101,22 @@ void putPixel(int x, int y, PixelColor color) {
 
 PixelColor pixelAt(int x, int y) { return isOnScreen(x, y) ? pixelColorOf(dotOf(x, y)) : pixelColor::background; }
 
+void StyledDots::put(int x, int y, void (*putDot)(int x, int y, PixelColor color)) {
+    if (x == lastX && y == lastY) return;
+    lastX = x;
+    lastY = y;
+    const int at = count++;
+    constexpr int dashLength = 4;
+    if (style == LineStyle::dotted && at % 2 != 0) return;
+    if (style == LineStyle::broken && at / dashLength % 2 != 0) return;
+    putDot(x, y, color);  // as it is: it may lie outside
+    if (style != LineStyle::thick && style != LineStyle::broken) return;
+    const bool hasRight = x < lastColumn;
+    putDot(x, y + 1, color);
+    if (hasRight) putDot(x + 1, y, color);
+    if (hasRight) putDot(x + 1, y + 1, color);
+}
+
 void plotPoint(double x, double y, PixelColor color) {
     machine.variables[variableX] = complexReal(x);
     machine.variables[variableY] = complexReal(y);
@@ -131,11 +147,12 @@ void drawLine(double x1, double y1, double x2, double y2, PixelColor color) {
     PlotPoint from{mapX(x1), mapY(y1)};
     PlotPoint to{mapX(x2), mapY(y2)};
     if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) return;
+    StyledDots dots(color, graphs.sketchStyle);
     if (from.x == to.x) {
-        walkDown(from.x, std::min(from.y, to.y), std::max(from.y, to.y), color);
+        walkDown(from.x, std::min(from.y, to.y), std::max(from.y, to.y), dots);
     } else {
         if (to.x < from.x) std::swap(from, to);
-        walkRight(from, to, color);
+        walkRight(from, to, dots);
     }
 }
 
@@ -144,11 +161,12 @@ void drawLastLine(PixelColor color) {
 }
 
 void drawCircle(double x, double y, double radius, PixelColor color) {
+    StyledDots dots(color, graphs.sketchStyle);
     // NOLINTNEXTLINE(cert-flp30-c,clang-analyzer-security.FloatLoopCounter): see the walks of a line
     for (double t = 0; t < circleEnd; t += circleStep) {
         const double column = mapX(std::sin(t) * radius + x);
         const double row = mapY(std::cos(t) * radius + y);
-        putPixel(cutToInteger(column), cutToInteger(row), color);
+        dots.put(cutToInteger(column), cutToInteger(row));
     }
 }
 
@@ -156,13 +174,15 @@ void drawCircle(double x, double y, double radius, PixelColor color) {
 void drawVertical(double x, PixelColor color) {
     pace(paceUnits::straightLine);
     const int column = cutToInteger(mapX(x));
-    for (int y = 0; y < displayHeight - 1; y++) writeDot(column, y, color);
+    StyledDots dots(color, graphs.sketchStyle);
+    for (int y = 0; y < displayHeight - 1; y++) dots.put(column, y, writeDot);
 }
 
 void drawHorizontal(double y, PixelColor color) {
     pace(paceUnits::straightLine);
     const int row = cutToInteger(mapY(y));
-    for (int x = 0; x < displayWidth - 1; x++) writeDot(x, row, color);
+    StyledDots dots(color, graphs.sketchStyle);
+    for (int x = 0; x < displayWidth - 1; x++) dots.put(x, row, writeDot);
 }
 
 void graphText(double first, double second, std::string_view text, PixelColor color) {

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "emulator/machine/machine.h"
+#include "emulator/machine/graph_memory.h"
 
 namespace numalink {
 
@@ -19,13 +19,27 @@ double mapY(double y);
 void putPixel(int x, int y, PixelColor color);
 PixelColor pixelAt(int x, int y);  // background outside
 
+// The dots of a line one after the other in a style; the pattern of a broken one goes on from dot to dot.
+class StyledDots {
+public:
+    StyledDots(PixelColor ofDots, LineStyle ofLine, int last = displayWidth - 1)
+        : color(ofDots), style(ofLine), lastColumn(last) {}
+    void put(int x, int y, void (*putDot)(int x, int y, PixelColor color) = putPixel);
+
+private:
+    PixelColor color;
+    LineStyle style;
+    int lastColumn;
+    int count = 0, lastX = -1, lastY = -1;
+};
+
 void plotPoint(double x, double y, PixelColor color);  // sets X, Y and the Line history; background overwrites
 void pixelOn(double x, double y, PixelColor color);
 void pixelOff(double x, double y);
 void pixelChange(double x, double y, PixelColor color);
 bool pixelTest(double x, double y);
 
-// Paced at each step; a stop ends it.
+// In the style of sketches. Paced at each step; a stop ends it.
 void drawLine(double x1, double y1, double x2, double y2, PixelColor color);
 void drawLastLine(PixelColor color);
 void drawCircle(double x, double y, double radius, PixelColor color);

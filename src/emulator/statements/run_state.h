@@ -15,7 +15,8 @@ struct RunState {
     int cellCount = 0;        // cells still to be dealt with; 0: nothing is left to do
     ProgramCell statement[statementLimit];
     PixelColor color = pixelColor::blue;
-    bool forContinuing = false;                            // set by Next for the For that it jumps to
+    PixelColor sketchColor = pixelColor::blue;  // of points and lines: color where it was told, else that of P/L
+    bool forContinuing = false;                 // set by Next for the For that it jumps to
     void (*callProgram)(std::string_view name) = nullptr;  // the runner's: runs a program of the table to its end
 };
 

@@ -62,7 +62,7 @@ WayOut runViewWindow(RunState &state) {
 
 WayOut runColor(RunState &state) {
     constexpr PixelColor colors[] = {pixelColor::orange, pixelColor::blue, pixelColor::green};
-    state.color = colors[state.statement[0].token2 - 0x34];
+    state.color = state.sketchColor = colors[state.statement[0].token2 - 0x34];
     return takePrefix(state);
 }
 
@@ -76,18 +76,19 @@ WayOut runPlace(RunState &state) {
     const ProgramCell command = state.statement[0];
     readPair(state);
     for (const PlaceRow &row : placeRows) {
-        if (isToken(command, row.token)) row.draw(numberAt(state, 1), numberAt(state, 3), state.color);
+        if (isToken(command, row.token)) row.draw(numberAt(state, 1), numberAt(state, 3), state.sketchColor);
     }
     return drawn(state);
 }
 
 WayOut runLine(RunState &state) {
     expectAlone(state);
-    drawLastLine(state.color);
+    drawLastLine(state.sketchColor);
     return drawn(state);
 }
 
 WayOut runString(RunState &state) {
+    if (storesFormula(state) || storesSequence(state)) return handled(state);
     displayValue(state.statement[0], state.color);
     return takePrefix(state);
 }
@@ -149,14 +150,14 @@ WayOut runRecallWindow(RunState &state) {
 WayOut runVertical(RunState &state) {
     evaluateAll(state);
     expectShape(state, 2, "n");
-    drawVertical(numberAt(state, 1), state.color);
+    drawVertical(numberAt(state, 1), state.sketchColor);
     return drawn(state);
 }
 
 WayOut runHorizontal(RunState &state) {
     evaluateAll(state);
     expectShape(state, 2, "n");
-    drawHorizontal(numberAt(state, 1), state.color);
+    drawHorizontal(numberAt(state, 1), state.sketchColor);
     return drawn(state);
 }
 
@@ -170,14 +171,14 @@ WayOut runText(RunState &state) {
 WayOut runCircle(RunState &state) {
     evaluateAll(state);
     expectShape(state, 6, "n,n,n");
-    drawCircle(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), state.color);
+    drawCircle(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), state.sketchColor);
     return drawn(state);
 }
 
 WayOut runFLine(RunState &state) {
     evaluateAll(state);
     expectShape(state, 8, "n,n,n,n");
-    drawLine(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), numberAt(state, 7), state.color);
+    drawLine(numberAt(state, 1), numberAt(state, 3), numberAt(state, 5), numberAt(state, 7), state.sketchColor);
     return drawn(state);
 }
 

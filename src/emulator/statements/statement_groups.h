@@ -14,5 +14,6 @@ std::span<const StatementRow> arrayStatements();
 std::span<const StatementRow> statisticsStatements();
 std::span<const StatementRow> statisticsGraphStatements();
 std::span<const StatementRow> recursionStatements();
+std::span<const StatementRow> tableStatements();
 
 }  // namespace numalink

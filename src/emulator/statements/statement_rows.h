@@ -85,6 +85,10 @@ WayOut runCircle(RunState &state);
 WayOut runFLine(RunState &state);
 WayOut runPixelTest(RunState &state);
 
+// A string that is stored as a formula: in a function of the graphs, in a sequence. False where it isn't one of these.
+bool storesFormula(RunState &state);
+bool storesSequence(RunState &state);
+
 // Values.
 WayOut runFill(RunState &state);
 WayOut runCondition(RunState &state, int arrow);

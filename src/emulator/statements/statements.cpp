@@ -7,6 +7,7 @@
 
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/screens/display.h"
 #include "emulator/statements/statement_groups.h"
 #include "emulator/statements/statement_rows.h"
@@ -37,10 +38,14 @@ WayOut runGridSwitch(RunState &state) {
     return handled(state);
 }
 
+constexpr int axesSwitch = 2;
+
 template <int firstToken, bool value>
 WayOut runGraphSwitch(RunState &state) {
     expectAlone(state);
-    machine.graphSwitches[static_cast<std::size_t>(state.statement[0].token2 - firstToken)] = value;
+    const int number = state.statement[0].token2 - firstToken;
+    machine.graphSwitches[static_cast<std::size_t>(number)] = value;
+    if (number == axesSwitch) graphs.hidesAxes = !value;
     return handled(state);
 }
 
@@ -97,9 +102,10 @@ constexpr std::int16_t noRow = -1;
 std::span<const StatementRow> basicStatements() { return rows; }
 
 // The tables in their order of testing, which counts behind prefixes: all later ones take a prefix of the first.
-constexpr std::span<const StatementRow> (*groups[])() = {basicStatements, flowStatements,           modeStatements,
-                                                         graphStatements, statisticsStatements,     recursionStatements,
-                                                         arrayStatements, statisticsGraphStatements};
+constexpr std::span<const StatementRow> (*groups[])() = {
+    basicStatements,      flowStatements,      modeStatements,  graphStatements,
+    statisticsStatements, recursionStatements, arrayStatements, statisticsGraphStatements,
+    tableStatements};
 
 // The rows one after the other, and of each token the number of its row: a block for single bytes, one behind 0x7F, one
 // behind 0xF7.

@@ -12,6 +12,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
@@ -32,7 +33,7 @@ DraftAnswer askDraft(const Draft &draft) {
     QPushButton *later = box.addButton(textOf(Text::draftLater), QMessageBox::RejectRole);
     box.setDefaultButton(open);
     box.setEscapeButton(later);
-    box.exec();
+    runDialog(box);
     if (box.clickedButton() == open) return DraftAnswer::open;
     return box.clickedButton() == remove ? DraftAnswer::remove : DraftAnswer::later;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/program_folder.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "store/care/daily_copies.h"
 #include "store/care/library_check.h"
@@ -30,7 +31,7 @@ LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin) 
     QPushButton *end = box.addButton(textOf(Text::storeEndProgram), QMessageBox::RejectRole);
     box.setDefaultButton(take != nullptr ? take : end);
     box.setEscapeButton(end);
-    box.exec();
+    runDialog(box);
     if (take != nullptr && box.clickedButton() == take) return LibraryAnswer::takeCopy;
     return begin != nullptr && box.clickedButton() == begin ? LibraryAnswer::begin : LibraryAnswer::end;
 }

@@ -1,7 +1,6 @@
 #include "shell/app/start_up.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QMainWindow>
 #include <QThread>
 #include <QTimer>
@@ -23,9 +22,11 @@
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
+#include "shell/dialogs/export_dialog.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/program_colors.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
@@ -55,17 +56,21 @@ bool done(void (*work)()) {
 // Once the window is alive: the questions must not hold up the start.
 void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
-bool settingsRead = true;
-bool isFirstUse = false;  // neither a library nor settings were there
+struct Start {
+    bool settingsRead = true;
+    bool isFirstUse = false;  // neither a library nor settings were there
+    bool shutting = false;
+};
+Start state;
 
 bool loadSettings() {
-    isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
+    state.isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
     return settingsLoad();
 }
 
 // Programs show their colours from the start, where nobody has chosen otherwise.
 bool colorFirstUse() {
-    if (!isFirstUse) return true;
+    if (!state.isFirstUse) return true;
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
@@ -88,7 +93,7 @@ bool showFirst() {
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
     {"running copy", [] { return !raiseRunningCopy(); }, true},
-    {"settings", [] { return settingsRead = loadSettings(); }, false},
+    {"settings", [] { return state.settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
@@ -101,7 +106,7 @@ constexpr StartStep startSteps[] = {
     {"emulator", [] { return done(makeEmulatorWindow); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
-    {"faulty settings told", [] { return settingsRead || tellSettings(); }, false},
+    {"faulty settings told", [] { return state.settingsRead || tellSettings(); }, false},
     {"library", openLibraryAtStart, true},
     {"colors of a new library", colorFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
@@ -116,10 +121,8 @@ constexpr StartStep startSteps[] = {
     {"drafts", [] { return done(offerDraftsSoon); }, false},
 };
 
-bool shutting = false;
-
 void closeLibraryAndQuit() {
-    shutting = true;
+    state.shutting = true;
     stopLink();
     storeClose();
     removeTrayIcon();
@@ -133,7 +136,7 @@ void closeLibraryAndQuit() {
 
 bool startUp() {
     threadRole = ThreadRole::graphical;
-    shutting = false;
+    state = {};
     endProgram = shutDown;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
@@ -146,28 +149,17 @@ bool startUp() {
     return true;
 }
 
-bool shuttingDown() { return shutting; }
+bool shuttingDown() { return state.shutting; }
 
 void shutDown() {
-    if (shutting) return;
-    if (QWidget *dialog = QApplication::activeModalWidget()) {
-        dialog->raise();
-        dialog->activateWindow();
-        return;
-    }
+    if (state.shutting) return;
+    if (raiseOpenDialog()) return;
     if (finishLabelEdit() && leaveViewAtEnd()) closeLibraryAndQuit();
 }
 
 void shutDownAtOnce() {
-    if (shutting) return;
-    while (QWidget *menu = QApplication::activePopupWidget()) {
-        menu->close();
-        if (QApplication::activePopupWidget() == menu) break;
-    }
-    while (QWidget *dialog = QApplication::activeModalWidget()) {
-        dialog->close();
-        if (QApplication::activeModalWidget() == dialog) break;
-    }
+    if (state.shutting) return;
+    closeOpenWindows();
     finishLabelEditAtOnce();
     leaveViewAtOnce();
     closeLibraryAndQuit();
@@ -180,6 +172,9 @@ void tearDown() {
     removeUserInterface();
     forgetMenus();
     forgetLayout();
+    forgetFileCommands();
+    forgetLinkCommands();
+    forgetExport();
     forgetTree();
     forgetViews();
     forgetEmulatorWindow();

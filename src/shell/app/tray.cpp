@@ -1,6 +1,5 @@
 #include "shell/app/tray.h"
 
-#include <QApplication>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenu>
@@ -14,6 +13,7 @@
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/debug_window.h"
 #include "telling/tell_user.h"
@@ -22,30 +22,33 @@ namespace numalink {
 
 namespace {
 
-QSystemTrayIcon *trayIcon = nullptr;
-QTimer *hostWatch = nullptr;  // runs while the window is hidden: nobody tells when the area goes
-bool hostMissed = false;
-QList<QPointer<QWidget>> hiddenAlong;  // windows over the main one, to come back with it
+struct Tray {
+    QSystemTrayIcon *icon = nullptr;
+    QTimer *hostWatch = nullptr;  // runs while the window is hidden: nobody tells when the area goes
+    bool hostMissed = false;
+    QList<QPointer<QWidget>> hiddenAlong;  // windows over the main one, to come back with it
+};
+Tray state;
 
 constexpr int hostWatchMilliseconds = 1000;
 
 // A panel that starts again is away for a moment: the second miss in a row counts.
 void watchHost() {
     const bool missed = !trayAvailable();
-    if (missed && hostMissed) raiseMainWindow();
-    hostMissed = missed;
+    if (missed && state.hostMissed) raiseMainWindow();
+    state.hostMissed = missed;
 }
 
 void hideAlong() {
     for (QWidget *window : mainWindow->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
         if (!window->isWindow()) continue;
-        if (window->isVisible()) hiddenAlong.append(window);
+        if (window->isVisible()) state.hiddenAlong.append(window);
         window->hide();
     }
 }
 
 void showHiddenAlong() {
-    for (const QPointer<QWidget> &window : std::exchange(hiddenAlong, {}))
+    for (const QPointer<QWidget> &window : std::exchange(state.hiddenAlong, {}))
         if (window != nullptr) showUnminimised(window);
     // What they belong to may have gone meanwhile.
     if (!isTextKind(viewKind)) hideSymbols();
@@ -54,48 +57,43 @@ void showHiddenAlong() {
 
 }  // namespace
 
-bool trayAvailable() { return trayIcon != nullptr && QSystemTrayIcon::isSystemTrayAvailable(); }
+bool trayAvailable() { return state.icon != nullptr && QSystemTrayIcon::isSystemTrayAvailable(); }
 
 void hideToTray() {
     if (mainWindow->isHidden()) return;
     hideAlong();
     mainWindow->hide();
-    hostMissed = false;
-    hostWatch->start(hostWatchMilliseconds);
+    state.hostMissed = false;
+    state.hostWatch->start(hostWatchMilliseconds);
 }
 
 void raiseMainWindow() {
-    if (hostWatch != nullptr) hostWatch->stop();
+    if (state.hostWatch != nullptr) state.hostWatch->stop();
     mainWindow->setWindowState(mainWindow->windowState() & ~Qt::WindowMinimized);
     mainWindow->show();
     showHiddenAlong();
     mainWindow->raise();
     mainWindow->activateWindow();
-    if (QWidget *dialog = QApplication::activeModalWidget()) {
-        dialog->raise();
-        dialog->activateWindow();
-    }
+    raiseOpenDialog();
 }
 
 void addTrayIcon() {
-    trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
-    trayIcon->setToolTip(QString::fromLatin1(programTitle));
-    trayIcon->setContextMenu(menuAt(MenuPosition::tray));
-    QObject::connect(trayIcon, &QSystemTrayIcon::activated, mainWindow, [](QSystemTrayIcon::ActivationReason reason) {
+    state.icon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/numalink.svg")), mainWindow);
+    state.icon->setToolTip(QString::fromLatin1(programTitle));
+    state.icon->setContextMenu(menuAt(MenuPosition::tray));
+    QObject::connect(state.icon, &QSystemTrayIcon::activated, mainWindow, [](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) raiseMainWindow();
     });
-    hostWatch = new QTimer(trayIcon);
-    QObject::connect(hostWatch, &QTimer::timeout, hostWatch, watchHost);
-    trayIcon->show();
+    state.hostWatch = new QTimer(state.icon);
+    QObject::connect(state.hostWatch, &QTimer::timeout, state.hostWatch, watchHost);
+    state.icon->show();
     if (mainWindow->isMinimized() && trayAvailable()) hideToTray();
 }
 
 void removeTrayIcon() {
-    if (trayIcon != nullptr) trayIcon->hide();
-    delete trayIcon;
-    trayIcon = nullptr;
-    hostWatch = nullptr;
-    hiddenAlong.clear();
+    if (state.icon != nullptr) state.icon->hide();
+    delete state.icon;
+    state = {};
 }
 
 }  // namespace numalink

@@ -21,9 +21,13 @@ namespace numalink {
 
 namespace {
 
-QString lastFolder;  // of the file dialog, for this run
-QStringList filesToImport;
-bool importing = false;
+struct FileCommands {
+    QString lastFolder;  // of the file dialog, for this run
+    QStringList filesToImport;
+    bool importing = false;
+};
+FileCommands state;
+
 constexpr int importAgainMilliseconds = 100;
 
 // An import has left the view. What it told in the status bar stays.
@@ -36,18 +40,18 @@ void showAfterImport() {
 // One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
 // dialog of another import may be asking about.
 void importWaitingFiles() {
-    if (importing || filesToImport.isEmpty()) return;
+    if (state.importing || state.filesToImport.isEmpty()) return;
     if (QApplication::activeModalWidget() != nullptr) {
         QTimer::singleShot(importAgainMilliseconds, mainWindow, importWaitingFiles);
         return;
     }
-    importing = true;
-    while (!filesToImport.isEmpty() && storeIsOpen()) {
-        const QString path = filesToImport.takeFirst();
+    state.importing = true;
+    while (!state.filesToImport.isEmpty() && storeIsOpen()) {
+        const QString path = state.filesToImport.takeFirst();
         importFile(QFile::encodeName(path).toStdString(), importBaseName(path.toStdString()));
     }
-    importing = false;
-    filesToImport.clear();
+    state.importing = false;
+    state.filesToImport.clear();
     refreshTree();
     if (storeIsOpen()) showAfterImport();
 }
@@ -64,16 +68,18 @@ void openFiles() {
     }
     const QString filter = textOf(Text::filterImportable) + QStringLiteral(" (") + bothCases.join(QLatin1Char(' ')) +
                            QStringLiteral(");;") + textOf(Text::filterAllFiles) + QStringLiteral(" (*)");
-    const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), lastFolder, filter);
+    const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), state.lastFolder, filter);
     if (chosen.isEmpty()) return;
-    lastFolder = QFileInfo(chosen.first()).absolutePath();
+    state.lastFolder = QFileInfo(chosen.first()).absolutePath();
     importDropped(chosen);
 }
 
 void importDropped(const QStringList &paths) {
-    filesToImport += paths;
+    state.filesToImport += paths;
     importWaitingFiles();
 }
+
+void forgetFileCommands() { state = {}; }
 
 void exitProgram() { endProgram(); }
 

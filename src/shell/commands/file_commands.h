@@ -9,6 +9,7 @@ void openFiles();  // the Open command
 
 // Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
 void importDropped(const QStringList &paths);
+void forgetFileCommands();
 
 // The Exit command. What ends the program is put in at the start.
 inline void (*endProgram)() = nullptr;

@@ -29,39 +29,43 @@ namespace {
 
 constexpr int deadlineMilliseconds = 500;
 
-QPointer<QTimer> deadlineTimer;
-QPointer<QDialog> queueWindow;
-QPointer<QListWidget> queueList;
-QPointer<QPushButton> sendButton, removeButton, clearButton, againButton;
+// The widgets are the main window's children, and go with it.
+struct LinkCommands {
+    QPointer<QTimer> deadlineTimer;
+    QPointer<QDialog> queueWindow;
+    QPointer<QListWidget> queueList;
+    QPointer<QPushButton> sendButton, removeButton, clearButton, againButton;
+};
+LinkCommands state;
 
 void showButtons() {
-    sendButton->setEnabled(transmitCanBegin());
-    removeButton->setEnabled(queueList->currentItem() != nullptr);
-    clearButton->setEnabled(queueList->count() > 0);
-    againButton->setEnabled(transmitDroppedCount() > 0);
+    state.sendButton->setEnabled(transmitCanBegin());
+    state.removeButton->setEnabled(state.queueList->currentItem() != nullptr);
+    state.clearButton->setEnabled(state.queueList->count() > 0);
+    state.againButton->setEnabled(transmitDroppedCount() > 0);
 }
 
 // The list is made anew with each entry that goes; what is chosen in it stays chosen, or the one in its place.
 void showQueue() {
     commandStatesChanged();
-    if (queueList == nullptr) return;
-    const QListWidgetItem *chosen = queueList->currentItem();
+    if (state.queueList == nullptr) return;
+    const QListWidgetItem *chosen = state.queueList->currentItem();
     const ItemId chosenId = chosen == nullptr ? noItem : chosen->data(Qt::UserRole).toUInt();
-    const int chosenRow = queueList->currentRow();
-    queueList->clear();
+    const int chosenRow = state.queueList->currentRow();
+    state.queueList->clear();
     for (const ItemId id : transmitQueueIds()) {
         const std::optional<ItemEntry> item = storeReadEntry(id);
-        auto *row = new QListWidgetItem(item ? nameToQt(item->name) : QStringLiteral("?"), queueList);
+        auto *row = new QListWidgetItem(item ? nameToQt(item->name) : QStringLiteral("?"), state.queueList);
         row->setData(Qt::UserRole, id);
-        if (id == chosenId) queueList->setCurrentItem(row);
+        if (id == chosenId) state.queueList->setCurrentItem(row);
     }
-    if (queueList->currentItem() == nullptr && queueList->count() > 0)
-        queueList->setCurrentRow(std::clamp(chosenRow, 0, queueList->count() - 1));
+    if (state.queueList->currentItem() == nullptr && state.queueList->count() > 0)
+        state.queueList->setCurrentRow(std::clamp(chosenRow, 0, state.queueList->count() - 1));
     showButtons();
 }
 
 void removeChosen() {
-    const QListWidgetItem *row = queueList->currentItem();
+    const QListWidgetItem *row = state.queueList->currentItem();
     if (row != nullptr) transmitQueueRemove(row->data(Qt::UserRole).toUInt());
 }
 
@@ -74,25 +78,26 @@ bool listEvent(QWidget *, QEvent *event) {
 QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pressed)()) {
     QPushButton *button = buttons->addButton(text, QDialogButtonBox::ActionRole);
     button->setAutoDefault(false);  // Enter in the list does nothing
-    QObject::connect(button, &QPushButton::clicked, queueWindow, pressed);
+    QObject::connect(button, &QPushButton::clicked, state.queueWindow, pressed);
     return button;
 }
 
 void makeQueueWindow() {
-    queueWindow = new QDialog(mainWindow);  // no tool window: the letters of its buttons would be those of the menus
-    queueWindow->setObjectName(QStringLiteral("queueWindow"));
-    queueWindow->setWindowTitle(textOf(Text::queueTitle));
-    queueList = new QListWidget;
-    queueList->setAccessibleName(textOf(Text::queueTitle));
+    state.queueWindow =
+        new QDialog(mainWindow);  // no tool window: the letters of its buttons would be those of the menus
+    state.queueWindow->setObjectName(QStringLiteral("queueWindow"));
+    state.queueWindow->setWindowTitle(textOf(Text::queueTitle));
+    state.queueList = new QListWidget;
+    state.queueList->setAccessibleName(textOf(Text::queueTitle));
     auto *buttons = new QDialogButtonBox(Qt::Vertical);
-    sendButton = addButton(buttons, textOf(Text::menuTransmitQueue), [] { beginTransmit(); });
-    removeButton = addButton(buttons, textOf(Text::queueRemove), removeChosen);
-    clearButton = addButton(buttons, textOf(Text::queueClear), transmitQueueClear);
-    againButton = addButton(buttons, textOf(Text::queueAgain), [] { transmitQueueAgain(); });
-    QObject::connect(queueList, &QListWidget::currentItemChanged, queueWindow, showButtons);
-    hookEvents(queueList, listEvent);
-    auto *layout = new QHBoxLayout(queueWindow);
-    layout->addWidget(queueList);
+    state.sendButton = addButton(buttons, textOf(Text::menuTransmitQueue), [] { beginTransmit(); });
+    state.removeButton = addButton(buttons, textOf(Text::queueRemove), removeChosen);
+    state.clearButton = addButton(buttons, textOf(Text::queueClear), transmitQueueClear);
+    state.againButton = addButton(buttons, textOf(Text::queueAgain), [] { transmitQueueAgain(); });
+    QObject::connect(state.queueList, &QListWidget::currentItemChanged, state.queueWindow, showButtons);
+    hookEvents(state.queueList, listEvent);
+    auto *layout = new QHBoxLayout(state.queueWindow);
+    layout->addWidget(state.queueList);
     layout->addWidget(buttons);
 }
 
@@ -109,27 +114,29 @@ std::vector<std::string> portsOffered() {
 void startLink() {
     listSerialPorts = portsOffered;
     linkSettingsChanged = startLinkThread;
-    deadlineTimer = new QTimer(mainWindow);
-    QObject::connect(deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
-    deadlineTimer->start(deadlineMilliseconds);
+    state.deadlineTimer = new QTimer(mainWindow);
+    QObject::connect(state.deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    state.deadlineTimer->start(deadlineMilliseconds);
     startLinkThread();
 }
 
 void stopLink() {
-    if (deadlineTimer != nullptr) deadlineTimer->stop();
+    if (state.deadlineTimer != nullptr) state.deadlineTimer->stop();
     stopLinkThread();
 }
+
+void forgetLinkCommands() { state = {}; }
 
 void transmitSelected() { queueAndBegin(selectedItemId()); }
 void queueSelected() { queueAndTell(selectedItemId()); }
 
 void openQueueWindow() {
-    if (queueWindow == nullptr) makeQueueWindow();
+    if (state.queueWindow == nullptr) makeQueueWindow();
     showQueue();
-    showUnminimised(queueWindow);
-    queueWindow->raise();
-    queueWindow->activateWindow();
-    queueList->setFocus();
+    showUnminimised(state.queueWindow);
+    state.queueWindow->raise();
+    state.queueWindow->activateWindow();
+    state.queueList->setFocus();
 }
 
 void queueMarked() {

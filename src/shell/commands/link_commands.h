@@ -6,6 +6,7 @@ namespace numalink {
 
 void startLink();  // the link's thread and the test of its deadline; with the library open
 void stopLink();   // joins the thread; ahead of closing the library
+void forgetLinkCommands();
 
 void transmitSelected();  // queues the selected item and sends what waits
 void queueSelected();     // queues it and says how many wait

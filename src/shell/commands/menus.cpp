@@ -26,7 +26,7 @@ struct Menus {
     std::map<CommandId, QAction *> actions;
     std::map<MenuPosition, QMenu *> menus;
 };
-Menus built;
+Menus state;
 
 // "Transmit" out of "&Transmit", so that a button shows no stray mark.
 QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
@@ -35,7 +35,7 @@ QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
 bool keyIsCommand(const Command &row) { return row.keyOfText || row.keyWhileRunning || !emulatorShown(); }
 
 void giveKeys(const Command &row) {
-    QAction *action = built.actions[row.id];
+    QAction *action = state.actions[row.id];
     if (!keyIsCommand(row)) return action->setShortcuts(QList<QKeySequence>());
     if (row.standardKey != QKeySequence::UnknownKey) return action->setShortcuts(row.standardKey);
     action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
@@ -52,7 +52,7 @@ bool isEnabled(const Command &row) {
 }
 
 void showState(const Command &row, bool menuOpen) {
-    QAction *action = built.actions[row.id];
+    QAction *action = state.actions[row.id];
     action->setEnabled(isEnabled(row) && (!menuOpen || row.offered == nullptr || row.offered()));
     if (row.checked != nullptr) action->setChecked(row.checked());
     if (menuOpen && row.words != nullptr) action->setText(row.words());
@@ -71,7 +71,7 @@ void showStates() {
     }
     for (const ToolbarButton &button : toolbarTable()) {
         if (button.isOther == nullptr) continue;
-        built.actions[button.id]->setIconText(
+        state.actions[button.id]->setIconText(
             withoutMnemonic(textOf(button.isOther() ? button.otherText : button.text)));
     }
 }
@@ -84,7 +84,7 @@ QMenu *makeMenu(const MenuRow &row) {
 
 void addMenu(const MenuRow &row) {
     QMenu *menu = makeMenu(row);
-    built.menus[row.menu] = menu;
+    state.menus[row.menu] = menu;
     if (row.oneChecked) new QActionGroup(menu);
     QObject::connect(menu, &QMenu::aboutToShow, menu, [where = row.menu] { showMenuStates(where, true); });
     QObject::connect(menu, &QMenu::aboutToHide, menu, [where = row.menu] { showMenuStates(where, false); });
@@ -94,7 +94,7 @@ void addAction(const Command &row) {
     QMenu *menu = menuAt(row.menu);
     if (row.separatorAhead) menu->addSeparator();
     QAction *action = menu->addAction(row.text == Text::none ? QString::fromLatin1(row.label) : textOf(row.text));
-    built.actions[row.id] = action;
+    state.actions[row.id] = action;
     if (row.keyOfText) action->setShortcutContext(Qt::WidgetShortcut);
     action->setAutoRepeat(row.repeats);
     if (row.tip != Text::none) {
@@ -140,7 +140,7 @@ void buildMenus() {
 
 void buildToolbar() {
     for (const ToolbarButton &button : toolbarTable()) {
-        QAction *action = built.actions[button.id];
+        QAction *action = state.actions[button.id];
         action->setIcon(QIcon(QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(button.image))));
         action->setIconText(withoutMnemonic(textOf(button.text)));
         toolbar->addAction(action);
@@ -153,18 +153,18 @@ void forgetMenus() {
     commandStatesChanged = [] {};
     for (const MenuRow &row : menuTable())
         if (row.ofNoWindow) delete menuAt(row.menu);
-    built = {};
+    state = {};
     itemMenu = programMenu = treeGroundMenu = nullptr;
 }
 
 QAction *commandAction(CommandId id) {
-    const auto found = built.actions.find(id);
-    return found == built.actions.end() ? nullptr : found->second;
+    const auto found = state.actions.find(id);
+    return found == state.actions.end() ? nullptr : found->second;
 }
 
 QMenu *menuAt(MenuPosition position) {
-    const auto found = built.menus.find(position);
-    return found == built.menus.end() ? nullptr : found->second;
+    const auto found = state.menus.find(position);
+    return found == state.menus.end() ? nullptr : found->second;
 }
 
 }  // namespace numalink

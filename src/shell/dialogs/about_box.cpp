@@ -13,6 +13,7 @@
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -110,6 +111,6 @@ void showSplash() {
     QTimer::singleShot(splashMilliseconds, splash, &QWidget::close);
 }
 
-void showAboutBox() { makePicture(Qt::Dialog)->exec(); }
+void showAboutBox() { runDialog(*makePicture(Qt::Dialog)); }
 
 }  // namespace numalink

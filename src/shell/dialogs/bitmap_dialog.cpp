@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -80,7 +81,7 @@ void askBitmap(BitmapQuestion &question) {
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     controls.image->setFocus();
-    question.accepted = dialog.exec() == QDialog::Accepted;
+    question.accepted = runDialog(dialog) == QDialog::Accepted;
     question.type = controls.image->isChecked() ? RasterType::image : RasterType::sharp;
 }
 

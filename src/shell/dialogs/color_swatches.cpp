@@ -20,6 +20,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/program_colors.h"
 #include "shell/parts/shell_texts.h"
 
@@ -58,9 +59,12 @@ constexpr std::string_view previewTokens =
     "A\x89\x7F\x40"
     "1\xFA"sv;
 
-std::array<QColor, runClassCount> colors;
-std::array<QPushButton *, runClassCount> buttons;
-QPlainTextEdit *preview = nullptr;
+struct Swatches {
+    std::array<QColor, runClassCount> colors;
+    std::array<QPushButton *, runClassCount> buttons = {};
+    QPlainTextEdit *preview = nullptr;
+};
+Swatches state;
 
 std::size_t placeOf(RunClass runClass) { return static_cast<std::size_t>(runClass); }
 
@@ -76,35 +80,36 @@ QIcon swatchIcon(const QColor &color, const QWidget *widget) {
 }
 
 void showColors() {
-    for (std::size_t i = 0; i < buttons.size(); i++) buttons[i]->setIcon(swatchIcon(colors[i], preview));
-    const QColor ground = preview->palette().color(QPalette::Base);
+    for (std::size_t i = 0; i < state.buttons.size(); i++)
+        state.buttons[i]->setIcon(swatchIcon(state.colors[i], state.preview));
+    const QColor ground = state.preview->palette().color(QPalette::Base);
     Bytes image(std::size(previewTokens) + 2, 0xFF);  // ':', the tokens, the end mark
     image[0] = ':';
     std::copy(std::begin(previewTokens), std::end(previewTokens), image.begin() + 1);
-    preview->clear();
-    QTextCursor cursor(preview->document());
+    state.preview->clear();
+    QTextCursor cursor(state.preview->document());
     for (const ViewLine &line : viewLines(image)) {
         if (!cursor.atStart()) cursor.insertBlock();
         for (const ColorRun &run : colorRuns(line, readLine(line, false))) {
             QTextCharFormat format;
-            format.setForeground(readableOn(ground, colors[placeOf(run.runClass)]));
+            format.setForeground(readableOn(ground, state.colors[placeOf(run.runClass)]));
             cursor.insertText(qtFromCodes(std::string_view(line.text).substr(run.from, run.size)), format);
         }
     }
-    preview->moveCursor(QTextCursor::Start);
+    state.preview->moveCursor(QTextCursor::Start);
 }
 
 void chooseColor(RunClass runClass, const QString &name) {
-    const QColor chosen = QColorDialog::getColor(colors[placeOf(runClass)], preview->window(), name);
+    const QColor chosen = QColorDialog::getColor(state.colors[placeOf(runClass)], state.preview->window(), name);
     if (!chosen.isValid()) return;
-    colors[placeOf(runClass)] = chosen;
+    state.colors[placeOf(runClass)] = chosen;
     showColors();
 }
 
 // A scheme is no use with highlighting off: the choice turns it on.
 void takeScheme(const ColorScheme &scheme) {
-    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = QColor::fromRgb(scheme[i]);
-    if (auto *box = preview->window()->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting)))
+    for (std::size_t i = 0; i < state.colors.size(); i++) state.colors[i] = QColor::fromRgb(scheme[i]);
+    if (auto *box = state.preview->window()->findChild<QCheckBox *>(QString::fromLatin1(setting::syntaxHighlighting)))
         box->setChecked(true);
     showColors();
 }
@@ -127,7 +132,7 @@ void addSwatches(QGridLayout *grid) {
         button->setAccessibleName(name);
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
         QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColor(row.runClass, name); });
-        buttons[placeOf(row.runClass)] = button;
+        state.buttons[placeOf(row.runClass)] = button;
         auto *label = new QLabel(name);
         label->setBuddy(button);
         grid->addWidget(button, place % rowsPerColumn, place / rowsPerColumn * 2);
@@ -146,31 +151,31 @@ QPushButton *schemeButton(Text text, const ColorScheme &scheme, const char *name
 }
 
 void makePreview() {
-    preview = new QPlainTextEdit;
-    preview->setFont(programFont());
-    preview->setReadOnly(true);
-    preview->setLineWrapMode(QPlainTextEdit::NoWrap);
-    preview->setAccessibleName(textOf(Text::colorPreview));
-    preview->setTabChangesFocus(true);
-    preview->setMinimumSize(300, previewLines * QFontMetrics(preview->font()).lineSpacing() + 12);
-    preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    state.preview = new QPlainTextEdit;
+    state.preview->setFont(programFont());
+    state.preview->setReadOnly(true);
+    state.preview->setLineWrapMode(QPlainTextEdit::NoWrap);
+    state.preview->setAccessibleName(textOf(Text::colorPreview));
+    state.preview->setTabChangesFocus(true);
+    state.preview->setMinimumSize(300, previewLines * QFontMetrics(state.preview->font()).lineSpacing() + 12);
+    state.preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 }  // namespace
 
 void offerSchemeForBlack() {
     const auto isBlack = [](const QColor &color) { return color == Qt::black; };
-    if (preview == nullptr || !std::ranges::all_of(colors, isBlack)) return;
+    if (state.preview == nullptr || !std::ranges::all_of(state.colors, isBlack)) return;
     QMessageBox question(QMessageBox::Question, boxTitle(false), textOf(Text::colorsAllBlack), QMessageBox::NoButton,
-                         preview->window());
+                         state.preview->window());
     question.setTextFormat(Qt::PlainText);
     QPushButton *light = addChoice(question, Text::schemeLight, "offerLight");
     QPushButton *dark = addChoice(question, Text::schemeDark, "offerDark");
     QPushButton *none = addChoice(question, Text::schemeDefault, "offerNone");
     question.setEscapeButton(none);
-    const bool isDark = &schemeOn(preview->palette().color(QPalette::Base)) == &darkScheme;
+    const bool isDark = &schemeOn(state.preview->palette().color(QPalette::Base)) == &darkScheme;
     question.setDefaultButton(isDark ? dark : light);
-    question.exec();
+    runDialog(question);
     if (question.clickedButton() == light) takeScheme(lightScheme);
     if (question.clickedButton() == dark) takeScheme(darkScheme);
 }
@@ -189,22 +194,21 @@ QWidget *makeColorSwatches() {
     makePreview();
     auto *shown = new QVBoxLayout;
     shown->addWidget(new QLabel(textOf(Text::colorPreview)));
-    shown->addWidget(preview, 1);
+    shown->addWidget(state.preview, 1);
     shown->addWidget(schemeButton(Text::schemeLight, lightScheme, "lightScheme"));
     shown->addWidget(schemeButton(Text::schemeDark, darkScheme, "darkScheme"));
     sides->addLayout(shown, 1);
-    for (std::size_t i = 0; i < colors.size(); i++) colors[i] = qtColor(settingsColour(programColorKeys[i]));
+    for (std::size_t i = 0; i < state.colors.size(); i++)
+        state.colors[i] = qtColor(settingsColour(programColorKeys[i]));
     showColors();
     return part;
 }
 
 void storeSwatches() {
-    for (std::size_t i = 0; i < colors.size(); i++) settingsSetColour(programColorKeys[i], settingColor(colors[i]));
+    for (std::size_t i = 0; i < state.colors.size(); i++)
+        settingsSetColour(programColorKeys[i], settingColor(state.colors[i]));
 }
 
-void forgetSwatches() {
-    buttons.fill(nullptr);
-    preview = nullptr;
-}
+void forgetSwatches() { state = {}; }
 
 }  // namespace numalink

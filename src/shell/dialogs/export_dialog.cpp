@@ -21,6 +21,7 @@
 #include "exchange/export/export_formats.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -268,11 +269,13 @@ void askExport(ExportQuestion &question) {
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     dialog.resize(680, 440);
-    if (dialog.exec() != QDialog::Accepted) return;
+    if (runDialog(dialog) != QDialog::Accepted) return;
     takeAnswers(question, controls);
     askPath(question);
 }
 
 void saveItems() { exportWithQuestion(); }
+
+void forgetExport() { lastFolder.clear(); }
 
 }  // namespace numalink

@@ -9,5 +9,6 @@ void askExport(ExportQuestion &question);
 
 // The command behind it.
 void saveItems();
+void forgetExport();
 
 }  // namespace numalink

@@ -15,6 +15,7 @@
 #include "exchange/import/import.h"
 #include "link/transmit_queue.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -79,7 +80,7 @@ void askImport(ImportQuestion &question) {
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     dialog.resize(360, 380);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = runDialog(dialog) == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;
     question.folderName = controls.folder->text().toStdString();
 }
@@ -96,7 +97,7 @@ ImportTaken askImportTaken(const ImportTakenQuestion &question) {
         {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
     box.setDefaultButton(buttons[1].first);
     box.setEscapeButton(buttons[3].first);
-    box.exec();
+    runDialog(box);
     for (const auto &[button, taken] : buttons)
         if (box.clickedButton() == button) return taken;
     return ImportTaken::cancel;

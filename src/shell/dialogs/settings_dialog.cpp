@@ -17,6 +17,7 @@
 #include "shell/editor/program_view.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/views/item_views.h"
 #include "telling/language_table.h"
@@ -191,7 +192,7 @@ bool settingsDialog(bool portFirst) {
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(pages);
     layout->addWidget(dialogButtons(&dialog));
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = runDialog(dialog) == QDialog::Accepted;
     if (accepted) storeControls(controls);
     forgetSwatches();
     return accepted;

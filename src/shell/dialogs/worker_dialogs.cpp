@@ -2,11 +2,10 @@
 
 #include <QDialog>
 #include <QPointer>
-#include <QTimer>
 #include <map>
 #include <memory>
 
-#include "shell/parts/tree_refresh.h"
+#include "shell/parts/open_windows.h"
 #include "telling/graphical_calls.h"
 
 namespace numalink {
@@ -21,7 +20,7 @@ void openFor(QDialog *dialog, GraphicalQuestion question) {
     QObject::connect(dialog, &QDialog::finished, dialog, [question](int result) {
         openDialogs.erase(question);
         graphicalAnswer(question, result);
-        QTimer::singleShot(0, refreshTreeWhenFree);
+        dialogClosed();
     });
     dialog->open();
 }
@@ -39,9 +38,7 @@ int askByDialog(const std::function<QDialog *()> &make) {
         return graphicalAsk([make](GraphicalQuestion question) { openFor(make(), question); }, closeFor).value_or(0);
     }
     const std::unique_ptr<QDialog> dialog(make());
-    const int result = dialog->exec();
-    QTimer::singleShot(0, refreshTreeWhenFree);
-    return result;
+    return runDialog(*dialog);
 }
 
 }  // namespace numalink

@@ -6,8 +6,8 @@
 
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/parts/tree_refresh.h"
 
 namespace numalink {
 
@@ -28,17 +28,12 @@ void deleteText() {
 
 namespace {
 
-void showEditMenu(const QPoint &where) {
-    programMenu->exec(where);
-    refreshTreeWhenFree();
-}
-
 bool menuEvent(QWidget *, QEvent *event) {
     if (event->type() != QEvent::ContextMenu) return false;
     const auto &asked = *static_cast<QContextMenuEvent *>(event);
     const bool byKey = asked.reason() == QContextMenuEvent::Keyboard;
-    showEditMenu(byKey ? programEdit->viewport()->mapToGlobal(programEdit->cursorRect().bottomLeft())
-                       : asked.globalPos());
+    const QPoint atCaret = programEdit->viewport()->mapToGlobal(programEdit->cursorRect().bottomLeft());
+    runMenu(*programMenu, byKey ? atCaret : asked.globalPos());
     return true;
 }
 

@@ -16,6 +16,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "telling/tell_user.h"
 #include "text/lenient_text.h"
@@ -46,7 +47,7 @@ bool askFind() {
     layout->addWidget(fromStart);
     layout->addWidget(dialogButtons(&dialog));
     dialog.setMinimumWidth(300);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = runDialog(dialog) == QDialog::Accepted;
     findText = accepted ? wanted->text() : QString();
     if (accepted && fromStart->isChecked()) programEdit->moveCursor(QTextCursor::Start);
     return accepted && !findText.isEmpty();
@@ -84,6 +85,8 @@ void search() {
 void findInProgram() {
     if (isTextKind(viewKind) && askFind()) search();
 }
+
+void forgetFind() { findText.clear(); }
 
 void findAgain() {
     if (findText.isEmpty()) return findInProgram();

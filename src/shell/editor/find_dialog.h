@@ -6,5 +6,6 @@ namespace numalink {
 // Handlers of the command table: nothing unless a program is on view.
 void findInProgram();
 void findAgain();
+void forgetFind();  // the text looked for
 
 }  // namespace numalink

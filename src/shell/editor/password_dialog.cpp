@@ -11,6 +11,7 @@
 #include "shell/editor/program_status.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
@@ -47,7 +48,7 @@ bool askPassword(QString &password) {
     layout->addWidget(refused);
     layout->addWidget(dialogButtons(&dialog));
     dialog.setMinimumWidth(240);
-    if (dialog.exec() != QDialog::Accepted) return false;
+    if (runDialog(dialog) != QDialog::Accepted) return false;
     password = typed->text();
     return true;
 }

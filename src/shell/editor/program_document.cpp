@@ -24,8 +24,12 @@ struct LineMemory : QTextBlockUserData {
     ViewLine line;
 };
 
-bool highlighting = false;
-std::array<QColor, runClassCount> colors;
+// The looks that readColors took from the settings and the palette.
+struct Looks {
+    bool highlighting = false;
+    std::array<QColor, runClassCount> colors;
+};
+Looks state;
 
 QTextCharFormat formatOf(CodeOrigin from) {
     QTextCharFormat format;
@@ -154,22 +158,24 @@ void convertBlock(const QTextBlock &block) {
 }
 
 void readColors() {
-    highlighting = settingsInt(setting::syntaxHighlighting) == 1;
+    state.highlighting = settingsInt(setting::syntaxHighlighting) == 1;
     const QColor ground = programEdit->palette().color(QPalette::Base);
-    for (std::size_t i = 0; i < colors.size(); i++)
-        colors[i] = readableOn(ground, qtColor(settingsColour(programColorKeys[i])));
+    for (std::size_t i = 0; i < state.colors.size(); i++)
+        state.colors[i] = readableOn(ground, qtColor(settingsColour(programColorKeys[i])));
 }
+
+void forgetColors() { state = {}; }
 
 void colorBlock(const QTextBlock &block) {
     QList<QTextLayout::FormatRange> ranges;
-    if (highlighting) {
+    if (state.highlighting) {
         ViewLine line;
         const LineReading reading = readBlock(block, line);
         for (const ColorRun &run : colorRuns(line, reading)) {
             QTextLayout::FormatRange range;
             range.start = static_cast<int>(run.from);
             range.length = static_cast<int>(run.size);
-            range.format.setForeground(colors[static_cast<std::size_t>(run.runClass)]);
+            range.format.setForeground(state.colors[static_cast<std::size_t>(run.runClass)]);
             ranges.append(range);
         }
     }

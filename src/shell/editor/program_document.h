@@ -31,5 +31,6 @@ void convertBlock(const QTextBlock &block);
 void colorBlock(const QTextBlock &block);
 void colorDocument();
 void readColors();  // takes the eight colours and the switch from the settings
+void forgetColors();
 
 }  // namespace numalink

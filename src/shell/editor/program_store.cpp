@@ -17,6 +17,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "telling/tell_user.h"
@@ -26,8 +27,12 @@ namespace numalink {
 
 namespace {
 
-ItemEntry openedEntry;
-Bytes openedHead;
+// The program on view as it was when it was opened.
+struct Opened {
+    ItemEntry entry;
+    Bytes head;
+};
+Opened state;
 
 struct ReadText {
     std::vector<LineBytes> lines;
@@ -69,8 +74,7 @@ Choice askUnstored(const QString &why, bool mayKeepDraft) {
     const QPushButton *draft = mayKeepDraft ? box.addButton(textOf(Text::keepDraft), QMessageBox::AcceptRole) : nullptr;
     box.setDefaultButton(goBack);
     box.setEscapeButton(goBack);
-    box.exec();
-    refreshTreeWhenFree();
+    runDialog(box);
     if (box.clickedButton() == discard) return Choice::discard;
     return draft != nullptr && box.clickedButton() == draft ? Choice::draft : Choice::goBack;
 }
@@ -80,10 +84,10 @@ NewItem recordOf(Bytes image) {
     StoredItem stored;
     const bool isThere = storeReadEntry(viewItemId) && storeReadItem(viewItemId, stored);
     NewItem item;
-    item.name = isThere ? stored.name : openedEntry.name;
-    item.parent = isThere ? stored.parent : openedEntry.parent;
+    item.name = isThere ? stored.name : state.entry.name;
+    item.parent = isThere ? stored.parent : state.entry.parent;
     item.kind = viewKind;
-    ProgramInfo info = decodeProgramInfo(isThere ? stored.head : openedHead)
+    ProgramInfo info = decodeProgramInfo(isThere ? stored.head : state.head)
                            .value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
     info.imageLength = static_cast<std::uint32_t>(image.size());
     item.head = encodeProgramInfo(info);
@@ -107,7 +111,7 @@ bool addAsNew(NewItem item) {
         return false;
     }
     viewItemId = id;
-    if (const std::optional<ItemEntry> entry = storeReadEntry(id)) openedEntry = *entry;
+    if (const std::optional<ItemEntry> entry = storeReadEntry(id)) state.entry = *entry;
     refreshTree();
     tellUser(Text::storedAsNew, {utf8FromCalculator(name)}, BoxIcon::information);
     return true;
@@ -145,7 +149,7 @@ bool settleUnstored(const ReadText &read, bool mayKeepDraft) {
                 forgetDraft();
                 return true;
             case Choice::draft:
-                if (keepDraft(openedEntry, viewToText())) return true;
+                if (keepDraft(state.entry, viewToText())) return true;
                 tellUser(Text::draftNotWritten, {draftFolder()});
                 break;
             case Choice::goBack:
@@ -164,7 +168,7 @@ bool tryToStore(ReadText &read) {
 bool leaveAtOnce() {
     silenceBoxes(true);
     ReadText read;
-    const bool left = tryToStore(read) || keepDraft(openedEntry, viewToText());
+    const bool left = tryToStore(read) || keepDraft(state.entry, viewToText());
     silenceBoxes(false);
     return left;
 }
@@ -172,13 +176,13 @@ bool leaveAtOnce() {
 }  // namespace
 
 void takeOpenedProgram(const StoredItem &item) {
-    openedEntry = static_cast<const ItemEntry &>(item);  // without what it holds
-    openedHead = item.head;
+    state.entry = static_cast<const ItemEntry &>(item);  // without what it holds
+    state.head = item.head;
 }
 
 void forgetOpenedProgram() {
-    openedEntry = {};
-    openedHead.clear();
+    state = {};
+    releaseDraft();
 }
 
 bool storeEditedProgram() {

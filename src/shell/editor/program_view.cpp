@@ -48,16 +48,19 @@ struct KeptProgram {
     Caret caret;
 };
 constexpr std::size_t keptProgramLimit = 16;
-std::vector<KeptProgram> keptPrograms;  // the one that was left last is the last
 
-QString programReference;
-bool filling = false;     // the document's changes are ours
-bool travelling = false;  // by undo or redo
-int changedFrom = -1;     // characters changed since the last conversion, or -1
-int changedTo = -1;
-Caret lastCaret;
-int blankAddedAt = -1;  // where the caret stands behind a blank that a conversion has added, or -1
-std::vector<CaretStep> caretSteps;
+struct ProgramView {
+    std::vector<KeptProgram> kept;  // the one that was left last is the last
+    QString reference;              // the text as it was opened or last stored
+    bool filling = false;           // the document's changes are ours
+    bool travelling = false;        // by undo or redo
+    int changedFrom = -1;           // characters changed since the last conversion, or -1
+    int changedTo = -1;
+    Caret lastCaret;
+    int blankAddedAt = -1;  // where the caret stands behind a blank that a conversion has added, or -1
+    std::vector<CaretStep> caretSteps;
+};
+ProgramView state;
 
 QTextDocument *document() { return programEdit->document(); }
 
@@ -75,39 +78,39 @@ void putCaret(const Caret &caret) {
 }
 
 void contentsChange(int position, int, int added) {
-    if (filling) return;
-    changedFrom = changedFrom < 0 ? position : std::min(changedFrom, position);
-    changedTo = std::max(changedTo, position + added);
+    if (state.filling) return;
+    state.changedFrom = state.changedFrom < 0 ? position : std::min(state.changedFrom, position);
+    state.changedTo = std::max(state.changedTo, position + added);
 }
 
 // The changed blocks, by number: conversion moves positions but makes no blocks.
 void convertChanged(int firstBlock, int lastBlock) {
-    const Caret before = lastCaret;
+    const Caret before = state.lastCaret;
     for (int number = firstBlock; number <= lastBlock; number++) convertBlock(document()->findBlockByNumber(number));
     // Qt joins a key to the one before it while the document counts as modified.
     document()->setModified(false);
     const int steps = document()->availableUndoSteps();
-    std::erase_if(caretSteps, [&](const CaretStep &step) { return step.undoSteps >= steps; });
-    caretSteps.push_back({steps, before, caretNow()});
+    std::erase_if(state.caretSteps, [&](const CaretStep &step) { return step.undoSteps >= steps; });
+    state.caretSteps.push_back({steps, before, caretNow()});
 }
 
 void contentsChanged() {
-    if (filling || changedFrom < 0) return;
-    filling = true;
-    const int firstBlock = document()->findBlock(changedFrom).blockNumber();
-    const QTextBlock last = document()->findBlock(changedTo);
+    if (state.filling || state.changedFrom < 0) return;
+    state.filling = true;
+    const int firstBlock = document()->findBlock(state.changedFrom).blockNumber();
+    const QTextBlock last = document()->findBlock(state.changedTo);
     const int lastBlock = last.isValid() ? last.blockNumber() : document()->blockCount() - 1;
-    changedFrom = changedTo = -1;
-    if (!travelling) convertChanged(firstBlock, lastBlock);
+    state.changedFrom = state.changedTo = -1;
+    if (!state.travelling) convertChanged(firstBlock, lastBlock);
     for (int number = firstBlock; number <= lastBlock; number++) colorBlock(document()->findBlockByNumber(number));
-    filling = false;
-    lastCaret = caretNow();
+    state.filling = false;
+    state.lastCaret = caretNow();
     updateLineNumbers();
 }
 
 void caretMoved() {
-    if (filling) return;
-    lastCaret = caretNow();
+    if (state.filling) return;
+    state.lastCaret = caretNow();
 }
 
 // Typed text comes in with no format of its surroundings, and in an edit block: Qt joins nothing to a lone insertion.
@@ -128,12 +131,13 @@ QString withKnownCharacters(const QString &text) {
 // A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
 void typeText(const QString &text) {
     const bool isBlank = text == QLatin1String(" ");
-    const bool isThere = isBlank && !programEdit->textCursor().hasSelection() && caretNow().position == blankAddedAt;
-    blankAddedAt = -1;
+    const bool isThere =
+        isBlank && !programEdit->textCursor().hasSelection() && caretNow().position == state.blankAddedAt;
+    state.blankAddedAt = -1;
     if (isThere) return;
     insertTyped(programEdit->textCursor(), withKnownCharacters(text));
     const int position = caretNow().position;
-    if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) blankAddedAt = position;
+    if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) state.blankAddedAt = position;
     programEdit->ensureCursorVisible();
 }
 
@@ -183,9 +187,9 @@ bool editEvent(QWidget *, QEvent *event) {
 }
 
 void useDocument(QTextDocument *shown) {
-    filling = true;
+    state.filling = true;
     programEdit->setDocument(shown);
-    filling = false;
+    state.filling = false;
 }
 
 // One that only the view changes, and only while it is shown.
@@ -207,15 +211,15 @@ QString shownText(ByteView image) {
 
 // Shows the document that a program was left with. False when the program has become another since.
 bool showKept(ItemId id, ByteView image) {
-    const auto found = std::ranges::find(keptPrograms, id, &KeptProgram::id);
-    if (found == keptPrograms.end()) return false;
+    const auto found = std::ranges::find(state.kept, id, &KeptProgram::id);
+    if (found == state.kept.end()) return false;
     KeptProgram kept = std::move(*found);
-    keptPrograms.erase(found);
+    state.kept.erase(found);
     const bool isSame = std::ranges::equal(kept.image, image) && kept.document->toPlainText() == shownText(image);
     QTextDocument *unused = isSame ? document() : kept.document;
     if (isSame) {
         useDocument(kept.document);
-        caretSteps = std::move(kept.caretSteps);
+        state.caretSteps = std::move(kept.caretSteps);
         putCaret(kept.caret);
     }
     delete unused;
@@ -263,60 +267,59 @@ void connectProgramView() {
     connectLineNumbers();
 }
 
+// The documents of the kept programs are the edit's children, and go with it.
 void forgetProgramView() {
-    programReference.clear();
-    caretSteps.clear();
-    keptPrograms.clear();
-    changedFrom = changedTo = -1;
+    state = {};
+    forgetColors();
 }
 
 void openProgram(ItemId id, ByteView image) {
     if (!showKept(id, image)) return programToView(image);
-    filling = true;
+    state.filling = true;
     readColors();
     programEdit->setReadOnly(tokenCount() == 0);
     colorDocument();
-    filling = false;
+    state.filling = false;
     programEdit->ensureCursorVisible();
-    lastCaret = caretNow();
-    blankAddedAt = -1;
+    state.lastCaret = caretNow();
+    state.blankAddedAt = -1;
     takeReference();
     updateLineNumbers();
 }
 
 void keepProgram(ItemId id, ByteView image) {
-    std::erase_if(keptPrograms, [&](const KeptProgram &kept) { return kept.id == id; });
-    if (keptPrograms.size() == keptProgramLimit) {
-        delete keptPrograms.front().document;
-        keptPrograms.erase(keptPrograms.begin());
+    std::erase_if(state.kept, [&](const KeptProgram &kept) { return kept.id == id; });
+    if (state.kept.size() == keptProgramLimit) {
+        delete state.kept.front().document;
+        state.kept.erase(state.kept.begin());
     }
-    keptPrograms.push_back({id, {image.begin(), image.end()}, document(), std::move(caretSteps), caretNow()});
-    caretSteps.clear();
+    state.kept.push_back({id, {image.begin(), image.end()}, document(), std::move(state.caretSteps), caretNow()});
+    state.caretSteps.clear();
     useDocument(newDocument());
     takeReference();
 }
 
 void programToView(ByteView image) {
-    filling = true;
+    state.filling = true;
     readColors();
     fill(viewLines(image));
     programEdit->setReadOnly(tokenCount() == 0);
     colorDocument();
     document()->setModified(false);
-    caretSteps.clear();
-    filling = false;
+    state.caretSteps.clear();
+    state.filling = false;
     putCaret({});
     programEdit->ensureCursorVisible();
-    lastCaret = {};
+    state.lastCaret = {};
     takeReference();
     updateLineNumbers();
 }
 
 QString viewToText() { return programEdit->toPlainText(); }
 
-bool programChanged() { return viewToText() != programReference; }
+bool programChanged() { return viewToText() != state.reference; }
 
-void takeReference() { programReference = viewToText(); }
+void takeReference() { state.reference = viewToText(); }
 
 void replaceProgramText(const QString &text) {
     const QString now = viewToText();
@@ -332,18 +335,18 @@ void replaceProgramText(const QString &text) {
 }
 
 void recolourLine() {
-    filling = true;
+    state.filling = true;
     const QTextBlock block = programEdit->textCursor().block();
     convertBlock(block);
     colorBlock(block);
-    filling = false;
+    state.filling = false;
 }
 
 void recolorProgram() {
-    filling = true;
+    state.filling = true;
     readColors();
     colorDocument();
-    filling = false;
+    state.filling = false;
 }
 
 void putCaretAt(int position) {
@@ -374,21 +377,21 @@ void selectStatement(int line, int statement) {
 
 void undoInProgram() {
     const int steps = document()->availableUndoSteps();
-    travelling = true;
+    state.travelling = true;
     programEdit->undo();
-    travelling = false;
+    state.travelling = false;
     document()->setModified(false);
-    const auto step = std::ranges::find(caretSteps, steps, &CaretStep::undoSteps);
-    if (step != caretSteps.end()) putCaret(step->before);
+    const auto step = std::ranges::find(state.caretSteps, steps, &CaretStep::undoSteps);
+    if (step != state.caretSteps.end()) putCaret(step->before);
 }
 
 void redoInProgram() {
-    travelling = true;
+    state.travelling = true;
     programEdit->redo();
-    travelling = false;
+    state.travelling = false;
     document()->setModified(false);
-    const auto step = std::ranges::find(caretSteps, document()->availableUndoSteps(), &CaretStep::undoSteps);
-    if (step != caretSteps.end()) putCaret(step->after);
+    const auto step = std::ranges::find(state.caretSteps, document()->availableUndoSteps(), &CaretStep::undoSteps);
+    if (step != state.caretSteps.end()) putCaret(step->after);
 }
 
 void typeSymbol(char code) {

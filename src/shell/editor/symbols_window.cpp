@@ -28,13 +28,16 @@ constexpr std::uint8_t symbols[rows][columns] = {
     {155, 139, 150, 168}, {141, 143, 0, 0},     {205, 206, 208, 191},
 };
 
-QWidget *window = nullptr;
-bool wanted = true;
-bool placed = false;
+struct SymbolsWindow {
+    QWidget *window = nullptr;
+    bool wanted = true;
+    bool placed = false;
+};
+SymbolsWindow state;
 
 bool windowEvent(QWidget *, QEvent *event) {
     if (event->type() != QEvent::Close) return false;
-    wanted = false;
+    state.wanted = false;
     return false;
 }
 
@@ -42,61 +45,59 @@ void addButton(int row, int column) {
     const std::uint8_t code = symbols[row][column];
     if (code == 0) return;
     const char character = static_cast<char>(code);
-    auto *button = new QToolButton(window);
+    auto *button = new QToolButton(state.window);
     button->setFont(programFont());
     button->setText(qtFromCodes(std::string_view(&character, 1)));
     button->setStyleSheet(QStringLiteral("padding: 0px"));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoRaise(true);
     button->setGeometry(firstPlace + column * buttonSize, firstPlace + row * buttonSize, buttonSize, buttonSize);
-    QObject::connect(button, &QToolButton::clicked, window, [character] { typeSymbol(character); });
+    QObject::connect(button, &QToolButton::clicked, state.window, [character] { typeSymbol(character); });
 }
 
 // Right of the main window, where it covers no text; on a screen without room there, in the program's corner.
 void placeAtFirst() {
-    if (placed) return;
-    placed = true;
+    if (state.placed) return;
+    state.placed = true;
     constexpr int gap = 8;
     const QPoint corner = programEdit->mapToGlobal(QPoint(programEdit->width(), gap));
     const QPoint beside(mainWindow->frameGeometry().right() + gap, corner.y());
-    const bool hasRoom = beside.x() + window->width() + gap < mainWindow->screen()->availableGeometry().right();
-    window->move(hasRoom ? beside : corner - QPoint(window->width() + 3 * gap, 0));
+    const bool hasRoom = beside.x() + state.window->width() + gap < mainWindow->screen()->availableGeometry().right();
+    state.window->move(hasRoom ? beside : corner - QPoint(state.window->width() + 3 * gap, 0));
 }
 
 }  // namespace
 
 void makeSymbolsWindow() {
-    window = new QWidget(mainWindow, Qt::Tool | Qt::WindowDoesNotAcceptFocus | Qt::CustomizeWindowHint |
-                                         Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
-    window->setObjectName(QStringLiteral("symbolsWindow"));
-    window->setWindowTitle(textOf(Text::symbolsTitle));
-    window->setAttribute(Qt::WA_ShowWithoutActivating);
-    window->setFocusPolicy(Qt::NoFocus);
-    window->setFixedSize(2 * firstPlace + columns * buttonSize, 2 * firstPlace + rows * buttonSize);
+    state.window = new QWidget(mainWindow, Qt::Tool | Qt::WindowDoesNotAcceptFocus | Qt::CustomizeWindowHint |
+                                               Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    state.window->setObjectName(QStringLiteral("symbolsWindow"));
+    state.window->setWindowTitle(textOf(Text::symbolsTitle));
+    state.window->setAttribute(Qt::WA_ShowWithoutActivating);
+    state.window->setFocusPolicy(Qt::NoFocus);
+    state.window->setFixedSize(2 * firstPlace + columns * buttonSize, 2 * firstPlace + rows * buttonSize);
     for (int row = 0; row < rows; row++)
         for (int column = 0; column < columns; column++) addButton(row, column);
-    hookEvents(window, windowEvent);
-    wanted = true;
-    placed = false;
+    hookEvents(state.window, windowEvent);
 }
 
-void forgetSymbolsWindow() { window = nullptr; }
+void forgetSymbolsWindow() { state = {}; }
 
 void showSymbols() {
-    if (!wanted || programEdit->isReadOnly()) return;
+    if (!state.wanted || programEdit->isReadOnly()) return;
     placeAtFirst();
-    showUnminimised(window);
+    showUnminimised(state.window);
 }
 
 void hideSymbols() {
-    if (window != nullptr) window->hide();
+    if (state.window != nullptr) state.window->hide();
 }
 
-bool symbolsWanted() { return wanted; }
+bool symbolsWanted() { return state.wanted; }
 
 void setSymbolsWanted(bool isWanted) {
-    wanted = isWanted;
-    if (wanted && programEdit->isVisible()) {
+    state.wanted = isWanted;
+    if (state.wanted && programEdit->isVisible()) {
         showSymbols();
     } else {
         hideSymbols();

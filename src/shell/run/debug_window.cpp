@@ -13,36 +13,42 @@ namespace numalink {
 
 namespace {
 
-QPointer<QWidget> debugDialog;
-QPointer<QLabel> counts;
+struct DebugWindow {
+    QPointer<QWidget> dialog;
+    QPointer<QLabel> counts;
+};
+DebugWindow state;
 
 }  // namespace
 
 void showDebugWindow() {
-    if (debugDialog == nullptr) {
-        debugDialog = new QWidget(mainWindow, Qt::Tool);
-        debugDialog->setAttribute(Qt::WA_ShowWithoutActivating);
-        debugDialog->setWindowTitle(QStringLiteral("Emulator - Debug"));
-        auto *layout = new QVBoxLayout(debugDialog);
+    if (state.dialog == nullptr) {
+        state.dialog = new QWidget(mainWindow, Qt::Tool);
+        state.dialog->setAttribute(Qt::WA_ShowWithoutActivating);
+        state.dialog->setWindowTitle(QStringLiteral("Emulator - Debug"));
+        auto *layout = new QVBoxLayout(state.dialog);
         layout->addWidget(new QLabel(QStringLiteral("Instruction :")));
-        counts = new QLabel;
-        counts->setFont(programFont());
-        layout->addWidget(counts);
+        state.counts = new QLabel;
+        state.counts->setFont(programFont());
+        layout->addWidget(state.counts);
     }
     updateDebugWindow();
-    debugDialog->show();
+    state.dialog->show();
 }
 
 void hideDebugWindow() {
-    if (debugDialog != nullptr) debugDialog->hide();
+    if (state.dialog != nullptr) state.dialog->hide();
 }
 
 void updateDebugWindow() {
-    if (counts == nullptr) return;
+    if (state.counts == nullptr) return;
     const DebugCounts now = runDebugCounts();
-    counts->setText(QStringLiteral("System:%1, Temp:%2").arg(now.ofVariables).arg(now.temporary));
+    state.counts->setText(QStringLiteral("System:%1, Temp:%2").arg(now.ofVariables).arg(now.temporary));
 }
 
-void forgetDebugWindow() { delete debugDialog; }
+void forgetDebugWindow() {
+    delete state.dialog;
+    state = {};
+}
 
 }  // namespace numalink

@@ -16,7 +16,12 @@ namespace numalink {
 namespace {
 
 constexpr qint64 shortestPress = 60;  // milliseconds: a wait of a run looks at the key every 50 at the longest
-QElapsedTimer sincePress;
+
+struct EmulatorKeys {
+    QElapsedTimer sincePress;
+    unsigned presses = 0;  // counted, so that the late release of a tap ends no later press
+};
+EmulatorKeys state;
 
 struct NamedKey {
     int key;
@@ -97,20 +102,23 @@ bool isMenuKey(const QKeyEvent &event) {
 
 void pressKey(int code) {
     keyCode = code;
-    sincePress.start();
+    state.sincePress.start();
+    state.presses++;
 }
 
 void releaseKey() {
-    const qint64 held = sincePress.isValid() ? sincePress.elapsed() : shortestPress;
+    const qint64 held = state.sincePress.isValid() ? state.sincePress.elapsed() : shortestPress;
     if (held >= shortestPress) {
         keyCode = 0;
         return;
     }
     const auto rest = std::chrono::milliseconds(shortestPress - held);
-    QTimer::singleShot(rest, qApp, [] {
-        if (sincePress.elapsed() >= shortestPress) keyCode = 0;  // else another one has come
+    QTimer::singleShot(rest, qApp, [press = state.presses] {
+        if (press == state.presses) keyCode = 0;
     });
 }
+
+void forgetEmulatorKeys() { state = {}; }
 
 bool emulatorKeyDown(const QKeyEvent &event) {
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {

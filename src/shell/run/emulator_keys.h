@@ -9,6 +9,7 @@ namespace numalink {
 // it.
 void pressKey(int code);
 void releaseKey();
+void forgetEmulatorKeys();
 
 // A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
 // change nothing. Always true: while a run is on, no key does anything else.

@@ -44,12 +44,16 @@ namespace {
 
 constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
 
-QImage skin;           // the key pad at the present scale
-double skinScale = 0;  // pixels of the screen a dot, for which skin was drawn
-Surface display;       // the copy that is on screen
-std::uint64_t displaySeen = 0;
-int outlinedKey = 0;
-std::atomic<bool> marked{false};
+struct EmulatorWindow {
+    QImage skin;           // the key pad at the present scale
+    double skinScale = 0;  // pixels of the screen a dot, for which skin was drawn
+    Surface display;       // the copy that is on screen
+    std::uint64_t displaySeen = 0;
+    int outlinedKey = 0;
+};
+EmulatorWindow state;
+
+std::atomic<bool> marked{false};  // a look at the display is due; any thread
 
 int dotPixels() {
     if (surfaceZoom() != zoomToFit) return surfaceZoom();
@@ -72,15 +76,15 @@ QPoint dotAtPlace(const QPointF &place) {
 }
 
 const QImage &skinAt(double pixelsPerDot) {
-    if (skinScale == pixelsPerDot) return skin;
-    skin = QImage(qRound(keypadWidth * pixelsPerDot), qRound(keypadHeight * pixelsPerDot),
-                  QImage::Format_ARGB32_Premultiplied);
-    skin.fill(Qt::transparent);
-    QPainter painter(&skin);
+    if (state.skinScale == pixelsPerDot) return state.skin;
+    state.skin = QImage(qRound(keypadWidth * pixelsPerDot), qRound(keypadHeight * pixelsPerDot),
+                        QImage::Format_ARGB32_Premultiplied);
+    state.skin.fill(Qt::transparent);
+    QPainter painter(&state.skin);
     painter.scale(pixelsPerDot, pixelsPerDot);
     paintKeypad(painter, pixelsPerDot);
-    skinScale = pixelsPerDot;
-    return skin;
+    state.skinScale = pixelsPerDot;
+    return state.skin;
 }
 
 void paintEmulator() {
@@ -89,20 +93,20 @@ void paintEmulator() {
     const int size = dotPixels();
     const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
     painter.drawImage(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
-    const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
-                       static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
-                       QImage::Format_RGB32);
-    painter.drawImage(QRect(0, 0, display.width * size, display.height * size), image);
+    const QImage image(
+        reinterpret_cast<const uchar *>(state.display.dots.data()), state.display.width, state.display.height,
+        static_cast<qsizetype>(state.display.width) * static_cast<qsizetype>(sizeof(Color)), QImage::Format_RGB32);
+    painter.drawImage(QRect(0, 0, state.display.width * size, state.display.height * size), image);
     painter.scale(size, size);
-    paintKeyOutline(painter, outlinedKey);
+    paintKeyOutline(painter, state.outlinedKey);
 }
 
 void mouseMoved(const QMouseEvent &mouse) {
     if (!emulatorRunning) return;
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
-    if (key == outlinedKey) return;
-    outlinedKey = key;
+    if (key == state.outlinedKey) return;
+    state.outlinedKey = key;
     emulatorWindow->update();
 }
 
@@ -135,7 +139,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) releaseKey();
             return true;
         case QEvent::Leave:
-            outlinedKey = 0;
+            state.outlinedKey = 0;
             emulatorWindow->update();
             return false;
         case QEvent::FocusOut:
@@ -159,7 +163,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
 void takeDisplay() {
     marked = false;
     if (emulatorWindow == nullptr || !emulatorShown()) return;
-    if (displayCopy(display, displaySeen)) {
+    if (displayCopy(state.display, state.displaySeen)) {
         emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
         if (const QString text = toQt(displayText()); text != emulatorWindow->accessibleDescription())
             emulatorWindow->setAccessibleDescription(text);
@@ -171,8 +175,8 @@ void takeDisplay() {
 bool startRun(ItemId item) {
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
-    displaySeen = 0;
-    display = displayNow();
+    state.displaySeen = 0;
+    state.display = displayNow();
     return runStart();
 }
 
@@ -202,7 +206,7 @@ void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || item->kind != kind::program || !leaveCurrentView()) return;
-    outlinedKey = 0;
+    state.outlinedKey = 0;
     emulatorWindow->show();
     emulatorWindow->raise();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
@@ -283,7 +287,7 @@ void makeEmulatorWindow() {
     emulatorWindow->setMouseTracking(true);
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);
     emulatorWindow->hide();
-    display = Surface(displayWidth, displayHeight);
+    state.display = Surface(displayWidth, displayHeight);
     hookEvents(emulatorWindow, emulatorEvent);
     viewLeft = emulatorStop;
 }
@@ -295,8 +299,9 @@ void zoomEmulatorWindow() {
 void forgetEmulatorWindow() {
     emulatorWindow = nullptr;
     viewLeft = [] {};
-    skin = QImage();
-    skinScale = 0;
+    state = {};
+    marked = false;
+    forgetEmulatorKeys();
     forgetFullScreen();
     forgetDebugWindow();
 }

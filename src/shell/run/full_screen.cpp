@@ -16,9 +16,13 @@ namespace numalink {
 
 namespace {
 
-QWidget *fullScreenWindow = nullptr;
-bool fullScreenOn = false;
-int fullScreenWidth = 0, fullScreenHeight = 0;
+struct FullScreen {
+    QWidget *window = nullptr;
+    bool isOn = false;
+    int width = 0, height = 0;  // dots of the screen that it stands for
+};
+FullScreen state;
+
 constexpr double displayShare = 0.667;  // of the height: keeps the display's two to one nearly
 
 #ifdef NUMALINK_FULL_SCREEN
@@ -31,11 +35,10 @@ void FSDLLDestroy() {}
 
 // The display is that of a screen of 320 by 240 or 640 by 480 dots, as large as such a screen can be made here.
 QRect displayPlace() {
-    const QRect room = fullScreenWindow->rect();
-    const double scale = std::min(static_cast<double>(room.width()) / fullScreenWidth,
-                                  static_cast<double>(room.height()) / fullScreenHeight);
-    QRect place(0, 0, qRound(fullScreenWidth * scale),
-                qRound(static_cast<int>(fullScreenHeight * displayShare) * scale));
+    const QRect room = state.window->rect();
+    const double scale =
+        std::min(static_cast<double>(room.width()) / state.width, static_cast<double>(room.height()) / state.height);
+    QRect place(0, 0, qRound(state.width * scale), qRound(static_cast<int>(state.height * displayShare) * scale));
     place.moveCenter(room.center());
     return place;
 }
@@ -54,7 +57,7 @@ void paintFullScreen(QWidget *window) {
 bool fullScreenEvent(QWidget *window, QEvent *event) {
     switch (event->type()) {
         case QEvent::Paint:
-            if (!fullScreenOn) return false;
+            if (!state.isOn) return false;
             paintFullScreen(window);
             return true;
         case QEvent::ShortcutOverride:
@@ -80,38 +83,38 @@ void fullScreenEnter() {
         tellUser(Text::fullScreenMissing);
         return;
     }
-    if (fullScreenWindow == nullptr) {
-        fullScreenWindow = new QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint);
-        fullScreenWindow->setObjectName(QStringLiteral("fullScreenWindow"));
-        fullScreenWindow->setWindowTitle(QStringLiteral("Numalink Emulator"));
-        hookEvents(fullScreenWindow, fullScreenEvent);
+    if (state.window == nullptr) {
+        state.window = new QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint);
+        state.window->setObjectName(QStringLiteral("fullScreenWindow"));
+        state.window->setWindowTitle(QStringLiteral("Numalink Emulator"));
+        hookEvents(state.window, fullScreenEvent);
     }
-    fullScreenWindow->setScreen(mainWindow->screen());
-    const int result = FSDLLCreate(fullScreenWindow);
-    fullScreenOn = result != 0;
-    fullScreenWidth = result == 1 ? 320 : 640;
-    fullScreenHeight = result == 1 ? 240 : 480;
+    state.window->setScreen(mainWindow->screen());
+    const int result = FSDLLCreate(state.window);
+    state.isOn = result != 0;
+    state.width = result == 1 ? 320 : 640;
+    state.height = result == 1 ? 240 : 480;
 }
 
 void fullScreenLeave() {
-    if (!fullScreenOn) return;
-    fullScreenOn = false;
+    if (!state.isOn) return;
+    state.isOn = false;
     FSDLLDestroy();
-    fullScreenWindow->hide();
+    state.window->hide();
 }
 
-QWidget *fullScreenShown() { return fullScreenOn ? fullScreenWindow : nullptr; }
+QWidget *fullScreenShown() { return state.isOn ? state.window : nullptr; }
 
-QRect fullScreenDisplay() { return fullScreenOn ? displayPlace() : QRect(); }
+QRect fullScreenDisplay() { return state.isOn ? displayPlace() : QRect(); }
 
 void fullScreenRepaint() {
-    if (fullScreenOn) fullScreenWindow->update();
+    if (state.isOn) state.window->update();
 }
 
 void forgetFullScreen() {
-    delete fullScreenWindow;
-    fullScreenWindow = nullptr;
-    fullScreenOn = false;
+    fullScreenLeave();
+    delete state.window;
+    state = {};
 }
 
 }  // namespace numalink

@@ -7,6 +7,7 @@
 
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
@@ -40,8 +41,7 @@ TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
     QPushButton *cancel = box.addButton(textOf(Text::cancel), QMessageBox::RejectRole);
     box.setDefaultButton(keepBoth);
     box.setEscapeButton(cancel);
-    box.exec();
-    refreshTreeWhenFree();
+    runDialog(box);
     if (replace != nullptr && box.clickedButton() == replace) return TakenAnswer::replace;
     return box.clickedButton() == keepBoth ? TakenAnswer::keepBoth : TakenAnswer::cancel;
 }

@@ -20,30 +20,33 @@ namespace numalink {
 
 namespace {
 
-QPointer<QLineEdit> editor;
-ItemId editedItem = noItem;
-bool textComesNext = false;  // Enter goes on to the program's text
-bool telling = false;        // a box about a refused name is open: the focus it takes is no end of the edit
+struct LabelEdit {
+    QPointer<QLineEdit> editor;
+    ItemId item = noItem;
+    bool textComesNext = false;  // Enter goes on to the program's text
+    bool telling = false;        // a box about a refused name is open: the focus it takes is no end of the edit
+};
+LabelEdit state;
 
 constexpr int iconRoom = 20;  // pixels left of the text, for the image
 
 void placeEditor() {
-    QTreeWidgetItem *entry = treeEntryOf(editedItem);
-    if (editor == nullptr || entry == nullptr) return;
+    QTreeWidgetItem *entry = treeEntryOf(state.item);
+    if (state.editor == nullptr || entry == nullptr) return;
     const QRect row = treeView->visualItemRect(entry);
     const int left = std::min(row.left() + iconRoom, treeView->viewport()->width() - 60);
-    editor->setGeometry(left, row.top(), treeView->viewport()->width() - left, row.height());
+    state.editor->setGeometry(left, row.top(), treeView->viewport()->width() - left, row.height());
 }
 
 void tellFault(Text fault) {
-    telling = true;
+    state.telling = true;
     if (fault == Text::programNameTooLong) {
         tellFixed(fault, {}, errorTitle);
     } else {
         tellUser(fault);
     }
-    telling = false;
-    if (editor != nullptr) editor->setFocus();
+    state.telling = false;
+    if (state.editor != nullptr) state.editor->setFocus();
 }
 
 // The item with the name that has been typed for it, or nothing when there is nothing to rename.
@@ -53,15 +56,15 @@ struct Typed {
 };
 
 std::optional<Typed> typedName() {
-    const std::optional<ItemEntry> item = storeReadEntry(editedItem);
-    const std::string name = editor->text().toStdString();
+    const std::optional<ItemEntry> item = storeReadEntry(state.item);
+    const std::string name = state.editor->text().toStdString();
     if (!item || name == utf8FromCalculator(item->name)) return std::nullopt;
     return Typed{*item, name};
 }
 
 // The end of an edit with its text. A refused name keeps the editor.
 void commit() {
-    if (editor == nullptr || telling) return;
+    if (state.editor == nullptr || state.telling) return;
     const std::optional<Typed> typed = typedName();
     if (typed) {
         if (const std::optional<Text> fault = nameFault(typed->item, typed->name)) return tellFault(*fault);
@@ -71,9 +74,9 @@ void commit() {
 }
 
 void commitByEnter() {
-    const bool goesOn = textComesNext;
+    const bool goesOn = state.textComesNext;
     commit();
-    if (goesOn && editor == nullptr) focusView();
+    if (goesOn && state.editor == nullptr) focusView();
 }
 
 bool editorEvent(QWidget *, QEvent *event) {
@@ -89,7 +92,7 @@ bool editorEvent(QWidget *, QEvent *event) {
     }
     if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason &&
         static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason) {
-        QMetaObject::invokeMethod(editor.data(), commit, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(state.editor.data(), commit, Qt::QueuedConnection);
     }
     return false;
 }
@@ -101,30 +104,30 @@ void startLabelEdit(ItemId id, AfterEnter next) {
     closeLabelEditor();
     QTreeWidgetItem *entry = treeEntryOf(id);
     if (entry == nullptr) return;
-    editedItem = id;
-    textComesNext = next == AfterEnter::view;
+    state.item = id;
+    state.textComesNext = next == AfterEnter::view;
     treeView->scrollToItem(entry);
-    editor = new QLineEdit(treeView->viewport());
-    editor->setText(entry->text(0));
-    editor->selectAll();
-    editor->setFrame(false);
-    editor->setAccessibleName(entry->text(0));
-    hookEvents(editor, editorEvent);
-    QObject::connect(treeView->verticalScrollBar(), &QScrollBar::valueChanged, editor.data(), placeEditor);
-    QObject::connect(treeView->horizontalScrollBar(), &QScrollBar::valueChanged, editor.data(), placeEditor);
-    QObject::connect(treeView->verticalScrollBar(), &QScrollBar::rangeChanged, editor.data(), placeEditor);
+    state.editor = new QLineEdit(treeView->viewport());
+    state.editor->setText(entry->text(0));
+    state.editor->selectAll();
+    state.editor->setFrame(false);
+    state.editor->setAccessibleName(entry->text(0));
+    hookEvents(state.editor, editorEvent);
+    QObject::connect(treeView->verticalScrollBar(), &QScrollBar::valueChanged, state.editor.data(), placeEditor);
+    QObject::connect(treeView->horizontalScrollBar(), &QScrollBar::valueChanged, state.editor.data(), placeEditor);
+    QObject::connect(treeView->verticalScrollBar(), &QScrollBar::rangeChanged, state.editor.data(), placeEditor);
     placeEditor();
-    editor->show();
-    editor->setFocus();
+    state.editor->show();
+    state.editor->setFocus();
 }
 
 void closeLabelEditor() {
-    if (editor == nullptr) return;
-    QLineEdit *closing = editor;
+    if (state.editor == nullptr) return;
+    QLineEdit *closing = state.editor;
     // An edit that ended because the focus had gone elsewhere leaves it there.
     const bool hadFocus = mainWindow->focusWidget() == closing;
-    editor = nullptr;
-    editedItem = noItem;
+    state.editor = nullptr;
+    state.item = noItem;
     closing->hide();
     closing->deleteLater();
     if (hadFocus) treeView->setFocus();
@@ -133,17 +136,18 @@ void closeLabelEditor() {
 
 bool finishLabelEdit() {
     commit();
-    return editor == nullptr;
+    return state.editor == nullptr;
 }
 
 void finishLabelEditAtOnce() {
-    if (editor == nullptr) return;
+    if (state.editor == nullptr) return;
     const std::optional<Typed> typed = typedName();
     if (typed && !nameFault(typed->item, typed->name)) renameItem(typed->item, calculatorFromUtf8(typed->name));
     closeLabelEditor();
 }
 
-bool labelEditRunning() { return editor != nullptr; }
-QLineEdit *labelEditor() { return editor; }
+bool labelEditRunning() { return state.editor != nullptr; }
+void forgetLabelEdit() { state = {}; }
+QLineEdit *labelEditor() { return state.editor; }
 
 }  // namespace numalink

@@ -17,5 +17,6 @@ bool finishLabelEdit();
 void finishLabelEditAtOnce();  // the same without a word: a refused name is given up
 bool labelEditRunning();
 QLineEdit *labelEditor();  // null when closed
+void forgetLabelEdit();
 
 }  // namespace numalink

@@ -17,8 +17,12 @@ namespace numalink {
 
 namespace {
 
-QString typedText;
-std::uint64_t typedAt = 0;
+// What has been typed lately to find an entry, and when the last of it, in milliseconds of tickCount.
+struct TypedSearch {
+    QString text;
+    std::uint64_t at = 0;
+};
+TypedSearch state;
 
 QTreeWidgetItem *firstEntry() { return treeView->topLevelItem(0); }
 
@@ -58,15 +62,15 @@ QTreeWidgetItem *sideways(QTreeWidgetItem *from, bool right) {
 // The next visible entry, from the current one on, that begins with what has been typed lately.
 QTreeWidgetItem *searchTyped(const QString &text) {
     const std::uint64_t now = tickCount();
-    const bool going = now - typedAt < static_cast<std::uint64_t>(QApplication::keyboardInputInterval());
-    typedText = going ? typedText + text : text;
-    typedAt = now;
+    const bool going = now - state.at < static_cast<std::uint64_t>(QApplication::keyboardInputInterval());
+    state.text = going ? state.text + text : text;
+    state.at = now;
     QTreeWidgetItem *start = selectedEntry() != nullptr ? selectedEntry() : firstEntry();
     QTreeWidgetItem *entry = start;
-    if (entry != nullptr && typedText.size() == 1) entry = treeView->itemBelow(entry);
+    if (entry != nullptr && state.text.size() == 1) entry = treeView->itemBelow(entry);
     for (int wrapped = 0; wrapped < 2; wrapped++) {
         for (; entry != nullptr; entry = treeView->itemBelow(entry))
-            if (entry->text(0).startsWith(typedText, Qt::CaseInsensitive)) return entry;
+            if (entry->text(0).startsWith(state.text, Qt::CaseInsensitive)) return entry;
         entry = firstEntry();
     }
     return start;
@@ -154,5 +158,7 @@ bool treeKeyPressed(const QKeyEvent &key) {
     }
     return false;
 }
+
+void forgetTreeKeys() { state = {}; }
 
 }  // namespace numalink

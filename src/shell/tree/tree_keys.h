@@ -7,5 +7,6 @@ namespace numalink {
 
 // True when the key is used up. Every key that would change the selection first leaves the view.
 bool treeKeyPressed(const QKeyEvent &key);
+void forgetTreeKeys();
 
 }  // namespace numalink

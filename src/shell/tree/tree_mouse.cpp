@@ -12,6 +12,7 @@
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/delete_question.h"
@@ -23,22 +24,24 @@
 
 namespace numalink {
 
-std::uint64_t labelEditBlockedUntil = 0;
-ItemId dragItemId = noItem;
-bool dragActive = false;
-bool dragCanDrop = false;
-
 namespace {
 
 constexpr std::uint64_t blockAfterRightClick = 1000;  // milliseconds
 constexpr std::uint64_t comingBack = 250;             // milliseconds from the focus to the click that brought it
 
-ItemId pressedItem = noItem;
-QPoint pressedAt;
-bool pressedWasSelected = false;
-bool mayEditLabel = false;    // the press may be the first half of a click that edits the label
-std::uint64_t focusedAt = 0;  // tick
-ItemId dropTarget = noItem;
+struct TreeMouse {
+    ItemId pressedItem = noItem;
+    QPoint pressedAt;
+    bool pressedWasSelected = false;
+    bool mayEditLabel = false;                // the press may be the first half of a click that edits the label
+    std::uint64_t focusedAt = 0;              // tick
+    std::uint64_t labelEditBlockedUntil = 0;  // tick: no label edit that the mouse starts begins before it
+    bool dragging = false;
+    bool canDrop = false;
+    ItemId dragged = noItem;
+    ItemId dropTarget = noItem;
+};
+TreeMouse state;
 
 ItemId idAt(const QPoint &place) { return idOfEntry(treeView->itemAt(place)); }
 
@@ -72,9 +75,9 @@ void toggleFolderAt(const QPoint &place) {
 }
 
 void beginDrag() {
-    dragItemId = pressedItem;
-    dragActive = true;
-    dragCanDrop = false;
+    state.dragged = state.pressedItem;
+    state.dragging = true;
+    state.canDrop = false;
     treeView->viewport()->grabMouse(noDropCursor());
     treeView->setFocus();
 }
@@ -88,27 +91,27 @@ ItemId folderUnder(const QPoint &place) {
 }
 
 void markTarget(ItemId target) {
-    if (target == dropTarget) return;
-    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, QBrush());
-    dropTarget = target;
+    if (target == state.dropTarget) return;
+    if (QTreeWidgetItem *entry = treeEntryOf(state.dropTarget)) entry->setBackground(0, QBrush());
+    state.dropTarget = target;
     QColor mark = treeView->palette().highlight().color();
     mark.setAlpha(96);  // the name stays readable on it, in dark and light looks
-    if (QTreeWidgetItem *entry = treeEntryOf(dropTarget)) entry->setBackground(0, mark);
+    if (QTreeWidgetItem *entry = treeEntryOf(state.dropTarget)) entry->setBackground(0, mark);
 }
 
 void dragTo(const QPoint &place) {
     const ItemId target = folderUnder(place);
-    const std::optional<ItemEntry> dragged = storeReadEntry(dragItemId);
+    const std::optional<ItemEntry> dragged = storeReadEntry(state.dragged);
     const std::optional<ItemEntry> folder = storeReadEntry(target);
-    dragCanDrop = dragged && folder && canDrop(dragged->kind, folder->kind);
-    treeView->viewport()->setCursor(dragCanDrop ? dropCursor() : noDropCursor());
-    markTarget(dragCanDrop ? target : noItem);
+    state.canDrop = dragged && folder && canDrop(dragged->kind, folder->kind);
+    treeView->viewport()->setCursor(state.canDrop ? dropCursor() : noDropCursor());
+    markTarget(state.canDrop ? target : noItem);
 }
 
 void drop(const QPoint &place) {
     dragTo(place);
-    const ItemId dragged = dragItemId;
-    const ItemId target = dragCanDrop ? folderUnder(place) : noItem;
+    const ItemId dragged = state.dragged;
+    const ItemId target = state.canDrop ? folderUnder(place) : noItem;
     endDrag();
     if (target != noItem) moveDropped(dragged, target);
 }
@@ -116,8 +119,8 @@ void drop(const QPoint &place) {
 // A second click on the selected entry's label, with no double click behind it, edits the label.
 void editAfterPause(ItemId item) {
     QTimer::singleShot(QApplication::doubleClickInterval(), treeView, [item] {
-        if (pressedItem == noItem && selectedItemId() == item && treeView->hasFocus() && !dragActive &&
-            tickCount() >= labelEditBlockedUntil)
+        if (state.pressedItem == noItem && selectedItemId() == item && treeView->hasFocus() && !state.dragging &&
+            tickCount() >= state.labelEditBlockedUntil)
             startLabelEdit(item);
     });
 }
@@ -125,24 +128,24 @@ void editAfterPause(ItemId item) {
 void leftPressed(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
     // A click that comes back from elsewhere is no second click on the label.
-    mayEditLabel = treeView->hasFocus() && tickCount() - focusedAt >= comingBack;
+    state.mayEditLabel = treeView->hasFocus() && tickCount() - state.focusedAt >= comingBack;
     treeView->setFocus();
     if (onBranchMark(place)) toggleFolderAt(place);
-    pressedItem = leftOfEntry(place) ? noItem : idAt(place);
-    pressedAt = place;
-    pressedWasSelected = pressedItem != noItem && pressedItem == selectedItemId();
+    state.pressedItem = leftOfEntry(place) ? noItem : idAt(place);
+    state.pressedAt = place;
+    state.pressedWasSelected = state.pressedItem != noItem && state.pressedItem == selectedItemId();
 }
 
 void leftReleased(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
-    if (dragActive) return drop(place);
+    if (state.dragging) return drop(place);
     // The entry may stand elsewhere by now: the press has ended the edit of another one's label.
-    const ItemId item = pressedItem;
-    pressedItem = noItem;
+    const ItemId item = state.pressedItem;
+    state.pressedItem = noItem;
     if (treeEntryOf(item) == nullptr) return;
-    if (!pressedWasSelected) {
+    if (!state.pressedWasSelected) {
         selectItem(item);
-    } else if (mayEditLabel && idAt(place) == item && onEntry(place)) {
+    } else if (state.mayEditLabel && idAt(place) == item && onEntry(place)) {
         editAfterPause(item);
     }
 }
@@ -151,11 +154,12 @@ bool mouseMoved(const QMouseEvent &event) {
     const QPoint place = event.position().toPoint();
     if ((event.buttons() & Qt::LeftButton) == 0) {
         // The release went to a box.
-        if (dragActive) endDrag();
-        pressedItem = noItem;
-    } else if (dragActive) {
+        if (state.dragging) endDrag();
+        state.pressedItem = noItem;
+    } else if (state.dragging) {
         dragTo(place);
-    } else if (pressedItem != noItem && (place - pressedAt).manhattanLength() >= QApplication::startDragDistance()) {
+    } else if (state.pressedItem != noItem &&
+               (place - state.pressedAt).manhattanLength() >= QApplication::startDragDistance()) {
         beginDrag();
         dragTo(place);
     }
@@ -165,26 +169,25 @@ bool mouseMoved(const QMouseEvent &event) {
 void doubleClicked(const QMouseEvent &event) {
     if (event.button() != Qt::LeftButton) return;
     const QPoint place = event.position().toPoint();
-    pressedItem = noItem;
-    labelEditBlockedUntil = tickCount() + static_cast<std::uint64_t>(QApplication::doubleClickInterval());
+    state.pressedItem = noItem;
+    state.labelEditBlockedUntil = tickCount() + static_cast<std::uint64_t>(QApplication::doubleClickInterval());
     if (onBranchMark(place)) {
         toggleFolderAt(place);
     } else if (idAt(place) != noItem && !leftOfEntry(place)) {
-        if (!pressedWasSelected && !selectItem(idAt(place))) return;
+        if (!state.pressedWasSelected && !selectItem(idAt(place))) return;
         toggleFolderAt(place);
     }
 }
 
 // The menu of an entry, or on empty ground what makes new items.
 void showItemMenu(const QPoint &place, const QPoint &onScreen) {
-    labelEditBlockedUntil = tickCount() + blockAfterRightClick;
+    state.labelEditBlockedUntil = tickCount() + blockAfterRightClick;
     const ItemId item = idAt(place);
     if (item != noItem) {
-        if (selectItem(item)) itemMenu->exec(onScreen);
+        if (selectItem(item)) runMenu(*itemMenu, onScreen);
     } else {
-        treeGroundMenu->exec(onScreen);
+        runMenu(*treeGroundMenu, onScreen);
     }
-    refreshTreeWhenFree();
 }
 
 bool contextMenu(const QContextMenuEvent &event) {
@@ -202,7 +205,7 @@ bool contextMenu(const QContextMenuEvent &event) {
 
 // No button goes on to Qt's tree, which would select without asking the view.
 void buttonPressed(const QMouseEvent &event) {
-    if (dragActive) return endDrag();
+    if (state.dragging) return endDrag();
     if (event.button() == Qt::LeftButton) leftPressed(event);
 }
 
@@ -226,7 +229,7 @@ bool viewportEvent(QWidget *, QEvent *event) {
         case QEvent::ContextMenu:
             return contextMenu(*static_cast<QContextMenuEvent *>(event));
         case QEvent::Hide:
-            if (dragActive) endDrag();
+            if (state.dragging) endDrag();
             return false;
         default:
             return false;
@@ -237,26 +240,26 @@ bool treeEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::KeyPress) {
         const auto &key = *static_cast<QKeyEvent *>(event);
         if (labelEditRunning()) return true;  // a key that the editor has no use for
-        if (dragActive) {
+        if (state.dragging) {
             if (key.key() == Qt::Key_Escape) endDrag();
             return true;
         }
         return treeKeyPressed(key);
     }
-    if (event->type() == QEvent::FocusIn) focusedAt = tickCount();
-    if ((event->type() == QEvent::FocusOut || event->type() == QEvent::WindowDeactivate) && dragActive) endDrag();
+    if (event->type() == QEvent::FocusIn) state.focusedAt = tickCount();
+    if ((event->type() == QEvent::FocusOut || event->type() == QEvent::WindowDeactivate) && state.dragging) endDrag();
     return false;
 }
 
 }  // namespace
 
-bool dragRunning() { return dragActive; }
+bool dragRunning() { return state.dragging; }
 
 void endDrag() {
-    dragActive = false;
-    dragCanDrop = false;
-    dragItemId = noItem;
-    pressedItem = noItem;
+    state.dragging = false;
+    state.canDrop = false;
+    state.dragged = noItem;
+    state.pressedItem = noItem;
     markTarget(noItem);
     treeView->viewport()->releaseMouse();
     treeView->viewport()->unsetCursor();
@@ -272,6 +275,9 @@ void connectTree() {
 }
 
 void forgetTree() {
+    state = {};
+    forgetTreeKeys();
+    forgetLabelEdit();
     forgetTreeRefresh();
     forgetSelection();
     forgetEntries();

@@ -7,6 +7,7 @@
 #include "drawing/bitmap_file.h"
 #include "drawing/item_picture.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "store/care/user_files.h"
@@ -25,7 +26,7 @@ QString askBitmapPath(const QString &itemName) {
     dialog.setNameFilter(textOf(Text::filterBitmaps) + QStringLiteral(" (*.bmp)"));
     dialog.setDefaultSuffix(QStringLiteral("bmp"));
     dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    return runDialog(dialog) == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 }  // namespace

@@ -15,24 +15,33 @@ namespace numalink {
 
 namespace {
 
-QScrollArea *area = nullptr;
-QWidget *picture = nullptr;
-Surface shown;  // all of it, or nothing when it is drawn in parts
-QSize dots;     // of what is on view
-SurfacePart partDrawn = nullptr;
-SurfaceKeys keysFirst = nullptr;
-int zoom = 1;
+// What is on view.
+struct Drawing {
+    Surface whole;  // or nothing when it is drawn in parts
+    QSize dots;
+    SurfacePart part = nullptr;
+    SurfaceKeys keysFirst = nullptr;
+};
+
+struct SurfaceView {
+    QScrollArea *area = nullptr;
+    QWidget *picture = nullptr;
+    Drawing drawing;
+    int zoom = 1;
+};
+SurfaceView state;
 
 int dotSize() {
-    if (zoom != zoomToFit) return zoom;
-    if (dots.isEmpty()) return 1;
-    const QSize room = area->size() - QSize(2 * area->frameWidth(), 2 * area->frameWidth());
-    return std::clamp(std::min(room.width() / dots.width(), room.height() / dots.height()), 1, 64);
+    if (state.zoom != zoomToFit) return state.zoom;
+    if (state.drawing.dots.isEmpty()) return 1;
+    const QSize room = state.area->size() - QSize(2 * state.area->frameWidth(), 2 * state.area->frameWidth());
+    return std::clamp(std::min(room.width() / state.drawing.dots.width(), room.height() / state.drawing.dots.height()),
+                      1, 64);
 }
 
 void resizePicture() {
-    picture->setFixedSize(dots * dotSize());
-    picture->update();
+    state.picture->setFixedSize(state.drawing.dots * dotSize());
+    state.picture->update();
 }
 
 QImage imageOf(const Surface &surface) {
@@ -45,15 +54,15 @@ void paintSurface(const QRect &asked) {
     const int size = dotSize();
     const QRect part =
         QRect(QPoint(asked.left() / size, asked.top() / size), QPoint(asked.right() / size, asked.bottom() / size)) &
-        QRect(QPoint(0, 0), dots);
+        QRect(QPoint(0, 0), state.drawing.dots);
     if (part.isEmpty()) return;
-    QPainter painter(picture);
+    QPainter painter(state.picture);
     const QRect place(part.topLeft() * size, part.size() * size);
-    if (partDrawn == nullptr) {
-        painter.drawImage(place, imageOf(shown), part);
+    if (state.drawing.part == nullptr) {
+        painter.drawImage(place, imageOf(state.drawing.whole), part);
         return;
     }
-    const Surface drawn = partDrawn(part.left(), part.top(), part.width(), part.height());
+    const Surface drawn = state.drawing.part(part.left(), part.top(), part.width(), part.height());
     painter.drawImage(place, imageOf(drawn));
 }
 
@@ -64,89 +73,74 @@ bool pictureEvent(QWidget *, QEvent *event) {
 }
 
 bool areaEvent(QWidget *, QEvent *event) {
-    if (event->type() == QEvent::Resize && zoom == zoomToFit) resizePicture();
-    if (event->type() == QEvent::KeyPress && keysFirst != nullptr) return keysFirst(*static_cast<QKeyEvent *>(event));
+    if (event->type() == QEvent::Resize && state.zoom == zoomToFit) resizePicture();
+    if (event->type() == QEvent::KeyPress && state.drawing.keysFirst != nullptr)
+        return state.drawing.keysFirst(*static_cast<QKeyEvent *>(event));
     return false;
-}
-
-void forgetDrawing() {
-    shown = {};
-    dots = {};
-    partDrawn = nullptr;
-    keysFirst = nullptr;
 }
 
 void showFromTop() {
     resizePicture();
-    area->ensureVisible(0, 0, 0, 0);
-    area->show();
+    state.area->ensureVisible(0, 0, 0, 0);
+    state.area->show();
     containerWindow->show();
 }
 
 }  // namespace
 
 void makeSurfaceView() {
-    area = new QScrollArea(containerWindow);
-    area->setObjectName(QStringLiteral("surfaceView"));
-    area->setFrameShape(QFrame::NoFrame);
-    area->setFocusPolicy(Qt::StrongFocus);
-    picture = new QWidget;
-    picture->setObjectName(QStringLiteral("surface"));
-    area->setWidget(picture);
+    state.area = new QScrollArea(containerWindow);
+    state.area->setObjectName(QStringLiteral("surfaceView"));
+    state.area->setFrameShape(QFrame::NoFrame);
+    state.area->setFocusPolicy(Qt::StrongFocus);
+    state.picture = new QWidget;
+    state.picture->setObjectName(QStringLiteral("surface"));
+    state.area->setWidget(state.picture);
     auto *layout = new QVBoxLayout(containerWindow);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
-    containerWindow->setFocusProxy(area);
-    hookEvents(picture, pictureEvent);
-    hookEvents(area, areaEvent);
-    zoom = 1;
+    layout->addWidget(state.area);
+    containerWindow->setFocusProxy(state.area);
+    hookEvents(state.picture, pictureEvent);
+    hookEvents(state.area, areaEvent);
 }
 
-void forgetSurfaceView() {
-    area = nullptr;
-    picture = nullptr;
-    forgetDrawing();
-}
+void forgetSurfaceView() { state = {}; }
 
 void showSurface(Surface surface) {
-    forgetDrawing();
-    shown = std::move(surface);
-    dots = QSize(shown.width, shown.height);
+    const QSize dots(surface.width, surface.height);
+    state.drawing = {.whole = std::move(surface), .dots = dots};
     showFromTop();
 }
 
 void showSurfaceInParts(int width, int height, SurfacePart part, SurfaceKeys keys) {
-    forgetDrawing();
-    dots = QSize(width, height);
-    partDrawn = part;
-    keysFirst = keys;
+    state.drawing = {.whole = {}, .dots = QSize(width, height), .part = part, .keysFirst = keys};
     showFromTop();
 }
 
-void redrawSurface() { picture->update(); }
+void redrawSurface() { state.picture->update(); }
 
 void hideSurface() {
     containerWindow->hide();
-    area->hide();
-    forgetDrawing();
+    state.area->hide();
+    state.drawing = {};
 }
 
 void describeSurface(const QString &name, const QString &detail) {
-    area->setAccessibleName(name);
-    area->setAccessibleDescription(detail);
+    state.area->setAccessibleName(name);
+    state.area->setAccessibleDescription(detail);
 }
 
 void showSurfacePart(int x, int y, int width, int height) {
     const int size = dotSize();
     const QRect part(x * size, y * size, width * size, height * size);
-    area->ensureVisible(part.center().x(), part.center().y(), part.width() / 2 + size, part.height() / 2 + size);
+    state.area->ensureVisible(part.center().x(), part.center().y(), part.width() / 2 + size, part.height() / 2 + size);
 }
 
-int surfaceZoom() { return zoom; }
+int surfaceZoom() { return state.zoom; }
 
 void setSurfaceZoom(int wanted) {
-    zoom = std::clamp(wanted, zoomToFit, zoomLimit);
-    if (picture != nullptr) resizePicture();
+    state.zoom = std::clamp(wanted, zoomToFit, zoomLimit);
+    if (state.picture != nullptr) resizePicture();
 }
 
 }  // namespace numalink

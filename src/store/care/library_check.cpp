@@ -176,14 +176,17 @@ bool isFollowed(const Examined &examined, std::uint64_t end) REQUIRES_LOCK(store
     return end == examined.main.endOffset || signatureAt(end);
 }
 
-// What the table makes of the sizes of those that are lost: from each to the next, or to the end of the records.
-std::set<std::uint64_t> lostSizes(const Examined &examined) {
-    std::set<std::uint64_t> places{examined.main.endOffset}, sizes;
+// What the table makes of the sizes of those that are lost, by slot: from each to the next, or to the end of the
+// records.
+std::map<std::size_t, std::uint64_t> lostSizes(const Examined &examined) {
+    std::map<std::size_t, std::uint64_t> sizes;
+    std::set<std::uint64_t> places{examined.main.endOffset};
     const std::span<const std::uint32_t> offsets(examined.main.offsets, examined.slots.size());
     places.insert(offsets.begin(), offsets.end());
     for (std::size_t slot = 0; slot < offsets.size(); slot++) {
+        if (examined.slots[slot].sound) continue;
         const auto next = places.upper_bound(offsets[slot]);
-        if (!examined.slots[slot].sound && next != places.end()) sizes.insert(*next - offsets[slot]);
+        sizes[slot] = next == places.end() ? 0 : *next - offsets[slot];
     }
     return sizes;
 }
@@ -200,7 +203,8 @@ void searchFile(Examined &examined, bool headLies) REQUIRES_LOCK(storeLock) {
     }
     std::ranges::sort(order, {}, [&](std::size_t slot) { return examined.main.offsets[slot]; });
     searched.end = headLies ? examined.fileSize : std::min<std::uint64_t>(examined.fileSize, examined.main.endOffset);
-    if (!headLies) searched.lostSizes = lostSizes(examined);
+    if (!headLies)
+        for (const auto &[slot, size] : lostSizes(examined)) searched.lostSizes.insert(size);
     std::uint64_t from = std::min<std::uint64_t>(sizeof(MainHeader), examined.fileSize);
     for (std::size_t i = 0; i <= order.size(); i++) {
         const bool last = i == order.size();
@@ -241,12 +245,31 @@ std::uint32_t dropUnreadable(Examined &examined) REQUIRES_LOCK(storeLock) {
     return count;
 }
 
+// The slots whose records are lost indeed. Bytes that came into the file or went push all behind them to other places,
+// where they were found: by their number, or by the size that the table has for them.
+std::set<std::size_t> slotsLost(const Examined &examined) {
+    std::map<std::size_t, std::uint64_t> sizes = lostSizes(examined);
+    for (const ItemHeader &head : examined.found) {
+        const auto isThis = [&](const auto &lost) {
+            return (head.id != noItem && examined.slots[lost.first].head.id == head.id) ||
+                   lost.second == recordSize(head);
+        };
+        const auto slot = std::ranges::find_if(sizes, isThis);
+        if (slot != sizes.end()) sizes.erase(slot);
+    }
+    std::set<std::size_t> lost;
+    for (const auto &[slot, size] : sizes) lost.insert(slot);
+    return lost;
+}
+
 void listRecords(const Examined &examined, LibraryCheck &check) {
     std::size_t room = storeSlotCount;
+    const std::set<std::size_t> lost = slotsLost(examined);
     for (std::size_t slot = 0; slot < examined.slots.size(); slot++) {
         const bool sound = examined.slots[slot].sound;
         const bool shorter = std::ranges::find(examined.shortened, slot) != examined.shortened.end();
         if (sound) room--;
+        if (!sound && !lost.contains(slot)) continue;
         check.records.push_back(recordOf(examined.slots[slot].head, examined.main.offsets[slot],
                                          shorter ? RecordFate::shortened
                                          : sound ? RecordFate::sound
@@ -295,6 +318,15 @@ void renumber(std::vector<Slot> &kept, ItemHeader &head, ItemId id) {
     head.id = id;
 }
 
+// Nothing stays in a folder that the file doesn't hold any more.
+void leaveLostFolders(std::vector<Slot> &kept) {
+    std::set<ItemId> folders{rootId};
+    for (const Slot &slot : kept)
+        if (isFolderKind(slot.head.kind)) folders.insert(slot.head.id);
+    for (Slot &slot : kept)
+        if (!folders.contains(slot.head.parent)) slot.head.parent = rootId;
+}
+
 // The file anew: all that can be kept, side by side.
 bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock) {
     std::vector<Slot> kept;
@@ -325,6 +357,7 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     main.nextId = safeNextId(main, known);
     for (Slot &slot : kept)
         if (slot.head.id >= keptLimit) renumber(kept, slot.head, main.nextId++);
+    leaveLostFolders(kept);
     const std::vector<ItemId> circle = foldersInCircle(kept);
     file.resize(sizeof main);
     for (std::size_t i = 0; i < kept.size(); i++) {

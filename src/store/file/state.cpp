@@ -36,8 +36,9 @@ struct RefusalText {
     Text text;
 };
 constexpr RefusalText refusalTexts[] = {
-    {RefusalCause::full, Text::storeDiskFull},      {RefusalCause::denied, Text::storeDenied},
-    {RefusalCause::disk, Text::storeDiskFailed},    {RefusalCause::linked, Text::storeJournalLinked},
+    {RefusalCause::denied, Text::storeDenied},
+    {RefusalCause::disk, Text::storeDiskFailed},
+    {RefusalCause::linked, Text::storeJournalLinked},
     {RefusalCause::unknown, Text::storeNotWritten},
 };
 
@@ -45,8 +46,9 @@ constexpr RefusalText refusalTexts[] = {
 bool tellRefusal() {
     constexpr std::uint64_t kilobyte = 1024, spare = 8 * kilobyte;  // as disks give room in blocks
     const std::uint64_t room = (lastRefusal().room + spare) / kilobyte;
+    if (lastRefusal().cause == RefusalCause::full) return failWith(Text::storeDiskFull, {std::to_string(room)});
     for (const RefusalText &row : refusalTexts)
-        if (row.cause == lastRefusal().cause) return failWith(row.text, {std::to_string(room)});
+        if (row.cause == lastRefusal().cause) return failWith(row.text);
     return false;
 }
 
