@@ -207,12 +207,12 @@ InputEnd takeInput(std::string &buffer, int milliseconds) {
 
 bool linkIsBusy() { return linkPort() == LinkPort::untried || linkConversationRuns() || attentionIsOut(); }
 
-// Until quit, the end of input with nothing under way, or the time.
+// Until quit, the end of input with nothing under way, or the time. Whether the port opens is awaited in any case.
 void serveInput(int seconds) {
     const std::uint64_t start = tickCount();
     std::uint64_t nextTimer = start + timerMilliseconds;
     std::string buffer;
-    bool inputEnded = false;
+    bool inputEnded = false, hasQuit = false;
     for (;;) {
         const std::uint64_t now = tickCount();
         if (seconds > 0 && now - start >= static_cast<std::uint64_t>(seconds) * 1000) return;
@@ -220,14 +220,14 @@ void serveInput(int seconds) {
             transmitDeadlineTest();
             nextTimer = now + timerMilliseconds;
         }
-        if (inputEnded && !linkIsBusy()) return;
+        if (hasQuit ? linkPort() != LinkPort::untried : inputEnded && !linkIsBusy()) return;
         const int wait = static_cast<int>(nextTimer > now ? nextTimer - now : 0);
-        if (inputEnded) {
+        if (inputEnded || hasQuit) {
             sleepMilliseconds(static_cast<std::uint64_t>(std::min(wait, 20)));
             continue;
         }
         const InputEnd end = takeInput(buffer, wait);
-        if (end == InputEnd::quit) return;
+        hasQuit = end == InputEnd::quit;
         inputEnded = end == InputEnd::end;
     }
 }

@@ -87,13 +87,16 @@ std::vector<std::string> piecesOfLine(const ViewLine &line) {
     Quoting quoting;
     for (std::span<const ViewToken> rest = reading.tokens; !rest.empty();) {
         const std::string_view text = std::string_view(line.text).substr(rest[0].from);
-        const std::size_t count = std::max<std::size_t>(1, agreeing(readPiece(text, quoting), rest, rest[0].from));
-        const ViewToken &last = rest[count - 1];
-        pieces.emplace_back(text.substr(0, last.from + last.size - rest[0].from));
+        std::size_t count = std::max<std::size_t>(1, agreeing(readPiece(text, quoting), rest, rest[0].from));
+        const auto piece = [&] { return text.substr(0, rest[count - 1].from + rest[count - 1].size - rest[0].from); };
+        // Letters and digits that would be a mark once they stand alone: their first sign does.
+        if (!rest[0].isMark && markOf(piece()).size > 0) count = 1;
+        pieces.emplace_back(piece());
         for (const ViewToken &token : rest.first(count)) quoting.follow(token);
         rest = rest.subspan(count);
     }
-    if (pieces.empty() || (pieces.size() == 1 && changesOnTheWay(line, reading))) pieces.emplace_back();
+    const bool endsInBlank = pieces.size() > 1 && pieces.back().ends_with(' ') && markOf(pieces.back()).size == 0;
+    if (pieces.empty() || endsInBlank || (pieces.size() == 1 && changesOnTheWay(line, reading))) pieces.emplace_back();
     return pieces;
 }
 

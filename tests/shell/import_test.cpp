@@ -43,6 +43,12 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     ASSERT_EQ(storeListChildren(games).size(), 2u);
     EXPECT_NE(treeEntryOf(storeFindItem("THREE", games)), nullptr);
     EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(CommandId::find));
+    shown.clear();
+    answer("Return");
+    answer(wording(Text::skip));
+    dropFiles({"Two Games.CAT"});
+    EXPECT_EQ(shown.size(), 2u) << "one question for both names";
+    EXPECT_EQ(storeListChildren(games).size(), 2u);
 }
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {

@@ -11,12 +11,26 @@ namespace {
 ShellTest *current = nullptr;
 QTimer *answering = nullptr;
 
+// From the button that has the focus on, Tab reaches every other one, and the first again at last.
+void expectTabReachesAll(QMessageBox &box) {
+    QWidget *first = box.focusWidget();
+    if (first == nullptr) return;  // not on the screen yet
+    QSet<QWidget *> reached;
+    for (qsizetype i = 0; i < box.buttons().size(); i++) {
+        QTest::keyClick(&box, Qt::Key_Tab);
+        reached << box.focusWidget();
+    }
+    EXPECT_EQ(reached.size(), box.buttons().size());
+    EXPECT_EQ(box.focusWidget(), first);
+}
+
 std::string wordingOf(QWidget *dialog) {
-    const auto *box = qobject_cast<QMessageBox *>(dialog);
+    auto *box = qobject_cast<QMessageBox *>(dialog);
     if (box != nullptr) {
         EXPECT_EQ(box->textFormat(), Qt::PlainText) << "names may hold what reads as markup";
         EXPECT_TRUE(box->windowTitle() == QLatin1String(programTitle) ||
                     box->windowTitle() == textOf(Text::warningTitle));
+        expectTabReachesAll(*box);
     }
     return box != nullptr ? box->text().toStdString() : dialog->windowTitle().toStdString();
 }

@@ -206,6 +206,10 @@ TEST_F(Tree, TheKeyboardStaysWhereItWasPut) {
     EXPECT_EQ(labelEditor(), nullptr) << "the click only came back";
     EXPECT_TRUE(hasFocus(treeView));
     select(program);
+    QTest::keyClick(treeView, Qt::Key_Right);
+    QTest::qWait(350);
+    EXPECT_EQ(labelEditor(), nullptr) << "the key meant the entry";
+    select(program);
     EXPECT_TRUE(QTest::qWaitFor([] { return labelEditor() != nullptr; }));
     QTest::keyClick(labelEditor(), Qt::Key_Escape);
     QTest::keyClick(treeView, Qt::Key_Return);

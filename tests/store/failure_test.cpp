@@ -366,6 +366,13 @@ TEST(FullDisk, RefusesAndGoesOnWhenThereIsRoomAgain) {
     EXPECT_FALSE(storeDelete(full[2].id)) << "a run that begins with the disk full";
     ASSERT_EQ(uiRecord.boxes.size(), 1U);
     EXPECT_THAT(uiRecord.boxes[0].body, ::testing::ContainsRegex("full.* 1[0-9] KB"));
+    storeClose();
+    std::filesystem::rename(folder.path + "storage.dat", folder.path + "away");
+    EXPECT_FALSE(storeOpen()) << "no room for an empty library";
+    ASSERT_EQ(uiRecord.boxes.size(), 2U);
+    EXPECT_THAT(uiRecord.boxes[1].body, ::testing::ContainsRegex("full.* [0-9]+ KB"));
+    std::filesystem::rename(folder.path + "away", folder.path + "storage.dat");
+    ASSERT_TRUE(storeOpen());
     ASSERT_EQ(mount("tmpfs", folder.path.c_str(), "tmpfs", MS_REMOUNT, "size=2m"), 0);
     EXPECT_TRUE(storeDelete(full.back().id));
     EXPECT_EQ(storeAddItems({item}).size(), 1U);

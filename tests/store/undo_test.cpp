@@ -81,6 +81,12 @@ TEST_F(Undo, AnActIsAStepByItsNameAndGoesBothWays) {
              return storeMove(a, folder) && storeDelete(other);
          }},
         {UndoAct::replacement, "A", 1, [&] { return add("A", kind::list, rootId, {1}, {2}) != noItem; }},
+        {UndoAct::import, "twice", 1,
+         [&] {  // beside an item of the same name, as the user wished
+             const ItemId parked = storeAddItem(item("B", kind::list, storeTempFolder(), {4}, {4}));
+             const UndoGroup group(UndoAct::import, "twice");
+             return storeMove(parked, folder);
+         }},
         {UndoAct::deletion, "Late", 6, [&] { return storeDelete(late); }},
         {UndoAct::import, "games", 3,
          [&] {

@@ -14,6 +14,7 @@
 
 #include "exchange/import/import.h"
 #include "link/transmit_queue.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
@@ -86,16 +87,17 @@ void askImport(ImportQuestion &question) {
 }
 
 ImportTaken askImportTaken(const ImportTakenQuestion &question) {
-    QMessageBox box(QMessageBox::Question, textOf(Text::importTitle),
+    QMessageBox box(QMessageBox::Question, boxTitle(false),
                     textOf(Text::importTaken, {std::to_string(question.count), question.names}), QMessageBox::NoButton,
                     mainWindow);
     box.setTextFormat(Qt::PlainText);
+    // Replace isn't the first: ahead of two buttons that accept, Qt leaves it and Cancel out of what Tab reaches.
     const std::pair<QPushButton *, ImportTaken> buttons[] = {
-        {box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
         {box.addButton(textOf(Text::keepBoth), QMessageBox::AcceptRole), ImportTaken::keepBoth},
         {box.addButton(textOf(Text::skip), QMessageBox::AcceptRole), ImportTaken::skip},
+        {box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
         {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
-    box.setDefaultButton(buttons[1].first);
+    box.setDefaultButton(buttons[0].first);
     box.setEscapeButton(buttons[3].first);
     runDialog(box);
     for (const auto &[button, taken] : buttons)

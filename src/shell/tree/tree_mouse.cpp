@@ -119,8 +119,8 @@ void drop(const QPoint &place) {
 // A second click on the selected entry's label, with no double click behind it, edits the label.
 void editAfterPause(ItemId item) {
     QTimer::singleShot(QApplication::doubleClickInterval(), treeView, [item] {
-        if (state.pressedItem == noItem && selectedItemId() == item && treeView->hasFocus() && !state.dragging &&
-            tickCount() >= state.labelEditBlockedUntil)
+        if (state.mayEditLabel && state.pressedItem == noItem && selectedItemId() == item && treeView->hasFocus() &&
+            !state.dragging && tickCount() >= state.labelEditBlockedUntil)
             startLabelEdit(item);
     });
 }
@@ -237,6 +237,8 @@ bool viewportEvent(QWidget *, QEvent *event) {
 }
 
 bool treeEvent(QWidget *, QEvent *event) {
+    // A key behind the click, also that of a command, means the entry rather than its label.
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) state.mayEditLabel = false;
     if (event->type() == QEvent::KeyPress) {
         const auto &key = *static_cast<QKeyEvent *>(event);
         if (labelEditRunning()) return true;  // a key that the editor has no use for

@@ -31,6 +31,7 @@ struct Opening {
     std::string journal;       // its path; where it was set aside
     bool emptied = false;      // missing or empty, with copies beside
     bool isNew = false;        // an empty file, which gets its head
+    bool noRoom = false;       // for that head
     bool isNewer = false;      // a newer version wrote it, by all one can tell
     std::uint32_t damage = 0;  // places
     std::ptrdiff_t lost = 0;   // records among them
@@ -62,6 +63,7 @@ Text openFile(Opening &opening, WhenEmptied whenEmptied) REQUIRES_LOCK(storeLock
     if (opening.emptied) return Text::libraryNotOpened;
     const Text trouble = opening.isNew ? createStore() : readMain(storeState.main);
     opening.isNewer = mayBeNewer(trouble, storeState.main);
+    opening.noRoom = opening.isNew && trouble != Text::none && lastRefusal().cause == RefusalCause::full;
     if (trouble != Text::none) return trouble;
     readSlots(storeState.main, storeState.slots);
     opening.damage =
@@ -95,6 +97,8 @@ bool tellNotOpened(Text text, const Opening &opening) {
         tellMore(text, Text::storeNotBroughtBack, {opening.journal});
     else if (opening.emptied)
         tellUser(Text::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
+    else if (opening.noRoom)
+        tellStoreFault(Fault::notWritten);
     else if (text == Text::libraryNotOpened)
         tellMore(text, held ? Text::storeHeld : Text::storeNotOpened, {storePath()});
     else if (opening.isNewer)

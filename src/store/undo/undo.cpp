@@ -158,8 +158,9 @@ bool canHold(ItemId parent, const StoredItem &item, const std::vector<StoredItem
 }
 
 // Gives each item a folder that is there, and a name that is free in it. What comes back with its folder keeps its
-// name, and so do items that bore one name side by side.
-void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &leaving) REQUIRES_LOCK(storeLock) {
+// name, and so do items that bore one name side by side, and all that a redo brings: nothing has come since its undo.
+void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &leaving, bool isRedo)
+    REQUIRES_LOCK(storeLock) {
     std::vector<ItemId> homeless;
     for (StoredItem &item : items) {
         if (holdsId(items, item.parent) || canHold(item.parent, item, leaving)) continue;
@@ -174,6 +175,7 @@ void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &l
         };
         if (holdsId(items, item.parent)) continue;
         const bool isHomeless = std::ranges::count(homeless, item.id) > 0;
+        if (isRedo && !isHomeless) continue;
         if (!nameTaken(item, leaving) && !(isHomeless && othersBear(item.name))) continue;
         item.name = freeName(item.name, item.parent, item.kind, othersBear);
         if (item.kind == kind::program) renameProgram(item.head, item.name);
@@ -210,8 +212,9 @@ Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, TakenBack
     std::vector<StoredItem> items;
     for (const JoinedChange &change : changes)
         if (change.before != nullptr) items.push_back(*change.before);
-    findPlaces(items, now);
+    findPlaces(items, now, &from == &redoSteps);
     std::vector<ItemId> leaving;
+    leaving.reserve(now.size());
     for (const StoredItem &item : now) leaving.push_back(item.id);
     UndoStep inverse = inverseOf(changes, now, items);
     inverse.group = ++lastGroup;
@@ -274,7 +277,7 @@ Fault noteBecoming(std::size_t slot, const Becoming &becoming, UndoStep &step) {
     const bool isSeen = becoming.parent ? !isTemporary(*becoming.parent) : wasSeen;
     if (!wasSeen && !isSeen) return Fault::none;
     if (const Fault fault = readItem(id, before); fault != Fault::none) return fault;
-    ItemEntry entry = before;
+    ItemEntry entry = static_cast<const ItemEntry &>(before);
     entry.name = becoming.name.value_or(before.name);
     entry.parent = becoming.parent.value_or(before.parent);
     entry.kind = becoming.kind.value_or(before.kind);
