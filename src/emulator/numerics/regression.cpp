@@ -21,6 +21,9 @@ constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
 struct Data {
     std::vector<Real> x, y, weight;  // weights above 0 alone
+    bool (*goesOn)() = nullptr;
+
+    bool isStopped() const { return goesOn != nullptr && !goesOn(); }
 
     std::size_t size() const { return x.size(); }
     Real total() const {
@@ -72,13 +75,23 @@ Coefficients leastSquares(const Data &data, std::size_t count, const Basis &basi
     return solveLinear(matrix, vector) ? vector : Coefficients{};
 }
 
+// What adds less to the values than a double can tell is left of the elimination, and would be a curve's second root.
+void clearNoise(Coefficients &scaled) {
+    constexpr Real noise = 1e-16L;
+    Real largest = 0;
+    for (const Real each : scaled) largest = std::max(largest, std::fabs(each));
+    for (Real &each : scaled) {
+        if (std::fabs(each) < noise * largest) each = 0;
+    }
+}
+
 // From the constant on.
 Coefficients fitPolynomial(const Data &data, std::size_t degree) {
     if (distinctCount(data.x) <= degree) return {};
     const auto [least, most] = std::ranges::minmax(data.x);
     const Real middle = (least + most) / 2;
     const Real scale = most > least ? (most - least) / 2 : 1;
-    const Coefficients scaled = leastSquares(data, degree + 1, [&](Real x, std::vector<Real> &values) {
+    Coefficients scaled = leastSquares(data, degree + 1, [&](Real x, std::vector<Real> &values) {
         Real power = 1;
         for (Real &value : values) {
             value = power;
@@ -86,6 +99,7 @@ Coefficients fitPolynomial(const Data &data, std::size_t degree) {
         }
     });
     if (scaled.empty()) return {};
+    clearNoise(scaled);
     // By Horner's rule on polynomials: result times (x - middle) / scale, plus the next coefficient.
     Coefficients result;
     for (std::size_t k = scaled.size(); k-- > 0;) {
@@ -238,6 +252,26 @@ Coefficients stepFrom(const FreeCurve &curve, const Data &data, const Coefficien
     return solveLinear(matrix, vector) ? vector : Coefficients{};
 }
 
+// Close to the least squares they no longer tell steps apart, while full steps still shrink, down to the last digits.
+void polish(const FreeCurve &curve, const Data &data, Coefficients &parameters, Real left) {
+    constexpr int stepLimit = 30;
+    constexpr Real rounding = 1e-12L;
+    Real lastSize = std::numeric_limits<Real>::infinity();
+    for (int step = 0; step < stepLimit && !data.isStopped(); step++) {
+        const Coefficients change = stepFrom(curve, data, parameters, 0);
+        Coefficients next = parameters;
+        Real size = 0;
+        for (std::size_t k = 0; k < change.size(); k++) {
+            next[k] += change[k];
+            size += std::fabs(change[k]);
+        }
+        const bool shrinks = !change.empty() && size < lastSize / 2;
+        if (!shrinks || !(squaresLeft(curve, data, next) <= left * (1 + rounding))) return;
+        parameters = next;
+        lastSize = size;
+    }
+}
+
 // Lowers the squares that are left until no step does; what is left then, or infinity.
 Real refine(const FreeCurve &curve, const Data &data, Coefficients &parameters) {
     constexpr int stepLimit = 200;
@@ -245,7 +279,7 @@ Real refine(const FreeCurve &curve, const Data &data, Coefficients &parameters) 
     Real left = squaresLeft(curve, data, parameters);
     if (!std::isfinite(left)) return std::numeric_limits<Real>::infinity();
     Real damping = 1e-3L;
-    for (int step = 0; step < stepLimit && damping < mostDamping; step++) {
+    for (int step = 0; step < stepLimit && damping < mostDamping && !data.isStopped(); step++) {
         const Coefficients change = stepFrom(curve, data, parameters, damping);
         Coefficients next = parameters;
         for (std::size_t k = 0; k < change.size(); k++) next[k] += change[k];
@@ -258,11 +292,12 @@ Real refine(const FreeCurve &curve, const Data &data, Coefficients &parameters) 
             damping *= 10;
         }
     }
+    polish(curve, data, parameters, left);
     return left;
 }
 
 bool finishFree(Regression &result, const FreeCurve &curve, const Data &data, const Coefficients &best) {
-    if (best.empty()) return false;
+    if (best.empty() || data.isStopped()) return false;
     std::vector<Real> slopes(curve.parameters);
     judge(result, data, curve.parameters, [&](Real x) { return curve.value(best, x, slopes); });
     for (std::size_t k = 0; k < best.size(); k++) {
@@ -301,7 +336,7 @@ bool fitSine(Regression &result, Data &data) {
     const Real step =
         std::numbers::pi_v<Real> * static_cast<Real>(count - 1) / (most - least) / static_cast<Real>(paces);
     std::vector<std::pair<Real, Coefficients>> starts;
-    for (std::size_t i = 1; i <= paces; i++) {
+    for (std::size_t i = 1; i <= paces && !data.isStopped(); i++) {
         const Coefficients start = sineWithPace(data, step * static_cast<Real>(i));
         if (!start.empty()) starts.emplace_back(squaresLeft(curve, data, start), start);
     }
@@ -396,8 +431,9 @@ const KindRow &rowOf(RegressionKind kind) { return kinds[static_cast<std::size_t
 
 }  // namespace
 
-std::optional<Regression> fitCurve(RegressionKind kind, const Points &points) {
+std::optional<Regression> fitCurve(RegressionKind kind, const Points &points, bool (*goesOn)()) {
     Data data = dataOf(points);
+    data.goesOn = goesOn;
     const auto areFinite = [](const std::vector<Real> &values) {
         return std::ranges::all_of(values, [](Real value) { return std::isfinite(value); });
     };

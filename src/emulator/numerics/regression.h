@@ -41,9 +41,10 @@ struct Points {
 
 // None where the points don't decide the curve (too few, x all alike) or have no logarithm that the kind needs. The
 // straight and the polynomial kinds are right to some 1e-13 of the coefficients' own condition; sinusoidal and logistic
-// are the best of several starts, refined until nothing changes, to some 1e-9. Of the sinusoidal ones, b is looked for
-// up to half a period between two neighbours on average.
-std::optional<Regression> fitCurve(RegressionKind kind, const Points &points);
+// are the best of several starts, refined until nothing changes, to some 1e-12. Of the sinusoidal ones, b is looked for
+// up to half a period between two neighbours on average. These two ask goesOn ahead of each walk over the points; false
+// ends the search with none.
+std::optional<Regression> fitCurve(RegressionKind kind, const Points &points, bool (*goesOn)() = nullptr);
 
 double curveAt(const Regression &curve, double x);
 

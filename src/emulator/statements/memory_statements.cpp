@@ -1,5 +1,6 @@
 // The statements that clear or extend memories.
 #include "emulator/machine/named_values.h"
+#include "emulator/machine/statistics_memory.h"
 #include "emulator/statements/statement_groups.h"
 
 namespace numalink {
@@ -42,6 +43,8 @@ WayOut runClearStatistics(RunState &state) {
             if (ComplexValue *value = namedValueRef(isPair ? Token{row.first.first, last} : Token{last})) *value = {};
         }
     }
+    namedValue(token::mode) = {};
+    statisticsMemory.curve.reset();
     return handled(state);
 }
 

@@ -6,7 +6,7 @@
 #include "emulator/machine/errors.h"
 #include "emulator/machine/named_values.h"
 #include "emulator/machine/run_waits.h"
-#include "emulator/screens/graph_screen.h"
+#include "emulator/screens/curves.h"
 #include "emulator/statements/list_names.h"
 #include "emulator/statements/statement_groups.h"
 
@@ -247,8 +247,8 @@ void fitWindow(const Range &range, WindowValue low, WindowValue high, WindowValu
     machine.window[scale] = complexReal((digit < 2 ? 1 : digit < 5 ? 2 : 5) * power);
 }
 
-int columnOf(double x) { return cutToInteger(mapX(x)); }
-int rowOf(double y) { return cutToInteger(mapY(y)); }
+int columnAt(double x) { return cutToInteger(mapX(x)); }
+int rowAt(double y) { return cutToInteger(mapY(y)); }
 
 // Dots from one place to another, both included.
 void putRow(int fromX, int toX, int y, PixelColor color) {
@@ -260,26 +260,9 @@ void putColumn(int x, int fromY, int toY, PixelColor color) {
         putPixel(x, y, color);
 }
 
-// A line between two points. Of points far outside only what crosses the columns in view is walked.
-void putLine(PlotPoint from, PlotPoint to, PixelColor color) {
-    const double left = std::min(machine.window[xMin].re, machine.window[xMax].re);
-    const double right = std::max(machine.window[xMin].re, machine.window[xMax].re);
-    if (to.x < from.x) std::swap(from, to);
-    if (to.x < left || from.x > right) return;
-    const double slope = to.x > from.x ? (to.y - from.y) / (to.x - from.x) : 0;
-    if (from.x < left) from = {left, from.y + (left - from.x) * slope};
-    if (to.x > right) to = {right, from.y + (right - from.x) * slope};
-    if (to.x == from.x) {  // walked down row by row
-        const auto [low, high] = std::minmax(machine.window[yMin].re, machine.window[yMax].re);
-        if (std::max(from.y, to.y) < low || std::min(from.y, to.y) > high) return;
-        from.y = std::clamp(from.y, low, high);
-        to.y = std::clamp(to.y, low, high);
-    }
-    drawLine(from.x, from.y, to.x, to.y, color);
-}
-
 void putMark(StatMark mark, int column, int row, PixelColor color) {
     if (mark == StatMark::dot) return putPixel(column, row, color);
+    if (column < -1 || column > displayWidth || row < -1 || row > displayHeight) return;
     for (int dy = -1; dy <= 1; dy++) {
         for (int dx = -1; dx <= 1; dx++) {
             const bool isCorner = dx != 0 && dy != 0, isMiddle = dx == 0 && dy == 0;
@@ -291,21 +274,23 @@ void putMark(StatMark mark, int column, int row, PixelColor color) {
 void drawMarks(const Plot &plot) {
     for (std::size_t i = 0; i < plot.sample.x.size() && runGoesOn(); i++) {
         if (plot.sample.ofX().weight(i) > 0)
-            putMark(plot.setUp->mark, columnOf(plot.sample.x[i]), rowOf(plot.sample.y[i]), plot.setUp->color);
+            putMark(plot.setUp->mark, columnAt(plot.sample.x[i]), rowAt(plot.sample.y[i]), plot.setUp->color);
     }
 }
 
+CurvePen penOf(const Plot &plot) { return {wholeFrame(), plot.setUp->color, LineStyle::normal, true}; }
+
 void drawJoined(const Plot &plot) {
     drawMarks(plot);
-    for (std::size_t i = 1; i < plot.sample.x.size() && runGoesOn(); i++)
-        putLine({plot.sample.x[i - 1], plot.sample.y[i - 1]}, {plot.sample.x[i], plot.sample.y[i]}, plot.setUp->color);
+    CurvePen pen = penOf(plot);
+    for (std::size_t i = 0; i < plot.sample.x.size() && runGoesOn(); i++) pen.to(plot.sample.x[i], plot.sample.y[i]);
 }
 
 void drawBars(const Plot &plot) {
     const Bars &bars = plot.bars;
-    const int ground = rowOf(0);
+    const int ground = rowAt(0);
     for (std::size_t bar = 0; bar < bars.heights.size(); bar++) {
-        const int left = columnOf(bars.left(bar)), right = columnOf(bars.left(bar + 1)), top = rowOf(bars.heights[bar]);
+        const int left = columnAt(bars.left(bar)), right = columnAt(bars.left(bar + 1)), top = rowAt(bars.heights[bar]);
         putRow(left, right, top, plot.setUp->color);
         putRow(left, right, ground, plot.setUp->color);
         putColumn(left, ground, top, plot.setUp->color);
@@ -314,10 +299,9 @@ void drawBars(const Plot &plot) {
 }
 
 void drawBroken(const Plot &plot) {
-    const Bars &bars = plot.bars;
-    for (std::size_t bar = 1; bar < bars.heights.size() && runGoesOn(); bar++)
-        putLine({bars.middle(bar - 1), bars.heights[bar - 1]}, {bars.middle(bar), bars.heights[bar]},
-                plot.setUp->color);
+    CurvePen pen = penOf(plot);
+    for (std::size_t bar = 0; bar < plot.bars.heights.size() && runGoesOn(); bar++)
+        pen.to(plot.bars.middle(bar), plot.bars.heights[bar]);
 }
 
 // Whiskers from the ends to a box with a line in it, each graph on rows of its own.
@@ -326,12 +310,12 @@ void drawBox(const Plot &plot, const Quartiles &of) {
     const int row = firstRow + rowsApart * static_cast<int>(plot.number);
     const int top = row - half, bottom = row + half;
     const PixelColor color = plot.setUp->color;
-    putRow(columnOf(of.smallest), columnOf(of.first), row, color);
-    putRow(columnOf(of.third), columnOf(of.largest), row, color);
-    putRow(columnOf(of.first), columnOf(of.third), top, color);
-    putRow(columnOf(of.first), columnOf(of.third), bottom, color);
-    for (const double x : {of.first, of.median, of.third}) putColumn(columnOf(x), top, bottom, color);
-    for (const double x : {of.smallest, of.largest}) putColumn(columnOf(x), row - half / 2, row + half / 2, color);
+    putRow(columnAt(of.smallest), columnAt(of.first), row, color);
+    putRow(columnAt(of.third), columnAt(of.largest), row, color);
+    putRow(columnAt(of.first), columnAt(of.third), top, color);
+    putRow(columnAt(of.first), columnAt(of.third), bottom, color);
+    for (const double x : {of.first, of.median, of.third}) putColumn(columnAt(x), top, bottom, color);
+    for (const double x : {of.smallest, of.largest}) putColumn(columnAt(x), row - half / 2, row + half / 2, color);
 }
 
 // The mean with the deviation to either side in the place of median and quartiles.
@@ -342,18 +326,13 @@ Quartiles meanBoxOf(const Sample &sample) {
     return {ends.smallest, moments.mean - deviation, moments.mean, moments.mean + deviation, ends.largest};
 }
 
-// A curve over all columns in view, broken where it has no value.
+// Over all columns in view, broken where the curve has no value.
 template <typename Curve>
-void drawCurve(PixelColor color, const Curve &curve) {
-    const double left = machine.window[xMin].re, width = machine.window[xMax].re - left;
-    constexpr int steps = displayWidth - 2;
-    PlotPoint previous{left, curve(left)};
-    for (int i = 1; i <= steps && runGoesOn(); i++) {
-        const double x = left + width * i / steps;
-        const PlotPoint next{x, curve(x)};
-        if (std::isfinite(previous.y) && std::isfinite(next.y)) putLine(previous, next, color);
-        previous = next;
-    }
+void drawCurve(const Plot &plot, const Curve &curve) {
+    const GraphFrame frame = wholeFrame();
+    CurvePen pen = penOf(plot);
+    for (int column = 1; column <= frame.width && runGoesOn(); column++)
+        pen.toColumn(column, curve(columnX(frame, column)));
 }
 
 void drawPlot(const Plot &plot) {
@@ -373,10 +352,10 @@ void drawPlot(const Plot &plot) {
             return drawBox(plot, meanBoxOf(plot.sample.ofX()));
         case StatGraphKind::normalCurve: {
             const Moments moments = momentsOf(plot.sample.ofX());
-            return drawCurve(plot.setUp->color, [&moments](double x) { return normalDensity(moments, x); });
+            return drawCurve(plot, [&moments](double x) { return normalDensity(moments, x); });
         }
         case StatGraphKind::regression:
-            return drawCurve(plot.setUp->color, [&plot](double x) { return curveAt(plot.curve, x); });
+            return drawCurve(plot, [&plot](double x) { return curveAt(plot.curve, x); });
     }
 }
 
@@ -399,6 +378,7 @@ WayOut runDrawStat(RunState &state) {
         fitWindow(y, yMin, yMax, yScale);
     }
     clearGraph();
+    drawAxes(wholeFrame());
     for (const Plot &plot : plots) drawPlot(plot);
     return handled(state);
 }

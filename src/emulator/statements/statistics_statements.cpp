@@ -5,6 +5,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/named_values.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/statements/list_names.h"
 #include "emulator/statements/statement_groups.h"
 
@@ -214,7 +215,7 @@ bool readListSample(std::size_t x, std::optional<std::size_t> y, std::optional<s
 
 const Regression *runRegression(RegressionKind kind, const ListSample &sample) {
     leaveBoth(sample);
-    statisticsMemory.curve = fitCurve(kind, sample.points());
+    statisticsMemory.curve = fitCurve(kind, sample.points(), runGoesOn);
     if (!statisticsMemory.curve.has_value()) {
         maError();
         return nullptr;
