@@ -14,11 +14,11 @@ namespace {
 constexpr std::uint64_t waitPerByte = 10;  // all times in milliseconds
 constexpr std::uint64_t briefWait = 500;
 constexpr std::uint64_t lastingWait = 10000;
-constexpr std::uint64_t restAfterFailure = 50;
-constexpr std::uint64_t slowPause = 1;
+constexpr std::uint64_t restAfterFailure = 50;  // of silence: then what the other was saying is over
+constexpr std::uint64_t slowPause = 1;          // all the pacing there is: these calculators say nothing of their pace
 constexpr std::uint64_t microsecondsPerMillisecond = 1000;
 constexpr std::uint64_t progressLimit = 65535;
-constexpr std::uint64_t progressSteps = 256;
+constexpr std::uint64_t progressSteps = 256;  // each waits for the window, and a line at full speed is faster
 
 std::atomic<bool> stopWanted = false;
 bool lineGone = false;
@@ -40,6 +40,7 @@ std::size_t readWithin(std::span<std::uint8_t> target, ReadLimits limits, std::u
     while (!conversationOver() && count < target.size()) {
         const std::uint64_t passed = elapsedSince(start);
         if (passed > limits.total) break;
+        // At the very limit a millisecond: 0 would be none.
         const ReadLimits left{.total = limits.total - passed + (passed == limits.total ? 1 : 0), .quiet = limits.quiet};
         const LineRead read = serialLine.read(target.subspan(count), left);
         count += read.count;
@@ -49,6 +50,7 @@ std::size_t readWithin(std::span<std::uint8_t> target, ReadLimits limits, std::u
     return count;
 }
 
+// The pause stands ahead of each byte, the first one too: the calculator may just have said something.
 void sendPaused(ByteView bytes, void (*afterByte)(std::uint64_t position)) {
     std::uint64_t position = 0;
     for (const std::uint8_t byte : bytes) {
@@ -90,6 +92,7 @@ std::size_t readHead(std::span<std::uint8_t> target, Wait wait) {
         const std::size_t came = readWithin(target.subspan(count), limits, start);
         goesOn = count + came == target.size();
         const auto end = target.begin() + static_cast<std::ptrdiff_t>(count + came);
+        // A calculator repeats its attention byte until it is answered: those ahead of the head aren't part of it.
         const auto head = count > 0 ? target.begin() : std::find_if_not(target.begin(), end, isAttention);
         std::copy(head, end, target.begin());
         count = static_cast<std::size_t>(end - head);

@@ -41,6 +41,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::colorComment, "0,0,0"},
     {setting::lastExportType, "cas"},
     {setting::calculatorModes, "0"},
+    {setting::farEndPort, ""},
 };
 static_assert(std::size(defaultSettings) < settingsSlotCount);
 

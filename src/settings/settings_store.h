@@ -22,6 +22,7 @@ inline constexpr char fullscreen[] = "Numalink.Settings.Emulator.Fullscreen";
 inline constexpr char fillListsMatrices[] = "Numalink.Settings.Emulator.FillListsMatrices";
 inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
 inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
+inline constexpr char farEndPort[] = "Numalink.Settings.Emulator.Port";  // what programs speak to by Send(; empty: none
 inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
 inline constexpr char autoCorrect[] = "Numalink.Settings.Editor.AutoCorrect";
 inline constexpr char colorAscii[] = "Numalink.Settings.Editor.Colors.Ascii";

@@ -169,7 +169,8 @@ struct LineWalk {
         return isPacked(line.origins[place]) && (line.origins[place] & markFlag) != 0;
     }
 
-    // The longest reading at place that ends on a border of untouched tokens.
+    // The longest reading at place that ends on a border of untouched tokens. One that ends within such a token would
+    // tear it, and what is left of it has no bytes of its own: it is tried again up to there.
     TypedToken typedAt(std::size_t place, bool quoted) const {
         std::size_t end = barrier(place, quoted);
         for (;;) {
@@ -188,7 +189,9 @@ struct LineWalk {
         return false;
     }
 
-    // size 0 when the character at place is none.
+    // size 0 when the character at place is none. An untouched token keeps its bytes, though others may be spelled
+    // alike; it gives way only to a longer command that it makes with what was typed beside it ("For " by an "r" behind
+    // "Fo"). Within quotes nothing joins, and a line that nobody has touched isn't read at all.
     ViewToken tokenAt(std::size_t place, bool quoted) const {
         const bool isKept = kept.starts(place);
         const ViewToken keptToken = isKept ? keptTokenAt(line, place) : ViewToken{};

@@ -65,7 +65,8 @@ const LineMemory *memoryOf(const QTextBlock &block) {
     return memory != nullptr && memory->text == block.text() ? memory : nullptr;
 }
 
-// Replaces what differs between a line and what it is to show.
+// Replaces what differs between a line and what it is to show, and no more: the untouched characters keep their
+// origins, and the caret its place among them.
 void replaceDifference(const QTextBlock &block, const ViewLine &line, const ViewLine &shown) {
     const std::size_t shorter = std::min(line.text.size(), shown.text.size());
     std::size_t ahead = 0;
@@ -79,6 +80,7 @@ void replaceDifference(const QTextBlock &block, const ViewLine &line, const View
     middle.origins.assign(shown.origins.begin() + static_cast<std::ptrdiff_t>(ahead),
                           shown.origins.end() - static_cast<std::ptrdiff_t>(behind));
     QTextCursor cursor(block);
+    // One step with the key that led to it: undo takes back both.
     cursor.joinPreviousEditBlock();
     cursor.setPosition(block.position() + static_cast<int>(ahead));
     cursor.setPosition(block.position() + static_cast<int>(line.text.size() - behind), QTextCursor::KeepAnchor);

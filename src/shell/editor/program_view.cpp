@@ -77,6 +77,8 @@ void putCaret(const Caret &caret) {
     programEdit->setTextCursor(cursor);
 }
 
+// Qt tells of a change in the middle of it, when the document must not be touched: what is to be read anew is noted
+// here, and done in contentsChanged.
 void contentsChange(int position, int, int added) {
     if (state.filling) return;
     state.changedFrom = state.changedFrom < 0 ? position : std::min(state.changedFrom, position);
@@ -90,6 +92,7 @@ void convertChanged(int firstBlock, int lastBlock) {
     // Qt joins a key to the one before it while the document counts as modified.
     document()->setModified(false);
     const int steps = document()->availableUndoSteps();
+    // A new edit ends what could be redone, and the carets of it.
     std::erase_if(state.caretSteps, [&](const CaretStep &step) { return step.undoSteps >= steps; });
     state.caretSteps.push_back({steps, before, caretNow()});
 }
@@ -101,6 +104,8 @@ void contentsChanged() {
     const QTextBlock last = document()->findBlock(state.changedTo);
     const int lastBlock = last.isValid() ? last.blockNumber() : document()->blockCount() - 1;
     state.changedFrom = state.changedTo = -1;
+    // What undo brings back was converted when it was typed. Another conversion would be an edit, and end what can be
+    // redone.
     if (!state.travelling) convertChanged(firstBlock, lastBlock);
     for (int number = firstBlock; number <= lastBlock; number++) colorBlock(document()->findBlockByNumber(number));
     state.filling = false;
@@ -165,6 +170,7 @@ bool keyPressed(const QKeyEvent &key) {
 // The text that an input method is done with is put in by Qt, in the format that the cursor has by then.
 void committing(const QInputMethodEvent &event) {
     if (event.commitString().isEmpty()) return;
+    // What is selected goes first, since its format would be the cursor's.
     QTextCursor cursor = programEdit->textCursor();
     cursor.removeSelectedText();
     programEdit->setTextCursor(cursor);

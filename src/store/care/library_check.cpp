@@ -16,6 +16,10 @@ namespace {
 
 constexpr std::size_t scanBlock = std::size_t{64} * 1024, unreadableSkip = 512;  // bytes
 
+// Trust goes down step by step: the table of records while it agrees with what lies there, then signatures, then sizes
+// that what follows bears out. A payload has nothing by which it could be checked, so a record counts as whole when its
+// head is sound and its bytes can be read.
+
 // What an examination has found: the head as it lies, and the records that can be kept.
 struct Examined {
     MainHeader main{};
@@ -62,6 +66,7 @@ std::uint64_t SignatureSearch::next(std::uint64_t from) {
         const auto first = block.begin() + static_cast<std::ptrdiff_t>(from - start);
         const auto hit = std::search(first, block.end(), std::begin(itemSignature), std::end(itemSignature));
         if (hit != block.end()) return start + static_cast<std::uint64_t>(hit - block.begin());
+        // The end of one block and the beginning of the next may hold a signature together.
         from = start + block.size() - (sizeof itemSignature - 1);
     }
     return limit;
@@ -145,6 +150,7 @@ std::uint64_t searchStretch(Examined &examined, Searched &searched, std::uint64_
             at++;
             continue;
         }
+        // A copy to the byte is what a moved record left behind; another record with this id is an item of its own.
         const auto [same, ownId] = searched.ids.emplace(head.id, at);
         if (ownId || !isSameRecord(same->second, at, recordSize(head))) {
             examined.offsets.push_back(at);
@@ -286,6 +292,8 @@ void listRecords(const Examined &examined, LibraryCheck &check) {
 }
 
 void examine(Examined &examined, LibraryCheck &check) REQUIRES_LOCK(storeLock) {
+    // More faults than lost records and circles explain are taken for the head's: then its end counts for nothing, and
+    // all of the file is searched.
     bool headLies = !check.headUsable;
     std::uint32_t unreadable = 0;
     if (check.headUsable) {
@@ -352,6 +360,8 @@ bool composeFile(const Examined &examined, Bytes &file) REQUIRES_LOCK(storeLock)
     if (examined.main.formatNumber == 0) main.formatNumber = storeNewestFormat;
     constexpr ItemId keptLimit = idLimit - storeSlotCount - 1;  // room for all to get others
     main.nextId = examined.main.nextId < keptLimit ? examined.main.nextId : 0;
+    // A flipped bit may have made an id so high that none is left behind it: such records get the next free ones, which
+    // must not depend on them.
     std::vector<Slot> known = kept;
     std::erase_if(known, [](const Slot &slot) { return slot.head.id >= keptLimit; });
     main.nextId = safeNextId(main, known);
@@ -394,6 +404,7 @@ bool putInOrder(const Examined &examined, const Care &care) REQUIRES_LOCK(storeL
 
 void checkOpened(LibraryCheck &check, const Care &care) REQUIRES_LOCK(storeLock) {
     const bool repair = care.repair || !care.copy.empty();
+    // First: an interrupted change reads like damage, and its journal knows better than any search.
     Recovery recovery = storeFileRecover(repair);
     check.interrupted = recovery == Recovery::broughtBack;
     if (recovery == Recovery::foreign) check.otherJournal = repair ? storeJournalSetAside() : storeJournalPath();

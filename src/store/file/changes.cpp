@@ -20,6 +20,9 @@ void appendRecord(Bytes &bytes, const NewRecord &record) {
     bytes.insert(bytes.end(), record.secondPayload.begin(), record.secondPayload.end());
 }
 
+// Each change works on a copy of the state, which takes its place once the disk has all of it: what is refused leaves
+// memory and file in step.
+
 // The state without the slots that leave; their records still lie in the file.
 StoreState withoutSlots(const std::vector<bool> &leaving) REQUIRES_LOCK(storeLock) {
     StoreState next = storeState;
@@ -99,6 +102,7 @@ void nextBehindGap(GapMove &move) REQUIRES_LOCK(storeLock) {
         const std::size_t slot = move.order[move.first + move.count];
         const std::uint64_t offset = storeState.main.offsets[slot], size = recordSize(storeState.slots[slot].head);
         if (move.count > 0 && move.size + size > gapLimits.step) return;
+        // In its place already, or too large for one change: the gap ahead of that one stays.
         if (move.count == 0 && (offset == move.place || size > gapLimits.step)) {
             move.place = offset + size;
             move.first++;
@@ -147,6 +151,7 @@ Fault moveOne(GapMove &move) REQUIRES_LOCK(storeLock) {
     const bool last = move.first + move.count == move.order.size();
     if (last) next.main.endOffset = static_cast<std::uint32_t>(end);
     changeWrite(move.place, std::move(bytes));
+    // The gap gets the head of a deleted record, so that a library at rest between two moves is in order.
     if (!last) {
         const std::uint64_t following = storeState.main.offsets[move.order[move.first + move.count]];
         const ItemHeader gap = gapHead(following - end);
@@ -198,6 +203,7 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     next.main.nextId = nextId;
     const std::int64_t fileSize = storeFileSize();
     if (fileSize < 0) return Fault::notWritten;
+    // What leaves at the end gives its room to what comes; the journal keeps the old bytes until the change is done.
     if (!storeState.damaged) next.main.endOffset = static_cast<std::uint32_t>(endOfRecords(next));
     // In a damaged file, whose head may lie, behind everything.
     const auto place = storeState.damaged ? static_cast<std::uint64_t>(fileSize) : next.main.endOffset;

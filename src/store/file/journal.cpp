@@ -159,6 +159,7 @@ Progress progressOf(const JournalRegion &region, ByteView there) {
     return complete ? Progress::complete : Progress::mixed;
 }
 
+// Sectors that the change writes may be old or new by now; each of the others must be what it was.
 bool journalFits(const Journal &journal, ByteView mainHead) {
     for (std::size_t sector = 0; sector < headSectors; sector++) {
         const std::uint64_t from = sector * sectorSize, to = std::min(from + sectorSize, sizeof(MainHeader));

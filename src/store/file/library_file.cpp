@@ -111,6 +111,7 @@ bool cutTo(std::uint64_t size) REQUIRES_LOCK(storeLock) {
     return static_cast<std::uint64_t>(grown) <= size || filePort.cut(store.file, size);
 }
 
+// By rising offset, and the cut last: what is interrupted here is gone over again from the journal, to the same end.
 template <typename Regions>
 bool bringBack(const Regions &regions, std::uint64_t size) REQUIRES_LOCK(storeLock) {
     for (const auto &region : regions)
@@ -329,6 +330,8 @@ void changeWrite(std::uint64_t offset, Bytes bytes) { store.writes.push_back({of
 
 ChangeResult changeCommit() {
     if (store.file == noFile || store.broken) return ChangeResult::broken;
+    // A name that leads elsewhere now, as after a restored copy, would leave this change in a file that nobody opens
+    // again.
     const std::optional<bool> named = filesAreNamed();
     store.replaced = store.replaced || named == false;
     if (store.replaced) return ChangeResult::replaced;
@@ -346,6 +349,7 @@ ChangeResult changeCommit() {
     const Bytes journal = encodeJournal(regions, size, oldMain);
     refusal.room = journal.size();
     for (const Region &region : regions) refusal.room += region.now.size() - region.old.size();
+    // From here on in the order of the three steps. All that can fail for want of memory has been done.
     if (!openJournal() || !writeJournal(journal)) return ChangeResult::refused;
     for (const Region &region : regions)
         if (!noted(writeAll(store.file, region.offset, region.now))) return takeBack(regions, size, region.offset == 0);
