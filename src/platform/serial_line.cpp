@@ -32,13 +32,12 @@ constexpr unsigned bitsPerByte = 11;       // start, 8 data, 2 stop
 constexpr int outputAhead = 256;           // bytes that may wait in the system before more are written
 constexpr int outputPollMilliseconds = 5;  // how often a full output is looked at, and an interrupt seen
 
-Lock writeLock;  // one write at a time, and none on a descriptor that is being closed
-
-// The device and its timer are the link thread's.
+// The device and its timer are the thread's that opens it.
 struct Line {
     asio::io_context context{1};
     asio::serial_port device{context};
     asio::steady_timer timer{context};
+    Lock writeLock;  // one write at a time, and none on a descriptor that is being closed
     int descriptor GUARDED_BY(writeLock) = -1;
     std::atomic<bool> woken = false;
     std::atomic<bool> interrupted = false;
@@ -47,7 +46,8 @@ struct Line {
         0;  // microseconds: when all that was written has left the line, as far as known
 };
 
-Line &line() {
+template <int number>
+Line &lineOfNumber() {
     static Line instance;
     return instance;
 }
@@ -116,9 +116,8 @@ bool applySettings(asio::serial_port &device, unsigned baud) {
     return taken;
 }
 
-void closeLine() {
-    const HoldLock hold(writeLock);
-    Line &own = line();
+void closeLine(Line &own) {
+    const HoldLock hold(own.writeLock);
     const int descriptor = std::exchange(own.descriptor, -1);
     if (descriptor < 0) return;
     tcflush(descriptor, TCOFLUSH);  // else closing waits until a stuck line has taken it all
@@ -133,9 +132,8 @@ LineFault takeExclusively(int descriptor) {
     return ioctl(descriptor, TIOCEXCL) == 0 ? LineFault::none : faultOf(errno);
 }
 
-LineOpening openLine(const std::string &name, unsigned baud) {
-    closeLine();
-    Line &own = line();
+LineOpening openLine(Line &own, const std::string &name, unsigned baud) {
+    closeLine(own);
     LineOpening opening{.path = serialDevicePath(name), .group = {}};
     // Asio would alter the settings of a device that somebody else is using before we could lock it.
     const int probe = ::open(opening.path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
@@ -165,7 +163,7 @@ LineOpening openLine(const std::string &name, unsigned baud) {
     own.interrupted = false;
     own.baud = baud;
     own.freeAt = 0;
-    const HoldLock hold(writeLock);
+    const HoldLock hold(own.writeLock);
     own.descriptor = probe;
     return opening;
 }
@@ -175,8 +173,7 @@ std::chrono::steady_clock::time_point timePoint(std::uint64_t microseconds) {
 }
 
 // One wait for bytes up to the deadline (0: none). Count 0 and complete: woken by nobody, look again.
-LineRead readSome(std::span<std::uint8_t> target, std::uint64_t deadline) {
-    Line &own = line();
+LineRead readSome(Line &own, std::span<std::uint8_t> target, std::uint64_t deadline) {
     LineRead result;
     bool readDone = false;
     bool timerDone = deadline == 0;
@@ -206,8 +203,7 @@ LineRead readSome(std::span<std::uint8_t> target, std::uint64_t deadline) {
     return result;
 }
 
-LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
-    Line &own = line();
+LineRead readLine(Line &own, std::span<std::uint8_t> target, ReadLimits limits) {
     LineRead read;
     const std::uint64_t start = std::max(now(), own.freeAt.load());
     std::uint64_t lastByte = start;
@@ -217,7 +213,7 @@ LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
         std::uint64_t deadline = limits.total == 0 ? 0 : start + limits.total * 1000;
         const std::uint64_t quietEnd = lastByte + limits.quiet * 1000;
         if (limits.quiet != 0 && (deadline == 0 || quietEnd < deadline)) deadline = quietEnd;
-        const LineRead some = readSome(target.subspan(read.count), deadline);
+        const LineRead some = readSome(own, target.subspan(read.count), deadline);
         read.count += some.count;
         if (some.count > 0) {
             // Who answers has heard us: a line that is faster than its speed has no output left to wait for.
@@ -230,8 +226,7 @@ LineRead readLine(std::span<std::uint8_t> target, ReadLimits limits) {
 }
 
 // Waits until little enough is waiting in the system, so that a stop and the progress shown are honest.
-bool waitForRoom(int descriptor) {
-    const Line &own = line();
+bool waitForRoom(const Line &own, int descriptor) {
     for (;;) {
         if (own.interrupted) return false;
         int waiting = 0;
@@ -244,15 +239,14 @@ bool waitForRoom(int descriptor) {
     }
 }
 
-bool writeLine(ByteView bytes) {
-    const HoldLock hold(writeLock);
-    Line &own = line();
+bool writeLine(Line &own, ByteView bytes) {
+    const HoldLock hold(own.writeLock);
     const int descriptor = own.descriptor;
     if (descriptor < 0) return false;
     const std::uint64_t lineTime = bytes.size() * bitsPerByte * 1000000 / own.baud;
     own.freeAt = std::max(now(), own.freeAt.load()) + lineTime;
     while (!bytes.empty()) {
-        if (!waitForRoom(descriptor)) return false;
+        if (!waitForRoom(own, descriptor)) return false;
         const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
         if (count < 0 && errno != EAGAIN && errno != EINTR) return false;
         if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
@@ -261,27 +255,33 @@ bool writeLine(ByteView bytes) {
 }
 
 // The read sees the mark itself; the posted work gets it out of its wait.
-void endWait(std::atomic<bool> &mark) {
+void endWait(Line &own, std::atomic<bool> &mark) {
     mark = true;
-    asio::post(line().context, [] {
+    asio::post(own.context, [&own] {
         asio::error_code ignored;
-        line().device.cancel(ignored);
+        own.device.cancel(ignored);
     });
+}
+
+template <int number>
+constexpr SerialLine tableOfLine() {
+    constexpr auto line = lineOfNumber<number>;
+    return {
+        .open = [](const std::string &name, unsigned baud) { return openLine(line(), name, baud); },
+        .read = [](std::span<std::uint8_t> target, ReadLimits limits) { return readLine(line(), target, limits); },
+        .close = [] { closeLine(line()); },
+        .write = [](ByteView bytes) { return writeLine(line(), bytes); },
+        .wake = [] { endWait(line(), line().woken); },
+        .interrupt = [] { endWait(line(), line().interrupted); },
+        .microseconds = now,
+        .sleepUntil = sleepTo,
+    };
 }
 
 }  // namespace
 
-const SerialLine systemSerialLine = {
-    .open = openLine,
-    .read = readLine,
-    .close = closeLine,
-    .write = writeLine,
-    .wake = [] { endWait(line().woken); },
-    .interrupt = [] { endWait(line().interrupted); },
-    .microseconds = now,
-    .sleepUntil = sleepTo,
-};
-
+const SerialLine systemSerialLine = tableOfLine<0>();
 SerialLine serialLine = systemSerialLine;
+SerialLine farEndLine = tableOfLine<1>();
 
 }  // namespace numalink

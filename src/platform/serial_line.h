@@ -1,6 +1,6 @@
-// The serial line to a calculator: opened exclusively, read with time-outs, written, woken. One line at a time.
-// A table of functions, with the clock that its time-outs and pauses go by, so that a test or a fuzzer puts in a
-// scripted line whose clock jumps.
+// Serial lines: opened exclusively, read with time-outs, written, woken. Two of them, each of one device at a time:
+// that of the link to a calculator, and that of an emulated calculator to its far end. A table of functions, with the
+// clock that its time-outs and pauses go by, so that a test or a fuzzer puts in a scripted line whose clock jumps.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,7 @@ struct LineRead {
 };
 
 struct SerialLine {
-    // The link's thread alone opens, reads and closes.
+    // One thread alone opens, reads and closes: the link's, or the run's.
     LineOpening (*open)(const std::string &name, unsigned baud);  // 8 data bits, no parity, 2 stop bits
     LineRead (*read)(std::span<std::uint8_t> target, ReadLimits limits);
     void (*close)();  // drops what hasn't left yet
@@ -58,6 +58,7 @@ struct SerialLine {
 
 extern const SerialLine systemSerialLine;
 extern SerialLine serialLine;  // systemSerialLine unless a test has put in its own before any thread started
+extern SerialLine farEndLine;  // of a run
 
 // The serial devices that are there: first those with a lasting name (serial/by-id), then the other USB ones, then
 // the built-in ports that have hardware behind them. Paths, in the order of their numbers.

@@ -22,6 +22,7 @@ inline constexpr char fullscreen[] = "Numalink.Settings.Emulator.Fullscreen";
 inline constexpr char fillListsMatrices[] = "Numalink.Settings.Emulator.FillListsMatrices";
 inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
 inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
+inline constexpr char farEndPort[] = "Numalink.Settings.Emulator.Port";  // what programs speak to by Send(; empty: none
 inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
 inline constexpr char autoCorrect[] = "Numalink.Settings.Editor.AutoCorrect";
 inline constexpr char colorAscii[] = "Numalink.Settings.Editor.Colors.Ascii";
@@ -56,12 +57,13 @@ bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
 bool settingsSetColour(std::string_view key, std::uint32_t color);
 
-// The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
+// The table's defaults, then settings.xml of the settings folder over them. A missing or damaged file leaves what
 // it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value
 // which was refused.
 bool settingsLoad();
 
-// Writes the whole table to settings.xml, beside and renamed over. False on failure: the caller tells.
+// Writes the whole table to settings.xml, beside and renamed over; makes its folder where it is missing. False on
+// failure: the caller tells.
 bool settingsSave();
 
 }  // namespace numalink

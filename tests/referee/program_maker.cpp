@@ -121,6 +121,7 @@ void Maker::expression() {
         const OperatorRow &row = anyRow();
         if (row.step == Step::postfix) put(row.token);
         if (row.binary != nullptr) put(row.token);
+        if (row.binary != nullptr && oneOf(12)) put(oneOf(3) ? token::negative : token::minus);
         if (oneOf(60)) anyToken();
         if (row.step != Step::postfix) value();
     }

@@ -117,6 +117,29 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
     EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
 }
 
+TEST_F(Emulator, ALineTellsOfModeCommandsAndItsButtonTurnsThemOn) {
+    run("\\Deg:\\Lbl 1:\\Prog \"CALLED\":\\Goto 1");
+    EXPECT_EQ(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible(), true);
+    handleCommand(CommandId::emulate);
+    run("\"\\Deg\":\\Lbl 1:\\Goto 1");
+    EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "a string is no command";
+    handleCommand(CommandId::emulate);
+    Bytes tokens;
+    ASSERT_EQ(tokensFromWords("\\Break", tokens), -1);
+    addProgram("CALLED", std::string(tokens.begin(), tokens.end()));
+    run("\\Lbl 1:\\Prog \"CALLED\":\\Goto 1");
+    const auto *line = window->findChild<QWidget *>(QStringLiteral("modeLine"));
+    ASSERT_TRUE(line->isVisible());
+    EXPECT_NE(line->findChild<QLabel *>()->text().indexOf(QStringLiteral("Break")), -1);
+    QTest::keyClick(window, Qt::Key_5);
+    EXPECT_TRUE(emulatorRunning);
+    line->findChild<QPushButton *>()->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !line->isVisible(); }, 3000));
+    EXPECT_TRUE(emulatorRunning && machine.calculatorModes);
+    EXPECT_EQ(settingsInt(setting::calculatorModes), 1);
+    EXPECT_EQ(mainWindow->focusWidget(), window);
+}
+
 TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
     const ItemId other = add(kind::matrix, "M");
     run("\\Lbl 1:\\Goto 1");

@@ -1,5 +1,7 @@
 #include "virtual_calculator/calculator.h"
 
+#include <algorithm>
+
 namespace calculator {
 
 namespace {
@@ -16,6 +18,12 @@ void giveUp(Calculator &own) {
     own.failures++;
     own.state = State::over;
     own.heard.clear();
+}
+
+bool isSameField(const Bytes &a, const Bytes &b, std::size_t at, std::size_t count) {
+    return a.size() >= at + count && b.size() >= at + count &&
+           std::equal(a.begin() + static_cast<std::ptrdiff_t>(at), a.begin() + static_cast<std::ptrdiff_t>(at + count),
+                      b.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 // The sending side.
@@ -72,6 +80,21 @@ void hearDataAnswer(Calculator &own, std::uint8_t byte) {
 
 // The receiving side.
 
+// A request names an item by the sort and the name in its head; the item is then sent as any other.
+void hearRequest(Calculator &own) {
+    const auto isAsked = [&](const Item &item) {
+        return isSameField(item.head, own.item.head, 5, 2) && isSameField(item.head, own.item.head, 11, 8);
+    };
+    const auto asked = std::find_if(own.library.begin(), own.library.end(), isAsked);
+    if (!isGood(own.item.head) || asked == own.library.end()) {
+        say(own, std::uint8_t{0x24});
+        return giveUp(own);
+    }
+    say(own, std::uint8_t{0x06});
+    own.toSend.push_back(*asked);
+    startSending(own);
+}
+
 void hearHead(Calculator &own) {
     if (own.heard.size() < 5 || own.heard.size() < headLength(own.heard)) return;
     own.item = {own.heard, {}};
@@ -83,6 +106,7 @@ void hearHead(Calculator &own) {
         own.state = State::over;
         return;
     }
+    if (startsWith(own.item.head, ":REQ")) return hearRequest(own);
     if (own.manners.silentAfterHead) return giveUp(own);
     const bool refused = own.manners.headAnswer == 0x24;
     if (!isGood(own.item.head) || refused) {
@@ -145,7 +169,7 @@ void hearModel(Calculator &own, std::uint8_t byte) {
 }
 
 void hearAtRest(Calculator &own, std::uint8_t byte) {
-    if (byte != 0x16) return;
+    if (byte != 0x16 && (own.algebra || byte != 0x15)) return;
     say(own, 0x13);
     own.modelHeard = false;
     own.heard.clear();

@@ -36,6 +36,7 @@ struct Calculator {
     bool algebra = false;
     Manners manners;
     std::deque<Item> toSend;
+    std::vector<Item> library;  // what it gives at a request
     std::vector<Item> received;
 
     State state = State::rest;

@@ -69,14 +69,15 @@ std::size_t dataLength(const Bytes &head) {
     if (startsWith(head, ":DD")) return std::size_t{head[3]} * head[4] / 8 + 2;
     if (startsWith(head, ":DC")) return (std::size_t{head[3]} * head[4] / 8 + 3) * 3;
     if (startsWith(head, ":IMG")) return number(head, 32) * number(head, 34) * frameLength(head);
-    if (startsWith(head, ":VAL")) return number(head, 7) * number(head, 9) * 16;
+    if (startsWith(head, ":VAL")) return number(head, 7) * number(head, 9) * frameLength(head);
     return number(head, 9);
 }
 
 std::size_t frameLength(const Bytes &head) {
     if (startsWith(head, ":DC")) return std::size_t{head[3]} * head[4] / 8 + 3;
     if (startsWith(head, ":IMG")) return number(head, 7) * number(head, 9) / 8 + 6;
-    return startsWith(head, ":VAL") ? 16 : 0;
+    if (!startsWith(head, ":VAL")) return 0;
+    return head.size() > 27 && head[27] == 'C' ? 26 : 16;  // a complex value has two parts
 }
 
 bool isGood(const Item &item) {

@@ -22,6 +22,7 @@ using calculator::Bytes;
 struct Options {
     std::string type = "cfx";
     std::vector<std::string> sent;
+    std::vector<std::string> given;
     std::string folder;
     std::string linkPath;
     std::string exists = "overwrite";
@@ -85,6 +86,10 @@ calculator::Calculator calculatorOf(const Options &options) {
     own.manners.headAnswer = options.answer == "exists" ? 0x21 : options.answer == "refuse" ? 0x24 : 0x06;
     for (const std::string &path : options.sent)
         for (const calculator::Item &item : calculator::itemsOf(readFile(path))) own.toSend.push_back(item);
+    for (const std::string &path : options.given) {
+        const std::vector<calculator::Item> items = calculator::itemsOf(readFile(path));
+        own.library.insert(own.library.end(), items.begin(), items.end());
+    }
     return own;
 }
 
@@ -176,6 +181,7 @@ int main(int argc, char **argv) {
     app.set_version_flag("--version", "numalink-calculator " NUMALINK_VERSION);
     app.add_option("--type", options.type, "cfx or algebra")->check(CLI::IsMember({"cfx", "algebra"}));
     app.add_option("--send", options.sent, "Item files (cas) to send, once, when the program has opened the port");
+    app.add_option("--give", options.given, "Item files (cas) whose items are given to programs that ask by Receive(");
     app.add_option("--receive", options.folder, "Folder for what comes");
     app.add_option("--link", options.linkPath, "A lasting name for the port");
     app.add_option("--exists", options.exists, "Answer to an existing item when sending: overwrite, skip or stop");

@@ -1,4 +1,4 @@
-// The five reports as one table of wordings.
+// The reports as one table of wordings.
 #include "emulator/machine/errors.h"
 
 #include "emulator/machine/machine.h"
@@ -28,5 +28,6 @@ void dimError() { report("Dim ERROR"); }
 void argError() { report("Arg  ERROR"); }
 void goError() { report("Go  ERROR"); }
 void maError() { report("Ma  ERROR"); }
+void comError() { report("Com ERROR"); }
 
 }  // namespace numalink

@@ -1,4 +1,4 @@
-// The five reports. Each is shown, sets errorFlag and is kept in the trace. Nothing unwinds: the caller goes on. Run
+// The reports. Each is shown, sets errorFlag and is kept in the trace. Nothing unwinds: the caller goes on. Run
 // thread.
 #pragma once
 
@@ -8,6 +8,7 @@ void synError();  // a shape that doesn't fit
 void dimError();  // an array that doesn't exist, or of another size
 void argError();  // an element outside its array, a wrong operand of Goto or Seq(
 void goError();   // a label or a program that isn't there
+void comError();  // nothing answers on the line, or not as it should
 void maError();   // a result that is none, or a complex element where a real one is needed
 
 // Not null while an expression is only being translated: a report then counts there, and does nothing else.

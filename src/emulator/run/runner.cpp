@@ -13,6 +13,7 @@
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/block_search.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/far_end.h"
 #include "emulator/machine/graph_memory.h"
 #include "emulator/machine/pace.h"
 #include "emulator/machine/programs.h"
@@ -247,6 +248,7 @@ void runFirstProgram() {
         forgetHalt();
         state.position = 0;
     }
+    farEndClose();
 }
 
 // The callee has ended at once at full speed; else as the caller's looks would find it.
@@ -311,6 +313,7 @@ void runStop() {
     emulatorRunning = false;
     graphicalCallsRefuse(ThreadRole::run);
     runWake();
+    farEndInterrupt();
     joinRun();
 }
 

@@ -9,6 +9,8 @@ namespace numalink {
 
 std::span<const StatementRow> flowStatements();
 std::span<const StatementRow> modeStatements();
+std::span<const StatementRow> memoryStatements();
+std::span<const StatementRow> lineStatements();
 std::span<const StatementRow> graphStatements();
 std::span<const StatementRow> arrayStatements();
 std::span<const StatementRow> statisticsStatements();

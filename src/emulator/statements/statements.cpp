@@ -103,8 +103,8 @@ std::span<const StatementRow> basicStatements() { return rows; }
 
 // The tables in their order of testing, which counts behind prefixes: all later ones take a prefix of the first.
 constexpr std::span<const StatementRow> (*groups[])() = {
-    basicStatements,      flowStatements,      modeStatements,  graphStatements,
-    statisticsStatements, recursionStatements, arrayStatements, statisticsGraphStatements,
+    basicStatements, flowStatements,       modeStatements,      memoryStatements, lineStatements,
+    graphStatements, statisticsStatements, recursionStatements, arrayStatements,  statisticsGraphStatements,
     tableStatements};
 
 // The rows one after the other, and of each token the number of its row: a block for single bytes, one behind 0x7F, one

@@ -53,6 +53,7 @@ struct SettingsControls {
     QLabel *date = nullptr;
     QComboBox *port = nullptr;
     QComboBox *type = nullptr;
+    QComboBox *farEnd = nullptr;
     std::vector<std::pair<const char *, QCheckBox *>> switches;
 };
 
@@ -123,10 +124,14 @@ QWidget *languagePage(SettingsControls &controls) {
     return page;
 }
 
-QWidget *linkPage(SettingsControls &controls) {
+QStringList portsOffered() {
     QStringList ports;
     for (const std::string &port : listSerialPorts()) ports << toQt(port);
-    controls.port = freeChoice(ports, setting::comPort);
+    return ports;
+}
+
+QWidget *linkPage(SettingsControls &controls) {
+    controls.port = freeChoice(portsOffered(), setting::comPort);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
@@ -143,6 +148,10 @@ QWidget *emulatorPage(SettingsControls &controls) {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     addSwitches(layout, emulatorSwitches, controls);
+    controls.farEnd = freeChoice(portsOffered(), setting::farEndPort);
+    auto *form = new QFormLayout;
+    addFreeChoice(form, Text::settingsFarEnd, controls.farEnd);
+    layout->addLayout(form);
     layout->addStretch();
     return page;
 }
@@ -172,6 +181,7 @@ void storeControls(const SettingsControls &controls) {
     if (!language.isEmpty()) put(setting::language, language);
     put(setting::comPort, controls.port->currentText());
     put(setting::linkType, controls.type->currentText());
+    put(setting::farEndPort, controls.farEnd->currentText());
     for (const auto &[key, box] : controls.switches) settingsSetInt(key, box->isChecked() ? 1 : 0);
     storeSwatches();
     if (!settingsSave()) tellUser(Text::settingsNotSaved);

@@ -16,6 +16,7 @@
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
 #include "emulator/run/machine_start.h"
+#include "emulator/run/mode_commands.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/run/runner.h"
 #include "emulator/screens/display.h"
@@ -31,6 +32,7 @@
 #include "shell/run/emulator_keys.h"
 #include "shell/run/full_screen.h"
 #include "shell/run/keypad_skin.h"
+#include "shell/run/mode_line.h"
 #include "shell/tree/selection.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
@@ -57,15 +59,17 @@ std::atomic<bool> marked{false};  // a look at the display is due; any thread
 
 int dotPixels() {
     if (surfaceZoom() != zoomToFit) return surfaceZoom();
-    return std::clamp(std::min(emulatorWindow->width() / keypadWidth, emulatorWindow->height() / keypadHeight), 1, 64);
+    const int height = emulatorWindow->height() - modeLineHeight();
+    return std::clamp(std::min(emulatorWindow->width() / keypadWidth, height / keypadHeight), 1, 64);
 }
 
 // Where the surface's top left dot stands in the window.
 QPoint origin() {
     const QSize surface = QSize(keypadWidth, keypadHeight) * dotPixels();
-    const QSize room = emulatorWindow->size();
-    if (surface.width() > room.width() || surface.height() > room.height()) return {1, 1};
-    return {(room.width() - surface.width()) / 2 + 1, (room.height() - surface.height()) / 2 + 1};
+    const int top = modeLineHeight();
+    const QSize room = emulatorWindow->size() - QSize(0, top);
+    if (surface.width() > room.width() || surface.height() > room.height()) return {1, top + 1};
+    return {(room.width() - surface.width()) / 2 + 1, top + (room.height() - surface.height()) / 2 + 1};
 }
 
 // The dot of the surface under a place of the window.
@@ -128,6 +132,9 @@ bool emulatorEvent(QWidget *, QEvent *event) {
         case QEvent::Paint:
             paintEmulator();
             return true;
+        case QEvent::Resize:
+            placeModeLine();
+            return false;
         case QEvent::MouseMove:
             mouseMoved(*static_cast<QMouseEvent *>(event));
             return true;
@@ -172,12 +179,25 @@ void takeDisplay() {
     updateDebugWindow();
 }
 
+void startAnewWithModes();
+
 bool startRun(ItemId item) {
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
+    showModeLine(machine.calculatorModes ? std::vector<std::string>() : modeCommandsOfRun(), startAnewWithModes);
     state.displaySeen = 0;
     state.display = displayNow();
+    emulatorWindow->update();
     return runStart();
+}
+
+void startAnewWithModes() {
+    if (!emulatorRunning) return;
+    settingsSetInt(setting::calculatorModes, 1);
+    if (!settingsSave()) tellUser(Text::settingsNotSaved);
+    runStop();
+    keyCode = 0;
+    if (!startRun(selectedItemId())) emulatorStop();
 }
 
 void showRunFault() {
@@ -302,6 +322,7 @@ void forgetEmulatorWindow() {
     state = {};
     marked = false;
     forgetEmulatorKeys();
+    forgetModeLine();
     forgetFullScreen();
     forgetDebugWindow();
 }
