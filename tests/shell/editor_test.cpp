@@ -50,8 +50,10 @@ TEST_F(Editor, OpeningAloneStoresNothingAndAnEditOnlyWhatItTouches) {
     typeKeys(QStringLiteral("1"));
     key(Qt::Key_Home);
     typeKeys(QStringLiteral("-"));
+    ASSERT_TRUE(storeRename(id, "NAMED"));
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_EQ(stored(id), "\x99\"Score*\"A or DO\xFA\x31\rX");
+    EXPECT_EQ(storeReadEntry(id)->name, "NAMED") << "as it is called by now";
 }
 
 TEST_F(Editor, KeysBecomeTokensAndUndoGoesKeyByKey) {
@@ -141,6 +143,12 @@ TEST_F(Editor, InputMethodsSymbolsAndPasteAreConvertedToo) {
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_FALSE(symbols->isVisible());
+    showSelectedAgain();
+    EXPECT_TRUE(symbols->isVisible());
+    symbols->close();
+    EXPECT_TRUE(leaveCurrentView());
+    showSelectedAgain();
+    EXPECT_FALSE(symbols->isVisible()) << "the user has closed it";
     EXPECT_EQ(stored(id), "*\xA9\xB9\x31\x0E\x41\r\xF7\x08\x41\x12\xD0\r\xA6(A)\x10\"b\x99\x63\"");
 }
 
@@ -205,16 +213,28 @@ TEST_F(Editor, SignalsKeepADraftWithoutAsking) {
     running = false;
     EXPECT_TRUE(shown.empty());
     EXPECT_FALSE(folder.read("draft-1.txt").empty());
+    answer(wording(Text::draftOpen));
+    ASSERT_TRUE(startProgram());
+    ASSERT_TRUE(QTest::qWaitFor([] { return viewToText() == QStringLiteral("\u20ACA"); }));
+    answer(wording(Text::ok));
+    handleCommand(CommandId::remove);
+    open("B");
+    typeKeys(QStringLiteral("C"));
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_FALSE(folder.read("draft-1.txt").empty()) << "it is no draft of this program";
 }
 
 TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {
-    const ItemId id = open("A");
+    ASSERT_TRUE(startProgram());
+    const ItemId outer = add(kind::folder, "F");
+    show(addProgram("PROG", "A", outer));
+    programEdit->setFocus();
     typeKeys(QStringLiteral("B"));
-    ASSERT_TRUE(storeDelete(id));
+    ASSERT_TRUE(storeDelete(outer));
     answer(wording(Text::ok));
     refreshTree();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !shown.empty(); }));
-    const ItemId back = storeFindItem("PROG", rootId);
+    const ItemId back = storeFindItem("PROG", storeStandardFolder(1001));
     ASSERT_NE(back, noItem);
     EXPECT_EQ(stored(back), "BA");
 }

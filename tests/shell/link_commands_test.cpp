@@ -67,6 +67,15 @@ TEST_F(LinkCommands, QueueOnlyWaitsAndTransmitTakesAllThatWaits) {
     EXPECT_TRUE(transmitQueueIs(true));
     commandAction(CommandId::transmitQueue)->trigger();
     EXPECT_EQ(heard(), std::vector<std::uint8_t>{0x16});
+
+    for (const ItemId id : {first, second, addProgram("LAST", "C")}) press(id, Qt::Key_F8);
+    handleCommand(CommandId::showQueue);
+    auto *list = mainWindow->findChild<QWidget *>(QStringLiteral("queueWindow"))->findChild<QListWidget *>();
+    list->setCurrentRow(1);
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_TRUE(QTest::qWaitFor([list] { return list->count() == 2; }));
+    EXPECT_EQ(list->currentItem()->text(), QStringLiteral("LAST")) << "what comes into its place is chosen";
+    transmitQueueClear();
 }
 
 }  // namespace numalink

@@ -123,10 +123,9 @@ QPoint ShellTest::centreOf(ItemId id) {
     return {row.left() + 12, row.center().y()};
 }
 
-void ShellTest::drag(ItemId item, ItemId target) {
+void ShellTest::drag(ItemId item, const QPoint &to) {
     QWidget *viewport = treeView->viewport();
     const QPoint from = centreOf(item);
-    const QPoint to = centreOf(target);
     QTest::mousePress(viewport, Qt::LeftButton, {}, from);
     for (int step = 1; step <= 4; step++) {
         QMouseEvent move(QEvent::MouseMove, QPointF(from + (to - from) * step / 4 + QPoint(0, step == 4 ? 0 : 1)),

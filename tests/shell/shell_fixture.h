@@ -42,7 +42,7 @@ struct ShellTest : testing::Test {
     void show(ItemId id);                // selects it in a tree that is refreshed
     void typeKeys(const QString &text);  // into whatever has the focus
     QPoint centreOf(ItemId id);          // in the tree's viewport
-    void drag(ItemId item, ItemId target);
+    void drag(ItemId item, const QPoint &to);
 
     static bool commandEnabled(CommandId id) { return commandAction(id)->isEnabled(); }
     static ItemId add(ItemKind itemKind, const std::string &name, ItemId parent = rootId);

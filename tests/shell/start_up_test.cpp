@@ -45,14 +45,11 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
     EXPECT_FALSE(progressBar->isVisible());
     answer(wording(Text::ok));
-    QTimer pageLook;
     QString page;
-    QObject::connect(&pageLook, &QTimer::timeout, [&] {
-        const QWidget *dialog = QApplication::activeModalWidget();
-        const auto *pages = dialog == nullptr ? nullptr : dialog->findChild<QTabWidget *>();
-        if (pages != nullptr) page = pages->tabText(pages->currentIndex());
-    });
-    pageLook.start(0);
+    whileOpen = [&] {
+        const auto *pages = QApplication::activeModalWidget()->findChild<QTabWidget *>();
+        page = pages->tabText(pages->currentIndex());
+    };
     emit linkField->linkActivated(QStringLiteral("settings"));
     EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
     EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})

@@ -50,6 +50,9 @@ TEST_F(Views, HeadsThatLieAreDrawnAsFarAsTheyReachAndTold) {
     const ItemId id = storeAddItem(item);
     show(id);
     EXPECT_EQ(picture().size(), QSize(24, 16));
+    setSurfaceZoom(zoomToFit);
+    EXPECT_GT(picture().width(), 24 * 2);
+    setSurfaceZoom(1);
     EXPECT_EQ(picture().pixelColor(23, 15), QColor::fromRgb(lcdColor::blue));
     EXPECT_TRUE(itemField->text().contains(textOf(Text::viewEndsEarly))) << itemField->text().toStdString();
     const ItemId other = add(kind::graphFunction, "Y1");
