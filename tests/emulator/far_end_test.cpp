@@ -102,8 +102,9 @@ TEST_F(FarEnd, TakesWhatIsOfferedUnasked) {
 }
 
 TEST_F(FarEnd, TheFastLineIsOpenedAndClosedByTheProgram) {
-    const RunReport report = run("\\@F715A:\\@F713:7\\->A:\\@F715A:\\@F714:\\@F715A");
-    EXPECT_EQ(reportsOf(report), "Com1 Com6 ");
+    other.library.push_back(calculator::valueItem("VM", "A", "", 1, 1, 3));
+    const RunReport report = run("\\@F715A:\\@F713:7\\->A:\\@F715A:\\@F714:\\@F715A:\\@F716A");
+    EXPECT_EQ(reportsOf(report), "Com1 Com6 Com7 ");
     EXPECT_EQ(other.received.size(), 1u);
     EXPECT_FALSE(farEndIsOpen());
 }
