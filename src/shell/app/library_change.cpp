@@ -17,9 +17,11 @@
 #include "shell/commands/link_commands.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
+#include "shell/workbench/debugging.h"
 #include "store/care/daily_copies.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -59,6 +61,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin) {
         answerFurtherCopies();
         return false;
     }
+    emulatorStop();
     stopLink();
     storeClose();
     forgetItems();
@@ -71,6 +74,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin) {
         }
     }
     answerFurtherCopies();
+    loadBreakpoints();
     refreshTreeNow();
     startLink();
     if (!opened) return false;

@@ -172,24 +172,26 @@ void toggleAt(int line, int statement) {
     breakpointToggle(viewItemId, line, statement);
 }
 
-// Breakpoints of items that have been deleted in an earlier run of the program would never be seen again.
+}  // namespace
+
+// Those of items that have been deleted in an earlier run of the program would never be seen again.
 void loadBreakpoints() {
+    breakpointsChanged = nullptr;  // what is there needn't be written
     breakpointsLoad(libraryFolder());
     for (const Breakpoint &point : breakpoints())
         if (point.item != noItem && !storeReadEntry(point.item)) breakpointRemove(point.id);
+    breakpointsChanged = breakpointsAreOthers;
+    tellChange();
 }
 
-}  // namespace
-
 void connectDebugging() {
-    loadBreakpoints();
     debugStateChanged = lookSoon;
-    breakpointsChanged = breakpointsAreOthers;
     runBegins = follow;
     runIsOver = followNoMore;
     programOpened = programIsOpened;
     programStored = programIsStored;
     lineNumberClicked = toggleBreakpointOfLine;
+    loadBreakpoints();
 }
 
 void forgetDebugging() {

@@ -9,6 +9,7 @@
 namespace numalink {
 
 void connectDebugging();  // once emulator and views are there and the library is open
+void loadBreakpoints();   // of the library that is open, in place of those of another
 void forgetDebugging();
 
 const DebugStop *shownStop();  // where the followed run stands; null while it goes on, or there is none
