@@ -354,8 +354,8 @@ void answerPause(const Request &request) {
 }
 
 struct RequestRow {
-    const char *command;
-    void (*serve)(const Request &request);
+    const char *command = nullptr;
+    void (*serve)(const Request &request) = nullptr;
     bool needsLoaded = true, needsStop = false;
 };
 constexpr RequestRow requestRows[] = {

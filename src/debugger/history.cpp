@@ -163,7 +163,7 @@ template <class Value, class Source>
 Value nextOf(InputLog<Value> &log, Source source) {
     if (!history.isOn) return source();
     if (log.hasNext()) return log.next();
-    const Value value = source();
+    Value value = source();
     if (runGoesOn()) log.add(value);  // a run that ends here takes nothing any more
     return value;
 }

@@ -162,9 +162,8 @@ std::uint64_t digestOfGraphs() {
         digest.addAll(sequence.isSelected);
     }
     digest.addAll(graphs.newType, graphs.plotsOnly, graphs.hidesAxes, graphs.sketchStyle, graphs.sketchColor,
-                  graphs.dual, graphs.listOfX, graphs.tableResult, graphs.recursionResult, graphs.dynamicVariable.first,
-                  graphs.dynamicVariable.second, graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus,
-                  graphs.sequenceType, graphs.showsSums);
+                  graphs.dual, graphs.listOfX, graphs.dynamicVariable.first, graphs.dynamicVariable.second,
+                  graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus, graphs.sequenceType, graphs.showsSums);
     return digest.value;
 }
 
@@ -178,7 +177,7 @@ void digestValues(Digest &digest) {
     for (int slot = 0; slot <= matrixAnsSlot; slot++)
         digest.addArray(machine.matrixSlots[static_cast<std::size_t>(slot)]);
     for (const auto &file : machine.listSlots) {
-        for (const MatrixSlot slot : file) digest.addArray(slot);
+        for (const MatrixDescriptor *slot : file) digest.addArray(slot);
     }
     digest.addArray(graphs.tableResult);
     digest.addArray(graphs.recursionResult);
@@ -192,7 +191,7 @@ void digestValues(Digest &digest) {
 
 }  // namespace
 
-ImagePage::ImagePage() { pageCount++; }
+ImagePage::ImagePage() : bytes{} { pageCount++; }
 ImagePage::~ImagePage() { pageCount--; }
 
 MachineImage takeImage() {

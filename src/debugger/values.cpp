@@ -119,7 +119,7 @@ double *elementOf(const DebugTarget &target) {
         target.sort == DebugTarget::Sort::matrixElement ? machine.matrixSlots[slot] : machine.listSlots[file][slot];
     const int row = target.row - 1, column = target.column - 1;
     if (array == nullptr || row < 0 || row >= array->rows || column < 0 || column >= array->cols) return nullptr;
-    return matrixElements(array) + row * array->cols + column;
+    return matrixElements(array) + std::ptrdiff_t{row} * array->cols + column;
 }
 
 // The signs that the calculator shows as people write them.
@@ -185,6 +185,7 @@ ValueText elementTextOf(double value) { return valueTextOf(complexReal(value)); 
 
 std::vector<NamedValue> debugVariables() {
     std::vector<NamedValue> values;
+    values.reserve(variableCount + 1);
     for (int i = 0; i < variableCount; i++)
         values.push_back({variableName(i), machine.variables[static_cast<std::size_t>(i)]});
     values.push_back({"Ans", machine.ans});

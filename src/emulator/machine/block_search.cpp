@@ -11,7 +11,7 @@ namespace {
 
 struct PairRow {
     Token opens, closes;
-    bool opensLead, closesLead;  // whose partner is asked for
+    bool opensLead = false, closesLead = false;  // whose partner is asked for
 };
 constexpr PairRow pairs[] = {
     {token::forWord, token::next, true, true},
@@ -101,14 +101,14 @@ ProgramLabels findLabels(std::span<const ProgramCell> cells) {
         if (!isToken(cells[i], token::label)) continue;
         if (const auto label = labelNamed(cells[i + 1], static_cast<int>(i))) labels.push_back(*label);
     }
-    std::ranges::sort(labels);
+    std::sort(labels.begin(), labels.end());
     return labels;
 }
 
 int findLabel(const ProgramLabels &labels, const ProgramCell &name) {
     const auto wanted = labelNamed(name, noPartner);
     if (!wanted) return noPartner;
-    const auto found = std::ranges::lower_bound(labels, *wanted);
+    const auto found = std::lower_bound(labels.begin(), labels.end(), *wanted);
     return found != labels.end() && found->kind == wanted->kind && found->name == wanted->name ? found->at : noPartner;
 }
 

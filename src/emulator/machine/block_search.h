@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <tuple>
 #include <vector>
 
 #include "emulator/machine/cells.h"
@@ -34,7 +35,9 @@ struct LabelPlace {
     CellKind kind = CellKind::token;
     std::uint64_t name = 0;
     int at = noPartner;  // the cell of the Lbl
-    friend auto operator<=>(const LabelPlace &, const LabelPlace &) = default;
+    friend bool operator<(const LabelPlace &left, const LabelPlace &right) {
+        return std::tie(left.kind, left.name, left.at) < std::tie(right.kind, right.name, right.at);
+    }
 };
 using ProgramLabels = std::vector<LabelPlace>;  // sorted
 
