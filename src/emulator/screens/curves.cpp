@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 
 #include "drawing/dot_fonts.h"
@@ -168,18 +169,18 @@ void drawAxes(const GraphFrame &frame) {
     if (machine.graphSwitches[axesSwitchOfLabels]) drawNames(frame, axisColumn, axisRow);
 }
 
-void CurvePen::put(double column, double row) { dots.put(floorOf(column + roundingRoom), floorOf(row + roundingRoom)); }
-
 void CurvePen::toDot(double column, double row) {
     if (!std::isfinite(column) || !std::isfinite(row)) return lift();
     double x0 = joins && isDown ? penColumn : column, y0 = joins && isDown ? penRow : row;
     double x1 = penColumn = column, y1 = penRow = row;
     isDown = true;
     if (!clip(frame, x0, y0, x1, y1)) return;
-    const int steps = static_cast<int>(std::ceil(std::max(std::fabs(x1 - x0), std::fabs(y1 - y0)) - roundingRoom));
+    const int fromX = floorOf(x0 + roundingRoom), fromY = floorOf(y0 + roundingRoom);
+    const int wayX = floorOf(x1 + roundingRoom) - fromX, wayY = floorOf(y1 + roundingRoom) - fromY;
+    const int steps = std::max(std::abs(wayX), std::abs(wayY));
     for (int i = 0; i <= steps; i++) {
-        const double way = steps == 0 ? 0 : static_cast<double>(i) / steps;
-        put(x0 + (x1 - x0) * way, y0 + (y1 - y0) * way);
+        const double share = steps == 0 ? 0 : static_cast<double>(i) / steps;
+        dots.put(fromX + floorOf(wayX * share + 0.5), fromY + floorOf(wayY * share + 0.5));
     }
 }
 
