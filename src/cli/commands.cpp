@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "cli/terminal_ui.h"
+#include "platform/program_folder.h"
 #include "platform/thread_role.h"
 
 namespace numalink {
@@ -36,6 +37,7 @@ constexpr CommandRow commandRows[] = {
 int runCommandLine(int argc, const char *const *argv) {
     threadRole = ThreadRole::graphical;
     terminalUiInstall();
+    setSettingsFolder(ownFolders().settings);
     CLI::App app(
         "Works on a Numalink library without a window.\nMessages go to standard error, one line each: "
         "box BODY-TEXT-NUMBER TITLE-TEXT-NUMBER: wording.\nExit status: 0 done, 1 done with messages, 2 not done.",

@@ -33,7 +33,7 @@ const std::map<std::string, ImportTaken> existingOptions = {
     {"keep", ImportTaken::keepBoth}, {"replace", ImportTaken::replace}, {"skip", ImportTaken::skip}};
 
 int runImport(const ImportOptions &options) {
-    const LibrarySession session(options.library);
+    const LibrarySession session(options.library, WhenAbsent::make);
     if (!session.open) return exitFailed;
     if (!session.tokens) return commandFailed("casio.ptt beside the program can't be read, so nothing is imported");
     terminalRasterAnswer(options.raster);

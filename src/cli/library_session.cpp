@@ -23,22 +23,26 @@ ItemId findInFolder(std::string_view folderPath, std::string_view name) {
     return folder == noItem ? noItem : storeFindItem(name, folder);
 }
 
-bool loadTablesFor(const std::string &folder) {
-    makeFolders(folder);  // storeOpen tells that there is none
+bool loadTablesFor(const std::string &folder, WhenAbsent whenAbsent) {
+    if (whenAbsent == WhenAbsent::make) makeFolders(folder);  // storeOpen tells that there is none
     setLibraryFolder(folder);
+    const OwnFolders own = ownFolders();
+    setSettingsFolder(isSameFile(own.library, folder) ? own.settings : folder);
     return loadTables();
 }
 
 }  // namespace
 
-LibrarySession::LibrarySession(const std::string &folder) : tokens(loadTablesFor(folder)), open(storeOpen()) {}
+LibrarySession::LibrarySession(const std::string &folder, WhenAbsent whenAbsent)
+    : tokens(loadTablesFor(folder, whenAbsent)),
+      open(storeOpen(whenAbsent == WhenAbsent::make ? WhenEmptied::refuse : WhenEmptied::neverBegin)) {}
 
 LibrarySession::~LibrarySession() { storeClose(); }
 
 bool loadTables() {
     if (!settingsLoad())
         std::fprintf(stderr, "numalink-cli: %ssettings.xml can't be read whole; defaults stand in\n",
-                     libraryFolder().c_str());
+                     settingsFolder().c_str());
     languageLoad(settingsValue(setting::language), fallbackLanguage);
     return tokenTableLoad();
 }

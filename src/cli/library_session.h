@@ -7,10 +7,13 @@
 
 namespace numalink {
 
-// Makes the folder when it is absent; loads settings, wording and token table; opens storage.dat. What fails has been
-// told. Closes the library with the object.
+enum class WhenAbsent { tell, make };
+
+// Loads settings, wording and token table; opens storage.dat, which is made, with its folder, only where that is asked
+// for. What fails has been told. The settings are those of the folder; for the user's own library, those that the
+// window has. Closes the library with the object.
 struct LibrarySession {
-    explicit LibrarySession(const std::string &folder);
+    explicit LibrarySession(const std::string &folder, WhenAbsent whenAbsent = WhenAbsent::tell);
     ~LibrarySession();
     LibrarySession(const LibrarySession &) = delete;
     LibrarySession &operator=(const LibrarySession &) = delete;
@@ -19,7 +22,7 @@ struct LibrarySession {
     bool open = false;
 };
 
-// Wording and token table beside the program, with the settings of the library folder. False without a token table.
+// Wording and token table beside the program, with the settings of the settings folder. False without a token table.
 // Settings that can't be read are told on standard error: the defaults stand in for them.
 bool loadTables();
 

@@ -244,7 +244,7 @@ int runLink(const LinkOptions &options) {
     commandStatus = exitDone;
     if (!chooseAnswer(options.answer)) return commandFailed("no such answer: " + options.answer);
     chosenSlot = options.slot;
-    const LibrarySession session(options.library);
+    const LibrarySession session(options.library, WhenAbsent::make);
     if (!session.open) return exitFailed;
     if (!settingsSetValue(setting::comPort, options.port)) return commandFailed("no such port: " + options.port);
     settingsSetValue(setting::linkType, options.type);
@@ -260,7 +260,7 @@ int runLink(const LinkOptions &options) {
 
 CommandRun declareLink(CLI::App &command) {
     const auto options = std::make_shared<LinkOptions>();
-    command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
+    command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
     command.add_option("--port", options->port, "Serial device, or COM1 to COM4")->required();
     command.add_option("--type", options->type, "Type of the calculator")
         ->required()

@@ -65,7 +65,7 @@ bool fontFault(const std::string &wording) {
 bool loadFont(const std::string &name, bool (*setFont)(ByteView), const std::string &missing,
               const std::string &damaged) {
     Bytes file;
-    const FileResult result = readWholeFile(programFolder() + name, file, fontFileLimit);
+    const FileResult result = readWholeFile(dataPath(name), file, fontFileLimit);
     const bool opened = result == FileResult::done || result == FileResult::tooLarge;
     const bool whole = setFont(file);
     if (!opened) return fontFault(missing);

@@ -17,18 +17,21 @@ namespace {
 
 constexpr std::uint64_t offsetLimit = INT64_MAX;
 
-OpenResult openWith(const char *path, bool create, bool own, int &file) {
+bool isDenied(int cause) { return cause == EACCES || cause == EPERM || cause == EROFS; }
+
+OpenResult openWith(const char *path, int flags, int lock, int &file) {
+    const bool own = (flags & O_NOFOLLOW) != 0;
     // O_NONBLOCK: a pipe in the place of the library doesn't hold the program.
-    const int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0) | (own ? O_NOFOLLOW : 0);
-    const int opened = open(path, flags, 0666);
+    const int opened = open(path, flags | O_CLOEXEC | O_NONBLOCK, 0666);
     if (opened < 0 && own && errno == ELOOP) return OpenResult::linked;
-    if (opened < 0) return errno == ENOENT && !create ? OpenResult::absent : OpenResult::failed;
+    if (opened < 0 && errno == ENOENT && (flags & O_CREAT) == 0) return OpenResult::absent;
+    if (opened < 0) return isDenied(errno) ? OpenResult::denied : OpenResult::failed;
     struct stat facts {};
     OpenResult result = OpenResult::opened;
     if (fstat(opened, &facts) != 0 || !S_ISREG(facts.st_mode)) result = OpenResult::failed;
     if (result == OpenResult::opened && own && facts.st_nlink > 1) result = OpenResult::linked;
     // flock goes with the open file itself: closing some other descriptor of it doesn't let go.
-    if (result == OpenResult::opened && flock(opened, LOCK_EX | LOCK_NB) != 0)
+    if (result == OpenResult::opened && flock(opened, lock | LOCK_NB) != 0)
         result = errno == EWOULDBLOCK ? OpenResult::heldByAnother : OpenResult::failed;
     if (result != OpenResult::opened) {
         close(opened);
@@ -38,8 +41,15 @@ OpenResult openWith(const char *path, bool create, bool own, int &file) {
     return result;
 }
 
-OpenResult openLocked(const char *path, bool create, int &file) { return openWith(path, create, false, file); }
-OpenResult openOwn(const char *path, bool create, int &file) { return openWith(path, create, true, file); }
+int writing(bool create) { return O_RDWR | (create ? O_CREAT : 0); }
+
+OpenResult openLocked(const char *path, bool create, int &file) {
+    return openWith(path, writing(create), LOCK_EX, file);
+}
+OpenResult openOwn(const char *path, bool create, int &file) {
+    return openWith(path, writing(create) | O_NOFOLLOW, LOCK_EX, file);
+}
+OpenResult openToRead(const char *path, int &file) { return openWith(path, O_RDONLY, LOCK_SH, file); }
 
 FileFault lastFault() {
     switch (errno) {
@@ -147,6 +157,7 @@ bool syncFolder(const char *path) {
 const FilePort systemFilePort = {
     .openLocked = openLocked,
     .openOwn = openOwn,
+    .openToRead = openToRead,
     .size = sizeOf,
     .readAt = readAt,
     .writeAt = writeAt,

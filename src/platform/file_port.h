@@ -9,7 +9,7 @@
 
 namespace numalink {
 
-enum class OpenResult { opened, absent, failed, heldByAnother, linked };
+enum class OpenResult { opened, absent, failed, denied, heldByAnother, linked };
 
 // What kept the last operation of this thread from being done whole.
 enum class FileFault { full, denied, unreadable, other };
@@ -17,11 +17,13 @@ enum class FileFault { full, denied, unreadable, other };
 struct FilePort {
     // Opens path for reading and writing, creating it when create is set, and takes an advisory lock (flock) that
     // goes with the open file, so that a second program fails with heldByAnother. absent: there is none, and create
-    // isn't set.
+    // isn't set. denied: the user may not, or the disk can't be written.
     OpenResult (*openLocked)(const char *path, bool create, int &file);
     // The same for a file that is the program's own: a link in its place, symbolic or of another name for the same
     // file, gives linked, so that nobody's file is written through it.
     OpenResult (*openOwn)(const char *path, bool create, int &file);
+    // Opens path for reading, with a lock that many readers share and a writer doesn't.
+    OpenResult (*openToRead)(const char *path, int &file);
     std::int64_t (*size)(int file);  // -1 on failure
     // How many bytes were read or written: fewer than count at the end of the file, on a full disk or on an error.
     std::size_t (*readAt)(int file, std::uint64_t offset, void *bytes, std::size_t count);

@@ -1,5 +1,9 @@
 #include "platform/program_folder.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 
 namespace numalink {
@@ -17,11 +21,38 @@ std::string &programFolderText() {
     return folder;
 }
 
-std::string libraryFolderText;
+std::string libraryFolderText, settingsFolderText;
 
 std::string withFinalSlash(const std::string &folder) {
     if (folder.empty()) return "./";
     return folder.back() == '/' ? folder : folder + "/";
+}
+
+bool isThere(const std::string &path) {
+    std::error_code failure;
+    return std::filesystem::exists(path, failure);
+}
+
+std::string variable(const char *name) {
+    const char *value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): at the start, where nothing sets any
+    return value == nullptr ? "" : value;
+}
+
+std::string homeFolder() {
+    if (const std::string home = variable("HOME"); home.starts_with('/')) return withFinalSlash(home);
+    const passwd *user = getpwuid(getuid());  // NOLINT(concurrency-mt-unsafe): as above
+    return user == nullptr || user->pw_dir == nullptr ? "/" : withFinalSlash(user->pw_dir);
+}
+
+// A base folder of the desktop's. One that isn't absolute counts as not given.
+std::string baseFolder(const char *name, const char *underHome) {
+    const std::string given = variable(name);
+    return withFinalSlash(given.starts_with('/') ? given : homeFolder() + underHome) + "numalink/";
+}
+
+bool isCarriedAbout() {
+    const bool isInstalled = !isThere(programFolder() + "Language") && isThere(sharedDataFolder() + "Language");
+    return !isInstalled && access(programFolder().c_str(), W_OK) == 0;
 }
 
 }  // namespace
@@ -29,7 +60,24 @@ std::string withFinalSlash(const std::string &folder) {
 const std::string &programFolder() { return programFolderText(); }
 void setProgramFolder(const std::string &folder) { programFolderText() = withFinalSlash(folder); }
 
+std::string sharedDataFolder() { return programFolder() + "../share/numalink/"; }
+
+std::string dataPath(const std::string &name) {
+    const std::string beside = programFolder() + name, shared = sharedDataFolder() + name;
+    return !isThere(beside) && isThere(shared) ? shared : beside;
+}
+
 const std::string &libraryFolder() { return libraryFolderText.empty() ? programFolder() : libraryFolderText; }
 void setLibraryFolder(const std::string &folder) { libraryFolderText = withFinalSlash(folder); }
+
+const std::string &settingsFolder() { return settingsFolderText.empty() ? libraryFolder() : settingsFolderText; }
+void setSettingsFolder(const std::string &folder) { settingsFolderText = folder.empty() ? "" : withFinalSlash(folder); }
+
+OwnFolders ownFolders() {
+    if (const std::string home = variable("NUMALINK_HOME"); !home.empty())
+        return {withFinalSlash(home), withFinalSlash(home)};
+    if (isCarriedAbout()) return {programFolder(), programFolder()};
+    return {baseFolder("XDG_DATA_HOME", ".local/share"), baseFolder("XDG_CONFIG_HOME", ".config")};
+}
 
 }  // namespace numalink

@@ -157,7 +157,7 @@ bool settingsSetColour(std::string_view key, std::uint32_t color) {
 bool settingsLoad() {
     tableDefaults();
     Bytes bytes;
-    const FileResult result = readWholeFile(libraryFolder() + "settings.xml", bytes, fileSizeLimit);
+    const FileResult result = readWholeFile(settingsFolder() + "settings.xml", bytes, fileSizeLimit);
     if (result == FileResult::missing) return true;
     if (result != FileResult::done) return false;
     return settingsParse({reinterpret_cast<const char *>(bytes.data()), bytes.size()}, settingsSetValue);
@@ -171,7 +171,8 @@ bool settingsSave() {
     }
     const std::string file = settingsFormat(settings);
     const ByteView bytes(reinterpret_cast<const std::uint8_t *>(file.data()), file.size());
-    return writeWholeFile(libraryFolder() + "settings.xml", bytes) == FileResult::done;
+    makeFolders(settingsFolder());
+    return writeWholeFile(settingsFolder() + "settings.xml", bytes) == FileResult::done;
 }
 
 }  // namespace numalink

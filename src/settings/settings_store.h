@@ -57,12 +57,13 @@ bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
 bool settingsSetColour(std::string_view key, std::uint32_t color);
 
-// The table's defaults, then settings.xml of the library folder over them. A missing or damaged file leaves what
+// The table's defaults, then settings.xml of the settings folder over them. A missing or damaged file leaves what
 // it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value
 // which was refused.
 bool settingsLoad();
 
-// Writes the whole table to settings.xml, beside and renamed over. False on failure: the caller tells.
+// Writes the whole table to settings.xml, beside and renamed over; makes its folder where it is missing. False on
+// failure: the caller tells.
 bool settingsSave();
 
 }  // namespace numalink

@@ -59,15 +59,18 @@ struct ItemMove {
     ItemId newParent = rootId;
 };
 
-// What becomes of a library whose file is missing or empty while daily copies of it lie beside.
-enum class WhenEmptied { refuse, begin };
+// What becomes of a library whose file is missing or empty: it is begun anew unless daily copies of it lie beside; it
+// is begun in any case; it never is.
+enum class WhenEmptied { refuse, begin, neverBegin };
 // False when the library can't be used, with the cause told. A library that some other program holds gives false
-// after nothing but its box.
+// after nothing but its box. One that this user or its disk doesn't let be written is opened for reading: each change
+// of it is refused, and tells why.
 bool storeOpen(WhenEmptied whenEmptied = WhenEmptied::refuse);
 bool storeIsEmptied();  // whether an opening would be refused for that; while closed
 // Moves the records together, cuts the file at its end and lets go of it. Harmless when closed.
 void storeClose();
 bool storeIsOpen();
+bool storeIsReadOnly();  // open, and only to be read
 bool storeWriteHead();
 // True when storeOpen found damage: sound records are usable, the rest is left as it lies.
 bool storeIsDamaged();

@@ -32,7 +32,7 @@ int fallbackLanguage = -1;
 std::vector<std::filesystem::path> languageFiles() {
     std::vector<std::filesystem::path> files;
     std::error_code failure;
-    std::filesystem::directory_iterator entry(programFolder() + "Language", failure);
+    std::filesystem::directory_iterator entry(dataPath("Language"), failure);
     for (const std::filesystem::directory_iterator end; !failure && entry != end; entry.increment(failure))
         if (equalWithoutCase(entry->path().extension().string(), ".clf")) files.push_back(entry->path());
     std::ranges::sort(files);

@@ -81,7 +81,7 @@ std::span<const RecordNumber> stretch(const Order &order, std::uint8_t first) {
 
 bool tokenTableLoad() {
     Bytes file;
-    if (readWholeFile(programFolder() + "casio.ptt", file, tableFileLimit) != FileResult::done) return false;
+    if (readWholeFile(dataPath("casio.ptt"), file, tableFileLimit) != FileResult::done) return false;
     tokenTableSet(file);
     return true;
 }

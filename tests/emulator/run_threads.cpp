@@ -84,6 +84,27 @@ TEST_F(RunThreads, TwoHundredStopsAtRandomInstants) {
     window.join();
 }
 
+// What asks a formula many times over within one statement.
+TEST_F(RunThreads, LongCalculationsEndAtAStop) {
+    const std::string longOnes[] = {
+        "\\Sum(X,X,1,10^9)",
+        "\"\\Sum(T,T,1,10^9)\"\\->\\Y 1:\\DrawGraph",
+        "\"\\Sum(T,T,1,10^9)\"\\->\\Y 1:\\Integral(X+\\Y 1,0,1)",
+        "\\ViewWindow 0,1,0,0,1,0,0,9,10^\\(-)12:\\Graph r=\\theta",
+        "\"X\"\\->\\Y 1:\\D SelOn 1:1\\->\\D End:1\\->\\D pitch:\\DynaCon:\\DrawDyna",
+        "10^9\\->\\R End:10^9-1\\->\\R Start:\"\\R an\"\\->\\R an1:\\DispR-Tbl",
+        "\"\\R an\"\\->\\R an1:\\DrawWeb \\R an1,10^9",
+    };
+    for (const std::string &words : longOnes) {
+        start({words});
+        std::this_thread::sleep_for(std::chrono::milliseconds(40));
+        const auto before = Clock::now();
+        runStop();
+        EXPECT_LT(Clock::now() - before, std::chrono::milliseconds(300)) << words;
+        EXPECT_EQ(runEnded(), RunEnd::running) << words;
+    }
+}
+
 TEST_F(RunThreads, ARunThatIsOnIsNotStartedTwice) {
     start({"\\Lbl 1:\\Goto1"});
     EXPECT_FALSE(runStart());

@@ -49,6 +49,7 @@ void newLibrary(int number) {
     const std::string folder = theMonkey.scratch + "library" + std::to_string(number);
     std::filesystem::create_directory(folder);
     numalink::setLibraryFolder(folder);
+    numalink::setSettingsFolder(theMonkey.scratch);  // the same ones, whatever library it opens
     numalink::settingsLoad();
     numalink::settingsSetValue(numalink::setting::comPort, theMonkey.scratch + "port");
     numalink::settingsSave();

@@ -16,6 +16,7 @@
 #include <QUrl>
 #include <QWindow>
 #include <csignal>
+#include <filesystem>
 #include <random>
 
 #include "monkey/action_log.h"
@@ -285,8 +286,8 @@ void anyAction() {
     }
 }
 
-// Never by random keys, which could reach files of the user's: cancelled, or answered with a file of the scratch
-// folder.
+// Never by random keys, which could reach files of the user's: cancelled, or answered with a file or a library of the
+// scratch folder.
 void answerFileDialog(QFileDialog *dialog) {
     const bool opens = dialog->acceptMode() == QFileDialog::AcceptOpen;
     if (oneIn(3)) {
@@ -294,7 +295,11 @@ void answerFileDialog(QFileDialog *dialog) {
         return dialog->reject();
     }
     const char *const names[] = {"samples/games.cat", "samples/values.cat", "samples/pictures.fxi"};
-    const std::string path = theMonkey.scratch + (opens ? oneOf(names) : "out/file" + std::to_string(below(4)));
+    std::string path = theMonkey.scratch + (opens ? oneOf(names) : "out/file" + std::to_string(below(4)));
+    const std::string other = theMonkey.scratch + "other" + std::to_string(below(3));
+    std::filesystem::create_directory(other);
+    if (dialog->fileMode() == QFileDialog::Directory) path = other;
+    if (dialog->nameFilters().join(QChar()).contains(QLatin1String("storage.dat"))) path = other + "/storage.dat";
     LOG("file dialog: %s", path.c_str());
     dialog->selectFile(toQt(path));
     static_cast<QDialog *>(dialog)->accept();

@@ -114,5 +114,37 @@ TEST(FilePort, LockGoesWithTheOpenFileAndOffsetsAreBounded) {
     EXPECT_TRUE(systemFilePort.remove(other.c_str()));
 }
 
+TEST(OwnFolders, AreWhereTheVariablesSayOrBesideAProgramThatIsCarriedAbout) {
+    const EmptyProgramFolder unpacked;
+    const std::string installed = unpacked.path + "usr/bin/", shared = unpacked.path + "usr/share/numalink/";
+    std::filesystem::create_directories(unpacked.path + "Language");
+    std::filesystem::create_directories(installed);
+    std::filesystem::create_directories(shared + "Language");
+    unpacked.write("usr/share/numalink/large.cft", "");
+    struct Row {
+        const char *home, *data;
+        std::string program, library, settings;
+    };
+    const Row rows[] = {
+        {"/home/other", "/d", unpacked.path, "/home/other/", "/home/other/"},
+        {"", "/d", unpacked.path, unpacked.path, unpacked.path},
+        {"", "/d", installed, "/d/numalink/", "/h/.config/numalink/"},
+        {"", "relative", installed, "/h/.local/share/numalink/", "/h/.config/numalink/"},
+    };
+    setenv("HOME", "/h", 1);
+    unsetenv("XDG_CONFIG_HOME");
+    for (const auto &[home, data, program, library, settings] : rows) {
+        setenv("NUMALINK_HOME", home, 1);
+        setenv("XDG_DATA_HOME", data, 1);
+        setProgramFolder(program);
+        EXPECT_EQ(ownFolders().library, library);
+        EXPECT_EQ(ownFolders().settings, settings);
+    }
+    EXPECT_TRUE(isSameFile(dataPath("large.cft"), shared + "large.cft"));
+    EXPECT_EQ(dataPath("small.cft"), installed + "small.cft");
+    unsetenv("NUMALINK_HOME");
+    unsetenv("XDG_DATA_HOME");
+}
+
 }  // namespace
 }  // namespace numalink

@@ -12,7 +12,7 @@
 namespace {
 
 // A start with this library that closes each box, whose text goes to the standard output. 1 when it could have gone on.
-int startSecondCopy(const char *folder) {
+int startSecondCopy(const char *folder, const QStringList &files) {
     numalink::setLibraryFolder(folder);
     QTimer closing;
     QObject::connect(&closing, &QTimer::timeout, [] {
@@ -22,7 +22,7 @@ int startSecondCopy(const char *folder) {
         box->close();
     });
     closing.start(20);
-    return numalink::startUp() ? 1 : 0;
+    return numalink::startUp({.files = files}) ? 1 : 0;
 }
 
 }  // namespace
@@ -31,6 +31,7 @@ int main(int argc, char **argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
-    if (argc == 3 && argv[1] == std::string("--second-copy")) return startSecondCopy(argv[2]);
+    if (argc >= 3 && argv[1] == std::string("--second-copy"))
+        return startSecondCopy(argv[2], QApplication::arguments().mid(3));
     return RUN_ALL_TESTS();
 }

@@ -7,11 +7,14 @@
 #include <map>
 
 #include "link/transmit_queue.h"
+#include "platform/program_folder.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/tray.h"
+#include "shell/commands/library_commands.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/surface_view.h"
+#include "store/undo/undo.h"
 #include "telling/language_table.h"
 
 namespace numalink {
@@ -148,13 +151,55 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithoutAWordAndTouchesNothing
     mainWindow->hide();
     const FolderContent before = contentOf(folder);
     QProcess second;
-    second.start(QCoreApplication::applicationFilePath(),
-                 {QStringLiteral("--second-copy"), QString::fromStdString(folder.path)});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
-    EXPECT_EQ(second.exitCode(), 0);
-    EXPECT_EQ(second.readAllStandardOutput().toStdString(), "");
-    EXPECT_TRUE(mainWindow->isVisible());
+    const auto startSecond = [&](const QStringList &files) {
+        second.start(QCoreApplication::applicationFilePath(),
+                     QStringList{QStringLiteral("--second-copy"), QString::fromStdString(folder.path)} + files);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
+        EXPECT_EQ(second.exitCode(), 0);
+        EXPECT_EQ(second.readAllStandardOutput().toStdString(), "");
+        EXPECT_TRUE(mainWindow->isVisible());
+    };
+    startSecond({});
     EXPECT_TRUE(before.contains("storage.dat") && contentOf(folder) == before);
+    startSecond({QStringLiteral("/none/a.cat"), QStringLiteral("/none/b.cat")});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown.size() == 2; }));
+    for (const auto &[box, file] : {std::pair(0u, "/none/a.cat"), std::pair(1u, "/none/b.cat")})
+        EXPECT_TRUE(shown[box].ends_with(wording(Text::fileMissing, {file}))) << shown[box];
+}
+
+TEST_F(StartUp, AnotherLibraryTakesThePlaceOfThisOneAndNothingOfThisOneStays) {
+    setSettingsFolder(folder.path);
+    const std::string other = folder.path + "other/", broken = folder.path + "broken/";
+    for (const std::string &made : {other, broken}) std::filesystem::create_directory(made);
+    folder.write("broken/storage.dat", std::string(9000, 'x'));
+    ASSERT_TRUE(startProgram());
+    const ItemId program = addProgram("ABC", "A");
+    show(program);
+    handleCommand(CommandId::queue);
+    programEdit->setPlainText(QStringLiteral("B"));
+    EXPECT_FALSE(changeLibrary(other, false)) << "there is none yet";
+    ASSERT_TRUE(changeLibrary(other, true));
+    EXPECT_TRUE(transmitQueueIds().empty());
+    EXPECT_EQ(selectedItemId(), noItem);
+    EXPECT_EQ(treeEntryOf(program), nullptr);
+    EXPECT_FALSE(programEdit->isVisible() || storeUndoOffer());
+    ASSERT_EQ(addProgram("XYZ", "X"), program) << "the two libraries give the same ids";
+    refreshTree();
+    shown.clear();
+    EXPECT_FALSE(changeLibrary(broken, false));
+    EXPECT_EQ(shown.size(), 1u);
+    EXPECT_EQ(libraryFolder(), other);
+    EXPECT_TRUE(storeItemExists("XYZ", rootId) && treeEntryOf(program) != nullptr);
+    emit menuAt(MenuPosition::recent)->aboutToShow();
+    const QAction *recent = commandAction(CommandId::recentLibrary1);
+    EXPECT_EQ(recent->text().toStdString(), "&1 " + folder.path);
+    EXPECT_FALSE(commandAction(CommandId::recentLibrary2)->isVisible());
+    commandAction(CommandId::recentLibrary1)->trigger();
+    ASSERT_EQ(libraryFolder(), folder.path);
+    show(program);
+    EXPECT_EQ(programEdit->toPlainText(), QStringLiteral("B"));
+    endProgram();
+    setSettingsFolder("");
 }
 
 TEST_F(StartUp, AWindowThatIsHiddenComesBackWithItsSymbolsWhenNoNotificationAreaIsThere) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <sys/mount.h>
 
+#include "store/care/daily_copies.h"
+#include "store/care/library_check.h"
 #include "store/file/journal.h"
 #include "store/store_worker.h"
 #include "store/undo/undo.h"
@@ -376,6 +378,41 @@ TEST(FullDisk, RefusesAndGoesOnWhenThereIsRoomAgain) {
     ASSERT_EQ(mount("tmpfs", folder.path.c_str(), "tmpfs", MS_REMOUNT, "size=2m"), 0);
     EXPECT_TRUE(storeDelete(full.back().id));
     EXPECT_EQ(storeAddItems({item}).size(), 1U);
+    storeClose();
+    umount(folder.path.c_str());
+}
+
+// A medium that is write-protected, where the system allows one to be made.
+TEST(ReadOnlyDisk, IsReadAndAChangeIsRefusedAndTold) {
+    const RecordedUi ui;
+    const ScratchFolder folder;
+    if (mount("tmpfs", folder.path.c_str(), "tmpfs", 0, "size=1m") != 0)
+        GTEST_SKIP() << "only root may mount a file system of its own";
+    languageLoad("English", "English");
+    EXPECT_FALSE(storeOpen(WhenEmptied::neverBegin) || std::filesystem::exists(folder.path + "storage.dat"));
+    ASSERT_TRUE(storeOpen());
+    ASSERT_NE(storeResolvePath("/A/", true), noItem);
+    const LibraryState whole = libraryState();
+    storeClose();
+    const auto protect = [&](bool on) {
+        ASSERT_EQ(mount("tmpfs", folder.path.c_str(), "tmpfs", MS_REMOUNT | (on ? MS_RDONLY : 0), ""), 0);
+    };
+    protect(true);
+    uiRecord.boxes.clear();
+    ASSERT_TRUE(storeOpen());
+    EXPECT_TRUE(storeIsReadOnly() && keepDailyCopy());
+    EXPECT_EQ(libraryState(), whole);
+    EXPECT_TRUE(uiRecord.boxes.empty());
+    EXPECT_EQ(storeResolvePath("/B/", true), noItem);
+    ASSERT_EQ(uiRecord.boxes.size(), 1U);
+    EXPECT_THAT(uiRecord.boxes[0].body, ::testing::HasSubstr("write protection"));
+    storeClose();
+    EXPECT_EQ(checkLibrary(false).outcome, CheckOutcome::checked);
+    EXPECT_EQ(checkLibrary(true).outcome, CheckOutcome::unreadable);
+    protect(false);
+    ASSERT_TRUE(storeOpen());
+    EXPECT_FALSE(storeIsReadOnly());
+    EXPECT_NE(storeResolvePath("/B/", true), noItem);
     storeClose();
     umount(folder.path.c_str());
 }

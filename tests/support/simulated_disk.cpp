@@ -128,6 +128,7 @@ bool takeSync(DiskAction action, int file) {
 const FilePort simulatedFilePort = {
     .openLocked = openLocked,
     .openOwn = openLocked,
+    .openToRead = [](const char *path, int &file) { return openLocked(path, false, file); },
     .size = [](int file) -> std::int64_t {
         return fails() ? -1 : static_cast<std::int64_t>(disk.now.files[disk.openFiles[file]].size());
     },

@@ -204,6 +204,41 @@ std::optional<CalculusResult> newton(Asked &asked, double start, double low, dou
     return {};
 }
 
+struct Place {
+    double x = 0, y = nothing;
+};
+
+constexpr int minimumParts = 64;
+
+// The lowest of the places that part the stretch. One without a value gives way to any other.
+Place lowestOfParts(Asked &asked, double low, double high, double width) {
+    Place best{low, asked(low)};
+    for (int i = 1; i <= minimumParts; i++) {
+        const double x = i == minimumParts ? high : low + i * width, y = asked(x);
+        if (y < best.y || std::isnan(best.y)) best = {x, y};
+    }
+    return best;
+}
+
+// The lowest place of a stretch that falls and then rises.
+Place goldenSection(Asked &asked, double a, double b, double closest) {
+    const double golden = (std::sqrt(5.0) - 1) / 2;
+    const auto placeAt = [&asked](double x) { return Place{x, asked(x)}; };
+    Place left = placeAt(b - golden * (b - a)), right = placeAt(a + golden * (b - a));
+    while (b - a > closest && !asked.isStopped) {
+        if (left.y <= right.y) {
+            b = right.x;
+            right = left;
+            left = placeAt(b - golden * (b - a));
+        } else {
+            a = left.x;
+            left = right;
+            right = placeAt(a + golden * (b - a));
+        }
+    }
+    return left.y <= right.y ? left : right;
+}
+
 }  // namespace
 
 CalculusResult derivative(const RealFunction &function, double at) { return differential(function, at, firstQuotient); }
@@ -277,45 +312,12 @@ CalculusResult root(const RealFunction &function, double start, double low, doub
 }
 
 CalculusResult minimum(const RealFunction &function, double low, double high) {
-    constexpr int parts = 64;
     Asked asked(function);
-    const double width = (high - low) / parts;
-    double x = low, y = asked(low);
-    for (int i = 1; i <= parts; i++) {
-        const double next = i == parts ? high : low + i * width, value = asked(next);
-        if (value < y || std::isnan(y)) {
-            x = next;
-            y = value;
-        }
-    }
-    // The golden section within the neighbours.
-    const double golden = (std::sqrt(5.0) - 1) / 2;
-    double a = std::max(low, x - width), b = std::min(high, x + width);
-    const double closest = 1e-9 * std::max({std::fabs(a), std::fabs(b), high - low});
-    double left = b - golden * (b - a), right = a + golden * (b - a);
-    double atLeft = asked(left), atRight = asked(right);
-    while (b - a > closest && !asked.isStopped) {
-        if (atLeft <= atRight) {
-            b = right;
-            right = left;
-            atRight = atLeft;
-            left = b - golden * (b - a);
-            atLeft = asked(left);
-        } else {
-            a = left;
-            left = right;
-            atLeft = atRight;
-            right = a + golden * (b - a);
-            atRight = asked(right);
-        }
-    }
-    for (const double place : {left, right}) {
-        const double value = asked(place);
-        if (value < y) {
-            x = place;
-            y = value;
-        }
-    }
+    const double width = (high - low) / minimumParts;
+    Place best = lowestOfParts(asked, low, high, width);
+    const double a = std::max(low, best.x - width), b = std::min(high, best.x + width);
+    const Place inner = goldenSection(asked, a, b, 1e-9 * std::max({std::fabs(a), std::fabs(b), high - low}));
+    if (inner.y < best.y) best = inner;
     // Where the slope is 0 tells the place to more digits than the values, of which many are alike.
     const RealFunction slope = [&](double place, double &value) {
         const CalculusResult found = derivative(function, place);
@@ -323,16 +325,13 @@ CalculusResult minimum(const RealFunction &function, double low, double high) {
         return found.end != CalculusEnd::stopped;
     };
     const double reach = 1e-4 * (high - low);
-    if (x - reach > low && x + reach < high) {
-        const CalculusResult flat = root(slope, x, x - reach, x + reach);
+    if (best.x - reach > low && best.x + reach < high) {
+        const CalculusResult flat = root(slope, best.x, best.x - reach, best.x + reach);
         if (flat.end == CalculusEnd::stopped) return flat;
         const double value = flat.end == CalculusEnd::found ? asked(flat.x) : nothing;
-        if (value <= y + 4 * std::numeric_limits<double>::epsilon() * std::fabs(y)) {
-            x = flat.x;
-            y = value;
-        }
+        if (value <= best.y + 4 * std::numeric_limits<double>::epsilon() * std::fabs(best.y)) best = {flat.x, value};
     }
-    return asked.result(true, x, y);
+    return asked.result(true, best.x, best.y);
 }
 
 }  // namespace numalink

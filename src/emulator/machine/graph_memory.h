@@ -44,6 +44,17 @@ struct SequenceFormula {
 };
 inline constexpr int sequenceCount = 2;
 
+// The right screen's window, in the order of the view window's values.
+inline constexpr std::array<Token, windowValueCount> rightWindow = {{{0x7F, 0x10},
+                                                                     {0x7F, 0x11},
+                                                                     {0x7F, 0x12},
+                                                                     {0x7F, 0x14},
+                                                                     {0x7F, 0x15},
+                                                                     {0x7F, 0x16},
+                                                                     {0x7F, 0x18},
+                                                                     {0x7F, 0x19},
+                                                                     {0x7F, 0x1A}}};
+
 enum class DualScreen : std::uint8_t { off, graphs, graphAndTable };
 enum class DynamicSpeed : std::uint8_t { normal, fast, slow, byKey };
 

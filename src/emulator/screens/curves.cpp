@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "drawing/dot_fonts.h"
+#include "emulator/machine/named_values.h"
 
 namespace numalink {
 
@@ -17,8 +18,6 @@ constexpr double marksLimit = 64;  // of an axis: closer ones would run into eac
 
 // As the calculators are initialised.
 constexpr double firstWindow[] = {-6.3, 6.3, 1, -3.1, 3.1, 1, 0, 2 * std::numbers::pi, std::numbers::pi / 50};
-
-constexpr Token rightWindow[] = {{0x7F, 0x10}, {0x7F, 0x11}, {0x7F, 0x12}, {0x7F, 0x14}, {0x7F, 0x15}, {0x7F, 0x16}};
 
 bool isEmpty(double low, double high) { return !(std::fabs(high - low) > 0) || !std::isfinite(high - low); }
 
@@ -34,15 +33,23 @@ void completeWindow() {
         initialise(tThetaMin, windowValueCount);
 }
 
-GraphFrame frameOf(int left, int width, const double *window) {
-    return {left, width, window[0], window[1], window[2], window[3], window[4], window[5]};
+GraphFrame frameOf(int left, int width, const ViewWindow &window) {
+    return {left,
+            width,
+            window[xMin].re,
+            window[xMax].re,
+            window[xScale].re,
+            window[yMin].re,
+            window[yMax].re,
+            window[yScale].re,
+            window[tThetaMin].re,
+            window[tThetaMax].re,
+            window[tThetaPitch].re};
 }
 
 GraphFrame frameOfWindow(int left, int width) {
     completeWindow();
-    double window[tThetaMin];
-    for (std::size_t i = 0; i < tThetaMin; i++) window[i] = machine.window[i].re;
-    return frameOf(left, width, window);
+    return frameOf(left, width, machine.window);
 }
 
 double dotColumn(const GraphFrame &frame, double x) {
@@ -117,8 +124,10 @@ GraphFrame wholeFrame() { return frameOfWindow(0, displayWidth - 1); }
 GraphFrame leftFrame() { return frameOfWindow(0, halfWidth); }
 
 GraphFrame rightFrame() {
-    double window[tThetaMin];
-    for (std::size_t i = 0; i < std::size(rightWindow); i++) window[i] = variableRef(tokenCell(rightWindow[i]))->re;
+    completeWindow();
+    ViewWindow window;
+    for (std::size_t i = 0; i < windowValueCount; i++) window[i] = namedValue(rightWindow[i]);
+    if (window[tThetaPitch].re == 0) std::copy_n(machine.window.begin() + tThetaMin, 3, window.begin() + tThetaMin);
     return frameOf(partingColumn, halfWidth, window);
 }
 

@@ -10,10 +10,12 @@ struct GraphFrame {
     int left = 0;   // the column ahead of the first, dots
     int width = 0;  // columns
     double xLow = 0, xHigh = 0, xScale = 0, yLow = 0, yHigh = 0, yScale = 0;
+    double tLow = 0, tHigh = 0, tPitch = 0;  // of T and theta
 };
 // Of the view window, which takes the calculators' first values where it has no size.
 GraphFrame wholeFrame();
-// The halves of a dual screen: the view window, and the right screen's, which may have no size. A line parts them.
+// The halves of a dual screen: the view window, and the right screen's, which may have no size and takes the range of T
+// from the left where it has none. A line parts them.
 GraphFrame leftFrame();
 GraphFrame rightFrame();
 void drawParting();

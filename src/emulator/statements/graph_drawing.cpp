@@ -74,10 +74,10 @@ struct Steps {
     std::int64_t count = 0;
     double at(std::int64_t i) const { return from + static_cast<double>(i) * pitch; }
 };
-Steps stepsOf(const Curve &curve) {
-    const double from = curve.isWithin ? curve.from : machine.window[tThetaMin].re;
-    const double to = curve.isWithin ? curve.to : machine.window[tThetaMax].re;
-    const double pitch = machine.window[tThetaPitch].re;
+Steps stepsOf(const GraphFrame &frame, const Curve &curve) {
+    const double from = curve.isWithin ? curve.from : frame.tLow;
+    const double to = curve.isWithin ? curve.to : frame.tHigh;
+    const double pitch = frame.tPitch;
     const std::int64_t count = countOfSteps(from, to, pitch);
     if (count == 0) argError();
     return {from, pitch, count};
@@ -86,7 +86,7 @@ Steps stepsOf(const Curve &curve) {
 void drawPolar(const GraphFrame &frame, const Curve &curve) {
     SampledFunction function(curve.formula, theta());
     CurvePen pen = penOf(frame, curve.color, curve.style);
-    const Steps steps = stepsOf(curve);
+    const Steps steps = stepsOf(frame, curve);
     for (std::int64_t i = 0; i < steps.count; i++) {
         const double angle = steps.at(i);
         double r = 0;
@@ -101,7 +101,7 @@ void drawParametric(const GraphFrame &frame, const Curve &curve) {
     SampledFunction ofX(curve.formula, variableT());
     SampledFunction ofY(curve.second, variableT());
     CurvePen pen = penOf(frame, curve.color, curve.style);
-    const Steps steps = stepsOf(curve);
+    const Steps steps = stepsOf(frame, curve);
     for (std::int64_t i = 0; i < steps.count; i++) {
         double x = 0, y = 0;
         if (!ofX.at(steps.at(i), x) || !ofY.at(steps.at(i), y)) return;

@@ -1,6 +1,8 @@
 // The statements that write on a screen or keep what stands on one. A wrong shape reports and draws with what the
 // cells hold.
 #include "emulator/machine/errors.h"
+#include "emulator/machine/graph_memory.h"
+#include "emulator/machine/named_values.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/pictures.h"
@@ -56,6 +58,9 @@ WayOut runViewWindow(RunState &state) {
     evaluateRest(state);
     for (int k = 1; k <= windowValueCount && state.cellCount >= 2 * k; k++)
         machine.window[static_cast<std::size_t>(k - 1)] = state.statement[2 * k - 1].value;
+    for (int k = 1; k <= windowValueCount && state.cellCount >= 2 * (k + windowValueCount); k++)
+        namedValue(rightWindow[static_cast<std::size_t>(k - 1)]) =
+            state.statement[2 * (k + windowValueCount) - 1].value;
     clearGraph();
     return handled(state);
 }

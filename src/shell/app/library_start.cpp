@@ -4,13 +4,13 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "platform/files.h"
 #include "platform/program_folder.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "store/care/daily_copies.h"
 #include "store/care/library_check.h"
-#include "store/item_store.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -20,7 +20,7 @@ namespace {
 enum class LibraryAnswer { takeCopy, begin, end };
 
 // copy: the path of the newest in order, or empty.
-LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin) {
+LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin, Text refusal) {
     QMessageBox box(QMessageBox::Question, textOf(Text::warningTitle),
                     textOf(question, {libraryFolder() + "storage.dat", dailyCopyFolder()}), QMessageBox::NoButton,
                     mainWindow);
@@ -28,7 +28,7 @@ LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin) 
     QPushButton *take = nullptr, *begin = nullptr;
     if (!copy.empty()) take = box.addButton(textOf(Text::storeTakeCopy, {dateOfCopy(copy)}), QMessageBox::AcceptRole);
     if (mayBegin) begin = box.addButton(textOf(Text::storeBeginEmpty), QMessageBox::DestructiveRole);
-    QPushButton *end = box.addButton(textOf(Text::storeEndProgram), QMessageBox::RejectRole);
+    QPushButton *end = box.addButton(textOf(refusal), QMessageBox::RejectRole);
     box.setDefaultButton(take != nullptr ? take : end);
     box.setEscapeButton(end);
     runDialog(box);
@@ -37,12 +37,12 @@ LibraryAnswer askForCopy(Text question, const std::string &copy, bool mayBegin) 
 }
 
 // With a copy in the place of the library, or an empty one begun.
-bool openOtherwise() {
+bool openOtherwise(Text refusal) {
     const bool emptied = storeIsEmptied();
     const std::string copy = newestSoundCopy();
     if (!emptied && copy.empty()) return false;
     const Text question = emptied ? Text::storeAskEmptied : Text::storeAskDamaged;
-    switch (askForCopy(question, copy, emptied)) {
+    switch (askForCopy(question, copy, emptied, refusal)) {
         case LibraryAnswer::takeCopy:
             return restoreLibrary().repaired ? storeOpen() : failWith(Text::storeNotRestored);
         case LibraryAnswer::begin:
@@ -55,11 +55,19 @@ bool openOtherwise() {
 
 }  // namespace
 
+bool openLibraryFolder(WhenEmptied whenEmptied, Text refusal) {
+    makeFolders(libraryFolder());  // where that fails, the opening tells
+    return (!storeIsEmptied() && storeOpen(whenEmptied)) || (libraryNeedsCopy() && openOtherwise(refusal));
+}
+
 bool openLibraryAtStart() {
-    if (!storeIsEmptied() && storeOpen()) return true;
-    if (libraryNeedsCopy() && openOtherwise()) return true;
-    tellUser(Text::noLibraryAtStart);
-    return false;
+    if (!openLibraryFolder(WhenEmptied::refuse, Text::storeEndProgram)) return failWith(Text::noLibraryAtStart);
+    if (storeIsReadOnly()) tellLibrary();
+    return true;
+}
+
+void tellLibrary() {
+    statusLine(StatusPart::item, storeIsReadOnly() ? Text::libraryOnlyRead : Text::libraryOf, {libraryFolder()});
 }
 
 }  // namespace numalink

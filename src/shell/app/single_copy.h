@@ -1,14 +1,24 @@
-// One copy of the program a library: a second start raises the window of the first and ends. Graphical thread only.
+// One copy of the program a library: a further start raises the window of the first, hands it the files that it was
+// given, and ends. Graphical thread only.
 #pragma once
+
+#include <QStringList>
 
 namespace numalink {
 
-// Asks a running copy with this library to show its window. True when one has answered; one that holds the library
-// and doesn't answer is met when the library is opened.
-bool raiseRunningCopy();
+struct StartWish {
+    bool ofThisLibrary = false;  // this library was asked for; else it is the user's own, and any window does
+    QStringList files = {};      // absolute paths, to be opened as dropped ones are
+};
 
-// From now on, answers such a question with raiseMainWindow.
+// Asks a running copy to show its window and take the files: the one with this library, or one that began with it and
+// has another open now, if any window does. True when one has answered; one that holds the library and doesn't answer
+// is met when the library is opened.
+bool raiseRunningCopy(const StartWish &wish);
+
+// From now on, answers such a question with raiseMainWindow. Asked again after a change of the library.
 void answerFurtherCopies();
-void stopAnsweringCopies();
+void stopAnsweringCopies();  // for a change of the library
+void forgetCopies();         // at the end
 
 }  // namespace numalink

@@ -11,6 +11,7 @@
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "shell/app/draft_offer.h"
+#include "shell/app/library_change.h"
 #include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
 #include "shell/app/qt_language.h"
@@ -19,6 +20,7 @@
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
 #include "shell/commands/file_commands.h"
+#include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/commands/menus.h"
 #include "shell/dialogs/about_box.h"
@@ -60,11 +62,16 @@ struct Start {
     bool settingsRead = true;
     bool isFirstUse = false;  // neither a library nor settings were there
     bool shutting = false;
+    StartWish wish = {};
 };
 Start state;
 
+void openFilesSoon() {
+    if (!state.wish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
+}
+
 bool loadSettings() {
-    state.isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(libraryFolder() + "settings.xml");
+    state.isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(settingsFolder() + "settings.xml");
     return settingsLoad();
 }
 
@@ -80,7 +87,7 @@ bool colorFirstUse() {
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
 bool tellSettings() {
-    tellUser(Text::fileFailed, {libraryFolder() + "settings.xml"});
+    tellUser(Text::fileFailed, {settingsFolder() + "settings.xml"});
     return true;
 }
 
@@ -92,11 +99,12 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(); }, true},
+    {"running copy", [] { return !raiseRunningCopy(state.wish); }, true},
     {"settings", [] { return state.settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
+    {"recent libraries", [] { return done(listRecentLibraries); }, false},
     {"menus", [] { return done(buildMenus); }, false},
     {"boxes and status bar", [] { return done(installUserInterface); }, false},
     {"widgets", [] { return done(makeClientWidgets); }, false},
@@ -119,6 +127,7 @@ constexpr StartStep startSteps[] = {
     {"link", [] { return done(startLink); }, false},
     {"signals", [] { return done([] { watchStopSignals(shutDownAtOnce); }); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
+    {"files", [] { return done(openFilesSoon); }, false},
 };
 
 void closeLibraryAndQuit() {
@@ -134,10 +143,11 @@ void closeLibraryAndQuit() {
 
 }  // namespace
 
-bool startUp() {
+bool startUp(const StartWish &wish) {
     threadRole = ThreadRole::graphical;
-    state = {};
+    state = {.wish = wish};
     endProgram = shutDown;
+    changeLibrary = changeLibraryTo;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {
@@ -166,7 +176,7 @@ void shutDownAtOnce() {
 }
 
 void tearDown() {
-    stopAnsweringCopies();
+    forgetCopies();
     removeTrayIcon();
     forgetStopSignals();
     removeUserInterface();

@@ -1,11 +1,13 @@
 // The order in which the program comes up and goes down. Graphical thread only.
 #pragma once
 
+#include "shell/app/single_copy.h"
+
 namespace numalink {
 
-// Runs the start order. False when the program must end at once: the library can't be used (told). Everything
-// is then gone again.
-bool startUp();
+// Runs the start order, with the files of wish opened at its end. False when the program must end at once: the library
+// can't be used (told). Everything is then gone again.
+bool startUp(const StartWish &wish = {});
 
 // Leaves the view, closes the library and ends the event loop; does nothing when the view can't be left. With a
 // dialog open it raises that dialog instead.

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "link/transmit_queue.h"
+#include "settings/recent_libraries.h"
 #include "shell/commands/file_commands.h"
+#include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/commands/undo_commands.h"
 #include "shell/dialogs/about_box.h"
@@ -48,6 +50,22 @@ void zoomTo() {
     zoomEmulatorWindow();
 }
 
+template <int place>
+bool isRecent() {
+    return isRecentLibrary(place);
+}
+
+template <int place>
+QString recentWords() {
+    return recentLibraryWords(place);
+}
+
+template <int place>
+void openRecent() {
+    static_assert(place < static_cast<int>(recentLibraryLimit));
+    openRecentLibrary(place);
+}
+
 constexpr MenuRow menuRows[] = {
     {.menu = file, .text = Text::menuFile},
     {.menu = item, .text = Text::menuItem},
@@ -56,6 +74,7 @@ constexpr MenuRow menuRows[] = {
     {.menu = communication, .text = Text::menuCommunication},
     {.menu = view, .text = Text::menuView},
     {.menu = help, .text = Text::menuHelp},
+    {.menu = recent, .text = Text::menuRecentLibraries, .within = file, .enabled = anyRecentLibrary},
     {.menu = zoom, .text = Text::menuZoom, .within = view, .oneChecked = true},
     {.menu = program, .enabled = programOnView},
     {.menu = tray, .ofNoWindow = true},
@@ -75,6 +94,71 @@ constexpr Command commands[] = {
      .tip = Text::tipSave,
      .storesFirst = true,
      .run = saveItems},
+    {.id = CommandId::openLibrary,
+     .menu = file,
+     .separatorAhead = true,
+     .text = Text::menuOpenLibrary,
+     .tip = Text::tipOpenLibrary,
+     .run = openLibrary},
+    {.id = CommandId::newLibrary,
+     .menu = file,
+     .text = Text::menuNewLibrary,
+     .tip = Text::tipNewLibrary,
+     .run = newLibrary},
+    {.id = CommandId::recentLibrary1,
+     .menu = recent,
+     .label = "&1",
+     .present = isRecent<0>,
+     .words = recentWords<0>,
+     .run = openRecent<0>},
+    {.id = CommandId::recentLibrary2,
+     .menu = recent,
+     .label = "&2",
+     .present = isRecent<1>,
+     .words = recentWords<1>,
+     .run = openRecent<1>},
+    {.id = CommandId::recentLibrary3,
+     .menu = recent,
+     .label = "&3",
+     .present = isRecent<2>,
+     .words = recentWords<2>,
+     .run = openRecent<2>},
+    {.id = CommandId::recentLibrary4,
+     .menu = recent,
+     .label = "&4",
+     .present = isRecent<3>,
+     .words = recentWords<3>,
+     .run = openRecent<3>},
+    {.id = CommandId::recentLibrary5,
+     .menu = recent,
+     .label = "&5",
+     .present = isRecent<4>,
+     .words = recentWords<4>,
+     .run = openRecent<4>},
+    {.id = CommandId::recentLibrary6,
+     .menu = recent,
+     .label = "&6",
+     .present = isRecent<5>,
+     .words = recentWords<5>,
+     .run = openRecent<5>},
+    {.id = CommandId::recentLibrary7,
+     .menu = recent,
+     .label = "&7",
+     .present = isRecent<6>,
+     .words = recentWords<6>,
+     .run = openRecent<6>},
+    {.id = CommandId::recentLibrary8,
+     .menu = recent,
+     .label = "&8",
+     .present = isRecent<7>,
+     .words = recentWords<7>,
+     .run = openRecent<7>},
+    {.id = CommandId::recentLibrary9,
+     .menu = recent,
+     .label = "&9",
+     .present = isRecent<8>,
+     .words = recentWords<8>,
+     .run = openRecent<8>},
     {.id = CommandId::settings,
      .menu = file,
      .separatorAhead = true,

@@ -52,13 +52,24 @@ enum class CommandId {
     deleteText,
     selectText,
     exitFromTray,
+    openLibrary,
+    newLibrary,
+    recentLibrary1,
+    recentLibrary2,
+    recentLibrary3,
+    recentLibrary4,
+    recentLibrary5,
+    recentLibrary6,
+    recentLibrary7,
+    recentLibrary8,
+    recentLibrary9,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
 };
 
 // The menus of the bar, from left to right, and after them those that open elsewhere.
-enum class MenuPosition { file, item, edit, emulator, communication, view, help, zoom, program, tray };
+enum class MenuPosition { file, item, edit, emulator, communication, view, help, recent, zoom, program, tray };
 
 struct MenuRow {
     MenuPosition menu = MenuPosition::file;
@@ -90,6 +101,7 @@ struct Command {
     bool (*enabledFor)(ItemKind) = nullptr;
     bool (*enabled)() = nullptr;
     bool (*offered)() = nullptr;   // false greys it only in its open menu: the key works, and tells why it can't
+    bool (*present)() = nullptr;   // false leaves it out of its menu
     bool (*checked)() = nullptr;   // null: no check mark
     QString (*words)() = nullptr;  // in place of the text, each time its menu opens
     void (*run)() = nullptr;

@@ -10,10 +10,12 @@
 
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
+#include "shell/commands/library_commands.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
+#include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
@@ -48,7 +50,11 @@ void importWaitingFiles() {
     state.importing = true;
     while (!state.filesToImport.isEmpty() && storeIsOpen()) {
         const QString path = state.filesToImport.takeFirst();
-        importFile(QFile::encodeName(path).toStdString(), importBaseName(path.toStdString()));
+        const std::string encoded = QFile::encodeName(path).toStdString();
+        if (isLibraryFile(encoded))
+            openLibraryFile(path);
+        else
+            importFile(encoded, importBaseName(path.toStdString()));
     }
     state.importing = false;
     state.filesToImport.clear();

@@ -7,7 +7,8 @@ namespace numalink {
 
 void openFiles();  // the Open command
 
-// Imports files one after the other, each with its own question; at once, or when an open dialog has been closed.
+// Imports files one after the other, each with its own question, and opens one that is a library in place of this one;
+// at once, or when an open dialog has been closed.
 void importDropped(const QStringList &paths);
 void forgetFileCommands();
 

@@ -114,8 +114,10 @@ std::vector<std::string> portsOffered() {
 void startLink() {
     listSerialPorts = portsOffered;
     linkSettingsChanged = startLinkThread;
-    state.deadlineTimer = new QTimer(mainWindow);
-    QObject::connect(state.deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    if (state.deadlineTimer == nullptr) {
+        state.deadlineTimer = new QTimer(mainWindow);
+        QObject::connect(state.deadlineTimer, &QTimer::timeout, mainWindow, transmitDeadlineTest);
+    }
     state.deadlineTimer->start(deadlineMilliseconds);
     startLinkThread();
 }

@@ -54,8 +54,10 @@ bool isEnabled(const Command &row) {
 void showState(const Command &row, bool menuOpen) {
     QAction *action = state.actions[row.id];
     action->setEnabled(isEnabled(row) && (!menuOpen || row.offered == nullptr || row.offered()));
+    const bool present = row.present == nullptr || row.present();
+    action->setVisible(present);
     if (row.checked != nullptr) action->setChecked(row.checked());
-    if (menuOpen && row.words != nullptr) action->setText(row.words());
+    if (menuOpen && present && row.words != nullptr) action->setText(row.words());
 }
 
 void showMenuStates(MenuPosition menu, bool menuOpen) {

@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMainWindow>
 #include <QMouseEvent>
 #include <QPainter>
@@ -10,11 +11,13 @@
 #include <QTimer>
 #include <QUrl>
 
+#include "platform/program_folder.h"
 #include "shell/parts/cursors.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
+#include "store/item_store.h"
 
 namespace numalink {
 
@@ -96,6 +99,20 @@ QDialog *makePicture(Qt::WindowFlags flags) {
     return dialog;
 }
 
+// Below the picture, which library is open and where. A path has no blanks to be broken at: it may be behind each "/".
+void addLibrary(QDialog *about) {
+    const QString text = textOf(storeIsReadOnly() ? Text::libraryOnlyRead : Text::libraryOf, {libraryFolder()});
+    auto *label = new QLabel(QString(text).replace(QLatin1Char('/'), QStringLiteral("/\u200B")), about);
+    label->setObjectName(QStringLiteral("aboutLibrary"));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setMargin(8);
+    label->setAccessibleName(text);
+    label->setToolTip(text.toHtmlEscaped());
+    label->setGeometry(0, pictureHeight, pictureWidth, label->heightForWidth(pictureWidth));
+    about->setFixedSize(pictureWidth, pictureHeight + label->height());
+}
+
 }  // namespace
 
 AboutBand aboutBandAt(int x, int y) {
@@ -111,6 +128,10 @@ void showSplash() {
     QTimer::singleShot(splashMilliseconds, splash, &QWidget::close);
 }
 
-void showAboutBox() { runDialog(*makePicture(Qt::Dialog)); }
+void showAboutBox() {
+    QDialog *about = makePicture(Qt::Dialog);
+    addLibrary(about);
+    runDialog(*about);
+}
 
 }  // namespace numalink

@@ -20,6 +20,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "store/item_store.h"
 #include "text/lenient_text.h"
 #include "text/token_table.h"
 
@@ -279,11 +280,16 @@ void forgetProgramView() {
     forgetColors();
 }
 
+void forgetKeptPrograms() {
+    for (const KeptProgram &kept : state.kept) delete kept.document;
+    state.kept.clear();
+}
+
 void openProgram(ItemId id, ByteView image) {
     if (!showKept(id, image)) return programToView(image);
     state.filling = true;
     readColors();
-    programEdit->setReadOnly(tokenCount() == 0);
+    programEdit->setReadOnly(tokenCount() == 0 || storeIsReadOnly());
     colorDocument();
     state.filling = false;
     programEdit->ensureCursorVisible();
@@ -309,7 +315,7 @@ void programToView(ByteView image) {
     state.filling = true;
     readColors();
     fill(viewLines(image));
-    programEdit->setReadOnly(tokenCount() == 0);
+    programEdit->setReadOnly(tokenCount() == 0 || storeIsReadOnly());
     colorDocument();
     document()->setModified(false);
     state.caretSteps.clear();

@@ -19,6 +19,7 @@ void openProgram(ItemId id, ByteView image);
 // Keeps the text on view, which is stored as this image, to be opened again; of many programs the last ones. The view
 // is empty then.
 void keepProgram(ItemId id, ByteView image);
+void forgetKeptPrograms();  // of a library that goes
 
 // Replaces all text by a program's. It is unchanged then, with nothing to undo and the caret at its start.
 void programToView(ByteView image);

@@ -74,7 +74,7 @@ bool makeDailyCopy() {
 }  // namespace
 
 bool keepDailyCopy() {
-    if (!storeIsOpen() || storeIsDamaged()) return true;
+    if (!storeIsOpen() || storeIsDamaged() || storeIsReadOnly()) return true;
     try {
         return makeDailyCopy();
     } catch (const std::bad_alloc &) {

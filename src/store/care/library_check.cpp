@@ -435,7 +435,8 @@ LibraryCheck lookAt(const std::string &path, const Care &care) {
     const Fault fault = withStoreLocked([&]() REQUIRES_LOCK(storeLock) {
         if (storeState.open) return Fault::absent;
         const OpenResult opened = storeFileOpen(path, !care.copy.empty());
-        if (opened == OpenResult::opened) checkOpened(check, care);
+        const bool mayDo = !storeFileIsReadOnly() || (!care.repair && care.copy.empty());
+        if (opened == OpenResult::opened && mayDo) checkOpened(check, care);
         if (opened == OpenResult::absent) check.outcome = CheckOutcome::absent;
         if (opened == OpenResult::heldByAnother) check.outcome = CheckOutcome::held;
         return Fault::none;

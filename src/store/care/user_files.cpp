@@ -24,7 +24,7 @@ constexpr std::array programNames = {"casio.ptt", "large.cft",    "small.cft",
 
 // The library with its journal and copies, and what was being typed when the program ended.
 bool isLibraryName(std::string_view name) {
-    return name.starts_with("storage.dat") || name.starts_with("settings.xml") ||
+    return name.starts_with("storage.dat") || name.starts_with("settings.xml") || name == "recent-libraries.txt" ||
            (name.starts_with("draft-") && name.ends_with(".txt"));
 }
 
@@ -40,12 +40,11 @@ struct OwnPlace {
 // A library behind a link has its journal beside the file itself.
 std::vector<OwnPlace> ownPlaces() {
     std::error_code failure;
-    const fs::path library = libraryFolder(), program = programFolder();
-    std::vector<OwnPlace> places = {{library, isLibraryName},
-                                    {dailyCopyFolder(), isAnyName},
-                                    {program, isLibraryName},
-                                    {program, isProgramName},
-                                    {program / "Language", isAnyName}};
+    const fs::path library = libraryFolder(), program = programFolder(), data = sharedDataFolder();
+    std::vector<OwnPlace> places = {
+        {library, isLibraryName}, {dailyCopyFolder(), isAnyName},    {program, isLibraryName},
+        {program, isProgramName}, {program / "Language", isAnyName}, {settingsFolder(), isLibraryName},
+        {data, isProgramName},    {data / "Language", isAnyName}};
     const fs::path real = fs::canonical(library / "storage.dat", failure);
     if (!failure) places.push_back({real.parent_path(), isLibraryName});
     return places;
@@ -63,17 +62,9 @@ bool liesIn(const fs::path &path, const OwnPlace &place) {
     return false;
 }
 
-// Also one that isn't open, wherever it lies and whatever it is called.
-bool isLibrary(const fs::path &path) {
-    std::error_code failure;
-    if (!fs::is_regular_file(path, failure)) return false;
-    char start[sizeof mainSignature] = {};
-    std::ifstream(path, std::ios::binary).read(start, sizeof start);
-    return std::memcmp(start, mainSignature, sizeof start) == 0;
-}
-
 bool isOwnFile(const std::string &path) {
-    return isLibrary(path) || std::ranges::any_of(ownPlaces(), [&](const auto &place) { return liesIn(path, place); });
+    return isLibraryFile(path) ||
+           std::ranges::any_of(ownPlaces(), [&](const auto &place) { return liesIn(path, place); });
 }
 
 bool askReplace(const std::string &path) {
@@ -82,6 +73,14 @@ bool askReplace(const std::string &path) {
 }
 
 }  // namespace
+
+bool isLibraryFile(const std::string &path) {
+    std::error_code failure;
+    if (!fs::is_regular_file(path, failure)) return false;
+    char start[sizeof mainSignature] = {};
+    std::ifstream(path, std::ios::binary).read(start, sizeof start);
+    return std::memcmp(start, mainSignature, sizeof start) == 0;
+}
 
 bool userFileIsFree(const std::string &path, bool mayReplace) {
     assertRole(ThreadRole::graphical);

@@ -16,4 +16,7 @@ bool userFileIsFree(const std::string &path, bool mayReplace);
 // Asks that, and writes bytes beside path and renames them over it. False when nothing was written (told).
 bool writeUserFile(const std::string &path, ByteView bytes, bool mayReplace);
 
+// Whether the file is a library by its first bytes, wherever it lies and whatever it is called. Any thread.
+bool isLibraryFile(const std::string &path);
+
 }  // namespace numalink

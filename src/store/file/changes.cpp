@@ -193,8 +193,9 @@ Fault faultOf(ChangeResult result) {
 Fault prepareChange() {
     forgetRefusal();
     if (!storeState.open) return Fault::absent;
-    if (storeState.damaged && !storeState.copied) storeState.copied = storeFileKeepCopy() && storeJournalKeepTorn();
-    return storeState.damaged && !storeState.copied ? Fault::notCopied : Fault::none;
+    const bool mustCopy = storeState.damaged && !storeState.copied && !storeFileIsReadOnly();
+    if (mustCopy) storeState.copied = storeFileKeepCopy() && storeJournalKeepTorn();
+    return mustCopy && !storeState.copied ? Fault::notCopied : Fault::none;
 }
 
 Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord> added, std::uint32_t nextId) {

@@ -27,7 +27,8 @@ struct Write {
 struct StoreFile {
     int file = noFile;
     int journal = noFile;
-    bool ready = false;     // what came before the first change is on the disk for sure
+    bool ready = false;  // what came before the first change is on the disk for sure
+    bool readOnly = false;
     bool torn = false;      // the journal isn't whole, and has not been written over
     bool broken = false;    // a change is half done, or may be
     bool replaced = false;  // what is open isn't any more what its name leads to, or another program wrote into it
@@ -240,7 +241,9 @@ std::optional<Bytes> readJournal() REQUIRES_LOCK(storeLock) {
 }
 
 Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
-    const OpenResult there = filePort.openOwn(storeJournalPath().c_str(), false, store.journal);
+    const std::string path = storeJournalPath();
+    const OpenResult there = store.readOnly ? filePort.openToRead(path.c_str(), store.journal)
+                                            : filePort.openOwn(path.c_str(), false, store.journal);
     if (there == OpenResult::absent) return Recovery::nothing;
     if (there == OpenResult::linked) return Recovery::linked;
     const std::optional<Bytes> bytes = there == OpenResult::opened ? readJournal() : std::nullopt;
@@ -259,13 +262,18 @@ Recovery recover(bool apply) REQUIRES_LOCK(storeLock) {
 OpenResult storeFileOpen(const std::string &path, bool create) {
     store = {};
     store.givenPath = path;
-    const OpenResult result = filePort.openLocked(path.c_str(), create, store.file);
+    OpenResult result = filePort.openLocked(path.c_str(), create, store.file);
+    if (result == OpenResult::denied) {
+        result = filePort.openToRead(path.c_str(), store.file);
+        store.readOnly = result == OpenResult::opened;
+        if (result == OpenResult::absent) result = OpenResult::failed;  // and it can't be made
+    }
     return result == OpenResult::opened && !filePort.realPath(path.c_str(), store.path) ? OpenResult::failed : result;
 }
 
 void storeFileClose() {
     if (store.journal != noFile) {
-        const bool needed = store.broken || store.torn;
+        const bool needed = store.broken || store.torn || store.readOnly;
         if (!needed && filesAreNamed() == true) filePort.remove(storeJournalPath().c_str());
         filePort.close(store.journal);
     }
@@ -277,6 +285,7 @@ const std::string &storeFilePath() { return store.path; }
 std::string storeJournalPath() { return store.path + "-journal"; }
 
 bool storeFileIsBroken() { return store.broken; }
+bool storeFileIsReadOnly() { return store.readOnly; }
 
 std::int64_t storeFileSize() { return filePort.size(store.file); }
 
@@ -288,7 +297,8 @@ void storeFileGiveRights(int other) { filePort.giveRights(store.file, other); }
 
 void storeFileCut(std::uint64_t size) {
     const std::int64_t grown = storeFileSize();
-    if (store.broken || store.replaced || grown < 0 || static_cast<std::uint64_t>(grown) <= size) return;
+    if (store.readOnly || store.broken || store.replaced || grown < 0 || static_cast<std::uint64_t>(grown) <= size)
+        return;
     Bytes head;
     if (filesAreNamed() != true || !readMainHead(static_cast<std::uint64_t>(grown), head)) return;
     if (!isAsRemembered(static_cast<std::uint64_t>(grown), head)) return;
@@ -299,7 +309,7 @@ void storeFileCut(std::uint64_t size) {
 Recovery storeFileRecover(bool apply) {
     store.broken = true;  // whatever ends the work half-way leaves the journal
     const Recovery result = recover(apply);
-    store.broken = !apply || (result != Recovery::nothing && result != Recovery::broughtBack);
+    store.broken = (!apply && !store.readOnly) || (result != Recovery::nothing && result != Recovery::broughtBack);
     rememberFile();
     return result;
 }
@@ -330,6 +340,10 @@ void changeWrite(std::uint64_t offset, Bytes bytes) { store.writes.push_back({of
 
 ChangeResult changeCommit() {
     if (store.file == noFile || store.broken) return ChangeResult::broken;
+    if (store.readOnly) {
+        refusal.cause = RefusalCause::denied;
+        return ChangeResult::refused;
+    }
     // A name that leads elsewhere now, as after a restored copy, would leave this change in a file that nobody opens
     // again.
     const std::optional<bool> named = filesAreNamed();

@@ -20,7 +20,9 @@ namespace numalink {
 
 extern Lock storeLock;  // held for the whole length of each public operation of the store
 
+// A file that may be read but not written is opened for reading.
 OpenResult storeFileOpen(const std::string &path, bool create) REQUIRES_LOCK(storeLock);
+bool storeFileIsReadOnly() REQUIRES_LOCK(storeLock);  // then every change is refused, and no file is touched
 // Harmless when closed. Removes the journal, unless it is still needed.
 void storeFileClose() REQUIRES_LOCK(storeLock);
 const std::string &storeFilePath() REQUIRES_LOCK(storeLock);  // with links followed, as the journal's is
@@ -41,7 +43,8 @@ enum class Recovery {
     unread,  // a journal that can't be read, or not by this version: what the file lacks isn't known; it can't be used
     failed   // the old bytes could not be brought back: the same, and the journal stays
 };
-// Asked once after opening, ahead of any reading. With apply unset nothing is written: broughtBack means would be.
+// Asked once after opening, ahead of any reading. With apply unset, as for a file that is only read, nothing is
+// written: broughtBack means would be.
 Recovery storeFileRecover(bool apply) REQUIRES_LOCK(storeLock);
 // Gives the journal another name, which is given; empty when that fails.
 std::string storeJournalSetAside() REQUIRES_LOCK(storeLock);

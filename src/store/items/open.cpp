@@ -29,7 +29,8 @@ struct Opening {
     OpenResult file = OpenResult::failed;
     Recovery recovery = Recovery::nothing;
     std::string journal;       // its path; where it was set aside
-    bool emptied = false;      // missing or empty, with copies beside
+    bool absent = false;       // missing or empty, and not to be begun
+    bool emptied = false;      // the same, with copies beside
     bool isNew = false;        // an empty file, which gets its head
     bool noRoom = false;       // for that head
     bool isNewer = false;      // a newer version wrote it, by all one can tell
@@ -40,8 +41,12 @@ struct Opening {
 
 // Takes an interrupted change back. False when the file can't be used.
 bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
-    opening.recovery = storeFileRecover(true);
+    const bool apply = !storeFileIsReadOnly();
+    opening.recovery = storeFileRecover(apply);
     opening.journal = storeJournalPath();
+    // What would have to be brought back, were it possible to write; another file's journal is left alone.
+    if (!apply && opening.recovery == Recovery::broughtBack) opening.recovery = Recovery::failed;
+    if (!apply && opening.recovery == Recovery::foreign) opening.recovery = Recovery::nothing;
     if (opening.recovery != Recovery::foreign)
         return opening.recovery == Recovery::nothing || opening.recovery == Recovery::broughtBack;
     const std::string kept = storeJournalSetAside();
@@ -52,15 +57,18 @@ bool recoverFile(Opening &opening) REQUIRES_LOCK(storeLock) {
 
 // The text that tells what keeps the file from being used, or none.
 Text openFile(Opening &opening, WhenEmptied whenEmptied) REQUIRES_LOCK(storeLock) {
-    const bool mayBegin = whenEmptied == WhenEmptied::begin || dailyCopyNames().empty();
+    const bool hasCopies = !dailyCopyNames().empty();
+    const bool mayBegin = whenEmptied == WhenEmptied::begin || (whenEmptied == WhenEmptied::refuse && !hasCopies);
     opening.file = storeFileOpen(storePath(), mayBegin);
-    opening.emptied = opening.file == OpenResult::absent;
+    opening.absent = opening.file == OpenResult::absent;
+    opening.emptied = opening.absent && hasCopies;
     if (opening.file != OpenResult::opened || !recoverFile(opening)) return Text::libraryNotOpened;
     const std::int64_t size = storeFileSize();
     if (size < 0) return Text::libraryTooShort;
     opening.isNew = size == 0;
-    opening.emptied = opening.isNew && !mayBegin;
-    if (opening.emptied) return Text::libraryNotOpened;
+    opening.absent = opening.isNew && (!mayBegin || storeFileIsReadOnly());
+    opening.emptied = opening.absent && hasCopies;
+    if (opening.absent) return Text::libraryNotOpened;
     const Text trouble = opening.isNew ? createStore() : readMain(storeState.main);
     opening.isNewer = mayBeNewer(trouble, storeState.main);
     opening.noRoom = opening.isNew && trouble != Text::none && lastRefusal().cause == RefusalCause::full;
@@ -76,7 +84,8 @@ Text openFile(Opening &opening, WhenEmptied whenEmptied) REQUIRES_LOCK(storeLock
     storeState.damaged = opening.damage > 0;
     storeState.open = true;
     // A start alone changes nothing, so that the daily copies are of days with changes.
-    if (!opening.isNew && opening.damage == 0 && !tempIsFresh()) opening.resetFault = resetTemp();
+    const bool mayReset = !opening.isNew && opening.damage == 0 && !storeFileIsReadOnly();
+    if (mayReset && !tempIsFresh()) opening.resetFault = resetTemp();
     return Text::none;
 }
 
@@ -97,6 +106,8 @@ bool tellNotOpened(Text text, const Opening &opening) {
         tellMore(text, Text::storeNotBroughtBack, {opening.journal});
     else if (opening.emptied)
         tellUser(Text::storeEmptied, {storePath(), dailyCopyFolder(), libraryFolder()});
+    else if (opening.absent)
+        tellUser(Text::storeAbsent, {libraryFolder()});
     else if (opening.noRoom)
         tellStoreFault(Fault::notWritten);
     else if (text == Text::libraryNotOpened)
@@ -141,7 +152,7 @@ bool storeOpen(WhenEmptied whenEmptied) {
 
 void storeClose() {
     withStoreLocked([]() REQUIRES_LOCK(storeLock) {
-        if (!storeState.open || storeState.damaged) return Fault::none;
+        if (!storeState.open || storeState.damaged || storeFileIsReadOnly()) return Fault::none;
         closeGaps();  // should it fail, the next end of a run does it
         storeFileCut(storeState.main.endOffset);
         return Fault::none;
@@ -152,6 +163,11 @@ void storeClose() {
 bool storeIsOpen() {
     const HoldLock hold(storeLock);
     return storeState.open;
+}
+
+bool storeIsReadOnly() {
+    const HoldLock hold(storeLock);
+    return storeState.open && storeFileIsReadOnly();
 }
 
 bool storeWriteHead() {

@@ -1,0 +1,73 @@
+# Completion for numalink, numalink-cli and numalink-calculator.
+
+_numalink() {
+    local cur prev words cword
+    _init_completion || return
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "--help --version" -- "$cur")
+    else
+        _filedir
+    fi
+}
+
+# The options of each command, "tokens" aside, and the words that an option's value is one of.
+_numalink_cli() {
+    local cur prev words cword i command=""
+    _init_completion || return
+    for ((i = 1; i < cword; i++)); do
+        [[ ${words[i]} == -* ]] && continue
+        command=${words[i]}
+        break
+    done
+    case $prev in
+        --to) mapfile -t COMPREPLY < <(compgen -W "cas cat cat-algebra" -- "$cur") && return ;;
+        --raster) mapfile -t COMPREPLY < <(compgen -W "image sharp" -- "$cur") && return ;;
+        --existing) mapfile -t COMPREPLY < <(compgen -W "keep replace skip" -- "$cur") && return ;;
+        --answer) mapfile -t COMPREPLY < <(compgen -W "yes no cancel" -- "$cur") && return ;;
+        --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
+        --port) mapfile -t COMPREPLY < <(compgen -W "COM1 COM2 COM3 COM4" -- "$cur") && _filedir && return ;;
+    esac
+    local run="--help --keys --getkey --set --statements --repeat --plain --paced --json" options=""
+    case $command in
+        "") options="--help --version" ;;
+        check) options="--help --repair --restore" ;;
+        convert) options="--help --to --raster --replace" ;;
+        export) options="--help --to --replace" ;;
+        import) options="--help --into --existing --raster" ;;
+        link) options="--help --port --type --answer --slot --remove-colour --seconds --json" ;;
+        list) options="--help --json" ;;
+        show) options="--help --bitmap --replace" ;;
+        run | eval) options=$run ;;
+        *) options="--help" ;;
+    esac
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
+    elif [[ -z $command ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "check convert export import link list show run eval tokens write" -- "$cur")
+    elif [[ $command == tokens ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
+    else
+        _filedir
+    fi
+}
+
+_numalink_calculator() {
+    local cur prev words cword
+    _init_completion || return
+    case $prev in
+        --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
+        --exists) mapfile -t COMPREPLY < <(compgen -W "overwrite skip stop" -- "$cur") && return ;;
+        --answer) mapfile -t COMPREPLY < <(compgen -W "take exists refuse" -- "$cur") && return ;;
+        --receive) _filedir -d && return ;;
+    esac
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "--help --version --type --send --give --receive --link --exists --answer --noise \
+            --drop --double --flip --delay --patience --pause --seed --seconds --paced --silent --once" -- "$cur")
+    else
+        _filedir
+    fi
+}
+
+complete -F _numalink numalink
+complete -F _numalink_cli numalink-cli
+complete -F _numalink_calculator numalink-calculator
