@@ -64,6 +64,7 @@ struct GraphSettings {
     std::array<GraphMemory, memoryCount> memories;
     bool plotsOnly = false;  // dots that aren't joined
     bool hidesAxes = false;  // told by AxesOff: graphs have axes unless a program does without
+    bool showsGrid = false;  // told by GridOn
     LineStyle sketchStyle = LineStyle::normal;
     PixelColor sketchColor = pixelColor::blue;
     DualScreen dual = DualScreen::off;

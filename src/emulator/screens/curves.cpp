@@ -156,7 +156,7 @@ double rowOf(const GraphFrame &frame, double y) {
 void drawAxes(const GraphFrame &frame) {
     if (!hasSize(frame)) return;
     const Marks columns(frame.xLow, frame.xHigh, frame.xScale), rows(frame.yLow, frame.yHigh, frame.yScale);
-    if (machine.gridSwitch) drawGrid(frame, columns, rows);
+    if (graphs.showsGrid) drawGrid(frame, columns, rows);
     if (graphs.hidesAxes) return;
     const int axisColumn = floorOf(dotColumn(frame, 0) + roundingRoom),
               axisRow = floorOf(rowOf(frame, 0) + roundingRoom);

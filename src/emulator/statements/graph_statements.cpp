@@ -20,6 +20,7 @@ namespace {
 WayOut runGridOn(RunState &state) {
     expectAlone(state);
     machine.gridSwitch = true;
+    graphs.showsGrid = true;
     return handled(state);
 }
 

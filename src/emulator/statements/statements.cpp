@@ -35,6 +35,7 @@ template <bool value>
 WayOut runGridSwitch(RunState &state) {
     expectAlone(state);
     machine.gridSwitch = value;
+    graphs.showsGrid = false;  // GridOff has the byte pair that turns the switch on
     return handled(state);
 }
 
