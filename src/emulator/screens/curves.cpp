@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 
 #include "drawing/dot_fonts.h"
@@ -79,9 +80,12 @@ struct Marks {
     }
 };
 
-// A place that lies between two dots by no more than rounding belongs to the latter.
-int markColumn(const GraphFrame &frame, int mark) { return floorOf(dotColumn(frame, mark * frame.xScale) + 1e-9); }
-int markRow(const GraphFrame &frame, int mark) { return floorOf(rowOf(frame, mark * frame.yScale) + 1e-9); }
+// A place that lies ahead of a dot by no more than rounding belongs to it.
+constexpr double roundingRoom = 1e-9;
+int markColumn(const GraphFrame &frame, int mark) {
+    return floorOf(dotColumn(frame, mark * frame.xScale) + roundingRoom);
+}
+int markRow(const GraphFrame &frame, int mark) { return floorOf(rowOf(frame, mark * frame.yScale) + roundingRoom); }
 
 // Cuts the line to the frame (Liang and Barsky); false where nothing of it is left.
 bool clip(const GraphFrame &frame, double &x0, double &y0, double &x1, double &y1) {
@@ -154,7 +158,8 @@ void drawAxes(const GraphFrame &frame) {
     const Marks columns(frame.xLow, frame.xHigh, frame.xScale), rows(frame.yLow, frame.yHigh, frame.yScale);
     if (graphs.showsGrid) drawGrid(frame, columns, rows);
     if (graphs.hidesAxes) return;
-    const int axisColumn = floorOf(dotColumn(frame, 0) + 1e-9), axisRow = floorOf(rowOf(frame, 0) + 1e-9);
+    const int axisColumn = floorOf(dotColumn(frame, 0) + roundingRoom),
+              axisRow = floorOf(rowOf(frame, 0) + roundingRoom);
     for (int column = firstColumn(frame); column <= lastColumn(frame); column++) putInside(frame, column, axisRow);
     for (int row = firstRow; row <= lastRow; row++) putInside(frame, axisColumn, row);
     for (const int beside : {-1, 1}) {
@@ -164,18 +169,18 @@ void drawAxes(const GraphFrame &frame) {
     if (machine.graphSwitches[axesSwitchOfLabels]) drawNames(frame, axisColumn, axisRow);
 }
 
-void CurvePen::put(double column, double row) { dots.put(floorOf(column), floorOf(row)); }
-
 void CurvePen::toDot(double column, double row) {
     if (!std::isfinite(column) || !std::isfinite(row)) return lift();
     double x0 = joins && isDown ? penColumn : column, y0 = joins && isDown ? penRow : row;
     double x1 = penColumn = column, y1 = penRow = row;
     isDown = true;
     if (!clip(frame, x0, y0, x1, y1)) return;
-    const int steps = static_cast<int>(std::ceil(std::max(std::fabs(x1 - x0), std::fabs(y1 - y0))));
+    const int fromX = floorOf(x0 + roundingRoom), fromY = floorOf(y0 + roundingRoom);
+    const int wayX = floorOf(x1 + roundingRoom) - fromX, wayY = floorOf(y1 + roundingRoom) - fromY;
+    const int steps = std::max(std::abs(wayX), std::abs(wayY));
     for (int i = 0; i <= steps; i++) {
-        const double way = steps == 0 ? 0 : static_cast<double>(i) / steps;
-        put(x0 + (x1 - x0) * way, y0 + (y1 - y0) * way);
+        const double share = steps == 0 ? 0 : static_cast<double>(i) / steps;
+        dots.put(fromX + floorOf(wayX * share + 0.5), fromY + floorOf(wayY * share + 0.5));
     }
 }
 

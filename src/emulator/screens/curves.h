@@ -39,8 +39,6 @@ public:
     void toDot(double column, double row);  // dots of the screen
 
 private:
-    void put(double column, double row);
-
     GraphFrame frame;
     StyledDots dots;
     bool joins;

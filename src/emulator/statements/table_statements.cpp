@@ -1,4 +1,6 @@
 // The statements of number tables and of dynamic graphs: one function at many values.
+#include <algorithm>
+
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/pace.h"
@@ -95,12 +97,15 @@ std::string nameOfVariable(Token variable) {
 }
 
 // The graph at one value of the variable.
-bool showDynamic(const GraphFunction &function, double value) {
+bool showDynamic(const GraphFunction &function, double value, std::size_t &captionLength) {
     const GraphFrame frame = wholeFrame();
     if (!graphs.keepsLocus) clearScreen();
     drawAxes(frame);
     drawCurve(frame, curveOf(function));
-    graphCaption(nameOfVariable(graphs.dynamicVariable) + "=" + numberText(value, machine.format), pixelColor::blue);
+    std::string caption = nameOfVariable(graphs.dynamicVariable) + "=" + numberText(value, machine.format);
+    captionLength = std::max(captionLength, caption.size());
+    caption.resize(captionLength, ' ');  // over a longer one, where graphs stay
+    graphCaption(caption, pixelColor::blue);
     setScreenMode(graphMode);
     refreshScreen(false);
     return runGoesOn() && !machine.errorFlag && waitForNextValue();
@@ -119,10 +124,11 @@ WayOut runDrawDynamic(RunState &state) {
         return graphShown(state);
     }
     clearScreen();
+    std::size_t captionLength = 0;
     for (int pass = 0; graphs.dynamicGoesOn || pass < passes; pass++) {
         for (std::int64_t i = 0; i < count; i++) {
             *variable = complexReal(start + static_cast<double>(i) * pitch);
-            if (!showDynamic(*function, variable->re)) return graphShown(state);
+            if (!showDynamic(*function, variable->re, captionLength)) return graphShown(state);
         }
     }
     return graphShown(state);
