@@ -27,7 +27,8 @@ void applyLayout() {
     place(lineNumberEdit, layout.lineNumbers);
     place(programEdit, layout.program);
     place(containerWindow, layout.container);
-    if (emulatorWindow != nullptr && emulatorWindow->parentWidget() == clientArea) place(emulatorWindow, layout.container);
+    if (emulatorWindow != nullptr && emulatorWindow->parentWidget() == clientArea)
+        place(emulatorWindow, layout.container);
 }
 
 void toggleTree() {
