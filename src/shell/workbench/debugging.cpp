@@ -21,7 +21,6 @@
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/selection.h"
-#include "shell/workbench/panes.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
 
@@ -51,7 +50,7 @@ DebugOptions optionsNow() {
     return {.stopAtEntry = state.stopAtEntry,
             .stopAtEnd = false,
             .breakpoints = true,
-            .records = panesShown(),
+            .records = anyPaneShown(),
             .errors = state.firstError ? ErrorStops::first : ErrorStops::none};
 }
 
@@ -118,7 +117,7 @@ void followNoMore() {
 // The calculator beside the program, and the run that is on followed.
 bool beginFollowing() {
     if (!showBesideProgram(true)) return false;
-    showPanes(true);
+    showWorkbench(true);
     if (emulatorShown() && !state.follows) follow();
     return true;
 }
@@ -281,7 +280,7 @@ void toggleBeside() {
     }
     const bool beside = !besideProgram();
     if (showBesideProgram(beside) && beside && emulatorShown()) follow();
-    showPanes(besideProgram());
+    showWorkbench(besideProgram());
     tellChange();
 }
 

@@ -23,6 +23,10 @@ void debugPanesChanged();  // a run is recorded while a pane is shown
 // After each change of the above, of the breakpoints, and when another program is on view.
 inline void (*debuggingChanged)() = [] {};
 
+// The panes stand above this, and say here how they come and go, and whether one is shown.
+inline void (*showWorkbench)(bool show) = [](bool) {};
+inline bool (*anyPaneShown)() = [] { return false; };
+
 // Commands. Those that move a run start the selected program where none runs, ahead of its first statement.
 void debugGoOn();
 void debugPauseRun();

@@ -164,10 +164,14 @@ void makePanes() {
     arrange();
     makeStopLine();
     debuggingChanged = refreshShown;
+    showWorkbench = showPanes;
+    anyPaneShown = panesShown;
     if (besideProgram()) showPanes(true);
 }
 
 void forgetPanes() {
+    showWorkbench = [](bool) {};
+    anyPaneShown = [] { return false; };
     state = {};
     forgetVariablesPane();
     forgetWatchesPane();
