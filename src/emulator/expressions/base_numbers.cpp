@@ -24,7 +24,12 @@ bool isLetterDigit(const ProgramCell &cell) {
     return cell.kind == CellKind::token && cell.token1 >= firstLetterDigit && cell.token1 <= lastLetterDigit;
 }
 
-bool isDigits(const ProgramCell &cell) { return isLetterDigit(cell) || (isNumber(cell) && cell.stringLength > 0); }
+// A result may lie in a cell that held digits: it is none, as what isn't finite or has more places shows.
+bool isDigits(const ProgramCell &cell) {
+    if (isLetterDigit(cell)) return true;
+    if (!isNumber(cell) || cell.stringLength == 0) return false;
+    return cell.stringLength > digitLimit || (cell.value.re >= 0 && cell.value.re < std::pow(10.0, cell.stringLength));
+}
 
 // A number that grows digit by digit. Beyond 32 bits, and with a digit that the base doesn't have, it is none.
 struct Growing {

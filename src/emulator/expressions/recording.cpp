@@ -25,8 +25,9 @@ ComplexValue operandNumber(const ComplexValue *operand) {
 
 const ComplexValue *operandNumbered(const Recording &in, ComplexValue number) {
     static const ComplexValue nothing;
-    const auto index = static_cast<std::size_t>(number.re);
-    return index < in.operands.size() ? in.operands[index] : &nothing;
+    // Behind a report passes go on with what isn't one of our numbers; such a statement has no plan in the end.
+    if (!(number.re >= 0 && number.re < static_cast<double>(in.operands.size()))) return &nothing;
+    return in.operands[static_cast<std::size_t>(number.re)];
 }
 
 ComplexValue write(Operation operation) {
