@@ -152,6 +152,13 @@ TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
     ASSERT_TRUE(startProgram());
     EXPECT_TRUE(besideProgram());
     EXPECT_TRUE(paneShown(Pane::profile)) << "as it was left";
+    mainWindow->findChild<QDockWidget *>(QStringLiteral("profileDock"))->close();
+    EXPECT_FALSE(paneShown(Pane::profile));
+    show(program);
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    answer(wording(Text::ok));
+    handleCommand(CommandId::remove);
+    EXPECT_FALSE(emulatorRunning) << "its program is gone";
 }
 
 }  // namespace numalink

@@ -223,9 +223,9 @@ void stopAndShowProgram() {
     showRunFault();
 }
 
-// Beside the program the calculator goes on while other items are looked at.
+// Beside the program the calculator goes on while other items are looked at, but not without its program.
 void stopWithView() {
-    if (!besideProgram()) emulatorStop();
+    if (!besideProgram() || !storeReadEntry(state.started)) emulatorStop();
 }
 
 QRect displayOnDesktop() {
@@ -245,7 +245,8 @@ void emulatorToggle() {
     state.outlinedKey = 0;
     showEmulatorPlace();
     if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
-    if (settingsInt(setting::fullscreen) == 1) fullScreenEnter();
+    // Full screen would hide the program that one wants to see.
+    if (settingsInt(setting::fullscreen) == 1 && !besideProgram()) fullScreenEnter();
     commandStatesChanged();
     if (!startRun(item->id)) {
         emulatorStop();

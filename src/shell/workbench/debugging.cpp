@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <atomic>
+#include <filesystem>
 #include <set>
 
 #include "debugger/breakpoint_file.h"
@@ -176,7 +177,10 @@ void toggleAt(int line, int statement) {
 // Those of items that have been deleted in an earlier run of the program would never be seen again.
 void loadBreakpoints() {
     breakpointsChanged = nullptr;  // what is there needn't be written
-    breakpointsLoad(libraryFolder());
+    const std::string file = libraryFolder() + breakpointFileName;
+    std::error_code failed;
+    // What can't be read is kept beside, since the next breakpoint is written in its place.
+    if (!breakpointsLoad(libraryFolder())) std::filesystem::rename(file, file + ".damaged", failed);
     for (const Breakpoint &point : breakpoints())
         if (point.item != noItem && !storeReadEntry(point.item)) breakpointRemove(point.id);
     breakpointsChanged = breakpointsAreOthers;
@@ -222,7 +226,9 @@ void debugPanesChanged() {
 
 void debugGoOn() {
     if (state.follows) {
-        if (state.isStopped) debugStep(DebugStep::onward);
+        if (!state.isStopped) return;
+        emulatorWindow->setFocus();  // its keys are for the program now, not for the text
+        debugStep(DebugStep::onward);
         return;
     }
     if (emulatorShown() || !beginFollowing()) return;

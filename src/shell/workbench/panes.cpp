@@ -8,6 +8,7 @@
 
 #include "settings/settings_store.h"
 #include "shell/parts/command_states.h"
+#include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
@@ -56,6 +57,7 @@ struct Dock {
 struct Panes {
     std::array<Dock, std::size(rows)> docks;
     bool shown = false;
+    bool sized = false;      // once: afterwards the user's sizes stay
     bool arranging = false;  // what the docks tell meanwhile is our own doing
 };
 Panes state;
@@ -104,6 +106,15 @@ void changed() {
     commandStatesChanged();
 }
 
+// Closed by its own button.
+bool dockEvent(QWidget *widget, QEvent *event) {
+    if (event->type() != QEvent::Close) return false;
+    for (Dock &dock : state.docks)
+        if (dock.widget == widget) dock.wanted = false;
+    QTimer::singleShot(0, mainWindow, changed);
+    return false;
+}
+
 void makeDock(std::size_t index) {
     const PaneRow &row = rows[index];
     Dock &dock = state.docks[index];
@@ -114,11 +125,7 @@ void makeDock(std::size_t index) {
     content->setAccessibleName(title);
     dock.widget->setWidget(content);
     dock.widget->hide();
-    // Closed by its own button.
-    QObject::connect(dock.widget->toggleViewAction(), &QAction::triggered, dock.widget, [index](bool on) {
-        state.docks[index].wanted = on;
-        changed();
-    });
+    hookEvents(dock.widget, dockEvent);
     // Also when its tab comes to the front.
     QObject::connect(dock.widget, &QDockWidget::visibilityChanged, dock.widget, [index](bool visible) {
         if (visible) rows[index].refresh();
@@ -198,8 +205,9 @@ void showPanes(bool show) {
         if (area == Qt::RightDockWidgetArea && right.isEmpty()) right << dock.widget;
         if (area == Qt::BottomDockWidgetArea && bottom.isEmpty()) bottom << dock.widget;
     }
-    mainWindow->resizeDocks(right, {rightWidth}, Qt::Horizontal);
-    mainWindow->resizeDocks(bottom, {bottomHeight}, Qt::Vertical);
+    if (!state.sized && !right.isEmpty()) mainWindow->resizeDocks(right, {rightWidth}, Qt::Horizontal);
+    if (!state.sized && !bottom.isEmpty()) mainWindow->resizeDocks(bottom, {bottomHeight}, Qt::Vertical);
+    state.sized = state.sized || show;
     state.arranging = false;
     refreshShown();
 }
