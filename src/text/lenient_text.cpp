@@ -249,7 +249,7 @@ ViewLine lenientLine(LenientText &text, std::string_view utf8, const LinePlace &
     }
     isTab.resize(line.text.size() + 1, false);
     takeOutsideQuotes(text, line, start);
-    const ViewLine kept = withoutBlanks(line, isTab, start, place);
+    ViewLine kept = withoutBlanks(line, isTab, start, place);
     text.blanksLeftOut = text.blanksLeftOut || kept.text.size() + start < line.text.size();
     ViewLine quoted{opening(place.quoting) + kept.text, {}};
     quoted.origins.resize(start, origin::typed);

@@ -46,6 +46,7 @@ TextOverProgram linesOverProgram(ByteView image, std::string_view utf8) {
     std::vector<std::string_view> texts = linesOfText(utf8);
     if (texts.size() > 1 && texts.back().empty()) texts.pop_back();
     std::vector<ViewLine> lines;
+    lines.reserve(texts.size());
     for (const std::string_view text : texts) lines.push_back(typedLine(text));
     const std::size_t shorter = std::min(lines.size(), old.size());
     std::size_t ahead = 0;

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QMainWindow>
 #include <QToolBar>
 #include <map>
@@ -114,10 +115,11 @@ void addHeat() {
 std::vector<StatementMark> marksOfRun() {
     std::vector<StatementMark> marks;
     if (storedSinceStart(viewItemId) || programChanged()) return marks;
-    if (neverRunShown())
+    if (neverRunShown()) {
         for (const ProfileRow &row : profileReport().rows)
             if (row.place.item == viewItemId && row.count == 0)
                 marks.push_back({row.place.line, row.place.statement, StatementLook::neverRun});
+    }
     const DebugStop *stop = shownStop();
     if (stop == nullptr) return marks;
     const std::vector<DebugPlace> calls = debugCalls();
