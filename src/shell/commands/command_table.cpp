@@ -1,3 +1,4 @@
+// One table for all commands, however long: its order is that of the menus, and a command is looked for in one place.
 #include "shell/commands/command_table.h"
 
 #include <algorithm>
