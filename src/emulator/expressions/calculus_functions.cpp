@@ -7,7 +7,6 @@
 #include "emulator/expressions/calculus.h"
 #include "emulator/expressions/calls.h"
 #include "emulator/expressions/sampled_function.h"
-#include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
 #include "emulator/machine/run_waits.h"
 
@@ -73,15 +72,6 @@ struct CalculusCall {
 constexpr double farAway = 1e99;
 constexpr int numberLimit = 3;
 
-ProgramCell pairOf(double x, double y) {
-    MatrixDescriptor *list = matrixAllocate(ownedTemporarily, 1, 2);
-    if (matrixSize(list) == 2) {
-        matrixElements(list)[0] = x;
-        matrixElements(list)[1] = y;
-    }
-    return arrayCell(CellKind::list, list);
-}
-
 // Expression of X, then numbers.
 template <const CalculusCall &sort>
 ProgramCell computed(const CallArguments &arguments) {
@@ -104,7 +94,7 @@ ProgramCell computed(const CallArguments &arguments) {
     if (result.end == CalculusEnd::stopped || function.tellIfNowhere()) return numberCell({});
     const double value = sort.givesPlace ? result.x : result.y;
     if (result.end == CalculusEnd::none || !isFinite(complexReal(value))) return refusedCall(maError);
-    return sort.givesPair ? pairOf(result.x, result.y) : numberCell(complexReal(value));
+    return sort.givesPair ? listOfTwo(result.x, result.y) : numberCell(complexReal(value));
 }
 
 CalculusResult lowest(const RealFunction &function, const double *numbers) {

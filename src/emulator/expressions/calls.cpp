@@ -77,4 +77,13 @@ bool fieldValue(const CallField &field, ComplexValue &value) {
     return true;
 }
 
+ProgramCell listOfTwo(double first, double second) {
+    MatrixDescriptor *list = matrixAllocate(ownedTemporarily, 1, 2);
+    if (matrixSize(list) == 2) {
+        matrixElements(list)[0] = first;
+        matrixElements(list)[1] = second;
+    }
+    return arrayCell(CellKind::list, list);
+}
+
 }  // namespace numalink

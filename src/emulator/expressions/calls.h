@@ -32,4 +32,7 @@ int splitFields(const CallArguments &arguments, std::span<CallField> fields);
 // The value of a field, evaluated on a copy. False after Syn ERROR where it isn't one number of at most 500 cells.
 bool fieldValue(const CallField &field, ComplexValue &value);
 
+// A result of two numbers: a temporary list; of none where there was no room, which is reported.
+ProgramCell listOfTwo(double first, double second);
+
 }  // namespace numalink

@@ -7,7 +7,6 @@
 #include "emulator/expressions/angles.h"
 #include "emulator/expressions/calls.h"
 #include "emulator/expressions/complex_math.h"
-#include "emulator/machine/arrays.h"
 #include "emulator/screens/screen_number.h"
 
 namespace numalink {
@@ -92,15 +91,6 @@ Value exclusive(Value a, Value b) { return complexReal((a.re != 0) != (b.re != 0
 Value bitsOfOne(Value a, Value b) { return complexReal(wrappedInteger(a.re) ^ wrappedInteger(b.re)); }
 Value bitsAlike(Value a, Value b) { return complexReal(~(wrappedInteger(a.re) ^ wrappedInteger(b.re))); }
 Value negatedBits(Value a) { return complexReal(wrappedInteger(-double{1} * wrappedInteger(a.re))); }
-
-ProgramCell listOfTwo(double first, double second) {
-    MatrixDescriptor *list = matrixAllocate(ownedTemporarily, 1, 2);
-    if (matrixSize(list) == 2) {
-        matrixElements(list)[0] = first;
-        matrixElements(list)[1] = second;
-    }
-    return arrayCell(CellKind::list, list);
-}
 
 // Distance and angle of a place; the other way about, the place.
 ProgramCell toPolar(const CallArguments &arguments) {
