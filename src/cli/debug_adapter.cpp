@@ -263,7 +263,8 @@ std::string elementName(const NamedArray &array, int index) {
 
 void addElements(Json &list, const NamedArray &array, int start, int count) {
     const int size = array.columns * array.rows;
-    const int end = count <= 0 ? size : static_cast<int>(std::min<std::int64_t>(size, std::int64_t{start} + count));
+    const std::int64_t asked = count > 0 ? std::int64_t{start} + count : size;
+    const int end = static_cast<int>(std::min<std::int64_t>(size, asked));
     for (int index = std::max(start, 0); index < end; index++) {
         const double element = debugElement(array, index / array.columns + 1, index % array.columns + 1);
         list.push_back(variable(elementName(array, index), elementTextOf(element).full));

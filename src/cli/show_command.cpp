@@ -46,8 +46,8 @@ int showDots(const StoredItem &item, const ShowOptions &options) {
     loadLargeFont();
     loadSmallFont();
     const Surface surface = itemSurface(item.kind, item.head, item.data);
-    if (const char *wording = faultWording(pictureFault(item.kind, item.head, item.data)))
-        std::fprintf(stderr, "numalink-cli: %s\n", wording);
+    if (const char *fault = faultWording(pictureFault(item.kind, item.head, item.data)))
+        std::fprintf(stderr, "numalink-cli: %s\n", fault);
     if (options.bitmap.empty()) {
         std::printf("%s", dotText(surface).c_str());
         return exitDone;

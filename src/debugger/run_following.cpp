@@ -199,14 +199,14 @@ void record(int program, int cell) {
 
 // The statement was found that was gone back for.
 bool arrive(int program, int cell) {
-    const Search search = std::move(*run.search);
+    const Search found = std::move(*run.search);
     run.search.reset();
     if (machine.statementsRun >= run.newest) beLive();
     stopsLookAtData(run.stops);
     refreshScreen(false);
     holdDisplay(false);
-    DebugStop stop = stopFor(search.reason, program, cell, false);
-    stop.breakpoint = search.breakpoint;
+    DebugStop stop = stopFor(found.reason, program, cell, false);
+    stop.breakpoint = found.breakpoint;
     return stopAt(stop);
 }
 
@@ -229,7 +229,7 @@ void searchFurther(Search &search, std::uint64_t oldest) {
 }
 
 // On the way back, through what has run before.
-bool search(int program, int cell) {
+bool goOnSearching(int program, int cell) {
     Search &going = *run.search;
     const std::uint64_t now = machine.statementsRun;
     if (going.isGoal) {
@@ -248,7 +248,7 @@ bool beforeStatement(RunState &running) {
     if (runIsLeft() || !runGoesOn()) return false;
     const int program = running.programIndex, cell = running.position;
     if (run.search) {
-        if (!search(program, cell)) return false;
+        if (!goOnSearching(program, cell)) return false;
         if (run.search) return true;
         setLook();
         return runGoesOn();

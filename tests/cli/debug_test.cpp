@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <istream>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -18,6 +17,7 @@
 #include "cli/debug_adapter.h"
 #include "cli/library_session.h"
 #include "platform/clock.h"
+#include "platform/lock.h"
 #include "settings/settings_store.h"
 #include "support/byte_text.h"
 #include "support/scratch_folder.h"
@@ -34,14 +34,15 @@ constexpr auto patience = std::chrono::seconds(20);
 class Pipe : public std::streambuf {
 public:
     void close() {
-        const std::lock_guard held(mutex);
+        const HoldLock held(lock);
         isClosed = true;
         changed.notify_all();
     }
     // The next byte, or end of file when it's closed or nothing comes.
     int take() {
-        std::unique_lock held(mutex);
-        changed.wait_for(held, patience, [this] { return isClosed || at < bytes.size(); });
+        HoldLock held(lock);
+        const auto end = std::chrono::steady_clock::now() + patience;
+        while (!isClosed && at == bytes.size() && std::chrono::steady_clock::now() < end) held.waitUntil(changed, end);
         return at < bytes.size() ? static_cast<unsigned char>(bytes[at++]) : traits_type::eof();
     }
 
@@ -54,7 +55,7 @@ protected:
         return byte;
     }
     std::streamsize xsputn(const char *text, std::streamsize count) override {
-        const std::lock_guard held(mutex);
+        const HoldLock held(lock);
         bytes.append(text, static_cast<std::size_t>(count));
         changed.notify_all();
         return count;
@@ -66,11 +67,11 @@ protected:
     }
 
 private:
-    std::mutex mutex;
+    Lock lock;
     std::condition_variable changed;
-    std::string bytes;
-    std::size_t at = 0;
-    bool isClosed = false;
+    std::string bytes GUARDED_BY(lock);
+    std::size_t at GUARDED_BY(lock) = 0;
+    bool isClosed GUARDED_BY(lock) = false;
     char current = 0;
 };
 

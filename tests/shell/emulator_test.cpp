@@ -80,9 +80,9 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
     QTest::keyPress(window, Qt::Key_Tab);
     EXPECT_EQ(keyCode, 25);
     const struct {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        int code;
+        Qt::Key key = {};
+        Qt::KeyboardModifiers modifiers = {};
+        int code = 0;
     } numberKeys[] = {{Qt::Key_4, {}, 73},      {Qt::Key_5, {}, 63},         {Qt::Key_5, Qt::KeypadModifier, 63},
                       {Qt::Key_Period, {}, 61}, {Qt::Key_Minus, {}, 32},     {Qt::Key_ParenLeft, Qt::ShiftModifier, 55},
                       {Qt::Key_Comma, {}, 35},  {Qt::Key_Backspace, {}, 44}, {Qt::Key_Comma, Qt::KeypadModifier, 61}};

@@ -47,7 +47,7 @@ long double roundedDeterminant(std::span<const double> matrix, std::size_t n, lo
 
 }  // namespace
 
-bool solveLinear(std::vector<long double> &matrix, std::vector<long double> &vector) {
+bool solveLinear(const std::vector<long double> &matrix, std::vector<long double> &vector) {
     const std::size_t n = vector.size();
     Rows rows{std::vector<long double>(n * (n + 1)), n, n + 1};
     for (std::size_t row = 0; row < n; row++) {

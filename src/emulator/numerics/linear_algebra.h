@@ -7,8 +7,8 @@
 
 namespace numalink {
 
-// Solves in place: matrix is n by n, and vector comes to hold the solution. False when a pivot is 0.
-bool solveLinear(std::vector<long double> &matrix, std::vector<long double> &vector);
+// Solves a system: matrix is n by n, and vector comes to hold the solution. False when a pivot is 0.
+bool solveLinear(const std::vector<long double> &matrix, std::vector<long double> &vector);
 
 // Of an n by n matrix. Exact where the elements are whole numbers and every product of n of them stays below 10^15;
 // 1 where n is 0.

@@ -18,12 +18,12 @@ struct Ranking {
     std::vector<double> reach;
 
     explicit Ranking(const Sample &sample) {
-        double total = 0;
+        double reached = 0;
         for (const std::size_t i : risingOrder(sample.values)) {
             if (!(sample.weight(i) > 0)) continue;
-            total += sample.weight(i);
+            reached += sample.weight(i);
             values.push_back(sample.values[i]);
-            reach.push_back(total);
+            reach.push_back(reached);
         }
     }
     double total() const { return reach.empty() ? 0 : reach.back(); }

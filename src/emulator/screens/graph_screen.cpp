@@ -111,10 +111,10 @@ void StyledDots::put(int x, int y, void (*putDot)(int x, int y, PixelColor color
     if (style == LineStyle::broken && at / dashLength % 2 != 0) return;
     putDot(x, y, color);  // as it is: it may lie outside
     if (style != LineStyle::thick && style != LineStyle::broken) return;
-    const bool hasRight = x < lastColumn;
     putDot(x, y + 1, color);
-    if (hasRight) putDot(x + 1, y, color);
-    if (hasRight) putDot(x + 1, y + 1, color);
+    if (x >= lastColumn) return;
+    putDot(x + 1, y, color);
+    putDot(x + 1, y + 1, color);
 }
 
 void plotPoint(double x, double y, PixelColor color) {

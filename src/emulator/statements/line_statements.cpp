@@ -99,9 +99,9 @@ bool send(Sent &sent) {
     } else if (!appendElements(data, *sent.array)) {
         return false;
     }
-    const int rows = sent.array == nullptr ? 1 : (*sent.array)->rows,
-              columns = sent.array == nullptr ? 1 : (*sent.array)->cols;
-    const Bytes head = headOf(sent, ":VAL", static_cast<std::uint32_t>(rows), static_cast<std::uint32_t>(columns));
+    const int height = sent.array == nullptr ? 1 : (*sent.array)->rows,
+              width = sent.array == nullptr ? 1 : (*sent.array)->cols;
+    const Bytes head = headOf(sent, ":VAL", static_cast<std::uint32_t>(height), static_cast<std::uint32_t>(width));
     if (!farEndSend(head, data, sent.isComplex ? complexFrameSize : valueFrameSize)) comError();
     return true;
 }
@@ -126,13 +126,13 @@ double valueAt(ByteView frame, std::size_t offset) {
 }
 
 void keepArray(MatrixSlot &slot, ByteView head, ByteView data) {
-    const int rows = readBig16(head, frameRowsOffset), columns = readBig16(head, frameColumnsOffset);
-    matrixRenew(ownedByVariable, slot, columns, rows);
-    for (std::size_t at = 0; at + valueFrameSize <= data.size() && matrixSize(slot) == rows * columns;
+    const int height = readBig16(head, frameRowsOffset), width = readBig16(head, frameColumnsOffset);
+    matrixRenew(ownedByVariable, slot, width, height);
+    for (std::size_t at = 0; at + valueFrameSize <= data.size() && matrixSize(slot) == height * width;
          at += valueFrameSize) {
         const ByteView frame = data.subspan(at, valueFrameSize);
         const int row = readBig16(frame, valueRowOffset) - 1, column = readBig16(frame, valueColumnOffset) - 1;
-        if (row >= 0 && row < rows && column >= 0 && column < columns)
+        if (row >= 0 && row < height && column >= 0 && column < width)
             matrixElement(slot, column, row) = valueAt(frame, valueOffset);
     }
 }

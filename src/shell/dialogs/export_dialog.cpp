@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <iterator>
 
@@ -156,7 +157,7 @@ QPushButton *moveButton(const QString &sign, Text tip, const std::function<void(
 QVBoxLayout *moveButtons(const ExportControls &controls) {
     QListWidget *left = controls.available;
     QListWidget *right = controls.chosen;
-    QPushButton *const buttons[] = {
+    const std::array<QPushButton *, 4> buttons = {
         moveButton(QStringLiteral(">"), Text::exportAdd, [=] { moveSelected(controls, left, right); }),
         moveButton(QStringLiteral(">>"), Text::exportAddAll, [=] { moveAll(controls, left, right); }),
         moveButton(QStringLiteral("<"), Text::exportRemove, [=] { moveSelected(controls, right, left); }),
