@@ -21,6 +21,12 @@ std::string takeText(ByteView head, std::size_t offset) {
     return {field.begin(), std::ranges::find(field, 0)};
 }
 
+constexpr std::uint8_t hyphen = 0x2D, shownHyphen = 0x8E;  // the second is how the first is shown as text
+constexpr std::uint8_t minusByte = 0x99;
+
+std::uint8_t upperCase(char c) { return static_cast<std::uint8_t>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
+bool isHyphen(std::uint8_t c) { return c == hyphen || c == shownHyphen || c == minusByte; }
+
 }  // namespace
 
 Bytes encodeProgramInfo(const ProgramInfo &info) {
@@ -61,6 +67,16 @@ Bytes imageWithChecksumPlace(ByteView image) {
     if (end + 1 == whole.size() && whole[end] == endMark) whole.push_back(0);
     if (whole.size() == 1) whole.insert(whole.end(), {endMark, 0});
     return whole;
+}
+
+bool sameProgramName(std::string_view left, std::string_view right) {
+    if (left.size() != right.size()) return false;
+    for (std::size_t i = 0; i < left.size(); i++) {
+        const std::uint8_t a = upperCase(left[i]);
+        const std::uint8_t b = upperCase(right[i]);
+        if (a != b && !(isHyphen(a) && isHyphen(b))) return false;
+    }
+    return true;
 }
 
 }  // namespace numalink

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/bytes.h"
 
@@ -28,6 +29,10 @@ Bytes encodeProgramInfo(const ProgramInfo &info);
 
 // None when there are fewer than 32 bytes. Texts without an end are cut at 8.
 std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
+
+// Whether a call of one name finds the program of the other: letters of either case, and the signs that stand for a
+// hyphen, count as one. Calculator codes.
+bool sameProgramName(std::string_view left, std::string_view right);
 
 // The token bytes of an image: behind ':' and up to the end mark, the first 0xFF or 0 at a token boundary.
 // Where no such mark stands (a prefix has taken it), the last 0xFF or the one ahead of a checksum is the end.

@@ -22,7 +22,6 @@ std::array<ProgramBlock, programLimit> blocks;
 int count = 0;
 std::size_t cellsUsed = 0;
 
-constexpr std::uint8_t hyphen = 0x2D, shownHyphen = 0x8E;  // the second is how the first is shown as text
 constexpr std::uint8_t minusByte = 0x99, plusByte = 0x89, negativeByte = 0x87;
 constexpr int exponentDigits = 2;
 constexpr std::uint8_t secondOfNothing = 0xFF;  // behind 0x7F or 0xF7 as the last byte: no token has it
@@ -149,9 +148,6 @@ void markTerminators(ProgramBlock &block) {
     }
 }
 
-std::uint8_t upperCase(char c) { return static_cast<std::uint8_t>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
-bool isHyphen(std::uint8_t c) { return c == hyphen || c == shownHyphen || c == minusByte; }
-
 }  // namespace
 
 void programsClear() {
@@ -211,16 +207,6 @@ int findProgram(std::string_view name) {
         if (sameProgramName(loadedProgram(i).name, name)) return i;
     }
     return -1;
-}
-
-bool sameProgramName(std::string_view left, std::string_view right) {
-    if (left.size() != right.size()) return false;
-    for (std::size_t i = 0; i < left.size(); i++) {
-        const std::uint8_t a = upperCase(left[i]);
-        const std::uint8_t b = upperCase(right[i]);
-        if (a != b && !(isHyphen(a) && isHyphen(b))) return false;
-    }
-    return true;
 }
 
 int findGraphFunction(int digit) {

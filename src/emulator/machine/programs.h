@@ -45,7 +45,6 @@ std::vector<ProgramCell> cellsOfString(const ProgramCell &string);
 
 // The first program whose name matches by sameProgramName, or -1.
 int findProgram(std::string_view name);
-bool sameProgramName(std::string_view left, std::string_view right);
 // The first program named exactly f and the digit, or -1.
 int findGraphFunction(int digit);
 

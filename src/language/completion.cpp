@@ -1,0 +1,183 @@
+#include "language/completion.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "calculator/charset.h"
+#include "language/token_codes.h"
+#include "text/token_table.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::size_t shortestTyped = 2, longestTyped = 20;  // letters of a token's name
+constexpr int wholeWord = 1000, beginsWith = 500, beginsPart = 8, followsLast = 5, anywhere = 1;
+
+char folded(char letter) { return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter; }
+bool isWordLetter(char letter) {
+    return (folded(letter) >= 'A' && folded(letter) <= 'Z') || (letter >= '0' && letter <= '9') || letter == '-';
+}
+
+struct KnownToken {
+    std::string shown;  // without its blanks
+    TokenCode token = 0;
+};
+
+// Tokens with a name that letters can lead to, made from the table once it is loaded.
+std::vector<KnownToken> knownTokens() {
+    std::vector<KnownToken> known;
+    for (std::size_t i = 0; i < tokenCount(); i++) {
+        const TokenRecord &record = tokenRecord(i);
+        const std::uint8_t bytes[] = {record.byte1, record.byte2};
+        const TokenCode token = tokenCodeOf(ByteView(bytes).first(record.length));
+        std::string shown(tokenDisplay(record));
+        shown.erase(0, std::min(shown.find_first_not_of(' '), shown.size()));
+        shown.erase(shown.find_last_not_of(' ') + 1);
+        const bool isNamed = shown.size() > 1 && std::ranges::any_of(shown, isWordLetter);
+        const bool isKnown = std::ranges::any_of(known, [&](const KnownToken &other) { return other.token == token; });
+        if (isNamed && !isKnown) known.push_back({shown, token});
+    }
+    return known;
+}
+
+void sortAndCut(std::vector<Completion> &found) {
+    std::ranges::stable_sort(found, [](const Completion &left, const Completion &right) {
+        return left.rank != right.rank ? left.rank > right.rank : left.shown.size() < right.shown.size();
+    });
+    if (found.size() > completionLimit) found.resize(completionLimit);
+}
+
+// The token that the letters belong to is given all the same: it shows what it means.
+std::vector<Completion> tokensFor(std::string_view letters) {
+    std::vector<Completion> found;
+    if (letters.size() < shortestTyped || letters.size() > longestTyped) return found;
+    static const std::vector<KnownToken> known = knownTokens();
+    for (const KnownToken &each : known) {
+        const int rank = letterRank(letters, each.shown);
+        if (rank > 0) found.push_back({CompletionKind::token, each.shown, bytesOfToken(each.token), each.token, rank});
+    }
+    return found;
+}
+
+std::vector<Completion> labelsFor(std::string_view letters, const ProgramStructure &program) {
+    std::vector<Completion> found;
+    for (const LabelMention &label : program.labels) {
+        const std::string shown = textOfTokens(program, label.first, label.count);
+        const int rank = letters.empty() ? 1 : letterRank(letters, shown);
+        const bool isKnown = std::ranges::any_of(found, [&](const Completion &other) { return other.shown == shown; });
+        Bytes bytes;
+        for (std::size_t i = label.first; i < label.first + label.count; i++)
+            for (const std::uint8_t byte : bytesOfToken(program.tokens[i].code)) bytes.push_back(byte);
+        if (rank > 0 && !isKnown) found.push_back({CompletionKind::label, shown, bytes, 0, rank});
+        if (found.size() > completionLimit) break;
+    }
+    return found;
+}
+
+std::vector<Completion> programsFor(std::string_view letters, const std::vector<std::string> &programs) {
+    std::vector<Completion> found;
+    for (const std::string &name : programs) {
+        const int rank = letters.empty() ? 1 : letterRank(letters, name);
+        if (rank > 0) found.push_back({CompletionKind::program, name, Bytes(name.begin(), name.end()), 0, rank});
+    }
+    return found;
+}
+
+// The tokens ahead of the caret, with what quotes they stand in.
+struct Ahead {
+    Quoting quoting{};
+    std::vector<ViewToken> tokens{};
+};
+
+Ahead aheadOf(const LineReading &reading, std::size_t caret) {
+    Ahead ahead;
+    for (const ViewToken &token : reading.tokens) {
+        if (token.from + token.size > caret) break;
+        ahead.quoting.follow(token);
+        ahead.tokens.push_back(token);
+    }
+    return ahead;
+}
+
+TokenCode codeOf(const ViewToken &token) { return tokenCodeOf(ByteView(token.bytes).first(token.length)); }
+
+// Programs behind Prog and a quotation mark; from is the first character behind it.
+void takeQuoted(const Ahead &ahead, CompletionQuery &query) {
+    const auto quote = std::find_if(ahead.tokens.rbegin(), ahead.tokens.rend(),
+                                    [](const ViewToken &token) { return codeOf(token) == code::quote; });
+    if (quote == ahead.tokens.rend() || quote + 1 == ahead.tokens.rend() || codeOf(*(quote + 1)) != code::prog) return;
+    query.wish = CompletionQuery::Wish::programs;
+    query.from = quote->from + quote->size;
+}
+
+}  // namespace
+
+int letterRank(std::string_view letters, std::string_view text) {
+    int rank = 0;
+    std::size_t at = 0, last = std::string_view::npos;
+    for (const char letter : letters) {
+        while (at < text.size() && folded(text[at]) != folded(letter)) at++;
+        if (at == text.size()) return 0;
+        const bool startsPart = at == 0 || !isWordLetter(text[at - 1]) ||
+                                (folded(text[at - 1]) != text[at - 1] && folded(text[at]) == text[at]);
+        rank += startsPart ? beginsPart : last != std::string_view::npos && at == last + 1 ? followsLast : anywhere;
+        last = at++;
+    }
+    const bool begins = std::ranges::equal(letters, text.substr(0, letters.size()), {}, folded, folded);
+    if (begins) rank += letters.size() == text.size() ? wholeWord : beginsWith;
+    return rank;
+}
+
+CompletionQuery completionQuery(const ViewLine &line, const LineReading &reading, std::size_t caret) {
+    CompletionQuery query;
+    caret = std::min(caret, line.text.size());
+    const Ahead ahead = aheadOf(reading, caret);
+    if (ahead.quoting.inComment) return query;
+    if (ahead.quoting.inString) {
+        takeQuoted(ahead, query);
+    } else {
+        query.from = caret;
+        // A command shows the blank that ends it: the letters go on ahead of it.
+        const bool endsInCommand = !ahead.tokens.empty() && ahead.tokens.back().size > 1;
+        if (caret > 0 && line.text[caret - 1] == ' ' && endsInCommand) query.from--;
+        while (query.from > 0 && isWordLetter(line.text[query.from - 1])) query.from--;
+        const auto before = std::find_if(ahead.tokens.rbegin(), ahead.tokens.rend(),
+                                         [&](const ViewToken &token) { return token.from + token.size <= query.from; });
+        const TokenCode last = before == ahead.tokens.rend() ? 0 : codeOf(*before);
+        const bool jumps = last == code::goTo && before->from + before->size == query.from;
+        query.wish = jumps ? CompletionQuery::Wish::labels : CompletionQuery::Wish::tokens;
+        if (last == code::label) query.wish = CompletionQuery::Wish::nothing;
+        if (!ahead.tokens.empty() && codeOf(ahead.tokens.back()) == code::goTo &&
+            ahead.tokens.back().from + ahead.tokens.back().size == caret) {
+            query.wish = CompletionQuery::Wish::labels;
+            query.from = caret;
+        }
+    }
+    if (query.wish == CompletionQuery::Wish::nothing) return query;
+    query.letters = line.text.substr(query.from, caret - query.from);
+    if (query.wish == CompletionQuery::Wish::tokens && query.letters.ends_with(' ')) query.letters.pop_back();
+    return query;
+}
+
+std::vector<Completion> completionsOf(const CompletionQuery &query, const ProgramStructure &program,
+                                      const std::vector<std::string> &programs) {
+    std::vector<Completion> found;
+    switch (query.wish) {
+        case CompletionQuery::Wish::tokens:
+            found = tokensFor(query.letters);
+            break;
+        case CompletionQuery::Wish::labels:
+            found = labelsFor(query.letters, program);
+            break;
+        case CompletionQuery::Wish::programs:
+            found = programsFor(query.letters, programs);
+            break;
+        case CompletionQuery::Wish::nothing:
+            break;
+    }
+    sortAndCut(found);
+    return found;
+}
+
+}  // namespace numalink
