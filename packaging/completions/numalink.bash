@@ -35,7 +35,7 @@ _numalink_cli() {
         export) options="--help --to --replace" ;;
         import) options="--help --into --existing --raster" ;;
         link) options="--help --port --type --answer --slot --remove-colour --seconds --json" ;;
-        list) options="--help --json" ;;
+        list | lint) options="--help --json" ;;
         show) options="--help --bitmap --replace" ;;
         run | eval) options=$run ;;
         *) options="--help" ;;
@@ -43,7 +43,7 @@ _numalink_cli() {
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     elif [[ -z $command ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "check convert export import link list show run eval tokens write" -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W "check convert export import language-server link lint list show run eval tokens write" -- "$cur")
     elif [[ $command == tokens ]]; then
         mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
     else

@@ -20,6 +20,8 @@ CommandRun declareDebug(CLI::App &command);
 CommandRun declareExport(CLI::App &command);
 CommandRun declareImport(CLI::App &command);
 CommandRun declareLink(CLI::App &command);
+CommandRun declareLanguageServer(CLI::App &command);
+CommandRun declareLint(CLI::App &command);
 CommandRun declareList(CLI::App &command);
 CommandRun declareEval(CLI::App &command);
 CommandRun declareRun(CLI::App &command);

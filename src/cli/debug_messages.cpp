@@ -22,8 +22,7 @@ int answersSent GUARDED_BY(answerLock) = 0;
 void send(Json message) {
     const HoldLock held(answerLock);
     message["seq"] = ++answersSent;
-    const std::string text = message.dump(-1, ' ', false, Json::error_handler_t::replace);
-    *answerStream << "Content-Length: " << text.size() << "\r\n\r\n" << text << std::flush;
+    writeMessage(*answerStream, message);
 }
 
 void respond(const DebugRequest &request, bool success, Json body, const std::string &why) {
@@ -46,6 +45,11 @@ void debugAnswersTo(std::ostream &stream) {
 
 void sendDebugEvent(const char *event, Json body) {
     send({{"type", "event"}, {"event", event}, {"body", std::move(body)}});
+}
+
+void writeMessage(std::ostream &stream, const Json &message) {
+    const std::string text = message.dump(-1, ' ', false, Json::error_handler_t::replace);
+    stream << "Content-Length: " << text.size() << "\r\n\r\n" << text << std::flush;
 }
 
 bool readDebugMessage(std::istream &requests, std::string &text) {

@@ -1,4 +1,5 @@
-// Messages of the Debug Adapter Protocol: objects behind their length. Answers may be sent on any thread.
+// Messages of the Debug Adapter Protocol: objects behind their length, as those of the Language Server Protocol are.
+// Answers may be sent on any thread.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +15,7 @@ using DebugJson = nlohmann::ordered_json;
 void debugAnswersTo(std::ostream &stream);  // numbered from 1 on
 void sendDebugEvent(const char *event, DebugJson body = DebugJson::object());
 
+void writeMessage(std::ostream &stream, const DebugJson &message);
 // The text of the next message; false at the end of the requests, or where what comes is none.
 bool readDebugMessage(std::istream &requests, std::string &text);
 

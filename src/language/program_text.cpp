@@ -42,6 +42,10 @@ ProgramText programText(const std::vector<ViewLine> &lines, bool autoCorrect) {
 
 ProgramText programText(ByteView image) { return programText(viewLines(image), false); }
 
+bool isInFaultyLine(const ProgramText &text, std::size_t at) {
+    return text.lines[placeOfByte(text, at).line].reading.faultAt >= 0;
+}
+
 TextPlace placeOfByte(const ProgramText &text, std::size_t at) {
     const auto behind = std::ranges::upper_bound(text.lines, at, {}, &TextLine::at);
     const auto line = behind == text.lines.begin() ? behind : behind - 1;

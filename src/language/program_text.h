@@ -28,6 +28,8 @@ struct TextPlace {
     std::size_t line = 0, character = 0;  // from 0
     friend bool operator==(const TextPlace &, const TextPlace &) = default;
 };
+// Whether the byte stands in a line that isn't read to its end.
+bool isInFaultyLine(const ProgramText &text, std::size_t at);
 TextPlace placeOfByte(const ProgramText &text, std::size_t at);
 // Of the token that holds the character; the end of what was read behind the last. A line beyond the last counts as it.
 std::size_t byteOfPlace(const ProgramText &text, const TextPlace &place);

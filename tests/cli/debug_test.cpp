@@ -20,6 +20,7 @@
 #include "platform/lock.h"
 #include "settings/settings_store.h"
 #include "support/byte_text.h"
+#include "support/json_parts.h"
 #include "support/scratch_folder.h"
 #include "telling/user_interface.h"
 
@@ -74,19 +75,6 @@ private:
     bool isClosed GUARDED_BY(lock) = false;
     char current = 0;
 };
-
-// Whether found has all that expected has; arrays by their places.
-bool hasAll(const Json &expected, const Json &found) {
-    if (expected.is_object() && found.is_object()) {
-        for (const auto &[key, value] : expected.items())
-            if (!found.contains(key) || !hasAll(value, found[key])) return false;
-        return true;
-    }
-    if (!expected.is_array() || !found.is_array()) return expected == found;
-    for (std::size_t i = 0; i < expected.size(); i++)
-        if (i >= found.size() || !hasAll(expected[i], found[i])) return false;
-    return true;
-}
 
 Json readMessage(std::istream &stream) {
     std::string line;

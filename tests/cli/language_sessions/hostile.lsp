@@ -1,0 +1,21 @@
+# Messages that make no sense are refused, and the server goes on.
+> 5
+< {"error":{"code":-32700},"id":null}
+> {"id":1,"method":"textDocument/unknown"}
+< {"id":1,"error":{"code":-32601}}
+> {"method":"textDocument/alsoUnknown"}
+> {"id":2,"method":"textDocument/hover","params":{"textDocument":{"uri":"file:///none"}}}
+< {"id":2,"error":{"code":-32602}}
+> {"method":"textDocument/didChange","params":{"textDocument":{"uri":"file:///none"},"contentChanges":[{"text":"A"}]}}
+> {"method":"textDocument/didOpen","params":{"textDocument":{"uri":"x","text":5}}}
+< {"method":"textDocument/publishDiagnostics","params":{"uri":"x","diagnostics":[]}}
+> {"id":3,"method":"textDocument/hover","params":{"textDocument":{"uri":"x"},"position":{"line":-5,"character":99999999999}}}
+< {"id":3,"result":null}
+> {"id":4,"method":"textDocument/completion","params":{"textDocument":{"uri":"x"},"position":"nowhere"}}
+< {"id":4,"result":{"items":[]}}
+> {"id":5,"method":"textDocument/rename","params":{"textDocument":{"uri":"x"}}}
+< {"id":5,"error":{"code":-32803}}
+> {"method":"textDocument/didClose","params":{"textDocument":{"uri":"x"}}}
+< {"method":"textDocument/publishDiagnostics","params":{"uri":"x","diagnostics":[]}}
+> {"id":6,"method":"shutdown"}
+< {"id":6,"result":null}
