@@ -1,6 +1,6 @@
 // numalink-tour SAMPLES PICTURES: starts the program with the library that lies beside it, imports the item files of
 // SAMPLES with every question answered as it stands, shows each view, exchanges items with a virtual calculator, and
-// leaves pictures of the window in PICTURES.
+// leaves pictures of the window in PICTURES; those of the manual, which data/help/images keeps, in its folder "help".
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -53,6 +53,29 @@ void takePicture(const char *name) {
     std::printf("%s\n", qPrintable(file));
 }
 
+// A picture of the manual: as wide as its text lets it be.
+void takeHelpPicture(const char *name, const QPixmap &picture) {
+    constexpr int widest = 480;  // pixels
+    QDir(pictureFolder).mkpath(QStringLiteral("help"));
+    const QString file = QStringLiteral("%1/help/%2.png").arg(pictureFolder, QString::fromLatin1(name));
+    QImage image = picture.toImage();
+    if (image.width() > widest) image = image.scaledToWidth(widest, Qt::SmoothTransformation);
+    image.convertToFormat(QImage::Format_RGB32).save(file);
+    std::printf("%s\n", qPrintable(file));
+}
+
+// The game that the manual shows, as it is after a moment.
+void showRun(numalink::ItemId game) {
+    if (!numalink::selectItem(game)) return;
+    QTest::qWait(150);
+    takeHelpPicture("window", numalink::mainWindow->grab());
+    numalink::handleCommand(numalink::CommandId::emulate);
+    QTest::qWait(2500);
+    takePicture("run");
+    takeHelpPicture("run", numalink::mainWindow->grab());
+    numalink::handleCommand(numalink::CommandId::emulate);
+}
+
 // Photographs the first box or dialog of its sort and confirms every one.
 void answerDialogs() {
     static QStringList seen;
@@ -62,6 +85,7 @@ void answerDialogs() {
     if (!seen.contains(name)) {
         seen << name;
         takePicture(qPrintable(name));
+        if (name == QLatin1String("importDialog")) takeHelpPicture("import", dialog->grab());
     }
     QTest::keyClick(dialog, Qt::Key_Return);
 }
@@ -145,6 +169,9 @@ bool exchangeItems() {
     numalink::handleCommand(numalink::CommandId::transmitQueue);
     QTest::qWait(1500);
     takePicture("transmission");
+    const QRect window = numalink::mainWindow->geometry();
+    takeHelpPicture("send", QGuiApplication::primaryScreen()->grabWindow(0, window.x(), window.y(), window.width(),
+                                                                         window.height()));
     const bool sent = QTest::qWaitFor([] { return numalink::transmitQueueCount() == 0; }, VirtualCalculator::patience);
     queueWindow->close();
     other.rest();
@@ -180,6 +207,8 @@ int main(int argc, char **argv) {
     for (std::size_t i = 0; i < scheme.size(); i++)
         numalink::settingsSetColour(numalink::programColorKeys[i], numalink::settingColor(QColor::fromRgb(scheme[i])));
     showItems();
+    for (const numalink::ItemEntry &entry : numalink::storeListItems())
+        if (entry.kind == numalink::kind::program && entry.name == "SNAKE") showRun(entry.id);
     numalink::setSurfaceZoom(2);
     numalink::selectItem(firstOfKind(numalink::kind::picture));
     takePicture("zoom");

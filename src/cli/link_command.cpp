@@ -261,7 +261,7 @@ int runLink(const LinkOptions &options) {
 CommandRun declareLink(CLI::App &command) {
     const auto options = std::make_shared<LinkOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
-    command.add_option("--port", options->port, "Serial device, or COM1 to COM4")->required();
+    command.add_option("--port", options->port, "Serial device, COM1 to COM4, or automatic")->required();
     command.add_option("--type", options->type, "Type of the calculator")
         ->required()
         ->check(CLI::IsMember({"cfx", "algebra"}, CLI::ignore_case));

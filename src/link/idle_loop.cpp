@@ -1,7 +1,5 @@
 #include "link/idle_loop.h"
 
-#include <optional>
-
 #include "link/attention.h"
 #include "link/control_bytes.h"
 #include "link/conversation.h"
@@ -31,8 +29,6 @@ IdleRead readIdle(Family family) {
     if (read.count == 0 && read.end == ReadEnd::woken) idle.end = IdleEnd::woken;
     return idle;
 }
-
-void showIdle(Family family) { linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle); }
 
 void sendAttention() {
     if (!attentionTakeWish()) return;
@@ -68,13 +64,21 @@ void actOn(Family family, std::uint8_t byte) {
 
 }  // namespace
 
-bool linkIdleLoop(Family family, bool isBack) {
+void showLinkIdle(Family family) { linkStatus(family == Family::cfx ? Text::cfxLinkIdle : Text::algebraLinkIdle); }
+
+bool beginsConversation(Family family, std::uint8_t byte) { return conversationOf(family, byte) != nullptr; }
+
+bool linkIdleLoop(Family family, bool isBack, std::optional<std::uint8_t> heard) {
     bool idleIsDue = true;
-    bool tellsWaiting = isBack;
+    bool tellsWaiting = isBack || heard;
+    if (heard) {
+        actOn(family, *heard);
+        if (conversationOver()) return !conversationStopped();
+    }
     while (!conversationOver()) {
         if (idleIsDue) userInterface.progressRange(0);
         const bool showsResult = idleIsDue && linkResultTake();
-        if (idleIsDue ? !showsResult : linkNoticeState() == NoticeState::over) showIdle(family);
+        if (idleIsDue ? !showsResult : linkNoticeState() == NoticeState::over) showLinkIdle(family);
         if (idleIsDue && !linkNoticeRepeat() && tellsWaiting) tellWaiting();
         idleIsDue = false;
         sendAttention();

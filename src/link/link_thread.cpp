@@ -6,12 +6,14 @@
 #include <thread>
 
 #include "link/attention.h"
+#include "link/control_bytes.h"
 #include "link/conversation.h"
 #include "link/idle_loop.h"
 #include "link/link_family.h"
 #include "link/notices.h"
 #include "link/transmit_queue.h"
 #include "platform/lock.h"
+#include "platform/port_watch.h"
 #include "platform/serial_line.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
@@ -19,9 +21,12 @@
 
 namespace numalink {
 
+std::vector<std::string> (*linkPortsPresent)() = [] { return serialDevices(); };
+
 namespace {
 
 constexpr std::chrono::milliseconds lookAgain{500};  // for a port that isn't there
+constexpr std::chrono::milliseconds oneLook{50};     // at ports that are watched, between looks for wishes and a stop
 
 std::thread linkThread;  // graphical thread
 Lock closedLock;         // so that a stop can't fall between the look and the sleep of waitClosed
@@ -38,14 +43,12 @@ constexpr Cause causes[] = {{LineFault::missing, Text::portMissing},
                             {LineFault::notSerial, Text::portNotSerial},
                             {LineFault::failed, Text::portFailed}};
 
-// The port of the defaults, and the system has none of that name: nobody has chosen one.
-bool noneChosen(const LineOpening &opening) {
-    return opening.fault == LineFault::missing && opening.path == setting::comPortDefault;
-}
+bool isAutomatic(const std::string &port) { return port == setting::portAutomatic; }
 
 // Why the port is closed.
 Text causeOf(const LineOpening &opening) {
-    if (noneChosen(opening)) return Text::portNone;
+    if (opening.path.empty()) return Text::portNone;
+    if (isAutomatic(opening.path)) return Text::portAwaited;
     if (opening.fault == LineFault::denied && opening.group.empty()) return Text::portForbidden;
     for (const Cause &cause : causes)
         if (cause.fault == opening.fault) return cause.text;
@@ -83,12 +86,82 @@ void waitClosed(const LineOpening &opening) {
     while (!conversationStopped() && std::chrono::steady_clock::now() < end) hold.waitUntil(closedChanged, end);
 }
 
-void converse(Family family, const LineOpening &opening, bool isBack) {
+void converse(Family family, const LineOpening &opening, bool isBack, std::optional<std::uint8_t> heard) {
     if (!opening.settingsTaken) tellUser(Text::lineSettingsRefused);
-    const bool inTransfer = linkIdleLoop(family, isBack);
+    const bool inTransfer = linkIdleLoop(family, isBack, heard);
     serialLine.close();
     if (!conversationStopped()) userInterface.progressRange(0);
     if (!conversationStopped()) tellLost(opening.path, inTransfer);
+}
+
+// Which of the ports a calculator speaks at, and with what.
+struct FoundPort {
+    std::string path;
+    std::optional<std::uint8_t> heard = {};
+};
+
+// The wish to transmit goes to each port: the calculator is at the one that answers.
+void askWatchedPorts(const PortWatch &watch) {
+    if (!attentionTakeWish()) return;
+    if (watch.open == 0) {
+        endAttempt(watch.refused);
+    } else if (transmitQueueCount() > 0) {
+        sayToWatchedPorts(control::attention);
+        attentionSent();
+    } else {
+        attentionAnswered();
+    }
+    userInterface.transmitQueueChanged();
+}
+
+// What the status bar has: why there is no port to listen at, or that the link waits. Told once, as it changes.
+void tellWatch(Family family, const PortWatch &watch, Text &told) {
+    const bool opened = watch.open > 0;
+    portState = opened ? LinkPort::opened : portState == LinkPort::untried ? LinkPort::refused : portState.load();
+    const Text state = opened ? Text::cfxLinkIdle : causeOf(watch.refused);
+    if (state == told) return;
+    told = state;
+    if (opened)
+        showLinkIdle(family);
+    else
+        statusLine(StatusPart::link, state, {watch.refused.path, watch.refused.group});
+}
+
+// Listens at all ports that are there until a calculator speaks at one of them, or the link is stopped.
+FoundPort searchPort(Family family) {
+    FoundPort found;
+    Text told = Text::none;
+    while (found.path.empty() && !conversationStopped()) {
+        PortWatch watch = watchPorts(linkPortsPresent(), familyBaud(family));
+        if (watch.refused.path.empty()) watch.refused = {.fault = LineFault::missing, .path = setting::portAutomatic};
+        tellWatch(family, watch, told);
+        for (auto rest = lookAgain; rest.count() > 0 && !conversationStopped() && found.path.empty(); rest -= oneLook) {
+            askWatchedPorts(watch);
+            const auto byte = hearWatchedPorts(static_cast<int>(oneLook.count()));
+            if (byte && beginsConversation(family, byte->byte)) found = {byte->path, byte->byte};
+            if (linkNoticeState() == NoticeState::over) told = Text::none;
+        }
+    }
+    stopWatchingPorts();
+    return found;
+}
+
+// Without a path where there is none to open: no port, or that of the defaults where the system has none of that name.
+LineOpening openPort(const std::string &path, Family family, bool chosenByUser) {
+    if (path.empty()) return {.fault = LineFault::missing};
+    LineOpening opening = serialLine.open(path, familyBaud(family));
+    const bool byDefault = !chosenByUser && opening.path == setting::comPortDefault;
+    if (byDefault && opening.fault == LineFault::missing) opening.path.clear();
+    return opening;
+}
+
+// Why the port is closed. Who has chosen none isn't told.
+void tellClosed(const LineOpening &opening, bool chosenByUser) {
+    if (opening.path.empty()) return;
+    if (chosenByUser)
+        tellClosedInBox(opening);
+    else
+        statusLine(StatusPart::link, causeOf(opening), {opening.path, opening.group});
 }
 
 void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
@@ -97,17 +170,16 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
     bool wasOpen = false;
     while (!conversationStopped()) {
         conversationLineOpened();
-        const LineOpening opening = serialLine.open(port, familyBaud(family));
+        const FoundPort found = isAutomatic(port) ? searchPort(family) : FoundPort{port};
+        if (conversationStopped()) break;
+        const LineOpening opening = openPort(found.path, family, chosenByUser);
         if (opening.fault == LineFault::none) portState = LinkPort::opened;
         if (portState == LinkPort::untried) portState = LinkPort::refused;
         if (opening.fault == LineFault::none && !conversationStopped()) {
-            converse(family, opening, wasOpen);
+            converse(family, opening, wasOpen, found.heard);
             told = wasOpen = true;
         } else if (!told && !conversationStopped()) {
-            if (chosenByUser && !noneChosen(opening))
-                tellClosedInBox(opening);
-            else
-                statusLine(StatusPart::link, causeOf(opening), {opening.path, opening.group});
+            tellClosed(opening, chosenByUser);
             told = true;
         }
         if (!conversationStopped()) waitClosed(opening);

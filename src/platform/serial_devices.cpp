@@ -50,7 +50,30 @@ std::vector<std::string> usbPorts(const std::string &deviceFolder) {
     return ports;
 }
 
+constexpr std::size_t adapterNameLimit = 64;  // bytes
+constexpr int usbDepth = 6;                   // folders from a port up to its adapter, at the most
+
+std::string firstLine(const fs::path &path) {
+    std::ifstream file(path);
+    std::string line(adapterNameLimit, '\0');
+    file.read(line.data(), static_cast<std::streamsize>(line.size()));
+    line.resize(static_cast<std::size_t>(file.gcount()));
+    line.resize(std::min(line.size(), line.find('\n')));
+    std::erase_if(line, [](char code) { return static_cast<unsigned char>(code) < ' ' || code == 0x7F; });
+    return line;
+}
+
 }  // namespace
+
+std::string serialAdapterName(const std::string &path, const std::string &classFolder) {
+    std::error_code ignored;
+    const fs::path node = fs::weakly_canonical(path, ignored).filename();
+    fs::path folder = fs::weakly_canonical(classFolder / node, ignored);
+    for (int i = 0; i < usbDepth && !fs::exists(folder / "product", ignored); i++) folder = folder.parent_path();
+    const std::string product = firstLine(folder / "product"), maker = firstLine(folder / "manufacturer");
+    if (product.empty() || product.starts_with(maker)) return product;
+    return (maker + " " + product).substr(0, adapterNameLimit);
+}
 
 std::vector<std::string> serialDevices(const std::string &deviceFolder, const std::string &classFolder) {
     std::vector<std::string> devices;

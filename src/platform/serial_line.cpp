@@ -3,11 +3,8 @@
 #include "platform/serial_line.h"
 
 #include <fcntl.h>
-#include <grp.h>
 #include <poll.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <time.h>
 #include <unistd.h>
@@ -23,6 +20,7 @@
 #include <utility>
 
 #include "platform/lock.h"
+#include "platform/serial_opening.h"
 
 namespace numalink {
 
@@ -65,57 +63,6 @@ void sleepTo(std::uint64_t deadline) {
     }
 }
 
-LineFault faultOf(int cause) {
-    switch (cause) {
-        case ENOENT:
-        case ENXIO:
-        case ENODEV:
-        case ENOTDIR:
-        case EIO:
-            return LineFault::missing;
-        case EBUSY:
-            return LineFault::busy;
-        case EACCES:
-        case EPERM:
-            return LineFault::denied;
-        case ENOTTY:
-        case EISDIR:
-        case EINVAL:
-            return LineFault::notSerial;
-        default:
-            return LineFault::failed;
-    }
-}
-
-// The group whose members may use the device, if it is one that people are added to.
-std::string groupOf(const std::string &path) {
-    constexpr mode_t readAndWrite = S_IRGRP | S_IWGRP;
-    struct stat facts {};
-    if (stat(path.c_str(), &facts) != 0) return {};
-    if (facts.st_gid == 0 || (facts.st_mode & readAndWrite) != readAndWrite) return {};
-    group record{};
-    group *found = nullptr;
-    char texts[4096];
-    if (getgrgid_r(facts.st_gid, &record, texts, sizeof texts, &found) != 0 || found == nullptr) return {};
-    return record.gr_name;
-}
-
-bool applySettings(asio::serial_port &device, unsigned baud) {
-    bool taken = true;
-    const auto set = [&](auto option) {
-        asio::error_code fault;
-        device.set_option(option, fault);
-        taken = taken && !fault;
-    };
-    using Port = asio::serial_port_base;
-    set(Port::baud_rate(baud));
-    set(Port::character_size(8));
-    set(Port::parity(Port::parity::none));
-    set(Port::stop_bits(Port::stop_bits::two));
-    set(Port::flow_control(Port::flow_control::none));
-    return taken;
-}
-
 void closeLine(Line &own) {
     const HoldLock hold(own.writeLock);
     const int descriptor = std::exchange(own.descriptor, -1);
@@ -126,30 +73,11 @@ void closeLine(Line &own) {
     own.device.close(ignored);
 }
 
-// Exclusive twice over: TIOCEXCL keeps out programs that know nothing of locks, the lock also those of root.
-LineFault takeExclusively(int descriptor) {
-    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return LineFault::busy;
-    return ioctl(descriptor, TIOCEXCL) == 0 ? LineFault::none : faultOf(errno);
-}
-
 LineOpening openLine(Line &own, const std::string &name, unsigned baud) {
     closeLine(own);
     LineOpening opening{.path = serialDevicePath(name), .group = {}};
-    // Asio would alter the settings of a device that somebody else is using before we could lock it.
-    const int probe = ::open(opening.path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    opening.fault = probe < 0 ? faultOf(errno) : isatty(probe) == 0 ? LineFault::notSerial : takeExclusively(probe);
-    if (opening.fault == LineFault::denied) opening.group = groupOf(opening.path);
-    if (opening.fault != LineFault::none) {
-        if (probe >= 0) ::close(probe);
-        return opening;
-    }
-    termios state{};
-    if (tcgetattr(probe, &state) == 0) {
-        cfmakeraw(&state);
-        state.c_iflag |= IGNPAR;
-        state.c_cflag |= CREAD | CLOCAL;
-        static_cast<void>(tcsetattr(probe, TCSANOW, &state));  // applySettings tells what a device refuses
-    }
+    const int probe = openSerialDevice(opening);
+    if (probe < 0) return opening;
     asio::error_code fault;
     own.device.assign(probe, fault);
     if (fault) {
@@ -157,7 +85,7 @@ LineOpening openLine(Line &own, const std::string &name, unsigned baud) {
         opening.fault = LineFault::failed;
         return opening;
     }
-    opening.settingsTaken = applySettings(own.device, baud);
+    opening.settingsTaken = applySerialSettings(own.device, baud);
     tcflush(probe, TCIFLUSH);
     own.woken = false;
     own.interrupted = false;

@@ -23,8 +23,8 @@ enum class LineFault {
 
 struct LineOpening {
     LineFault fault = LineFault::none;
-    std::string path;           // the device that the name meant
-    std::string group;          // for denied: the group that may use the device, or empty
+    std::string path = {};      // the device that the name meant
+    std::string group = {};     // for denied: the group that may use the device, or empty
     bool settingsTaken = true;  // false when the open device refused speed or format
 };
 
@@ -69,5 +69,9 @@ std::vector<std::string> serialDevices(const std::string &deviceFolder = "/dev",
 // name is a path. A COM port that isn't there gives its name back, which no device has.
 std::string serialDevicePath(const std::string &name, const std::string &deviceFolder = "/dev",
                              const std::string &classFolder = "/sys/class/tty");
+
+// Maker and name of the adapter behind the device, as it tells them itself: "FTDI FT232R USB UART"; empty for none that
+// tells. At most 64 bytes, without control characters.
+std::string serialAdapterName(const std::string &path, const std::string &classFolder = "/sys/class/tty");
 
 }  // namespace numalink

@@ -38,7 +38,9 @@ inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment"
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
 
-inline constexpr char comPortDefault[] = "COM2";  // where nobody has chosen one
+// The port is a device's path or COM1 to COM4, or the word below, or empty for none.
+inline constexpr char comPortDefault[] = "COM2";  // in a file without one; such a port was chosen by nobody
+inline constexpr char portAutomatic[] = "automatic";
 }  // namespace setting
 
 // The value of key. An unknown key is added at the end of the table with an empty value; with the table full it

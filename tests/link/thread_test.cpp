@@ -5,12 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <thread>
 
 #include "exchange/import/import.h"
 #include "link/attention.h"
 #include "link/link_scene.h"
 #include "link/link_thread.h"
+#include "platform/serial_line.h"
 #include "telling/graphical_calls.h"
 #include "telling/language_table.h"
 #include "virtual_calculator/calculator_mover.h"
@@ -242,6 +244,56 @@ TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndWaitForNoAnswerThere) {
     EXPECT_TRUE(transmitCanBegin());
     EXPECT_EQ(timesOf(Text::portNotOpened), 1);
     EXPECT_EQ(timesOf(Text::portMissing), 2) << "a line at the start, and one for the attempt";
+}
+
+std::vector<std::string> presentPorts;
+
+// Items come and go at the one of two ports that a calculator is at, and at the other once it has moved there.
+TEST_F(LinkThreads, findTheCalculatorWhereverItIs) {
+    linkPortsPresent = [] { return presentPorts; };
+    presentPorts.clear();
+    usePort(setting::portAutomatic);
+    startLinkThread();
+    ASSERT_TRUE(waitFor([] { return wasShown(Text::portAwaited); }));
+    const ItemId program = addProgram("A");
+    EXPECT_TRUE(queueAndBegin(program));
+    ASSERT_TRUE(waitFor([] { return wasShown(Text::portNotOpened); }));
+    auto second = std::make_unique<PseudoTerminal>();
+    presentPorts = {terminal.path, second->path};
+    ASSERT_TRUE(waitFor([] { return wasShown(Text::cfxLinkIdle); }));
+    int taken = 0;
+    moving.taken = [&](const calculator::Item &) { taken++; };
+    std::thread receiving([&] { moveCalculator(other, second->master, moving); });
+    EXPECT_TRUE(queueAndBegin(program));
+    EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
+    receiving.join();
+    EXPECT_EQ(taken, 1);
+    presentPorts = {terminal.path};
+    second.reset();
+    ASSERT_TRUE(waitFor([] { return wasShown(Text::portLost); }));
+    calculator::Calculator sender;
+    sender.toSend.push_back(numberedItem(false, 7));
+    startSending(sender);
+    std::thread sending([&] { moveCalculator(sender, terminal.master, moving); });
+    EXPECT_TRUE(waitFor([] { return storeItemExists("P7", storeStandardFolder(1001)); }));
+    sending.join();
+    const std::uint64_t start = tickCount();
+    stopLinkThread();
+    EXPECT_LT(tickCount() - start, 2000u);
+    linkPortsPresent = [] { return serialDevices(); };
+}
+
+TEST_F(LinkThreads, withoutAPortSayNothingUntilSomethingShallGo) {
+    for (const char *port : {"", setting::comPortDefault}) {
+        for (auto &times : timesShown) times = 0;
+        usePort(port);
+        stopLinkThread();
+        startLinkThread();
+        ASSERT_TRUE(waitFor([] { return linkPort() == LinkPort::refused; }));
+        EXPECT_TRUE(queueAndBegin(addProgram("A")));
+        EXPECT_TRUE(waitFor([] { return wasShown(Text::portNotOpened); }));
+        EXPECT_EQ(timesOf(Text::portNone), 1) << port << ": only with the attempt";
+    }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "platform/port_watch.h"
 #include "support/scratch_folder.h"
 #include "virtual_calculator/pseudo_terminal.h"
 
@@ -167,6 +168,45 @@ TEST(SerialDevices, areListedByLastingNamesAndCountedForComNumbers) {
     EXPECT_EQ(serialDevicePath("com3", devices, classes), path("ttyUSB2"));
     EXPECT_EQ(serialDevicePath("/dev/x", devices, classes), "/dev/x");
     EXPECT_EQ(serialDevicePath("COM2", classes, classes), "COM2");
+}
+
+// The folder of a port's class leads into that of its adapter, some folders up.
+TEST(SerialDevices, tellTheNamesOfTheirAdapters) {
+    const ScratchFolder folder;
+    const std::string classes = folder.path + "class", port = folder.path + "usb/1-1/1-1:1.0/ttyUSB0/tty/ttyUSB0";
+    std::filesystem::create_directories(port);
+    std::filesystem::create_directories(classes + "/ttyS0");
+    std::filesystem::create_directory_symlink(port, classes + "/ttyUSB0");
+    EXPECT_EQ(serialAdapterName("/dev/ttyUSB0", classes), "");
+    folder.write("usb/1-1/product", "USB\x01 UART\n");
+    folder.write("usb/1-1/manufacturer", "Maker\n");
+    EXPECT_EQ(serialAdapterName("/dev/ttyUSB0", classes), "Maker USB UART");
+    folder.write("usb/1-1/product", "Maker " + std::string(1000, 'x'));
+    EXPECT_EQ(serialAdapterName("/dev/ttyUSB0", classes), "Maker " + std::string(58, 'x'));
+    EXPECT_EQ(serialAdapterName("/dev/ttyS0", classes), "");
+}
+
+TEST(PortWatch, hearsWhichOfSeveralPortsSpeaksAndLetsGoOfThem) {
+    PseudoTerminal quiet, speaking;
+    const std::string absent = "/none/ttyUSB9";
+    const std::vector<std::string> all = {absent, quiet.path, speaking.path};
+    PortWatch watch = watchPorts(all, baud);
+    EXPECT_EQ(watch.open, 2u);
+    EXPECT_TRUE(watch.refused.path == absent && watch.refused.fault == LineFault::missing);
+    EXPECT_EQ(systemSerialLine.open(quiet.path, baud).fault, LineFault::busy);
+    EXPECT_FALSE(hearWatchedPorts(1));
+    sayToWatchedPorts(0x16);
+    for (const PseudoTerminal *terminal : {&quiet, &speaking}) EXPECT_EQ(terminal->take(2, 200), Bytes{0x16});
+    speaking.put({0x13});
+    const auto heard = hearWatchedPorts(5000);
+    ASSERT_TRUE(heard);
+    EXPECT_TRUE(heard->path == speaking.path && heard->byte == 0x13);
+    quiet.unplug();
+    EXPECT_FALSE(hearWatchedPorts(1));
+    EXPECT_EQ(watchPorts({speaking.path}, baud).open, 1u);
+    stopWatchingPorts();
+    EXPECT_EQ(systemSerialLine.open(speaking.path, baud).fault, LineFault::none);
+    systemSerialLine.close();
 }
 
 }  // namespace

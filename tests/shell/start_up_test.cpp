@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 
+#include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/program_folder.h"
 #include "shell/app/single_copy.h"
@@ -36,13 +37,19 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isShown(); }, 10000)) << "it goes by itself";
 }
 
-// No port was chosen yet, no colours, no language.
+// No colours, no language; and no port, of which nothing is said until one is needed.
 TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);
+    EXPECT_EQ(settingsValue(setting::comPort), "");
+    ASSERT_TRUE(QTest::qWaitFor([] { return linkPort() == LinkPort::refused; }, 3000));
+    EXPECT_TRUE(linkField->text().isEmpty() && shown.empty()) << "nobody has asked for a port";
+    const ItemId program = addProgram("ABC", "A");
+    show(program);
+    handleCommand(CommandId::transmit);
     const QString link = QStringLiteral("<a href=\"settings\">") + textOf(Text::portNone);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link); }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return linkField->text().startsWith(link) && shown.size() == 1; }, 3000));
     EXPECT_FALSE(progressBar->isVisible());
     answer(wording(Text::ok));
     QString page;
@@ -50,7 +57,8 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
         const auto *pages = QApplication::activeModalWidget()->findChild<QTabWidget *>();
         page = pages->tabText(pages->currentIndex());
     };
-    emit linkField->linkActivated(QStringLiteral("settings"));
+    shown.clear();
+    Q_EMIT linkField->linkActivated(QStringLiteral("settings"));
     EXPECT_TRUE(QTest::qWaitFor([this] { return answers.empty(); }, 3000));
     EXPECT_EQ(shown, std::vector<std::string>{wording(Text::settingsTitle)})
         << "the language stays: no word about a new one";
@@ -69,6 +77,47 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     EXPECT_TRUE(symbolsWanted() && surfaceZoom() == 1) << "the run before is forgotten";
     EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Create New Folder"),
               QStringLiteral("Neuen Ordner erstellen"));
+}
+
+void choose(const char *name, const char *data) {
+    auto *box = QApplication::activeModalWidget()->findChild<QComboBox *>(QString::fromLatin1(name));
+    box->setCurrentIndex(box->findData(QString::fromLatin1(data)));
+}
+
+// Asked once, where there is nothing yet; what was chosen is done at once.
+TEST_F(StartUp, ANewUserIsAskedOnceWhatToBeginWith) {
+    setSettingsFolder(folder.path);
+    const auto start = [this] {
+        shown.clear();
+        ASSERT_TRUE(startUp({.asksWhenNew = true}));
+        running = true;
+        QTest::qWait(100);
+    };
+    whileOpen = [] { choose("family", "ALGEBRA"); };
+    answer(wording(Text::ok));
+    start();
+    const std::string title = wording(Text::firstTitle);
+    EXPECT_EQ(shown, std::vector<std::string>{title}) << "and no word about the samples";
+    EXPECT_EQ(settingsValue(setting::linkType), "ALGEBRA");
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portAutomatic);
+    for (const auto &[folderName, item] : {std::pair("/Games", "SNAKE"), {"/Maths", "GAUSS"}, {"/Plots", "ROSE"}})
+        EXPECT_TRUE(storeItemExists(item, storeResolvePath(folderName, false))) << item;
+    EXPECT_TRUE(programEdit->isVisible() && programEdit->toPlainText().contains(QStringLiteral("Getkey")));
+    endProgram();
+    start();
+    EXPECT_TRUE(shown.empty()) << "never again";
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portAutomatic);
+    endProgram();
+    for (const char *file : {"storage.dat", "settings.xml", "backups"}) std::filesystem::remove_all(folder.path + file);
+    start();
+    EXPECT_EQ(shown, std::vector<std::string>{title});
+    EXPECT_TRUE(settingsValue(setting::comPort).empty() && storeResolvePath("/Games", false) == noItem);
+    endProgram();
+    for (const char *file : {"storage.dat", "backups"}) std::filesystem::remove_all(folder.path + file);
+    start();
+    EXPECT_TRUE(shown.empty()) << "who has settings isn't new";
+    endProgram();
+    setSettingsFolder("");
 }
 
 TEST_F(StartUp, WithoutDataFilesTellsOfTheFontsAndWorks) {
@@ -187,7 +236,7 @@ TEST_F(StartUp, AnotherLibraryTakesThePlaceOfThisOneAndNothingOfThisOneStays) {
     EXPECT_EQ(shown.size(), 1u);
     EXPECT_EQ(libraryFolder(), other);
     EXPECT_TRUE(storeItemExists("XYZ", rootId) && treeEntryOf(program) != nullptr);
-    emit menuAt(MenuPosition::recent)->aboutToShow();
+    Q_EMIT menuAt(MenuPosition::recent)->aboutToShow();
     const QAction *recent = commandAction(CommandId::recentLibrary1);
     EXPECT_EQ(recent->text().toStdString(), "&1 " + folder.path);
     EXPECT_FALSE(commandAction(CommandId::recentLibrary2)->isVisible());
@@ -241,7 +290,7 @@ TEST_F(StartUp, NoTwoEntriesOfAMenuHaveTheSameLetterInAnyLanguage) {
         ASSERT_TRUE(startProgram());
         ASSERT_EQ(languageRecord(languageCurrent()).name, language);
         show(addProgram("ABC", "A"));
-        for (QMenu *menu : mainWindow->findChildren<QMenu *>()) emit menu->aboutToShow();
+        for (QMenu *menu : mainWindow->findChildren<QMenu *>()) Q_EMIT menu->aboutToShow();
         checkMnemonics(QString::fromUtf8(language), mainWindow->menuBar()->actions());
         QTimer::singleShot(0, [] {
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());

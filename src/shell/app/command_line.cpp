@@ -57,6 +57,7 @@ StartWish chooseLibrary(const QStringList &arguments) {
         setLibraryFolder(folder);
         wish.ofThisLibrary = true;
     }
+    wish.asksWhenNew = !wish.ofThisLibrary && wish.files.isEmpty();
     return wish;
 }
 

@@ -12,7 +12,7 @@ namespace numalink {
 std::optional<int> answeredAtOnce(int argc, const char *const *argv);
 
 // Takes the first argument that is a folder or a library's storage.dat as the library, else the user's own; the rest
-// are files.
+// are files. Who is new and gives neither is asked what to begin with.
 StartWish chooseLibrary(const QStringList &arguments);
 
 }  // namespace numalink

@@ -44,7 +44,7 @@ bool mayLeaveLibrary() {
 
 }  // namespace
 
-bool changeLibraryTo(const std::string &folder, bool mayBegin) {
+bool changeLibraryTo(const std::string &folder, bool mayBegin, ListLibrary list) {
     assertRole(ThreadRole::graphical);
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): what libraryFolder gives changes below
     const std::string former = libraryFolder();
@@ -78,8 +78,10 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin) {
     refreshTreeNow();
     startLink();
     if (!opened) return false;
-    rememberLibrary(former);
-    rememberLibrary(folder);
+    if (list == ListLibrary::asUsual) {
+        rememberLibrary(former);
+        rememberLibrary(folder);
+    }
     listRecentLibraries();
     if (!keepDailyCopy()) tellUser(Text::dailyCopyFailed, {dailyCopyFolder()});
     tellLibrary();

@@ -11,12 +11,14 @@
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
 #include "shell/app/draft_offer.h"
+#include "shell/app/first_start.h"
 #include "shell/app/library_change.h"
 #include "shell/app/library_start.h"
 #include "shell/app/message_boxes.h"
 #include "shell/app/qt_language.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/stop_signals.h"
+#include "shell/app/tour.h"
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
 #include "shell/commands/file_commands.h"
@@ -26,7 +28,9 @@
 #include "shell/dialogs/about_box.h"
 #include "shell/dialogs/export_dialog.h"
 #include "shell/editor/program_view.h"
+#include "shell/help/manual_window.h"
 #include "shell/parts/client_layout.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/program_colors.h"
@@ -68,6 +72,11 @@ struct Start {
 };
 Start state;
 
+// Once: from now on there are a library and settings.
+void askFirstStartSoon() {
+    if (state.isFirstUse && state.wish.asksWhenNew) QTimer::singleShot(0, mainWindow, askFirstStart);
+}
+
 void openFilesSoon() {
     if (!state.wish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
 }
@@ -77,9 +86,10 @@ bool loadSettings() {
     return settingsLoad();
 }
 
-// Programs show their colours from the start, where nobody has chosen otherwise.
-bool colorFirstUse() {
+// Programs show their colours from the start, where nobody has chosen otherwise, and no port is opened.
+bool beginFirstUse() {
     if (!state.isFirstUse) return true;
+    settingsSetValue(setting::comPort, "");
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
@@ -120,7 +130,7 @@ constexpr StartStep startSteps[] = {
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return state.settingsRead || tellSettings(); }, false},
     {"library", openLibraryAtStart, true},
-    {"colors of a new library", colorFirstUse, false},
+    {"first settings", beginFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"breakpoints", [] { return done(connectDebugging); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
@@ -132,6 +142,7 @@ constexpr StartStep startSteps[] = {
     {"link", [] { return done(startLink); }, false},
     {"signals", [] { return done([] { watchStopSignals(shutDownAtOnce); }); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
+    {"first start", [] { return done(askFirstStartSoon); }, false},
     {"files", [] { return done(openFilesSoon); }, false},
 };
 
@@ -140,6 +151,7 @@ void closeLibraryAndQuit() {
     emulatorStop();  // beside the program it doesn't end with the view
     stopLink();
     storeClose();
+    forgetTour();
     removeTrayIcon();
     stopAnsweringCopies();
     forgetStopSignals();
@@ -153,7 +165,9 @@ bool startUp(const StartWish &wish) {
     threadRole = ThreadRole::graphical;
     state = {.wish = wish};
     endProgram = shutDown;
-    changeLibrary = changeLibraryTo;
+    changeLibrary = [](const std::string &folder, bool mayBegin) { return changeLibraryTo(folder, mayBegin); };
+    beginTour = startTour;
+    openManual = showManual;
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {

@@ -18,6 +18,8 @@
 #include "shell/editor/password_dialog.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
+#include "shell/help/manual_window.h"
+#include "shell/help/reference_window.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/on_view.h"
 #include "shell/run/emulator_place.h"
@@ -466,7 +468,28 @@ constexpr Command commands[] = {
      .checked = zoomIs<zoomToFit>,
      .run = zoomTo<zoomToFit>},
 
-    {.id = CommandId::about, .menu = help, .text = Text::menuAbout, .tip = Text::tipAbout, .run = showAboutBox},
+    {.id = CommandId::manual,
+     .menu = help,
+     .text = Text::menuManual,
+     .shortcut = "F1",
+     .tip = Text::tipManual,
+     .endsLabelEdit = false,
+     .run = showManualAtFirstPage},
+    {.id = CommandId::languageReference,
+     .menu = help,
+     .text = Text::menuReference,
+     .shortcut = "Shift+F1",
+     .tip = Text::tipReference,
+     .run = showReference},
+    {.id = CommandId::keys, .menu = help, .text = Text::menuKeys, .tip = Text::tipKeys, .run = showKeysPage},
+    {.id = CommandId::tour, .menu = help, .text = Text::menuTour, .tip = Text::tipTour, .run = [] { beginTour(); }},
+    {.id = CommandId::whatIsNew, .menu = help, .text = Text::menuNews, .tip = Text::tipNews, .run = showWhatIsNew},
+    {.id = CommandId::about,
+     .menu = help,
+     .separatorAhead = true,
+     .text = Text::menuAbout,
+     .tip = Text::tipAbout,
+     .run = showAboutBox},
 
     {.id = CommandId::undoTyping,
      .menu = program,

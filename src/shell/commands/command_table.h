@@ -82,6 +82,11 @@ enum class CommandId {
     recentLibrary7,
     recentLibrary8,
     recentLibrary9,
+    manual,
+    languageReference,
+    keys,
+    whatIsNew,
+    tour,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu

@@ -7,9 +7,12 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
+#include <utility>
 
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
+#include "platform/program_folder.h"
+#include "platform/thread_role.h"
 #include "shell/commands/library_commands.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -31,6 +34,14 @@ struct FileCommands {
 FileCommands state;
 
 constexpr int importAgainMilliseconds = 100;
+
+struct SampleFile {
+    const char *file;
+    const char *folder;
+};
+constexpr SampleFile sampleFiles[] = {{"games.cat", "Games"}, {"maths.fxi", "Maths"}, {"plots.cas", "Plots"}};
+constexpr char firstSample[] = "SNAKE";
+const char *sampleFolder = "";
 
 // An import has left the view. What it told in the status bar stays.
 void showAfterImport() {
@@ -83,6 +94,25 @@ void openFiles() {
 void importDropped(const QStringList &paths) {
     state.filesToImport += paths;
     importWaitingFiles();
+}
+
+void importSamples() {
+    assertRole(ThreadRole::graphical);
+    if (state.importing) return;
+    state.importing = true;
+    const auto asked = std::exchange(userInterface.askImport, [](ImportQuestion &question) {
+        question.action = ImportAction::oneFolder;
+        question.folderName = sampleFolder;
+    });
+    for (const auto &[file, folder] : sampleFiles) {
+        sampleFolder = folder;
+        importFile(dataPath(std::string("samples/") + file), folder);
+    }
+    userInterface.askImport = asked;
+    state.importing = false;
+    refreshTree();
+    const ItemId games = storeResolvePath(sampleFiles[0].folder, false);
+    if (const ItemId first = storeFindItem(firstSample, games); first != noItem) selectItem(first);
 }
 
 void forgetFileCommands() { state = {}; }

@@ -10,7 +10,12 @@ void openFiles();  // the Open command
 // Imports files one after the other, each with its own question, and opens one that is a library in place of this one;
 // at once, or when an open dialog has been closed.
 void importDropped(const QStringList &paths);
+// The samples that come with the program, each file into a folder of its own, and the first of the games on view.
+void importSamples();
 void forgetFileCommands();
+
+// The Tour command, put in at the start.
+inline void (*beginTour)() = nullptr;
 
 // The Exit command. What ends the program is put in at the start.
 inline void (*endProgram)() = nullptr;

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QListWidget>
@@ -15,8 +16,10 @@
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/serial_line.h"
+#include "shell/dialogs/port_choice.h"
 #include "shell/dialogs/settings_dialog.h"
 #include "shell/parts/command_states.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
@@ -75,8 +78,9 @@ bool listEvent(QWidget *, QEvent *event) {
     return true;
 }
 
-QPushButton *addButton(QDialogButtonBox *buttons, const QString &text, void (*pressed)()) {
-    QPushButton *button = buttons->addButton(text, QDialogButtonBox::ActionRole);
+QPushButton *addButton(QDialogButtonBox *buttons, Text text, Text tip, void (*pressed)()) {
+    QPushButton *button = buttons->addButton(textOf(text), QDialogButtonBox::ActionRole);
+    button->setToolTip(textOf(tip));
     button->setAutoDefault(false);  // Enter in the list does nothing
     QObject::connect(button, &QPushButton::clicked, state.queueWindow, pressed);
     return button;
@@ -89,11 +93,13 @@ void makeQueueWindow() {
     state.queueWindow->setWindowTitle(textOf(Text::queueTitle));
     state.queueList = new QListWidget;
     state.queueList->setAccessibleName(textOf(Text::queueTitle));
+    state.queueList->setToolTip(textOf(Text::tipQueueList));
     auto *buttons = new QDialogButtonBox(Qt::Vertical);
-    state.sendButton = addButton(buttons, textOf(Text::menuTransmitQueue), [] { beginTransmit(); });
-    state.removeButton = addButton(buttons, textOf(Text::queueRemove), removeChosen);
-    state.clearButton = addButton(buttons, textOf(Text::queueClear), transmitQueueClear);
-    state.againButton = addButton(buttons, textOf(Text::queueAgain), [] { transmitQueueAgain(); });
+    state.sendButton = addButton(buttons, Text::menuTransmitQueue, Text::tipTransmitQueue, [] { beginTransmit(); });
+    state.removeButton = addButton(buttons, Text::queueRemove, Text::tipQueueRemove, removeChosen);
+    state.clearButton = addButton(buttons, Text::queueClear, Text::tipQueueClear, transmitQueueClear);
+    state.againButton = addButton(buttons, Text::queueAgain, Text::tipQueueAgain, [] { transmitQueueAgain(); });
+    addHelp(state.queueWindow, buttons);
     QObject::connect(state.queueList, &QListWidget::currentItemChanged, state.queueWindow, showButtons);
     hookEvents(state.queueList, listEvent);
     auto *layout = new QHBoxLayout(state.queueWindow);
@@ -101,11 +107,20 @@ void makeQueueWindow() {
     layout->addWidget(buttons);
 }
 
-std::vector<std::string> portsOffered() {
-    std::vector<std::string> ports;
-    for (const char *name : {"COM1", "COM2", "COM3", "COM4"})
-        if (serialDevicePath(name) != name) ports.emplace_back(name);
-    for (const std::string &device : serialDevices()) ports.push_back(device);
+// "FTDI FT232R USB UART (ttyUSB0)", or the path where no adapter tells its name.
+QString portWords(const std::string &device) {
+    const QString adapter = toQt(serialAdapterName(device));
+    if (adapter.isEmpty()) return toQt(device);
+    const QString node = QFileInfo(QFileInfo(toQt(device)).canonicalFilePath()).fileName();
+    return adapter + QStringLiteral(" (") + node + QLatin1Char(')');
+}
+
+std::vector<OfferedPort> portsOffered() {
+    std::vector<OfferedPort> ports;
+    for (const std::string &device : serialDevices()) ports.push_back({device, portWords(device)});
+    for (const std::string name : {"COM1", "COM2", "COM3", "COM4"})
+        if (const std::string device = serialDevicePath(name); device != name)
+            ports.push_back({name, toQt(name + " (" + device + ")")});
     return ports;
 }
 

@@ -8,10 +8,10 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPixmap>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
@@ -48,6 +48,7 @@ struct BitmapControls {
 QGroupBox *choicesBox(const BitmapQuestion &question, const BitmapControls &controls) {
     auto *box = new QGroupBox(textOf(Text::rasterGroup));
     auto *layout = new QHBoxLayout(box);
+    for (QRadioButton *choice : {controls.image, controls.sharp}) choice->setToolTip(textOf(Text::tipRaster));
     layout->addWidget(controls.image);
     layout->addWidget(controls.sharp);
     layout->addStretch();
@@ -73,13 +74,8 @@ void askBitmap(BitmapQuestion &question) {
     layout->addWidget(pictureBox(textOf(Text::bitmapOriginal), original));
     layout->addWidget(pictureBox(textOf(Text::bitmapResult), controls.result));
     layout->addWidget(choicesBox(question, controls));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
-    layout->addWidget(buttons);
+    layout->addWidget(dialogButtons(&dialog));
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     controls.image->setFocus();
     question.accepted = runDialog(dialog) == QDialog::Accepted;
     question.type = controls.image->isChecked() ? RasterType::image : RasterType::sharp;

@@ -130,6 +130,7 @@ void addSwatches(QGridLayout *grid) {
         button->setAutoDefault(false);
         const QString name = textOf(row.text);
         button->setAccessibleName(name);
+        button->setToolTip(textOf(Text::tipColor, {name.toStdString()}));
         button->setObjectName(QString::fromLatin1(programColorKeys[placeOf(row.runClass)]));
         QObject::connect(button, &QPushButton::clicked, button, [row, name] { chooseColor(row.runClass, name); });
         state.buttons[placeOf(row.runClass)] = button;
@@ -144,6 +145,7 @@ void addSwatches(QGridLayout *grid) {
 
 QPushButton *schemeButton(Text text, const ColorScheme &scheme, const char *name) {
     auto *button = new QPushButton(textOf(text));
+    button->setToolTip(textOf(Text::tipScheme));
     button->setAutoDefault(false);
     button->setObjectName(QString::fromLatin1(name));
     QObject::connect(button, &QPushButton::clicked, button, [&scheme] { takeScheme(scheme); });
@@ -157,6 +159,7 @@ void makePreview() {
     state.preview->setLineWrapMode(QPlainTextEdit::NoWrap);
     state.preview->setAccessibleName(textOf(Text::colorPreview));
     state.preview->setTabChangesFocus(true);
+    state.preview->setToolTip(textOf(Text::tipColorPreview));
     state.preview->setMinimumSize(300, previewLines * QFontMetrics(state.preview->font()).lineSpacing() + 12);
     state.preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }

@@ -20,6 +20,7 @@
 
 #include "exchange/export/export.h"
 #include "exchange/export/export_formats.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
@@ -116,10 +117,11 @@ private:
     }
 };
 
-CandidateList *makeList(const QString &name, const QString &title) {
+CandidateList *makeList(const QString &name, const QString &title, Text tip) {
     auto *list = new CandidateList;
     list->setObjectName(name);
     list->setAccessibleName(title);
+    list->setToolTip(textOf(tip));
     list->setFont(treeFont());
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setDragEnabled(true);
@@ -175,6 +177,7 @@ QGroupBox *targetBox(const ExportQuestion &question, ExportControls &controls) {
     for (const ExportFormat &format : exportFormats()) {
         auto *button = new QRadioButton(textOf(format.label));
         button->setChecked(format.target == question.target);
+        button->setToolTip(textOf(Text::tipExportTarget));
         layout->addWidget(button);
         controls.targets.push_back(button);
     }
@@ -189,8 +192,8 @@ QLabel *titleOf(const QString &text, QListWidget *list) {
 }
 
 QGridLayout *listsLayout(ExportControls &controls) {
-    auto *left = makeList(QStringLiteral("availableItems"), textOf(Text::exportAvailable));
-    auto *right = makeList(QStringLiteral("chosenItems"), textOf(Text::exportChosen));
+    auto *left = makeList(QStringLiteral("availableItems"), textOf(Text::exportAvailable), Text::tipExportAvailable);
+    auto *right = makeList(QStringLiteral("chosenItems"), textOf(Text::exportChosen), Text::tipExportChosen);
     controls.available = left;
     controls.chosen = right;
     auto *layout = new QGridLayout;
@@ -259,16 +262,12 @@ void askExport(ExportQuestion &question) {
     QGridLayout *lists = listsLayout(controls);
     layout->addLayout(lists);
     layout->addWidget(targetBox(question, controls));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    QDialogButtonBox *buttons = dialogButtons(&dialog);
     controls.ok = buttons->button(QDialogButtonBox::Ok);
-    controls.ok->setText(textOf(Text::ok));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
     layout->addWidget(buttons);
     fillLists(question, controls);
     connectLists(controls, lists);
     enableOk(controls);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     dialog.resize(680, 440);
     if (runDialog(dialog) != QDialog::Accepted) return;
     takeAnswers(question, controls);

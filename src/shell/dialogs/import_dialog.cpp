@@ -35,6 +35,7 @@ QGroupBox *itemsBox(const ImportQuestion &question) {
     auto *list = new QListWidget;
     for (const std::string &name : question.itemNames) list->addItem(toQt(name));
     list->setAccessibleName(textOf(Text::importItems));
+    list->setToolTip(textOf(Text::tipImportItems));
     (new QVBoxLayout(box))->addWidget(list);
     return box;
 }
@@ -48,6 +49,10 @@ QGroupBox *choicesBox(const ImportQuestion &question, ImportControls &controls) 
     controls.standardFolders = new QRadioButton(textOf(Text::importStandardFolders));
     controls.transmit = new QRadioButton(textOf(Text::importTransmit));
     controls.transmit->setEnabled(transmitAvailable());
+    controls.oneFolder->setToolTip(textOf(Text::tipImportOneFolder));
+    controls.folder->setToolTip(textOf(Text::tipImportFolder));
+    controls.standardFolders->setToolTip(textOf(Text::tipImportStandard));
+    controls.transmit->setToolTip(textOf(Text::tipImportTransmit));
     auto *layout = new QVBoxLayout(box);
     for (QWidget *control :
          {static_cast<QWidget *>(controls.oneFolder), static_cast<QWidget *>(controls.folder),
@@ -74,12 +79,7 @@ void askImport(ImportQuestion &question) {
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(itemsBox(question));
     layout->addWidget(choicesBox(question, controls));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
-    layout->addWidget(buttons);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    layout->addWidget(dialogButtons(&dialog));
     dialog.resize(360, 380);
     const bool accepted = runDialog(dialog) == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;

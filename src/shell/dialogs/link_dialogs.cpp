@@ -23,8 +23,9 @@ namespace {
 constexpr int slotCount = 6;
 constexpr int yesResult = 1, noResult = 2;  // 0, a closed dialog, is Cancel
 
-QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, Text text, int result) {
+QPushButton *addAnswer(QDialog *dialog, QDialogButtonBox *buttons, Text text, Text tip, int result) {
     QPushButton *button = buttons->addButton(textOf(text), QDialogButtonBox::ActionRole);
+    button->setToolTip(textOf(tip));
     QObject::connect(button, &QPushButton::clicked, dialog, [dialog, result] { dialog->done(result); });
     return button;
 }
@@ -36,9 +37,10 @@ QDialog *existsDialog(const std::string &question) {
     auto *label = new QLabel(toQt(question));
     label->setTextFormat(Qt::PlainText);
     auto *buttons = new QDialogButtonBox;
-    addAnswer(dialog, buttons, Text::yes, yesResult);
-    QPushButton *no = addAnswer(dialog, buttons, Text::no, noResult);
-    addAnswer(dialog, buttons, Text::cancel, 0);
+    addAnswer(dialog, buttons, Text::yes, Text::tipExistsYes, yesResult);
+    QPushButton *no = addAnswer(dialog, buttons, Text::no, Text::tipExistsNo, noResult);
+    addAnswer(dialog, buttons, Text::cancel, Text::tipExistsCancel, 0);
+    addHelp(dialog, buttons);
     auto *layout = new QVBoxLayout(dialog);
     layout->addWidget(label);
     layout->addWidget(buttons);
@@ -59,15 +61,14 @@ QDialog *slotDialog(const std::string &pictureName, int preset) {
     for (int slot = 1; slot <= slotCount; slot++) {
         auto *choice = new QRadioButton(QStringLiteral("&%1").arg(slot));
         choice->setChecked(slot == (preset >= 1 && preset <= slotCount ? preset : 1));
+        choice->setToolTip(textOf(Text::tipSlot));
         slotButtons->addButton(choice, slot);
         row->addWidget(choice);
     }
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(textOf(Text::ok));
-    buttons->button(QDialogButtonBox::Cancel)->setText(textOf(Text::cancel));
+    QDialogButtonBox *buttons = dialogButtons(dialog);
+    QObject::disconnect(buttons, &QDialogButtonBox::accepted, dialog, nullptr);  // the slot is the answer
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog,
                      [dialog, slotButtons] { dialog->done(slotButtons->checkedId()); });
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     auto *layout = new QVBoxLayout(dialog);
     layout->addWidget(label);
     layout->addLayout(row);

@@ -14,6 +14,7 @@
 
 #include "settings/settings_store.h"
 #include "shell/dialogs/color_swatches.h"
+#include "shell/dialogs/port_choice.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
@@ -25,7 +26,6 @@
 
 namespace numalink {
 
-std::vector<std::string> (*listSerialPorts)() = [] { return std::vector<std::string>(); };
 void (*linkSettingsChanged)() = [] {};
 
 namespace {
@@ -35,16 +35,19 @@ constexpr int valueLimit = 49;  // characters of a typed value
 struct SwitchRow {
     const char *key;
     Text text;
+    Text tip;
 };
 
-constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemoveColor}};
-constexpr SwitchRow emulatorSwitches[] = {{setting::haltOnError, Text::settingsHaltOnError},
-                                          {setting::fullscreen, Text::settingsFullScreen},
-                                          {setting::fillListsMatrices, Text::settingsFillLists},
-                                          {setting::fullSpeed, Text::settingsFullSpeed},
-                                          {setting::calculatorModes, Text::settingsCalculatorModes}};
-constexpr SwitchRow editorSwitches[] = {{setting::syntaxHighlighting, Text::settingsHighlighting},
-                                        {setting::autoCorrect, Text::settingsAutoCorrect}};
+constexpr SwitchRow linkSwitches[] = {{setting::removeColor, Text::settingsRemoveColor, Text::tipRemoveColor}};
+constexpr SwitchRow emulatorSwitches[] = {
+    {setting::haltOnError, Text::settingsHaltOnError, Text::tipHaltOnError},
+    {setting::fullscreen, Text::settingsFullScreen, Text::tipFullScreen},
+    {setting::fillListsMatrices, Text::settingsFillLists, Text::tipFillLists},
+    {setting::fullSpeed, Text::settingsFullSpeed, Text::tipFullSpeed},
+    {setting::calculatorModes, Text::settingsCalculatorModes, Text::tipCalculatorModes}};
+constexpr SwitchRow editorSwitches[] = {
+    {setting::syntaxHighlighting, Text::settingsHighlighting, Text::tipHighlighting},
+    {setting::autoCorrect, Text::settingsAutoCorrect, Text::tipAutoCorrect}};
 
 struct SettingsControls {
     QComboBox *language = nullptr;
@@ -62,9 +65,16 @@ void addSwitches(QVBoxLayout *layout, std::span<const SwitchRow> rows, SettingsC
         auto *box = new QCheckBox(textOf(row.text));
         box->setChecked(settingsInt(row.key) > 0);
         box->setObjectName(QString::fromLatin1(row.key));
+        box->setToolTip(textOf(row.tip));
         layout->addWidget(box);
         controls.switches.emplace_back(row.key, box);
     }
+}
+
+QComboBox *portChoice(const char *key, PortSearch search) {
+    QComboBox *box = makePortChoice(settingsValue(key), search);
+    box->setObjectName(QString::fromLatin1(key));
+    return box;
 }
 
 QComboBox *freeChoice(const QStringList &offered, const char *key) {
@@ -110,6 +120,7 @@ int languageChosen() {
 QWidget *languagePage(SettingsControls &controls) {
     controls.language = new QComboBox;
     controls.language->setObjectName(QStringLiteral("languageBox"));
+    controls.language->setToolTip(textOf(Text::tipSettingsLanguage));
     for (int i = 0; i < languageCount(); i++) controls.language->addItem(toQt(languageRecord(i).name));
     controls.language->setCurrentIndex(languageChosen());
     auto *page = new QWidget;
@@ -124,15 +135,10 @@ QWidget *languagePage(SettingsControls &controls) {
     return page;
 }
 
-QStringList portsOffered() {
-    QStringList ports;
-    for (const std::string &port : listSerialPorts()) ports << toQt(port);
-    return ports;
-}
-
 QWidget *linkPage(SettingsControls &controls) {
-    controls.port = freeChoice(portsOffered(), setting::comPort);
+    controls.port = portChoice(setting::comPort, PortSearch::offered);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
+    controls.type->setToolTip(textOf(Text::tipSettingsType));
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     auto *form = new QFormLayout;
@@ -148,7 +154,8 @@ QWidget *emulatorPage(SettingsControls &controls) {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     addSwitches(layout, emulatorSwitches, controls);
-    controls.farEnd = freeChoice(portsOffered(), setting::farEndPort);
+    controls.farEnd = portChoice(setting::farEndPort, PortSearch::notOffered);
+    controls.farEnd->setToolTip(textOf(Text::tipFarEnd));
     auto *form = new QFormLayout;
     addFreeChoice(form, Text::settingsFarEnd, controls.farEnd);
     layout->addLayout(form);
@@ -171,17 +178,16 @@ QWidget *editorPage(SettingsControls &controls) {
 }
 
 void storeControls(const SettingsControls &controls) {
-    const auto put = [](const char *key, const QString &text) {
-        const std::string value = text.trimmed().toStdString();
+    const auto put = [](const char *key, const std::string &value) {
         if (!settingsSetValue(key, value)) tellUser(Text::settingRefused, {value});
     };
     const QString language = controls.language->currentText();
     if (controls.language->currentIndex() != languageChosen())
         tellFixed(Text::languageNextStart, {}, programTitle, BoxIcon::information);
-    if (!language.isEmpty()) put(setting::language, language);
-    put(setting::comPort, controls.port->currentText());
-    put(setting::linkType, controls.type->currentText());
-    put(setting::farEndPort, controls.farEnd->currentText());
+    if (!language.isEmpty()) put(setting::language, language.toStdString());
+    put(setting::comPort, portChosen(*controls.port));
+    put(setting::linkType, controls.type->currentText().trimmed().toStdString());
+    put(setting::farEndPort, portChosen(*controls.farEnd));
     for (const auto &[key, box] : controls.switches) settingsSetInt(key, box->isChecked() ? 1 : 0);
     storeSwatches();
     if (!settingsSave()) tellUser(Text::settingsNotSaved);

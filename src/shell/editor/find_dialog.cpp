@@ -37,10 +37,12 @@ bool askFind() {
     auto *wanted = new QLineEdit(findText);
     wanted->setMaxLength(findLimit);
     wanted->setFont(programFont());
+    wanted->setToolTip(textOf(Text::tipFindText));
     wanted->selectAll();
     auto *label = new QLabel(textOf(Text::findLabel));
     label->setBuddy(wanted);
     auto *fromStart = new QCheckBox(textOf(Text::findFromStart));
+    fromStart->setToolTip(textOf(Text::tipFindFromStart));
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(label);
     layout->addWidget(wanted);

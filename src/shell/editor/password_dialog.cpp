@@ -29,6 +29,7 @@ bool askPassword(QString &password) {
     typed->setEchoMode(QLineEdit::Password);
     typed->setMaxLength(static_cast<int>(programNameLimit));
     typed->setAccessibleName(textOf(Text::toolPassword));
+    typed->setToolTip(textOf(Text::tipPasswordText));
     typed->selectAll();
     auto *label = new QLabel(textOf(Text::toolPassword));
     label->setBuddy(typed);

@@ -195,4 +195,12 @@ void pasteProgram(const QMimeData *source) {
     programEdit->ensureCursorVisible();
 }
 
+void insertTokens(ByteView tokens) {
+    Bytes image = {':'};
+    image.insert(image.end(), tokens.begin(), tokens.end());
+    image.push_back(0xFF);
+    insertLines(viewLines(image));
+    programEdit->ensureCursorVisible();
+}
+
 }  // namespace numalink

@@ -2,6 +2,8 @@
 // it. Pasted text may be Unicode, the ASCII spellings, or exchange words. Graphical thread only.
 #pragma once
 
+#include "platform/bytes.h"
+
 class QMimeData;
 
 namespace numalink {
@@ -9,5 +11,7 @@ namespace numalink {
 QMimeData *programSelection();  // of programEdit, for the clipboard or a drag
 bool canPasteProgram(const QMimeData *source);
 void pasteProgram(const QMimeData *source);  // over the selection, as one undo step
+
+void insertTokens(ByteView tokens);  // over the selection as well; programEdit can be written
 
 }  // namespace numalink

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QTimer>
 #include <chrono>
 #include <optional>
@@ -62,6 +63,20 @@ struct LetterRow {
 };
 constexpr LetterRow letterRows[] = {{24, "qwertyuiop"}, {38, "asdfghjkl"}, {52, "zxcvbnm"}};
 
+// Keys whose sign says more than their name.
+struct KeySign {
+    int key;
+    const char *sign;
+};
+constexpr KeySign keySigns[] = {
+    {Qt::Key_Left, "←"}, {Qt::Key_Up, "↑"}, {Qt::Key_Right, "→"}, {Qt::Key_Down, "↓"}, {Qt::Key_Backspace, "⌫"}};
+
+QString keyName(int key) {
+    for (const KeySign &row : keySigns)
+        if (row.key == key) return QString::fromUtf8(row.sign);
+    return QKeySequence(key).toString(QKeySequence::NativeText);
+}
+
 KeyboardKey offsetFrom(KeyboardKey first, int steps) {
     return static_cast<KeyboardKey>(static_cast<int>(first) + steps);
 }
@@ -95,6 +110,21 @@ std::optional<KeyboardKey> keyboardKeyOf(const QKeyEvent &event) {
 }
 
 }  // namespace
+
+QStringList keyboardNamesOf(int code) {
+    QStringList names;
+    const auto add = [&](KeyboardKey key, int qtKey) {
+        const QString name = keyCodeOf(key) == code ? keyName(qtKey) : QString();
+        if (!name.isEmpty() && !names.contains(name)) names << name;
+    };
+    for (int i = 0; i < 26; i++) add(offsetFrom(KeyboardKey::a, i), Qt::Key_A + i);
+    for (int i = 0; i < 10; i++) add(offsetFrom(KeyboardKey::digit0, i), Qt::Key_0 + i);
+    for (int i = 0; i < 6; i++) add(offsetFrom(KeyboardKey::f1, i), Qt::Key_F1 + i);
+    for (const NamedKey &row : namedKeys)
+        if (row.key != Qt::Key_Backtab && row.key != Qt::Key_Enter) add(row.name, row.key);
+    if (code == stopKey) names << keyName(Qt::Key_Escape) << keyName(Qt::Key_F7);
+    return names;
+}
 
 bool isMenuKey(const QKeyEvent &event) {
     const bool isFunctionKey = event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F12;

@@ -1,6 +1,8 @@
 // Keys of the keyboard for a run: which key of the calculator they are. Graphical thread only.
 #pragma once
 
+#include <QStringList>
+
 class QKeyEvent;
 
 namespace numalink {
@@ -10,6 +12,9 @@ namespace numalink {
 void pressKey(int code);
 void releaseKey();
 void forgetEmulatorKeys();
+
+// What a key of the calculator is on the keyboard, as keyboards name it in the language of Qt; empty for none.
+QStringList keyboardNamesOf(int code);
 
 // A key went down: keyCode takes what the map has for it. Escape and F7 stop the run. Keys that the map doesn't have
 // change nothing. Always true: while a run is on, no key does anything else.

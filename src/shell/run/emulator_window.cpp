@@ -46,6 +46,8 @@ namespace numalink {
 namespace {
 
 constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
+constexpr int namesMilliseconds = 300;   // that their key is held: with others it is a command of the window
+constexpr int keyNamesKey = Qt::Key_Control;
 
 struct EmulatorWindow {
     QImage skin;           // the key pad at the present scale
@@ -53,6 +55,8 @@ struct EmulatorWindow {
     Surface display;       // the copy that is on screen
     std::uint64_t displaySeen = 0;
     int outlinedKey = 0;
+    bool namesKeys = false;      // the keyboard's keys are drawn over the key pad
+    QTimer *namesDue = nullptr;  // runs from when their key is down
     ItemId started = noItem;
 };
 EmulatorWindow state;
@@ -93,8 +97,37 @@ const QImage &skinAt(double pixelsPerDot) {
     return state.skin;
 }
 
+// As large as the window lets it be: in the small, names can't be read.
+void paintKeyNames(QPainter &painter) {
+    constexpr int padHeight = keypadHeight - keypadTop;
+    const QSizeF room = emulatorWindow->size();
+    const double scale = std::min(room.width() / keypadWidth, room.height() / padHeight);
+    painter.fillRect(emulatorWindow->rect(), emulatorWindow->palette().window());
+    painter.translate((room.width() - keypadWidth * scale) / 2, (room.height() - padHeight * scale) / 2);
+    painter.scale(scale, scale);
+    painter.setClipRect(QRectF(0, 0, keypadWidth, padHeight));
+    painter.translate(0, -keypadTop);
+    paintKeypad(painter, scale);
+    paintKeyboardNames(painter, keyboardNamesOf);
+}
+
+void nameKeys(bool named) {
+    state.namesDue->stop();
+    if (named == state.namesKeys) return;
+    state.namesKeys = named;
+    emulatorWindow->update();
+}
+
+// Held alone, the key shows what the others are; any other key ends it.
+void followNamesKey(const QKeyEvent &key) {
+    if (key.isAutoRepeat()) return;
+    nameKeys(false);
+    if (key.type() == QEvent::KeyPress && key.key() == keyNamesKey) state.namesDue->start(namesMilliseconds);
+}
+
 void paintEmulator() {
     QPainter painter(emulatorWindow);
+    if (state.namesKeys) return paintKeyNames(painter);
     painter.translate(origin());
     const int size = dotPixels();
     const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
@@ -153,6 +186,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return false;
         case QEvent::FocusOut:
             keyCode = 0;
+            nameKeys(false);
             return false;
         case QEvent::ShortcutOverride:
             // While a run is on, the keys of the commands are keys of the calculator.
@@ -160,9 +194,11 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             event->accept();
             return true;
         case QEvent::KeyPress:
+            followNamesKey(*static_cast<QKeyEvent *>(event));
             return emulatorRunning && !isMenuKey(*static_cast<QKeyEvent *>(event)) &&
                    emulatorKeyDown(*static_cast<QKeyEvent *>(event));
         case QEvent::KeyRelease:
+            followNamesKey(*static_cast<QKeyEvent *>(event));
             return emulatorKeyUp(*static_cast<QKeyEvent *>(event));
         default:
             return false;
@@ -336,6 +372,9 @@ void makeEmulatorWindow() {
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);
     emulatorWindow->hide();
     state.display = Surface(displayWidth, displayHeight);
+    state.namesDue = new QTimer(emulatorWindow);
+    state.namesDue->setSingleShot(true);
+    QObject::connect(state.namesDue, &QTimer::timeout, emulatorWindow, [] { nameKeys(true); });
     hookEvents(emulatorWindow, emulatorEvent);
     viewLeft = stopWithView;
 }

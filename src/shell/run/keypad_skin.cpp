@@ -34,9 +34,8 @@ QRectF rectangleOf(const KeyFace &face) {
 }
 
 // Text as large as asked, smaller where it would not fit the width.
-void paintText(QPainter &painter, const QRectF &room, const char *utf8, double height, bool bold, int alignment) {
-    if (utf8[0] == '\0') return;
-    const QString text = QString::fromUtf8(utf8);
+void paintText(QPainter &painter, const QRectF &room, const QString &text, double height, bool bold, int alignment) {
+    if (text.isEmpty()) return;
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setStyleHint(QFont::SansSerif);
     font.setBold(bold);
@@ -66,7 +65,7 @@ void paintFace(QPainter &painter, const KeyFace &face) {
     painter.drawRoundedRect(place, 2.5, 2.5);
     painter.setPen(legendColor(color));
     const double height = face.shape == KeyShape::pad || face.shape == KeyShape::stop ? 6.5 : 5.2;
-    paintText(painter, place.adjusted(1.5, 0, -1.5, 0), face.legend, height, true, Qt::AlignHCenter);
+    paintText(painter, place.adjusted(1.5, 0, -1.5, 0), QString::fromUtf8(face.legend), height, true, Qt::AlignHCenter);
 }
 
 // The second legends stand in the gap above a key: SHIFT's to the left, ALPHA's letter to the right.
@@ -74,11 +73,12 @@ void paintSecondLegends(QPainter &painter, const KeyFace &face, double pixelsPer
     const QRectF key = rectangleOf(face);
     const QRectF gap(key.left(), key.top() - 6, key.width(), 6);
     painter.setPen(alphaColor);
-    paintText(painter, gap.adjusted(gap.width() - 8, 0, -1.5, 0), face.alpha, 4.4, true, Qt::AlignRight);
+    paintText(painter, gap.adjusted(gap.width() - 8, 0, -1.5, 0), QString::fromUtf8(face.alpha), 4.4, true,
+              Qt::AlignRight);
     if (pixelsPerDot < secondLegendScale) return;
     painter.setPen(shiftColor);
     const double alphaRoom = face.alpha[0] == '\0' ? 0 : 7;
-    paintText(painter, gap.adjusted(1.5, 0, -alphaRoom, 0), face.shift, 3.4, false, Qt::AlignLeft);
+    paintText(painter, gap.adjusted(1.5, 0, -alphaRoom, 0), QString::fromUtf8(face.shift), 3.4, false, Qt::AlignLeft);
 }
 
 }  // namespace
@@ -92,6 +92,22 @@ void paintKeypad(QPainter &painter, double pixelsPerDot) {
     for (const KeyFace &face : keyFaces()) {
         paintFace(painter, face);
         paintSecondLegends(painter, face, pixelsPerDot);
+    }
+}
+
+void paintKeyboardNames(QPainter &painter, QStringList (*namesOf)(int keyCode)) {
+    const QColor paper(0xFF, 0xFB, 0xE0), ink(0x14, 0x1A, 0x22);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const KeyFace &face : keyFaces()) {
+        const QString names = namesOf(face.code).join(QStringLiteral("  "));
+        if (names.isEmpty()) continue;
+        const QRectF badge = rectangleOf(face).adjusted(0.5, 0.5, -0.5, -0.5);
+        painter.setPen(QPen(ink, 0.5));
+        painter.setBrush(paper);
+        painter.drawRoundedRect(badge, 2, 2);
+        painter.setPen(ink);
+        const double height = badge.width() < badge.height() ? 5 : badge.height() * 0.45;
+        paintText(painter, badge.adjusted(1, 0, -1, 0), names, std::min(height, 6.0), true, Qt::AlignHCenter);
     }
 }
 

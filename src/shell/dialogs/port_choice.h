@@ -1,0 +1,27 @@
+// The choice of a serial port: none, automatic, those that are there by their adapters' names, or a typed one.
+// Graphical thread only.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <vector>
+
+class QComboBox;
+
+namespace numalink {
+
+// A port as the settings name it, and what the user sees of it.
+struct OfferedPort {
+    std::string value;
+    QString words;
+};
+
+// The ports that are there. The link puts in what lists them; without it there are none.
+inline std::vector<OfferedPort> (*listSerialPorts)() = [] { return std::vector<OfferedPort>(); };
+
+enum class PortSearch { offered, notOffered };  // whether there is something that a port can be found by
+
+QComboBox *makePortChoice(const std::string &value, PortSearch search);
+std::string portChosen(const QComboBox &box);
+
+}  // namespace numalink

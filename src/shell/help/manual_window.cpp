@@ -1,0 +1,192 @@
+#include "shell/help/manual_window.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QPointer>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+#include "platform/thread_role.h"
+#include "shell/help/key_picture.h"
+#include "shell/help/manual_pages.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int windowWidth = 820, windowHeight = 560, listWidth = 200;
+constexpr int searchLimit = 60;  // characters
+
+// Pages and pictures by the names of their files, wherever they lie.
+class ManualBrowser : public QTextBrowser {
+public:
+    std::vector<ManualPage> pages;
+    QString wanted;  // what is looked for
+
+protected:
+    QVariant loadResource(int type, const QUrl &url) override {
+        const QString name = url.fileName();
+        if (type == QTextDocument::ImageResource)
+            return name == QLatin1String(keyPictureName) ? QVariant(keyPicture()) : QVariant(manualPicture(name));
+        for (const ManualPage &page : pages)
+            if (page.name + QLatin1String(".md") == name) return page.text;
+        return {};
+    }
+};
+
+struct Manual {
+    QPointer<QDialog> window;
+    QPointer<QLineEdit> search;
+    QPointer<QListWidget> list;
+    QPointer<ManualBrowser> browser;
+};
+Manual state;
+
+QUrl urlOf(const QString &page) { return QUrl(page + QLatin1String(".md")); }
+
+bool holds(const ManualPage &page, const QString &wanted) {
+    const QStringList words = wanted.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return std::ranges::all_of(words,
+                               [&](const QString &word) { return page.text.contains(word, Qt::CaseInsensitive); });
+}
+
+// Every place of the page that has what is looked for is marked, and the first one is in sight.
+void markFound() {
+    QList<QTextEdit::ExtraSelection> marks;
+    const QPalette palette = state.browser->palette();
+    const QTextDocument *document = state.browser->document();
+    QTextCursor first;
+    for (const QString &word : state.search->text().split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        for (QTextCursor at = document->find(word, 0); !at.isNull(); at = document->find(word, at)) {
+            QTextEdit::ExtraSelection mark;
+            mark.cursor = at;
+            mark.format.setBackground(palette.highlight());
+            mark.format.setForeground(palette.highlightedText());
+            marks.append(mark);
+            if (first.isNull() || at.position() < first.position()) first = at;
+        }
+    }
+    state.browser->setExtraSelections(marks);
+    if (first.isNull()) return;
+    first.clearSelection();
+    state.browser->setTextCursor(first);
+    state.browser->ensureCursorVisible();
+}
+
+void showChosen() {
+    const QListWidgetItem *row = state.list->currentItem();
+    if (row != nullptr) state.browser->setSource(urlOf(row->data(Qt::UserRole).toString()));
+}
+
+void chooseRow(const QString &page) {
+    for (int i = 0; i < state.list->count(); i++)
+        if (state.list->item(i)->data(Qt::UserRole).toString() == page) state.list->setCurrentRow(i);
+}
+
+// A link within the pages, Back, or the list has led to another page.
+void pageShown(const QUrl &url) {
+    const QSignalBlocker blocked(state.list);
+    chooseRow(url.fileName().chopped(3));
+    markFound();
+}
+
+void listPages() {
+    const QSignalBlocker blocked(state.list);
+    state.list->clear();
+    for (const ManualPage &page : state.browser->pages) {
+        if (!holds(page, state.search->text())) continue;
+        auto *row = new QListWidgetItem(page.title, state.list);
+        row->setData(Qt::UserRole, page.name);
+        row->setToolTip(page.title);
+    }
+}
+
+void searchPages() {
+    const QString shown = state.browser->source().fileName().chopped(3);
+    listPages();
+    chooseRow(shown);
+    if (state.list->currentItem() == nullptr && state.list->count() > 0) state.list->setCurrentRow(0);
+    markFound();
+}
+
+QWidget *makeContents() {
+    auto *side = new QWidget;
+    auto *layout = new QVBoxLayout(side);
+    layout->setContentsMargins(0, 0, 0, 0);
+    state.search = new QLineEdit;
+    state.search->setObjectName(QStringLiteral("manualSearch"));
+    state.search->setPlaceholderText(textOf(Text::manualSearch));
+    state.search->setToolTip(textOf(Text::tipManualSearch));
+    state.search->setAccessibleName(textOf(Text::manualSearch));
+    state.search->setClearButtonEnabled(true);
+    state.search->setMaxLength(searchLimit);
+    state.list = new QListWidget;
+    state.list->setObjectName(QStringLiteral("manualPages"));
+    state.list->setAccessibleName(textOf(Text::manualPages));
+    state.list->setToolTip(textOf(Text::manualPages));
+    auto *back = new QPushButton(textOf(Text::manualBack));
+    back->setToolTip(textOf(Text::tipManualBack));
+    back->setAutoDefault(false);
+    back->setEnabled(false);
+    QObject::connect(back, &QPushButton::clicked, state.browser, &QTextBrowser::backward);
+    QObject::connect(state.browser, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
+    for (QWidget *part :
+         {static_cast<QWidget *>(state.search), static_cast<QWidget *>(state.list), static_cast<QWidget *>(back)})
+        layout->addWidget(part);
+    return side;
+}
+
+void makeWindow(QWidget *over) {
+    state.window = new QDialog(over, Qt::Window);
+    state.window->setObjectName(QStringLiteral("manualWindow"));
+    state.window->setAttribute(Qt::WA_DeleteOnClose);
+    state.window->setModal(false);
+    state.window->setWindowTitle(textOf(Text::manualTitle));
+    state.browser = new ManualBrowser;
+    state.browser->setObjectName(QStringLiteral("manualText"));
+    state.browser->setAccessibleName(textOf(Text::manualTitle));
+    state.browser->pages = manualPages();
+    auto *parts = new QSplitter;
+    parts->addWidget(makeContents());
+    parts->addWidget(state.browser);
+    parts->setStretchFactor(1, 1);
+    parts->setSizes({listWidth, windowWidth - listWidth});
+    (new QVBoxLayout(state.window))->addWidget(parts);
+    listPages();
+    QObject::connect(state.list, &QListWidget::currentRowChanged, state.window, showChosen);
+    QObject::connect(state.search, &QLineEdit::textChanged, state.window, searchPages);
+    QObject::connect(state.browser, &QTextBrowser::sourceChanged, state.window, pageShown);
+    state.window->resize(windowWidth, windowHeight);
+}
+
+}  // namespace
+
+void showManual(const QString &page) {
+    assertRole(ThreadRole::graphical);
+    QWidget *modal = QApplication::activeModalWidget();
+    QWidget *over = modal != nullptr ? modal : mainWindow;
+    if (state.window != nullptr && state.window->parentWidget() != over) delete state.window;
+    if (state.window == nullptr) makeWindow(over);
+    state.search->clear();
+    chooseRow(page);
+    if (state.list->currentItem() == nullptr) state.list->setCurrentRow(0);
+    if (state.list->count() == 0) state.browser->setPlainText(textOf(Text::manualMissing));
+    showUnminimised(state.window);
+    state.window->raise();
+    state.window->activateWindow();
+    state.browser->setFocus();
+}
+
+void showManualAtFirstPage() { showManual({}); }
+void showKeysPage() { showManual(QString::fromLatin1(keysPageName)); }
+void showWhatIsNew() { showManual(QString::fromLatin1(newsPageName)); }
+
+}  // namespace numalink

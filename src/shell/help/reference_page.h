@@ -1,0 +1,16 @@
+// What the reference says of a token, as the window shows it. Graphical thread only, once the tables are loaded.
+#pragma once
+
+#include <QString>
+
+#include "language/reference.h"
+
+namespace numalink {
+
+QString topicInWords(std::string_view topic);  // in the window's language
+QString pageOfToken(const ReferenceRow &row);  // HTML
+
+// Whether all words of wanted stand in what the page says, in any case of letters. No words stand in every page.
+bool tokenHolds(const ReferenceRow &row, const QStringList &wanted);
+
+}  // namespace numalink
