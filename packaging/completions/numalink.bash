@@ -34,7 +34,7 @@ _numalink_cli() {
         convert) options="--help --to --raster --replace" ;;
         export) options="--help --to --replace" ;;
         import) options="--help --into --existing --raster" ;;
-        link) options="--help --port --type --answer --slot --remove-colour --seconds --json" ;;
+        link) options="--help --port --type --answer --slot --remove-colour --seconds --json --trace" ;;
         list | lint) options="--help --json" ;;
         show) options="--help --bitmap --replace" ;;
         run | eval) options=$run ;;

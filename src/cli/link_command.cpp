@@ -18,11 +18,13 @@
 #include "link/attention.h"
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
+#include "link/wire_trace.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
 #include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "store/undo/undo.h"
+#include "telling/tell_user.h"
 #include "telling/texts.h"
 #include "telling/user_interface.h"
 
@@ -43,6 +45,7 @@ struct LinkOptions {
     bool removeColor = false;
     int seconds = 0;
     bool json = false;
+    std::string trace;  // file, or empty
 };
 
 // What the link's thread reads while commands may change it.
@@ -250,9 +253,14 @@ int runLink(const LinkOptions &options) {
     settingsSetValue(setting::linkType, options.type);
     if (options.removeColor) settingsSetInt(setting::removeColor, 1);
     installLinkUi();
+    if (!options.trace.empty()) {
+        const FileResult result = wireTraceStart(options.trace);
+        if (result != FileResult::done) return commandFailed(wording(fileTrouble(result), {options.trace}));
+    }
     startLinkThread();
     serveInput(options.seconds);
     stopLinkThread();
+    wireTraceEnd();
     return endStatus();
 }
 
@@ -270,6 +278,7 @@ CommandRun declareLink(CLI::App &command) {
     command.add_option("--slot", options->slot, "Place of pictures in the calculator")->check(CLI::Range(1, 6));
     command.add_flag("--remove-colour", options->removeColor, "Send programs without colour commands");
     command.add_option("--seconds", options->seconds, "End after so many")->check(CLI::NonNegativeNumber);
+    command.add_option("--trace", options->trace, "Write what goes over the line to this file, decoded");
     command.add_flag("--json", options->json, "One JSON object a line");
     command.footer(
         "Commands on standard input: transmit ITEM, queue ITEM, go, undo, answer yes|no|cancel, slot N, quit");

@@ -1,0 +1,19 @@
+// A trace of all that the link says and hears, decoded, into a file. While none is kept the link knows nothing of it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace numalink {
+
+// Puts an observed line in the place of serialLine, ahead of the link's thread. The trace is written behind what the
+// file holds, which must be a trace, too: anything else gives failed and stays as it is.
+FileResult wireTraceStart(const std::string &path);
+void wireTraceEnd();  // once the link's thread is joined; harmless without a trace
+
+// What passed last, oldest first, a line each without the bytes; nothing where no trace was kept. Any thread.
+std::vector<std::string> wireTraceLast();
+
+}  // namespace numalink
