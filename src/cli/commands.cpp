@@ -29,6 +29,7 @@ constexpr CommandRow commandRows[] = {
      declareLanguageServer},
     {"lint", "Tell what is wrong in the programs of a library", declareLint},
     {"list", "List the items of a library", declareList},
+    {"share", "Write a program as a web page that plays it", declareShare},
     {"show", "Show one item of a library", declareShow},
     {"run", "Run a program of a library on the emulated calculator", declareRun},
     {"eval", "Run a program given by its bytes", declareEval},

@@ -25,6 +25,7 @@ CommandRun declareLint(CLI::App &command);
 CommandRun declareList(CLI::App &command);
 CommandRun declareEval(CLI::App &command);
 CommandRun declareRun(CLI::App &command);
+CommandRun declareShare(CLI::App &command);
 CommandRun declareShow(CLI::App &command);
 CommandRun declareTokens(CLI::App &command);
 CommandRun declareWrite(CLI::App &command);

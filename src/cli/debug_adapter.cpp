@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <thread>
 
 #include "cli/commands.h"
@@ -33,7 +32,7 @@ enum Scope : int { variablesScope = 1, windowScope, arraysScope, modesScope, fir
 
 // Between reader and main thread.
 Lock stageLock;
-std::condition_variable stageChanged GUARDED_BY(stageLock);
+Signal stageChanged GUARDED_BY(stageLock);
 enum class Stage { waits, launched, over } stage GUARDED_BY(stageLock) = Stage::waits;
 RunScript script GUARDED_BY(stageLock);
 DebugOptions options GUARDED_BY(stageLock);

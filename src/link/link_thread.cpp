@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <thread>
 
 #include "link/attention.h"
@@ -30,7 +29,7 @@ constexpr std::chrono::milliseconds oneLook{50};     // at ports that are watche
 
 std::thread linkThread;  // graphical thread
 Lock closedLock;         // so that a stop can't fall between the look and the sleep of waitClosed
-std::condition_variable closedChanged GUARDED_BY(closedLock);
+Signal closedChanged GUARDED_BY(closedLock);
 std::atomic<LinkPort> portState = LinkPort::untried;
 
 struct Cause {

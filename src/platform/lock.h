@@ -16,6 +16,8 @@
 
 namespace numalink {
 
+using Signal = std::condition_variable;
+
 struct THREAD_ATTRIBUTE(capability("lock")) Lock {
     void take() THREAD_ATTRIBUTE(acquire_capability()) { mutex.lock(); }
     void give() THREAD_ATTRIBUTE(release_capability()) { mutex.unlock(); }
@@ -32,12 +34,12 @@ struct THREAD_ATTRIBUTE(scoped_lockable) HoldLock {
     // Sleeps, with the lock given up meanwhile, until the signal is notified or the time is over; it may also wake for
     // nothing. So the caller asks in a loop for what it waits for: there, unlike in a function that it would hand over,
     // clang sees that the lock is held.
-    void wait(std::condition_variable &signal) {
+    void wait(Signal &signal) {
         std::unique_lock<std::mutex> held(lock.mutex, std::adopt_lock);
         signal.wait(held);
         held.release();
     }
-    void waitUntil(std::condition_variable &signal, std::chrono::steady_clock::time_point end) {
+    void waitUntil(Signal &signal, std::chrono::steady_clock::time_point end) {
         std::unique_lock<std::mutex> held(lock.mutex, std::adopt_lock);
         signal.wait_until(held, end);
         held.release();

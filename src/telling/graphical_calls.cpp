@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <condition_variable>
 #include <deque>
 #include <map>
 
@@ -13,7 +12,7 @@ namespace numalink {
 namespace {
 
 Lock requestLock;
-std::condition_variable requestChanged GUARDED_BY(requestLock);
+Signal requestChanged GUARDED_BY(requestLock);
 
 struct GraphicalRequest {
     GraphicalWork work = nullptr;

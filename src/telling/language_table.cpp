@@ -10,7 +10,6 @@
 #include "platform/letter_case.h"
 #include "platform/program_folder.h"
 #include "telling/language_file.h"
-#include "telling/texts.h"
 
 namespace numalink {
 
@@ -122,29 +121,5 @@ std::string languageItem(int number, int index) {
 int languageCount() { return static_cast<int>(languages.size()); }
 const LanguageRecord &languageRecord(int index) { return languages[static_cast<std::size_t>(index)].record; }
 int languageCurrent() { return currentLanguage; }
-
-std::string formatArguments(std::string_view text, const std::vector<std::string> &arguments) {
-    std::string result;
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < text.size(); i++) {
-        const char which = text[i] == '%' && i + 1 < text.size() ? text[i + 1] : '\0';
-        if (which != '%' && which != 'd' && which != 's') {
-            result += text[i];
-            continue;
-        }
-        if (which == '%')
-            result += '%';
-        else if (next < arguments.size())
-            result += arguments[next++];
-        i++;
-    }
-    return result;
-}
-
-std::string wording(Text text, const std::vector<std::string> &arguments) {
-    const int number = textNumber(text);
-    return formatArguments(number < firstListNumber ? languageText(number) : languageItem(number, textPlace(text)),
-                           arguments);
-}
 
 }  // namespace numalink

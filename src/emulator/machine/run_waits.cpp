@@ -1,6 +1,5 @@
 // How a run ends by itself, and the passes of its waits.
 #include <chrono>
-#include <condition_variable>
 
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/pace.h"
@@ -8,6 +7,7 @@
 #include "emulator/machine/run_waits.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
+#include "platform/time_slice.h"
 
 namespace numalink {
 
@@ -16,7 +16,7 @@ std::atomic<bool> runHalted = false;
 namespace {
 
 Lock wakeLock;  // so that a wake can't fall between the look and the sleep of a wait
-std::condition_variable wakeCondition GUARDED_BY(wakeLock);
+Signal wakeCondition GUARDED_BY(wakeLock);
 std::atomic<RunEnd> endCause = RunEnd::running;
 
 }  // namespace
@@ -38,6 +38,7 @@ void workBegin(std::uint64_t limit) {
 }
 
 bool takeWork() {
+    timeSlicePassed();
     if (aside) {
         gaveUp = gaveUp || asideLeft == 0;
         if (!gaveUp) asideLeft--;

@@ -5,8 +5,6 @@
 #include <array>
 #include <memory>
 #include <new>
-#include <system_error>
-#include <thread>
 
 #include "calculator/charset.h"
 #include "emulator/expressions/evaluator.h"
@@ -26,6 +24,8 @@
 #include "emulator/statements/statement_plans.h"
 #include "emulator/statements/statements.h"
 #include "platform/clock.h"
+#include "platform/time_slice.h"
+#include "platform/worker.h"
 #include "settings/settings_store.h"
 #include "telling/graphical_calls.h"
 #include "telling/texts.h"
@@ -39,7 +39,7 @@ constexpr std::uint64_t callPoll = 100;         // milliseconds between the look
 constexpr std::uint64_t workPerStatement = 10;  // evaluations within calls, where statements have a limit
 constexpr std::uint64_t settingsInterval = 64;  // statements between two looks at a setting
 
-std::thread runThread;
+Worker runThread;
 std::array<std::unique_ptr<RunState>, callLimit> calls;  // the programs in progress, the first one's caller ahead
 int nextCall = 0;
 std::uint64_t statementLimitOfRun = 0;
@@ -223,6 +223,7 @@ LoopEnd runStatements(RunState &state, StatementEnd end = StatementEnd::next) {
     for (;;) {
         if (end == StatementEnd::programEnded) return LoopEnd::programEnded;
         if (end == StatementEnd::stopped) return LoopEnd::stopped;
+        timeSlicePassed();
         if (end == StatementEnd::next) {
             if (!runGoesOn()) return LoopEnd::programEnded;
             pace(paceUnits::statement);
@@ -314,7 +315,7 @@ void callProgram(std::string_view name) {
 }
 
 void joinRun() {
-    if (runThread.joinable()) {
+    if (runThread.isStarted()) {
         runThread.join();
         runObserver = nullptr;
         runRepeats = paceCounted = false;
@@ -366,11 +367,7 @@ bool runStart(const RunOptions &options) {
     statementPlansForget();
     if (!takeCall(0)) return false;
     emulatorRunning = true;
-    try {
-        runThread = std::thread(runFirstProgram);
-    } catch (const std::system_error &) {
-        emulatorRunning = false;
-    }
+    if (!runThread.start(runFirstProgram)) emulatorRunning = false;
     return emulatorRunning;
 }
 

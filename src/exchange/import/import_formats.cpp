@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "exchange/import/cat_record.h"
+#include "exchange/page_parts.h"
 #include "platform/letter_case.h"
 #include "platform/picture_file.h"
 
@@ -16,6 +17,7 @@ std::string_view textOfFile(ByteView file) { return {reinterpret_cast<const char
 
 bool fitsCas(ByteView &file) { return textOfFile(file).starts_with(':'); }
 bool fitsFxi(ByteView &file) { return textOfFile(file).starts_with("20"); }
+bool fitsPage(ByteView &file) { return textOfFile(file).starts_with(pageStart); }
 bool fitsPicture(ByteView &file) { return isPictureFile(file); }
 
 bool fitsCat(ByteView &file) {
@@ -26,12 +28,14 @@ bool fitsCat(ByteView &file) {
 }
 
 constexpr const char *casEndings[] = {"cas"}, *catEndings[] = {"cat"}, *fxiEndings[] = {"fxi"};
+constexpr const char *pageEndings[] = {"html"};
 constexpr const char *pictureEndings[] = {"bmp", "png", "jpg", "gif"};
 
 constexpr ImportFormat formats[] = {
     {"cas", casEndings, fitsCas, readCas},
     {"cat", catEndings, fitsCat, readCat},
     {"fxi", fxiEndings, fitsFxi, readFxi},
+    {"page", pageEndings, fitsPage, readPage},
     {"bitmap", pictureEndings, fitsPicture, nullptr},
 };
 

@@ -40,6 +40,7 @@ using ItemReader = void (*)(ByteView file, const ItemSink &sink, ImportReport &r
 void readCat(ByteView file, const ItemSink &sink, ImportReport &report);
 void readCas(ByteView file, const ItemSink &sink, ImportReport &report);
 void readFxi(ByteView file, const ItemSink &sink, ImportReport &report);
+void readPage(ByteView file, const ItemSink &sink, ImportReport &report);
 
 // A text, perhaps with something of the file behind it.
 void addMessage(ImportReport &report, Text text, const std::vector<std::string> &arguments,

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "debugger/breakpoints.h"
+#include "exchange/export/share_page.h"
 #include "link/transmit_queue.h"
 #include "settings/recent_libraries.h"
 #include "shell/commands/file_commands.h"
@@ -120,6 +121,15 @@ constexpr Command commands[] = {
      .tip = Text::tipSave,
      .storesFirst = true,
      .run = saveItems},
+    {.id = CommandId::sharePage,
+     .menu = file,
+     .text = Text::menuShare,
+     .tip = Text::tipShare,
+     .storesFirst = true,
+     .enabledFor = isProgram,
+     .offered = pagePlayerThere,
+     .words = sharePageWords,
+     .run = shareSelected},
     {.id = CommandId::openLibrary,
      .menu = file,
      .separatorAhead = true,

@@ -87,6 +87,7 @@ enum class CommandId {
     keys,
     whatIsNew,
     tour,
+    sharePage,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu

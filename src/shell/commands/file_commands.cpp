@@ -9,12 +9,16 @@
 #include <QTimer>
 #include <utility>
 
+#include "calculator/charset.h"
+#include "exchange/export/share_page.h"
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/commands/library_commands.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/save_path.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
@@ -114,6 +118,18 @@ void importSamples() {
     const ItemId games = storeResolvePath(sampleFiles[0].folder, false);
     if (const ItemId first = storeFindItem(firstSample, games); first != noItem) selectItem(first);
 }
+
+void shareSelected() {
+    const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
+    if (!item) return;
+    const QString name = toQt(utf8FromCalculator(item->name));
+    const QString path = askSavePath(Text::filterPage, QStringLiteral("html"), name);
+    if (path.isEmpty()) return;
+    if (sharePage({.program = item->id, .title = {}, .path = QFile::encodeName(path).toStdString()}))
+        statusLine(StatusPart::item, Text::shareDone, {path.toStdString()});
+}
+
+QString sharePageWords() { return textOf(pagePlayerThere() ? Text::menuShare : Text::menuShareNot); }
 
 void forgetFileCommands() { state = {}; }
 

@@ -1,11 +1,15 @@
 // Files from outside, and the end of the program. Graphical thread only.
 #pragma once
 
+#include <QString>
 #include <QStringList>
 
 namespace numalink {
 
 void openFiles();  // the Open command
+
+void shareSelected();  // the selected program as a web page
+QString sharePageWords();
 
 // Imports files one after the other, each with its own question, and opens one that is a library in place of this one;
 // at once, or when an open dialog has been closed.

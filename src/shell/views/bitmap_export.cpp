@@ -1,13 +1,10 @@
 #include "shell/views/bitmap_export.h"
 
 #include <QFile>
-#include <QFileDialog>
-#include <QMainWindow>
 
 #include "drawing/bitmap_file.h"
 #include "drawing/item_picture.h"
-#include "shell/parts/main_widgets.h"
-#include "shell/parts/open_windows.h"
+#include "shell/parts/save_path.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "store/care/user_files.h"
@@ -16,23 +13,8 @@
 
 namespace numalink {
 
-namespace {
-
-// A path that ends in .bmp, or nothing when cancelled. An existing file is asked about when it is written.
-QString askBitmapPath(const QString &itemName) {
-    QFileDialog dialog(mainWindow);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    dialog.setNameFilter(textOf(Text::filterBitmaps) + QStringLiteral(" (*.bmp)"));
-    dialog.setDefaultSuffix(QStringLiteral("bmp"));
-    dialog.selectFile(QString(itemName).replace(QLatin1Char('/'), QLatin1Char('-')));
-    return runDialog(dialog) == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
-}  // namespace
-
 void saveSurface(const Surface &surface, const std::string &utf8Name) {
-    const QString path = askBitmapPath(toQt(utf8Name));
+    const QString path = askSavePath(Text::filterBitmaps, QStringLiteral("bmp"), toQt(utf8Name));
     if (!path.isEmpty()) writeUserFile(QFile::encodeName(path).toStdString(), bitmapBytes(surface), false);
 }
 
