@@ -27,7 +27,7 @@ _numalink_cli() {
         --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
         --port) mapfile -t COMPREPLY < <(compgen -W "COM1 COM2 COM3 COM4" -- "$cur") && _filedir && return ;;
     esac
-    local run="--help --keys --getkey --set --statements --repeat --plain --paced --json" options=""
+    local run="--help --keys --getkey --set --statements --repeat --plain --paced --json --record --record-zoom --record-statements" options=""
     case $command in
         "") options="--help --version" ;;
         check) options="--help --repair --restore" ;;
@@ -36,6 +36,7 @@ _numalink_cli() {
         import) options="--help --into --existing --raster" ;;
         link) options="--help --port --type --answer --slot --remove-colour --seconds --json --trace" ;;
         list | lint) options="--help --json" ;;
+        share) options="--help --out --title --replace" ;;
         show) options="--help --bitmap --replace" ;;
         run | eval) options=$run ;;
         *) options="--help" ;;
@@ -43,7 +44,8 @@ _numalink_cli() {
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     elif [[ -z $command ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "check convert export import language-server link lint list show run eval tokens write" -- "$cur")
+        list | lint) options="--help --json" ;;
+        share) options="--help --out --title --replace" ;;
     elif [[ $command == tokens ]]; then
         mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
     else

@@ -8,6 +8,7 @@
 #include "cli/followed_run.h"
 #include "cli/hex_text.h"
 #include "cli/library_session.h"
+#include "cli/recorded_run.h"
 #include "cli/run_report.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions/evaluator.h"
@@ -30,6 +31,7 @@ struct RunCommandOptions {
     RunScript script;
     std::vector<std::string> settings;  // KEY=VALUE
     FollowedRun followed;
+    RecordedRun recorded;
     bool paced = false;
     bool plain = false;
     bool json = false;
@@ -63,14 +65,17 @@ bool prepare(const RunCommandOptions &options) {
 
 int runAndPrint(const RunCommandOptions &options, const std::function<bool()> &load) {
     if (!prepare(options)) return commandFailed("--set takes KEY=VALUE");
-    std::string fault;
+    std::string fault = recordFault(options.recorded);
+    if (!fault.empty()) return commandFailed(fault);
     const RunReport report = runScripted(options.script, [&] {
         if (!load()) return false;
+        recordBegin(options.recorded);
         fault = followBegin(options.followed);
         return fault.empty();
     });
     if (!fault.empty()) return commandFailed(fault);
-    const bool written = followEnd(options.followed);
+    const bool recorded = recordEnd(options.recorded, options.followed.replace);
+    const bool written = followEnd(options.followed) && recorded;
     if (options.json) {
         std::printf("%s\n", runAsJson(report, boxesShown).dump().c_str());
     } else {
@@ -119,6 +124,7 @@ void declareScript(CLI::App &command, RunCommandOptions &options) {
     command.add_flag("--paced", options.paced, "At the calculator's pace");
     command.add_flag("--json", options.json, "All that the run leaves behind as one object");
     declareFollowed(command, options.followed);
+    declareRecorded(command, options.recorded);
 }
 
 }  // namespace

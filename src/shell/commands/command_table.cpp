@@ -25,6 +25,7 @@
 #include "shell/parts/on_view.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/recording.h"
 #include "shell/tree/item_commands.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
@@ -321,6 +322,12 @@ constexpr Command commands[] = {
      .text = Text::menuSaveScreenshot,
      .tip = Text::tipScreenshot,
      .run = saveScreenshot},
+    {.id = CommandId::record,
+     .menu = emulator,
+     .text = Text::menuRecord,
+     .tip = Text::tipRecord,
+     .checked = isRecording,
+     .run = toggleRecording},
 
     {.id = CommandId::debugGoOn,
      .menu = debug,

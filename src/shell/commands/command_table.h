@@ -88,6 +88,7 @@ enum class CommandId {
     whatIsNew,
     tour,
     sharePage,
+    record,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu

@@ -34,6 +34,7 @@
 #include "shell/run/full_screen.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/mode_line.h"
+#include "shell/run/recording.h"
 #include "shell/tree/selection.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
@@ -210,6 +211,7 @@ void takeDisplay() {
     if (emulatorWindow == nullptr || !emulatorShown()) return;
     if (displayCopy(state.display, state.displaySeen)) {
         emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+        recordDisplay(state.display);
         if (const QString text = toQt(displayText()); text != emulatorWindow->accessibleDescription())
             emulatorWindow->setAccessibleDescription(text);
     }
@@ -295,6 +297,7 @@ void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     runIsOver();
+    recordingEnds();
     keyCode = 0;
     fullScreenLeave();
     hideDebugWindow();
