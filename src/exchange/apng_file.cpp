@@ -12,117 +12,105 @@ namespace numalink {
 
 namespace {
 
-constexpr std::uint8_t signature[] = {0x89, 'P',  'N',  'G',
-                                      0x0D, 0x0A, 0x1A, 0x0A};
+constexpr std::uint8_t signature[] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
 constexpr int bitsPerDot = 4, dotsPerByte = 2;
-constexpr std::uint8_t paletteColors = 3; // the sort of picture
+constexpr std::uint8_t paletteColors = 3;  // the sort of picture
 constexpr std::uint8_t keepsFrame = 0, blendsOver = 1;
 
 void add32(Bytes &bytes, std::uint32_t value) {
-  for (int shift = 24; shift >= 0; shift -= 8)
-    bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+    for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<std::uint8_t>(value >> shift));
 }
-void add32(Bytes &bytes, int value) {
-  add32(bytes, static_cast<std::uint32_t>(value));
-}
+void add32(Bytes &bytes, int value) { add32(bytes, static_cast<std::uint32_t>(value)); }
 void add16(Bytes &bytes, std::uint32_t value) {
-  bytes.push_back(static_cast<std::uint8_t>(value >> 8));
-  bytes.push_back(static_cast<std::uint8_t>(value));
+    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+    bytes.push_back(static_cast<std::uint8_t>(value));
 }
 
 void addChunk(Bytes &file, std::string_view type, const Bytes &content) {
-  add32(file, static_cast<std::uint32_t>(content.size()));
-  const std::size_t summed = file.size();
-  file.insert(file.end(), type.begin(), type.end());
-  file.insert(file.end(), content.begin(), content.end());
-  add32(file, checksum32(ByteView(file).subspan(summed)));
+    add32(file, static_cast<std::uint32_t>(content.size()));
+    const std::size_t summed = file.size();
+    file.insert(file.end(), type.begin(), type.end());
+    file.insert(file.end(), content.begin(), content.end());
+    add32(file, checksum32(ByteView(file).subspan(summed)));
 }
 
 // Rows of packed dots, each behind a byte that says it is as it stands.
 Bytes packedRows(const MovieFrame &frame, int zoom) {
-  const std::vector<std::uint8_t> dots = zoomedDots(frame, zoom);
-  const auto width = static_cast<std::size_t>(frame.width * zoom);
-  Bytes rows;
-  for (std::size_t row = 0; row < dots.size(); row += width) {
-    rows.push_back(0);
-    for (std::size_t x = 0; x < width; x += dotsPerByte) {
-      const std::uint8_t second = x + 1 < width ? dots[row + x + 1] : 0;
-      rows.push_back(
-          static_cast<std::uint8_t>(dots[row + x] << bitsPerDot | second));
+    const std::vector<std::uint8_t> dots = zoomedDots(frame, zoom);
+    const auto width = static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(zoom);
+    Bytes rows;
+    for (std::size_t row = 0; row < dots.size(); row += width) {
+        rows.push_back(0);
+        for (std::size_t x = 0; x < width; x += dotsPerByte) {
+            const std::uint8_t second = x + 1 < width ? dots[row + x + 1] : 0;
+            rows.push_back(static_cast<std::uint8_t>(dots[row + x] << bitsPerDot | second));
+        }
     }
-  }
-  return rows;
+    return rows;
 }
 
 bool deflated(const Bytes &bytes, Bytes &target) {
-  uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-  const std::size_t start = target.size();
-  target.resize(start + size);
-  if (compress2(target.data() + start, &size, bytes.data(),
-                static_cast<uLong>(bytes.size()), Z_BEST_COMPRESSION) != Z_OK)
-    return false;
-  target.resize(start + size);
-  return true;
+    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+    const std::size_t start = target.size();
+    target.resize(start + size);
+    if (compress2(target.data() + start, &size, bytes.data(), static_cast<uLong>(bytes.size()), Z_BEST_COMPRESSION) !=
+        Z_OK)
+        return false;
+    target.resize(start + size);
+    return true;
 }
 
 void addHead(Bytes &file, const MovingPicture &picture, int zoom) {
-  file.assign(std::begin(signature), std::end(signature));
-  Bytes head, palette, opacity, frames;
-  add32(head, picture.width * zoom);
-  add32(head, picture.height * zoom);
-  for (const std::uint8_t value :
-       {std::uint8_t{bitsPerDot}, paletteColors, std::uint8_t{0},
-        std::uint8_t{0}, std::uint8_t{0}})
-    head.push_back(value);
-  palette.resize((movieUnchanged + 1) * 3);
-  for (std::size_t i = 0; i < std::size(movieColors); i++) {
-    for (std::size_t part = 0; part < 3; part++)
-      palette[i * 3 + part] =
-          static_cast<std::uint8_t>(movieColors[i] >> (16 - 8 * part));
-  }
-  opacity.assign(movieUnchanged + 1, 0xFF);
-  opacity[movieUnchanged] = 0;
-  add32(frames, static_cast<std::uint32_t>(picture.frames.size()));
-  add32(frames, 0); // for ever
-  addChunk(file, "IHDR", head);
-  addChunk(file, "acTL", frames);
-  addChunk(file, "PLTE", palette);
-  addChunk(file, "tRNS", opacity);
+    file.assign(std::begin(signature), std::end(signature));
+    Bytes head, palette, opacity, frames;
+    add32(head, picture.width * zoom);
+    add32(head, picture.height * zoom);
+    for (const std::uint8_t value :
+         {std::uint8_t{bitsPerDot}, paletteColors, std::uint8_t{0}, std::uint8_t{0}, std::uint8_t{0}})
+        head.push_back(value);
+    palette.resize((std::size_t{movieUnchanged} + 1) * 3);
+    for (std::size_t i = 0; i < std::size(movieColors); i++) {
+        for (std::size_t part = 0; part < 3; part++)
+            palette[i * 3 + part] = static_cast<std::uint8_t>(movieColors[i] >> (16 - 8 * part));
+    }
+    opacity.assign(movieUnchanged + 1, 0xFF);
+    opacity[movieUnchanged] = 0;
+    add32(frames, static_cast<std::uint32_t>(picture.frames.size()));
+    add32(frames, 0);  // for ever
+    addChunk(file, "IHDR", head);
+    addChunk(file, "acTL", frames);
+    addChunk(file, "PLTE", palette);
+    addChunk(file, "tRNS", opacity);
 }
 
-void addControl(Bytes &file, const MovieFrame &frame, int zoom,
-                std::uint32_t number) {
-  Bytes control;
-  add32(control, number);
-  for (const int value : {frame.width, frame.height, frame.x, frame.y})
-    add32(control, value * zoom);
-  add16(control, std::min<std::uint32_t>(frame.hundredths, 0xFFFF));
-  add16(control, 100);
-  control.push_back(keepsFrame);
-  control.push_back(blendsOver);
-  addChunk(file, "fcTL", control);
+void addControl(Bytes &file, const MovieFrame &frame, int zoom, std::uint32_t number) {
+    Bytes control;
+    add32(control, number);
+    for (const int value : {frame.width, frame.height, frame.x, frame.y}) add32(control, value * zoom);
+    add16(control, std::min<std::uint32_t>(frame.hundredths, 0xFFFF));
+    add16(control, 100);
+    control.push_back(keepsFrame);
+    control.push_back(blendsOver);
+    addChunk(file, "fcTL", control);
 }
 
-} // namespace
+}  // namespace
 
 std::optional<Bytes> apngFile(const MovingPicture &picture, int zoom) {
-  if (picture.frames.empty() || zoom < 1 || zoom > movieZoomLimit)
-    return std::nullopt;
-  Bytes file;
-  addHead(file, picture, zoom);
-  std::uint32_t number = 0;
-  for (const MovieFrame &frame : picture.frames) {
-    addControl(file, frame, zoom, number++);
-    const bool isFirst = number == 1;
-    Bytes content;
-    if (!isFirst)
-      add32(content, number++);
-    if (!deflated(packedRows(frame, zoom), content))
-      return std::nullopt;
-    addChunk(file, isFirst ? "IDAT" : "fdAT", content);
-  }
-  addChunk(file, "IEND", {});
-  return file;
+    if (picture.frames.empty() || zoom < 1 || zoom > movieZoomLimit) return std::nullopt;
+    Bytes file;
+    addHead(file, picture, zoom);
+    std::uint32_t number = 0;
+    for (const MovieFrame &frame : picture.frames) {
+        addControl(file, frame, zoom, number++);
+        const bool isFirst = number == 1;
+        Bytes content;
+        if (!isFirst) add32(content, number++);
+        if (!deflated(packedRows(frame, zoom), content)) return std::nullopt;
+        addChunk(file, isFirst ? "IDAT" : "fdAT", content);
+    }
+    addChunk(file, "IEND", {});
+    return file;
 }
 
-} // namespace numalink
+}  // namespace numalink

@@ -42,6 +42,7 @@ std::optional<Bytes> bytesFromBase64(std::string_view text) {
         bits -= 8;
         bytes.push_back(static_cast<std::uint8_t>(group >> bits));
     }
+    if ((group & ((1u << bits) - 1)) != 0) return std::nullopt;  // bits that no writer sets
     return bytes;
 }
 

@@ -107,6 +107,14 @@ TEST(Pace, PaysForTheCallBefore) {
     pace(paceUnits::lineDot);
     pace(paceUnits::lineDot);
     EXPECT_EQ(slept, 51u);
+    for (const int factor : {2, 5, 10}) {
+        paceFactor = factor;
+        const std::uint64_t from = now;
+        for (int i = 0; i < 1000; i++) pace(paceUnits::statement);
+        EXPECT_NEAR(static_cast<double>(now - from), 1500.0 / factor, 2) << "what is cut isn't lost";
+    }
+    paceFactor = 1;
+    slept = 51;
     fullSpeed = true;
     pace(paceUnits::straightLine);
     pace(paceUnits::straightLine);

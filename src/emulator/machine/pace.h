@@ -10,6 +10,10 @@ namespace numalink {
 // Set by each run thread at its start from the setting FullSpeed (on when it equals 1); tests set it too.
 extern std::atomic<bool> fullSpeed;
 
+// How many times as fast as the calculator a run goes that isn't at full speed, from 1; kept from run to run. Any
+// thread.
+extern std::atomic<int> paceFactor;
+
 // What runs has run before, or is an expression beside the run: nothing is waited for, counted or told. Run thread.
 extern bool runRepeats;
 
@@ -19,7 +23,7 @@ extern std::uint64_t paceUnitsPaid;
 extern std::uint64_t paceUnitsAhead;  // of these, those for the statement that comes next
 
 // Sleeps until the deadline of the call before has come, then sets the next: now plus units * 0.3, cut to whole
-// milliseconds. So each call pays for the one ahead of it.
+// milliseconds. So each call pays for the one ahead of it. Faster than the calculator, what is cut is kept for later.
 void paceSleep(int units);
 void paceWait(int units);  // counts the units where they are counted, and sleeps unless at full speed
 

@@ -18,7 +18,7 @@ std::optional<std::vector<BundledItem>> itemsOfPage(std::string_view page) {
     if (head == std::string_view::npos) return std::nullopt;
     page.remove_prefix(head + pageItemsHead.size());
     const std::size_t end = page.find(pageItemsEnd);
-    if (end == std::string_view::npos || end > bundleSizeLimit * 2) return std::nullopt;
+    if (end > bundleSizeLimit * 2) return std::nullopt;
     const auto bytes = bytesFromBase64(page.substr(0, end));
     return bytes ? decodeBundle(*bytes) : std::nullopt;
 }

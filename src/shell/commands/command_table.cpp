@@ -4,9 +4,11 @@
 #include <algorithm>
 
 #include "debugger/breakpoints.h"
+#include "emulator/machine/pace.h"
 #include "exchange/export/share_page.h"
 #include "link/transmit_queue.h"
 #include "settings/recent_libraries.h"
+#include "settings/settings_store.h"
 #include "shell/commands/file_commands.h"
 #include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
@@ -60,6 +62,18 @@ void zoomTo() {
     zoomEmulatorWindow();
 }
 
+// How many times as fast as the calculator; 0: as fast as can be.
+template <int factor>
+bool speedIs() {
+    const bool isFull = settingsInt(setting::fullSpeed) == 1;
+    return factor == 0 ? isFull : !isFull && paceFactor == factor;
+}
+
+template <int factor>
+void speedTo() {
+    chooseSpeed(factor);
+}
+
 bool runIsStopped() { return shownStop() != nullptr; }
 
 template <DebugStep step>
@@ -104,6 +118,7 @@ constexpr MenuRow menuRows[] = {
     {.menu = recent, .text = Text::menuRecentLibraries, .within = file, .enabled = anyRecentLibrary},
     {.menu = zoom, .text = Text::menuZoom, .within = view, .oneChecked = true},
     {.menu = panes, .text = Text::menuPanes, .within = view},
+    {.menu = speed, .text = Text::menuSpeed, .within = emulator, .oneChecked = true},
     {.menu = program, .enabled = programOnView},
     {.menu = tray, .ofNoWindow = true},
 };
@@ -328,6 +343,46 @@ constexpr Command commands[] = {
      .tip = Text::tipRecord,
      .checked = isRecording,
      .run = toggleRecording},
+    {.id = CommandId::copyDisplay,
+     .menu = emulator,
+     .text = Text::menuCopyDisplay,
+     .tip = Text::tipCopyDisplay,
+     .run = copyDisplayText},
+    {.id = CommandId::speedCalculator,
+     .menu = speed,
+     .text = Text::speedCalculator,
+     .shortcut = "Ctrl+F1",
+     .keyWhileRunning = true,
+     .checked = speedIs<1>,
+     .run = speedTo<1>},
+    {.id = CommandId::speed2,
+     .menu = speed,
+     .label = "&2 \xD7",
+     .shortcut = "Ctrl+F2",
+     .keyWhileRunning = true,
+     .checked = speedIs<2>,
+     .run = speedTo<2>},
+    {.id = CommandId::speed5,
+     .menu = speed,
+     .label = "&5 \xD7",
+     .shortcut = "Ctrl+F3",
+     .keyWhileRunning = true,
+     .checked = speedIs<5>,
+     .run = speedTo<5>},
+    {.id = CommandId::speed10,
+     .menu = speed,
+     .label = "&10 \xD7",
+     .shortcut = "Ctrl+F4",
+     .keyWhileRunning = true,
+     .checked = speedIs<10>,
+     .run = speedTo<10>},
+    {.id = CommandId::speedFull,
+     .menu = speed,
+     .text = Text::speedFull,
+     .shortcut = "Ctrl+F8",
+     .keyWhileRunning = true,
+     .checked = speedIs<0>,
+     .run = speedTo<0>},
 
     {.id = CommandId::debugGoOn,
      .menu = debug,

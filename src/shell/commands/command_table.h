@@ -89,6 +89,12 @@ enum class CommandId {
     tour,
     sharePage,
     record,
+    copyDisplay,
+    speedCalculator,
+    speed2,
+    speed5,
+    speed10,
+    speedFull,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
@@ -107,6 +113,7 @@ enum class MenuPosition {
     recent,
     zoom,
     panes,
+    speed,
     program,
     tray
 };

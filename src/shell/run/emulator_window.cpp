@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -15,6 +16,7 @@
 
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
+#include "emulator/machine/pace.h"
 #include "emulator/run/machine_start.h"
 #include "emulator/run/mode_commands.h"
 #include "emulator/run/run_loading.h"
@@ -358,6 +360,18 @@ void saveScreenshot() {
     const Surface picture = displayNow();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
+}
+
+void copyDisplayText() {
+    const std::string text = displayText();
+    if (!text.empty()) QApplication::clipboard()->setText(toQt(text));
+}
+
+void chooseSpeed(int factor) {
+    settingsSetInt(setting::fullSpeed, factor == 0 ? 1 : 0);
+    if (factor > 0) paceFactor = factor;
+    if (emulatorRunning) fullSpeed = factor == 0;
+    commandStatesChanged();
 }
 
 void displayMarked() {

@@ -24,6 +24,10 @@ inline void (*runIsOver)() = [] {};
 
 // The Save Screenshot command: the display, 128 by 64 dots, as a bitmap file.
 void saveScreenshot();
+void copyDisplayText();  // what it shows as text, onto the clipboard
+
+// So many times as fast as the calculator, 0 for full speed; a run goes on at it at once.
+void chooseSpeed(int factor);
 
 // The display has changed: leaves a mark, so that the window repaints soon, at most 60 times a second. Any thread.
 void displayMarked();

@@ -4,7 +4,10 @@
 namespace numalink {
 
 const SerialLine systemSerialLine = {
-    .open = [](const std::string &, unsigned) { return LineOpening{LineFault::missing, {}, {}, true}; },
+    .open =
+        [](const std::string &, unsigned) {
+            return LineOpening{LineFault::missing, {}, {}, true};
+        },
     .read = [](std::span<std::uint8_t>, ReadLimits) { return LineRead{.end = ReadEnd::gone}; },
     .close = [] {},
     .write = [](ByteView) { return false; },
