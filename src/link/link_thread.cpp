@@ -147,7 +147,7 @@ FoundPort searchPort(Family family) {
 
 // Without a path where there is none to open: no port, or that of the defaults where the system has none of that name.
 LineOpening openPort(const std::string &path, Family family, bool chosenByUser) {
-    if (path.empty()) return {.fault = LineFault::missing};
+    if (path.empty() || path == setting::portOff) return {.fault = LineFault::missing};
     LineOpening opening = serialLine.open(path, familyBaud(family));
     const bool byDefault = !chosenByUser && opening.path == setting::comPortDefault;
     if (byDefault && opening.fault == LineFault::missing) opening.path.clear();

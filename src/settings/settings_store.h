@@ -38,9 +38,11 @@ inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment"
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
 
-// The port is a device's path or COM1 to COM4, or the word below, or empty for none.
+// The port is a device's path or COM1 to COM4, or one of the words below. A word for none, since a file without a value
+// has the default.
 inline constexpr char comPortDefault[] = "COM2";  // in a file without one; such a port was chosen by nobody
 inline constexpr char portAutomatic[] = "automatic";
+inline constexpr char portOff[] = "off";
 }  // namespace setting
 
 // The value of key. An unknown key is added at the end of the table with an empty value; with the table full it

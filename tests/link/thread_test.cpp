@@ -284,7 +284,7 @@ TEST_F(LinkThreads, findTheCalculatorWhereverItIs) {
 }
 
 TEST_F(LinkThreads, withoutAPortSayNothingUntilSomethingShallGo) {
-    for (const char *port : {"", setting::comPortDefault}) {
+    for (const char *port : {setting::portOff, setting::comPortDefault}) {
         for (auto &times : timesShown) times = 0;
         usePort(port);
         stopLinkThread();

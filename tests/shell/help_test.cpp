@@ -223,6 +223,10 @@ TEST_F(Help, TheKeysOfTheKeyboardAreShownWhileControlIsHeld) {
                     "1"));
     handleCommand(CommandId::emulate);
     ASSERT_TRUE(emulatorShown());
+    ASSERT_TRUE(QTest::qWaitFor([] { return windowNamed("aboutBox") == nullptr; }, 10000)) << "its end moves the focus";
+    mainWindow->activateWindow();
+    emulatorWindow->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([] { return emulatorWindow->hasFocus(); }));
     const QImage before = emulatorWindow->grab().toImage();
     const auto control = [](QEvent::Type type) {
         QKeyEvent key(type, Qt::Key_Control, {});
@@ -244,7 +248,7 @@ QPushButton *tourButton(const char *name) {
 TEST_F(Help, TheTourDoesWhatItTellsAndLeavesTheLibraryAsItWas) {
     setSettingsFolder(folder.path);
     addProgram("MINE", "A");
-    settingsSetValue(setting::comPort, "");
+    settingsSetValue(setting::comPort, setting::portOff);
     const auto itemsShown = [] {
         std::vector<std::pair<ItemId, std::string>> items;
         for (const ItemEntry &item : storeListItems())
@@ -294,7 +298,7 @@ TEST_F(Help, TheTourDoesWhatItTellsAndLeavesTheLibraryAsItWas) {
         last == 10 ? tourButton("tourNext")->click() : static_cast<QDialog *>(windowNamed("tourPanel"))->reject();
         ASSERT_TRUE(isOver());
         EXPECT_EQ(itemsShown(), library);
-        EXPECT_EQ(settingsValue(setting::comPort), "");
+        EXPECT_EQ(settingsValue(setting::comPort), setting::portOff);
         EXPECT_EQ(linkPort() == LinkPort::opened, false);
     }
     EXPECT_FALSE(std::filesystem::exists(folder.path + "recent-libraries.txt"));

@@ -42,7 +42,7 @@ TEST_F(StartUp, AFirstUseHasColorsAndLeadsToTheSettings) {
     ASSERT_TRUE(startProgram());
     EXPECT_EQ(settingsInt(setting::syntaxHighlighting), 1);
     EXPECT_NE(settingsColour(setting::colorText), 0u);
-    EXPECT_EQ(settingsValue(setting::comPort), "");
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portOff);
     ASSERT_TRUE(QTest::qWaitFor([] { return linkPort() == LinkPort::refused; }, 3000));
     EXPECT_TRUE(linkField->text().isEmpty() && shown.empty()) << "nobody has asked for a port";
     const ItemId program = addProgram("ABC", "A");
@@ -111,11 +111,13 @@ TEST_F(StartUp, ANewUserIsAskedOnceWhatToBeginWith) {
     for (const char *file : {"storage.dat", "settings.xml", "backups"}) std::filesystem::remove_all(folder.path + file);
     start();
     EXPECT_EQ(shown, std::vector<std::string>{title});
-    EXPECT_TRUE(settingsValue(setting::comPort).empty() && storeResolvePath("/Games", false) == noItem);
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portOff);
+    EXPECT_EQ(storeResolvePath("/Games", false), noItem);
     endProgram();
     for (const char *file : {"storage.dat", "backups"}) std::filesystem::remove_all(folder.path + file);
     start();
     EXPECT_TRUE(shown.empty()) << "who has settings isn't new";
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portOff) << "and still has no port";
     endProgram();
     setSettingsFolder("");
 }

@@ -66,7 +66,7 @@ QGroupBox *calculatorBox(FirstStart &controls) {
     controls.family->addItem(textOf(Text::firstNoCalculator), QString());
     for (const char *family : {"CFX", "ALGEBRA"})
         controls.family->addItem(QString::fromLatin1(family), QString::fromLatin1(family));
-    controls.port = makePortChoice("", PortSearch::offered);
+    controls.port = makePortChoice("", PortOf::link);
     controls.port->setObjectName(QStringLiteral("port"));
     controls.port->lineEdit()->setAccessibleName(textOf(Text::settingsPort));
     controls.port->setEnabled(false);

@@ -89,7 +89,7 @@ bool loadSettings() {
 // Programs show their colours from the start, where nobody has chosen otherwise, and no port is opened.
 bool beginFirstUse() {
     if (!state.isFirstUse) return true;
-    settingsSetValue(setting::comPort, "");
+    settingsSetValue(setting::comPort, setting::portOff);
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));

@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <QScreen>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -225,7 +227,9 @@ void makePanel() {
     state.next->setToolTip(textOf(Text::tipTourNext));
     leave->setToolTip(textOf(Text::tipTourLeave));
     state.next->setObjectName(QStringLiteral("tourNext"));
+    for (QPushButton *button : {state.back.data(), leave}) button->setAutoDefault(false);
     state.next->setDefault(true);
+    state.next->setFocus();
     QObject::connect(state.back, &QPushButton::clicked, state.panel, goBack);
     QObject::connect(state.next, &QPushButton::clicked, state.panel, goOn);
     QObject::connect(leave, &QPushButton::clicked, state.panel, &QDialog::reject);
@@ -237,15 +241,17 @@ void makePanel() {
     state.panel->setFixedWidth(panelWidth);
 }
 
-// Beside the main window where the screen has room, else in its lower right corner.
+// Beside or below the main window where the screen has room, else in its corner above the status bar.
 void placePanel() {
     constexpr int gap = 12;
     state.panel->adjustSize();
-    const QRect window = mainWindow->frameGeometry();
-    const bool hasRoom = window.right() + gap + panelWidth <= mainWindow->screen()->availableGeometry().right();
-    const QSize size(panelWidth, state.panel->height());
-    state.panel->move(hasRoom ? QPoint(window.right() + gap, window.top())
-                              : QPoint(window.right() - size.width() - gap, window.bottom() - size.height() - gap));
+    const QRect screen = mainWindow->screen()->availableGeometry(), window = mainWindow->frameGeometry();
+    QRect place(QPoint(window.right() + gap, window.top()), QSize(panelWidth, state.panel->height() + 2 * gap));
+    if (!screen.contains(place)) place.moveRight(window.left() - gap);
+    if (!screen.contains(place)) place.moveTopRight({window.right(), window.bottom() + gap});
+    if (!screen.contains(place))
+        place.moveBottomRight({window.right() - gap, window.bottom() - statusBar->height() - gap});
+    state.panel->move(place.topLeft());
 }
 
 }  // namespace

@@ -8,16 +8,16 @@
 
 namespace numalink {
 
-QComboBox *makePortChoice(const std::string &value, PortSearch search) {
+QComboBox *makePortChoice(const std::string &value, PortOf use) {
     auto *box = new QComboBox;
     box->setEditable(true);
     box->setToolTip(textOf(Text::tipSettingsPort));
     box->setInsertPolicy(QComboBox::NoInsert);
-    box->addItem(textOf(Text::portNoChoice), QString());
-    if (search == PortSearch::offered) box->addItem(textOf(Text::portAutomatic), toQt(setting::portAutomatic));
+    box->addItem(textOf(Text::portNoChoice), use == PortOf::link ? toQt(setting::portOff) : QString());
+    if (use == PortOf::link) box->addItem(textOf(Text::portAutomatic), toQt(setting::portAutomatic));
     for (const OfferedPort &port : listSerialPorts()) box->addItem(port.words, toQt(port.value));
     box->lineEdit()->setMaxLength(static_cast<int>(settingsTextLimit));
-    const int place = box->findData(toQt(value));
+    const int place = value.empty() ? 0 : box->findData(toQt(value));
     place >= 0 ? box->setCurrentIndex(place) : box->setEditText(toQt(value));
     return box;
 }

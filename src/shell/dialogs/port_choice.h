@@ -19,9 +19,10 @@ struct OfferedPort {
 // The ports that are there. The link puts in what lists them; without it there are none.
 inline std::vector<OfferedPort> (*listSerialPorts)() = [] { return std::vector<OfferedPort>(); };
 
-enum class PortSearch { offered, notOffered };  // whether there is something that a port can be found by
+// Which port it is for: the link's can be found by itself, that of programs is none where it is empty.
+enum class PortOf { link, programs };
 
-QComboBox *makePortChoice(const std::string &value, PortSearch search);
+QComboBox *makePortChoice(const std::string &value, PortOf use);
 std::string portChosen(const QComboBox &box);
 
 }  // namespace numalink

@@ -71,8 +71,8 @@ void addSwitches(QVBoxLayout *layout, std::span<const SwitchRow> rows, SettingsC
     }
 }
 
-QComboBox *portChoice(const char *key, PortSearch search) {
-    QComboBox *box = makePortChoice(settingsValue(key), search);
+QComboBox *portChoice(const char *key, PortOf use) {
+    QComboBox *box = makePortChoice(settingsValue(key), use);
     box->setObjectName(QString::fromLatin1(key));
     return box;
 }
@@ -136,7 +136,7 @@ QWidget *languagePage(SettingsControls &controls) {
 }
 
 QWidget *linkPage(SettingsControls &controls) {
-    controls.port = portChoice(setting::comPort, PortSearch::offered);
+    controls.port = portChoice(setting::comPort, PortOf::link);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
     controls.type->setToolTip(textOf(Text::tipSettingsType));
     auto *page = new QWidget;
@@ -154,7 +154,7 @@ QWidget *emulatorPage(SettingsControls &controls) {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     addSwitches(layout, emulatorSwitches, controls);
-    controls.farEnd = portChoice(setting::farEndPort, PortSearch::notOffered);
+    controls.farEnd = portChoice(setting::farEndPort, PortOf::programs);
     controls.farEnd->setToolTip(textOf(Text::tipFarEnd));
     auto *form = new QFormLayout;
     addFreeChoice(form, Text::settingsFarEnd, controls.farEnd);

@@ -9,8 +9,8 @@
 namespace numalink {
 
 QImage keyPicture() {
-    constexpr double scale = 2.75;  // pixels a dot
-    constexpr int gap = 12;         // pixels between the two halves: as it is, and with the names
+    constexpr double scale = 2.1;  // pixels a dot
+    constexpr int gap = 12;        // pixels between the two halves: as it is, and with the names
     const QSize half(qRound(keypadWidth * scale), qRound((keypadHeight - keypadTop) * scale));
     QImage picture(2 * half.width() + gap, half.height(), QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
