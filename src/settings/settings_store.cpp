@@ -43,6 +43,11 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::calculatorModes, "0"},
     {setting::besideProgram, "0"},
     {setting::farEndPort, ""},
+    {setting::indentLines, "1"},
+    {setting::completeWhileTyping, "1"},
+    {setting::codePanes, ""},
+    {setting::memoryCfx, "28000"},
+    {setting::memoryAlgebra, "144000"},
 };
 static_assert(std::size(defaultSettings) < settingsSlotCount);
 

@@ -35,6 +35,11 @@ inline constexpr char colorOneByteCommand[] = "Numalink.Settings.Editor.Colors.O
 inline constexpr char colorOneByteCharacter[] = "Numalink.Settings.Editor.Colors.OneByteCharacter";
 inline constexpr char colorNumbers[] = "Numalink.Settings.Editor.Colors.Numbers";
 inline constexpr char colorComment[] = "Numalink.Settings.Editor.Colors.Comment";
+inline constexpr char indentLines[] = "Numalink.Settings.Editor.IndentLines";
+inline constexpr char completeWhileTyping[] = "Numalink.Settings.Editor.CompleteWhileTyping";
+inline constexpr char codePanes[] = "Numalink.Settings.Editor.Panes";      // letters of those that are shown
+inline constexpr char memoryCfx[] = "Numalink.Settings.Editor.MemoryCfx";  // bytes that a calculator has for programs
+inline constexpr char memoryAlgebra[] = "Numalink.Settings.Editor.MemoryAlgebra";
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
 

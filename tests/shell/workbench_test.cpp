@@ -6,6 +6,7 @@
 #include "debugger/breakpoints.h"
 #include "emulator/machine/machine.h"
 #include "shell/editor/line_numbers.h"
+#include "shell/editor/text_marks.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/shell_fixture.h"
@@ -60,7 +61,7 @@ TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
     EXPECT_TRUE(programEdit->isVisible());
     EXPECT_NE(emulatorWindow->parentWidget(), clientArea);
     EXPECT_TRUE(lineMarkOf(1).isNext);
-    EXPECT_EQ(programEdit->extraSelections().size(), 1);
+    EXPECT_EQ(countTextMarks(MarkLayer::statements), 1);
     EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
     EXPECT_EQ(shownStop()->place.statement, 1);
     EXPECT_EQ(stopAfter(CommandId::debugStep), 2);
@@ -91,7 +92,7 @@ TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
     EXPECT_FALSE(emulatorShown());
     EXPECT_EQ(shownStop(), nullptr);
     EXPECT_EQ(viewItemId, program);
-    EXPECT_TRUE(programEdit->extraSelections().isEmpty());
+    EXPECT_EQ(countTextMarks(MarkLayer::statements), 0);
 }
 
 TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
@@ -117,7 +118,7 @@ TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
     finishLabelEdit();
     EXPECT_EQ(lineMarkOf(4).sign, LineSign::breakpoint);
     EXPECT_EQ(lineMarkOf(3).sign, LineSign::none);
-    EXPECT_TRUE(programEdit->extraSelections().isEmpty());
+    EXPECT_EQ(countTextMarks(MarkLayer::statements), 0);
     QTest::keyClick(mainWindow, Qt::Key_F7);
 
     endProgram();

@@ -38,6 +38,7 @@
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
 #include "shell/views/item_views.h"
+#include "shell/workbench/code_panes.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/panes.h"
 #include "store/care/daily_copies.h"
@@ -125,6 +126,7 @@ constexpr StartStep startSteps[] = {
     {"views", [] { return done(connectViews); }, false},
     {"emulator", [] { return done(makeEmulatorWindow); }, false},
     {"workbench", [] { return done(makePanes); }, false},
+    {"panes of the editor", [] { return done(makeCodePanes); }, false},
     {"its bar", [] { return done(buildDebugBar); }, false},
     {"window events", [] { return done(connectWindow); }, false},
     {"window on screen", showFirst, false},
@@ -208,6 +210,7 @@ void tearDown() {
     forgetTree();
     forgetViews();
     forgetDebugging();
+    forgetCodePanes();
     forgetPanes();
     forgetEmulatorWindow();
     destroyWidgets();

@@ -16,8 +16,10 @@
 #include "shell/dialogs/about_box.h"
 #include "shell/dialogs/export_dialog.h"
 #include "shell/dialogs/settings_dialog.h"
+#include "shell/editor/completion_list.h"
 #include "shell/editor/edit_menu.h"
 #include "shell/editor/find_dialog.h"
+#include "shell/editor/indentation.h"
 #include "shell/editor/password_dialog.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/symbols_window.h"
@@ -32,6 +34,8 @@
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
+#include "shell/workbench/code_commands.h"
+#include "shell/workbench/code_panes.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/panes.h"
 #include "shell/workbench/variables_pane.h"
@@ -119,6 +123,7 @@ constexpr MenuRow menuRows[] = {
     {.menu = zoom, .text = Text::menuZoom, .within = view, .oneChecked = true},
     {.menu = panes, .text = Text::menuPanes, .within = view},
     {.menu = speed, .text = Text::menuSpeed, .within = emulator, .oneChecked = true},
+    {.menu = code, .text = Text::menuCode, .within = edit, .enabled = programOnView},
     {.menu = program, .enabled = programOnView},
     {.menu = tray, .ofNoWindow = true},
 };
@@ -331,6 +336,97 @@ constexpr Command commands[] = {
      .tip = Text::tipRefresh,
      .enabled = programOnView,
      .run = [] { reopenView(); }},
+
+    {.id = CommandId::codeComplete,
+     .menu = code,
+     .text = Text::menuComplete,
+     .shortcut = "Ctrl+Space",
+     .tip = Text::tipComplete,
+     .enabled = programOnView,
+     .run = completeAtCaret},
+    {.id = CommandId::codeExplain,
+     .menu = code,
+     .text = Text::menuExplain,
+     .shortcut = "Ctrl+Shift+Space",
+     .tip = Text::tipExplain,
+     .enabled = programOnView,
+     .run = explainAtCaret},
+    {.id = CommandId::codeMend,
+     .menu = code,
+     .separatorAhead = true,
+     .text = Text::menuMend,
+     .shortcut = "Ctrl+.",
+     .tip = Text::tipMend,
+     .enabled = programOnView,
+     .run = mendAtCaret},
+    {.id = CommandId::codeNextProblem,
+     .menu = code,
+     .text = Text::menuNextProblem,
+     .shortcut = "Shift+F3",
+     .tip = Text::tipNextProblem,
+     .enabled = programOnView,
+     .run = goToNextProblem},
+    {.id = CommandId::codeDefinition,
+     .menu = code,
+     .separatorAhead = true,
+     .text = Text::menuDefinition,
+     .shortcut = "Ctrl+G",
+     .tip = Text::tipDefinition,
+     .enabled = programOnView,
+     .run = goToDefinition},
+    {.id = CommandId::codeBack,
+     .menu = code,
+     .text = Text::menuBack,
+     .shortcut = "Alt+Left",
+     .tip = Text::tipBack,
+     .enabled = canVisitBack,
+     .run = goBack},
+    {.id = CommandId::codeForward,
+     .menu = code,
+     .text = Text::menuForward,
+     .shortcut = "Alt+Right",
+     .tip = Text::tipForward,
+     .enabled = canVisitForward,
+     .run = goForward},
+    {.id = CommandId::codeUses,
+     .menu = code,
+     .text = Text::menuUses,
+     .shortcut = "Ctrl+Shift+U",
+     .tip = Text::tipUses,
+     .enabled = programOnView,
+     .run = findUses},
+    {.id = CommandId::codeRename,
+     .menu = code,
+     .text = Text::menuRenameName,
+     .shortcut = "Ctrl+R",
+     .tip = Text::tipRenameName,
+     .enabled = programOnView,
+     .run = renameAtCaret},
+    {.id = CommandId::codeIndent,
+     .menu = code,
+     .separatorAhead = true,
+     .text = Text::menuIndent,
+     .tip = Text::tipIndent,
+     .checked = linesAreIndented,
+     .run = toggleIndentation},
+    {.id = CommandId::codeCompleteTyping,
+     .menu = code,
+     .text = Text::menuCompleteTyping,
+     .tip = Text::tipCompleteTyping,
+     .checked = completesWhileTyping,
+     .run = toggleCompletesWhileTyping},
+    {.id = CommandId::codeProblems,
+     .menu = code,
+     .text = Text::paneProblems,
+     .shortcut = "Ctrl+Shift+M",
+     .checked = [] { return codePaneShown(CodePane::problems); },
+     .run = [] { toggleCodePane(CodePane::problems); }},
+    {.id = CommandId::codeOutline,
+     .menu = code,
+     .text = Text::paneOutline,
+     .shortcut = "Ctrl+Shift+O",
+     .checked = [] { return codePaneShown(CodePane::outline); },
+     .run = [] { toggleCodePane(CodePane::outline); }},
 
     {.id = CommandId::screenshot,
      .menu = emulator,

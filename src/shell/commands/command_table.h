@@ -95,6 +95,19 @@ enum class CommandId {
     speed5,
     speed10,
     speedFull,
+    codeComplete,
+    codeExplain,
+    codeMend,
+    codeNextProblem,
+    codeDefinition,
+    codeBack,
+    codeForward,
+    codeUses,
+    codeRename,
+    codeIndent,
+    codeCompleteTyping,
+    codeProblems,
+    codeOutline,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
@@ -114,6 +127,7 @@ enum class MenuPosition {
     zoom,
     panes,
     speed,
+    code,
     program,
     tray
 };

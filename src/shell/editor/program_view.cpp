@@ -4,6 +4,7 @@
 //   (2) Every block that changed has been converted and coloured; changes by undo and redo are only coloured.
 #include "shell/editor/program_view.h"
 
+#include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
@@ -13,10 +14,15 @@
 #include <vector>
 
 #include "calculator/charset.h"
+#include "shell/editor/completion_list.h"
+#include "shell/editor/indentation.h"
+#include "shell/editor/language_tips.h"
 #include "shell/editor/line_numbers.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_edit.h"
+#include "shell/editor/program_reading.h"
 #include "shell/editor/statement_marks.h"
+#include "shell/editor/text_marks.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
@@ -112,12 +118,15 @@ void contentsChanged() {
     for (int number = firstBlock; number <= lastBlock; number++) colorBlock(document()->findBlockByNumber(number));
     state.filling = false;
     state.lastCaret = caretNow();
+    programTextChanged();
     updateLineNumbers();
 }
 
 void caretMoved() {
     if (state.filling) return;
     state.lastCaret = caretNow();
+    markPartners();
+    if (signatureShown()) showSignature();
 }
 
 // Typed text comes in with no format of its surroundings, and in an edit block: Qt joins nothing to a lone insertion.
@@ -146,6 +155,7 @@ void typeText(const QString &text) {
     const int position = caretNow().position;
     if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) state.blankAddedAt = position;
     programEdit->ensureCursorVisible();
+    completionTyped();
 }
 
 bool isTypedText(const QKeyEvent &key) {
@@ -155,6 +165,11 @@ bool isTypedText(const QKeyEvent &key) {
 }
 
 bool keyPressed(const QKeyEvent &key) {
+    if (completionKey(key)) return true;
+    if (key.key() == Qt::Key_Escape && signatureShown()) {
+        hideSignature();
+        return true;
+    }
     if (key.matches(QKeySequence::Undo)) {
         undoInProgram();
     } else if (key.matches(QKeySequence::Redo)) {
@@ -189,14 +204,28 @@ bool editEvent(QWidget *, QEvent *event) {
         case QEvent::PaletteChange:
             recolorProgram();
             return false;
+        case QEvent::FocusOut:
+        case QEvent::Hide:
+            closeCompletion();
+            hideSignature();
+            return false;
         default:
             return false;
     }
 }
 
+// A tip of what is under the pointer; the list closes where a click leads elsewhere.
+bool viewportEvent(QWidget *, QEvent *event) {
+    if (event->type() == QEvent::ToolTip) return showTokenTip(*static_cast<QHelpEvent *>(event));
+    if (event->type() == QEvent::MouseButtonPress) closeCompletion();
+    return false;
+}
+
 void useDocument(QTextDocument *shown) {
     state.filling = true;
-    programEdit->setExtraSelections({});  // they are the other document's
+    closeCompletion();
+    hideSignature();
+    forgetTextMarks();  // they are the other document's
     programEdit->setDocument(shown);
     state.filling = false;
 }
@@ -204,7 +233,7 @@ void useDocument(QTextDocument *shown) {
 // One that only the view changes, and only while it is shown.
 QTextDocument *newDocument() {
     auto *made = new QTextDocument(programEdit);
-    made->setDocumentLayout(new QPlainTextDocumentLayout(made));
+    made->setDocumentLayout(new IndentedLayout(made));
     made->setDefaultFont(programEdit->font());
     QObject::connect(made, &QTextDocument::contentsChange, programEdit, contentsChange);
     QObject::connect(made, &QTextDocument::contentsChanged, programEdit, contentsChanged);
@@ -273,6 +302,7 @@ void connectProgramView() {
     QObject::connect(programEdit, &QPlainTextEdit::selectionChanged, programEdit, caretMoved);
     QObject::connect(programEdit, &QPlainTextEdit::updateRequest, programEdit, updateLineNumbers);
     hookEvents(programEdit, editEvent);
+    hookEvents(programEdit->viewport(), viewportEvent);
     connectLineNumbers();
 }
 
@@ -280,6 +310,10 @@ void connectProgramView() {
 void forgetProgramView() {
     state = {};
     forgetColors();
+    forgetTextMarks();
+    forgetCompletion();
+    forgetLanguageTips();
+    forgetProgramReading();
 }
 
 void forgetKeptPrograms() {
@@ -298,6 +332,7 @@ void openProgram(ItemId id, ByteView image) {
     state.lastCaret = caretNow();
     state.blankAddedAt = -1;
     takeReference();
+    programTextOpened();
     updateLineNumbers();
 }
 
@@ -326,6 +361,7 @@ void programToView(ByteView image) {
     programEdit->ensureCursorVisible();
     state.lastCaret = {};
     takeReference();
+    programTextOpened();
     updateLineNumbers();
 }
 

@@ -5,6 +5,7 @@
 #include <QTextBlock>
 
 #include "shell/editor/program_document.h"
+#include "shell/editor/text_marks.h"
 #include "shell/parts/main_widgets.h"
 
 namespace numalink {
@@ -70,15 +71,11 @@ void markStatements(const std::vector<StatementMark> &marks) {
     for (const StatementMark &mark : marks) {
         const std::optional<TextRange> range = rangeOfStatement(mark.line, mark.statement);
         if (!range) continue;
-        QTextEdit::ExtraSelection selection;
-        selection.format = formatOf(mark.look);
-        selection.format.setProperty(QTextFormat::FullWidthSelection, range->from == range->to);
-        selection.cursor = QTextCursor(programEdit->document());
-        selection.cursor.setPosition(range->from);
-        selection.cursor.setPosition(range->to, QTextCursor::KeepAnchor);
-        selections << selection;
+        QTextCharFormat format = formatOf(mark.look);
+        format.setProperty(QTextFormat::FullWidthSelection, range->from == range->to);
+        selections << textMark(range->from, range->to, format);
     }
-    programEdit->setExtraSelections(selections);
+    setTextMarks(MarkLayer::statements, std::move(selections));
 }
 
 void showStatement(int line, int statement) {

@@ -8,8 +8,10 @@
 
 #include "drawing/item_picture.h"
 #include "platform/thread_role.h"
+#include "shell/editor/completion_list.h"
 #include "shell/editor/edit_menu.h"
 #include "shell/editor/find_dialog.h"
+#include "shell/editor/language_tips.h"
 #include "shell/editor/program_status.h"
 #include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
@@ -111,6 +113,7 @@ bool escapeToTree(QWidget *, QEvent *event) {
     if (event->type() != QEvent::KeyPress || !treeView->isVisible()) return false;
     const auto &key = *static_cast<QKeyEvent *>(event);
     if (key.key() != Qt::Key_Escape || key.modifiers() != Qt::NoModifier) return false;
+    if (completionShown() || signatureShown()) return false;  // they close
     treeView->setFocus();
     return true;
 }
