@@ -3,27 +3,14 @@
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
-#include "bench/rivals.h"
+#include "bench/contest_runs.h"
 #include "debugger/debugger.h"
-#include "emulator/machine/programs.h"
+#include "emulator/machine/machine.h"
 #include "emulator/run/scripted_run.h"
-#include "platform/thread_role.h"
-#include "settings/settings_store.h"
-#include "text/program_bytes.h"
-#include "text/token_table.h"
 
 namespace numalink {
 
 namespace {
-
-Bytes imageOf(std::string words, int passes) {
-    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at))
-        words.replace(at, 1, std::to_string(passes));
-    Bytes image = {':'};
-    tokensFromWords(words, image);
-    image.insert(image.end(), {0xFF, 0});
-    return image;
-}
 
 DebugRecord recordAtEnd;
 std::uint64_t wayBack = 0;  // statements; 0: none
@@ -38,14 +25,11 @@ void onStop() {
 }
 
 double secondsOf(const Contest &contest, bool records, std::uint64_t back = 0) {
-    const Bytes image = imageOf(contest.words, contest.passes);
     wayBack = back;
     debugStateChanged = onStop;
     const double before = processorSeconds(RUSAGE_SELF);
     const RunReport report = runScripted({}, [&] {
-        programsClear();
-        programAdd("MAIN", image);
-        if (contest.subprogram != nullptr) programAdd("SUB", imageOf(contest.subprogram, 0));
+        if (!loadContest(contest, contest.passes)) return false;
         DebugOptions options;
         options.records = records;
         options.stopAtEnd = records;
@@ -57,16 +41,8 @@ double secondsOf(const Contest &contest, bool records, std::uint64_t back = 0) {
     return report.ended == RunEnd::end ? seconds : -1;
 }
 
-void prepare() {
-    threadRole = ThreadRole::graphical;
-    tokenTableLoad();
-    settingsLoad();
-    settingsSetInt(setting::fullSpeed, 1);
-    settingsSetInt(setting::fillListsMatrices, 0);
-}
-
 void recording(benchmark::State &state, const Contest *contest) {
-    prepare();
+    prepareContests();
     double plain = 0, recorded = 0;
     for (auto unused : state) {
         plain += secondsOf(*contest, false);
@@ -82,7 +58,7 @@ void recording(benchmark::State &state, const Contest *contest) {
 
 // To a statement and on again to the end, less what the run takes.
 void goingBack(benchmark::State &state, const Contest *contest, std::uint64_t back) {
-    prepare();
+    prepareContests();
     double recorded = 0, withBack = 0;
     for (auto unused : state) {
         recorded += secondsOf(*contest, true);

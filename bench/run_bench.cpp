@@ -8,14 +8,10 @@
 #include <cstdio>
 #include <map>
 
-#include "bench/rivals.h"
-#include "emulator/machine/programs.h"
+#include "bench/contest_runs.h"
+#include "emulator/machine/machine.h"
 #include "emulator/run/runner.h"
 #include "emulator/run/scripted_run.h"
-#include "platform/thread_role.h"
-#include "settings/settings_store.h"
-#include "text/program_bytes.h"
-#include "text/token_table.h"
 
 namespace numalink {
 
@@ -23,31 +19,9 @@ namespace {
 
 constexpr std::size_t variableX = 'X' - 'A';
 
-Bytes imageOf(std::string words, int passes) {
-    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at))
-        words.replace(at, 1, std::to_string(passes));
-    Bytes image = {':'};
-    tokensFromWords(words, image);
-    image.insert(image.end(), {0xFF, 0});
-    return image;
-}
-
 bool runContest(const Contest &contest, int passes) {
-    const Bytes image = imageOf(contest.words, passes);
-    const RunReport report = runScripted({}, [&] {
-        programsClear();
-        const bool calls = contest.subprogram != nullptr;
-        return programAdd("MAIN", image) && (!calls || programAdd("SUB", imageOf(contest.subprogram, 0)));
-    });
+    const RunReport report = runScripted({}, [&] { return loadContest(contest, passes); });
     return report.ended == RunEnd::end && report.errors.empty();
-}
-
-void prepare() {
-    threadRole = ThreadRole::graphical;
-    tokenTableLoad();
-    settingsLoad();
-    settingsSetInt(setting::fullSpeed, 1);
-    settingsSetInt(setting::fillListsMatrices, 0);
 }
 
 // Of the processor, a pass; the rivals come after ours.
@@ -56,7 +30,7 @@ std::map<Rival, std::pair<double, int>> logarithms;  // of the ratios: their sum
 
 void ours(benchmark::State &state, const Contest *running) {
     const Contest &contest = *running;
-    prepare();
+    prepareContests();
     const double before = processorSeconds(RUSAGE_SELF);
     for (auto unused : state) {
         if (!runContest(contest, contest.passes)) state.SkipWithError("the program didn't run to its end");
@@ -68,7 +42,7 @@ void ours(benchmark::State &state, const Contest *running) {
 
 void theirs(benchmark::State &state, const Contest *running, Rival rival) {
     const Contest &contest = *running;
-    prepare();
+    prepareContests();
     const int passes = rivalPasses(contest, rival);
     runContest(contest, passes);
     const double expected = machine.variables[variableX].re;

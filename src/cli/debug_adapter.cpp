@@ -266,7 +266,7 @@ void addElements(Json &list, const NamedArray &array, int start, int count) {
     const int end = static_cast<int>(std::min<std::int64_t>(size, asked));
     for (int index = std::max(start, 0); index < end; index++) {
         const double element = debugElement(array, index / array.columns + 1, index % array.columns + 1);
-        list.push_back(variable(elementName(array, index), elementTextOf(element).full));
+        list.push_back(variable(elementName(array, index), elementTextOf(element).plain));
     }
 }
 
@@ -276,7 +276,7 @@ void answerVariables(const Request &request) {
     Json list = Json::array();
     if (reference == variablesScope || reference == windowScope) {
         for (const NamedValue &value : reference == variablesScope ? debugVariables() : debugWindow())
-            list.push_back(variable(value.name, valueTextOf(value.value).full));
+            list.push_back(variable(value.name, valueTextOf(value.value).plain));
     } else if (reference == modesScope) {
         for (const NamedText &mode : debugModes()) list.push_back(variable(mode.name, mode.text));
     } else if (reference == arraysScope) {
@@ -306,7 +306,7 @@ void answerSetVariable(const Request &request) {
     if (!target) return request.refuse("that can't be changed");
     switch (debugChange(*target, argument(request.arguments(), "value", std::string()))) {
         case DebugChange::done:
-            return request.answer({{"value", valueTextOf(debugTargetValue(*target).value_or(ComplexValue{})).full}});
+            return request.answer({{"value", valueTextOf(debugTargetValue(*target).value_or(ComplexValue{})).plain}});
         case DebugChange::notANumber:
             return request.refuse("not a number");
         case DebugChange::notReal:
@@ -321,7 +321,7 @@ void answerSetVariable(const Request &request) {
 void answerEvaluate(const Request &request) {
     const WatchValue value = evaluateWatch(readWatch(argument(request.arguments(), "expression", std::string())));
     if (value.sort == WatchValue::Sort::error) return request.refuse(value.text);
-    request.answer({{"result", watchText(value).full}, {"variablesReference", 0}});
+    request.answer({{"result", watchText(value).plain}, {"variablesReference", 0}});
 }
 
 void answerSource(const Request &request) {

@@ -45,7 +45,7 @@ void endLine() {
     std::vector<NamedValue> values = debugVariables();
     for (std::size_t i = 0; i < values.size(); i++) {
         const bool isUnchanged = i < valuesBefore.size() && isSame(values[i].value, valuesBefore[i].value);
-        if (!isUnchanged) addToTrace("  " + values[i].name + "=" + valueTextOf(values[i].value).full);
+        if (!isUnchanged) addToTrace("  " + values[i].name + "=" + valueTextOf(values[i].value).plain);
     }
     valuesBefore = std::move(values);
     addToTrace("\n");
@@ -74,7 +74,7 @@ void tellStop() {
     const DebugStop stop = debugStop();
     std::string line = "at " + placeText(stop.place) + ", statement " + std::to_string(stop.statement + 1);
     for (std::size_t i = 0; i < watches.size(); i++)
-        line += (i == 0 ? ": " : ", ") + watchTexts[i] + " = " + watchText(evaluateWatch(watches[i])).full;
+        line += (i == 0 ? ": " : ", ") + watchTexts[i] + " = " + watchText(evaluateWatch(watches[i])).plain;
     std::printf("%s\n", line.c_str());
     debugStep(DebugStep::onward);
 }

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <atomic>
-#include <bit>
 #include <cstdlib>
 
+#include "debugger/debugger.h"
 #include "debugger/values.h"
 #include "debugger/watches.h"
 #include "emulator/machine/programs.h"
 #include "platform/lock.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -21,122 +22,41 @@ std::vector<Breakpoint> list GUARDED_BY(listLock);
 int lastId GUARDED_BY(listLock) = 0;
 std::atomic<std::uint64_t> version = 1;
 
+// By value it is looked at where the machine stands still. A report other than that of the syntax may depend on what
+// the machine holds by then.
+std::string faultOf(const std::string &condition, bool alsoByValue) {
+    const WatchExpression expression = readWatch(condition);
+    if (!expression.fault.empty() || !alsoByValue || debugState() == DebugState::runs) return expression.fault;
+    const WatchValue value = evaluateWatch(expression);
+    if (value.sort == WatchValue::Sort::number) return {};
+    if (value.sort != WatchValue::Sort::error) return wording(Text::conditionNoNumber);
+    return value.isLasting ? value.text : std::string();
+}
+
 void tellChange() {
     version++;
     if (breakpointsChanged != nullptr) breakpointsChanged();
 }
 
-bool makesSense(const Breakpoint &breakpoint) {
-    if (!breakpoint.condition.empty() && !readWatch(breakpoint.condition).fault.empty()) return false;
+bool makesSense(const Breakpoint &breakpoint, bool alsoByValue = true) {
+    if (!breakpoint.condition.empty() && !faultOf(breakpoint.condition, alsoByValue).empty()) return false;
     if (breakpoint.isOfData()) return debugTargetNamed(breakpoint.target).has_value();
     return breakpoint.line >= 1 && breakpoint.statement >= 0;
-}
-
-std::uint64_t mixed(std::uint64_t digest, std::uint64_t word) {
-    digest = (digest ^ word) * 1099511628211u;
-    return digest ^ digest >> 31;
-}
-
-// A statement of a program, as breakpoints remember it.
-struct KnownStatement {
-    int line = 1, statement = 0;
-    std::uint64_t digest = 0;  // never 0
-};
-
-std::uint64_t digestOf(const ProgramCell *cells, int count) {
-    std::uint64_t digest = 14695981039346656037u;
-    for (int i = 0; i < count; i++) {
-        const ProgramCell &cell = cells[i];
-        digest = mixed(digest, static_cast<std::uint64_t>(cell.kind));
-        if (isNumber(cell)) digest = mixed(digest, std::bit_cast<std::uint64_t>(cell.value.re));
-        if (cell.kind == CellKind::token) digest = mixed(digest, cell.token1 * 256u + cell.token2);
-        if (cell.kind == CellKind::string) digest = mixed(digest, digestOf(cell.stringCells, cell.stringLength));
-    }
-    return digest == 0 ? 1 : digest;
-}
-
-std::vector<KnownStatement> statementsOf(const ProgramCell *cells, int count) {
-    std::vector<KnownStatement> statements;
-    KnownStatement next;
-    for (int begin = 0; begin + 1 < count;) {
-        const int end = findTerminator(cells, begin);
-        next.digest = digestOf(cells + begin, end - begin);
-        statements.push_back(next);
-        next.statement++;
-        if (!isToken(cells[end], token::colon)) next = {next.line + 1, 0};
-        begin = end + 1;
-    }
-    return statements;
-}
-
-// Of the statement at a place, the one that is missing for a place outside.
-std::uint64_t digestAt(const std::vector<KnownStatement> &statements, std::size_t place) {
-    return place < statements.size() ? statements[place].digest : 1;
-}
-
-void remember(Breakpoint &breakpoint, const std::vector<KnownStatement> &statements, std::size_t place) {
-    breakpoint.line = statements[place].line;
-    breakpoint.statement = statements[place].statement;
-    breakpoint.own = statements[place].digest;
-    breakpoint.ahead = digestAt(statements, place - 1);
-    breakpoint.behind = digestAt(statements, place + 1);
-    breakpoint.isLost = false;
-}
-
-// How well the statement at a place fits: its own tokens count most, then its neighbours'. 0: it isn't the one.
-int fitOf(const Breakpoint &breakpoint, const std::vector<KnownStatement> &statements, std::size_t place) {
-    const bool isOwn = statements[place].digest == breakpoint.own;
-    const bool hasAhead = digestAt(statements, place - 1) == breakpoint.ahead;
-    const bool hasBehind = digestAt(statements, place + 1) == breakpoint.behind;
-    if (!isOwn && !(hasAhead && hasBehind)) return 0;  // a statement between the same two was edited
-    return (isOwn ? 4 : 0) + (hasAhead ? 1 : 0) + (hasBehind ? 1 : 0);
-}
-
-std::size_t placeOf(const Breakpoint &breakpoint, const std::vector<KnownStatement> &statements) {
-    const auto isThere = [&](const KnownStatement &each) {
-        return each.line == breakpoint.line && each.statement == breakpoint.statement;
-    };
-    return static_cast<std::size_t>(std::ranges::find_if(statements, isThere) - statements.begin());
-}
-
-// The first time it looks where it was set, later for its statement: the best fit, of equal ones the nearest.
-void follow(Breakpoint &breakpoint, const std::vector<KnownStatement> &statements) {
-    const std::size_t here = placeOf(breakpoint, statements);
-    if (breakpoint.own == 0) {
-        breakpoint.isLost = here == statements.size();
-        if (!breakpoint.isLost) remember(breakpoint, statements, here);
-        return;
-    }
-    std::size_t best = statements.size(), bestDistance = 0;
-    int bestFit = 0;
-    for (std::size_t place = 0; place < statements.size(); place++) {
-        const int fit = fitOf(breakpoint, statements, place);
-        const std::size_t distance = place > here ? place - here : here - place;
-        if (fit < bestFit || fit == 0 || (fit == bestFit && distance >= bestDistance)) continue;
-        best = place;
-        bestFit = fit;
-        bestDistance = distance;
-    }
-    breakpoint.isLost = best == statements.size();
-    if (!breakpoint.isLost) remember(breakpoint, statements, best);
-}
-
-bool isSame(const Breakpoint &left, const Breakpoint &right) {
-    return left.line == right.line && left.statement == right.statement && left.isLost == right.isLost &&
-           left.own == right.own && left.ahead == right.ahead && left.behind == right.behind;
 }
 
 template <class Belongs>
 bool followCells(const Belongs &belongs, const ProgramCell *cells, int count) {
     const HoldLock held(listLock);
     if (std::ranges::none_of(list, belongs)) return false;
-    const std::vector<KnownStatement> statements = statementsOf(cells, count);
+    const std::vector<StatementOfText> text = statementsOfText(cells, count);
     bool changed = false;
     for (Breakpoint &breakpoint : list) {
         if (!belongs(breakpoint)) continue;
-        const Breakpoint before = breakpoint;
-        follow(breakpoint, statements);
-        changed = changed || !isSame(before, breakpoint);
+        KnownStatement &place = breakpoint;
+        const KnownStatement before = place;
+        const bool isLost = findStatement(place, text) < 0;
+        changed = changed || before != place || isLost != breakpoint.isLost;
+        breakpoint.isLost = isLost;
     }
     return changed;
 }
@@ -146,6 +66,8 @@ auto ofItem(ItemId item) {
 }
 
 }  // namespace
+
+std::string conditionFault(const std::string &condition) { return faultOf(condition, true); }
 
 std::vector<Breakpoint> breakpoints() {
     const HoldLock held(listLock);
@@ -187,7 +109,7 @@ void breakpointRemove(int id) {
 void breakpointsClear() { breakpointsSet({}); }
 
 void breakpointsSet(std::vector<Breakpoint> all) {
-    std::erase_if(all, [](const Breakpoint &breakpoint) { return !makesSense(breakpoint); });
+    std::erase_if(all, [](const Breakpoint &breakpoint) { return !makesSense(breakpoint, false); });
     {
         const HoldLock held(listLock);
         list = std::move(all);

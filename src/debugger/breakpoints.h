@@ -7,31 +7,33 @@
 #include <vector>
 
 #include "debugger/places.h"
+#include "debugger/statement_match.h"
 #include "platform/bytes.h"
 
 namespace numalink {
 
-struct Breakpoint {
+// As a statement it has the place and the digests of where it stands in its item's text; not seen yet with own 0.
+struct Breakpoint : KnownStatement {
     int id = 0;  // from 1, never given twice in a process
     bool enabled = true;
     bool isLost = false;  // its statement is gone from the program; it stops nothing
-    // At a statement: of this item, by line and statement as DebugPlace counts. Else of data.
+    // At a statement: of this item. Else of data.
     ItemId item = noItem;
-    std::string program;  // UTF-8; the name where item is noItem
-    int line = 0, statement = 0;
+    std::string program;      // UTF-8; the name where item is noItem
     std::string target;       // stops when this changes: a name of values.h; empty: at a statement
     std::string condition;    // an expression that must be other than 0; empty: always
     std::uint64_t count = 0;  // stops from this hit on; 0 and 1: from the first
     std::uint64_t hits = 0;   // in this run
-    // Digests of the statement's tokens and of those ahead and behind; 0: not looked at yet.
-    std::uint64_t own = 0, ahead = 0, behind = 0;
 
     bool isOfData() const { return !target.empty(); }
 };
 
 std::vector<Breakpoint> breakpoints();
-// Adds it (id, hits and digests are set here) and gives its id; or 0 for what has neither line nor target, or whose
-// condition or target can't be read.
+// What keeps an expression from being a condition, in the user's language; empty: nothing. Its value is looked at too,
+// but for a run that goes on meanwhile, which tells what is wrong where the condition is met.
+std::string conditionFault(const std::string &condition);
+// Adds it (id, hits and digests are set here) and gives its id; or 0 for what has neither line nor target, whose
+// target isn't known, or whose condition has a fault.
 int breakpointAdd(Breakpoint breakpoint);
 bool breakpointChange(const Breakpoint &breakpoint);  // the one of its id; false as above
 void breakpointRemove(int id);

@@ -77,6 +77,7 @@ void debugForget() {
     control.stop = {};
     control.command = {};
     control.commandDue = control.pauseWanted = false;
+    control.waitsAt = RunEnd::running;
     followLive(0);
     followAnew(false);
     historyForget();
@@ -105,6 +106,8 @@ DebugStop debugStop() {
     const HoldLock held(control.lock);
     return control.stop;
 }
+
+RunEnd debugWaitsAt() { return control.waitsAt; }
 
 std::vector<DebugPlace> debugCalls() {
     std::vector<DebugPlace> places;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "debugger/places.h"
+#include "emulator/machine/run_waits.h"
 
 namespace numalink {
 
@@ -65,6 +66,7 @@ DebugOptions debugOptions();
 
 DebugState debugState();
 DebugStop debugStop();  // of a stopped run
+RunEnd debugWaitsAt();  // the wait that the run is in, of those that a key ends; running: none
 
 // The programs in progress, the innermost first: the statement to come, then each Prog.
 std::vector<DebugPlace> debugCalls();

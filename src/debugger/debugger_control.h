@@ -26,6 +26,7 @@ struct DebugControl {
     DebugOptions options GUARDED_BY(lock);
     DebugCommand command GUARDED_BY(lock);
     std::atomic<bool> commandDue = false, pauseWanted = false;
+    std::atomic<RunEnd> waitsAt = RunEnd::running;
     std::atomic<std::uint64_t> optionsVersion = 1;
 };
 extern DebugControl control;

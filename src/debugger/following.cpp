@@ -18,7 +18,7 @@ bool isSame(const std::optional<ComplexValue> &left, const std::optional<Complex
     return !left || (bits(left->re) == bits(right->re) && bits(left->im) == bits(right->im));
 }
 
-std::string shownOrNone(const std::optional<ComplexValue> &value) { return value ? valueTextOf(*value).full : "-"; }
+std::string shownOrNone(const std::optional<ComplexValue> &value) { return value ? valueTextOf(*value).plain : "-"; }
 
 CellRange statementAround(int program, int cell) {
     return {program, cell, loadedProgram(program).terminators[cell] + 1};
@@ -42,7 +42,19 @@ std::optional<WatchExpression> conditionOf(const Breakpoint &breakpoint) {
     return readWatch(breakpoint.condition);
 }
 
-void adopt(Stops &stops, const Breakpoint &breakpoint) {
+using Texts = std::vector<std::vector<StatementOfText>>;  // of the loaded programs; empty until it is asked for
+
+// Where the statement begins in a loaded program, which may have another text than its item by now; -1: nowhere.
+int cellIn(Texts &texts, int program, KnownStatement known) {
+    if (program < 0) return -1;
+    std::vector<StatementOfText> &text = texts[static_cast<std::size_t>(program)];
+    const LoadedProgram &loaded = loadedProgram(program);
+    if (text.empty()) text = statementsOfText(loaded.cells, loaded.cellCount);
+    const int found = findStatement(known, text);
+    return found < 0 ? -1 : text[static_cast<std::size_t>(found)].cell;
+}
+
+void adopt(Stops &stops, Texts &texts, const Breakpoint &breakpoint) {
     if (!breakpoint.enabled || breakpoint.isLost) return;
     if (breakpoint.isOfData()) {
         const auto target = debugTargetNamed(breakpoint.target);
@@ -52,7 +64,7 @@ void adopt(Stops &stops, const Breakpoint &breakpoint) {
         return;
     }
     const int program = breakpoint.item == noItem ? programNamed(breakpoint.program) : programOfItem(breakpoint.item);
-    const int cell = cellOfPlace(program, breakpoint.line, breakpoint.statement);
+    const int cell = cellIn(texts, program, breakpoint);
     if (cell < 0) return;
     stops.atStatements.push_back(
         {stoppingCells(program, cell), breakpoint.id, breakpoint.count, conditionOf(breakpoint)});
@@ -123,7 +135,8 @@ void stopsAdopt(Stops &stops) {
     for (int program = 0; program < programCount(); program++)
         stops.marks.emplace_back(static_cast<std::size_t>(loadedProgram(program).cellCount), 0);
     for (const auto &ofProgram : stops.marks) stops.markPointers.push_back(ofProgram.data());
-    for (const Breakpoint &breakpoint : breakpoints()) adopt(stops, breakpoint);
+    Texts texts(stops.marks.size());
+    for (const Breakpoint &breakpoint : breakpoints()) adopt(stops, texts, breakpoint);
     mark(stops, stops.goal, goalMark);
 }
 

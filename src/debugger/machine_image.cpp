@@ -58,6 +58,7 @@ static_assert(surfaceBytes % imagePageSize == 0);
 Bytes lastBytes;
 std::vector<std::shared_ptr<const ImagePage>> lastPages;
 std::shared_ptr<const KeptGraphs> lastGraphs;
+std::vector<ErrorReport> lastReports;
 
 std::size_t pagesFor(std::size_t bytes) { return (bytes + imagePageSize - 1) / imagePageSize; }
 
@@ -106,6 +107,14 @@ void bringBackText(const PlainPart &part, const Surface &surface) {
     for (std::size_t row = 0; row < part.textRows.size(); row++)
         text.characters[row].assign(part.textRows[row].begin(), part.textRows[row].end());
     textScreenRestore(text);
+}
+
+// An image has but the number of its reports. Those that lie ahead of where one has gone back to are kept beside.
+void bringBackReports(std::vector<ErrorReport> &trace, std::size_t count) {
+    lastReports.resize(std::max(lastReports.size(), trace.size()));
+    std::ranges::copy(trace, lastReports.begin());
+    trace.assign(lastReports.begin(),
+                 lastReports.begin() + static_cast<std::ptrdiff_t>(std::min(count, lastReports.size())));
 }
 
 struct Digest {
@@ -239,14 +248,14 @@ void bringBack(const MachineImage &image) {
     displayRestore(matrices, display);
     workDoneAgain(part.workDone);
     randomGoOn(part.random);
-    if (machine.errorTrace != nullptr && machine.errorTrace->size() > part.reportsKept)
-        machine.errorTrace->resize(part.reportsKept);
+    if (machine.errorTrace != nullptr) bringBackReports(*machine.errorTrace, part.reportsKept);
 }
 
 void forgetImages() {
     lastPages.clear();
     lastGraphs.reset();
     lastBytes = {};
+    lastReports = {};
 }
 
 std::size_t imageBytes() {

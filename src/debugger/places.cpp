@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "calculator/charset.h"
+#include "debugger/statement_match.h"
 #include "emulator/machine/programs.h"
 #include "text/token_table.h"
 
@@ -27,6 +28,26 @@ void addToken(std::string &text, const ProgramCell &cell) {
 void addNumber(std::string &text, double value) {
     char digits[40];
     text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+using Statements = std::vector<StatementOfText>;
+
+Statements statementsOfLoaded(int program) {
+    const LoadedProgram &loaded = loadedProgram(program);
+    return statementsOfText(loaded.cells, loaded.cellCount);
+}
+
+Statements statementsOfImage(ByteView image) {
+    const ProgramCells cells = cellsOfImage(image);
+    return statementsOfText(cells.cells.data(), static_cast<int>(cells.cells.size()));
+}
+
+std::optional<DebugPlace> placeFromTo(DebugPlace place, const Statements &from, const Statements &to) {
+    KnownStatement known{.line = place.line, .statement = place.statement};
+    if (findStatement(known, from) < 0 || findStatement(known, to) < 0) return std::nullopt;
+    place.line = known.line;
+    place.statement = known.statement;
+    return place;
 }
 
 }  // namespace
@@ -94,6 +115,16 @@ std::string statementText(int program, int cell) {
         text += '"';
     }
     return utf8FromCalculator(text);
+}
+
+std::optional<DebugPlace> placeInText(const DebugPlace &place, ByteView image) {
+    if (!isLoaded(place.program)) return std::nullopt;
+    return placeFromTo(place, statementsOfLoaded(place.program), statementsOfImage(image));
+}
+
+std::optional<DebugPlace> placeInRun(const DebugPlace &place, ByteView image) {
+    if (!isLoaded(place.program)) return std::nullopt;
+    return placeFromTo(place, statementsOfImage(image), statementsOfLoaded(place.program));
 }
 
 std::optional<DebugPlace> placeNamed(const std::string &text) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "calculator/item_kinds.h"
+#include "platform/bytes.h"
 
 namespace numalink {
 
@@ -32,6 +33,11 @@ std::string programNameShown(int program);  // UTF-8
 std::vector<int> statementCells(int program);
 // A statement as text, UTF-8, on one line; numbers as short as they read back.
 std::string statementText(int program, int cell);
+
+// A statement of a loaded program as it stands in a text of it that was edited since (program is that of the run, line
+// and statement are the text's), and the other way round. Nothing where it isn't there any more.
+std::optional<DebugPlace> placeInText(const DebugPlace &place, ByteView image);
+std::optional<DebugPlace> placeInRun(const DebugPlace &place, ByteView image);
 
 // "PROGRAM:LINE" or "PROGRAM:LINE:STATEMENT", statements counted from 1; nothing when it names no statement of a loaded
 // program.

@@ -41,6 +41,12 @@ void tell() {
     if (debugStateChanged != nullptr) debugStateChanged();
 }
 
+// The wait that the run is in now is told when it begins, and when the run is first seen behind it.
+void tellWait(RunEnd where) {
+    if (where != RunEnd::running) drawAttention();
+    if (control.waitsAt.exchange(where) != where) tell();
+}
+
 void beLive() {
     runRepeats = false;
     run.nextChange = noLimit;
@@ -246,6 +252,7 @@ bool goOnSearching(int program, int cell) {
 
 bool beforeStatement(RunState &running) {
     if (runIsLeft() || !runGoesOn()) return false;
+    tellWait(RunEnd::running);
     const int program = running.programIndex, cell = running.position;
     if (run.search) {
         if (!goOnSearching(program, cell)) return false;
@@ -287,6 +294,13 @@ bool goesOnElsewhere() {
 DebugStop stopWithin(StopReason reason) {
     const std::vector<CallPlace> calls = runCalls();
     return stopFor(reason, calls.back().program, calls.back().position, true);
+}
+
+// A long statement, or the return from a Prog, stops at a pause too.
+void within() {
+    if (runIsLeft() || run.search || !control.pauseWanted) return;
+    tellWait(RunEnd::running);
+    if (stopAt(stopWithin(StopReason::pause))) setLook();
 }
 
 void reported(const char *text) {
@@ -332,6 +346,7 @@ int waitKey(RunEnd where) {
             setLook();
         }
         if (!historyHasInput()) beLive();
+        tellWait(where);
     }
     return historyWaitKey(where);
 }
@@ -347,6 +362,7 @@ LineOutcome lineOutcome(const std::function<LineOutcome()> &exchange) {
 const RunObserver followingObserver = {
     .beforeStatement = beforeStatement,
     .goesOnElsewhere = goesOnElsewhere,
+    .within = within,
     .reported = reported,
     .screenModeChanged = screenModeChanged,
     .waitKey = waitKey,

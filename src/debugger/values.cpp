@@ -23,12 +23,23 @@ std::string variableName(int variable) {
     return variable == variableR ? "r" : std::string(1, static_cast<char>('A' + variable));
 }
 
+// With an exponent only outside of what Norm 2 and 17 digits show without one.
 std::string shortest(double value) {
     if (std::isnan(value)) return "NaN";
     if (std::isinf(value)) return value < 0 ? "-Inf" : "Inf";
+    const double size = std::fabs(value);
+    const bool isFixed = size == 0 || (size >= 1e-9 && size < 1e17);
     char text[40];
-    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
-    return {text, end};
+    const auto form = isFixed ? std::chars_format::fixed : std::chars_format::scientific;
+    std::string digits(text, std::to_chars(text, text + sizeof text, value, form).ptr);
+    std::ranges::replace(digits, 'e', 'E');
+    return digits;
+}
+
+std::string inCalculatorSigns(std::string plain) {
+    constexpr char minus = '\x87', plus = '\x89', exponent = '\xDF';
+    for (char &c : plain) c = c == '-' ? minus : c == '+' ? plus : c == 'E' ? exponent : c;
+    return utf8FromCalculator(plain);
 }
 
 std::string letterOrAns(int slot) {
@@ -175,9 +186,9 @@ ValueText valueTextOf(ComplexValue value) {
     ProgramCell cell;
     cell.kind = CellKind::number;
     cell.value = value;
-    ValueText text{utf8FromCalculator(valueText(cell)), shortest(value.re)};
-    if (value.im != 0)
-        text.full += (std::signbit(value.im) || std::isnan(value.im) ? "" : "+") + shortest(value.im) + "i";
+    ValueText text{.shown = utf8FromCalculator(valueText(cell)), .full = {}, .plain = shortest(value.re)};
+    if (value.im != 0) text.plain += (std::signbit(value.im) ? "" : "+") + shortest(value.im) + "i";
+    text.full = inCalculatorSigns(text.plain);
     return text;
 }
 

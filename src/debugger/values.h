@@ -10,10 +10,11 @@
 
 namespace numalink {
 
-// A value as the calculator shows it (UTF-8), and with all of its digits: as few as read back to the same bits.
+// A value as the calculator shows it (UTF-8), and with all of its digits: as few, of 17, as read back to the same bits.
 struct ValueText {
     std::string shown;
-    std::string full;  // "0.1", "2-3i"
+    std::string full;   // in the calculator's characters
+    std::string plain;  // the same as people type it: "0.1", "2-3i", "1.5E+20"
 };
 ValueText valueTextOf(ComplexValue value);
 ValueText elementTextOf(double value);

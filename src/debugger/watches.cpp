@@ -12,6 +12,7 @@
 #include "emulator/machine/programs.h"
 #include "emulator/machine/run_waits.h"
 #include "emulator/screens/display.h"
+#include "telling/texts.h"
 #include "text/lenient_text.h"
 #include "text/view_edit.h"
 
@@ -20,7 +21,7 @@ namespace numalink {
 namespace {
 
 constexpr std::uint64_t evaluationLimit = 10000;  // within calls
-constexpr char tooLong[] = "takes too long, or waits";
+constexpr char syntaxReport[] = "Syn ERROR";
 
 // The machine as it was, put back at the end. Nothing is freed meanwhile that stood before, so that the elements in the
 // pool needn't be kept.
@@ -55,9 +56,10 @@ private:
     bool counted = std::exchange(paceCounted, false);
 };
 
-WatchValue faulty(const std::string &text) {
+WatchValue faulty(const std::string &text, bool isLasting) {
     WatchValue value;
     value.text = text;
+    value.isLasting = isLasting;
     return value;
 }
 
@@ -77,7 +79,7 @@ WatchValue valueOf(const ProgramCell &cell) {
         value.sort = WatchValue::Sort::text;
         value.text = utf8FromCalculator(valueText(cell));
     } else {
-        value.text = "Syn ERROR";
+        return faulty(syntaxReport, true);
     }
     return value;
 }
@@ -90,44 +92,45 @@ WatchExpression readWatch(const std::string &text) {
     Bytes image;
     const std::vector<TextFault> faults = imageOfViewLines({lenientLine(whole, text)}, true, image);
     if (!faults.empty()) {
-        expression.fault = "can't be read";
+        expression.fault = wording(Text::watchUnreadable);
         return expression;
     }
     ProgramCells read = cellsOfImage(image);
     expression.cells = std::move(read.cells);
     expression.stringCells = std::move(read.stringCells);
     expression.cells.pop_back();  // the end mark
-    if (expression.cells.empty()) expression.fault = "is empty";
-    if (expression.cells.size() > statementLimit) expression.fault = "is too long";
+    if (expression.cells.empty()) expression.fault = wording(Text::watchEmpty);
+    if (expression.cells.size() > statementLimit) expression.fault = wording(Text::watchTooLong);
     return expression;
 }
 
 WatchValue evaluateWatch(const WatchExpression &expression) {
-    if (!expression.fault.empty()) return faulty(expression.fault);
+    if (!expression.fault.empty()) return faulty(expression.fault, true);
     ProgramCell work[statementLimit];
     int count = static_cast<int>(expression.cells.size());
     std::ranges::copy(expression.cells, work);
     const Untouched machineAround;
     evaluate(work, 0, count);
-    if (endAside()) return faulty(tooLong);
-    if (machineAround.reports > 0) return faulty(firstCounted);
-    return count == 1 ? valueOf(work[0]) : faulty("Syn ERROR");
+    if (endAside()) return faulty(wording(Text::watchEndless), true);
+    if (machineAround.reports > 0) return faulty(firstCounted, firstCounted == std::string_view(syntaxReport));
+    return count == 1 ? valueOf(work[0]) : faulty(syntaxReport, true);
 }
 
 ValueText watchText(const WatchValue &value) {
     if (value.sort == WatchValue::Sort::number) return valueTextOf(value.number);
-    if (value.sort != WatchValue::Sort::array) return {value.text, value.text};
+    if (value.sort != WatchValue::Sort::array) return {value.text, value.text, value.text};
     constexpr std::size_t shownElements = 20;
-    ValueText text{"{", "{"};
+    ValueText text{"{", "{", "{"};
     for (std::size_t i = 0; i < value.elements.size() && i < shownElements; i++) {
         const ValueText element = elementTextOf(value.elements[i]);
         const bool startsRow = !value.isList && i > 0 && i % static_cast<std::size_t>(value.columns) == 0;
         const char *between = i == 0 ? "" : startsRow ? "; " : ", ";
         text.shown += between + element.shown;
         text.full += between + element.full;
+        text.plain += between + element.plain;
     }
     const char *end = value.elements.size() > shownElements ? ", ...}" : "}";
-    return {text.shown + end, text.full + end};
+    return {text.shown + end, text.full + end, text.plain + end};
 }
 
 }  // namespace numalink

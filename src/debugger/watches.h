@@ -21,7 +21,8 @@ struct WatchValue {
     enum class Sort { number, text, array, error };
     Sort sort = Sort::error;
     ComplexValue number;
-    std::string text;           // of text; of an error what it is: "Syn ERROR", "takes too long"
+    std::string text;           // of text; of an error what it is: "Syn ERROR"; in the user's language where it is ours
+    bool isLasting = false;     // the error comes whatever the machine holds
     int columns = 0, rows = 0;  // of an array
     bool isList = false;
     std::vector<double> elements;  // row by row

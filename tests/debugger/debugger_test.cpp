@@ -1,12 +1,15 @@
 // Runs that are stopped, stepped through and gone back in: whatever way a run is taken through, it is the same run.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <map>
 #include <random>
 
 #include "debugger/breakpoint_file.h"
 #include "debugger/breakpoints.h"
 #include "debugger/debugger.h"
+#include "debugger/following.h"
+#include "debugger/history.h"
 #include "debugger/machine_image.h"
 #include "debugger/profile.h"
 #include "debugger/trace.h"
@@ -14,10 +17,13 @@
 #include "debugger/watches.h"
 #include "emulator/expressions.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/programs.h"
 #include "emulator/run_files.h"
 #include "emulator/screens/display.h"
+#include "platform/clock.h"
 #include "support/scratch_folder.h"
 #include "support/ui_recorder.h"
+#include "telling/language_table.h"
 
 namespace numalink {
 
@@ -60,15 +66,19 @@ Ending runWith(const RunFile &file, const DebugOptions *options) {
 RunFile fileWith(const std::string &words) {
     const std::size_t bar = words.find('|');
     RunFile file;
-    file.sections = {{"program MAIN", {words.substr(0, bar)}}, {"statements", {"100000"}}};
+    file.sections = {{"program MAIN", {words.substr(0, bar)}}, {"statements", {"1000000"}}};
     if (bar != words.npos) file.sections.push_back({"program SUB", {words.substr(bar + 1)}});
     return file;
 }
 
-std::map<std::uint64_t, std::uint64_t> digests;  // ahead of each statement, by how many are over
+std::map<std::uint64_t, std::uint64_t> digests;  // ahead of every so many-th statement, by how many are over
+std::uint64_t digestEvery = 1;
 
 constexpr DebugTrace digestTrace = {
-    .statement = [](int, int) { digests[machine.statementsRun] = machineDigest(); },
+    .statement =
+        [](int, int) {
+            if (machine.statementsRun % digestEvery == 0) digests[machine.statementsRun] = machineDigest();
+        },
     .report = [](const char *) {},
     .screenMode = [](int) {},
 };
@@ -86,6 +96,7 @@ Ending runAndDigest(const RunFile &file) {
 std::mt19937 randomMove;
 int movesLeft = 0, stopsSeen = 0;
 std::string walkFault;
+constexpr int walksOfAll = 3;
 
 void move() {
     const DebugStop stop = debugStop();
@@ -134,7 +145,7 @@ constexpr Script scripts[] = {
     {"breakpoints", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1", "on on back-break back-break back-break",
      "1.0@0 1.1@1 1.1@4 1.1@1 1.0@0+start 1.0@0+start 1.1@1 1.1@4 1.1@7 1.3@10+end"},
     {"a condition", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1?I=3", "on on", "1.0@0 1.1@7 1.3@10+end"},
-    {"a condition that reports", "1\\->A:2\\->A", "1.1?1=", "on", "1.0@0 1.1@1+Syn ERROR 1.1@1+end"},
+    {"a condition that reports", "1\\->A:2\\->A", "1.1?1/(A-1)", "on", "1.0@0 1.1@1+Ma ERROR 1.1@1+end"},
     {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
     {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
      "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
@@ -191,18 +202,23 @@ void setBreaks(const std::string &breaks) {
 }
 
 struct Debugged : testing::Test {
-    static void SetUpTestSuite() { prepareRuns(); }
+    static void SetUpTestSuite() {
+        prepareRuns();
+        languageLoad("English", "English");
+    }
     RunClock clock;
 };
 
-// A fifth of the files, another with each seed.
+// One file of so many, others with each seed; all of them where NUMALINK_ALL_RUNS is set.
 constexpr std::size_t shareOfRuns = 5;
+bool takesAll() { return std::getenv("NUMALINK_ALL_RUNS") != nullptr; }
 
 template <class Check>
 void withSomeFiles(const Check &check) {
     const std::vector<std::string> names = runFiles(NUMALINK_RUNS_FOLDER);
     const auto seed = static_cast<std::size_t>(testing::UnitTest::GetInstance()->random_seed());
-    for (std::size_t i = seed % shareOfRuns; i < names.size(); i += shareOfRuns) {
+    const std::size_t share = takesAll() ? 1 : shareOfRuns;
+    for (std::size_t i = seed % share; i < names.size(); i += share) {
         SCOPED_TRACE(names[i]);
         check(readRunFile(names[i]));
     }
@@ -229,6 +245,77 @@ TEST_F(Debugged, StopsWhereItIsTold) {
         EXPECT_EQ(stopsTold, script.stops);
     }
     breakpointsClear();
+}
+
+// At the calculators' pace: 50 calls that return one by one, each with a wait of its caller; a long expression.
+int sleepsUntilPause = 0, sleepsSincePause = 0;
+TEST_F(Debugged, APauseStopsAmidLongWork) {
+    constexpr const char *programs[] = {
+        "\\Prog \"SUB\"|A+1\\->A:A<50\\=>\\Prog \"SUB\":7\\->B",
+        "50\\->A:Seq(X^2,X,1,200,1)\\->\\List 1:7\\->B",
+    };
+    for (const char *program : programs) {
+        SCOPED_TRACE(program);
+        static std::vector<DebugStop> stops;
+        stops.clear();
+        sleepsUntilPause = 20;
+        sleepsSincePause = 0;
+        clockPort.sleepMilliseconds = [](std::uint64_t) {
+            const bool isLong = machine.variables[0].re >= 50;
+            if (isLong && --sleepsUntilPause == 0) debugPause();
+            if (stops.empty() && sleepsUntilPause <= 0) sleepsSincePause++;
+        };
+        onStop = [] {
+            stops.push_back(debugStop());
+            debugStep(DebugStep::onward);
+        };
+        RunFile file = fileWith(program);
+        file.sections.push_back({"set FullSpeed 0", {}});
+        const DebugOptions options{.records = true};
+        const Ending ending = runWith(file, &options);
+        ASSERT_EQ(stops.size(), 1u);
+        EXPECT_EQ(stops[0].reason, StopReason::pause);
+        EXPECT_TRUE(stops[0].isWithin);
+        EXPECT_LE(sleepsSincePause, 2);
+        EXPECT_EQ(ending.ended, RunEnd::end) << "it goes on from there";
+        EXPECT_EQ(machine.variables[1].re, 7);
+    }
+}
+
+TEST_F(Debugged, ConditionsAreLookedAtWhenTheyAreSet) {
+    freshMachine(fileWith("1\\->A"));
+    for (const char *good : {"A=5", "List 1[3]>2", "1/(A-A)", "Getkey", "A And B"})
+        EXPECT_EQ(conditionFault(good), "") << good;
+    for (const char *bad : {"A=", "1=", "\"T\"", "A B C D)", "?", "{1,2}"}) {
+        EXPECT_NE(conditionFault(bad), "") << bad;
+        Breakpoint point;
+        point.line = 1;
+        point.condition = bad;
+        EXPECT_EQ(breakpointAdd(point), 0) << bad;
+    }
+}
+
+// What the panes show in full is read back to the same bits.
+TEST_F(Debugged, ValuesInFullReadBack) {
+    struct Written {
+        double value;
+        const char *plain, *full;
+    };
+    constexpr Written written[] = {{1e6, "1000000", "1000000"},
+                                   {-0.1, "-0.1", "\u207B0.1"},
+                                   {1.0 / 3, "0.3333333333333333", "0.3333333333333333"},
+                                   {-2.5e-20, "-2.5E-20", "\u207B2.5\u1D07\u207B20"},
+                                   {12345678901234567e4, "1.2345678901234567E+20", "1.2345678901234567\u1D07\uFF0B20"}};
+    for (const auto &[value, plain, full] : written) {
+        const ValueText text = elementTextOf(value);
+        EXPECT_EQ(text.plain, plain);
+        EXPECT_EQ(text.full, full);
+        for (const std::string &typed : {text.plain, text.full}) {
+            ASSERT_EQ(targetSet(*debugTargetNamed("A"), typed), DebugChange::done) << typed;
+            EXPECT_EQ(machine.variables[0].re, value) << typed;
+        }
+    }
+    machine.variables[0] = {};
 }
 
 TEST_F(Debugged, AProfileCountsEveryStatementOnce) {
@@ -323,6 +410,15 @@ TEST_F(Debugged, BreakpointsFollowEditsAndRestarts) {
         const std::string place = std::to_string(found[0].line) + "." + std::to_string(found[0].statement);
         EXPECT_EQ(found[0].isLost ? "lost" : place, edit.place);
     }
+    // As it stands in a text that was edited while the run has the other one, and back.
+    programsClear();
+    programAdd("MAIN", imageOfLines("1\\->A|2\\->B:3\\->C"));
+    const Bytes edited = imageOfLines("0\\->Z|1\\->A|9\\->D:2\\->B:3\\->C");
+    const DebugPlace inRun{.program = 0, .line = 2, .statement = 1};
+    const std::optional<DebugPlace> inText = placeInText(inRun, edited);
+    ASSERT_TRUE(inText);
+    EXPECT_EQ(std::pair(inText->line, inText->statement), std::pair(3, 2));
+    EXPECT_EQ(placeInRun(*inText, edited), inRun);
     for (const char *hostile : {"", "{", "[1,{},{\"item\":-1,\"line\":1e99},{\"changes\":7}]", "[[[[[["}) {
         scratch.write(breakpointFileName, hostile);
         breakpointsLoad(scratch.path);
@@ -335,11 +431,43 @@ TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {
     const DebugOptions options{.stopAtEntry = true, .records = true};
     withSomeFiles([&](const RunFile &file) {
         const Ending straight = runAndDigest(file);
-        movesLeft = 60;
-        walkFault.clear();
-        EXPECT_EQ(runWith(file, &options), straight);
-        EXPECT_EQ(walkFault, "");
+        for (int walk = takesAll() ? walksOfAll : 1; walk > 0; walk--) {
+            movesLeft = 60;
+            walkFault.clear();
+            EXPECT_EQ(runWith(file, &options), straight);
+            EXPECT_EQ(walkFault, "");
+        }
     });
+}
+
+// Each image has half a megabyte of its own: room runs out, and images go so that the others are further apart. All of
+// the run stays within reach, also its reports.
+TEST_F(Debugged, ARecordThatFillsItsRoomStillGoesBackToTheStart) {
+    const RunFile file = fileWith(
+        "{250,250}\\->\\Dim \\Mat A:\\For 1\\->K\\To 25000:\\Int (250Ran#)+1\\->I:Ran#\\->\\Mat A[I,I]:1/0:\\Next");
+    static DebugRecord record;
+    static std::vector<std::uint64_t> goals;
+    goals = {0, 5000, 60000, 10000, 90000};
+    digestEvery = 5000;
+    const Ending straight = runAndDigest(file);
+    digestEvery = 1;
+    walkFault.clear();
+    onStop = [] {
+        const DebugStop stop = debugStop();
+        if (stop.isAtEnd && stop.statement == stop.newest && record.bytes == 0) record = debugRecord();
+        if (!stop.isWithin && digests[stop.statement] != machineDigest())
+            walkFault += "differs ahead of statement " + std::to_string(stop.statement);
+        const std::uint64_t goal = goals.empty() ? stop.newest : goals.back();
+        if (!goals.empty()) goals.pop_back();
+        if (goal == stop.newest || !debugGoTo(goal)) debugStep(DebugStep::onward);
+    };
+    const DebugOptions options{.stopAtEnd = true, .records = true};
+    EXPECT_EQ(runWith(file, &options), straight);
+    EXPECT_EQ(walkFault, "");
+    EXPECT_TRUE(goals.empty());
+    EXPECT_GT(record.statements, 100000u);
+    EXPECT_LE(record.bytes, historyBytes);
+    EXPECT_GT(record.bytes, historyBytes / 3) << "it has been full";
 }
 
 }  // namespace numalink

@@ -200,6 +200,20 @@ void runProgram() {
     if (alive) command(CommandId::emulate);
 }
 
+// What a run is stepped through with, pressed a few times, since one that has just begun stops a little later.
+void debugProgram() {
+    constexpr auto commands = std::to_array(
+        {CommandId::debugGoOn, CommandId::debugPause, CommandId::debugStep, CommandId::debugStepOver,
+         CommandId::debugStepOut, CommandId::debugNextLine, CommandId::debugToCaret, CommandId::debugBackStep,
+         CommandId::debugBackBreakpoint, CommandId::debugBackChange, CommandId::debugNewRoad, CommandId::breakpoint,
+         CommandId::paneProfile, CommandId::besideProgram});
+    if (alive && oneIn(6)) clickEntry(someEntry(true));
+    for (std::uint64_t presses = 1 + below(4); presses > 0 && alive; presses--) {
+        command(oneOf(commands));
+        QTest::qWait(static_cast<int>(below(20)));
+    }
+}
+
 void sendItem() {
     if (oneIn(2)) clickEntry(someEntry(oneIn(2)));
     if (alive) command(oneOf(std::to_array({CommandId::transmit, CommandId::queue, CommandId::transmitQueue})));
@@ -271,10 +285,10 @@ struct Action {
     unsigned weight;
     void (*perform)();
 };
-constexpr Action actions[] = {{20, anyKey},    {20, clickAnywhere}, {8, dragAnywhere},   {12, selectEntry},
-                              {8, anyCommand}, {6, typeText},       {8, runProgram},     {6, sendItem},
-                              {4, undo},       {3, dropSamples},    {1, changeSettings}, {3, turnLine},
-                              {4, rest},       {1, changeWindow}};
+constexpr Action actions[] = {{20, anyKey},    {20, clickAnywhere}, {8, dragAnywhere}, {12, selectEntry},
+                              {8, anyCommand}, {6, typeText},       {8, runProgram},   {8, debugProgram},
+                              {6, sendItem},   {4, undo},           {3, dropSamples},  {1, changeSettings},
+                              {3, turnLine},   {4, rest},           {1, changeWindow}};
 
 void anyAction() {
     std::uint64_t total = 0;

@@ -38,6 +38,7 @@ struct Workbench : StartedShell {
         return stopped ? shownStop()->place.line : 0;
     }
 
+    static QString stopWords() { return mainWindow->findChild<QLabel *>(QStringLiteral("stopLine"))->text(); }
     static QTreeWidget *tableOf(const char *dock) {
         return mainWindow->findChild<QDockWidget *>(QString::fromLatin1(dock))->findChild<QTreeWidget *>();
     }
@@ -110,15 +111,26 @@ TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
     EXPECT_TRUE(QTest::qWaitFor([] { return shownStop() == nullptr; }, 3000));
     EXPECT_NE(stopAfter(CommandId::debugPause), 0);
 
-    // The text changes below the run: the mark goes, and the breakpoint with its statement.
+    // The text changes below the run: what is marked moves with its statements while one types, and the run, which has
+    // the old text, stops where it did.
+    const int next = shownStop()->place.line;
     QTextCursor cursor(programEdit->document());
     cursor.insertText(QStringLiteral("9\u2192C\n"));
     programEdit->setTextCursor(cursor);
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(4).sign == LineSign::breakpoint; }, 3000));
+    EXPECT_EQ(lineMarkOf(3).sign, LineSign::none);
+    EXPECT_TRUE(lineMarkOf(next + 1).isNext);
+    ASSERT_EQ(programEdit->extraSelections().size(), 1);
+    EXPECT_EQ(programEdit->extraSelections()[0].cursor.blockNumber(), next);
     handleCommand(CommandId::rename);
     finishLabelEdit();
     EXPECT_EQ(lineMarkOf(4).sign, LineSign::breakpoint);
-    EXPECT_EQ(lineMarkOf(3).sign, LineSign::none);
-    EXPECT_EQ(countTextMarks(MarkLayer::statements), 0);
+    point = breakpointsOfItem(program).at(0);
+    point.condition.clear();
+    EXPECT_TRUE(breakpointChange(point));
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 3);
+    point.condition = "A=5";
+    EXPECT_TRUE(breakpointChange(point));
     QTest::keyClick(mainWindow, Qt::Key_F7);
 
     endProgram();
@@ -145,7 +157,12 @@ TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
     handleCommand(CommandId::besideProgram);
     EXPECT_EQ(emulatorWindow->parentWidget(), clientArea);
     EXPECT_FALSE(paneShown(Pane::variables));
-    EXPECT_TRUE(emulatorRunning) << "over the view it goes on";
+    EXPECT_NE(shownStop(), nullptr) << "it stands still until it is told to go on";
+    EXPECT_TRUE(stopWords().contains(textOf(Text::stopOverView)));
+    handleCommand(CommandId::debugGoOn);
+    EXPECT_TRUE(emulatorRunning);
+    EXPECT_FALSE(runIsFollowed()) << "over the view";
+    EXPECT_TRUE(stopWords().isEmpty());
     handleCommand(CommandId::besideProgram);
     EXPECT_NE(stopAfter(CommandId::debugPause), 0);
     endProgram();
@@ -160,6 +177,45 @@ TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
     answer(wording(Text::ok));
     handleCommand(CommandId::remove);
     EXPECT_FALSE(emulatorRunning) << "its program is gone";
+}
+
+TEST_F(Workbench, TellsWhatARunWaitsFor) {
+    show(addWords("ASK", "?\\->A"));
+    handleCommand(CommandId::besideProgram);
+    handleCommand(CommandId::debugGoOn);
+    EXPECT_TRUE(QTest::qWaitFor([] { return stopWords() == textOf(Text::debugWaitsInput); }, 3000))
+        << stopWords().toStdString();
+    QTest::keyClick(emulatorWindow, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([] { return stopWords() == textOf(Text::debugEnded); }, 3000))
+        << stopWords().toStdString();
+    QTest::keyClick(treeView, Qt::Key_Escape);
+    QTest::qWait(20);
+    EXPECT_TRUE(emulatorRunning) << "Escape in the tree is none of the run's";
+    handleCommand(CommandId::debugEnd);
+    EXPECT_FALSE(emulatorRunning);
+}
+
+TEST_F(Workbench, ABadConditionIsToldAndTheOldOneStays) {
+    const ItemId program = addWords("LOOP", "\\Do\rA+1\\->A\r\\LpWhile 1");
+    show(program);
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    lineNumberClicked(2);
+    EXPECT_TRUE(QTest::qWaitFor([] { return tableOf("breakpointsDock")->topLevelItemCount() == 1; }, 3000));
+    const auto *fault = mainWindow->findChild<QLabel *>(QStringLiteral("breakpointFault"));
+    const auto conditionAfter = [&](const QString &typed) {
+        tableOf("breakpointsDock")->topLevelItem(0)->setText(1, typed);
+        QTest::qWait(20);
+        return breakpointsOfItem(program).at(0).condition;
+    };
+    EXPECT_EQ(conditionAfter(QStringLiteral("A>3")), "A>3");
+    EXPECT_FALSE(fault->isVisibleTo(fault->parentWidget()));
+    EXPECT_EQ(conditionAfter(QStringLiteral("A>")), "A>3");
+    EXPECT_TRUE(fault->isVisibleTo(fault->parentWidget()));
+    EXPECT_TRUE(fault->text().contains(QStringLiteral("Syn ERROR"))) << fault->text().toStdString();
+    EXPECT_EQ(tableOf("breakpointsDock")->topLevelItem(0)->text(1), QStringLiteral("A>3"));
+    EXPECT_EQ(conditionAfter(QString()), "");
+    EXPECT_FALSE(fault->isVisibleTo(fault->parentWidget()));
+    EXPECT_TRUE(shown.empty()) << "no box";
 }
 
 }  // namespace numalink

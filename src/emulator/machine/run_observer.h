@@ -29,6 +29,9 @@ struct RunObserver {
     // The run has been left: every program in progress is out, and what it did on its way out is of no account. Puts
     // machine and calls where the run is to go on (run_calls.h); false ends it.
     bool (*goesOnElsewhere)();
+    // In a pass of long work within a statement, where observerLook.fromStatement is 0. It may block as
+    // beforeStatement.
+    void (*within)();
     void (*reported)(const char *text);  // behind each report
     void (*screenModeChanged)(int mode);
     // In the place of takeWaitKey, takeGetKey and the clock, so that they can be kept and given again.
@@ -47,7 +50,7 @@ inline const RunObserver *observing() { return runObserver.load(std::memory_orde
 // Which statements the observer is asked ahead of: from a count of statements on, and those whose first cell has a
 // mark. Run thread, or any while no run is on or the observer blocks.
 struct ObserverLook {
-    std::atomic<std::uint64_t> fromStatement = 0;  // of machine.statementsRun; any thread may set it to 0
+    std::atomic<std::uint64_t> fromStatement = 0;  // of machine.statementsRun; any thread may set it to 0: at once
     const std::uint8_t *const *marks = nullptr;    // of each program, of each cell: not 0: ask. Null: no marks
 };
 extern ObserverLook observerLook;

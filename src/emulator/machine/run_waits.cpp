@@ -45,6 +45,13 @@ bool takeWork() {
         return !gaveUp;
     }
     if (workLimit != 0 && workDone++ >= workLimit) runHalt(RunEnd::limit);
+    return workGoesOn();
+}
+
+bool workGoesOn() {
+    if (observerLook.fromStatement.load(std::memory_order_relaxed) == 0 && !aside) {
+        if (const RunObserver *observer = observing()) observer->within();
+    }
     return runGoesOn();
 }
 

@@ -35,6 +35,9 @@ void waitPassSleep(std::uint64_t milliseconds);
 // The pace of a pass: at full speed it sleeps as long, since nobody is served by a processor that spins on a wait.
 void waitPassPace(int units);
 
+// The head of each pass of long work within a statement: runGoesOn, behind a look at whether an observer wants to stop
+// here.
+bool workGoesOn();
 // Ahead of each evaluation of an expression that a call repeats: false when the run doesn't go on. A run that has a
 // limit of statements has one of these too, and ends there.
 bool takeWork();

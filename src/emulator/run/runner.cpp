@@ -292,6 +292,7 @@ void waitLikeAPoll(std::uint64_t since) {
     if (fullSpeed) return;
     const std::uint64_t past = (tickCount() - since) % callPoll;
     waitPassSleep(callPoll - past);
+    workGoesOn();
 }
 
 void callLoaded(int program) {
@@ -305,8 +306,8 @@ void callLoaded(int program) {
         fullSpeed = settingsInt(setting::fullSpeed) == 1;
     }
     runStatements(*calls[static_cast<std::size_t>(nextCall - 1)]);
+    nextCall--;  // it stands in the caller's Prog while it waits
     waitLikeAPoll(start);
-    nextCall--;
 }
 
 void callProgram(std::string_view name) {

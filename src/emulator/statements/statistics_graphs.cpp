@@ -272,7 +272,7 @@ void putMark(StatMark mark, int column, int row, PixelColor color) {
 }
 
 void drawMarks(const Plot &plot) {
-    for (std::size_t i = 0; i < plot.sample.x.size() && runGoesOn(); i++) {
+    for (std::size_t i = 0; i < plot.sample.x.size() && workGoesOn(); i++) {
         if (plot.sample.ofX().weight(i) > 0)
             putMark(plot.setUp->mark, columnAt(plot.sample.x[i]), rowAt(plot.sample.y[i]), plot.setUp->color);
     }
@@ -283,7 +283,7 @@ CurvePen penOf(const Plot &plot) { return {wholeFrame(), plot.setUp->color, Line
 void drawJoined(const Plot &plot) {
     drawMarks(plot);
     CurvePen pen = penOf(plot);
-    for (std::size_t i = 0; i < plot.sample.x.size() && runGoesOn(); i++) pen.to(plot.sample.x[i], plot.sample.y[i]);
+    for (std::size_t i = 0; i < plot.sample.x.size() && workGoesOn(); i++) pen.to(plot.sample.x[i], plot.sample.y[i]);
 }
 
 void drawBars(const Plot &plot) {
@@ -300,7 +300,7 @@ void drawBars(const Plot &plot) {
 
 void drawBroken(const Plot &plot) {
     CurvePen pen = penOf(plot);
-    for (std::size_t bar = 0; bar < plot.bars.heights.size() && runGoesOn(); bar++)
+    for (std::size_t bar = 0; bar < plot.bars.heights.size() && workGoesOn(); bar++)
         pen.to(plot.bars.middle(bar), plot.bars.heights[bar]);
 }
 
@@ -331,7 +331,7 @@ template <typename Curve>
 void drawCurve(const Plot &plot, const Curve &curve) {
     const GraphFrame frame = wholeFrame();
     CurvePen pen = penOf(plot);
-    for (int column = 1; column <= frame.width && runGoesOn(); column++)
+    for (int column = 1; column <= frame.width && workGoesOn(); column++)
         pen.toColumn(column, curve(columnX(frame, column)));
 }
 

@@ -75,7 +75,7 @@ const GraphFunction *dynamicFunction() {
 bool waitForNextValue() {
     constexpr int passesOf[] = {40, 0, 80};  // of an input: normal, fast, slow
     if (graphs.dynamicSpeed != DynamicSpeed::byKey) {
-        for (int i = 0; i < passesOf[static_cast<int>(graphs.dynamicSpeed)] && runGoesOn(); i++)
+        for (int i = 0; i < passesOf[static_cast<int>(graphs.dynamicSpeed)] && workGoesOn(); i++)
             waitPassPace(paceUnits::inputPass);
         return runGoesOn();
     }

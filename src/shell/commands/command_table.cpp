@@ -27,6 +27,7 @@
 #include "shell/help/reference_window.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
 #include "shell/run/recording.h"
@@ -77,6 +78,8 @@ template <int factor>
 void speedTo() {
     chooseSpeed(factor);
 }
+
+QString endRunWords() { return textOf(Text::menuEndRun) + QStringLiteral("\tF7"); }
 
 bool runIsStopped() { return shownStop() != nullptr; }
 
@@ -497,6 +500,14 @@ constexpr Command commands[] = {
      .keyWhileRunning = true,
      .enabled = canPause,
      .run = debugPauseRun},
+    // Its key is that of CommandId::emulate, which starts as well.
+    {.id = CommandId::debugEnd,
+     .menu = debug,
+     .text = Text::menuEndRun,
+     .tip = Text::tipEndRun,
+     .enabled = emulatorShown,
+     .words = endRunWords,
+     .run = endRun},
     {.id = CommandId::debugStep,
      .menu = debug,
      .separatorAhead = true,
@@ -714,10 +725,10 @@ constexpr Command commands[] = {
 };
 
 constexpr ToolbarButton debugButtons[] = {
-    {.id = CommandId::debugGoOn, .image = "debug-go"},     {.id = CommandId::debugPause, .image = "debug-pause"},
-    {.id = CommandId::debugStep, .image = "debug-step"},   {.id = CommandId::debugStepOver, .image = "debug-over"},
-    {.id = CommandId::debugStepOut, .image = "debug-out"}, {.id = CommandId::debugBackStep, .image = "debug-back"},
-    {.id = CommandId::breakpoint, .image = "debug-point"},
+    {.id = CommandId::debugGoOn, .image = "debug-go"},       {.id = CommandId::debugPause, .image = "debug-pause"},
+    {.id = CommandId::debugEnd, .image = "debug-end"},       {.id = CommandId::debugStep, .image = "debug-step"},
+    {.id = CommandId::debugStepOver, .image = "debug-over"}, {.id = CommandId::debugStepOut, .image = "debug-out"},
+    {.id = CommandId::debugBackStep, .image = "debug-back"}, {.id = CommandId::breakpoint, .image = "debug-point"},
 };
 
 constexpr ToolbarButton buttons[] = {

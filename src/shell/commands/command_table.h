@@ -60,6 +60,7 @@ enum class CommandId {
     paneProfile,
     debugGoOn,
     debugPause,
+    debugEnd,
     debugStep,
     debugStepOver,
     debugStepOut,

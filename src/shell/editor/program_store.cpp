@@ -186,6 +186,15 @@ void forgetOpenedProgram() {
     releaseDraft();
 }
 
+Bytes imageOnView() {
+    std::vector<LineBytes> lines;
+    for (QTextBlock block = programEdit->document()->begin(); block.isValid(); block = block.next()) {
+        ViewLine line;
+        lines.push_back(lineBytes(readBlock(block, line)));
+    }
+    return imageOfLines(lines);
+}
+
 bool storeEditedProgram() {
     ReadText read;
     if (tryToStore(read)) return true;

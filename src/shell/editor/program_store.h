@@ -9,6 +9,9 @@ namespace numalink {
 void takeOpenedProgram(const StoredItem &item);
 void forgetOpenedProgram();
 
+// The bytes of the text on view as it stands, without a checksum; of a line that can't be stored, what can be read.
+Bytes imageOnView();
+
 // Stores the text on view. False with the cause told where it can't be: a character without a code (a box names
 // the line, the caret is put on the character), or a failed write. An item that has gone comes back under a free name.
 bool storeEditedProgram();

@@ -26,6 +26,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
 #include "text/lenient_text.h"
@@ -120,6 +121,7 @@ void contentsChanged() {
     state.lastCaret = caretNow();
     programTextChanged();
     updateLineNumbers();
+    programEdited();
 }
 
 void caretMoved() {

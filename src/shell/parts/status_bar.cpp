@@ -3,12 +3,10 @@
 #include <QLabel>
 #include <QLayout>
 #include <QMainWindow>
-#include <QPainter>
 #include <QProgressBar>
 #include <QStatusBar>
-#include <QStyle>
 
-#include "shell/parts/event_hook.h"
+#include "shell/parts/cut_label.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 
@@ -18,23 +16,12 @@ namespace {
 
 constexpr int progressWidth = 150, progressHeight = 18, linkFieldWidth = 200;
 
-// The text itself stays whole, for screen readers and for a field that becomes wider.
-bool paintCut(QWidget *widget, QEvent *event) {
-    auto *field = static_cast<QLabel *>(widget);
-    if (event->type() != QEvent::Paint || field->textFormat() != Qt::PlainText) return false;
-    QPainter painter(field);
-    const QString cut = field->fontMetrics().elidedText(field->text(), Qt::ElideRight, field->width());
-    field->style()->drawItemText(&painter, field->rect(), Qt::AlignLeft | Qt::AlignVCenter, field->palette(), true, cut,
-                                 field->foregroundRole());
-    return true;
-}
-
 QLabel *makeField(const char *name, int narrowest) {
     auto *field = new QLabel;
     field->setObjectName(QString::fromLatin1(name));
     field->setTextFormat(Qt::PlainText);
     field->setMinimumWidth(narrowest);
-    hookEvents(field, paintCut);
+    cutToWidth(field);
     return field;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
@@ -16,7 +17,6 @@
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/pane_parts.h"
 #include "store/item_store.h"
-#include "telling/tell_user.h"
 
 namespace numalink {
 
@@ -28,6 +28,7 @@ constexpr int idRole = Qt::UserRole;
 struct BreakpointsPane {
     QTreeWidget *table = nullptr;  // its dock's, as is the next
     QLineEdit *target = nullptr;
+    QLabel *fault = nullptr;  // what was wrong with the last entry
     bool filling = false;
 };
 BreakpointsPane state;
@@ -49,19 +50,33 @@ std::optional<Breakpoint> pointOf(const QTreeWidgetItem *row) {
     return std::nullopt;
 }
 
-void edited(QTreeWidgetItem *row, int) {
-    if (state.filling) return;
-    std::optional<Breakpoint> point = pointOf(row);
-    if (!point) return;
-    point->enabled = row->checkState(placeColumn) == Qt::Checked;
-    point->condition = row->text(conditionColumn).trimmed().toStdString();
+void tellFault(const QString &words) {
+    state.fault->setText(words);
+    state.fault->setVisible(!words.isEmpty());
+}
+
+// What the row has now; words where it can't be.
+QString takeRow(const QTreeWidgetItem *row, Breakpoint point) {
+    point.enabled = row->checkState(placeColumn) == Qt::Checked;
+    const std::string condition = row->text(conditionColumn).trimmed().toStdString();
+    if (!condition.empty() && condition != point.condition) {
+        const std::string fault = conditionFault(condition);
+        if (!fault.empty()) return textOf(Text::conditionWrong, {condition, fault});
+    }
+    point.condition = condition;
     bool isNumber = true;
     const QString count = row->text(countColumn).trimmed();
-    point->count = count.isEmpty() ? 0 : count.toULongLong(&isNumber);
-    if (!isNumber)
-        tellUser(Text::debugNotANumber);
-    else if (!breakpointChange(*point))
-        tellUser(Text::breakpointUnreadable);
+    point.count = count.isEmpty() ? 0 : count.toULongLong(&isNumber);
+    if (!isNumber) return textOf(Text::debugNotANumber);
+    breakpointChange(point);
+    return {};
+}
+
+void edited(QTreeWidgetItem *row, int) {
+    if (state.filling) return;
+    const std::optional<Breakpoint> point = pointOf(row);
+    if (!point) return;
+    tellFault(takeRow(row, *point));
     QMetaObject::invokeMethod(state.table, refreshBreakpoints, Qt::QueuedConnection);
 }
 
@@ -77,11 +92,9 @@ void addOfData() {
     if (target.empty()) return;
     Breakpoint point;
     point.target = target;
-    if (breakpointAdd(point) == 0) {
-        tellUser(Text::breakpointUnreadable);
-    } else {
-        state.target->clear();
-    }
+    const bool isAdded = breakpointAdd(point) != 0;
+    tellFault(isAdded ? QString() : textOf(Text::changeWrong, {target}));
+    if (isAdded) state.target->clear();
 }
 
 bool tableEvent(QWidget *, QEvent *event) {
@@ -99,10 +112,16 @@ QWidget *makeBreakpointsPane() {
     state.table = makePaneTable({textOf(Text::columnPlace), textOf(Text::columnCondition), textOf(Text::columnFromHit),
                                  textOf(Text::columnHits)});
     state.table->setRootIsDecorated(false);
-    state.table->setColumnWidth(placeColumn, 240);
     state.table->setAccessibleName(textOf(Text::paneBreakpoints).remove(QLatin1Char('&')));
     editColumns(state.table, conditionColumn, countColumn);
     layout->addWidget(state.table);
+    state.fault = new QLabel;
+    state.fault->setObjectName(QStringLiteral("breakpointFault"));
+    state.fault->setTextFormat(Qt::PlainText);
+    state.fault->setWordWrap(true);
+    state.fault->setMargin(4);
+    state.fault->hide();
+    layout->addWidget(state.fault);
     state.target = new QLineEdit;
     state.target->setPlaceholderText(textOf(Text::breakpointsChange));
     state.target->setToolTip(textOf(Text::breakpointsChange).toHtmlEscaped());
@@ -134,6 +153,7 @@ void refreshBreakpoints() {
         row->setText(hitsColumn, QString::number(point.hits));
         if (picked && picked->id == point.id) state.table->setCurrentItem(row);
     }
+    fitColumns(state.table);
     state.filling = false;
 }
 

@@ -33,7 +33,6 @@ void goToCall(QTreeWidgetItem *row) {
 QWidget *makeCallsPane() {
     state.table = makePaneTable({textOf(Text::columnPlace), textOf(Text::columnStatement)});
     state.table->setRootIsDecorated(false);
-    state.table->setColumnWidth(0, 240);
     QObject::connect(state.table, &QTreeWidget::itemActivated, state.table, goToCall);
     return state.table;
 }
@@ -50,6 +49,12 @@ void refreshCalls() {
                                                       std::to_string(place.statement + 1)}),
                              toQt(statementText(place.program, cell))});
     }
+    fitColumns(state.table);
+}
+
+void forgetCalls() {
+    state.calls.clear();
+    state.table->clear();
 }
 
 void forgetCallsPane() { state = {}; }

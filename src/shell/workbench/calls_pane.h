@@ -7,6 +7,7 @@ namespace numalink {
 
 QWidget *makeCallsPane();
 void refreshCalls();
+void forgetCalls();  // those that are shown
 void forgetCallsPane();
 
 }  // namespace numalink

@@ -29,7 +29,8 @@ namespace numalink {
 
 namespace {
 
-constexpr int patience = 150;  // milliseconds that a step may take before the panes turn grey
+// Milliseconds: that a step may take before the panes turn grey, and from an edit of the text to a look at it.
+constexpr int patience = 150, editPatience = 30;
 
 struct Debugging {
     bool follows = false;
@@ -37,11 +38,16 @@ struct Debugging {
     bool firstError = false;
     bool isStopped = false;
     DebugStop stop;
+    unsigned stops = 0;       // that were shown
     unsigned told = 0;        // states told, so that a late look knows that it is out of date
     ItemId started = noItem;  // what the run began with
     ItemId shown = noItem;    // what a stop has brought to view
     std::set<ItemId> storedSince;
-    bool keepTold = false;  // that the breakpoints can't be kept has been told
+    RunEnd waitsAt = RunEnd::running;
+    bool keepTold = false;   // that the breakpoints can't be kept has been told
+    bool keepDue = false;    // they have moved with a text that isn't stored yet
+    bool editSeen = true;    // no look at an edit is due
+    bool following = false;  // the edited text, by a look at it
 };
 Debugging state;
 
@@ -75,6 +81,7 @@ void takeState() {
     if (!state.follows) return;
     state.told++;
     state.isStopped = debugState() == DebugState::stopped;
+    state.waitsAt = debugWaitsAt();
     if (!state.isStopped) {
         QTimer::singleShot(patience, qApp, [told = state.told] {
             if (state.told == told) tellChange();
@@ -82,6 +89,7 @@ void takeState() {
         return;
     }
     state.stop = debugStop();
+    state.stops++;
     showProgramOf(state.stop.place);
     tellChange();
 }
@@ -98,7 +106,7 @@ void follow() {
     state.storedSince.clear();
     state.started = selectedItemId();
     state.shown = noItem;
-    breakpointsFollowLoaded();
+    state.waitsAt = RunEnd::running;
     debugBegin(optionsNow());
     state.stopAtEntry = false;
     tellChange();
@@ -115,6 +123,13 @@ void followNoMore() {
     if (goBack && storeReadEntry(started)) selectItem(started);
 }
 
+// Over the view the run goes on by itself.
+void followOverView() {
+    state.follows = state.isStopped = false;
+    debugEnd();
+    tellChange();
+}
+
 // The calculator beside the program, and the run that is on followed.
 bool beginFollowing() {
     if (!showBesideProgram(true)) return false;
@@ -125,7 +140,7 @@ bool beginFollowing() {
 
 // For commands that move a run: true where one is stopped; else one starts, if it can.
 bool stoppedOrStarts() {
-    if (emulatorShown() && state.follows) return state.isStopped;
+    if (emulatorShown() && state.follows) return state.isStopped && beginFollowing();
     if (emulatorShown() || selectedKind() != kind::program || !storeProgramFirst()) return false;
     if (!beginFollowing()) return false;
     state.stopAtEntry = true;
@@ -135,6 +150,7 @@ bool stoppedOrStarts() {
 }
 
 void keepBreakpoints() {
+    state.keepDue = false;
     if (breakpointsSave(libraryFolder())) {
         state.keepTold = false;
     } else if (!state.keepTold) {
@@ -144,32 +160,68 @@ void keepBreakpoints() {
 }
 
 void breakpointsAreOthers() {
+    if (state.following) state.keepDue = true;
     QMetaObject::invokeMethod(
         qApp,
         [] {
             if (mainWindow == nullptr) return;
-            keepBreakpoints();
+            if (!state.keepDue) keepBreakpoints();
             tellChange();
         },
         Qt::QueuedConnection);
 }
 
-void programIsStored(ItemId id) {
+void followStored(ItemId id) {
     StoredItem item;
+    if (!breakpointsOfItem(id).empty() && storeReadItem(id, item)) breakpointsFollow(id, item.data);
+}
+
+void programIsStored(ItemId id) {
     if (state.follows) state.storedSince.insert(id);
-    if (storeReadItem(id, item)) breakpointsFollow(id, item.data);
+    followStored(id);
+    if (state.keepDue) keepBreakpoints();
     tellChange();
 }
 
 void programIsOpened() {
-    StoredItem item;
-    if (storeReadItem(viewItemId, item)) breakpointsFollow(viewItemId, item.data);
+    followStored(viewItemId);
     tellChange();
+}
+
+// What moves with the text is kept once that is stored.
+void lookAtEdit() {
+    state.editSeen = true;
+    if (mainWindow == nullptr || viewKind != kind::program) return;
+    if (!breakpointsOfItem(viewItemId).empty()) {
+        state.following = true;
+        breakpointsFollow(viewItemId, imageOnView());
+        state.following = false;
+    }
+    marksMoved();
+}
+
+void programIsEdited() {
+    if (!std::exchange(state.editSeen, false)) return;
+    QTimer::singleShot(editPatience, qApp, lookAtEdit);
 }
 
 void toggleAt(int line, int statement) {
     if (viewKind != kind::program || !storeProgramFirst()) return;
     breakpointToggle(viewItemId, line, statement);
+    followStored(viewItemId);  // so that it knows its statement
+}
+
+// The caret's statement in the run, whose text may be an older one.
+std::optional<DebugPlace> caretInRun() {
+    const TextStatement at = statementAtCaret();
+    return placeInRun(
+        {.item = viewItemId, .program = programOfItem(viewItemId), .line = at.line, .statement = at.statement},
+        imageOnView());
+}
+
+void runToCaret() {
+    if (shownStop() == nullptr) return;
+    if (const std::optional<DebugPlace> place = caretInRun()) debugRunTo(*place);
 }
 
 }  // namespace
@@ -184,6 +236,8 @@ void loadBreakpoints() {
     for (const Breakpoint &point : breakpoints())
         if (point.item != noItem && !storeReadEntry(point.item)) breakpointRemove(point.id);
     breakpointsChanged = breakpointsAreOthers;
+    state.keepDue = false;
+    shownValuesForgotten();
     tellChange();
 }
 
@@ -193,6 +247,7 @@ void connectDebugging() {
     runIsOver = followNoMore;
     programOpened = programIsOpened;
     programStored = programIsStored;
+    programEdited = programIsEdited;
     lineNumberClicked = toggleBreakpointOfLine;
     loadBreakpoints();
 }
@@ -200,7 +255,8 @@ void connectDebugging() {
 void forgetDebugging() {
     debugStateChanged = nullptr;
     breakpointsChanged = nullptr;
-    runBegins = runIsOver = programOpened = debuggingChanged = [] {};
+    runBegins = runIsOver = programOpened = programEdited = [] {};
+    debuggingChanged = marksMoved = shownValuesForgotten = [] {};
     programStored = [](ItemId) {};
     lineNumberClicked = [](int) {};
     lineMarkOf = [](int) { return LineMark{}; };
@@ -211,7 +267,9 @@ void forgetDebugging() {
 }
 
 const DebugStop *shownStop() { return state.follows && state.isStopped ? &state.stop : nullptr; }
+unsigned shownStopNumber() { return state.stops; }
 bool runIsFollowed() { return state.follows; }
+RunEnd runWaitsAt() { return state.waitsAt; }
 bool storedSinceStart(ItemId item) { return state.storedSince.contains(item); }
 
 void stopAtFirstError(bool stop) {
@@ -228,6 +286,7 @@ void debugGoOn() {
     if (state.follows) {
         if (!state.isStopped) return;
         emulatorWindow->setFocus();  // its keys are for the program now, not for the text
+        if (!besideProgram()) return followOverView();
         debugStep(DebugStep::onward);
         return;
     }
@@ -245,23 +304,13 @@ void debugStepBy(DebugStep step) {
 
 void debugToCaret() {
     if (viewKind != kind::program) return;
-    const TextStatement at = statementAtCaret();
-    if (!emulatorShown()) {
-        if (!stoppedOrStarts() && !emulatorShown()) return;
-        // The run that has just begun stops ahead of its first statement; it goes on to here from there.
-        QTimer::singleShot(patience, qApp, [at, item = viewItemId] {
-            if (shownStop() != nullptr)
-                debugRunTo({.item = item, .program = programOfItem(item), .line = at.line, .statement = at.statement});
-        });
-        return;
-    }
-    if (shownStop() != nullptr)
-        debugRunTo(
-            {.item = viewItemId, .program = programOfItem(viewItemId), .line = at.line, .statement = at.statement});
+    if (emulatorShown()) return runToCaret();
+    // The run that has just begun stops ahead of its first statement; it goes on to here from there.
+    if (stoppedOrStarts() || emulatorShown()) QTimer::singleShot(patience, qApp, runToCaret);
 }
 
 void debugBackBy(DebugBack back, const std::string &target) {
-    if (shownStop() != nullptr) debugBack(back, target);
+    if (shownStop() != nullptr && beginFollowing()) debugBack(back, target);
 }
 
 void debugTakeNewRoad() {
@@ -279,15 +328,17 @@ void toggleBreakpoint() {
 void toggleBreakpointOfLine(int line) { toggleAt(line, 0); }
 
 void toggleBeside() {
-    if (state.follows && besideProgram()) {
-        // Over the view nothing can be stepped through: the run goes on by itself.
-        state.follows = state.isStopped = false;
-        debugEnd();
-    }
     const bool beside = !besideProgram();
-    if (showBesideProgram(beside) && beside && emulatorShown()) follow();
+    if (!showBesideProgram(beside)) return;
+    // Over the view nothing is stepped through. What stands still stays so until it is told to go on.
+    if (!beside && state.follows && !state.isStopped) followOverView();
+    if (beside && emulatorShown() && !state.follows) follow();
     showWorkbench(besideProgram());
     tellChange();
+}
+
+void endRun() {
+    if (emulatorShown()) emulatorToggle();
 }
 
 bool canGoOn() { return emulatorShown() ? shownStop() != nullptr : selectedKind() == kind::program; }

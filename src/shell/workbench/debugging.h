@@ -13,7 +13,9 @@ void loadBreakpoints();   // of the library that is open, in place of those of a
 void forgetDebugging();
 
 const DebugStop *shownStop();  // where the followed run stands; null while it goes on, or there is none
+unsigned shownStopNumber();    // of the last stop: another with each, whatever else is told anew
 bool runIsFollowed();
+RunEnd runWaitsAt();  // of a followed run that goes on: the wait that it is in; running: none
 // The text of this item was stored anew since the run began, so that places of the run no longer fit it.
 bool storedSinceStart(ItemId item);
 void stopAtFirstError(bool stop);
@@ -22,6 +24,10 @@ void debugPanesChanged();  // a run is recorded while a pane is shown
 
 // After each change of the above, of the breakpoints, and when another program is on view.
 inline void (*debuggingChanged)() = [] {};
+// While the program on view is edited: what is marked in it moves.
+inline void (*marksMoved)() = [] {};
+// Another library is open: what was shown of runs goes.
+inline void (*shownValuesForgotten)() = [] {};
 
 // The panes stand above this, and say here how they come and go, and whether one is shown.
 inline void (*showWorkbench)(bool show) = [](bool) {};
@@ -37,6 +43,7 @@ void debugTakeNewRoad();
 void toggleBreakpoint();                // at the caret
 void toggleBreakpointOfLine(int line);  // its first statement
 void toggleBeside();
+void endRun();
 
 // Whether they can do anything.
 bool canGoOn();

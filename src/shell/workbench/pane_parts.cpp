@@ -1,8 +1,10 @@
 #include "shell/workbench/pane_parts.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "shell/parts/fonts.h"
 
@@ -16,6 +18,10 @@ constexpr int indentation = 12;  // pixels a level: panes are narrow
 class PaneTable : public QTreeWidget {
 public:
     int firstEdited = 1, lastEdited = 0;  // none
+    bool fitting = false;                 // the widths change by our own doing
+    bool userSized = false;
+
+    int wantedWidth(int column) const { return std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)); }
 
 protected:
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override {
@@ -44,7 +50,24 @@ QTreeWidget *makePaneTable(const QStringList &columns) {
     table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
     table->header()->setStretchLastSection(true);
+    for (int column = 0; column < table->columnCount(); column++)
+        table->setColumnWidth(column, table->header()->sectionSizeHint(column));
+    QObject::connect(table->header(), &QHeaderView::sectionResized, table, [table](int column, int, int) {
+        const bool isLast = column == table->columnCount() - 1;
+        if (!table->fitting && !isLast && QApplication::mouseButtons() != Qt::NoButton) table->userSized = true;
+    });
     return table;
+}
+
+void fitColumns(QTreeWidget *table) {
+    auto *pane = static_cast<PaneTable *>(table);
+    if (pane->userSized) return;
+    pane->fitting = true;
+    for (int column = 0; column + 1 < pane->columnCount(); column++) {
+        const int width = std::min(pane->wantedWidth(column), pane->viewport()->width() / 2);
+        if (!pane->isColumnHidden(column) && pane->columnWidth(column) < width) pane->setColumnWidth(column, width);
+    }
+    pane->fitting = false;
 }
 
 void editColumns(QTreeWidget *table, int first, int last) {

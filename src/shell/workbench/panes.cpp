@@ -128,7 +128,9 @@ void makeDock(std::size_t index) {
     hookEvents(dock.widget, dockEvent);
     // Also when its tab comes to the front.
     QObject::connect(dock.widget, &QDockWidget::visibilityChanged, dock.widget, [index](bool visible) {
-        if (visible) rows[index].refresh();
+        if (!visible) return;
+        takeProfile();
+        rows[index].refresh();
     });
     QObject::connect(dock.widget, &QDockWidget::dockLocationChanged, dock.widget, changed);
     QObject::connect(dock.widget, &QDockWidget::topLevelChanged, dock.widget, changed);
@@ -157,9 +159,16 @@ void arrange() {
 }
 
 void refreshShown() {
+    takeProfile();
     showStopInProgram();
     for (std::size_t i = 0; i < std::size(rows); i++)
         if (state.docks[i].widget->isVisible()) rows[i].refresh();
+}
+
+void forgetShownValues() {
+    forgetValues();
+    forgetCalls();
+    forgetProfiles();
 }
 
 }  // namespace
@@ -171,6 +180,8 @@ void makePanes() {
     arrange();
     makeStopLine();
     debuggingChanged = refreshShown;
+    marksMoved = showStopInProgram;
+    shownValuesForgotten = forgetShownValues;
     showWorkbench = showPanes;
     anyPaneShown = panesShown;
     if (besideProgram()) showPanes(true);

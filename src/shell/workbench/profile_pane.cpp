@@ -13,7 +13,6 @@
 #include <QTreeWidgetItem>
 #include <map>
 
-#include "debugger/profile.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -98,12 +97,12 @@ void goTo(QTreeWidgetItem *row) {
 void count(bool on) {
     on ? profileStart() : profileStop();
     debuggingChanged();
-    refreshProfile();
 }
 
 void keep() {
+    takeProfile();
     state.before.clear();
-    for (const ProfileRow &row : profileReport().rows) state.before[keyOf(row)] += row.paceUnits;
+    for (const ProfileRow &row : state.shown.rows) state.before[keyOf(row)] += row.paceUnits;
     state.hasBefore = true;
     state.table->setColumnHidden(beforeColumn, false);
     refreshProfile();
@@ -164,7 +163,9 @@ QWidget *makeProfilePane() {
     state.timer = new QTimer(pane);
     state.timer->setInterval(lookAgain);
     QObject::connect(state.timer, &QTimer::timeout, pane, [] {
-        if (state.table->isVisible() && shownStop() == nullptr) refreshProfile();
+        if (!state.table->isVisible() || shownStop() != nullptr) return;
+        takeProfile();
+        refreshProfile();
     });
     return pane;
 }
@@ -172,16 +173,29 @@ QWidget *makeProfilePane() {
 void refreshProfile() {
     const bool counting = profileIsOn() && runIsFollowed();
     counting ? state.timer->start() : state.timer->stop();
-    if (!profileIsOn()) return;
-    state.shown = profileReport();
     state.table->setSortingEnabled(false);
     state.table->clear();
     for (const ProfileRow &row : state.shown.rows)
         if (row.count > 0) addRow(row);
     state.table->setSortingEnabled(true);
+    fitColumns(state.table);
     state.total->setText(textOf(
         Text::profileTotal, {QLocale().toString(static_cast<qulonglong>(state.shown.count)).toStdString(),
                              QLocale().toString(profileMilliseconds(state.shown.paceUnits), 'f', 1).toStdString()}));
+}
+
+void takeProfile() {
+    if (profileIsOn()) state.shown = profileReport();
+}
+
+const ProfileReport &takenProfile() { return state.shown; }
+
+void forgetProfiles() {
+    state.shown = {};
+    state.before.clear();
+    state.hasBefore = false;
+    state.table->setColumnHidden(beforeColumn, true);
+    refreshProfile();
 }
 
 void forgetProfilePane() {

@@ -10,12 +10,14 @@
 #include "debugger/breakpoints.h"
 #include "debugger/profile.h"
 #include "shell/editor/line_numbers.h"
+#include "shell/editor/program_store.h"
 #include "shell/editor/program_view.h"
 #include "shell/editor/statement_marks.h"
+#include "shell/parts/cut_label.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/run/emulator_window.h"
+#include "shell/run/emulator_place.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/profile_pane.h"
 
@@ -26,6 +28,10 @@ namespace {
 struct StopView {
     QToolBar *bar = nullptr;  // the main window's
     QLabel *line = nullptr;
+    bool barWanted = false;
+    // The stop that was brought into sight: later looks at it leave the text where it was scrolled to.
+    ItemId seenIn = noItem;
+    unsigned seen = 0;
     std::map<int, LineMark> lines;  // of the program on view
 };
 StopView state;
@@ -74,15 +80,32 @@ QString stopWords(const DebugStop &stop) {
     }
     if (storedSinceStart(place.item) || (place.item == viewItemId && programChanged()))
         words << textOf(Text::stopOldText);
+    if (!besideProgram()) words << textOf(Text::stopOverView);
     return words.join(QStringLiteral("  \u00B7  "));
+}
+
+QString runWords() {
+    switch (runWaitsAt()) {
+        case RunEnd::input:
+            return textOf(Text::debugWaitsInput);
+        case RunEnd::triangle:
+        case RunEnd::cursor:
+            return textOf(Text::debugWaitsKey);
+        case RunEnd::end:
+            return textOf(Text::debugEnded);
+        default:
+            return textOf(Text::debugRuns);
+    }
 }
 
 void showWords() {
     const DebugStop *stop = shownStop();
-    const QString words = stop != nullptr ? stopWords(*stop) : runIsFollowed() ? textOf(Text::debugRuns) : QString();
-    state.line->setText(words);
-    state.line->setToolTip(words.toHtmlEscaped());
+    setCutWords(state.line, stop != nullptr ? stopWords(*stop) : runIsFollowed() ? runWords() : QString());
+    state.bar->setVisible(state.barWanted || stop != nullptr);
 }
+
+// The text on view isn't the one that the run has.
+bool isOtherText() { return storedSinceStart(viewItemId) || programChanged(); }
 
 void addBreakpoints() {
     for (const Breakpoint &point : breakpointsOfItem(viewItemId)) {
@@ -94,10 +117,10 @@ void addBreakpoints() {
 }
 
 void addHeat() {
-    if (!profileIsOn()) return;
+    if (!profileIsOn() || isOtherText()) return;
     std::map<int, std::uint64_t> units, counts;
     std::uint64_t hottest = 0;
-    for (const ProfileRow &row : profileReport().rows) {
+    for (const ProfileRow &row : takenProfile().rows) {
         if (row.place.item != viewItemId) continue;
         counts[row.place.line] += row.count;
         hottest = std::max(hottest, units[row.place.line] += row.paceUnits);
@@ -111,25 +134,46 @@ void addHeat() {
     }
 }
 
-// The statements of the run in the program on view; none where its text has become another.
+void addNeverRun(std::vector<StatementMark> &marks) {
+    for (const ProfileRow &row : takenProfile().rows)
+        if (row.place.item == viewItemId && row.count == 0)
+            marks.push_back({row.place.line, row.place.statement, StatementLook::neverRun});
+}
+
+// Of the programs in progress; in a text that was edited since, where they are found again. The statement to come is
+// the last.
+void addCalls(std::vector<StatementMark> &marks, bool inOtherText) {
+    std::vector<DebugPlace> calls = debugCalls();
+    std::erase_if(calls, [](const DebugPlace &place) { return place.item != viewItemId; });
+    const auto isAgain = [&](const DebugPlace &place) {  // a program may have called itself many times
+        return &place != &*std::ranges::find(calls, place);
+    };
+    const Bytes image = inOtherText ? imageOnView() : Bytes();
+    for (auto call = calls.rbegin(); call != calls.rend(); ++call) {
+        if (isAgain(*call)) continue;
+        const std::optional<DebugPlace> place = inOtherText ? placeInText(*call, image) : *call;
+        const bool isNext = *call == shownStop()->place;
+        if (!place) continue;
+        marks.push_back({place->line, place->statement, isNext ? StatementLook::next : StatementLook::calling});
+        if (isNext) state.lines[place->line].isNext = true;
+    }
+}
+
 std::vector<StatementMark> marksOfRun() {
     std::vector<StatementMark> marks;
-    if (storedSinceStart(viewItemId) || programChanged()) return marks;
-    if (neverRunShown()) {
-        for (const ProfileRow &row : profileReport().rows)
-            if (row.place.item == viewItemId && row.count == 0)
-                marks.push_back({row.place.line, row.place.statement, StatementLook::neverRun});
-    }
-    const DebugStop *stop = shownStop();
-    if (stop == nullptr) return marks;
-    const std::vector<DebugPlace> calls = debugCalls();
-    for (std::size_t i = 1; i < calls.size(); i++)
-        if (calls[i].item == viewItemId) marks.push_back({calls[i].line, calls[i].statement, StatementLook::calling});
-    if (stop->place.item == viewItemId) {
-        marks.push_back({stop->place.line, stop->place.statement, StatementLook::next});
-        state.lines[stop->place.line].isNext = true;
-    }
+    const bool inOtherText = isOtherText();
+    if (neverRunShown() && !inOtherText) addNeverRun(marks);
+    if (shownStop() != nullptr) addCalls(marks, inOtherText);
     return marks;
+}
+
+// Once for each stop.
+void bringIntoSight(const std::vector<StatementMark> &marks) {
+    const bool isSeen = state.seen == shownStopNumber() && state.seenIn == viewItemId;
+    state.seenIn = viewItemId;
+    state.seen = shownStopNumber();
+    if (isSeen || marks.empty() || marks.back().look != StatementLook::next) return;
+    showStatement(marks.back().line, marks.back().statement);
 }
 
 }  // namespace
@@ -142,6 +186,7 @@ void makeStopLine() {
     state.line->setObjectName(QStringLiteral("stopLine"));
     state.line->setTextFormat(Qt::PlainText);
     state.line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    cutToWidth(state.line);
     // The bar would hide a widget whose words are too long for it: the frame takes what room there is, the words are
     // cut.
     auto *frame = new QWidget;
@@ -158,7 +203,10 @@ void makeStopLine() {
 
 QToolBar *debugBar() { return state.bar; }
 
-void showStopLine(bool show) { state.bar->setVisible(show); }
+void showStopLine(bool show) {
+    state.barWanted = show;
+    showWords();
+}
 
 void showStopInProgram() {
     state.lines.clear();
@@ -169,8 +217,7 @@ void showStopInProgram() {
         marks = marksOfRun();
     }
     markStatements(marks);
-    const DebugStop *stop = shownStop();
-    if (stop != nullptr && stop->place.item == viewItemId) showStatement(stop->place.line, stop->place.statement);
+    bringIntoSight(marks);
     repaintLineNumbers();
     showWords();
 }

@@ -22,7 +22,8 @@ struct VariablesPane {
     QTreeWidget *table = nullptr;  // its dock's
     QTreeWidgetItem *variables = nullptr, *window = nullptr, *modes = nullptr;
     bool filling = false;
-    std::uint64_t statement = 0;  // of the stop that is shown
+    unsigned stop = 0;        // the number of the one that is shown
+    bool isSameStop = false;  // what has changed up to it stays marked
 };
 VariablesPane state;
 
@@ -42,11 +43,16 @@ void dropChildren(QTreeWidgetItem *parent, int from) {
     while (parent->childCount() > from) delete parent->takeChild(parent->childCount() - 1);
 }
 
+// Since the stop before, whatever else is looked at anew.
+bool hasChanged(const QTreeWidgetItem *row, bool isOther) {
+    return isOther || (state.isSameStop && row->font(valueColumn).bold());
+}
+
 // What is another name's row now hasn't changed.
 void fillRow(QTreeWidgetItem *row, const QString &name, const ValueText &value, const QString &target) {
     const QString shown = toQt(value.shown).trimmed(), full = toQt(value.full);
     const bool sameName = row->text(nameColumn) == name;
-    const bool changed = sameName && row->text(fullColumn) != full;
+    const bool changed = hasChanged(row, sameName && row->text(fullColumn) != full);
     row->setText(nameColumn, name);
     row->setText(valueColumn, shown);
     row->setText(fullColumn, full);
@@ -66,7 +72,8 @@ void fillModes() {
     int index = 0;
     for (const NamedText &mode : debugModes()) {
         QTreeWidgetItem *row = childAt(state.modes, index++);
-        const bool changed = !row->text(valueColumn).isEmpty() && row->text(valueColumn) != toQt(mode.text);
+        const bool isOther = !row->text(valueColumn).isEmpty() && row->text(valueColumn) != toQt(mode.text);
+        const bool changed = hasChanged(row, isOther);
         row->setText(nameColumn, toQt(mode.name));
         row->setText(valueColumn, toQt(mode.text));
         markChanged(row, valueColumn, changed);
@@ -107,7 +114,8 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
         for (int column = 1; column <= array.columns; column++)
             cells << toQt(elementTextOf(debugElement(array, row, column)).shown).trimmed();
         const QString line = cells.join(QStringLiteral("   "));
-        markChanged(child, valueColumn, !child->text(valueColumn).isEmpty() && child->text(valueColumn) != line);
+        const bool isOther = !child->text(valueColumn).isEmpty() && child->text(valueColumn) != line;
+        markChanged(child, valueColumn, hasChanged(child, isOther));
         child->setText(nameColumn, QString::number(row));
         child->setText(valueColumn, line);
         child->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
@@ -135,11 +143,14 @@ void fillArrays() {
 }
 
 void fillAll() {
+    state.isSameStop = state.stop == shownStopNumber();
+    state.stop = shownStopNumber();
     state.filling = true;
     fillValues(state.variables, debugVariables());
     fillValues(state.window, debugWindow());
     fillModes();
     fillArrays();
+    fitColumns(state.table);
     state.filling = false;
 }
 
@@ -176,7 +187,6 @@ void edited(QTreeWidgetItem *row, int column) {
 QWidget *makeVariablesPane() {
     state.table = makePaneTable({textOf(Text::columnName), textOf(Text::columnValue), textOf(Text::columnInFull)});
     editColumns(state.table, valueColumn, fullColumn);
-    state.table->setColumnWidth(valueColumn, 110);
     state.variables = group(Text::paneVariables);
     state.window = group(Text::groupViewWindow);
     state.modes = group(Text::groupModes);
@@ -193,6 +203,12 @@ void refreshVariables() {
     state.table->setEnabled(stop != nullptr);
     if (stop == nullptr) return;
     fillAll();
+}
+
+void forgetValues() {
+    for (QTreeWidgetItem *row : {state.variables, state.window, state.modes}) dropChildren(row, 0);
+    while (state.table->topLevelItemCount() > groups) delete state.table->takeTopLevelItem(groups);
+    state.stop = 0;
 }
 
 void forgetVariablesPane() { state = {}; }

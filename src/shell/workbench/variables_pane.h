@@ -10,6 +10,7 @@ namespace numalink {
 
 QWidget *makeVariablesPane();
 void refreshVariables();
+void forgetValues();  // those that are shown
 void forgetVariablesPane();
 
 std::string pickedValue();  // the name of the selected value that can change; empty: none

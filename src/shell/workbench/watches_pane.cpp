@@ -26,7 +26,7 @@ WatchesPane state;
 
 ValueText valueNow(const QString &text) {
     const WatchExpression expression = readWatch(text.toStdString());
-    if (!expression.fault.empty()) return {expression.fault, {}};
+    if (!expression.fault.empty()) return {expression.fault, {}, {}};
     if (shownStop() == nullptr) return {};
     return watchText(evaluateWatch(expression));
 }
@@ -53,6 +53,7 @@ void fill() {
     last->setText(expressionColumn, textOf(Text::watchNew));
     last->setForeground(expressionColumn, state.table->palette().brush(QPalette::PlaceholderText));
     for (const int column : {valueColumn, fullColumn}) last->setText(column, QString());
+    fitColumns(state.table);
     state.filling = false;
 }
 
