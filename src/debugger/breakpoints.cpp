@@ -7,7 +7,9 @@
 #include "debugger/debugger.h"
 #include "debugger/values.h"
 #include "debugger/watches.h"
+#include "emulator/machine/machine.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "platform/lock.h"
 #include "telling/texts.h"
 
@@ -22,11 +24,14 @@ std::vector<Breakpoint> list GUARDED_BY(listLock);
 int lastId GUARDED_BY(listLock) = 0;
 std::atomic<std::uint64_t> version = 1;
 
-// By value it is looked at where the machine stands still. A report other than that of the syntax may depend on what
-// the machine holds by then.
+// By value it is looked at where the machine stands still, which between runs may be one that was never started. A
+// report other than that of the syntax may depend on what the machine holds by then.
 std::string faultOf(const std::string &condition, bool alsoByValue) {
     const WatchExpression expression = readWatch(condition);
-    if (!expression.fault.empty() || !alsoByValue || debugState() == DebugState::runs) return expression.fault;
+    const bool isFree = !emulatorRunning;
+    if (!expression.fault.empty() || !alsoByValue || !(isFree || debugState() == DebugState::stopped))
+        return expression.fault;
+    if (isFree) machineStart();
     const WatchValue value = evaluateWatch(expression);
     if (value.sort == WatchValue::Sort::number) return {};
     if (value.sort != WatchValue::Sort::error) return wording(Text::conditionNoNumber);

@@ -30,7 +30,8 @@ struct Breakpoint : KnownStatement {
 
 std::vector<Breakpoint> breakpoints();
 // What keeps an expression from being a condition, in the user's language; empty: nothing. Its value is looked at too,
-// but for a run that goes on meanwhile, which tells what is wrong where the condition is met.
+// but for a run that goes on meanwhile, which tells what is wrong where the condition is met. While no run is on, the
+// machine is started anew for it. On the thread of the commands.
 std::string conditionFault(const std::string &condition);
 // Adds it (id, hits and digests are set here) and gives its id; or 0 for what has neither line nor target, whose
 // target isn't known, or whose condition has a fault.

@@ -10,6 +10,7 @@
 #include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/run/mode_line.h"
 
 namespace numalink {
 
@@ -63,8 +64,8 @@ void placeEmulator() {
     if (beside == isBeside) return;
     const bool wasHidden = emulatorWindow->isHidden();
     if (beside) {
-        emulatorWindow->setMinimumSize(keypadWidth + frame, keypadHeight + frame);
         state.dock->setWidget(emulatorWindow);
+        fitEmulatorPlace();
         emulatorWindow->setVisible(!wasHidden);
         state.dock->setVisible(!wasHidden);
     } else {
@@ -76,6 +77,10 @@ void placeEmulator() {
         emulatorWindow->setVisible(!wasHidden);
         if (!wasHidden) emulatorWindow->raise();
     }
+}
+
+void fitEmulatorPlace() {
+    if (besideProgram()) emulatorWindow->setMinimumSize(keypadWidth + frame, keypadHeight + frame + modeLineHeight());
 }
 
 void showEmulatorPlace() {

@@ -11,6 +11,7 @@ void makeCalculatorDock();  // ahead of other docks, which come to stand below i
 void makeRoomBeside();      // a larger main window, where the screen has room; all of it stays on the screen
 void placeEmulator();       // moves emulatorWindow to the place that the setting names; hidden as it was
 void showEmulatorPlace();
+void fitEmulatorPlace();  // room for the key pad, and for the mode line above it
 void hideEmulatorPlace();
 
 void forgetEmulatorPlace();

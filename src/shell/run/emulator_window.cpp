@@ -228,6 +228,7 @@ bool startRun(ItemId item) {
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
     showModeLine(machine.calculatorModes ? std::vector<std::string>() : modeCommandsOfRun(), startAnewWithModes);
+    fitEmulatorPlace();
     state.displaySeen = 0;
     state.display = displayNow();
     runBegins();

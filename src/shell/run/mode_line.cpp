@@ -13,6 +13,8 @@ namespace numalink {
 
 namespace {
 
+constexpr int narrowest = 400;  // pixels in which the button stands beside the words, else below them
+
 struct ModeLine {
     QFrame *frame = nullptr;  // the emulator's window owns it
     QLabel *label = nullptr;
@@ -59,7 +61,8 @@ void showModeLine(const std::vector<std::string> &commands, void (*turnOn)()) {
 void placeModeLine() {
     if (state.frame == nullptr) return;
     const int width = emulatorWindow->width();
-    const QLayout *layout = state.frame->layout();
+    auto *layout = static_cast<QBoxLayout *>(state.frame->layout());
+    layout->setDirection(width < narrowest ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     state.frame->setGeometry(0, 0, width, std::max(layout->heightForWidth(width), layout->minimumSize().height()));
 }
 

@@ -24,6 +24,7 @@ namespace {
 
 constexpr int placeColumn = 0, conditionColumn = 1, countColumn = 2, hitsColumn = 3;
 constexpr int idRole = Qt::UserRole;
+constexpr int conditionWidth = 120;  // pixels at first
 
 struct BreakpointsPane {
     QTreeWidget *table = nullptr;  // its dock's, as is the next
@@ -112,6 +113,7 @@ QWidget *makeBreakpointsPane() {
     state.table = makePaneTable({textOf(Text::columnPlace), textOf(Text::columnCondition), textOf(Text::columnFromHit),
                                  textOf(Text::columnHits)});
     state.table->setRootIsDecorated(false);
+    state.table->setColumnWidth(conditionColumn, conditionWidth);
     state.table->setAccessibleName(textOf(Text::paneBreakpoints).remove(QLatin1Char('&')));
     editColumns(state.table, conditionColumn, countColumn);
     layout->addWidget(state.table);
