@@ -172,6 +172,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return true;
         case QEvent::Resize:
             placeModeLine();
+            fitEmulatorPlace();
             return false;
         case QEvent::MouseMove:
             mouseMoved(*static_cast<QMouseEvent *>(event));
