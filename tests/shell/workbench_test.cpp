@@ -1,6 +1,8 @@
 // A run beside its program: steps, breakpoints, panes and the way back, by the commands that the user has.
+#include <QCheckBox>
 #include <QDockWidget>
 #include <QLabel>
+#include <QPushButton>
 #include <QTreeWidget>
 
 #include "debugger/breakpoints.h"
@@ -177,6 +179,34 @@ TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
     answer(wording(Text::ok));
     handleCommand(CommandId::remove);
     EXPECT_FALSE(emulatorRunning) << "its program is gone";
+}
+
+// The same statements in an edited text, and the next run counts without being told again.
+TEST_F(Workbench, TwoProfilesStandSideBySide) {
+    show(addWords("SUM", "\\For 1\\->I\\To 9\rA+I\\->A\r\\Next"));
+    handleCommand(CommandId::paneProfile);
+    auto *dock = mainWindow->findChild<QDockWidget *>(QStringLiteral("profileDock"));
+    dock->findChild<QCheckBox *>()->setChecked(true);
+    const auto countAndTimes = [&](const QString &statement) {
+        for (const QTreeWidgetItem *row : tableOf("profileDock")->findItems(statement, Qt::MatchExactly, 1))
+            return row->text(2) + QLatin1Char('|') + row->text(4) + QLatin1Char('|') + row->text(5);
+        return QString();
+    };
+    const auto runToEnd = [] {
+        handleCommand(CommandId::debugGoOn);
+        return QTest::qWaitFor([] { return runWaitsAt() == RunEnd::end; }, 5000);
+    };
+    const QString statement = QStringLiteral("A\uFF0BI\u2192A");
+    EXPECT_TRUE(runToEnd());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countAndTimes(statement).startsWith(QLatin1Char('9')); }, 5000));
+    const QString time = countAndTimes(statement).section(QLatin1Char('|'), 1, 1);
+    dock->findChild<QPushButton *>()->click();
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    programEdit->setPlainText(programEdit->toPlainText().replace(QStringLiteral("To 9"), QStringLiteral("To 3")));
+    EXPECT_TRUE(runToEnd());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return countAndTimes(statement).startsWith(QLatin1Char('3')); }, 5000));
+    EXPECT_TRUE(countAndTimes(statement).endsWith(QLatin1Char('|') + time)) << countAndTimes(statement).toStdString();
+    QTest::keyClick(mainWindow, Qt::Key_F7);
 }
 
 TEST_F(Workbench, TellsWhatARunWaitsFor) {

@@ -9,6 +9,7 @@
 
 #include "debugger/breakpoint_file.h"
 #include "debugger/breakpoints.h"
+#include "debugger/profile.h"
 #include "emulator/machine/machine.h"
 #include "platform/program_folder.h"
 #include "shell/editor/line_numbers.h"
@@ -36,6 +37,7 @@ struct Debugging {
     bool follows = false;
     bool stopAtEntry = false;  // the next run
     bool firstError = false;
+    bool counts = false;  // statements, of each run
     bool isStopped = false;
     DebugStop stop;
     unsigned stops = 0;       // that were shown
@@ -107,6 +109,7 @@ void follow() {
     state.started = selectedItemId();
     state.shown = noItem;
     state.waitsAt = RunEnd::running;
+    if (state.counts) profileStart();
     debugBegin(optionsNow());
     state.stopAtEntry = false;
     tellChange();
@@ -271,6 +274,13 @@ unsigned shownStopNumber() { return state.stops; }
 bool runIsFollowed() { return state.follows; }
 RunEnd runWaitsAt() { return state.waitsAt; }
 bool storedSinceStart(ItemId item) { return state.storedSince.contains(item); }
+
+void countStatements(bool count) {
+    state.counts = count;
+    if (state.follows) count ? profileStart() : profileStop();
+    tellChange();
+}
+bool countsStatements() { return state.counts; }
 
 void stopAtFirstError(bool stop) {
     state.firstError = stop;

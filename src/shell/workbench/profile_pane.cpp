@@ -48,6 +48,7 @@ struct ProfilePane {
     QTimer *timer = nullptr;
     ProfileReport shown;
     std::map<std::string, std::uint64_t> before;  // units by the statement's words, of the report that was kept
+    std::uint64_t unitsBefore = 0;                // of all of it
     bool hasBefore = false;
 };
 ProfilePane state;
@@ -94,15 +95,11 @@ void goTo(QTreeWidgetItem *row) {
     selectStatement(place[1].toInt(), place[2].toInt());
 }
 
-void count(bool on) {
-    on ? profileStart() : profileStop();
-    debuggingChanged();
-}
-
 void keep() {
     takeProfile();
     state.before.clear();
     for (const ProfileRow &row : state.shown.rows) state.before[keyOf(row)] += row.paceUnits;
+    state.unitsBefore = state.shown.paceUnits;
     state.hasBefore = true;
     state.table->setColumnHidden(beforeColumn, false);
     refreshProfile();
@@ -123,6 +120,17 @@ void save() {
                   {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()}, false);
 }
 
+QString milliseconds(std::uint64_t units) { return QLocale().toString(profileMilliseconds(units), 'f', 1); }
+
+QString totalWords() {
+    const QString count = QLocale().toString(static_cast<qulonglong>(state.shown.count));
+    QString words =
+        textOf(Text::profileTotal, {count.toStdString(), milliseconds(state.shown.paceUnits).toStdString()});
+    if (state.hasBefore)
+        words += QStringLiteral("  \u00B7  %1: %2 ms").arg(textOf(Text::columnBefore), milliseconds(state.unitsBefore));
+    return words;
+}
+
 QPushButton *button(QHBoxLayout *row, Text words, void (*act)()) {
     auto *made = new QPushButton(textOf(words));
     QObject::connect(made, &QPushButton::clicked, made, act);
@@ -138,8 +146,8 @@ QWidget *makeProfilePane() {
     layout->setContentsMargins(0, 0, 0, 0);
     auto *head = new QHBoxLayout;
     auto *counting = new QCheckBox(textOf(Text::profileCount));
-    counting->setChecked(profileIsOn());
-    QObject::connect(counting, &QCheckBox::toggled, counting, count);
+    counting->setChecked(countsStatements());
+    QObject::connect(counting, &QCheckBox::toggled, counting, countStatements);
     head->addWidget(counting);
     state.faint = new QCheckBox(textOf(Text::profileFaint));
     QObject::connect(state.faint, &QCheckBox::toggled, state.faint, [] { debuggingChanged(); });
@@ -179,9 +187,7 @@ void refreshProfile() {
         if (row.count > 0) addRow(row);
     state.table->setSortingEnabled(true);
     fitColumns(state.table);
-    state.total->setText(textOf(
-        Text::profileTotal, {QLocale().toString(static_cast<qulonglong>(state.shown.count)).toStdString(),
-                             QLocale().toString(profileMilliseconds(state.shown.paceUnits), 'f', 1).toStdString()}));
+    state.total->setText(state.shown.rows.empty() ? QString() : totalWords());
 }
 
 void takeProfile() {

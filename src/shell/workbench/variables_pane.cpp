@@ -45,6 +45,7 @@ void dropChildren(QTreeWidgetItem *parent, int from) {
 
 // Since the stop before, whatever else is looked at anew.
 bool hasChanged(const QTreeWidgetItem *row, bool isOther) {
+    if (shownStop()->reason == StopReason::entry) return false;  // another run
     return isOther || (state.isSameStop && row->font(valueColumn).bold());
 }
 
