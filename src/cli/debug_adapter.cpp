@@ -148,7 +148,7 @@ void answerConfigurationDone(const Request &request) {
 }
 
 Json breakpointAnswer(int id, const DebugPlace &place) {
-    if (id == 0) return {{"verified", false}, {"message", "no statement, or a condition that can't be read"}};
+    if (id == 0) return {{"verified", false}, {"message", "no statement"}};
     return {{"id", id},
             {"verified", true},
             {"line", place.line},
@@ -168,6 +168,8 @@ Json addBreakpoint(int program, const Json &wanted) {
     breakpoint.line = place.line;
     breakpoint.statement = place.statement;
     breakpoint.condition = argument(wanted, "condition", std::string());
+    const std::string fault = breakpoint.condition.empty() ? std::string() : conditionFault(breakpoint.condition);
+    if (!fault.empty()) return {{"verified", false}, {"message", "condition: " + fault}};
     breakpoint.count = std::strtoull(argument(wanted, "hitCondition", std::string()).c_str(), nullptr, 10);
     return breakpointAnswer(breakpointAdd(breakpoint), place);
 }

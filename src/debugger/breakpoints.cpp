@@ -92,7 +92,10 @@ int breakpointAdd(Breakpoint breakpoint) {
 }
 
 bool breakpointChange(const Breakpoint &breakpoint) {
-    if (!makesSense(breakpoint)) return false;
+    const auto isAsBefore = [&](const Breakpoint &each) {
+        return each.id == breakpoint.id && each.condition == breakpoint.condition;
+    };
+    if (!makesSense(breakpoint, std::ranges::none_of(breakpoints(), isAsBefore))) return false;
     {
         const HoldLock held(listLock);
         const auto found = std::ranges::find(list, breakpoint.id, &Breakpoint::id);

@@ -145,7 +145,7 @@ constexpr Script scripts[] = {
     {"breakpoints", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1", "on on back-break back-break back-break",
      "1.0@0 1.1@1 1.1@4 1.1@1 1.0@0+start 1.0@0+start 1.1@1 1.1@4 1.1@7 1.3@10+end"},
     {"a condition", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1?I=3", "on on", "1.0@0 1.1@7 1.3@10+end"},
-    {"a condition that reports", "1\\->A:2\\->A", "1.1?1/(A-1)", "on", "1.0@0 1.1@1+Ma ERROR 1.1@1+end"},
+    {"a condition that reports", "1\\->A:2\\->A", "1.1?1/(A-1)", "on", "1.0@0 1.1@1+Ma  ERROR 1.1@1+end"},
     {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
     {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
      "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
