@@ -145,7 +145,7 @@ constexpr Script scripts[] = {
     {"breakpoints", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1", "on on back-break back-break back-break",
      "1.0@0 1.1@1 1.1@4 1.1@1 1.0@0+start 1.0@0+start 1.1@1 1.1@4 1.1@7 1.3@10+end"},
     {"a condition", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1?I=3", "on on", "1.0@0 1.1@7 1.3@10+end"},
-    {"a condition that reports", "1\\->A:2\\->A", "1.1?1/(A-1)", "on", "1.0@0 1.1@1+Ma  ERROR 1.1@1+end"},
+    {"a condition that reports", "1\\->A:2\\->A", "1.1?Mat B", "on", "1.0@0 1.1@1+Dim ERROR 1.1@1+end"},
     {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
     {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
      "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
@@ -252,7 +252,7 @@ int sleepsUntilPause = 0, sleepsSincePause = 0;
 TEST_F(Debugged, APauseStopsAmidLongWork) {
     constexpr const char *programs[] = {
         "\\Prog \"SUB\"|A+1\\->A:A<50\\=>\\Prog \"SUB\":7\\->B",
-        "50\\->A:Seq(X^2,X,1,200,1)\\->\\List 1:7\\->B",
+        "50\\->A:\\Seq(X^2,X,1,200,1)\\->\\List 1:7\\->B",
     };
     for (const char *program : programs) {
         SCOPED_TRACE(program);
@@ -444,7 +444,7 @@ TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {
 // the run stays within reach, also its reports.
 TEST_F(Debugged, ARecordThatFillsItsRoomStillGoesBackToTheStart) {
     const RunFile file = fileWith(
-        "{250,250}\\->\\Dim \\Mat A:\\For 1\\->K\\To 25000:\\Int (250Ran#)+1\\->I:Ran#\\->\\Mat A[I,I]:1/0:\\Next");
+        "{250,250}\\->\\Dim \\Mat A:\\For 1\\->K\\To 25000:\\Int (250\\Ran#)+1\\->I:\\Ran#\\->\\Mat A[I,I]:1/:\\Next");
     static DebugRecord record;
     static std::vector<std::uint64_t> goals;
     goals = {0, 5000, 60000, 10000, 90000};

@@ -48,6 +48,7 @@ struct Debugging {
     RunEnd waitsAt = RunEnd::running;
     bool keepTold = false;   // that the breakpoints can't be kept has been told
     bool keepDue = false;    // they have moved with a text that isn't stored yet
+    bool keepSoon = false;   // a change is about to be kept
     bool editSeen = true;    // no look at an edit is due
     bool following = false;  // the edited text, by a look at it
 };
@@ -153,7 +154,7 @@ bool stoppedOrStarts() {
 }
 
 void keepBreakpoints() {
-    state.keepDue = false;
+    state.keepDue = state.keepSoon = false;
     if (breakpointsSave(libraryFolder())) {
         state.keepTold = false;
     } else if (!state.keepTold) {
@@ -163,12 +164,12 @@ void keepBreakpoints() {
 }
 
 void breakpointsAreOthers() {
-    if (state.following) state.keepDue = true;
+    (state.following ? state.keepDue : state.keepSoon) = true;
     QMetaObject::invokeMethod(
         qApp,
         [] {
             if (mainWindow == nullptr) return;
-            if (!state.keepDue) keepBreakpoints();
+            if (state.keepSoon) keepBreakpoints();
             tellChange();
         },
         Qt::QueuedConnection);
@@ -239,7 +240,7 @@ void loadBreakpoints() {
     for (const Breakpoint &point : breakpoints())
         if (point.item != noItem && !storeReadEntry(point.item)) breakpointRemove(point.id);
     breakpointsChanged = breakpointsAreOthers;
-    state.keepDue = false;
+    state.keepDue = state.keepSoon = false;
     shownValuesForgotten();
     tellChange();
 }
@@ -256,6 +257,7 @@ void connectDebugging() {
 }
 
 void forgetDebugging() {
+    if (state.keepSoon) breakpointsSave(libraryFolder());
     debugStateChanged = nullptr;
     breakpointsChanged = nullptr;
     runBegins = runIsOver = programOpened = programEdited = [] {};
