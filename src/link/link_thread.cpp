@@ -126,7 +126,8 @@ void tellWatch(Family family, const PortWatch &watch, Text &told) {
         statusLine(StatusPart::link, state, {watch.refused.path, watch.refused.group});
 }
 
-// Listens at all ports that are there until a calculator speaks at one of them, or the link is stopped.
+// Listens at all ports that are there until a calculator speaks at one of them, or the link is stopped. They are still
+// open then.
 FoundPort searchPort(Family family) {
     FoundPort found;
     Text told = Text::none;
@@ -141,7 +142,7 @@ FoundPort searchPort(Family family) {
             if (linkNoticeState() == NoticeState::over) told = Text::none;
         }
     }
-    stopWatchingPorts();
+    releaseWatchedPorts();
     return found;
 }
 
@@ -172,6 +173,7 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
         const FoundPort found = isAutomatic(port) ? searchPort(family) : FoundPort{port};
         if (conversationStopped()) break;
         const LineOpening opening = openPort(found.path, family, chosenByUser);
+        stopWatchingPorts();
         if (opening.fault == LineFault::none) portState = LinkPort::opened;
         if (portState == LinkPort::untried) portState = LinkPort::refused;
         if (opening.fault == LineFault::none && !conversationStopped()) {
@@ -181,8 +183,9 @@ void linkThreadBody(Family family, const std::string &port, bool chosenByUser) {
             tellClosed(opening, chosenByUser);
             told = true;
         }
-        if (!conversationStopped()) waitClosed(opening);
+        if (!conversationStopped() && !isAutomatic(port)) waitClosed(opening);
     }
+    stopWatchingPorts();
     serialLine.close();
 }
 

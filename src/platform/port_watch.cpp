@@ -1,6 +1,7 @@
 #include "platform/port_watch.h"
 
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -26,12 +27,14 @@ struct WatchedPort {
     explicit WatchedPort(std::string given) : path(std::move(given)) {}
     std::string path;
     asio::serial_port device{context()};
+    bool released = false;  // perhaps somebody else's by now: nothing but its descriptor is touched any more
 };
 std::list<WatchedPort> watched;
 
 void closeWatched(WatchedPort &port) {
-    tcflush(port.device.native_handle(), TCOFLUSH);  // else closing waits until a stuck line has taken it all
-    ioctl(port.device.native_handle(), TIOCNXCL);
+    // Else closing waits until a stuck line has taken it all.
+    if (!port.released) tcflush(port.device.native_handle(), TCOFLUSH);
+    if (!port.released) ioctl(port.device.native_handle(), TIOCNXCL);
     asio::error_code ignored;
     port.device.close(ignored);
 }
@@ -106,6 +109,14 @@ std::optional<WatchedByte> hearWatchedPorts(int milliseconds) {
 void sayToWatchedPorts(std::uint8_t byte) {
     for (WatchedPort &port : watched) {
         [[maybe_unused]] const ssize_t written = ::write(port.device.native_handle(), &byte, 1);
+    }
+}
+
+void releaseWatchedPorts() {
+    for (WatchedPort &port : watched) {
+        flock(port.device.native_handle(), LOCK_UN);
+        ioctl(port.device.native_handle(), TIOCNXCL);
+        port.released = true;
     }
 }
 

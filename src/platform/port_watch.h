@@ -27,6 +27,9 @@ struct WatchedByte {
 std::optional<WatchedByte> hearWatchedPorts(int milliseconds);
 
 void sayToWatchedPorts(std::uint8_t byte);  // to each that takes it at once
-void stopWatchingPorts();                   // closes them all, so that a line can open one
+// A line can open one of them from now on; they stay open until the watch is stopped, so that whoever is at the other
+// end sees no interruption.
+void releaseWatchedPorts();
+void stopWatchingPorts();  // closes them all
 
 }  // namespace numalink

@@ -1,6 +1,8 @@
 // The link's thread on a pseudo terminal in real time, beside a user who alters the library: transfers, stops at any
 // moment, a box that is open meanwhile, a cable that is pulled out.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -246,20 +248,30 @@ TEST_F(LinkThreads, tellOnceThatAPortIsMissingAndWaitForNoAnswerThere) {
     EXPECT_EQ(timesOf(Text::portMissing), 2) << "a line at the start, and one for the attempt";
 }
 
-std::vector<std::string> presentPorts;
+bool isHeld(const std::string &path) {
+    const int probe = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    const bool held = probe < 0 || flock(probe, LOCK_EX | LOCK_NB) != 0;
+    if (probe >= 0) ::close(probe);
+    return held;
+}
+
+std::vector<std::string> presentPorts[3];  // at three times
+std::atomic<std::size_t> presentTime;
 
 // Items come and go at the one of two ports that a calculator is at, and at the other once it has moved there.
 TEST_F(LinkThreads, findTheCalculatorWhereverItIs) {
-    linkPortsPresent = [] { return presentPorts; };
-    presentPorts.clear();
+    auto second = std::make_unique<PseudoTerminal>();
+    presentPorts[1] = {terminal.path, second->path};
+    presentPorts[2] = {terminal.path};
+    presentTime = 0;
+    linkPortsPresent = [] { return presentPorts[presentTime]; };
     usePort(setting::portAutomatic);
     startLinkThread();
     ASSERT_TRUE(waitFor([] { return wasShown(Text::portAwaited); }));
     const ItemId program = addProgram("A");
     EXPECT_TRUE(queueAndBegin(program));
     ASSERT_TRUE(waitFor([] { return wasShown(Text::portNotOpened); }));
-    auto second = std::make_unique<PseudoTerminal>();
-    presentPorts = {terminal.path, second->path};
+    presentTime = 1;
     ASSERT_TRUE(waitFor([] { return wasShown(Text::cfxLinkIdle); }));
     int taken = 0;
     moving.taken = [&](const calculator::Item &) { taken++; };
@@ -268,9 +280,10 @@ TEST_F(LinkThreads, findTheCalculatorWhereverItIs) {
     EXPECT_TRUE(waitFor([] { return transmitQueueCount() == 0 && !linkConversationRuns(); }));
     receiving.join();
     EXPECT_EQ(taken, 1);
-    presentPorts = {terminal.path};
+    presentTime = 2;
     second.reset();
     ASSERT_TRUE(waitFor([] { return wasShown(Text::portLost); }));
+    ASSERT_TRUE(waitFor([this] { return isHeld(terminal.path); }));
     calculator::Calculator sender;
     sender.toSend.push_back(numberedItem(false, 7));
     startSending(sender);

@@ -204,8 +204,11 @@ TEST(PortWatch, hearsWhichOfSeveralPortsSpeaksAndLetsGoOfThem) {
     quiet.unplug();
     EXPECT_FALSE(hearWatchedPorts(1));
     EXPECT_EQ(watchPorts({speaking.path}, baud).open, 1u);
-    stopWatchingPorts();
+    releaseWatchedPorts();
     EXPECT_EQ(systemSerialLine.open(speaking.path, baud).fault, LineFault::none);
+    stopWatchingPorts();
+    EXPECT_TRUE(systemSerialLine.write(Bytes{7}));
+    EXPECT_EQ(speaking.take(1, 5000), Bytes{7});
     systemSerialLine.close();
 }
 
