@@ -15,7 +15,7 @@ constexpr std::size_t programSize = 60000;
 
 Bytes longProgram() {
     tokenTableLoad();
-    constexpr char words[] =
+    static constexpr char words[] =
         "\xF7\x00"
         "A=1\r\xF7\x01\xF7\x10"
         "1,2,\"SCORE\"\r\xF7\x04"

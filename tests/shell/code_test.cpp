@@ -51,7 +51,7 @@ TEST_F(Code, CompletionPutsTheTokenAndStaysOutOfTheWay) {
     key(Qt::Key_Tab);
     EXPECT_FALSE(completionShown());
     EXPECT_TRUE(signatureShown());
-    type(QStringLiteral("1,1,A"));
+    type(QStringLiteral(" 1,1,A"));
     key(Qt::Key_Return);
     type(QStringLiteral("AB"));
     // The line's end is a line end, unless one was chosen.

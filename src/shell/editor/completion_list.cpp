@@ -13,6 +13,7 @@
 #include "shell/editor/language_tips.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_reading.h"
+#include "shell/editor/program_view.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -149,6 +150,7 @@ void accept(int row) {
     cursor.endEditBlock();
     programEdit->setTextCursor(cursor);
     programEdit->ensureCursorVisible();
+    commandPutIn();
     showSignature();
 }
 

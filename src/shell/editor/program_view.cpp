@@ -432,6 +432,11 @@ void redoInProgram() {
     if (step != state.caretSteps.end()) putCaret(step->after);
 }
 
+void commandPutIn() {
+    const int position = caretNow().position;
+    if (position > 0 && document()->characterAt(position - 1) == QLatin1Char(' ')) state.blankAddedAt = position;
+}
+
 void typeSymbol(char code) {
     if (programEdit->isReadOnly()) return;
     typeText(qtFromCodes(std::string_view(&code, 1)));

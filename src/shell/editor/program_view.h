@@ -47,6 +47,9 @@ void selectStatement(int line, int statement);
 void undoInProgram();
 void redoInProgram();
 
+// The caret stands behind a command that was put in whole: a blank that is typed next is the one that ends it.
+void commandPutIn();
+
 // Puts a calculator character in at the selection, as if typed.
 void typeSymbol(char code);
 
