@@ -22,6 +22,8 @@ constexpr CommandRow commandRows[] = {
     {"check", "Tell what of a library is sound, and repair it", declareCheck},
     {"convert", "Convert an item file or a bitmap into another item file", declareConvert},
     {"debug", "Step through a program by the Debug Adapter Protocol on standard input and output", declareDebug},
+    {"diff", "Tell what two programs or item files differ in", declareDiff},
+    {"duplicates", "List items that are there more than once", declareDuplicates},
     {"export", "Export items of a library into a file", declareExport},
     {"import", "Import item files into a library", declareImport},
     {"link", "Converse with a calculator over a serial line", declareLink},
@@ -30,10 +32,12 @@ constexpr CommandRow commandRows[] = {
     {"lint", "Tell what is wrong in the programs of a library", declareLint},
     {"list", "List the items of a library", declareList},
     {"share", "Write a program as a web page that plays it", declareShare},
+    {"search", "Look for words, tokens or an expression, and replace them", declareSearch},
     {"show", "Show one item of a library", declareShow},
     {"run", "Run a program of a library on the emulated calculator", declareRun},
     {"eval", "Run a program given by its bytes", declareEval},
     {"tokens", "Convert between program bytes and text", declareTokens},
+    {"versions", "List the earlier forms of an item, and bring one back", declareVersions},
     {"write", "Store a text into a program", declareWrite},
 };
 

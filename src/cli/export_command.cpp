@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/export_target.h"
 #include "cli/library_session.h"
+#include "cli/text_folder.h"
 
 namespace numalink {
 
@@ -16,12 +17,15 @@ struct ExportOptions {
     std::string target;
     std::string file;
     std::vector<std::string> items;
+    std::string texts;
     bool replace = false;
 };
 
 int runExport(const ExportOptions &options) {
     const LibrarySession session(options.library);
     if (!session.open) return exitFailed;
+    if (!options.texts.empty()) return exportTexts(options.texts);
+    if (options.items.empty()) return commandFailed("export takes --to, a file and items, or --text and a folder");
     ExportJob job{
         .path = options.file, .ids = {}, .target = targetOfOption(options.target), .mayReplace = options.replace};
     for (const std::string &item : options.items) {
@@ -37,9 +41,12 @@ int runExport(const ExportOptions &options) {
 CommandRun declareExport(CLI::App &command) {
     const auto options = std::make_shared<ExportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
-    command.add_option("--to", options->target, targetOptionHelp)->required()->check(CLI::IsMember(targetOptions()));
-    command.add_option("FILE", options->file, "The file to write")->required();
-    command.add_option("ITEM", options->items, "Ids, or paths such as /Programs/SNAKE")->required();
+    command.add_option("--to", options->target, targetOptionHelp)->check(CLI::IsMember(targetOptions()));
+    command.add_option("FILE", options->file, "The file to write");
+    command.add_option("ITEM", options->items, "Ids, or paths such as /Programs/SNAKE");
+    command.add_option(
+        "--text", options->texts,
+        "Bring this folder of texts in step with the programs of the library, instead of writing a file");
     command.add_flag("--replace", options->replace, "Replace a file that exists");
     return [options] { return runExport(*options); };
 }

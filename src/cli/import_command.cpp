@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "cli/terminal_ui.h"
+#include "cli/text_folder.h"
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
 #include "store/item_store.h"
@@ -20,6 +21,7 @@ struct ImportOptions {
     std::string into;
     std::string existing = "keep";
     std::string raster = "image";
+    std::string texts;
 };
 
 // Whether there is an item with an id from this one on that isn't still waiting in the temporary folder.
@@ -36,6 +38,8 @@ int runImport(const ImportOptions &options) {
     const LibrarySession session(options.library, WhenAbsent::make);
     if (!session.open) return exitFailed;
     if (!session.tokens) return commandFailed("casio.ptt beside the program can't be read, so nothing is imported");
+    if (!options.texts.empty()) return importTexts(options.texts);
+    if (options.files.empty()) return commandFailed("import takes files, or --text and a folder");
     terminalRasterAnswer(options.raster);
     terminalImportTaken(existingOptions.at(options.existing));
     if (options.into == "standard") {
@@ -57,7 +61,9 @@ int runImport(const ImportOptions &options) {
 CommandRun declareImport(CLI::App &command) {
     const auto options = std::make_shared<ImportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
-    command.add_option("FILE", options->files, "The files to read: " + importFormatNames())->required();
+    command.add_option("FILE", options->files, "The files to read: " + importFormatNames());
+    command.add_option("--text", options->texts,
+                       "Bring the programs of the library in step with this folder of texts, which an export made");
     command.add_option("--into", options->into,
                        "\"standard\": every item into the folder of its kind; else the name of one folder for all. "
                        "Without it, one folder named as the file for two items or more, else \"standard\"");

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "calculator/charset.h"
+#include "history/history.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "settings/settings_store.h"
@@ -36,9 +37,14 @@ bool loadTablesFor(const std::string &folder, WhenAbsent whenAbsent) {
 
 LibrarySession::LibrarySession(const std::string &folder, WhenAbsent whenAbsent)
     : tokens(loadTablesFor(folder, whenAbsent)),
-      open(storeOpen(whenAbsent == WhenAbsent::make ? WhenEmptied::refuse : WhenEmptied::neverBegin)) {}
+      open(storeOpen(whenAbsent == WhenAbsent::make ? WhenEmptied::refuse : WhenEmptied::neverBegin)) {
+    if (open) historyOpen();
+}
 
-LibrarySession::~LibrarySession() { storeClose(); }
+LibrarySession::~LibrarySession() {
+    historyClose();
+    storeClose();
+}
 
 bool loadTables() {
     if (!settingsLoad())

@@ -1,7 +1,6 @@
 // numalink-cli write: a text into a program, as the editor stores it.
 #include <memory>
 
-#include "calculator/program_info.h"
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "link/transmit_queue.h"
@@ -9,6 +8,7 @@
 #include "settings/settings_store.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
+#include "text/program_images.h"
 #include "text/view_edit.h"
 
 namespace numalink {
@@ -22,19 +22,6 @@ struct WriteOptions {
     std::string item;
     std::string file;
 };
-
-bool store(StoredItem item, Bytes image) {
-    ProgramInfo info =
-        decodeProgramInfo(item.head).value_or(ProgramInfo{.imageLength = 1, .name = item.name, .password = {}});
-    info.imageLength = static_cast<std::uint32_t>(image.size());
-    NewItem written;
-    written.name = item.name;
-    written.parent = item.parent;
-    written.kind = item.kind;
-    written.head = encodeProgramInfo(info);
-    written.data = std::move(image);
-    return storeWriteItem(item.id, written);
-}
 
 int runWrite(const WriteOptions &options) {
     Bytes file;
@@ -54,7 +41,7 @@ int runWrite(const WriteOptions &options) {
         tellFaults(faults);
         return exitFailed;
     }
-    if (!store(std::move(item), std::move(image))) return exitFailed;
+    if (!writeProgramImage(id, std::move(image))) return exitFailed;
     if (written.blanksLeftOut) statusLine(StatusPart::item, Text::blanksLeftOut);
     tellWhenTooLong(id);
     return exitDone;

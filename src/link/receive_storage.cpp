@@ -7,6 +7,7 @@
 #include "link/notices.h"
 #include "platform/clock.h"
 #include "platform/letter_case.h"
+#include "store/form_changes.h"
 #include "store/item_store.h"
 #include "telling/user_interface.h"
 
@@ -91,6 +92,7 @@ bool storeReceived(const Received &received) {
                        .data = received.data,
                        .whenTaken = keepsSame ? NameTaken::nextFreeName : NameTaken::replaceSameKind};
     std::string storedName = received.name;
+    const NamedCause cause(FormCause::received);
     const ItemId id = storeAddItem(item, &storedName);
     if (id == noItem) {
         if (place.groupMade) storeDropFolder(place.parent);

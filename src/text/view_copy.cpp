@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "calculator/charset.h"
-#include "text/lenient_text.h"
 
 namespace numalink {
 
@@ -115,6 +114,34 @@ bool lineOfPieces(const std::vector<std::string> &pieces, ViewLine &line) {
     }
     line = lineOfTokens(tokens);
     return true;
+}
+
+std::string partedUtf8(const ViewLine &line) {
+    std::string text;
+    const std::vector<std::string> pieces = piecesOfLine(line);
+    for (std::size_t i = 0; i < pieces.size(); i++) {
+        if (i > 0) text += pieceSeparator;
+        text += utf8FromCalculator(pieces[i]);
+    }
+    return text;
+}
+
+bool lineOfPartedUtf8(LenientText &text, std::string_view utf8, ViewLine &line) {
+    if (utf8.find(pieceSeparator) == std::string_view::npos) {
+        line = lenientLine(text, utf8);
+        const LineReading reading = readLine(line, true);
+        if (reading.faultAt < 0) line = keptLine(line, reading);
+        return reading.faultAt < 0;
+    }
+    std::vector<std::string> pieces;
+    for (;;) {
+        const std::size_t end = std::min(utf8.find(pieceSeparator), utf8.size());
+        int missing = 0;
+        pieces.push_back(calculatorFromUtf8(utf8.substr(0, end), &missing));
+        if (missing > 0) return false;
+        if (end == utf8.size()) return lineOfPieces(pieces, line);
+        utf8.remove_prefix(end + pieceSeparator.size());
+    }
 }
 
 }  // namespace numalink

@@ -1,8 +1,10 @@
 // Taking back what was done, and the daily copies.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <random>
 #include <set>
 #include <thread>
 
@@ -384,6 +386,46 @@ TEST_F(DailyCopies, OneADayOfTheLastTenDaysWithChanges) {
     EXPECT_TRUE(storeItemExists("Day 2026-05-13", rootId));
     EXPECT_FALSE(storeItemExists("Day 2026-05-15", rootId));
     storeClose();
+}
+
+// NUMALINK_EDITS tells how many there are in all.
+TEST_F(Undo, RandomChangesComeBackToTheByte) {
+    const char *wanted = std::getenv("NUMALINK_EDITS");
+    const long edits = wanted != nullptr ? std::atol(wanted) : 2000;
+    std::mt19937 source(5);
+    const auto dice = [&](std::uint32_t limit) { return static_cast<std::uint32_t>(source()) % limit; };
+    const ItemId folders[] = {rootId, storeResolvePath("/F", true), storeResolvePath("/F/G", true)};
+    std::vector<ItemId> ids;
+    for (int i = 0; i < 8; i++) ids.push_back(add("P" + std::to_string(i), kind::matrix, folders[i % 3], {1}, {2, 3}));
+    for (long done = 0; done < edits;) {
+        const std::vector<StoredItem> before = seen();
+        const std::uint32_t burst = 1 + dice(20);
+        std::uint32_t steps = 0;
+        for (std::uint32_t i = 0; i < burst; i++, done++) {
+            const ItemId id = ids[dice(8)];
+            const auto entry = storeReadEntry(id);
+            if (!entry) continue;
+            const std::vector<StoredItem> earlier = seen();
+            const Bytes data(dice(60), static_cast<std::uint8_t>(dice(256)));
+            switch (dice(8)) {
+                case 0:
+                    storeDelete(id);
+                    break;
+                case 1:
+                    storeRename(id, "N" + std::to_string(dice(1000)));
+                    break;
+                case 2:
+                    storeMove(id, folders[dice(3)]);
+                    break;
+                default:
+                    storeWriteItem(
+                        id, item(entry->name, kind::matrix, entry->parent, {static_cast<std::uint8_t>(dice(9))}, data));
+            }
+            if (seen() != earlier) steps++;
+        }
+        for (; steps > 0; steps--) ASSERT_TRUE(undo());
+        ASSERT_EQ(seen(), before) << done;
+    }
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
 #include "shell/editor/program_view.h"
+#include "shell/library/search_window.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
@@ -34,6 +35,7 @@ namespace {
 void forgetItems() {
     transmitQueueClear();
     forgetKeptPrograms();
+    searchLibraryChanged();
     refreshTreeNow();
 }
 
@@ -63,7 +65,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin, ListLibrary list)
     }
     emulatorStop();
     stopLink();
-    storeClose();
+    closeLibrary();
     forgetItems();
     const bool opened = openLibraryFolder(mayBegin ? WhenEmptied::refuse : WhenEmptied::neverBegin, Text::cancel);
     if (!opened) {

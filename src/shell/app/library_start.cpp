@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "history/history.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "shell/parts/main_widgets.h"
@@ -57,7 +58,9 @@ bool openOtherwise(Text refusal) {
 
 bool openLibraryFolder(WhenEmptied whenEmptied, Text refusal) {
     makeFolders(libraryFolder());  // where that fails, the opening tells
-    return (!storeIsEmptied() && storeOpen(whenEmptied)) || (libraryNeedsCopy() && openOtherwise(refusal));
+    const bool opened = (!storeIsEmptied() && storeOpen(whenEmptied)) || (libraryNeedsCopy() && openOtherwise(refusal));
+    if (opened) historyOpen();
+    return opened;
 }
 
 bool openLibraryAtStart() {
@@ -68,6 +71,11 @@ bool openLibraryAtStart() {
 
 void tellLibrary() {
     statusLine(StatusPart::item, storeIsReadOnly() ? Text::libraryOnlyRead : Text::libraryOf, {libraryFolder()});
+}
+
+void closeLibrary() {
+    historyClose();
+    storeClose();
 }
 
 }  // namespace numalink

@@ -13,6 +13,9 @@ bool openLibraryFolder(WhenEmptied whenEmptied, Text refusal);
 // The same at the start, where that ends the program, which is told too.
 bool openLibraryAtStart();
 
+// With the earlier forms beside it. Harmless when closed.
+void closeLibrary();
+
 void tellLibrary();  // in the status bar: which one is open, and whether it can be written
 
 }  // namespace numalink

@@ -29,6 +29,7 @@
 #include "shell/dialogs/export_dialog.h"
 #include "shell/editor/program_view.h"
 #include "shell/help/manual_window.h"
+#include "shell/library/search_window.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
@@ -36,7 +37,9 @@
 #include "shell/parts/program_colors.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
+#include "shell/tree/tree_filter.h"
 #include "shell/tree/tree_mouse.h"
+#include "shell/tree/tree_order.h"
 #include "shell/views/item_views.h"
 #include "shell/workbench/code_panes.h"
 #include "shell/workbench/debugging.h"
@@ -152,7 +155,7 @@ void closeLibraryAndQuit() {
     state.shutting = true;
     emulatorStop();  // beside the program it doesn't end with the view
     stopLink();
-    storeClose();
+    closeLibrary();
     forgetTour();
     removeTrayIcon();
     stopAnsweringCopies();
@@ -173,7 +176,7 @@ bool startUp(const StartWish &wish) {
     QApplication::setQuitOnLastWindowClosed(false);
     for (const StartStep &step : startSteps) {
         if (!step.run() && step.stops) {
-            storeClose();
+            closeLibrary();
             tearDown();
             return false;
         }
@@ -212,6 +215,9 @@ void tearDown() {
     forgetDebugging();
     forgetCodePanes();
     forgetPanes();
+    forgetSearchWindow();
+    forgetTreeFilter();
+    forgetTreeOrder();
     forgetEmulatorWindow();
     destroyWidgets();
 }

@@ -25,6 +25,10 @@
 #include "shell/editor/symbols_window.h"
 #include "shell/help/manual_window.h"
 #include "shell/help/reference_window.h"
+#include "shell/library/compare_window.h"
+#include "shell/library/duplicates_dialog.h"
+#include "shell/library/search_window.h"
+#include "shell/library/versions_dialog.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
@@ -32,6 +36,8 @@
 #include "shell/run/emulator_window.h"
 #include "shell/run/recording.h"
 #include "shell/tree/item_commands.h"
+#include "shell/tree/tree_filter.h"
+#include "shell/tree/tree_order.h"
 #include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
@@ -97,6 +103,15 @@ constexpr Command paneRow(CommandId id, Text title) {
             .run = [] { togglePane(pane); }};
 }
 
+template <TreeOrder order>
+constexpr Command sortRow(CommandId id, Text words) {
+    return {.id = id,
+            .menu = sort,
+            .text = words,
+            .checked = [] { return treeOrder() == order; },
+            .run = [] { setTreeOrder(order); }};
+}
+
 template <int place>
 bool isRecent() {
     return isRecentLibrary(place);
@@ -127,6 +142,7 @@ constexpr MenuRow menuRows[] = {
     {.menu = panes, .text = Text::menuPanes, .within = view},
     {.menu = speed, .text = Text::menuSpeed, .within = emulator, .oneChecked = true},
     {.menu = code, .text = Text::menuCode, .within = edit, .enabled = programOnView},
+    {.menu = sort, .text = Text::menuSort, .within = view, .oneChecked = true},
     {.menu = program, .enabled = programOnView},
     {.menu = tray, .ofNoWindow = true},
 };
@@ -301,6 +317,24 @@ constexpr Command commands[] = {
      .tip = Text::tipSaveBitmap,
      .enabledFor = drawnAsBitmap,
      .run = saveItemAsBitmap},
+    {.id = CommandId::compareItems,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuCompare,
+     .storesFirst = true,
+     .enabledFor = mayCompare,
+     .run = compareSelected},
+    {.id = CommandId::versions,
+     .menu = item,
+     .text = Text::menuVersions,
+     .storesFirst = true,
+     .enabledFor = mayHaveVersions,
+     .run = showVersions},
+    {.id = CommandId::duplicates,
+     .menu = item,
+     .text = Text::menuDuplicates,
+     .storesFirst = true,
+     .run = showDuplicates},
 
     {.id = CommandId::undo,
      .menu = edit,
@@ -332,6 +366,12 @@ constexpr Command commands[] = {
      .tip = Text::tipFindAgain,
      .enabled = programOnView,
      .run = findAgain},
+    {.id = CommandId::searchLibrary,
+     .menu = edit,
+     .text = Text::menuSearchLibrary,
+     .shortcut = "Ctrl+Shift+F",
+     .storesFirst = true,
+     .run = showSearchWindow},
     {.id = CommandId::refresh,
      .menu = edit,
      .text = Text::menuRefresh,
@@ -617,6 +657,16 @@ constexpr Command commands[] = {
      .tip = Text::tipHideFiles,
      .checked = treeHidden,
      .run = toggleTree},
+    {.id = CommandId::filterTree,
+     .menu = view,
+     .text = Text::filterNames,
+     .shortcut = "Ctrl+Shift+L",
+     .checked = treeFilterShown,
+     .run = toggleTreeFilter},
+    sortRow<TreeOrder::name>(CommandId::sortByName, Text::sortByName),
+    sortRow<TreeOrder::kind>(CommandId::sortByKind, Text::sortByKind),
+    sortRow<TreeOrder::size>(CommandId::sortBySize, Text::sortBySize),
+    sortRow<TreeOrder::time>(CommandId::sortByTime, Text::sortByTime),
     {.id = CommandId::symbols,
      .menu = view,
      .text = Text::menuSymbols,

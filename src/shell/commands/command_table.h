@@ -109,6 +109,15 @@ enum class CommandId {
     codeCompleteTyping,
     codeProblems,
     codeOutline,
+    compareItems,
+    versions,
+    duplicates,
+    searchLibrary,
+    filterTree,
+    sortByName,
+    sortByKind,
+    sortBySize,
+    sortByTime,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
@@ -129,6 +138,7 @@ enum class MenuPosition {
     panes,
     speed,
     code,
+    sort,
     program,
     tray
 };

@@ -28,7 +28,6 @@ constexpr quint32 linesLimit = 1u << 22;  // characters
 constexpr char16_t calculatorPlus = u'\uFF0B';
 // Parts a line where its text alone would come back as other bytes: without width, and kept by mails.
 constexpr char16_t separator = u'\u200C';
-constexpr std::string_view separatorText = "\u200C";
 
 // A line as other programs get it: characters of the view, parted where that is needed.
 QString readable(const ViewLine &line, QString text) {
@@ -47,17 +46,17 @@ QString readable(const ViewLine &line, QString text) {
 // Lines that were parted; nothing for text without a separator, or with what isn't of this program's making.
 std::vector<ViewLine> linesOfParted(const std::vector<std::string_view> &text) {
     std::vector<ViewLine> lines;
-    const auto isParted = [](std::string_view line) { return line.find(separatorText) != std::string_view::npos; };
+    const auto isParted = [](std::string_view line) { return line.find(pieceSeparator) != std::string_view::npos; };
     if (std::ranges::none_of(text, isParted)) return lines;
     for (std::string_view rest : text) {
         std::vector<std::string> pieces;
         for (;;) {
-            const std::size_t end = std::min(rest.find(separatorText), rest.size());
+            const std::size_t end = std::min(rest.find(pieceSeparator), rest.size());
             int missing = 0;
             pieces.push_back(calculatorFromUtf8(rest.substr(0, end), &missing));
             if (missing > 0) return {};
             if (end == rest.size()) break;
-            rest.remove_prefix(end + separatorText.size());
+            rest.remove_prefix(end + pieceSeparator.size());
         }
         if (!lineOfPieces(pieces, lines.emplace_back())) return {};
     }

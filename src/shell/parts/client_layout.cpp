@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "shell/parts/main_layout.h"
 #include "shell/parts/main_widgets.h"
@@ -10,6 +11,7 @@
 namespace numalink {
 
 bool treeVisible = true;
+QWidget *treeFilterBar = nullptr;
 
 namespace {
 
@@ -21,7 +23,15 @@ void place(QWidget *widget, const Rectangle &where) {
 
 void applyLayout() {
     const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible);
-    place(treeView, layout.tree);
+    Rectangle tree = layout.tree;
+    if (treeFilterBar != nullptr && treeVisible && treeFilterBar->isVisibleTo(clientArea)) {
+        const int height = std::min(treeFilterBar->sizeHint().height(), tree.height);
+        place(treeFilterBar, {tree.x, tree.y, tree.width, height});
+        tree.y += height;
+        tree.height -= height;
+    }
+    if (treeFilterBar != nullptr && !treeVisible) treeFilterBar->hide();
+    place(treeView, tree);
     treeView->setVisible(treeVisible);
     place(treeToggleButton, layout.toggle);
     place(lineNumberEdit, layout.lineNumbers);

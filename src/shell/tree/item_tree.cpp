@@ -12,7 +12,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/tree_rules.h"
+#include "shell/tree/tree_order.h"
 
 namespace numalink {
 
@@ -130,7 +130,8 @@ QTreeWidgetItem *treeEntryOf(ItemId id) {
 }
 
 int showLibraryInTree() {
-    const TreeContent content = treeContent(storeListItems());
+    const std::vector<ItemEntry> items = storeListItems();
+    const TreeContent content = treeContent(items, treeRanks(items));
     const ItemId selected = selectedItemId();
     const QSignalBlocker quiet(treeView);
     std::vector<ItemId> expanded;

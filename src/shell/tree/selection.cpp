@@ -4,6 +4,7 @@
 #include "shell/parts/on_view.h"
 #include "shell/parts/selected_item.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/tree_filter.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -50,6 +51,7 @@ void showSelectedAgain() { selectItem(selectedItemId()); }
 void refreshTreeNow() {
     const ItemId selected = selectedItemId();
     const int strays = showLibraryInTree();
+    applyTreeFilter();
     if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) viewedItemGone();
     if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
     tellStrays(strays);

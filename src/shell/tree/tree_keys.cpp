@@ -24,7 +24,10 @@ struct TypedSearch {
 };
 TypedSearch state;
 
-QTreeWidgetItem *firstEntry() { return treeView->topLevelItem(0); }
+QTreeWidgetItem *firstEntry() {
+    QTreeWidgetItem *entry = treeView->topLevelItem(0);
+    return entry != nullptr && entry->isHidden() ? treeView->itemBelow(entry) : entry;
+}
 
 QTreeWidgetItem *lastEntry() {
     QTreeWidgetItem *entry = treeView->topLevelItem(treeView->topLevelItemCount() - 1);

@@ -1,6 +1,7 @@
 #include "shell/tree/tree_rules.h"
 
 #include <algorithm>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -21,14 +22,22 @@ ChildrenOf childrenByParent(const std::vector<ItemEntry> &items) {
     return children;
 }
 
-void sortForTree(std::vector<const ItemEntry *> &entries) {
-    std::vector<std::pair<std::string, const ItemEntry *>> keyed;
+void sortForTree(std::vector<const ItemEntry *> &entries, const TreeRanks &ranks) {
+    struct Keyed {
+        std::uint64_t rank;
+        std::string name;
+        const ItemEntry *entry;
+    };
+    std::vector<Keyed> keyed;
     keyed.reserve(entries.size());
-    for (const ItemEntry *entry : entries) keyed.emplace_back(foldCase(entry->name), entry);
-    std::ranges::sort(keyed, [](const auto &a, const auto &b) {
-        return a.first != b.first ? a.first < b.first : a.second->id < b.second->id;
+    for (const ItemEntry *entry : entries) {
+        const auto rank = ranks.find(entry->id);
+        keyed.push_back({rank == ranks.end() ? 0 : rank->second, foldCase(entry->name), entry});
+    }
+    std::ranges::sort(keyed, [](const Keyed &a, const Keyed &b) {
+        return std::tie(a.rank, a.name, a.entry->id) < std::tie(b.rank, b.name, b.entry->id);
     });
-    for (std::size_t i = 0; i < entries.size(); i++) entries[i] = keyed[i].second;
+    for (std::size_t i = 0; i < entries.size(); i++) entries[i] = keyed[i].entry;
 }
 
 // Marks an item and all that lies below it.
@@ -75,7 +84,8 @@ std::vector<const ItemEntry *> findStrays(const std::vector<ItemEntry> &items, c
 
 // Appends what is to stand at the root and all that is reached from it, without recursion: folders may be nested 2000
 // deep. A circle ends where it began.
-void appendReached(std::vector<const ItemEntry *> start, ChildrenOf &children, TreeContent &content) {
+void appendReached(std::vector<const ItemEntry *> start, ChildrenOf &children, const TreeRanks &ranks,
+                   TreeContent &content) {
     struct Step {
         const ItemEntry *item;
         ItemId shownUnder;
@@ -84,7 +94,7 @@ void appendReached(std::vector<const ItemEntry *> start, ChildrenOf &children, T
     for (const ItemEntry *entry : start) atRoot.insert(entry->id);
     std::vector<Step> waiting;
     const auto push = [&](std::vector<const ItemEntry *> entries, ItemId shownUnder) {
-        sortForTree(entries);
+        sortForTree(entries, ranks);
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
             if (shownUnder == rootId || !atRoot.contains((*entry)->id)) waiting.push_back({*entry, shownUnder});
     };
@@ -114,14 +124,14 @@ void writeFrameName(Bytes &head, const std::string &name) {
 
 }  // namespace
 
-TreeContent treeContent(const std::vector<ItemEntry> &items) {
+TreeContent treeContent(const std::vector<ItemEntry> &items, const TreeRanks &ranks) {
     ChildrenOf children = childrenByParent(items);
     const std::vector<const ItemEntry *> strays = findStrays(items, children);
     std::vector<const ItemEntry *> start = children[rootId];
     start.insert(start.end(), strays.begin(), strays.end());
     TreeContent content;
     content.strays = static_cast<int>(strays.size());
-    appendReached(std::move(start), children, content);
+    appendReached(std::move(start), children, ranks, content);
     return content;
 }
 

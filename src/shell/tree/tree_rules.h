@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "store/item_store.h"
@@ -25,9 +26,12 @@ struct TreeContent {
     int strays = 0;  // items whose parent is missing, no folder, or reached only in a circle; shown at the root
 };
 
-// All of items (by rising id) in the order of the tree: by name with A to Z folded, then by id, folders and items
-// mixed. The temporary folder and what it holds are left out.
-TreeContent treeContent(const std::vector<ItemEntry> &items);
+// What the items of a folder are ordered by, ahead of their names: the lower rank first, 0 for who has none.
+using TreeRanks = std::unordered_map<ItemId, std::uint64_t>;
+
+// All of items (by rising id) in the order of the tree: by rank, by name with A to Z folded, then by id, folders and
+// items mixed. The temporary folder and what it holds are left out.
+TreeContent treeContent(const std::vector<ItemEntry> &items, const TreeRanks &ranks = {});
 
 // Which of these places, all different, may stay when they are to rise: a longest rising row of them.
 std::vector<bool> longestRising(const std::vector<int> &places);

@@ -23,6 +23,7 @@ struct UndoStep {
     UndoAct act = UndoAct::deletion;
     std::string name;                 // of what it was done to
     std::vector<UndoChange> changes;  // a folder stands ahead of what it holds
+    std::vector<ItemId> came = {};    // new items that aren't taken back: told of, no more
 };
 
 // A step with room kept for it in the list. Ahead of the change, as all that is noted in it.
@@ -45,8 +46,8 @@ Fault noteBecoming(std::size_t slot, const Becoming &becoming, UndoStep &step) R
 void noteReplacing(const ItemEntry &entry, ByteView head, ByteView data, UndoStep &step) REQUIRES_LOCK(storeLock);
 void noteArrival(const ItemEntry &entry, ByteView head, ByteView data, UndoStep &step) REQUIRES_LOCK(storeLock);
 
-// Once the change is done; allocates nothing. It stands with its group, whatever else was kept meanwhile. The oldest
-// groups go when all of them hold too much.
+// Once the change is done, which whoever follows forms is told; allocates nothing else. It stands with its group,
+// whatever else was kept meanwhile. The oldest groups go when all of them hold too much.
 void keepUndoStep(UndoStep step) REQUIRES_LOCK(storeLock);
 void forgetUndoSteps() REQUIRES_LOCK(storeLock);
 

@@ -5,6 +5,7 @@
 
 #include "calculator/charset.h"
 #include "platform/letter_case.h"
+#include "store/undo/form_telling.h"
 #include "store/undo/keep_for_undo.h"
 
 namespace numalink {
@@ -227,6 +228,7 @@ Fault takeBack(std::vector<UndoStep> &from, std::vector<UndoStep> &to, TakenBack
     if (!items.empty()) doing.shown = altered == items.end() ? items.front().id : altered->id;
     done = std::move(doing);
     dropNewestGroup(from);
+    tellForms(inverse.changes, {}, FormCause::takenBack);
     to.push_back(std::move(inverse));
     dropOldest(to);
     redoArrivals = storeState.arrivals;
@@ -300,10 +302,16 @@ void noteReplacing(const ItemEntry &entry, ByteView head, ByteView data, UndoSte
 }
 
 void noteArrival(const ItemEntry &entry, ByteView head, ByteView data, UndoStep &step) {
-    if (threadGroup.act == UndoAct::import && !isTemporary(entry.parent)) noteReplacing(entry, head, data, step);
+    if (isTemporary(entry.parent)) return;
+    if (threadGroup.act == UndoAct::import)
+        noteReplacing(entry, head, data, step);
+    else
+        step.came.push_back(entry.id);
 }
 
 void keepUndoStep(UndoStep step) {
+    tellForms(step.changes, step.came, causeOf(step.act, step.changes.empty()));
+    step.came = {};
     if (step.changes.empty()) return;
     if (step.group == 0) step.group = ++lastGroup;
     const auto after = std::ranges::find(undoSteps.rbegin(), undoSteps.rend(), step.group, &UndoStep::group);

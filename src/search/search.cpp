@@ -1,0 +1,284 @@
+#include "search/search.h"
+
+#include <re2/re2.h>
+
+#include <algorithm>
+#include <map>
+
+#include "calculator/charset.h"
+#include "platform/letter_case.h"
+#include "search/search_text.h"
+#include "store/undo/undo.h"
+#include "text/lenient_text.h"
+#include "text/program_images.h"
+#include "text/view_edit.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr std::int64_t expressionMemory = std::int64_t{8} << 20;  // bytes that RE2 may use for one
+constexpr int groupLimit = 10;                                    // "\0" to "\9"
+
+}  // namespace
+
+struct CompiledSearch {
+    SearchQuery query;
+    std::string folded;                 // the words, in the case that they are compared in
+    std::vector<std::uint16_t> tokens;  // as SearchText has them
+    std::unique_ptr<RE2> expression;
+};
+
+namespace {
+
+std::vector<std::uint16_t> tokensOf(const ViewLine &line) {
+    std::vector<std::uint16_t> tokens;
+    for (const ViewToken &token : readLine(line, true).tokens)
+        tokens.push_back(static_cast<std::uint16_t>((token.length == 2 ? token.bytes[1] : 0) << 8 | token.bytes[0]));
+    return tokens;
+}
+
+// The text as tokens that stand by themselves; false where it is none.
+bool readAsTokens(const std::string &utf8, ViewLine &line) {
+    LenientText text = lenientTextOf(utf8);
+    line = lenientLine(text, utf8);
+    const LineReading reading = readLine(line, true);
+    if (reading.faultAt >= 0) return false;
+    line = keptLine(line, reading);
+    return true;
+}
+
+std::unique_ptr<RE2> compileExpression(const SearchQuery &query) {
+    RE2::Options options;
+    options.set_case_sensitive(query.matchCase);
+    options.set_log_errors(false);
+    options.set_never_nl(true);
+    options.set_max_mem(expressionMemory);
+    return std::make_unique<RE2>("(?m)" + query.pattern, options);
+}
+
+struct Stretch {
+    std::size_t from, end;  // bytes of the text
+};
+
+std::vector<Stretch> wordsIn(const CompiledSearch &search, const std::string &text) {
+    std::vector<Stretch> found;
+    const std::string folded = search.query.matchCase ? std::string() : foldCase(text);
+    const std::string &searched = search.query.matchCase ? text : folded;
+    for (std::size_t at = searched.find(search.folded); at != std::string::npos;
+         at = searched.find(search.folded, at + search.folded.size()))
+        found.push_back({at, at + search.folded.size()});
+    return found;
+}
+
+std::vector<Stretch> tokensIn(const CompiledSearch &search, const SearchText &text) {
+    std::vector<Stretch> found;
+    for (auto at = text.tokens.begin();;) {
+        at = std::search(at, text.tokens.end(), search.tokens.begin(), search.tokens.end());
+        if (at == text.tokens.end()) return found;
+        const auto first = static_cast<std::size_t>(at - text.tokens.begin());
+        const std::size_t behind = first + search.tokens.size();
+        found.push_back({text.starts[first], behind < text.starts.size() ? text.starts[behind] : text.text.size()});
+        at += static_cast<std::ptrdiff_t>(search.tokens.size());
+    }
+}
+
+std::vector<Stretch> expressionIn(const RE2 &expression, const std::string &text) {
+    std::vector<Stretch> found;
+    re2::StringPiece match;
+    for (std::size_t at = 0; at <= text.size();) {
+        if (!expression.Match(text, at, text.size(), RE2::UNANCHORED, &match, 1)) break;
+        const auto from = static_cast<std::size_t>(match.data() - text.data());
+        if (match.size() > 0) found.push_back({from, from + match.size()});
+        at = from + match.size() + (match.empty() ? 1 : 0);
+    }
+    return found;
+}
+
+std::size_t charactersIn(std::string_view utf8) {
+    const auto isFirst = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; };
+    return static_cast<std::size_t>(std::ranges::count_if(utf8, isFirst));
+}
+
+struct PlaceMaker {
+    ItemId id;
+    const std::string &text;
+    int line = 0;
+    std::size_t lineStart = 0, counted = 0;
+
+    // Stretches come by rising places. One that reaches over a line's end isn't counted: nothing replaces line ends.
+    std::optional<FoundPlace> placeOf(const Stretch &stretch) {
+        for (; counted < stretch.from; counted++) {
+            if (text[counted] != '\n') continue;
+            line++;
+            lineStart = counted + 1;
+        }
+        const std::size_t lineEnd = std::min(text.find('\n', stretch.from), text.size());
+        if (stretch.end > lineEnd) return std::nullopt;
+        const std::string_view all = text;
+        FoundPlace place{
+            .id = id, .line = line, .from = 0, .size = 0, .text = text.substr(lineStart, lineEnd - lineStart)};
+        place.from = charactersIn(all.substr(lineStart, stretch.from - lineStart));
+        place.size = charactersIn(all.substr(stretch.from, stretch.end - stretch.from));
+        return place;
+    }
+};
+
+std::vector<Stretch> stretchesIn(const CompiledSearch &search, const SearchText &text) {
+    switch (search.query.how) {
+        case SearchHow::words:
+            return wordsIn(search, text.text);
+        case SearchHow::tokens:
+            return tokensIn(search, text);
+        case SearchHow::expression:
+            return expressionIn(*search.expression, text.text);
+    }
+    return {};
+}
+
+void searchName(const CompiledSearch &search, const StoredItem &item, std::vector<FoundPlace> &places) {
+    const SearchText name{.text = utf8FromCalculator(item.name), .tokens = {}, .starts = {}};
+    PlaceMaker maker{.id = item.id, .text = name.text};
+    for (const Stretch &stretch : search.query.how == SearchHow::expression
+                                      ? expressionIn(*search.expression, name.text)
+                                      : wordsIn(search, name.text)) {
+        if (auto place = maker.placeOf(stretch)) {
+            place->line = -1;
+            places.push_back(std::move(*place));
+            return;
+        }
+    }
+}
+
+// What stands in the place of this one.
+std::string replacementAt(const CompiledSearch &search, const FoundPlace &place, const std::string &by) {
+    if (search.query.how != SearchHow::expression) return by;
+    std::size_t from = 0;
+    for (std::size_t characters = 0; from < place.text.size(); from++) {
+        if ((static_cast<unsigned char>(place.text[from]) & 0xC0) != 0x80 && characters++ == place.from) break;
+    }
+    re2::StringPiece groups[groupLimit];
+    const int count = std::min(groupLimit, search.expression->NumberOfCapturingGroups() + 1);
+    std::string rewritten, fault;
+    if (!search.expression->CheckRewriteString(by, &fault)) return by;
+    if (!search.expression->Match(place.text, from, place.text.size(), RE2::ANCHOR_START, groups, count)) return by;
+    return search.expression->Rewrite(&rewritten, by, groups, count) ? rewritten : by;
+}
+
+void putIn(ViewLine &line, const FoundPlace &place, const ViewLine &by) {
+    const auto from = static_cast<std::ptrdiff_t>(place.from), end = from + static_cast<std::ptrdiff_t>(place.size);
+    line.text.replace(place.from, place.size, by.text);
+    line.origins.erase(line.origins.begin() + from, line.origins.begin() + end);
+    line.origins.insert(line.origins.begin() + from, by.origins.begin(), by.origins.end());
+}
+
+bool fitsLine(const FoundPlace &place, const std::vector<ViewLine> &lines) {
+    if (place.line < 0 || place.line >= std::ssize(lines)) return false;
+    return place.from + place.size <= lines[static_cast<std::size_t>(place.line)].text.size();
+}
+
+}  // namespace
+
+Search compileSearch(const SearchQuery &query, std::string &fault) {
+    fault.clear();
+    if (query.pattern.empty() || query.pattern.size() > searchPatternLimit) return nullptr;
+    auto search = std::make_shared<CompiledSearch>();
+    search->query = query;
+    search->folded = query.matchCase ? query.pattern : foldCase(query.pattern);
+    if (query.how == SearchHow::tokens) {
+        ViewLine line;
+        if (!readAsTokens(query.pattern, line)) return nullptr;
+        search->tokens = tokensOf(line);
+        if (search->tokens.empty()) return nullptr;
+    }
+    if (query.how == SearchHow::expression) {
+        search->expression = compileExpression(query);
+        fault = search->expression->error();
+        if (!search->expression->ok()) return nullptr;
+    }
+    return search;
+}
+
+bool searchItem(const CompiledSearch &search, const StoredItem &item, std::vector<FoundPlace> &places) {
+    if (search.query.inNames) searchName(search, item, places);
+    if (!isTextKind(item.kind)) return places.size() < searchPlaceLimit;
+    const SearchText text = searchTextOf(item.data, search.query.how == SearchHow::tokens);
+    PlaceMaker maker{.id = item.id, .text = text.text};
+    for (const Stretch &stretch : stretchesIn(search, text)) {
+        if (places.size() >= searchPlaceLimit) return false;
+        if (auto place = maker.placeOf(stretch)) places.push_back(std::move(*place));
+    }
+    return places.size() < searchPlaceLimit;
+}
+
+std::vector<ItemId> searchedItems(ItemId folder) {
+    std::map<ItemId, ItemEntry> entries;
+    for (ItemEntry &entry : storeListItems()) entries.emplace(entry.id, std::move(entry));
+    const auto liesIn = [&](const ItemEntry &entry) {
+        ItemId parent = entry.parent;
+        for (std::size_t steps = 0; steps <= entries.size(); steps++) {
+            if (parent == folder) return true;
+            const auto above = entries.find(parent);
+            if (above == entries.end() || above->second.kind == kind::temporaryFolder) return false;
+            parent = above->second.parent;
+        }
+        return folder == rootId;
+    };
+    std::vector<ItemId> ids;
+    for (const auto &[id, entry] : entries)
+        if (!isFolderKind(entry.kind) && liesIn(entry)) ids.push_back(id);
+    return ids;
+}
+
+ReplacedProgram replacePlaces(const CompiledSearch &search, const StoredItem &item,
+                              const std::vector<FoundPlace> &places, const std::string &by) {
+    ReplacedProgram replaced;
+    std::vector<ViewLine> lines = viewLines(item.data);
+    // From the last to the first, so that the places ahead stay where they are.
+    for (auto place = places.rbegin(); place != places.rend(); ++place) {
+        if (!fitsLine(*place, lines)) continue;
+        ViewLine in;
+        const std::string text = replacementAt(search, *place, by);
+        if (search.query.how != SearchHow::tokens || !readAsTokens(text, in)) in = typedLine(text);
+        putIn(lines[static_cast<std::size_t>(place->line)], *place, in);
+    }
+    bool readable = true;
+    for (const FoundPlace &place : places) {
+        if (!fitsLine({.id = {}, .line = place.line}, lines)) continue;
+        const ViewLine &line = lines[static_cast<std::size_t>(place.line)];
+        const LineReading reading = readLine(line, true);
+        const bool isRead = reading.faultAt < 0;
+        readable = readable && isRead;
+        replaced.lines.push_back(isRead ? utf8FromCalculator(shownLine(line, reading).text) : std::string());
+    }
+    if (readable) imageOfViewLines(lines, true, replaced.image);
+    return replaced;
+}
+
+ReplaceResult replaceEverywhere(const CompiledSearch &search, const std::vector<FoundPlace> &places,
+                                const std::string &by, const std::string &stepName, ItemId &culprit) {
+    std::map<ItemId, std::vector<FoundPlace>> byItem;
+    for (const FoundPlace &place : places)
+        if (place.line >= 0) byItem[place.id].push_back(place);
+    std::vector<std::pair<ItemId, Bytes>> images;
+    for (const auto &[id, wanted] : byItem) {
+        culprit = id;
+        StoredItem item;
+        if (!storeReadEntry(id) || !storeReadItem(id, item)) return ReplaceResult::changed;
+        std::vector<FoundPlace> there;
+        searchItem(search, item, there);
+        const auto isThere = [&](const FoundPlace &place) { return std::ranges::find(there, place) != there.end(); };
+        if (!std::ranges::all_of(wanted, isThere)) return ReplaceResult::changed;
+        ReplacedProgram replaced = replacePlaces(search, item, wanted, by);
+        if (replaced.image.empty()) return ReplaceResult::unreadable;
+        images.emplace_back(id, std::move(replaced.image));
+    }
+    const UndoGroup group(UndoAct::edit, stepName);
+    for (auto &[id, image] : images) {
+        culprit = id;
+        if (!writeProgramImage(id, std::move(image))) return ReplaceResult::failed;
+    }
+    return ReplaceResult::done;
+}
+
+}  // namespace numalink

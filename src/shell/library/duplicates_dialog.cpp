@@ -1,0 +1,88 @@
+#include "shell/library/duplicates_dialog.h"
+
+#include <QDialog>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "search/duplicates.h"
+#include "shell/library/compare_window.h"
+#include "shell/library/item_paths.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/open_windows.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/tree/selection.h"
+#include "telling/tell_user.h"
+
+namespace numalink {
+
+namespace {
+
+ItemId itemOf(const QTreeWidgetItem *row) {
+    return row == nullptr || row->parent() == nullptr ? noItem : row->data(0, Qt::UserRole).toUInt();
+}
+
+QTreeWidget *listOf(const std::vector<Duplicates> &found) {
+    auto *list = new QTreeWidget;
+    list->setHeaderHidden(true);
+    for (const Duplicates &group : found) {
+        const Text likeness = group.likeness == Likeness::bytes ? Text::duplicatesBytes : Text::duplicatesLoose;
+        auto *head = new QTreeWidgetItem(list, {textOf(likeness)});
+        for (const ItemId id : group.ids) {
+            const auto entry = storeReadEntry(id);
+            if (!entry) continue;
+            auto *row = new QTreeWidgetItem(head, {pathOfItem(*entry)});
+            row->setData(0, Qt::UserRole, id);
+        }
+        head->setExpanded(true);
+    }
+    list->setCurrentItem(list->topLevelItem(0)->child(0));
+    return list;
+}
+
+// The item and another one of its group.
+void compareInGroup(const QTreeWidgetItem *row) {
+    if (itemOf(row) == noItem || row->parent()->childCount() < 2) return;
+    const QTreeWidgetItem *first = row->parent()->child(0);
+    const QTreeWidgetItem *other = first == row ? row->parent()->child(1) : first;
+    const CompareSource left = compareSourceOf(itemOf(other)), right = compareSourceOf(itemOf(row));
+    if (!left.label.isEmpty() && !right.label.isEmpty()) compareSources(left, right);
+}
+
+}  // namespace
+
+void showDuplicates() {
+    const std::vector<Duplicates> found = findDuplicates();
+    if (found.empty()) {
+        tellUser(Text::duplicatesNone, {}, BoxIcon::information);
+        return;
+    }
+    QDialog dialog(mainWindow);
+    dialog.setObjectName(QStringLiteral("duplicatesDialog"));
+    dialog.setWindowTitle(textOf(Text::duplicatesTitle));
+    auto *layout = new QVBoxLayout(&dialog);
+    QTreeWidget *list = listOf(found);
+    layout->addWidget(list);
+    auto *buttons = new QHBoxLayout;
+    auto *compare = new QPushButton(textOf(Text::arrivalsCompare));
+    auto *close = new QPushButton(textOf(Text::close));
+    compare->setAutoDefault(false);
+    close->setAutoDefault(false);
+    buttons->addWidget(compare);
+    buttons->addStretch();
+    buttons->addWidget(close);
+    layout->addLayout(buttons);
+    QObject::connect(compare, &QPushButton::clicked, &dialog, [list] { compareInGroup(list->currentItem()); });
+    QObject::connect(close, &QPushButton::clicked, &dialog, &QDialog::accept);
+    ItemId chosen = noItem;  // to be shown in the tree
+    QObject::connect(list, &QTreeWidget::itemActivated, &dialog, [&](const QTreeWidgetItem *row) {
+        chosen = itemOf(row);
+        if (chosen != noItem) dialog.accept();
+    });
+    dialog.resize(420, 420);
+    runDialog(dialog);
+    if (chosen != noItem && storeReadEntry(chosen)) selectItem(chosen);
+}
+
+}  // namespace numalink
