@@ -23,6 +23,9 @@ _numalink_cli() {
         --to) mapfile -t COMPREPLY < <(compgen -W "cas cat cat-algebra" -- "$cur") && return ;;
         --raster) mapfile -t COMPREPLY < <(compgen -W "image sharp" -- "$cur") && return ;;
         --existing) mapfile -t COMPREPLY < <(compgen -W "keep replace skip" -- "$cur") && return ;;
+        --as) mapfile -t COMPREPLY < <(compgen -W "words tokens regex" -- "$cur") && return ;;
+        --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") && return ;;
+        --text) _filedir -d && return ;;
         --answer) mapfile -t COMPREPLY < <(compgen -W "yes no cancel" -- "$cur") && return ;;
         --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
         --port) mapfile -t COMPREPLY < <(compgen -W "COM1 COM2 COM3 COM4" -- "$cur") && _filedir && return ;;
@@ -32,8 +35,12 @@ _numalink_cli() {
         "") options="--help --version" ;;
         check) options="--help --repair --restore" ;;
         convert) options="--help --to --raster --replace" ;;
-        export) options="--help --to --replace" ;;
-        import) options="--help --into --existing --raster" ;;
+        diff) options="--help --json --color" ;;
+        duplicates) options="--help --json" ;;
+        search) options="--help --as --in --match-case --names --replace-by --apply --json" ;;
+        versions) options="--help --show --restore --json" ;;
+        export) options="--help --to --replace --text" ;;
+        import) options="--help --into --existing --raster --text" ;;
         link) options="--help --port --type --answer --slot --remove-colour --seconds --json --trace" ;;
         list | lint) options="--help --json" ;;
         share) options="--help --out --title --replace" ;;
@@ -44,8 +51,7 @@ _numalink_cli() {
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     elif [[ -z $command ]]; then
-        list | lint) options="--help --json" ;;
-        share) options="--help --out --title --replace" ;;
+        mapfile -t COMPREPLY < <(compgen -W "check convert diff duplicates export import language-server link lint list search share show run eval tokens versions write" -- "$cur")
     elif [[ $command == tokens ]]; then
         mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
     else
