@@ -17,7 +17,7 @@
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
-#include "shell/tree/tree_rules.h"
+#include "shell/tree/tree_order.h"
 
 #include "store/care/library_check.h"
 #include "store/item_store.h"
@@ -43,7 +43,8 @@ int entriesBelow(const QTreeWidgetItem *entry) {
 
 // What is wrong with the tree, "" when nothing is.
 std::string treeFault() {
-    const TreeContent content = treeContent(storeListItems());
+    const std::vector<ItemEntry> items = storeListItems();
+    const TreeContent content = treeContent(items, treeRanks(items));
     QTreeWidgetItem *root = treeView->invisibleRootItem();
     std::map<ItemId, int> places;
     for (const TreeEntry &entry : content.entries) {

@@ -133,6 +133,7 @@ bool writeText(const ReadText &read) {
     forgetDraft();
     programToStatus(viewItemId);
     programStored(viewItemId);
+    refreshTree();  // which may be ordered by size or time
     tellWhenTooLong(viewItemId);
     return true;
 }
