@@ -205,8 +205,8 @@ TEST_F(History, AFileThatIsNotInOrderNeverKeepsTheLibraryShut) {
         open();
         for (std::size_t i = 0; i < historyForms(a).size(); i++) {
             StoredItem form;
-            if (historyReadForm(a, i, form))
-                EXPECT_TRUE(form.data.size() == 1 && form.data[0] >= '1' && form.data[0] <= '4');
+            const bool isRead = historyReadForm(a, i, form);
+            EXPECT_TRUE(!isRead || (form.data.size() == 1 && form.data[0] >= '1' && form.data[0] <= '4'));
         }
         close();
     }
@@ -215,7 +215,9 @@ TEST_F(History, AFileThatIsNotInOrderNeverKeepsTheLibraryShut) {
 
 // The same by what the user may do; root may write everything.
 TEST_F(History, AReadOnlyLibraryIsReadWithItsForms) {
-    if (geteuid() == 0) GTEST_SKIP();
+    if (geteuid() == 0) {
+        GTEST_SKIP();
+    }
     const ItemId a = storeAddItem(program("A", text("1")));
     ASSERT_TRUE(edit(a, text("2")));
     close();
