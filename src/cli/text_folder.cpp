@@ -223,6 +223,11 @@ void addFile(FolderStep &step, const TextRecord &wanted) {
 void importKnown(FolderStep &step, const TextRecord &record, const StoredItem *item, const std::string &text) {
     const bool edited = digestOf(bytesOf(text)) != record.text;
     if (item == nullptr) return addFile(step, record);
+    if (!edited && digestOf(item->data) != record.image && textOf(item->data) != text) {
+        step.conflict(record.file, "is as it was written, but the program isn't; both stay as they are");
+        step.kept.push_back(record);
+        return;
+    }
     if (!edited || textOf(item->data) == text) {
         step.kept.push_back(recordOf(*item, record.file, record.path, textOf(item->data)));
         if (!edited) step.kept.back().text = record.text;

@@ -58,7 +58,8 @@ void drop(std::size_t number) REQUIRES_LOCK(historyLock) {
 void trim(std::vector<std::size_t> &chain) REQUIRES_LOCK(historyLock) {
     std::size_t forms = 0;
     for (auto number = chain.rbegin(); number != chain.rend(); ++number)
-        if (history.records[*number].head.hasForm != 0 && history.counts[*number] && ++forms > historyFormLimit)
+        // One more than is shown: it tells how the oldest one shown came.
+        if (history.records[*number].head.hasForm != 0 && history.counts[*number] && ++forms > historyFormLimit + 1)
             drop(*number);
     for (; history.bytes > historySizeLimit && history.oldest < history.records.size(); history.oldest++)
         drop(history.oldest);
@@ -225,7 +226,7 @@ bool readChain(ItemId id, Chain &chain) {
 std::vector<FormRecord> formsOf(const Chain &chain) {
     std::vector<FormRecord> forms;
     for (const FormRecord &record : chain.records)
-        if (record.head.hasForm != 0) forms.push_back(record);
+        if (record.head.hasForm != 0 && forms.size() < historyFormLimit) forms.push_back(record);
     return forms;
 }
 

@@ -184,7 +184,8 @@ Search compileSearch(const SearchQuery &query, std::string &fault) {
     if (query.pattern.empty() || query.pattern.size() > searchPatternLimit) return nullptr;
     auto search = std::make_shared<CompiledSearch>();
     search->query = query;
-    search->folded = query.matchCase ? query.pattern : foldCase(query.pattern);
+    search->query.pattern = withPlainPlus(query.pattern);
+    search->folded = query.matchCase ? search->query.pattern : foldCase(search->query.pattern);
     if (query.how == SearchHow::tokens) {
         ViewLine line;
         if (!readAsTokens(query.pattern, line)) return nullptr;
@@ -192,7 +193,7 @@ Search compileSearch(const SearchQuery &query, std::string &fault) {
         if (search->tokens.empty()) return nullptr;
     }
     if (query.how == SearchHow::expression) {
-        search->expression = compileExpression(query);
+        search->expression = compileExpression(search->query);
         fault = search->expression->error();
         if (!search->expression->ok()) return nullptr;
     }
@@ -249,7 +250,8 @@ ReplacedProgram replacePlaces(const CompiledSearch &search, const StoredItem &it
         const LineReading reading = readLine(line, true);
         const bool isRead = reading.faultAt < 0;
         readable = readable && isRead;
-        replaced.lines.push_back(isRead ? utf8FromCalculator(shownLine(line, reading).text) : std::string());
+        replaced.lines.push_back(isRead ? withPlainPlus(utf8FromCalculator(shownLine(line, reading).text))
+                                        : std::string());
     }
     if (readable) imageOfViewLines(lines, true, replaced.image);
     return replaced;

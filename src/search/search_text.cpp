@@ -12,6 +12,7 @@ namespace numalink {
 
 namespace {
 
+constexpr std::string_view calculatorPlus = "\uFF0B";
 constexpr std::uint8_t lineEnd = 0x0D, displayCommand = 0x0C, endMark = 0xFF;
 
 // What each token shows, by its bytes, as the view has it.
@@ -34,7 +35,7 @@ struct Shown {
         Bytes image = {':'};
         image.insert(image.end(), token);
         image.push_back(endMark);
-        return utf8FromCalculator(viewLines(image).front().text);
+        return withPlainPlus(utf8FromCalculator(viewLines(image).front().text));
     }
 
     const std::string &of(std::uint8_t first, std::uint8_t second) const {
@@ -52,6 +53,12 @@ std::shared_ptr<const Shown> shownTexts() {
 }
 
 }  // namespace
+
+std::string withPlainPlus(std::string utf8) {
+    for (std::size_t at = utf8.find(calculatorPlus); at != std::string::npos; at = utf8.find(calculatorPlus, at + 1))
+        utf8.replace(at, calculatorPlus.size(), "+");
+    return utf8;
+}
 
 void searchTextForget() {
     const HoldLock hold(shownLock);

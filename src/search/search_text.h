@@ -1,5 +1,6 @@
 // A program's text as it is searched: one string in UTF-8, with lines that end in a line feed, made fast enough for a
-// whole library at each search. Line for line what its view shows. Pure; any thread once the token table is loaded.
+// whole library at each search. Line for line what its view shows, but for the plus. Pure; any thread once the token
+// table is loaded.
 #pragma once
 
 #include <string>
@@ -18,6 +19,10 @@ struct SearchText {
 };
 
 SearchText searchTextOf(ByteView image, bool withTokens);
+
+// With a plain plus for the calculators' own, which has a full width: what is typed has the plain one. Each stays one
+// character.
+std::string withPlainPlus(std::string utf8);
 
 // Made of the token table as it is at the first call, and with it: to be called where the table is loaded anew.
 void searchTextForget();

@@ -124,9 +124,9 @@ TEST_F(ProgramCompare, MarksTheTokensThatDiffer) {
 // Taking every difference over, one at a time, makes the one program the other, to the byte.
 TEST_F(ProgramCompare, TakesOverOneDifferenceAtATime) {
     const Bytes left = imageOf(
-        "A\rB+1\r\xF7\x00then\rC\rD\x0C"
+        "A\rB+1\r\xF7\x01then\rC\rD\x0C"
         "E");
-    const Bytes right = imageOf("B+2\r\xF7\x00then\rX\rC\rD\rE\rF");
+    const Bytes right = imageOf("B+2\r\xF7\x01then\rX\rC\rD\rE\rF");
     for (const CompareSide into : {CompareSide::left, CompareSide::right}) {
         Bytes sides[] = {left, right};
         Bytes &changing = sides[into == CompareSide::left ? 0 : 1];

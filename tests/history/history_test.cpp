@@ -83,7 +83,7 @@ TEST_F(History, EachWayOfChangingTellsItsCause) {
     EXPECT_THAT(formsOf(a), ElementsAre("edited 3", "edited 2", "made 1"));
     TakenBack done;
     ASSERT_TRUE(storeUndo(done));
-    EXPECT_THAT(formsOf(a), ElementsAre("edited 2", "edited 3", "edited 2", "made 1"));
+    EXPECT_THAT(formsOf(a), ElementsAre("undone 2", "edited 3", "edited 2", "made 1"));
     // A name, a folder and what is stored again unchanged are no forms; another head is.
     ASSERT_TRUE(storeRename(a, "B", headOf("B")));
     ASSERT_TRUE(storeMove(a, storeResolvePath("/F", true)));
@@ -115,9 +115,9 @@ TEST_F(History, WhatTakesAnItemsPlaceHasItsForms) {
     EXPECT_THAT(formsOf(third), ElementsAre("imported 3", "received 2", "made 1"));
     TakenBack done;
     ASSERT_TRUE(storeUndo(done));
-    EXPECT_THAT(formsOf(second), ElementsAre("received 2", "imported 3", "received 2", "made 1"));
+    EXPECT_THAT(formsOf(second), ElementsAre("undone 2", "imported 3", "received 2", "made 1"));
     reopen();
-    EXPECT_THAT(formsOf(second), ElementsAre("received 2", "imported 3", "received 2", "made 1"));
+    EXPECT_THAT(formsOf(second), ElementsAre("undone 2", "imported 3", "received 2", "made 1"));
     EXPECT_THAT(historyGone(), IsEmpty());
     ASSERT_TRUE(storeDelete(second));
     reopen();
