@@ -59,7 +59,7 @@ void addPlaces(Json &list, const StoredItem &item, const std::vector<FoundPlace>
 const char *wordingOf(ReplaceResult result) {
     switch (result) {
         case ReplaceResult::changed:
-            return "it changes meanwhile";
+            return "it has changed meanwhile";
         case ReplaceResult::unreadable:
             return "a line would be no program";
         default:
