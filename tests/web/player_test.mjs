@@ -201,7 +201,7 @@ async function measure(page) {
   const hex = run('tokens', 'encode', '--typed', 'For 1->A To 1000000', 'A+1->B', 'Next').trim();
   const bundle = JSON.stringify(bundleOf(Buffer.from(hex, 'hex')));
   const rate = await page.value(`(async () => { await ${inPage}(${bundle}, [], [], 0); const from = performance.now(); const run = await ${inPage}(${bundle}, [], [], 0); return run.statements / (performance.now() - from) * 1000; })()`);
-  console.log(`the player: ${Math.round(rate / 3 / 1000)},000 passes of a loop a second`);
+  console.log(`the player: ${(rate / 3e6).toFixed(1)} million passes of a loop a second`);
 }
 
 const browser = await startBrowser();
