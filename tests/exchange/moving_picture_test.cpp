@@ -69,6 +69,17 @@ TEST(MovingPicture, WhatIsShownTooShortlyGivesItsPlaceAndWhatIsTheSameLasts) {
     EXPECT_FALSE(apngFile(picture, 0));
 }
 
+TEST(MovingPicture, TooManyFramesAreLeftOutButNotTheirTime) {
+    MovieRecorder recorder;
+    constexpr std::size_t count = movieFrameLimit + 10;
+    for (std::size_t i = 0; i < count; i++)
+        recorder.show(Surface(1, 1, i % 2 == 0 ? lcdColor::black : lcdColor::blue), i * movieFrameShortest);
+    const MovingPicture picture = recorder.finish(count * movieFrameShortest);
+    EXPECT_TRUE(picture.isFull);
+    ASSERT_EQ(picture.frames.size(), movieFrameLimit);
+    EXPECT_EQ(picture.frames.back().hundredths, 11 * movieFrameShortest / 10);
+}
+
 TEST(MovingPicture, GifsHoldTheFrames) {
     std::mt19937 chance(3);
     MovieRecorder recorder;
