@@ -10,7 +10,7 @@ namespace numalink {
 
 inline constexpr int languageLimit = 20;                // languages kept
 inline constexpr int languageTextCount = 200;           // text numbers 0 to 199
-inline constexpr std::size_t languagePoolSize = 65536;  // bytes of all texts together, terminators included
+inline constexpr std::size_t languagePoolSize = 262144;  // bytes of all texts together, terminators included
 
 struct LanguageRecord {
     std::string name, author, email, date;  // at most 99 bytes each
