@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int languageNameNumber = 0, firstOwnNumber = 164, textNumberEnd = 200;
-// The program's table keeps 65,536 bytes of texts, terminators included; the current language and the fallback share
+// The program's table keeps 262,144 bytes of texts, terminators included; the current language and the fallback share
 // it.
 constexpr std::size_t mostTextBytes = 262144 / 2;
 const std::set<int> unusedNumbers = {5, 29, 80, 94, 95};
