@@ -4,7 +4,7 @@ _numalink() {
     local cur prev words cword
     _init_completion || return
     if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--help --version" -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W "--help --version --trace" -- "$cur")
     else
         _filedir
     fi

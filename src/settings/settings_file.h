@@ -1,5 +1,6 @@
 // The text of settings.xml: a dialect of elements only, in which each component of a key is one level of nesting.
-// Pure but for the table of settings that the reader fills; only settings/ and its tests include this.
+// Pure but for the table of settings that the reader fills; what shows settings as they are includes this beside
+// settings/.
 #pragma once
 
 #include <string>

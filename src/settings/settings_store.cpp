@@ -169,13 +169,13 @@ bool settingsLoad() {
     return settingsParse({reinterpret_cast<const char *>(bytes.data()), bytes.size()}, settingsSetValue);
 }
 
+std::vector<Setting> settingsAll() {
+    const HoldLock hold(settingsLock);
+    return table;
+}
+
 bool settingsSave() {
-    std::vector<Setting> settings;
-    {
-        const HoldLock hold(settingsLock);
-        settings = table;
-    }
-    const std::string file = settingsFormat(settings);
+    const std::string file = settingsFormat(settingsAll());
     const ByteView bytes(reinterpret_cast<const std::uint8_t *>(file.data()), file.size());
     makeFolders(settingsFolder());
     return writeWholeFile(settingsFolder() + "settings.xml", bytes) == FileResult::done;

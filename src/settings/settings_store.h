@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace numalink {
+
+struct Setting;  // settings_file.h
 
 inline constexpr std::size_t settingsSlotCount = 100;
 inline constexpr std::size_t settingsTextLimit = 99;  // characters of a key or a value
@@ -22,7 +25,9 @@ inline constexpr char fullscreen[] = "Numalink.Settings.Emulator.Fullscreen";
 inline constexpr char fillListsMatrices[] = "Numalink.Settings.Emulator.FillListsMatrices";
 inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
 inline constexpr char besideProgram[] = "Numalink.Settings.Emulator.BesideProgram";
-inline constexpr char panes[] = "Numalink.Settings.Emulator.Panes";  // no default: as they were made
+inline constexpr char panes[] = "Numalink.Settings.Emulator.Panes";          // no default: as they were made
+inline constexpr char paneSizes[] = "Numalink.Settings.Emulator.PaneSizes";  // no default, as windowPlace
+inline constexpr char windowPlace[] = "Numalink.Settings.Main.Window";       // Qt's, in base 64: 88 characters
 inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
 inline constexpr char farEndPort[] = "Numalink.Settings.Emulator.Port";  // what programs speak to by Send(; empty: none
 inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
@@ -67,6 +72,9 @@ std::uint32_t settingsColour(std::string_view key);
 bool settingsSetValue(std::string_view key, std::string_view value);
 bool settingsSetInt(std::string_view key, std::int32_t value);
 bool settingsSetColour(std::string_view key, std::uint32_t color);
+
+// All keys with their values, in the order of the table.
+std::vector<Setting> settingsAll();
 
 // The table's defaults, then settings.xml of the settings folder over them. A missing or damaged file leaves what
 // it doesn't reach at its default. Returns false when there is a file that could not be read, or that holds a value

@@ -76,6 +76,16 @@ std::string stringText(const ProgramCell &cell) {
     return text.substr(0, valueTextLimit);
 }
 
+std::string rowsOnDisplay(bool blankOnes) {
+    const HoldLock held(displayLock);
+    std::string text;
+    for (const std::string &row : displayRows) {
+        const std::size_t end = row.find_last_not_of(' ') + 1;  // 0 for a blank one
+        if (end > 0 || blankOnes) text += utf8FromCalculator(row.substr(0, end)) + "\n";
+    }
+    return text;
+}
+
 bool isBlankString(const ProgramCell &cell) {
     return cell.kind == CellKind::string && cell.stringLength == 1 && isToken(cell.stringCells[0], token::blank);
 }
@@ -155,15 +165,8 @@ bool displayCopy(Surface &target, std::uint64_t &seen) {
     return true;
 }
 
-std::string displayText() {
-    const HoldLock held(displayLock);
-    std::string text;
-    for (const std::string &row : displayRows) {
-        const std::size_t end = row.find_last_not_of(' ');
-        if (end != std::string::npos) text += utf8FromCalculator(row.substr(0, end + 1)) + "\n";
-    }
-    return text;
-}
+std::string displayText() { return rowsOnDisplay(false); }
+std::string displayLines() { return rowsOnDisplay(true); }
 
 Surface displayNow() {
     const HoldLock held(displayLock);

@@ -27,6 +27,7 @@ void refreshScreen(bool showCross);
 // number still.
 bool displayCopy(Surface &target, std::uint64_t &seen);
 Surface displayNow();
-std::string displayText();  // UTF-8: the rows of the text screen that aren't blank, each with its line end
+std::string displayText();   // UTF-8: the rows of the text screen that aren't blank, each with its line end
+std::string displayLines();  // the same of all 8 rows, without the blanks at their ends
 
 }  // namespace numalink

@@ -4,9 +4,15 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
+#include "platform/event_log.h"
+#include "platform/program_folder.h"
+#include "shell/dialogs/report_dialog.h"
 #include "shell/editor/program_drafts.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/dialog_parts.h"
@@ -22,18 +28,27 @@ namespace numalink {
 
 namespace {
 
-enum class DraftAnswer { open, remove, later };
+enum class DraftAnswer { open, remove, later, report };
+
+// The events of a run that didn't end by itself, for as long as nobody was asked about them.
+std::optional<std::vector<std::string>> crashed;
 
 DraftAnswer askDraft(const Draft &draft) {
-    QMessageBox box(QMessageBox::Question, boxTitle(false), textOf(Text::draftFound, {draft.name.toStdString()}),
-                    QMessageBox::NoButton, mainWindow);
+    const QString ahead = crashed ? textOf(Text::crashFound) + QStringLiteral("\n\n") : QString();
+    QMessageBox box(QMessageBox::Question, boxTitle(false),
+                    ahead + textOf(Text::draftFound, {draft.name.toStdString()}), QMessageBox::NoButton, mainWindow);
     box.setTextFormat(Qt::PlainText);
+    QPushButton *report = crashed ? box.addButton(textOf(Text::crashReport), QMessageBox::HelpRole) : nullptr;
     QPushButton *open = box.addButton(textOf(Text::draftOpen), QMessageBox::AcceptRole);
-    const QPushButton *remove = box.addButton(textOf(Text::draftDelete), QMessageBox::DestructiveRole);
+    QPushButton *remove = box.addButton(textOf(Text::draftDelete), QMessageBox::DestructiveRole);
     QPushButton *later = box.addButton(textOf(Text::draftLater), QMessageBox::RejectRole);
     box.setDefaultButton(open);
     box.setEscapeButton(later);
+    // Qt leaves a button out of what Tab reaches where roles stand in another order than their buttons.
+    for (const auto &[one, next] : {std::pair(open, remove), std::pair(remove, later), std::pair(later, report)})
+        if (next != nullptr) QWidget::setTabOrder(one, next);
     runDialog(box);
+    if (report != nullptr && box.clickedButton() == report) return DraftAnswer::report;
     if (box.clickedButton() == open) return DraftAnswer::open;
     return box.clickedButton() == remove ? DraftAnswer::remove : DraftAnswer::later;
 }
@@ -55,6 +70,26 @@ ItemId itemFor(const Draft &draft) {
     return id;
 }
 
+void showCrash() {
+    const std::vector<std::string> events = std::exchange(crashed, std::nullopt).value_or(std::vector<std::string>());
+    showReportOf(events.empty() ? std::vector<std::string>{"none"} : events);
+}
+
+// Asked with the first draft; without one, alone.
+void offerCrashReport() {
+    if (!crashed) return;
+    QMessageBox box(QMessageBox::Question, boxTitle(false), textOf(Text::crashFound), QMessageBox::NoButton,
+                    mainWindow);
+    box.setTextFormat(Qt::PlainText);
+    const QPushButton *report = box.addButton(textOf(Text::crashReport), QMessageBox::AcceptRole);
+    QPushButton *no = box.addButton(textOf(Text::crashNoReport), QMessageBox::RejectRole);
+    box.setDefaultButton(no);
+    box.setEscapeButton(no);
+    runDialog(box);
+    if (box.clickedButton() == report) return showCrash();
+    crashed.reset();
+}
+
 bool openInView(const Draft &draft) {
     const ItemId id = itemFor(draft);
     if (id == noItem || !selectItem(id) || viewItemId != id) return false;
@@ -71,10 +106,17 @@ void offerDrafts() {
     for (int number = 1; number <= draftLimit; number++) {
         const std::optional<Draft> draft = readDraft(number);
         if (!draft) continue;
-        switch (askDraft(*draft)) {
+        DraftAnswer answer = askDraft(*draft);
+        if (answer == DraftAnswer::report) {
+            showCrash();
+            answer = askDraft(*draft);
+        }
+        crashed.reset();
+        switch (answer) {
             case DraftAnswer::open:
                 if (openInView(*draft)) return;
                 break;
+            case DraftAnswer::report:
             case DraftAnswer::remove:
                 removeDraft(*draft);
                 break;
@@ -82,6 +124,15 @@ void offerDrafts() {
                 break;
         }
     }
+    offerCrashReport();
+}
+
+void keepEvents() {
+    crashed.reset();
+    if (storeIsReadOnly()) return;
+    crashed = eventLogKeep(libraryFolder() + "running.log");
+    if (crashed) noteEvent("the run before didn't end by itself");
+    noteEvent("library open");
 }
 
 }  // namespace numalink

@@ -5,6 +5,7 @@
 
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
+#include "platform/event_log.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
@@ -65,6 +66,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin, ListLibrary list)
     }
     emulatorStop();
     stopLink();
+    eventLogRelease();
     closeLibrary();
     forgetItems();
     const bool opened = openLibraryFolder(mayBegin ? WhenEmptied::refuse : WhenEmptied::neverBegin, Text::cancel);
@@ -76,6 +78,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin, ListLibrary list)
         }
     }
     answerFurtherCopies();
+    keepEvents();
     loadBreakpoints();
     refreshTreeNow();
     startLink();

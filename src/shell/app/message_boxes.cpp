@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include "platform/event_log.h"
 #include "platform/thread_role.h"
 #include "shell/commands/link_commands.h"
 #include "shell/dialogs/bitmap_dialog.h"
@@ -66,8 +67,15 @@ QDialog *makeBox(const Box &box) {
     return window;
 }
 
+// What the box says, without what stands in its places: names and paths are nobody else's business.
+void noteBox(const Box &box) {
+    const std::string words = box.bodyText == Text::none ? box.title : wording(box.bodyText);
+    noteEvent("box " + std::to_string(textNumber(box.bodyText)) + " " + words);
+}
+
 Answer messageBox(const Box &box) {
     if (threadRole == ThreadRole::graphical && boxesSilenced()) return Answer::cancel;
+    noteBox(box);
     const int button = askByDialog([box] { return makeBox(box); });
     if (button == QMessageBox::Yes) QMetaObject::invokeMethod(qApp, goToRunFault, Qt::QueuedConnection);
     return button == QMessageBox::Ok ? Answer::ok : Answer::cancel;
@@ -75,6 +83,7 @@ Answer messageBox(const Box &box) {
 
 void statusText(StatusPart part, Text which, const std::string &text) {
     if (part == StatusPart::progress) return;
+    if (part == StatusPart::link && which != Text::none) noteEvent("link " + wording(which));
     graphicalRun(
         [&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text), which == Text::portNone); });
 }

@@ -10,6 +10,7 @@ struct StartWish {
     bool ofThisLibrary = false;  // this library was asked for; else it is the user's own, and any window does
     QStringList files = {};      // absolute paths, to be opened as dropped ones are
     bool asksWhenNew = false;    // where there is neither a library nor settings, the user is asked what to begin with
+    QString trace = {};          // the file for a trace of the wire, or empty
 };
 
 // Asks a running copy to show its window and take the files: the one with this library, or one that began with it and

@@ -1,11 +1,15 @@
 #include "shell/app/start_up.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QMainWindow>
 #include <QThread>
 #include <QTimer>
+#include <cstdio>
 
 #include "drawing/dot_fonts.h"
+#include "link/wire_trace.h"
+#include "platform/event_log.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
@@ -21,6 +25,7 @@
 #include "shell/app/tour.h"
 #include "shell/app/tray.h"
 #include "shell/app/window_events.h"
+#include "shell/app/window_place.h"
 #include "shell/commands/file_commands.h"
 #include "shell/commands/library_commands.h"
 #include "shell/commands/link_commands.h"
@@ -34,6 +39,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/pane_sizes.h"
 #include "shell/parts/program_colors.h"
 #include "shell/run/emulator_window.h"
 #include "shell/tree/label_edit.h"
@@ -107,6 +113,19 @@ bool tellSettings() {
     return true;
 }
 
+bool leftToRunningCopy() {
+    if (!raiseRunningCopy(state.wish)) return false;
+    if (!state.wish.trace.isEmpty()) std::fputs("numalink: the copy that runs keeps no trace for this start\n", stderr);
+    return true;
+}
+
+bool startTrace() {
+    if (state.wish.trace.isEmpty()) return true;
+    const std::string path = QFile::encodeName(state.wish.trace).toStdString();
+    const FileResult result = wireTraceStart(path);
+    return result == FileResult::done || failWith(fileTrouble(result), {path});
+}
+
 bool showFirst() {
     mainWindow->show();
     showSplash();
@@ -115,7 +134,7 @@ bool showFirst() {
 
 // In this order: wording ahead of windows, the window ahead of any box, the library ahead of the tree.
 constexpr StartStep startSteps[] = {
-    {"running copy", [] { return !raiseRunningCopy(state.wish); }, true},
+    {"running copy", [] { return !leftToRunningCopy(); }, true},
     {"settings", [] { return state.settingsRead = loadSettings(); }, false},
     {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
@@ -132,9 +151,11 @@ constexpr StartStep startSteps[] = {
     {"panes of the editor", [] { return done(makeCodePanes); }, false},
     {"its bar", [] { return done(buildDebugBar); }, false},
     {"window events", [] { return done(connectWindow); }, false},
+    {"its place", [] { return done(restoreWindowPlace); }, false},
     {"window on screen", showFirst, false},
     {"faulty settings told", [] { return state.settingsRead || tellSettings(); }, false},
     {"library", openLibraryAtStart, true},
+    {"events", [] { return done(keepEvents); }, false},
     {"first settings", beginFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
     {"breakpoints", [] { return done(connectDebugging); }, false},
@@ -144,6 +165,7 @@ constexpr StartStep startSteps[] = {
     {"tokens", tokenTableLoad, false},
     {"large font", loadLargeFont, false},
     {"small font", loadSmallFont, false},
+    {"trace of the wire", startTrace, false},
     {"link", [] { return done(startLink); }, false},
     {"signals", [] { return done([] { watchStopSignals(shutDownAtOnce); }); }, false},
     {"drafts", [] { return done(offerDraftsSoon); }, false},
@@ -155,6 +177,9 @@ void closeLibraryAndQuit() {
     state.shutting = true;
     emulatorStop();  // beside the program it doesn't end with the view
     stopLink();
+    wireTraceEnd();
+    eventLogRelease();
+    rememberWindowPlace();
     closeLibrary();
     forgetTour();
     removeTrayIcon();
@@ -218,6 +243,7 @@ void tearDown() {
     forgetSearchWindow();
     forgetTreeFilter();
     forgetTreeOrder();
+    forgetPaneSizes();
     forgetEmulatorWindow();
     destroyWidgets();
 }

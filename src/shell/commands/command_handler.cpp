@@ -1,5 +1,6 @@
 #include "shell/commands/command_handler.h"
 
+#include "platform/event_log.h"
 #include "platform/thread_role.h"
 #include "shell/editor/program_store.h"
 #include "shell/parts/command_states.h"
@@ -17,6 +18,8 @@ int handleCommand(CommandId id) {
     if (row->endsLabelEdit && !finishLabelEdit()) return 0;
     if (row->enabledFor != nullptr && selectedItemId() == noItem) return 0;
     if (row->storesFirst && !storeProgramFirst()) return 0;
+    noteEvent("command " + std::to_string(static_cast<int>(row->id)) + " " +
+              (row->text == Text::none ? row->label : wording(row->text)));
     row->run();
     commandStatesChanged();
     return 1;

@@ -15,6 +15,7 @@
 #include "shell/commands/undo_commands.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/dialogs/export_dialog.h"
+#include "shell/dialogs/report_dialog.h"
 #include "shell/dialogs/settings_dialog.h"
 #include "shell/editor/completion_list.h"
 #include "shell/editor/edit_menu.h"
@@ -34,8 +35,10 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/keypad_focus.h"
 #include "shell/run/recording.h"
 #include "shell/tree/item_commands.h"
+#include "shell/tree/move_dialog.h"
 #include "shell/tree/tree_filter.h"
 #include "shell/tree/tree_order.h"
 #include "shell/views/bitmap_export.h"
@@ -56,6 +59,7 @@ using enum MenuPosition;
 bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
 bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !isScreenKind(itemKind); }
 bool drawnAsBitmap(ItemKind itemKind) { return isScreenKind(itemKind) || itemKind == kind::picture; }
+bool movable(ItemKind itemKind) { return anyItem(itemKind) && !isFolderKind(itemKind); }
 bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
 
 bool programOnView() { return isTextKind(viewKind); }
@@ -271,6 +275,14 @@ constexpr Command commands[] = {
      .storesFirst = true,
      .enabledFor = anyItem,
      .run = renameSelectedItem},
+    {.id = CommandId::move,
+     .menu = item,
+     .text = Text::menuMove,
+     .shortcut = "Ctrl+M",
+     .tip = Text::tipMove,
+     .storesFirst = true,
+     .enabledFor = movable,
+     .run = moveSelectedItem},
     {.id = CommandId::remove,
      .menu = item,
      .text = Text::menuDelete,
@@ -522,6 +534,14 @@ constexpr Command commands[] = {
      .keyWhileRunning = true,
      .checked = speedIs<0>,
      .run = speedTo<0>},
+    {.id = CommandId::keypad,
+     .menu = emulator,
+     .text = Text::menuKeypad,
+     .shortcut = "Ctrl+F7",
+     .tip = Text::tipKeypad,
+     .keyWhileRunning = true,
+     .checked = keypadFocused,
+     .run = toggleKeypadFocus},
 
     {.id = CommandId::debugGoOn,
      .menu = debug,
@@ -713,12 +733,13 @@ constexpr Command commands[] = {
     {.id = CommandId::keys, .menu = help, .text = Text::menuKeys, .tip = Text::tipKeys, .run = showKeysPage},
     {.id = CommandId::tour, .menu = help, .text = Text::menuTour, .tip = Text::tipTour, .run = [] { beginTour(); }},
     {.id = CommandId::whatIsNew, .menu = help, .text = Text::menuNews, .tip = Text::tipNews, .run = showWhatIsNew},
-    {.id = CommandId::about,
+    {.id = CommandId::report,
      .menu = help,
      .separatorAhead = true,
-     .text = Text::menuAbout,
-     .tip = Text::tipAbout,
-     .run = showAboutBox},
+     .text = Text::menuReport,
+     .tip = Text::tipReport,
+     .run = showReport},
+    {.id = CommandId::about, .menu = help, .text = Text::menuAbout, .tip = Text::tipAbout, .run = showAboutBox},
 
     {.id = CommandId::undoTyping,
      .menu = program,

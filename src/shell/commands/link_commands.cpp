@@ -99,6 +99,7 @@ void makeQueueWindow() {
     state.removeButton = addButton(buttons, Text::queueRemove, Text::tipQueueRemove, removeChosen);
     state.clearButton = addButton(buttons, Text::queueClear, Text::tipQueueClear, transmitQueueClear);
     state.againButton = addButton(buttons, Text::queueAgain, Text::tipQueueAgain, [] { transmitQueueAgain(); });
+    addButton(buttons, Text::closeWindow, Text::closeWindow, [] { state.queueWindow->close(); });
     addHelp(state.queueWindow, buttons);
     QObject::connect(state.queueList, &QListWidget::currentItemChanged, state.queueWindow, showButtons);
     hookEvents(state.queueList, listEvent);

@@ -14,6 +14,7 @@
 #include "shell/commands/command_handler.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
@@ -158,7 +159,7 @@ void buildToolbar() {
 void buildDebugBar() {
     constexpr int imageSize = 16;
     QToolBar *bar = debugBar();
-    bar->setIconSize({imageSize, imageSize});
+    bar->setIconSize(QSize(imageSize, imageSize) * textScale());
     QAction *line = bar->actions().first();
     for (const ToolbarButton &button : debugBarTable()) {
         QAction *action = state.actions[button.id];

@@ -16,6 +16,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
 
@@ -32,10 +33,13 @@ const QString webPage = QStringLiteral("https://numalink.example/");
 const QString mailAddress = QStringLiteral("hello@numalink.example");
 const QString versionText = QStringLiteral(NUMALINK_VERSION " B\u00E8ta 1");
 
+QSize pictureSize() { return QSize(pictureWidth, pictureHeight) * textScale(); }
+
 void paintPicture(QWidget *widget) {
     static QSvgRenderer drawing(QStringLiteral(":/images/splash.svg"));
     QPainter painter(widget);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(textScale(), textScale());
     drawing.render(&painter, QRectF(0, 0, pictureWidth, pictureHeight));
     QFont font = widget->font();
     font.setPixelSize(11);
@@ -49,8 +53,13 @@ void paintPicture(QWidget *widget) {
                      mailAddress);
 }
 
-void clickAt(QWidget *widget, const QPoint &place) {
-    switch (aboutBandAt(place.x(), place.y())) {
+AboutBand bandAt(const QPointF &place) {
+    const QPoint drawn = (place / textScale()).toPoint();
+    return aboutBandAt(drawn.x(), drawn.y());
+}
+
+void clickAt(QWidget *widget, const QPointF &place) {
+    switch (bandAt(place)) {
         case AboutBand::webPage:
             QDesktopServices::openUrl(QUrl(webPage));
             break;
@@ -69,14 +78,13 @@ bool aboutEvent(QWidget *widget, QEvent *event) {
             paintPicture(widget);
             return true;
         case QEvent::MouseMove: {
-            const QPoint place = static_cast<QMouseEvent *>(event)->position().toPoint();
-            const bool link = aboutBandAt(place.x(), place.y()) != AboutBand::none;
+            const bool link = bandAt(static_cast<QMouseEvent *>(event)->position()) != AboutBand::none;
             widget->setCursor(link ? linkCursor() : QCursor(Qt::ArrowCursor));
             return true;
         }
         case QEvent::MouseButtonPress: {
             const auto &mouse = *static_cast<QMouseEvent *>(event);
-            if (mouse.button() == Qt::LeftButton) clickAt(widget, mouse.position().toPoint());
+            if (mouse.button() == Qt::LeftButton) clickAt(widget, mouse.position());
             return true;
         }
         case QEvent::KeyPress:
@@ -92,9 +100,9 @@ QDialog *makePicture(Qt::WindowFlags flags) {
     dialog->setObjectName(QStringLiteral("aboutBox"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setMouseTracking(true);
-    dialog->setFixedSize(pictureWidth, pictureHeight);
+    dialog->setFixedSize(pictureSize());
     dialog->setWindowTitle(textOf(Text::menuAbout).remove(QLatin1Char('&')));
-    dialog->move(mainWindow->geometry().center() - QPoint(pictureWidth / 2, pictureHeight / 2));
+    dialog->move(mainWindow->geometry().center() - QPoint(dialog->width() / 2, dialog->height() / 2));
     hookEvents(dialog, aboutEvent);
     return dialog;
 }
@@ -109,8 +117,9 @@ void addLibrary(QDialog *about) {
     label->setMargin(8);
     label->setAccessibleName(text);
     label->setToolTip(text.toHtmlEscaped());
-    label->setGeometry(0, pictureHeight, pictureWidth, label->heightForWidth(pictureWidth));
-    about->setFixedSize(pictureWidth, pictureHeight + label->height());
+    const QSize picture = pictureSize();
+    label->setGeometry(0, picture.height(), picture.width(), label->heightForWidth(picture.width()));
+    about->setFixedSize(picture.width(), picture.height() + label->height());
 }
 
 }  // namespace

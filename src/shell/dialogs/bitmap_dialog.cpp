@@ -14,6 +14,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -27,7 +28,11 @@ QPixmap pixmapOf(const Surface &surface) {
     const QImage dots(reinterpret_cast<const uchar *>(surface.dots.data()), surface.width, surface.height,
                       static_cast<qsizetype>(surface.width) * static_cast<qsizetype>(sizeof(Color)),
                       QImage::Format_RGB32);
-    return QPixmap::fromImage(dots.scaled(surface.width * previewZoom, surface.height * previewZoom));
+    const qreal ratio = mainWindow->devicePixelRatioF();
+    const int pixels = qRound(wholeDot(mainWindow, previewZoom) * ratio);
+    QPixmap picture = QPixmap::fromImage(dots.scaled(surface.width * pixels, surface.height * pixels));
+    picture.setDevicePixelRatio(ratio);
+    return picture;
 }
 
 QGroupBox *pictureBox(const QString &title, QLabel *picture) {
@@ -71,8 +76,10 @@ void askBitmap(BitmapQuestion &question) {
     auto *layout = new QVBoxLayout(&dialog);
     auto *original = new QLabel;
     original->setPixmap(pixmapOf(question.scaled));
-    layout->addWidget(pictureBox(textOf(Text::bitmapOriginal), original));
-    layout->addWidget(pictureBox(textOf(Text::bitmapResult), controls.result));
+    auto *pictures = new QHBoxLayout;  // beside each other: one above the other needs a high screen
+    pictures->addWidget(pictureBox(textOf(Text::bitmapOriginal), original));
+    pictures->addWidget(pictureBox(textOf(Text::bitmapResult), controls.result));
+    layout->addLayout(pictures);
     layout->addWidget(choicesBox(question, controls));
     layout->addWidget(dialogButtons(&dialog));
     layout->setSizeConstraint(QLayout::SetFixedSize);

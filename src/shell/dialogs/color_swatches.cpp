@@ -22,6 +22,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/program_colors.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -68,14 +69,17 @@ Swatches state;
 
 std::size_t placeOf(RunClass runClass) { return static_cast<std::size_t>(runClass); }
 
+QSize swatchSize() { return QSize(swatchWidth, swatchHeight) * textScale(); }
+
 QIcon swatchIcon(const QColor &color, const QWidget *widget) {
     const qreal scale = widget->devicePixelRatioF();
-    QPixmap picture(qRound(swatchWidth * scale), qRound(swatchHeight * scale));
+    const QSize size = swatchSize();
+    QPixmap picture(size * scale);
     picture.setDevicePixelRatio(scale);
     picture.fill(color);
     QPainter painter(&picture);
     painter.setPen(widget->palette().color(QPalette::Mid));
-    painter.drawRect(QRectF(0.5, 0.5, swatchWidth - 1, swatchHeight - 1));
+    painter.drawRect(QRectF(0.5, 0.5, size.width() - 1, size.height() - 1));
     return QIcon(picture);
 }
 
@@ -125,8 +129,8 @@ void addSwatches(QGridLayout *grid) {
     int place = 0;
     for (const SwatchRow &row : swatchRows) {
         auto *button = new QPushButton;
-        button->setIconSize({swatchWidth, swatchHeight});
-        button->setFixedWidth(swatchWidth + 16);
+        button->setIconSize(swatchSize());
+        button->setFixedWidth(swatchSize().width() + 16);
         button->setAutoDefault(false);
         const QString name = textOf(row.text);
         button->setAccessibleName(name);
@@ -160,7 +164,7 @@ void makePreview() {
     state.preview->setAccessibleName(textOf(Text::colorPreview));
     state.preview->setTabChangesFocus(true);
     state.preview->setToolTip(textOf(Text::tipColorPreview));
-    state.preview->setMinimumSize(300, previewLines * QFontMetrics(state.preview->font()).lineSpacing() + 12);
+    state.preview->setMinimumSize(grown(300), previewLines * QFontMetrics(state.preview->font()).lineSpacing() + 12);
     state.preview->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 

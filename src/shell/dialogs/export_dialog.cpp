@@ -24,6 +24,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -268,7 +269,7 @@ void askExport(ExportQuestion &question) {
     fillLists(question, controls);
     connectLists(controls, lists);
     enableOk(controls);
-    dialog.resize(680, 440);
+    dialog.resize(dialog.sizeHint().expandedTo(QSize(680, 440) * textScale()));
     if (runDialog(dialog) != QDialog::Accepted) return;
     takeAnswers(question, controls);
     askPath(question);

@@ -17,6 +17,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -80,7 +81,7 @@ void askImport(ImportQuestion &question) {
     layout->addWidget(itemsBox(question));
     layout->addWidget(choicesBox(question, controls));
     layout->addWidget(dialogButtons(&dialog));
-    dialog.resize(360, 380);
+    dialog.resize(dialog.sizeHint().expandedTo(QSize(360, 380) * textScale()));
     const bool accepted = runDialog(dialog) == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;
     question.folderName = controls.folder->text().toStdString();

@@ -22,6 +22,7 @@ void openFor(QDialog *dialog, GraphicalQuestion question) {
         graphicalAnswer(question, result);
         dialogClosed();
     });
+    fitToScreen(*dialog);
     dialog->open();
 }
 

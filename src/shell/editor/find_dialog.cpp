@@ -17,6 +17,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "telling/tell_user.h"
 #include "text/lenient_text.h"
@@ -48,7 +49,7 @@ bool askFind() {
     layout->addWidget(wanted);
     layout->addWidget(fromStart);
     layout->addWidget(dialogButtons(&dialog));
-    dialog.setMinimumWidth(300);
+    dialog.setMinimumWidth(grown(300));
     const bool accepted = runDialog(dialog) == QDialog::Accepted;
     findText = accepted ? wanted->text() : QString();
     if (accepted && fromStart->isChecked()) programEdit->moveCursor(QTextCursor::Start);

@@ -13,6 +13,7 @@
 
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 
 namespace numalink {
 
@@ -27,7 +28,7 @@ constexpr int heatWidth = 3, signSize = 9;  // pixels
 QFont numberFont(int greatest, int width) {
     QFont font = lineNumberEdit->font();
     const QString widest(QString::number(greatest).size(), QLatin1Char('8'));
-    for (int pixels = largestPixels; pixels >= smallestPixels; pixels--) {
+    for (int pixels = grown(largestPixels); pixels >= smallestPixels; pixels--) {
         font.setPixelSize(pixels);
         if (QFontMetrics(font).horizontalAdvance(widest) <= width - 2 * margin) break;
     }
@@ -49,7 +50,7 @@ void paintMark(QPainter &painter, const LineMark &mark, const QRect &row) {
         const int length = std::max(1, qRound(mark.heat * (row.height() - 2)));
         painter.fillRect(QRect(0, row.bottom() - length, heatWidth, length), QColor(0xE0, 0x70, 0x00));
     }
-    const int size = std::min(signSize, row.height() - 2);
+    const int size = std::min(grown(signSize), row.height() - 2);
     const QRectF disc(heatWidth + 1, row.center().y() - size / 2.0 + 0.5, size, size);
     painter.setPen(QPen(red, 1.5));
     painter.setBrush(mark.sign == LineSign::breakpoint ? QBrush(red) : QBrush(Qt::NoBrush));

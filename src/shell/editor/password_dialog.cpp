@@ -12,6 +12,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
@@ -48,7 +49,7 @@ bool askPassword(QString &password) {
     layout->addWidget(typed);
     layout->addWidget(refused);
     layout->addWidget(dialogButtons(&dialog));
-    dialog.setMinimumWidth(240);
+    dialog.setMinimumWidth(grown(240));
     if (runDialog(dialog) != QDialog::Accepted) return false;
     password = typed->text();
     return true;

@@ -294,6 +294,7 @@ void makeProgramEdit() {
     programEdit->hide();
     lineNumberEdit = new QWidget(clientArea);
     lineNumberEdit->setObjectName(QStringLiteral("lineNumberEdit"));
+    lineNumberEdit->setAccessibleName(textOf(Text::lineNumbersName));
     lineNumberEdit->setFocusPolicy(Qt::NoFocus);
     lineNumberEdit->hide();
 }

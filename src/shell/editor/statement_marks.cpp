@@ -6,6 +6,7 @@
 
 #include "shell/editor/program_document.h"
 #include "shell/editor/text_marks.h"
+#include "shell/parts/color_contrast.h"
 #include "shell/parts/main_widgets.h"
 
 namespace numalink {
@@ -28,19 +29,24 @@ std::vector<int> statementEnds(const QTextBlock &block) {
 
 bool isDark() { return programEdit->palette().color(QPalette::Base).lightness() < 128; }
 
-// Told by shape as well: the next one has a ground, a calling one a frame of dashes below, one that never ran is faint.
+// Told by shape as well: the next one has a ground, a calling one a line of dashes below, one that never ran a dotted
+// one, and is as faint as can still be read.
 QTextCharFormat formatOf(StatementLook look) {
+    const QPalette &palette = programEdit->palette();
     QTextCharFormat format;
     switch (look) {
         case StatementLook::next:
             format.setBackground(isDark() ? QColor(0x6B, 0x5A, 0x00) : QColor(0xFF, 0xE8, 0x7A));
+            format.setForeground(readableOn(format.background().color(), palette.color(QPalette::Text)));
             break;
         case StatementLook::calling:
             format.setUnderlineStyle(QTextCharFormat::DashUnderline);
-            format.setUnderlineColor(programEdit->palette().color(QPalette::Text));
+            format.setUnderlineColor(palette.color(QPalette::Text));
             break;
         case StatementLook::neverRun:
-            format.setForeground(programEdit->palette().color(QPalette::Disabled, QPalette::Text));
+            format.setForeground(
+                readableOn(palette.color(QPalette::Base), palette.color(QPalette::Disabled, QPalette::Text)));
+            format.setUnderlineStyle(QTextCharFormat::DotLine);
             break;
     }
     return format;

@@ -13,6 +13,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -45,13 +46,14 @@ void addButton(int row, int column) {
     const std::uint8_t code = symbols[row][column];
     if (code == 0) return;
     const char character = static_cast<char>(code);
+    const int size = grownWhole(buttonSize);
     auto *button = new QToolButton(state.window);
     button->setFont(programFont());
     button->setText(qtFromCodes(std::string_view(&character, 1)));
     button->setStyleSheet(QStringLiteral("padding: 0px"));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoRaise(true);
-    button->setGeometry(firstPlace + column * buttonSize, firstPlace + row * buttonSize, buttonSize, buttonSize);
+    button->setGeometry(QRect(firstPlace + column * size, firstPlace + row * size, size, size));
     QObject::connect(button, &QToolButton::clicked, state.window, [character] { typeSymbol(character); });
 }
 
@@ -75,7 +77,8 @@ void makeSymbolsWindow() {
     state.window->setWindowTitle(textOf(Text::symbolsTitle));
     state.window->setAttribute(Qt::WA_ShowWithoutActivating);
     state.window->setFocusPolicy(Qt::NoFocus);
-    state.window->setFixedSize(2 * firstPlace + columns * buttonSize, 2 * firstPlace + rows * buttonSize);
+    state.window->setFixedSize(2 * firstPlace + columns * grownWhole(buttonSize),
+                               2 * firstPlace + rows * grownWhole(buttonSize));
     for (int row = 0; row < rows; row++)
         for (int column = 0; column < columns; column++) addButton(row, column);
     hookEvents(state.window, windowEvent);

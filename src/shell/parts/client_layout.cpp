@@ -7,6 +7,7 @@
 
 #include "shell/parts/main_layout.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 
 namespace numalink {
 
@@ -22,7 +23,7 @@ void place(QWidget *widget, const Rectangle &where) {
 }  // namespace
 
 void applyLayout() {
-    const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible);
+    const MainLayout layout = layoutFor(clientArea->width(), clientArea->height(), treeVisible, textScale());
     Rectangle tree = layout.tree;
     if (treeFilterBar != nullptr && treeVisible && treeFilterBar->isVisibleTo(clientArea)) {
         const int height = std::min(treeFilterBar->sizeHint().height(), tree.height);

@@ -37,4 +37,9 @@ QColor readableOn(const QColor &ground, const QColor &color) {
     return goal;
 }
 
+QColor faintText(const QPalette &palette) {
+    const QColor ground = palette.color(QPalette::Base);
+    return readableOn(ground, mixed(ground, palette.color(QPalette::Text), 0.5));
+}
+
 }  // namespace numalink

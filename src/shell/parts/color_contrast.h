@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPalette>
 
 namespace numalink {
 
@@ -11,5 +12,8 @@ double contrastOf(const QColor &one, const QColor &other);
 
 // The colour itself where it reads on the ground, else the nearest one toward black or white that does.
 QColor readableOn(const QColor &ground, const QColor &color);
+
+// For words that stand in the place of an entry: as faint on the ground of texts as can still be read.
+QColor faintText(const QPalette &palette);
 
 }  // namespace numalink

@@ -22,7 +22,8 @@ constexpr HelpRow helpRows[] = {
     {"firstStart", "first-steps"},    {"settingsDialog", "settings"},   {"importDialog", "files"},
     {"exportDialog", "files"},        {"bitmapDialog", "files"},        {"findDialog", "editing"},
     {"passwordDialog", "editing"},    {"slotDialog", "communication"},  {"existsDialog", "communication"},
-    {"queueWindow", "communication"}, {"referenceWindow", "text-form"},
+    {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
+    {"reportDialog", "trouble"},
 };
 
 QString pageOf(const QDialog *dialog) {

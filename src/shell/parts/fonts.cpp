@@ -2,6 +2,8 @@
 
 #include <QFontDatabase>
 
+#include "shell/parts/scale.h"
+
 namespace numalink {
 
 namespace {
@@ -19,14 +21,14 @@ void loadScreenFace() {
 
 QFont programFont() {
     QFont font(screenFace);
-    font.setPixelSize(programFontPixels);
+    font.setPixelSize(grownWhole(programFontPixels));
     font.setStyleHint(QFont::Monospace);
     return font;
 }
 
 QFont treeFont() {
     QFont font(screenFace);
-    font.setPixelSize(treeFontPixels);
+    font.setPixelSize(grown(treeFontPixels));
     return font;
 }
 

@@ -21,7 +21,8 @@ inline constexpr int toggleGap = 12;  // between tree and view: the toggle butto
 inline constexpr int toggleWidth = 10;
 inline constexpr int lineNumberWidth = 40;
 
-// Rectangles in pixels for a client area of this size (what lies between toolbar and status bar).
-MainLayout layoutFor(int width, int height, bool treeVisible);
+// Rectangles in pixels for a client area of this size (what lies between toolbar and status bar), the widths above
+// times scale.
+MainLayout layoutFor(int width, int height, bool treeVisible, double scale);
 
 }  // namespace numalink

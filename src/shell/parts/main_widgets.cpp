@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "shell/parts/fonts.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/status_bar.h"
 
@@ -44,8 +45,9 @@ void makeTree() {
     treeView = new QTreeWidget(clientArea);
     treeView->setObjectName(QStringLiteral("treeView"));
     treeView->setAccessibleName(textOf(Text::libraryTree));
+    treeView->setHeaderLabel(textOf(Text::libraryTree));  // for screen readers
     treeView->setHeaderHidden(true);
-    treeView->setIconSize({treeImageSize, treeImageSize});
+    treeView->setIconSize(QSize(treeImageSize, treeImageSize) * textScale());
     treeView->setFont(treeFont());
     treeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
     treeView->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -56,8 +58,8 @@ void makeTree() {
 
 void centreMainWindow(int width) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    mainWindow->resize(std::min(width, screen.width()), windowHeight);
-    mainWindow->move((screen.width() - mainWindow->width()) / 2, (screen.height() - windowHeight) / 2);
+    mainWindow->resize(QSize(width, grown(windowHeight)).boundedTo(screen.size()));
+    mainWindow->move((screen.width() - mainWindow->width()) / 2, (screen.height() - mainWindow->height()) / 2);
 }
 
 }  // namespace
@@ -68,7 +70,7 @@ void makeMainWindow() {
     mainWindow->setWindowTitle(QStringLiteral("Vesper Foundry - Numalink"));
     mainWindow->setWindowIcon(QIcon(QStringLiteral(":/images/numalink.svg")));
     mainWindow->setAcceptDrops(true);
-    centreMainWindow(windowWidth);
+    centreMainWindow(grown(windowWidth));
     clientArea = new QWidget;
     mainWindow->setCentralWidget(clientArea);
 }
@@ -87,15 +89,21 @@ void makeClientWidgets() {
     toolbar = mainWindow->addToolBar(QString::fromLatin1("Numalink"));
     toolbar->setObjectName(QStringLiteral("toolbar"));
     toolbar->setMovable(false);
-    toolbar->setIconSize({toolbarImageSize, toolbarImageSize});
+    toolbar->setIconSize(QSize(toolbarImageSize, toolbarImageSize) * textScale());
     toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     toolbar->setContextMenuPolicy(Qt::PreventContextMenu);
+    nameMoreButton(toolbar);
     statusBar->show();
+}
+
+void nameMoreButton(QToolBar *bar) {
+    if (auto *more = bar->findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button")))
+        more->setAccessibleName(textOf(Text::moreButtons));
 }
 
 void fitWindowToToolbar() {
     const int needed = toolbar->sizeHint().width();
-    if (needed > windowWidth) centreMainWindow(needed);
+    if (needed > grown(windowWidth)) centreMainWindow(needed);
 }
 
 void showUnminimised(QWidget *window) {

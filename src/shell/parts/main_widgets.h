@@ -35,6 +35,8 @@ extern QMenu *programMenu;     // what the text of a program offers
 // Make the widgets with their looks, unconnected: the main window with its parts, sized as at start-up.
 void makeMainWindow();
 void makeClientWidgets();
+// The button at the end of a bar that has no room for all of its own.
+void nameMoreButton(QToolBar *bar);
 void fitWindowToToolbar();  // wider where the buttons' words are longer, so that none is hidden
 void destroyWidgets();
 

@@ -6,8 +6,10 @@
 #include <QProgressBar>
 #include <QStatusBar>
 
+#include "shell/parts/color_contrast.h"
 #include "shell/parts/cut_label.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -29,7 +31,9 @@ QLabel *makeField(const char *name, int narrowest) {
 void showAsLink(QLabel *field, const QString &text) {
     field->setTextFormat(Qt::RichText);
     field->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    field->setText(QStringLiteral("<a href=\"settings\">%1</a>").arg(text.toHtmlEscaped()));
+    const QColor color = readableOn(field->palette().color(QPalette::Window), field->palette().color(QPalette::Link));
+    field->setText(
+        QStringLiteral("<a href=\"settings\" style=\"color: %1\">%2</a>").arg(color.name(), text.toHtmlEscaped()));
 }
 
 void showPlain(QLabel *field, const QString &text) {
@@ -43,10 +47,10 @@ void showPlain(QLabel *field, const QString &text) {
 void makeStatusBar() {
     statusBar = mainWindow->statusBar();
     progressBar = new QProgressBar;
-    progressBar->setFixedSize(progressWidth, progressHeight);
+    progressBar->setFixedSize(QSize(progressWidth, progressHeight) * textScale());
     progressBar->setTextVisible(false);
     progressBar->setAccessibleName(textOf(Text::progressName));
-    linkField = makeField("linkField", linkFieldWidth);
+    linkField = makeField("linkField", grown(linkFieldWidth));
     linkField->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     itemField = makeField("itemField", 1);
     statusBar->addWidget(progressBar);

@@ -9,6 +9,7 @@
 #include "settings/settings_store.h"
 #include "shell/parts/client_layout.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/pane_sizes.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/mode_line.h"
 
@@ -90,11 +91,15 @@ void showEmulatorPlace() {
     const bool first = !state.dock->isVisible();
     if (first) makeRoomBeside();
     state.dock->show();
-    if (first && !state.dock->isFloating())
-        mainWindow->resizeDocks({state.dock}, {firstSize.width() + frame}, Qt::Horizontal);
+    if (!first || state.dock->isFloating()) return;
+    const QSize known = paneSize(state.dock);
+    mainWindow->resizeDocks({state.dock}, {known.isEmpty() ? firstSize.width() + frame : known.width()},
+                            Qt::Horizontal);
+    if (!known.isEmpty()) mainWindow->resizeDocks({state.dock}, {known.height()}, Qt::Vertical);
 }
 
 void hideEmulatorPlace() {
+    if (state.dock != nullptr) notePaneSize(state.dock);
     emulatorWindow->hide();
     if (state.dock != nullptr) state.dock->hide();
 }

@@ -28,12 +28,15 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/debug_window.h"
+#include "shell/run/emulator_access.h"
 #include "shell/run/emulator_keys.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/full_screen.h"
+#include "shell/run/keypad_focus.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/mode_line.h"
 #include "shell/run/recording.h"
@@ -66,25 +69,28 @@ EmulatorWindow state;
 
 std::atomic<bool> marked{false};  // a look at the display is due; any thread
 
-int dotPixels() {
-    if (surfaceZoom() != zoomToFit) return surfaceZoom();
-    const int height = emulatorWindow->height() - modeLineHeight();
-    return std::clamp(std::min(emulatorWindow->width() / keypadWidth, height / keypadHeight), 1, 64);
+// Pixels of the window a dot.
+double dotSize() {
+    if (surfaceZoom() != zoomToFit) return wholeDot(emulatorWindow, surfaceZoom());
+    return largestDot(emulatorWindow, emulatorWindow->size() - QSize(0, modeLineHeight()), {keypadWidth, keypadHeight},
+                      64);
 }
 
 // Where the surface's top left dot stands in the window.
-QPoint origin() {
-    const QSize surface = QSize(keypadWidth, keypadHeight) * dotPixels();
+QPointF origin() {
+    const QSizeF surface = QSizeF(keypadWidth, keypadHeight) * dotSize();
     const int top = modeLineHeight();
-    const QSize room = emulatorWindow->size() - QSize(0, top);
-    if (surface.width() > room.width() || surface.height() > room.height()) return {1, top + 1};
-    return {(room.width() - surface.width()) / 2 + 1, top + (room.height() - surface.height()) / 2 + 1};
+    const QSizeF rest = QSizeF(emulatorWindow->size()) - QSizeF(0, top) - surface;
+    if (rest.width() < 0 || rest.height() < 0) return onPixel(emulatorWindow, QPointF(1, top + 1));
+    return onPixel(emulatorWindow, QPointF(std::floor(rest.width() / 2) + 1, top + std::floor(rest.height() / 2) + 1));
 }
+
+QRectF displayPlace() { return {origin(), QSizeF(displayWidth, displayHeight) * dotSize()}; }
 
 // The dot of the surface under a place of the window.
 QPoint dotAtPlace(const QPointF &place) {
-    const QPointF relative = place - QPointF(origin());
-    const double size = dotPixels();
+    const QPointF relative = place - origin();
+    const double size = dotSize();
     return {static_cast<int>(std::floor(relative.x() / size)), static_cast<int>(std::floor(relative.y() / size))};
 }
 
@@ -132,15 +138,17 @@ void paintEmulator() {
     QPainter painter(emulatorWindow);
     if (state.namesKeys) return paintKeyNames(painter);
     painter.translate(origin());
-    const int size = dotPixels();
+    const double size = dotSize();
     const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
-    painter.drawImage(QRect(0, 0, keypadWidth * size, keypadHeight * size), pad, pad.rect());
+    painter.drawImage(QRectF(0, 0, keypadWidth * size, keypadHeight * size), pad, QRectF(pad.rect()));
     const QImage image(
         reinterpret_cast<const uchar *>(state.display.dots.data()), state.display.width, state.display.height,
         static_cast<qsizetype>(state.display.width) * static_cast<qsizetype>(sizeof(Color)), QImage::Format_RGB32);
-    painter.drawImage(QRect(0, 0, state.display.width * size, state.display.height * size), image);
+    painter.drawImage(QRectF(0, 0, state.display.width * size, state.display.height * size), image,
+                      QRectF(image.rect()));
     painter.scale(size, size);
     paintKeyOutline(painter, state.outlinedKey);
+    if (emulatorRunning) paintKeyFocus(painter, pickedKey());
 }
 
 void mouseMoved(const QMouseEvent &mouse) {
@@ -152,17 +160,25 @@ void mouseMoved(const QMouseEvent &mouse) {
     emulatorWindow->update();
 }
 
+void pressOnPad(int key) {
+    pressKey(key);
+    if (key != stopKey) return;
+    QTimer::singleShot(0, emulatorWindow, [] {
+        if (emulatorRunning) emulatorToggle();
+    });
+}
+
 void mousePressed(const QMouseEvent &mouse) {
     emulatorWindow->setFocus();
     if (!emulatorRunning || mouse.button() != Qt::LeftButton) return;
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
-    pressKey(key);
-    if (key == stopKey) {
-        QTimer::singleShot(0, emulatorWindow, [] {
-            if (emulatorRunning) emulatorToggle();
-        });
-    }
+    pressOnPad(key);
+}
+
+bool keyPressed(const QKeyEvent &key) {
+    if (isMenuKey(key)) return false;
+    return keypadKeyDown(key) || emulatorKeyDown(key);
 }
 
 bool emulatorEvent(QWidget *, QEvent *event) {
@@ -199,8 +215,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return true;
         case QEvent::KeyPress:
             followNamesKey(*static_cast<QKeyEvent *>(event));
-            return emulatorRunning && !isMenuKey(*static_cast<QKeyEvent *>(event)) &&
-                   emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+            return emulatorRunning && keyPressed(*static_cast<QKeyEvent *>(event));
         case QEvent::KeyRelease:
             followNamesKey(*static_cast<QKeyEvent *>(event));
             return emulatorKeyUp(*static_cast<QKeyEvent *>(event));
@@ -213,13 +228,25 @@ void takeDisplay() {
     marked = false;
     if (emulatorWindow == nullptr || !emulatorShown()) return;
     if (displayCopy(state.display, state.displaySeen)) {
-        emulatorWindow->update(QRect(origin(), QSize(128, 64) * dotPixels()));
+        emulatorWindow->update(displayPlace().toAlignedRect());
         recordDisplay(state.display);
         if (const QString text = toQt(displayText()); text != emulatorWindow->accessibleDescription())
             emulatorWindow->setAccessibleDescription(text);
+        tellDisplayText();
     }
     fullScreenRepaint();
     updateDebugWindow();
+}
+
+QRect pixelsOfDots(const QRect &dots) {
+    const double size = dotSize();
+    return QRectF(origin() + QPointF(dots.topLeft()) * size, QSizeF(dots.size()) * size).toAlignedRect();
+}
+
+void showPickedKey() {
+    emulatorWindow->update();
+    if (keypadFocused()) emulatorWindow->setFocus();
+    tellPickedKey();
 }
 
 void startAnewWithModes();
@@ -272,7 +299,8 @@ void stopWithView() {
 
 QRect displayOnDesktop() {
     if (const QWidget *full = fullScreenShown()) return fullScreenDisplay().translated(full->mapToGlobal(QPoint(0, 0)));
-    return QRect(emulatorWindow->mapToGlobal(origin()), QSize(displayWidth, displayHeight) * dotPixels());
+    const QRect place = displayPlace().toAlignedRect();
+    return place.translated(emulatorWindow->mapToGlobal(QPoint(0, 0)));
 }
 
 }  // namespace
@@ -305,6 +333,7 @@ void emulatorStop() {
     keyCode = 0;
     fullScreenLeave();
     hideDebugWindow();
+    leaveKeypad();
     hideEmulatorPlace();
     commandStatesChanged();
 }
@@ -384,6 +413,7 @@ void displayMarked() {
 
 void makeEmulatorWindow() {
     emulatorWindow = new QWidget(clientArea);
+    offerEmulatorAccess(pixelsOfDots);  // ahead of the first word that is told of it
     emulatorWindow->setObjectName(QStringLiteral("emulatorWindow"));
     emulatorWindow->setAccessibleName(textOf(Text::displayName));
     emulatorWindow->setFocusPolicy(Qt::StrongFocus);
@@ -395,6 +425,8 @@ void makeEmulatorWindow() {
     state.namesDue->setSingleShot(true);
     QObject::connect(state.namesDue, &QTimer::timeout, emulatorWindow, [] { nameKeys(true); });
     hookEvents(emulatorWindow, emulatorEvent);
+    pressPadKey = pressOnPad;
+    keypadFocusChanged = showPickedKey;
     viewLeft = stopWithView;
 }
 
@@ -404,6 +436,8 @@ void zoomEmulatorWindow() {
 
 void forgetEmulatorWindow() {
     emulatorWindow = nullptr;
+    forgetEmulatorAccess();
+    forgetKeypadFocus();
     viewLeft = [] {};
     state = {};
     marked = false;

@@ -8,6 +8,7 @@
 #include "emulator/screens/display.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/run/emulator_keys.h"
 #include "shell/run/full_screen_layer.h"
 #include "telling/tell_user.h"
@@ -33,14 +34,15 @@ int FSDLLCreate(QWidget *) { return 0; }
 void FSDLLDestroy() {}
 #endif
 
-// The display is that of a screen of 320 by 240 or 640 by 480 dots, as large as such a screen can be made here.
-QRect displayPlace() {
-    const QRect room = state.window->rect();
-    const double scale =
-        std::min(static_cast<double>(room.width()) / state.width, static_cast<double>(room.height()) / state.height);
-    QRect place(0, 0, qRound(state.width * scale), qRound(static_cast<int>(state.height * displayShare) * scale));
-    place.moveCenter(room.center());
-    return place;
+// The display is that of a screen of 320 by 240 or 640 by 480 dots, as large as such a screen can be made here with
+// dots that are whole pixels.
+QRectF displayPlace() {
+    const QSizeF room = state.window->size();
+    const QSizeF ofScreen = QSizeF(state.width, state.height).scaled(room, Qt::KeepAspectRatio);
+    const double dot = largestDot(state.window, {ofScreen.width(), ofScreen.height() * displayShare},
+                                  {displayWidth, displayHeight}, state.window->width());
+    const QSizeF size = QSizeF(displayWidth, displayHeight) * dot;
+    return {onPixel(state.window, QPointF(room.width() - size.width(), room.height() - size.height()) / 2), size};
 }
 
 void paintFullScreen(QWidget *window) {
@@ -50,7 +52,7 @@ void paintFullScreen(QWidget *window) {
     const QImage image(reinterpret_cast<const uchar *>(display.dots.data()), display.width, display.height,
                        static_cast<qsizetype>(display.width) * static_cast<qsizetype>(sizeof(Color)),
                        QImage::Format_RGB32);
-    painter.drawImage(displayPlace(), image);
+    painter.drawImage(displayPlace(), image, QRectF(image.rect()));
 }
 
 // A key that goes up isn't passed on: the code stays until the run clears it.
@@ -105,7 +107,7 @@ void fullScreenLeave() {
 
 QWidget *fullScreenShown() { return state.isOn ? state.window : nullptr; }
 
-QRect fullScreenDisplay() { return state.isOn ? displayPlace() : QRect(); }
+QRect fullScreenDisplay() { return state.isOn ? displayPlace().toAlignedRect() : QRect(); }
 
 void fullScreenRepaint() {
     if (state.isOn) state.window->update();

@@ -12,8 +12,8 @@ namespace {
 constexpr double secondLegendScale = 1.5;  // pixels a dot from which SHIFT legends are legible
 
 const QColor bodyTop(0x33, 0x44, 0x5A), bodyBottom(0x1D, 0x27, 0x36);
-const QColor dark(0x3C, 0x43, 0x4E), light(0xE4, 0xE8, 0xEC), red(0xC9, 0x34, 0x2C), blue(0x2F, 0x6F, 0xC4);
-const QColor shiftColor(0xF2, 0xC1, 0x2E), alphaColor(0xFF, 0x7B, 0x6E);
+const QColor dark(0x3C, 0x43, 0x4E), light(0xE4, 0xE8, 0xEC), red(0xB5, 0x2A, 0x24), blue(0x25, 0x60, 0xAE);
+const QColor shiftColor(0xF2, 0xC1, 0x2E), alphaColor(0xFF, 0x92, 0x88);
 constexpr int shiftKey = 78, alphaKey = 77, exeKey = 31;
 
 QColor faceColor(const KeyFace &face) {
@@ -23,6 +23,10 @@ QColor faceColor(const KeyFace &face) {
     if (face.code == alphaKey) return alphaColor;
     return face.shape == KeyShape::pad ? light : dark;
 }
+
+// A face is shaded from its top to its bottom.
+QColor topOf(const QColor &face) { return face.lighter(118); }
+QColor bottomOf(const QColor &face) { return face.darker(112); }
 
 QColor legendColor(const QColor &face) {
     return qGray(face.rgb()) > 140 ? QColor(0x14, 0x1A, 0x22) : QColor(Qt::white);
@@ -58,8 +62,8 @@ void paintFace(QPainter &painter, const KeyFace &face) {
     const QRectF place = rectangleOf(face).adjusted(0.5, 0.5, -0.5, -0.5);
     const QColor color = faceColor(face);
     QLinearGradient shade(place.topLeft(), place.bottomLeft());
-    shade.setColorAt(0, color.lighter(118));
-    shade.setColorAt(1, color.darker(112));
+    shade.setColorAt(0, topOf(color));
+    shade.setColorAt(1, bottomOf(color));
     painter.setPen(QPen(color.darker(190), 0.6));
     painter.setBrush(shade);
     painter.drawRoundedRect(place, 2.5, 2.5);
@@ -82,6 +86,18 @@ void paintSecondLegends(QPainter &painter, const KeyFace &face, double pixelsPer
 }
 
 }  // namespace
+
+std::vector<KeypadText> keypadTexts() {
+    std::vector<KeypadText> texts;
+    for (const KeyFace &face : keyFaces()) {
+        const QColor color = faceColor(face);
+        for (const QColor &ground : {topOf(color), color, bottomOf(color)})
+            texts.push_back({legendColor(color), ground});
+    }
+    for (const QColor &ground : {bodyTop, bodyBottom})
+        for (const QColor &text : {shiftColor, alphaColor}) texts.push_back({text, ground});
+    return texts;
+}
 
 void paintKeypad(QPainter &painter, double pixelsPerDot) {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -109,6 +125,19 @@ void paintKeyboardNames(QPainter &painter, QStringList (*namesOf)(int keyCode)) 
         const double height = badge.width() < badge.height() ? 5 : badge.height() * 0.45;
         paintText(painter, badge.adjusted(1, 0, -1, 0), names, std::min(height, 6.0), true, Qt::AlignHCenter);
     }
+}
+
+// A dark line within a light one stands out on every key.
+void paintKeyFocus(QPainter &painter, int keyCode) {
+    const KeyFace *face = keyFaceOf(keyCode);
+    if (face == nullptr) return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    const QRectF key = rectangleOf(*face);
+    painter.setPen(QPen(Qt::white, 1.6));
+    painter.drawRoundedRect(key.adjusted(-1, -1, 1, 1), 3, 3);
+    painter.setPen(QPen(Qt::black, 0.8));
+    painter.drawRoundedRect(key.adjusted(0.2, 0.2, -0.2, -0.2), 2.5, 2.5);
 }
 
 void paintKeyOutline(QPainter &painter, int keyCode) {

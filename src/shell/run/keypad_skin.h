@@ -1,7 +1,9 @@
 // The picture of the key pad, drawn from the key table at any scale. Graphical thread only.
 #pragma once
 
+#include <QColor>
 #include <QStringList>
+#include <vector>
 
 class QPainter;
 
@@ -16,5 +18,13 @@ void paintKeyboardNames(QPainter &painter, QStringList (*namesOf)(int keyCode));
 
 // The outline of a key under the mouse; nothing for 0.
 void paintKeyOutline(QPainter &painter, int keyCode);
+void paintKeyFocus(QPainter &painter, int keyCode);  // of the one that has the focus
+
+// Each colour of a text on the pad, with each ground that it stands on.
+struct KeypadText {
+    QColor text;
+    QColor ground;
+};
+std::vector<KeypadText> keypadTexts();
 
 }  // namespace numalink

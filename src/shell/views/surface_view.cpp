@@ -5,11 +5,13 @@
 #include <QPainter>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <QtMath>
 #include <algorithm>
 #include <utility>
 
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 
 namespace numalink {
 
@@ -31,16 +33,20 @@ struct SurfaceView {
 };
 SurfaceView state;
 
-int dotSize() {
-    if (state.zoom != zoomToFit) return state.zoom;
+// Pixels of the window a dot.
+double dotSize() {
+    if (state.zoom != zoomToFit) return wholeDot(state.area, state.zoom);
     if (state.drawing.dots.isEmpty()) return 1;
     const QSize room = state.area->size() - QSize(2 * state.area->frameWidth(), 2 * state.area->frameWidth());
-    return std::clamp(std::min(room.width() / state.drawing.dots.width(), room.height() / state.drawing.dots.height()),
-                      1, 64);
+    return largestDot(state.area, room, state.drawing.dots, 64);
 }
 
+// On the grid of the screen's pixels, in the picture.
+QPointF origin() { return onPixel(state.picture, {0, 0}); }
+
 void resizePicture() {
-    state.picture->setFixedSize(state.drawing.dots * dotSize());
+    const QSizeF size = QSizeF(state.drawing.dots) * dotSize();
+    state.picture->setFixedSize(qCeil(size.width()), qCeil(size.height()));
     state.picture->update();
 }
 
@@ -51,19 +57,22 @@ QImage imageOf(const Surface &surface) {
 
 // Only the dots that are asked for, each as a whole number of pixels.
 void paintSurface(const QRect &asked) {
-    const int size = dotSize();
+    const double size = dotSize();
+    const auto dotAt = [&](const QPoint &place) {
+        const QPointF dot = (QPointF(place) - origin()) / size;
+        return QPoint(qFloor(dot.x()), qFloor(dot.y()));
+    };
     const QRect part =
-        QRect(QPoint(asked.left() / size, asked.top() / size), QPoint(asked.right() / size, asked.bottom() / size)) &
-        QRect(QPoint(0, 0), state.drawing.dots);
+        QRect(dotAt(asked.topLeft()), dotAt(asked.bottomRight() + QPoint(1, 1))) & QRect({0, 0}, state.drawing.dots);
     if (part.isEmpty()) return;
     QPainter painter(state.picture);
-    const QRect place(part.topLeft() * size, part.size() * size);
+    const QRectF place(origin() + QPointF(part.topLeft()) * size, QSizeF(part.size()) * size);
     if (state.drawing.part == nullptr) {
         painter.drawImage(place, imageOf(state.drawing.whole), part);
         return;
     }
     const Surface drawn = state.drawing.part(part.left(), part.top(), part.width(), part.height());
-    painter.drawImage(place, imageOf(drawn));
+    painter.drawImage(place, imageOf(drawn), QRectF(QPointF(0, 0), part.size()));
 }
 
 bool pictureEvent(QWidget *, QEvent *event) {
@@ -131,9 +140,11 @@ void describeSurface(const QString &name, const QString &detail) {
 }
 
 void showSurfacePart(int x, int y, int width, int height) {
-    const int size = dotSize();
-    const QRect part(x * size, y * size, width * size, height * size);
-    state.area->ensureVisible(part.center().x(), part.center().y(), part.width() / 2 + size, part.height() / 2 + size);
+    const double size = dotSize();
+    const QRect part = QRectF(x * size, y * size, width * size, height * size).toAlignedRect();
+    const int margin = qCeil(size);
+    state.area->ensureVisible(part.center().x(), part.center().y(), part.width() / 2 + margin,
+                              part.height() / 2 + margin);
 }
 
 int surfaceZoom() { return state.zoom; }

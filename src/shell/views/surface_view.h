@@ -32,7 +32,8 @@ void describeSurface(const QString &name, const QString &detail);
 // Scrolls until these dots are in sight.
 void showSurfacePart(int x, int y, int width, int height);
 
-// Pixels a dot, 1 to zoomLimit, or zoomToFit for the largest whole number at which all is in sight.
+// Pixels of the window a dot, 1 to zoomLimit (nearly, where the platform scales: a dot is whole pixels of the screen),
+// or zoomToFit for the largest whole number at which all is in sight.
 int surfaceZoom();
 void setSurfaceZoom(int zoom);
 

@@ -5,11 +5,14 @@
 #include <QTimer>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "settings/settings_store.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/pane_sizes.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
 #include "shell/workbench/breakpoints_pane.h"
@@ -158,6 +161,28 @@ void arrange() {
     state.arranging = false;
 }
 
+// Panes that share an area by tabs share its size: the first one tells it.
+void sizePanes() {
+    QList<QDockWidget *> across, down;
+    QList<int> widths, heights;
+    for (const Dock &dock : state.docks) {
+        const Qt::DockWidgetArea area = mainWindow->dockWidgetArea(dock.widget);
+        if (!dock.wanted || dock.widget->isFloating()) continue;
+        const bool isBelow = area == Qt::BottomDockWidgetArea || area == Qt::TopDockWidgetArea;
+        const QSize known = paneSize(dock.widget);
+        QList<QDockWidget *> &docks = isBelow ? down : across;
+        if (std::ranges::any_of(docks, [&](QDockWidget *one) { return mainWindow->dockWidgetArea(one) == area; }))
+            continue;
+        docks << dock.widget;
+        if (isBelow)
+            heights << (known.isEmpty() ? grown(bottomHeight) : known.height());
+        else
+            widths << (known.isEmpty() ? grown(rightWidth) : known.width());
+    }
+    mainWindow->resizeDocks(across, widths, Qt::Horizontal);
+    mainWindow->resizeDocks(down, heights, Qt::Vertical);
+}
+
 void refreshShown() {
     takeProfile();
     showStopInProgram();
@@ -203,22 +228,14 @@ void showPanes(bool show) {
     if (state.shown == show) return;
     state.arranging = true;
     if (show) makeRoomBeside();
+    for (const Dock &dock : state.docks) notePaneSize(dock.widget);
     state.shown = show;
     for (Dock &dock : state.docks) dock.widget->setVisible(show && dock.wanted);
     // Of those that share a place the first one is to be seen.
     for (auto dock = state.docks.rbegin(); dock != state.docks.rend(); ++dock)
         if (show && dock->wanted) dock->widget->raise();
     showStopLine(show);
-    QList<QDockWidget *> right, bottom;
-    for (const Dock &dock : state.docks) {
-        const Qt::DockWidgetArea area = mainWindow->dockWidgetArea(dock.widget);
-        if (!show || !dock.wanted || dock.widget->isFloating()) continue;
-        if (area == Qt::RightDockWidgetArea && right.isEmpty()) right << dock.widget;
-        if (area == Qt::BottomDockWidgetArea && bottom.isEmpty()) bottom << dock.widget;
-    }
-    if (!state.sized && !right.isEmpty()) mainWindow->resizeDocks(right, {rightWidth}, Qt::Horizontal);
-    if (!state.sized && !bottom.isEmpty()) mainWindow->resizeDocks(bottom, {bottomHeight}, Qt::Vertical);
-    state.sized = state.sized || show;
+    if (show && !std::exchange(state.sized, true)) sizePanes();
     state.arranging = false;
     refreshShown();
 }

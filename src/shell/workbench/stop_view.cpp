@@ -182,6 +182,7 @@ void makeStopLine() {
     state.bar = new QToolBar(textOf(Text::debugBarName));
     state.bar->setObjectName(QStringLiteral("debugBar"));
     state.bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    nameMoreButton(state.bar);
     state.line = new QLabel;
     state.line->setObjectName(QStringLiteral("stopLine"));
     state.line->setTextFormat(Qt::PlainText);

@@ -5,6 +5,7 @@
 #include <QTreeWidgetItem>
 
 #include "debugger/watches.h"
+#include "shell/parts/color_contrast.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/workbench/debugging.h"
@@ -51,7 +52,7 @@ void fill() {
     }
     QTreeWidgetItem *last = state.table->topLevelItem(static_cast<int>(state.texts.size()));
     last->setText(expressionColumn, textOf(Text::watchNew));
-    last->setForeground(expressionColumn, state.table->palette().brush(QPalette::PlaceholderText));
+    last->setForeground(expressionColumn, faintText(state.table->palette()));
     for (const int column : {valueColumn, fullColumn}) last->setText(column, QString());
     fitColumns(state.table);
     state.filling = false;
