@@ -85,8 +85,9 @@ void makeBar() {
     row->setSpacing(2);
     state.name = new QLineEdit;
     state.name->setObjectName(QStringLiteral("treeFilter"));
-    state.name->setPlaceholderText(textOf(Text::filterNames));
-    state.name->setAccessibleName(textOf(Text::filterNames));
+    const QString hint = textOf(Text::filterNames).remove(QLatin1Char('&'));
+    state.name->setPlaceholderText(hint);
+    state.name->setAccessibleName(hint);
     state.name->setClearButtonEnabled(true);
     state.kinds = new QComboBox;
     state.kinds->setAccessibleName(textOf(Text::filterAllKinds));
