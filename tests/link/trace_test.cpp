@@ -103,7 +103,7 @@ TEST(WireTrace, WritesWhatPassesAndPutsTheLineBack) {
         std::uint8_t answer = 0;
         EXPECT_EQ(serialLine.read({&answer, 1}, {}).count, 1u);
         EXPECT_EQ(answer, 0x13);
-        serialLine.write(head);
+        serialLine.write(ByteView(head));
         serialLine.close();
         EXPECT_EQ(wireTraceLast().size(), 5u);
         wireTraceEnd();

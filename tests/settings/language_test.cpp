@@ -75,14 +75,14 @@ TEST(Language, LimitsOfFilesAndOfAllTextsArePassedOver) {
     for (int i = 10; i < 40; i++)
         folder.write("Language/" + std::to_string(i) + ".clf", "[Language Info]\nName=" + std::to_string(i) + "\n");
     folder.write("Language/10.clf",
-                 "[Language Info]\nName=10\n[Translation]\n1=" + std::string(65535, 'x') + "\n2=y\n");
+                 "[Language Info]\nName=10\n[Translation]\n1=" + std::string(languagePoolSize - 1, 'x') + "\n2=y\n");
     folder.write("Language/11.clf", "[Language Info]\nName=11\n[Translation]\n1=z\n");
     EXPECT_EQ(languageLoad("11", "10"), 1);
     EXPECT_EQ(languageCount(), languageLimit);
     EXPECT_EQ(languageText(1), "z");
-    EXPECT_EQ(languageText(2), "y") << "a text beside z has no room for 65,535 bytes";
+    EXPECT_EQ(languageText(2), "y") << "beside z there is no room for a text that fills the pool";
     EXPECT_EQ(languageLoad("12", "10"), 1);
-    EXPECT_EQ(languageText(1).size(), 65535U) << "the pool is full with it";
+    EXPECT_EQ(languageText(1).size(), languagePoolSize - 1) << "the pool is full with it";
     EXPECT_EQ(languageText(2), "<unknown string>");
     EXPECT_EQ(languageLoad("12", "11"), 1);
     EXPECT_EQ(languageText(1), "z") << "a language that isn't shown takes no room from one that is";

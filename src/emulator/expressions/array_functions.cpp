@@ -8,6 +8,7 @@
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/errors.h"
+#include "emulator/machine/run_waits.h"
 
 namespace numalink {
 
@@ -113,6 +114,7 @@ int runSequence(const Sequence &sequence, double *results) {
             synError();
             return -1;
         }
+        if (!workGoesOn()) return -1;
         std::copy_n(expression, sequence.expressionCount, work);
         int count = sequence.expressionCount;
         evaluate(work, 0, count);

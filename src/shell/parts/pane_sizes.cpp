@@ -21,7 +21,8 @@ struct PaneLetter {
     const char *name;
 };
 constexpr PaneLetter paneLetters[] = {{'K', "calculatorDock"}, {'V', "variablesDock"},   {'W', "watchesDock"},
-                                      {'C', "callsDock"},      {'B', "breakpointsDock"}, {'P', "profileDock"}};
+                                      {'C', "callsDock"},      {'B', "breakpointsDock"}, {'P', "profileDock"},
+                                      {'N', "problemsDock"},   {'O', "outlineDock"},     {'U', "usesDock"}};
 
 std::optional<std::map<QString, QSize>> sizes;  // by the pane's name; none: not read from the settings yet
 

@@ -17,6 +17,7 @@
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/pane_sizes.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/workbench/code_commands.h"
 #include "shell/workbench/pane_parts.h"
@@ -151,6 +152,17 @@ void makeDock(const PaneRow &row, bool isShown) {
     });
 }
 
+// As it was left, or as at first; a hidden one would only change the panes that share its area.
+void sizeDock(const PaneRow &row) {
+    QDockWidget *dock = dockOf(row.pane).widget;
+    if (dock->isHidden()) return;
+    const QSize known = paneSize(dock);
+    if (row.area == Qt::BottomDockWidgetArea)
+        mainWindow->resizeDocks({dock}, {known.isEmpty() ? bottomHeight : known.height()}, Qt::Vertical);
+    else
+        mainWindow->resizeDocks({dock}, {known.isEmpty() ? rightWidth : known.width()}, Qt::Horizontal);
+}
+
 void addUses(const ProgramText &text, const ProgramStructure &program, const ProgramName &name, const ItemEntry &item) {
     constexpr const char *signs[] = {"", "\u2192", "Lbl"};
     const std::vector<ViewLine> lines = viewLines(text.image);
@@ -174,8 +186,7 @@ void makeCodePanes() {
     for (const PaneRow &row : rows)
         makeDock(row, row.pane != CodePane::uses && shown.find(row.letter) != std::string::npos);
     mainWindow->tabifyDockWidget(dockOf(CodePane::problems).widget, dockOf(CodePane::uses).widget);
-    mainWindow->resizeDocks({dockOf(CodePane::problems).widget}, {bottomHeight}, Qt::Vertical);
-    mainWindow->resizeDocks({dockOf(CodePane::outline).widget}, {rightWidth}, Qt::Horizontal);
+    for (const PaneRow &row : rows) sizeDock(row);
     readingChanged = fillShown;
     problemsChanged = fillShown;
 }
