@@ -36,6 +36,7 @@ struct DiffOptions {
 struct ItemPair {
     const SourceItem *left = nullptr, *right = nullptr;
 
+    // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.UndefReturn): at least one is there
     const SourceItem &any() const { return left != nullptr ? *left : *right; }
     bool isProgram() const {
         return isTextKind(any().itemKind) && (!left || !right || left->itemKind == right->itemKind);
