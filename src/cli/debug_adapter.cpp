@@ -264,7 +264,8 @@ std::string elementName(const NamedArray &array, int index) {
 
 void addElements(Json &list, const NamedArray &array, int start, int count) {
     const int size = array.columns * array.rows;
-    const std::int64_t asked = count > 0 ? std::int64_t{start} + count : size;
+    std::int64_t asked = size;
+    if (count > 0) asked = std::int64_t{start} + count;
     const int end = static_cast<int>(std::min<std::int64_t>(size, asked));
     for (int index = std::max(start, 0); index < end; index++) {
         const double element = debugElement(array, index / array.columns + 1, index % array.columns + 1);

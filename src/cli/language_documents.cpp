@@ -39,7 +39,7 @@ std::vector<std::size_t> unitsOf(std::string_view utf8) {
 // "file:///home/x/SNAKE.txt" is SNAKE.
 std::string nameOf(const std::string &address) {
     std::string name = address.substr(address.find_last_of('/') + 1);
-    name = name.substr(0, name.find_last_of('.'));
+    name.resize(std::min(name.size(), name.find_last_of('.')));
     return calculatorFromUtf8(name);
 }
 

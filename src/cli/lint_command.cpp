@@ -79,11 +79,13 @@ std::size_t lintProgram(const StoredItem &item, const std::string &path, bool js
     nlohmann::ordered_json told = nlohmann::ordered_json::array();
     for (const Problem &problem : problems) {
         const TextPlace place = placeOfByte(text, problem.at);
-        if (json) told.push_back(jsonOf(problem, place));
-        if (!json)
-            std::printf("%s:%zu:%zu: %s: %s [%s]\n", path.c_str(), place.line + 1, place.character + 1,
-                        severityWords[static_cast<std::size_t>(severityOf(problem.kind))], problemText(problem).c_str(),
-                        problemId(problem.kind));
+        if (json) {
+            told.push_back(jsonOf(problem, place));
+            continue;
+        }
+        std::printf("%s:%zu:%zu: %s: %s [%s]\n", path.c_str(), place.line + 1, place.character + 1,
+                    severityWords[static_cast<std::size_t>(severityOf(problem.kind))], problemText(problem).c_str(),
+                    problemId(problem.kind));
     }
     if (!problems.empty()) list.push_back({{"id", item.id}, {"path", path}, {"problems", told}});
     return problems.size();

@@ -97,6 +97,7 @@ NewRecords recordsOf(std::span<const FormChange> changes, FormCause cause) REQUI
         const auto successor = std::ranges::find(changes, change.successor, &FormChange::id);
         const StoredItem *after = change.after;
         if (after == nullptr && change.successor != noItem && successor != changes.end()) after = successor->after;
+        if (change.before == nullptr && after == nullptr) continue;
         FormRecordHead head{};
         head.id = change.id;
         head.kind = change.before != nullptr ? change.before->kind : after->kind;
@@ -270,11 +271,12 @@ void historyOpen() {
         history = {};
         history.path = path;
         history.libraryPath = libraryPath;
-        FormFileState found{};
-        if (readOnly)
+        if (readOnly) {
+            FormFileState found{};
             readRecords(path, found);
-        else
+        } else {
             trouble = openFile(kept);
+        }
     }
     if (!readOnly) storeTellForms(follow);
     if (trouble != Text::none) failWith(trouble, {path, kept});

@@ -80,8 +80,9 @@ std::string rowsOnDisplay(bool blankOnes) {
     const HoldLock held(displayLock);
     std::string text;
     for (const std::string &row : displayRows) {
-        const std::size_t end = row.find_last_not_of(' ') + 1;  // 0 for a blank one
-        if (end > 0 || blankOnes) text += utf8FromCalculator(row.substr(0, end)) + "\n";
+        const std::size_t last = row.find_last_not_of(' ');
+        const bool isBlank = last == std::string::npos;
+        if (!isBlank || blankOnes) text += utf8FromCalculator(row.substr(0, isBlank ? 0 : last + 1)) + "\n";
     }
     return text;
 }

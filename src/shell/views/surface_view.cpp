@@ -58,12 +58,12 @@ QImage imageOf(const Surface &surface) {
 // Only the dots that are asked for, each as a whole number of pixels.
 void paintSurface(const QRect &asked) {
     const double size = dotSize();
-    const auto dotAt = [&](const QPoint &place) {
+    const auto dotUnder = [&](const QPoint &place) {
         const QPointF dot = (QPointF(place) - origin()) / size;
         return QPoint(qFloor(dot.x()), qFloor(dot.y()));
     };
-    const QRect part =
-        QRect(dotAt(asked.topLeft()), dotAt(asked.bottomRight() + QPoint(1, 1))) & QRect({0, 0}, state.drawing.dots);
+    const QRect part = QRect(dotUnder(asked.topLeft()), dotUnder(asked.bottomRight() + QPoint(1, 1))) &
+                       QRect({0, 0}, state.drawing.dots);
     if (part.isEmpty()) return;
     QPainter painter(state.picture);
     const QRectF place(origin() + QPointF(part.topLeft()) * size, QSizeF(part.size()) * size);

@@ -65,10 +65,10 @@ QString takeRow(const QTreeWidgetItem *row, Breakpoint point) {
         if (!fault.empty()) return textOf(Text::conditionWrong, {condition, fault});
     }
     point.condition = condition;
-    bool isNumber = true;
+    bool isCount = true;
     const QString count = row->text(countColumn).trimmed();
-    point.count = count.isEmpty() ? 0 : count.toULongLong(&isNumber);
-    if (!isNumber) return textOf(Text::debugNotANumber);
+    point.count = count.isEmpty() ? 0 : count.toULongLong(&isCount);
+    if (!isCount) return textOf(Text::debugNotANumber);
     breakpointChange(point);
     return {};
 }
