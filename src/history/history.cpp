@@ -97,10 +97,11 @@ NewRecords recordsOf(std::span<const FormChange> changes, FormCause cause) REQUI
         const auto successor = std::ranges::find(changes, change.successor, &FormChange::id);
         const StoredItem *after = change.after;
         if (after == nullptr && change.successor != noItem && successor != changes.end()) after = successor->after;
-        if (change.before == nullptr && after == nullptr) continue;
+        const StoredItem *known = change.before != nullptr ? change.before : after;
+        if (known == nullptr) continue;
         FormRecordHead head{};
         head.id = change.id;
-        head.kind = change.before != nullptr ? change.before->kind : after->kind;
+        head.kind = known->kind;
         head.successor = change.successor;
         head.time = now();
         head.cause = static_cast<std::uint8_t>(cause);
