@@ -49,6 +49,7 @@ std::vector<ReadLine> readLines(const std::vector<ViewLine> &lines, LineNumbers 
 
 std::vector<std::uint32_t> numbersOf(const std::vector<ReadLine> &lines) {
     std::vector<std::uint32_t> numbers;
+    numbers.reserve(lines.size());
     for (const ReadLine &line : lines) numbers.push_back(line.number);
     return numbers;
 }

@@ -45,8 +45,9 @@ std::optional<WatchExpression> conditionOf(const Breakpoint &breakpoint) {
 using Texts = std::vector<std::vector<StatementOfText>>;  // of the loaded programs; empty until it is asked for
 
 // Where the statement begins in a loaded program, which may have another text than its item by now; -1: nowhere.
-int cellIn(Texts &texts, int program, KnownStatement known) {
+int cellIn(Texts &texts, int program, const KnownStatement &asTold) {
     if (program < 0) return -1;
+    KnownStatement known = asTold;
     std::vector<StatementOfText> &text = texts[static_cast<std::size_t>(program)];
     const LoadedProgram &loaded = loadedProgram(program);
     if (text.empty()) text = statementsOfText(loaded.cells, loaded.cellCount);
