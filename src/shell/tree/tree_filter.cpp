@@ -1,5 +1,6 @@
 #include "shell/tree/tree_filter.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -28,7 +29,7 @@ TreeFilter state;
 
 // The kinds that there are, each by its picture, which is also how many of them look alike.
 void fillKinds() {
-    const int chosen = state.kinds->currentData().toInt();
+    const int chosen = state.kinds->count() == 0 ? -1 : state.kinds->currentData().toInt();  // 0 is an image, too
     const QSignalBlocker quiet(state.kinds);
     state.kinds->clear();
     state.kinds->addItem(textOf(Text::filterAllKinds), -1);
@@ -42,6 +43,9 @@ void fillKinds() {
                              image);
     }
     state.kinds->setCurrentIndex(std::max(0, state.kinds->findData(chosen)));
+    // Its list is wider than the box, which leaves room for the name.
+    const QAbstractItemView *list = state.kinds->view();
+    state.kinds->view()->setMinimumWidth(list->sizeHintForColumn(0) + 2 * list->frameWidth());
 }
 
 bool fits(const QTreeWidgetItem *entry) {
@@ -92,7 +96,7 @@ void makeBar() {
     state.kinds = new QComboBox;
     state.kinds->setAccessibleName(textOf(Text::filterAllKinds));
     state.kinds->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    state.kinds->setMinimumContentsLength(3);
+    state.kinds->setMinimumContentsLength(5);
     row->addWidget(state.name, 1);
     row->addWidget(state.kinds);
     hookEvents(state.name, leaveByEscape);
