@@ -41,9 +41,15 @@ QTreeWidget *listOf(const std::vector<Duplicates> &found) {
     return list;
 }
 
+// Whether the row is an item whose lines can be compared with another one's.
+bool mayCompareInGroup(const QTreeWidgetItem *row) {
+    const auto entry = storeReadEntry(itemOf(row));
+    return entry && isTextKind(entry->kind) && row->parent()->childCount() >= 2;
+}
+
 // The item and another one of its group.
 void compareInGroup(const QTreeWidgetItem *row) {
-    if (itemOf(row) == noItem || row->parent()->childCount() < 2) return;
+    if (!mayCompareInGroup(row)) return;
     const QTreeWidgetItem *first = row->parent()->child(0);
     const QTreeWidgetItem *other = first == row ? row->parent()->child(1) : first;
     const CompareSource left = compareSourceOf(itemOf(other)), right = compareSourceOf(itemOf(row));
@@ -75,6 +81,9 @@ void showDuplicates() {
     layout->addLayout(buttons);
     QObject::connect(compare, &QPushButton::clicked, &dialog, [list] { compareInGroup(list->currentItem()); });
     QObject::connect(close, &QPushButton::clicked, &dialog, &QDialog::accept);
+    const auto follow = [=] { compare->setEnabled(mayCompareInGroup(list->currentItem())); };
+    QObject::connect(list, &QTreeWidget::currentItemChanged, &dialog, follow);
+    follow();
     ItemId chosen = noItem;  // to be shown in the tree
     QObject::connect(list, &QTreeWidget::itemActivated, &dialog, [&](const QTreeWidgetItem *row) {
         chosen = itemOf(row);

@@ -50,6 +50,7 @@ struct SearchWindow {
     std::vector<ItemId> left;  // still to be searched, the next one last
     std::vector<FoundPlace> places;
     std::set<ItemId> items;  // with places
+    QString replaced;        // what to tell of the replacing that led to this search
 };
 SearchWindow state;
 
@@ -95,8 +96,11 @@ void showInfo() {
     const bool runs = state.timer->isActive();
     const std::vector<std::string> counts = {std::to_string(state.places.size()), std::to_string(state.items.size())};
     const bool isCut = state.places.size() >= searchPlaceLimit;
-    state.info->setText(state.places.empty() ? (runs ? QString() : textOf(Text::searchNothing))
-                                             : textOf(isCut ? Text::searchCut : Text::searchFound, counts));
+    if (!state.replaced.isEmpty())
+        state.info->setText(state.replaced);
+    else
+        state.info->setText(state.places.empty() ? (runs ? QString() : textOf(Text::searchNothing))
+                                                 : textOf(isCut ? Text::searchCut : Text::searchFound, counts));
     state.replace->setEnabled(!runs && state.replaces && !state.places.empty() && !storeIsReadOnly());
 }
 
@@ -147,6 +151,7 @@ void searchOn() {
 
 void clearPlaces() {
     state.timer->stop();
+    state.replaced.clear();
     state.left.clear();
     state.places.clear();
     state.items.clear();
@@ -166,7 +171,7 @@ void startSearch() {
                                  fault);
     if (!state.search) {
         showInfo();
-        state.info->setText(textOf(Text::searchFault, {fault.empty() ? pattern : fault}));
+        state.info->setText(pattern.empty() ? QString() : textOf(Text::searchFault, {fault.empty() ? pattern : fault}));
         return;
     }
     state.replacement = state.by->text().toStdString();
@@ -224,9 +229,9 @@ void replaceMarked() {
     if (result == ReplaceResult::unreadable)
         tellUser(Text::searchFault, {culpritName + ": " + textOf(Text::searchNoText).toStdString()});
     startSearch();
-    if (result == ReplaceResult::done)
-        state.info->setText(
-            textOf(Text::searchReplaced, {std::to_string(marked.size()), std::to_string(items.size())}));
+    if (result != ReplaceResult::done) return;
+    state.replaced = textOf(Text::searchReplaced, {std::to_string(marked.size()), std::to_string(items.size())});
+    showInfo();
 }
 
 QPushButton *addButton(QBoxLayout *row, Text text, void (*act)()) {
@@ -258,6 +263,7 @@ void makeList(QVBoxLayout *layout) {
     state.list->setUniformRowHeights(true);
     state.list->setHeaderLabels(
         {textOf(Text::searchItem), textOf(Text::searchLine), textOf(Text::searchText), textOf(Text::searchBecomes)});
+    state.list->headerItem()->setTextAlignment(lineColumn, Qt::AlignRight | Qt::AlignVCenter);
     state.list->setColumnWidth(itemColumn, 180);
     state.list->setColumnWidth(lineColumn, 50);
     state.list->setColumnWidth(textColumn, 230);

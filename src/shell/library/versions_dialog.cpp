@@ -45,6 +45,7 @@ QTreeWidget *listOf(const std::vector<FormEntry> &forms) {
         row->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
     }
     for (int column = 0; column < 3; column++) list->resizeColumnToContents(column);
+    list->headerItem()->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
     list->header()->setStretchLastSection(true);
     list->setCurrentItem(list->topLevelItem(forms.size() > 1 ? 1 : 0));
     return list;
