@@ -25,6 +25,7 @@ ItemId itemOf(const QTreeWidgetItem *row) {
 
 QTreeWidget *listOf(const std::vector<Duplicates> &found) {
     auto *list = new QTreeWidget;
+    list->setAccessibleName(textOf(Text::duplicatesTitle));
     list->setHeaderHidden(true);
     for (const Duplicates &group : found) {
         const Text likeness = group.likeness == Likeness::bytes ? Text::duplicatesBytes : Text::duplicatesLoose;

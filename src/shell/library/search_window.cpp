@@ -259,6 +259,7 @@ void makeFields(QVBoxLayout *layout) {
 
 void makeList(QVBoxLayout *layout) {
     state.list = new QTreeWidget;
+    state.list->setAccessibleName(textOf(Text::searchTitle));
     state.list->setRootIsDecorated(false);
     state.list->setUniformRowHeights(true);
     state.list->setHeaderLabels(

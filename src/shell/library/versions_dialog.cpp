@@ -114,6 +114,7 @@ void showVersions() {
     state.dialog.setWindowTitle(textOf(Text::versionsTitle, {state.utf8Name()}));
     auto *layout = new QVBoxLayout(&state.dialog);
     state.list = listOf(state.forms);
+    state.list->setAccessibleName(state.dialog.windowTitle());
     layout->addWidget(state.list);
     auto *row = new QHBoxLayout;
     state.compare = addButton(row, Text::versionsCompare, &state.dialog, [&] { state.compareWithNow(); });
