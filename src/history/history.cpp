@@ -57,10 +57,11 @@ void drop(std::size_t number) REQUIRES_LOCK(historyLock) {
 
 void trim(std::vector<std::size_t> &chain) REQUIRES_LOCK(historyLock) {
     std::size_t forms = 0;
-    for (auto number = chain.rbegin(); number != chain.rend(); ++number)
+    for (auto number = chain.rbegin(); number != chain.rend(); ++number) {
         // One more than is shown: it tells how the oldest one shown came.
         if (history.records[*number].head.hasForm != 0 && history.counts[*number] && ++forms > historyFormLimit + 1)
             drop(*number);
+    }
     for (; history.bytes > historySizeLimit && history.oldest < history.records.size(); history.oldest++)
         drop(history.oldest);
     std::erase_if(chain, [](std::size_t number) REQUIRES_LOCK(historyLock) { return !history.counts[number]; });

@@ -169,10 +169,11 @@ void Search::labels() {
              {utf8FromCalculator(textOfTokens(program, label.first, label.count))},
              isAlone ? withoutStatement(statement) : std::nullopt);
     }
-    for (const LabelMention &jump : program.jumps)
-        if (!known.contains(jump.name))
-            tell(ProblemKind::labelMissing, jump.first, jump.count,
-                 {utf8FromCalculator(textOfTokens(program, jump.first, jump.count))});
+    for (const LabelMention &jump : program.jumps) {
+        if (known.contains(jump.name)) continue;
+        tell(ProblemKind::labelMissing, jump.first, jump.count,
+             {utf8FromCalculator(textOfTokens(program, jump.first, jump.count))});
+    }
 }
 
 void Search::blocks() {
@@ -369,10 +370,11 @@ void Search::stores() {
 }
 
 void Search::lengths() {
-    for (const ProgramStatement &statement : program.statements)
-        if (statement.cells > longestStatement)
-            tell(ProblemKind::statementTooLong, statement.first, statement.count,
-                 {std::to_string(statement.cells), std::to_string(longestStatement)});
+    for (const ProgramStatement &statement : program.statements) {
+        if (statement.cells <= longestStatement) continue;
+        tell(ProblemKind::statementTooLong, statement.first, statement.count,
+             {std::to_string(statement.cells), std::to_string(longestStatement)});
+    }
 }
 
 }  // namespace

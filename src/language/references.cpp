@@ -71,13 +71,16 @@ bool holds(const LabelMention &place, std::size_t token) {
 }
 
 std::optional<ProgramName> namedPlace(const ProgramStructure &program, std::size_t token) {
-    for (const auto *places : {&program.labels, &program.jumps})
-        for (const LabelMention &place : *places)
-            if (holds(place, token) && !(program.tokens[token].is(code::menu)))
+    for (const auto *places : {&program.labels, &program.jumps}) {
+        for (const LabelMention &place : *places) {
+            if (holds(place, token) && !program.tokens[token].is(code::menu))
                 return ProgramName{NameKind::label, 0, place.name, {}, textOfTokens(program, place.first, place.count)};
-    for (const ProgramCall &call : program.calls)
+        }
+    }
+    for (const ProgramCall &call : program.calls) {
         if (token >= call.token && token <= call.first + call.count)
             return ProgramName{NameKind::program, 0, {}, call.name, call.name};
+    }
     return std::nullopt;
 }
 

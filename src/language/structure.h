@@ -47,7 +47,7 @@ struct LabelName {
     bool isNumber = false;
     std::uint64_t value = 0;
     friend bool operator==(const LabelName &, const LabelName &) = default;
-    friend auto operator<=>(const LabelName &, const LabelName &) = default;
+    friend auto operator<=>(const LabelName &, const LabelName &) = default;  // NOLINT(modernize-use-nullptr)
 };
 struct LabelMention {
     LabelName name;

@@ -95,7 +95,7 @@ void tell(const std::string &what) {
 
 LineOpening openObserved(const std::string &name, unsigned baud) {
     static LineFault before = LineFault::none;  // the link's thread: a missing port is tried twice a second
-    const LineOpening opening = observed.open(name, baud);
+    LineOpening opening = observed.open(name, baud);
     if (opening.fault == LineFault::none)
         tell(opening.path + " opened, " + std::to_string(baud) + " baud, 8 data bits, no parity, 2 stop bits");
     else if (opening.fault != before)

@@ -64,6 +64,7 @@ std::optional<std::vector<std::string>> recordsOf(std::string_view text) {
     }
     std::ranges::sort(found);
     std::vector<std::string> lines;
+    lines.reserve(found.size());
     for (auto &[number, line] : found) lines.push_back(cleaned(line));
     return lines;
 }
@@ -95,7 +96,7 @@ std::optional<std::vector<std::string>> eventLogKeep(const std::string &path) {
     if (filePort.openOwn(path.c_str(), true, file) != OpenResult::opened) return std::nullopt;
     std::string text(firstLine.size() + eventLimit * recordSize, '\0');
     text.resize(filePort.readAt(file, 0, text.data(), text.size()));
-    const std::optional<std::vector<std::string>> left = recordsOf(text);
+    std::optional<std::vector<std::string>> left = recordsOf(text);
     if (!text.empty() && !left) {  // somebody's own
         filePort.close(file);
         return std::nullopt;
