@@ -96,6 +96,11 @@ TEST_F(LibraryWindows, PlacesAreFoundOpenedAndReplacedInOneStep) {
     EXPECT_EQ(programEdit->textCursor().selectedText(), QStringLiteral("XQ1"));
     buttonOf(window, Text::searchReplace)->click();
     EXPECT_EQ(viewText(), QStringLiteral("YZ3"));
+    QTest::qWait(50);  // the search that follows has ended
+    const auto labels = window->findChildren<QLabel *>();
+    EXPECT_TRUE(std::ranges::any_of(labels, [](const QLabel *label) {
+        return label->text() == textOf(Text::searchReplaced, {"2", "2"});
+    }));
     TakenBack done;
     ASSERT_TRUE(storeUndo(done));
     EXPECT_EQ(done.step.count, 2u);
@@ -112,6 +117,7 @@ TEST_F(LibraryWindows, TheTreeIsFilteredAndOrdered) {
     auto *line = clientArea->findChild<QLineEdit *>(QStringLiteral("treeFilter"));
     ASSERT_NE(line, nullptr);
     EXPECT_GT(treeView->y(), 0);
+    EXPECT_FALSE(treeEntryOf(matrix)->isHidden()) << "an empty filter shows every kind";
     line->setText(QStringLiteral("nak"));
     EXPECT_TRUE(treeEntryOf(apple)->isHidden());
     EXPECT_FALSE(treeEntryOf(snake)->isHidden());
