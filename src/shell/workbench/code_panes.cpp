@@ -140,7 +140,8 @@ void makeDock(const PaneRow &row, bool isShown) {
     dock.table = makePaneTable(columnsOf(row.pane));
     dock.table->setRootIsDecorated(false);
     dock.table->setAccessibleName(title);
-    dock.table->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    for (int column = 0; column + 1 < dock.table->columnCount(); column++)  // the last one takes the rest
+        dock.table->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     dock.widget->setWidget(dock.table);
     mainWindow->addDockWidget(row.area, dock.widget);
     dock.widget->setVisible(isShown);
