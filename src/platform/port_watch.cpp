@@ -114,8 +114,9 @@ void sayToWatchedPorts(std::uint8_t byte) {
 
 void releaseWatchedPorts() {
     for (WatchedPort &port : watched) {
-        flock(port.device.native_handle(), LOCK_UN);
-        ioctl(port.device.native_handle(), TIOCNXCL);
+        // Should the line refuse, whoever opens it next is told.
+        [[maybe_unused]] const int unlocked = flock(port.device.native_handle(), LOCK_UN);
+        [[maybe_unused]] const int shared = ioctl(port.device.native_handle(), TIOCNXCL);
         port.released = true;
     }
 }

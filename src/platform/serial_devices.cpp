@@ -70,7 +70,8 @@ std::string serialAdapterName(const std::string &path, const std::string &classF
     const fs::path node = fs::weakly_canonical(path, ignored).filename();
     fs::path folder = fs::weakly_canonical(classFolder / node, ignored);
     for (int i = 0; i < usbDepth && !fs::exists(folder / "product", ignored); i++) folder = folder.parent_path();
-    const std::string product = firstLine(folder / "product"), maker = firstLine(folder / "manufacturer");
+    std::string product = firstLine(folder / "product");
+    const std::string maker = firstLine(folder / "manufacturer");
     if (product.empty() || product.starts_with(maker)) return product;
     return (maker + " " + product).substr(0, adapterNameLimit);
 }

@@ -101,7 +101,7 @@ std::size_t charactersIn(std::string_view utf8) {
 }
 
 struct PlaceMaker {
-    ItemId id;
+    ItemId id = 0;
     const std::string &text;
     int line = 0;
     std::size_t lineStart = 0, counted = 0;

@@ -14,8 +14,10 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 #include <memory>
+#include <utility>
 
 #include "calculator/program_info.h"
 #include "emulator/machine/machine.h"
@@ -262,11 +264,12 @@ void startTour() {
     assertRole(ThreadRole::graphical);
     if (!tourIsOn()) {
         auto folder = std::make_unique<QTemporaryDir>();
-        const std::string former = libraryFolder(), own = folder->path().toStdString() + "/library/";
+        const std::string own = folder->path().toStdString() + "/library/";
+        std::string former = libraryFolder();
         if (!folder->isValid() || !changeLibraryTo(own, true, ListLibrary::never)) return;
         state = {};
         state.folder = std::move(folder);
-        state.formerLibrary = former;
+        state.formerLibrary = std::move(former);
         state.formerPort = settingsValue(setting::comPort);
         state.formerType = settingsValue(setting::linkType);
         makePanel();

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLocale>
+#include <QMainWindow>
 #include <QScreen>
 #include <QStyle>
 #include <QSysInfo>
@@ -56,14 +57,15 @@ void addSystem(QStringList &lines) {
     addFact(lines, "platform",
             QStringLiteral("%1, style %2, locale %3")
                 .arg(QGuiApplication::platformName(), QApplication::style()->objectName(), QLocale().name()));
-    for (const QScreen *screen : QGuiApplication::screens())
+    for (const QScreen *screen : QGuiApplication::screens()) {
         addFact(lines, "screen",
-                QStringLiteral("%1 x %2, %3 pixels a pixel, %4 dots an inch, texts times %5")
+                QStringLiteral("%1 x %2, scale %3, %4 dots an inch, texts times %5")
                     .arg(screen->size().width())
                     .arg(screen->size().height())
                     .arg(screen->devicePixelRatio())
                     .arg(screen->logicalDotsPerInch())
                     .arg(textScale()));
+    }
     const bool isDark = mainWindow->palette().color(QPalette::Base).lightness() < 128;
     addFact(lines, "colours", isDark ? QStringLiteral("dark") : QStringLiteral("light"));
     addFact(lines, "language", toQt(languageRecord(languageCurrent()).name));
