@@ -173,8 +173,11 @@ void showManual(const QString &page) {
     assertRole(ThreadRole::graphical);
     QWidget *modal = QApplication::activeModalWidget();
     QWidget *over = modal != nullptr ? modal : mainWindow;
-    if (state.window != nullptr && state.window->parentWidget() != over) delete state.window;
-    if (state.window == nullptr) makeWindow(over);
+    const bool stays = state.window != nullptr && state.window->parentWidget() == over;
+    if (!stays) {
+        delete state.window;
+        makeWindow(over);
+    }
     state.search->clear();
     chooseRow(page);
     if (state.list->currentItem() == nullptr) state.list->setCurrentRow(0);

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QWidget>
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -83,7 +84,8 @@ QString textOnDisplay() {
     return text;
 }
 
-// Behind the widgets within the window come the keys of the pad.
+// Behind the widgets within the window come the keys of the pad. Qt deletes it by what it owns it through.
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions,cppcoreguidelines-virtual-class-destructor)
 class CalculatorAccess final : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit CalculatorAccess(QWidget *window) : QAccessibleWidget(window, QAccessible::Terminal) {
