@@ -57,7 +57,7 @@ TEST(ProgramProblems, NoneThatAreNotThere) {
         told.insert(told.end(), found.begin(), found.end());
         count += static_cast<int>(programs.size());
     };
-    for (const char *folder : {NUMALINK_RUNS_FOLDER, NUMALINK_PROGRAMS_FOLDER})
+    for (const char *folder : {NUMALINK_RUNS_FOLDER, NUMALINK_PROGRAMS_FOLDER}) {
         for (const std::string &path : runFiles(folder)) {
             const RunFile file = readRunFile(path);
             Programs programs;
@@ -65,6 +65,7 @@ TEST(ProgramProblems, NoneThatAreNotThere) {
                 programs.emplace_back(calculatorFromUtf8(name), imageOfWords(joined(lines, "\r\n")));
             look(path, programs);
         }
+    }
     for (const auto &entry : std::filesystem::directory_iterator(NUMALINK_SAMPLE_SOURCES)) {
         std::ifstream stream(entry.path());
         Lines lines;

@@ -22,7 +22,8 @@ Surface displayOf(std::mt19937 &chance) {
 void drawOver(Surface &surface, const MovieFrame &frame) {
     for (int y = 0; y < frame.height; y++) {
         for (int x = 0; x < frame.width; x++) {
-            const std::uint8_t place = frame.dots[static_cast<std::size_t>(y * frame.width + x)];
+            const std::uint8_t place = frame.dots[static_cast<std::size_t>(y) * static_cast<std::size_t>(frame.width) +
+                                                  static_cast<std::size_t>(x)];
             if (place != movieUnchanged) putDot(surface, frame.x + x, frame.y + y, movieColors[place]);
         }
     }

@@ -17,7 +17,6 @@
 namespace numalink {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 // A template without a player, beside the test's own data files.

@@ -16,7 +16,7 @@ using namespace numalink;
 
 void mendSums(Bytes &file) {
     for (std::size_t at = encodeFormFileHead().size(); at + sizeof(FormRecordHead) <= file.size();) {
-        FormRecordHead head;
+        FormRecordHead head{};
         std::memcpy(&head, file.data() + at, sizeof head);
         std::memcpy(head.signature, "FORM", sizeof head.signature);
         head.headSum = sumOf(ByteView(file).subspan(at, offsetof(FormRecordHead, headSum)));
