@@ -16,7 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 Bytes headOf(std::string_view name, std::string_view password = "") {
     return encodeProgramInfo({.imageLength = 1, .name = std::string(name), .password = std::string(password)});

@@ -24,10 +24,11 @@ struct EventLogTest : testing::Test {
 
 TEST_F(EventLogTest, KeepsTheLastOfManyThreadsCleanAndCut) {
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; i++)
+    for (int i = 0; i < 4; i++) {
         threads.emplace_back([] {
             for (int event = 0; event < 100; event++) noteEvent("event");
         });
+    }
     for (std::thread &thread : threads) thread.join();
     EXPECT_EQ(eventLines().size(), eventLimit);
     noteEvent("two\nlines");

@@ -72,6 +72,7 @@ constexpr std::pair<const char *, void (*)()> dialogs[] = {
 };
 
 std::string spoken(const QWidget *part) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): Qt asks for it so
     const QAccessibleInterface *access = QAccessible::queryAccessibleInterface(const_cast<QWidget *>(part));
     return access == nullptr ? "" : access->text(QAccessible::Name).toStdString();
 }
