@@ -8,8 +8,8 @@
 
 namespace numalink {
 
-inline constexpr int languageLimit = 20;                // languages kept
-inline constexpr int languageTextCount = 200;           // text numbers 0 to 199
+inline constexpr int languageLimit = 20;                 // languages kept
+inline constexpr int languageTextCount = 200;            // text numbers 0 to 199
 inline constexpr std::size_t languagePoolSize = 262144;  // bytes of all texts together, terminators included
 
 struct LanguageRecord {
