@@ -1,6 +1,7 @@
 // Each kind of problem: programs that have it and programs that nearly have it, in exchange words, with the mend where
 // there is one. That the programs of samples/ and of tests/ bring no false alarm is what tests/emulator holds.
 #include "language/problems.h"
+#include "language/program_words.h"
 
 #include <gtest/gtest.h>
 
@@ -11,15 +12,6 @@
 
 namespace numalink {
 namespace {
-
-Bytes imageOf(std::string_view words) {
-    Bytes image = {':'};
-    EXPECT_LT(tokensFromWords(words, image), 0) << words;
-    image.push_back(0xFF);
-    return image;
-}
-
-std::string wordsOf(ByteView image) { return wordsFromTokens(image.subspan(1, image.size() - 2)); }
 
 // What is found, as "kind@words of the place", joined by blanks.
 std::string found(ByteView image, const ProblemContext &context) {

@@ -1,5 +1,6 @@
 // What the readers of a program find: partners, depths, outline, uses, renaming, and the way between text and bytes.
 #include "language/structure.h"
+#include "language/program_words.h"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +15,6 @@
 
 namespace numalink {
 namespace {
-
-Bytes imageOf(std::string_view words) {
-    Bytes image = {':'};
-    EXPECT_LT(tokensFromWords(words, image), 0) << words;
-    image.push_back(0xFF);
-    return image;
-}
-
-std::string wordsOf(ByteView image) { return wordsFromTokens(image.subspan(1, image.size() - 2)); }
 
 struct Structure : testing::Test {
     Structure() { EXPECT_TRUE(tokenTableLoad()); }
