@@ -1,0 +1,131 @@
+// What the Item menu holds, which opens on an item of the tree as well.
+#include "shell/commands/rows/rows.h"
+
+#include "shell/commands/link_commands.h"
+#include "shell/editor/password_dialog.h"
+#include "shell/library/compare_window.h"
+#include "shell/library/duplicates_dialog.h"
+#include "shell/library/versions_dialog.h"
+#include "shell/run/emulator_window.h"
+#include "shell/tree/item_commands.h"
+#include "shell/tree/move_dialog.h"
+#include "shell/views/bitmap_export.h"
+
+namespace numalink {
+
+namespace {
+
+using enum MenuPosition;
+
+bool anyItem(ItemKind itemKind) { return itemKind != kind::none; }
+
+bool transmittable(ItemKind itemKind) { return anyItem(itemKind) && !isScreenKind(itemKind); }
+
+bool drawnAsBitmap(ItemKind itemKind) { return isScreenKind(itemKind) || itemKind == kind::picture; }
+
+bool movable(ItemKind itemKind) { return anyItem(itemKind) && !isFolderKind(itemKind); }
+
+bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
+
+constexpr Command rows[] = {
+    {.id = CommandId::newFolder,
+     .menu = item,
+     .text = Text::menuNewFolder,
+     .shortcut = "Ctrl+Shift+N",
+     .tip = Text::tipNewFolder,
+     .onTreeGround = true,
+     .run = newFolder},
+    {.id = CommandId::newProgram,
+     .menu = item,
+     .text = Text::menuNewProgram,
+     .shortcut = "Ctrl+N",
+     .tip = Text::tipNewProgram,
+     .onTreeGround = true,
+     .run = newProgram},
+    {.id = CommandId::rename,
+     .menu = item,
+     .text = Text::menuRename,
+     .shortcut = "F2",
+     .tip = Text::tipRename,
+     .storesFirst = true,
+     .enabledFor = anyItem,
+     .run = renameSelectedItem},
+    {.id = CommandId::move,
+     .menu = item,
+     .text = Text::menuMove,
+     .shortcut = "Ctrl+M",
+     .tip = Text::tipMove,
+     .storesFirst = true,
+     .enabledFor = movable,
+     .run = moveSelectedItem},
+    {.id = CommandId::remove,
+     .menu = item,
+     .text = Text::menuDelete,
+     .tip = Text::tipDelete,
+     .enabledFor = anyItem,
+     .run = deleteWithQuestion},
+    {.id = CommandId::transmit,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuTransmit,
+     .shortcut = "F6",
+     .tip = Text::tipTransmit,
+     .storesFirst = true,
+     .enabledFor = transmittable,
+     .run = transmitSelected},
+    {.id = CommandId::queue,
+     .menu = item,
+     .text = Text::menuQueue,
+     .shortcut = "F8",
+     .tip = Text::tipQueue,
+     .storesFirst = true,
+     .enabledFor = transmittable,
+     .run = queueSelected},
+    {.id = CommandId::emulate,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuEmulate,
+     .shortcut = "F7",
+     .tip = Text::tipEmulate,
+     .keyWhileRunning = true,
+     .storesFirst = true,
+     .enabledFor = isProgram,
+     .run = emulatorToggle},
+    {.id = CommandId::password,
+     .menu = item,
+     .text = Text::menuPassword,
+     .tip = Text::tipPassword,
+     .enabledFor = isProgram,
+     .run = changePassword},
+    {.id = CommandId::saveBitmap,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuSaveBitmap,
+     .tip = Text::tipSaveBitmap,
+     .enabledFor = drawnAsBitmap,
+     .run = saveItemAsBitmap},
+    {.id = CommandId::compareItems,
+     .menu = item,
+     .separatorAhead = true,
+     .text = Text::menuCompare,
+     .storesFirst = true,
+     .enabledFor = mayCompare,
+     .run = compareSelected},
+    {.id = CommandId::versions,
+     .menu = item,
+     .text = Text::menuVersions,
+     .storesFirst = true,
+     .enabledFor = mayHaveVersions,
+     .run = showVersions},
+    {.id = CommandId::duplicates,
+     .menu = item,
+     .text = Text::menuDuplicates,
+     .storesFirst = true,
+     .run = showDuplicates},
+};
+
+}  // namespace
+
+std::span<const Command> itemRows() { return rows; }
+
+}  // namespace numalink
