@@ -62,7 +62,9 @@ Bytes encodeFormRecord(FormRecordHead head, const StoredItem *form) {
     head.dataSize = form ? static_cast<std::uint32_t>(form->data.size()) : 0;
     head.headSum = sumOf(bytesOfHead(head));
     const auto *own = reinterpret_cast<const std::uint8_t *>(&head);
-    Bytes bytes(own, own + sizeof head);
+    Bytes bytes;
+    bytes.reserve(sizeof head + name.size() + head.headSize + head.dataSize + sizeof(std::uint64_t));
+    bytes.assign(own, own + sizeof head);
     bytes.insert(bytes.end(), name.begin(), name.end());
     if (form != nullptr) {
         bytes.insert(bytes.end(), form->head.begin(), form->head.end());
