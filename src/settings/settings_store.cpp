@@ -43,6 +43,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::calculatorModes, "0"},
     {setting::besideProgram, "0"},
     {setting::farEndPort, ""},
+    {setting::keepMoments, "1"},
     {setting::indentLines, "1"},
     {setting::completeWhileTyping, "1"},
     {setting::codePanes, ""},

@@ -29,6 +29,7 @@ inline constexpr char panes[] = "Numalink.Settings.Emulator.Panes";          // 
 inline constexpr char paneSizes[] = "Numalink.Settings.Emulator.PaneSizes";  // no default, as windowPlace
 inline constexpr char windowPlace[] = "Numalink.Settings.Main.Window";       // Qt's, in base 64: 88 characters
 inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
+inline constexpr char keepMoments[] = "Numalink.Settings.Emulator.KeepMoments";  // of runs that are stopped
 inline constexpr char farEndPort[] = "Numalink.Settings.Emulator.Port";  // what programs speak to by Send(; empty: none
 inline constexpr char syntaxHighlighting[] = "Numalink.Settings.Editor.SyntaxHighlighting";
 inline constexpr char autoCorrect[] = "Numalink.Settings.Editor.AutoCorrect";
