@@ -29,5 +29,6 @@ function(numalink_test name)
         target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h>)
         add_dependencies(test_${name} numalink_data)
         add_test(NAME ${name} COMMAND test_${name})
+        set_tests_properties(${name} PROPERTIES ENVIRONMENT LC_ALL=C.UTF-8)  # what is expected is English
     endif()
 endfunction()

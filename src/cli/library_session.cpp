@@ -17,7 +17,6 @@ namespace numalink {
 namespace {
 
 constexpr char emulatorSettings[] = "Numalink.Settings.Emulator.";
-constexpr char fallbackLanguage[] = "English";
 
 // The item of this name in the folder at path, or noItem.
 ItemId findInFolder(std::string_view folderPath, std::string_view name) {
@@ -50,7 +49,7 @@ bool loadTables() {
     if (!settingsLoad())
         std::fprintf(stderr, "numalink-cli: %ssettings.xml can't be read whole; defaults stand in\n",
                      settingsFolder().c_str());
-    languageLoad(settingsValue(setting::language), fallbackLanguage);
+    languageLoadChosen(settingsValue(setting::language));
     return tokenTableLoad();
 }
 

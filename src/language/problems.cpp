@@ -104,8 +104,8 @@ std::string shownName(TokenCode token) {
 }
 
 bool isOfOthers(const ReferenceRow &row) {
-    return row.keys.starts_with(absentKeys) &&
-           (row.keys.find(older) != std::string_view::npos || row.remark.find(later) != std::string_view::npos);
+    return row.keys.starts_with(absentKeys) && (row.keys.find(older) != std::string_view::npos ||
+                                                row.remarks.front().find(later) != std::string_view::npos);
 }
 
 struct Search {

@@ -15,7 +15,7 @@ constexpr std::string_view tableRows[] = {
 #include "language/reference_table.inc"
 };
 constexpr std::size_t rowCount = std::size(tableRows);
-constexpr std::size_t columnCount = 13;
+constexpr std::size_t columnCount = 16;
 
 // The columns of a row, which the build has counted.
 std::array<std::string_view, columnCount> columnsOf(std::string_view row) {
@@ -40,16 +40,26 @@ ReferenceRow rowOf(std::string_view text) {
     row.name = columns[1];
     row.topic = columns[2];
     row.syntax = columns[3];
-    row.english = columns[4];
-    row.dutch = columns[5];
-    row.german = columns[6];
-    row.french = columns[7];
+    std::copy_n(columns.begin() + 4, row.meanings.size(), row.meanings.begin());
     row.example = columns[8];
     row.gives = columns[9];
     row.keys = columns[10];
     row.state = stateOf(columns[11]);
-    row.remark = columns[12];
+    std::copy_n(columns.begin() + 12, row.remarks.size(), row.remarks.begin());
     return row;
+}
+
+// English for one that the table doesn't have.
+ReferenceLanguage currentLanguage() {
+    const int current = languageCurrent();
+    const std::string_view language = current < 0 ? std::string_view() : languageRecord(current).name;
+    if (language == "Nederlands") return ReferenceLanguage::dutch;
+    if (language == "Deutsch") return ReferenceLanguage::german;
+    return language ==
+                   "Fran\xC3\xA7"
+                   "ais"
+               ? ReferenceLanguage::french
+               : ReferenceLanguage::english;
 }
 
 }  // namespace
@@ -80,15 +90,11 @@ const ReferenceRow *referenceOf(TokenCode code) {
 }
 
 std::string_view referenceMeaning(const ReferenceRow &row) {
-    const int current = languageCurrent();
-    const std::string_view language = current < 0 ? std::string_view() : languageRecord(current).name;
-    if (language == "Nederlands") return row.dutch;
-    if (language == "Deutsch") return row.german;
-    return language ==
-                   "Fran\xC3\xA7"
-                   "ais"
-               ? row.french
-               : row.english;
+    return row.meanings[static_cast<std::size_t>(currentLanguage())];
+}
+
+std::string_view referenceRemark(const ReferenceRow &row) {
+    return row.remarks[static_cast<std::size_t>(currentLanguage())];
 }
 
 const std::vector<std::string_view> &referenceTopics() {

@@ -2,6 +2,7 @@
 // taken apart at the first question. Texts are UTF-8 and stay valid to the program's end. Any thread.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -20,16 +21,19 @@ Bytes bytesOfToken(TokenCode code);  // 1 or 2
 
 enum class ReferenceState : std::uint8_t { asOnCalculator, differs, nothingToDo };
 
+enum class ReferenceLanguage : std::uint8_t { english, dutch, german, french };
+using ReferenceTexts = std::array<std::string_view, 4>;  // a text in each of them, in their order
+
 struct ReferenceRow {
     TokenCode code = 0;
-    std::string_view name;    // as shown, with its blanks
-    std::string_view topic;   // English; one of referenceTopics()
-    std::string_view syntax;  // words in capitals stand for what a program writes there, U+21B5 for a line end
-    std::string_view english, dutch, german, french;  // its meaning, sentences
-    std::string_view example, gives;                  // in the words of item files; both empty where there is none
-    std::string_view keys;                            // on a calculator of the CFX family
+    std::string_view name;            // as shown, with its blanks
+    std::string_view topic;           // English; one of referenceTopics()
+    std::string_view syntax;          // words in capitals stand for what a program writes there, U+21B5 for a line end
+    ReferenceTexts meanings;          // sentences
+    std::string_view example, gives;  // in the words of item files; both empty where there is none
+    std::string_view keys;            // on a calculator of the CFX family
     ReferenceState state = ReferenceState::asOnCalculator;
-    std::string_view remark;  // English; empty where there is nothing to say
+    ReferenceTexts remarks;  // empty where there is nothing to say
 };
 
 std::span<const ReferenceRow> referenceRows();  // in the order of their codes
@@ -37,6 +41,7 @@ const ReferenceRow *referenceOf(TokenCode code);
 
 // In the language that the program speaks, English for one that the table doesn't have.
 std::string_view referenceMeaning(const ReferenceRow &row);
+std::string_view referenceRemark(const ReferenceRow &row);
 // The topics in the order of the table's tokens.
 const std::vector<std::string_view> &referenceTopics();
 

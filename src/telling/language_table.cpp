@@ -9,7 +9,9 @@
 #include "platform/files.h"
 #include "platform/letter_case.h"
 #include "platform/program_folder.h"
+#include "platform/system_language.h"
 #include "telling/language_file.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -80,6 +82,15 @@ std::optional<std::string> itemOf(const std::string *list, int index) {
     return std::string(rest.substr(0, rest.find('|')));
 }
 
+// The language that a file says it is ("de"), or -1.
+int languageOfCode(std::string_view code) {
+    for (int language = 0; language < languageCount(); language++) {
+        const std::string *list = storedText(language, textNumber(Text::qtTranslation));
+        if (itemOf(list, textPlace(Text::qtTranslation)) == code) return language;
+    }
+    return -1;
+}
+
 }  // namespace
 
 int languageLoad(std::string_view current, std::string_view fallback) {
@@ -105,6 +116,19 @@ int languageLoad(std::string_view current, std::string_view fallback) {
         if (index >= 0) takeTexts(languages[static_cast<std::size_t>(index)], texts[static_cast<std::size_t>(index)]);
     for (std::size_t index = 0; index < languages.size(); index++) takeTexts(languages[index], texts[index]);
     return currentLanguage < 0 ? -1 : 1;
+}
+
+int languageLoadChosen(std::string_view chosen) {
+    constexpr std::string_view fallback = "English";
+    const int result = languageLoad(chosen.empty() ? fallback : chosen, fallback);
+    if (!chosen.empty()) return result;
+    for (const std::string &code : systemLanguages()) {
+        const int language = languageOfCode(code);
+        if (language < 0) continue;
+        currentLanguage = language;
+        return 1;
+    }
+    return result;
 }
 
 const std::string &languageText(int number) {

@@ -21,6 +21,10 @@ struct LanguageRecord {
 // the current and the fallback language are the last that a full pool leaves out.
 int languageLoad(std::string_view current, std::string_view fallback);
 
+// The language of that name; with an empty one, as long as nobody has chosen, the first that the system asks for and a
+// file speaks. English stands in for either. As languageLoad, and on the thread that starts the program.
+int languageLoadChosen(std::string_view chosen);
+
 // The current language's text, else the fallback's, else "<unknown string>". Never fails, for any number.
 const std::string &languageText(int number);
 

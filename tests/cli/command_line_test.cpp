@@ -41,6 +41,7 @@ struct Outcome {
 };
 
 Outcome run(std::vector<std::string> arguments) {
+    ::setenv("LC_ALL", "C.UTF-8", 1);  // English, whoever runs it
     std::vector<const char *> argv = {"numalink-cli"};
     for (const std::string &argument : arguments) argv.push_back(argument.c_str());
     testing::internal::CaptureStdout();

@@ -33,12 +33,16 @@ TEST(Reference, SpeaksTheLanguageOfTheProgram) {
     EXPECT_EQ(row.state, ReferenceState::asOnCalculator);
     EXPECT_EQ(row.gives, "A=0; B=9");
     EXPECT_EQ(referenceMeaning(row).substr(0, 10), "Ends an If");
+    const ReferenceRow &remarked = *referenceOf(0xF70D);
+    EXPECT_EQ(referenceRemark(remarked).substr(0, 16), "Ends the program");
     for (const auto &[language, start] : {std::pair("Deutsch", "Beendet"), std::pair("Nederlands", "Be\xC3\xAB"),
                                           std::pair("Fran\xC3\xA7"
                                                     "ais",
                                                     "Termine")}) {
         languageLoad(language, "English");
         EXPECT_TRUE(referenceMeaning(row).starts_with(start)) << referenceMeaning(row);
+        EXPECT_EQ(referenceRemark(remarked).substr(0, 3), std::string_view(start).substr(0, 3)) << "both end something";
+        EXPECT_TRUE(referenceRemark(row).empty());
     }
     languageLoad("English", "English");
 }

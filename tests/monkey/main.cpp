@@ -40,6 +40,7 @@ void leaveUserAlone(const std::string &scratch) {
         ::setenv(name, scratch.c_str(), 1);
     ::setenv("PATH", (scratch + "none").c_str(), 1);
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
     std::filesystem::copy(NUMALINK_SAMPLES, scratch + "samples", std::filesystem::copy_options::recursive);
     std::filesystem::create_directory(scratch + "out");
     std::filesystem::current_path(scratch + "out");

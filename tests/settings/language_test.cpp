@@ -70,6 +70,42 @@ TEST(Language, CurrentThenFallbackThenUnknown) {
     EXPECT_EQ(languageCount(), 0);
 }
 
+TEST(Language, UntilOneIsChosenTheSystemsIsSpoken) {
+    const LanguageFolder folder;
+    const std::string number = std::to_string(textNumber(Text::qtTranslation));
+    const std::string lists = std::string(static_cast<std::size_t>(textPlace(Text::qtTranslation)), '|');
+    for (const std::string name : {"English", "Deutsch", "Nederlands"}) {
+        const std::string code = name == "English" ? "en" : name == "Deutsch" ? "de" : "nl";
+        folder.write("Language/" + code + ".clf",
+                     "[Language Info]\nName=" + name + "\n[Translation]\n" + number + "=" + lists + code + "\n");
+    }
+    struct Case {
+        const char *all, *messages, *lang, *list, *chosen, *spoken;
+    };
+    constexpr Case cases[] = {
+        {"", "", "", "", "", "English"},
+        {"", "", "de_AT.UTF-8", "", "", "Deutsch"},
+        {"", "nl_BE@euro", "de_DE.UTF-8", "", "", "Nederlands"},
+        {"C.UTF-8", "nl_NL", "de_DE", "de", "", "English"},
+        {"", "", "en_US.UTF-8", "pt_BR:de_CH:nl", "", "Deutsch"},
+        {"", "", "de_DE.UTF-8", "pt:", "", "Deutsch"},
+        {"", "", "deutsch", "nl", "", "English"},
+        {"", "", "pt_PT.UTF-8", "", "", "English"},
+        {"", "", "de_DE.UTF-8", "", "Nederlands", "Nederlands"},
+        {"", "", "de_DE.UTF-8", "", "Klingon", "English"},
+    };
+    for (const Case &one : cases) {
+        ::setenv("LC_ALL", one.all, 1);
+        ::setenv("LC_MESSAGES", one.messages, 1);
+        ::setenv("LANG", one.lang, 1);
+        ::setenv("LANGUAGE", one.list, 1);
+        EXPECT_EQ(languageLoadChosen(one.chosen), 1);
+        EXPECT_EQ(languageRecord(languageCurrent()).name, one.spoken) << one.lang << " " << one.list;
+    }
+    for (const char *name : {"LC_MESSAGES", "LANG", "LANGUAGE"}) ::unsetenv(name);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+}
+
 TEST(Language, LimitsOfFilesAndOfAllTextsArePassedOver) {
     const LanguageFolder folder;
     for (int i = 10; i < 40; i++)

@@ -173,6 +173,17 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
     lookAtDialog(windowNamed("manualWindow"), false);
 }
 
+TEST_F(Help, TheReferenceOpensAtTheFirstOfItsList) {
+    showReference();
+    const auto *tree = windowNamed("referenceWindow")->findChild<QTreeWidget *>();
+    ASSERT_NE(tree->currentItem(), nullptr);
+    EXPECT_EQ(tree->currentItem(), tree->topLevelItem(0)->child(0));
+    const auto *page = windowNamed("referenceWindow")->findChild<QTextBrowser *>();
+    EXPECT_TRUE(page->toPlainText().startsWith(tree->currentItem()->text(0)));
+    windowNamed("referenceWindow")->findChild<QLineEdit *>()->setText(QStringLiteral("no such token"));
+    EXPECT_TRUE(page->toPlainText().isEmpty());
+}
+
 TEST_F(Help, TheReferenceIsSearchedAndPutsWordsIntoTheProgram) {
     const ItemId program = addProgram("ABC", "A");
     show(program);
@@ -184,6 +195,7 @@ TEST_F(Help, TheReferenceIsSearchedAndPutsWordsIntoTheProgram) {
         return count;
     };
     EXPECT_EQ(countTokens(), static_cast<int>(referenceRows().size()));
+    EXPECT_EQ(tree->currentItem()->text(0), QStringLiteral("A")) << "the token at the caret";
     const int topics = tree->topLevelItemCount();
     EXPECT_EQ(topics, static_cast<int>(referenceTopics().size()));
     windowNamed("referenceWindow")->findChild<QLineEdit *>()->setText(QStringLiteral("while condition"));

@@ -29,6 +29,7 @@ int startSecondCopy(const char *folder, const QStringList &files) {
 
 int main(int argc, char **argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");  // English, whoever runs it
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
     if (argc >= 3 && argv[1] == std::string("--second-copy"))

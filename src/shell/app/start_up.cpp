@@ -136,7 +136,7 @@ bool showFirst() {
 constexpr StartStep startSteps[] = {
     {"running copy", [] { return !leftToRunningCopy(); }, true},
     {"settings", [] { return state.settingsRead = loadSettings(); }, false},
-    {"languages", [] { return languageLoad(settingsValue(setting::language), "English") == 1; }, false},
+    {"languages", [] { return languageLoadChosen(settingsValue(setting::language)) == 1; }, false},
     {"language of Qt", [] { return done(chooseQtLanguage); }, false},
     {"main window", [] { return done(makeMainWindow); }, false},
     {"recent libraries", [] { return done(listRecentLibraries); }, false},

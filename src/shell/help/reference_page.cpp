@@ -99,7 +99,8 @@ QString pageOfToken(const ReferenceRow &row) {
     QString example = codeOf(asShown(row.example));
     if (!row.gives.empty()) example += QStringLiteral(" &nbsp; \u21E2 ") + fromView(row.gives).toHtmlEscaped();
     QString state = textOf(stateText(row.state)).toHtmlEscaped();
-    if (!row.remark.empty()) state += QStringLiteral("<br>") + fromView(row.remark).toHtmlEscaped();
+    const std::string_view remark = referenceRemark(row);
+    if (!remark.empty()) state += QStringLiteral("<br>") + fromView(remark).toHtmlEscaped();
     return QStringLiteral("<h2>%1</h2><p>%2</p>")
                .arg(codeOf(fromView(row.name)), fromView(referenceMeaning(row)).toHtmlEscaped()) +
            part(Text::referenceSyntax, codeOf(fromView(row.syntax))) +

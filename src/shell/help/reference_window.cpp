@@ -17,6 +17,7 @@
 
 #include "platform/thread_role.h"
 #include "shell/editor/program_clipboard.h"
+#include "shell/editor/program_reading.h"
 #include "shell/help/reference_page.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
@@ -73,6 +74,12 @@ QTreeWidgetItem *addToken(QTreeWidgetItem *heading, const ReferenceRow &row) {
     return entry;
 }
 
+QTreeWidgetItem *firstToken() {
+    for (int i = 0; i < state.tree->topLevelItemCount(); i++)
+        if (state.tree->topLevelItem(i)->childCount() > 0) return state.tree->topLevelItem(i)->child(0);
+    return nullptr;
+}
+
 // Headings by topic in the order of the table, by letter in that of the alphabet; opened where they are looked through.
 void listTokens() {
     const ReferenceRow *shown = rowOf(state.tree->currentItem());
@@ -82,13 +89,12 @@ void listTokens() {
     if (state.byTopic->isChecked())
         for (const std::string_view topic : referenceTopics())
             headings[topicInWords(topic)] = addHeading(topicInWords(topic));
-    QTreeWidgetItem *first = nullptr, *again = nullptr;
+    QTreeWidgetItem *again = nullptr;
     for (const ReferenceRow &row : referenceRows()) {
         if (!tokenHolds(row, wanted)) continue;
         QTreeWidgetItem *&heading = headings[headingOf(row)];
         if (heading == nullptr) heading = addHeading(headingOf(row));
         QTreeWidgetItem *entry = addToken(heading, row);
-        if (first == nullptr) first = entry;
         if (&row == shown) again = entry;
     }
     for (const auto &[name, heading] : headings) {
@@ -97,8 +103,26 @@ void listTokens() {
         if (state.byLetter->isChecked()) heading->sortChildren(0, Qt::AscendingOrder);
     }
     if (state.byLetter->isChecked()) state.tree->sortItems(0, Qt::AscendingOrder);
-    if (again == nullptr && !wanted.isEmpty()) again = first;
-    if (again != nullptr) state.tree->setCurrentItem(again);
+    if (again == nullptr) again = firstToken();
+    again != nullptr ? state.tree->setCurrentItem(again) : state.page->clear();
+}
+
+// The row of the token behind the caret of the program on view, else of the one ahead of it, or null.
+const ReferenceRow *rowAtCaret() {
+    if (!programEdit->isVisible()) return nullptr;
+    const ProgramReading &reading = programReading();
+    const std::size_t at = byteAtPosition(reading, programEdit->textCursor().position());
+    const std::vector<ProgramToken> &tokens = reading.structure.tokens;
+    for (const std::size_t place : {at, at - 1}) {
+        const std::size_t token = place > 0 ? tokenAt(reading.structure, place) : noToken;
+        if (token != noToken && tokens[token].role == TokenRole::code) return referenceOf(tokens[token].code);
+    }
+    return nullptr;
+}
+
+void choose(const ReferenceRow &row) {
+    for (QTreeWidgetItemIterator at(state.tree); *at != nullptr; ++at)
+        if (rowOf(*at) == &row) state.tree->setCurrentItem(*at);
 }
 
 void showToken() {
@@ -191,6 +215,10 @@ void showReference() {
     showUnminimised(state.window);
     state.window->raise();
     state.window->activateWindow();
+    if (const ReferenceRow *row = rowAtCaret()) {
+        state.search->clear();
+        choose(*row);
+    }
     state.search->setFocus();
 }
 

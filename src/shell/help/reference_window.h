@@ -4,6 +4,7 @@
 
 namespace numalink {
 
+// Opens at the token at the caret of a program on view, else at the first of the list, or where it was left.
 void showReference();
 
 }  // namespace numalink
