@@ -15,6 +15,7 @@
 #include "settings/settings_file.h"
 #include "settings/settings_store.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
@@ -66,8 +67,7 @@ void addSystem(QStringList &lines) {
                     .arg(screen->logicalDotsPerInch())
                     .arg(textScale()));
     }
-    const bool isDark = mainWindow->palette().color(QPalette::Base).lightness() < 128;
-    addFact(lines, "colours", isDark ? QStringLiteral("dark") : QStringLiteral("light"));
+    addFact(lines, "colours", isDark(mainWindow->palette()) ? QStringLiteral("dark") : QStringLiteral("light"));
     addFact(lines, "language", toQt(languageRecord(languageCurrent()).name));
 }
 

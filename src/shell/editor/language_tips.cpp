@@ -11,6 +11,7 @@
 #include "shell/editor/program_reading.h"
 #include "shell/editor/text_marks.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -74,9 +75,9 @@ void markPartners() {
     const ProgramReading &reading = programReadingBefore();
     const int position = programEdit->textCursor().position();
     QList<QTextEdit::ExtraSelection> marks;
-    const bool isDark = programEdit->palette().color(QPalette::Base).lightness() < 128;
     QTextCharFormat format;
-    format.setBackground(isDark ? QColor(0x2E, 0x50, 0x3A) : QColor(0xC4, 0xEB, 0xCB));
+    format.setBackground(ownColor(OwnColor::partners, programEdit->palette()));
+    format.setUnderlineStyle(QTextCharFormat::SingleUnderline);  // the ground alone is faint
     const std::size_t at = byteAtPosition(reading, position);
     // The token behind the caret, else the one ahead of it.
     std::size_t token = tokenAt(reading.structure, at);

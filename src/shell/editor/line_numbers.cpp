@@ -13,6 +13,7 @@
 
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/scale.h"
 
 namespace numalink {
@@ -45,10 +46,11 @@ int baselineOf(const QTextBlock &block) {
 void paintMark(QPainter &painter, const LineMark &mark, const QRect &row) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor red(0xD0, 0x20, 0x20);
+    const QPalette &palette = lineNumberEdit->palette();
+    const QColor red = ownColor(OwnColor::breakpoint, palette);
     if (mark.heat > 0) {
         const int length = std::max(1, qRound(mark.heat * (row.height() - 2)));
-        painter.fillRect(QRect(0, row.bottom() - length, heatWidth, length), QColor(0xE0, 0x70, 0x00));
+        painter.fillRect(QRect(0, row.bottom() - length, heatWidth, length), ownColor(OwnColor::heat, palette));
     }
     const int size = std::min(grown(signSize), row.height() - 2);
     const QRectF disc(heatWidth + 1, row.center().y() - size / 2.0 + 0.5, size, size);
@@ -57,8 +59,8 @@ void paintMark(QPainter &painter, const LineMark &mark, const QRect &row) {
     if (mark.sign != LineSign::none) painter.drawEllipse(disc);
     if (mark.isNext) {
         const QPointF tip(disc.right() + 1, disc.center().y());
-        painter.setPen(QPen(lineNumberEdit->palette().color(QPalette::Base), 1));
-        painter.setBrush(lineNumberEdit->palette().color(QPalette::Text));
+        painter.setPen(QPen(palette.color(QPalette::Base), 1));
+        painter.setBrush(palette.color(QPalette::Text));
         painter.drawPolygon(
             QPolygonF({QPointF(disc.left(), disc.top() + 1), tip, QPointF(disc.left(), disc.bottom() - 1)}));
     }

@@ -9,6 +9,7 @@
 #include "settings/settings_store.h"
 #include "shell/parts/color_contrast.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/program_colors.h"
 
 namespace numalink {
@@ -161,9 +162,12 @@ void convertBlock(const QTextBlock &block) {
 
 void readColors() {
     state.highlighting = settingsInt(setting::syntaxHighlighting) == 1;
-    const QColor ground = programEdit->palette().color(QPalette::Base);
+    // On the ground of texts, and on that of what is marked in it, which is the harder one.
+    const QPalette &palette = programEdit->palette();
     for (std::size_t i = 0; i < state.colors.size(); i++)
-        state.colors[i] = readableOn(ground, qtColor(settingsColour(programColorKeys[i])));
+        state.colors[i] =
+            readableOn(ownColor(OwnColor::partners, palette),
+                       readableOn(palette.color(QPalette::Base), qtColor(settingsColour(programColorKeys[i]))));
 }
 
 void forgetColors() { state = {}; }

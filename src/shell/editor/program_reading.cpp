@@ -12,6 +12,7 @@
 #include "shell/editor/text_marks.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/own_colors.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -43,16 +44,15 @@ void readContext() {
 }
 
 QColor colorOf(Severity severity) {
-    const bool isDark = programEdit->palette().color(QPalette::Base).lightness() < 128;
     switch (severity) {
         case Severity::error:
-            return isDark ? QColor(0xFF, 0x70, 0x70) : QColor(0xD0, 0x10, 0x10);
+            return ownColor(OwnColor::error, programEdit->palette());
         case Severity::warning:
-            return isDark ? QColor(0xF0, 0xB0, 0x40) : QColor(0xB0, 0x70, 0x00);
+            return ownColor(OwnColor::warning, programEdit->palette());
         case Severity::hint:
             break;
     }
-    return isDark ? QColor(0x80, 0xB0, 0xFF) : QColor(0x30, 0x60, 0xC0);
+    return ownColor(OwnColor::hint, programEdit->palette());
 }
 
 void markProblems() {

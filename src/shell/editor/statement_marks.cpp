@@ -8,6 +8,7 @@
 #include "shell/editor/text_marks.h"
 #include "shell/parts/color_contrast.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/own_colors.h"
 
 namespace numalink {
 
@@ -27,8 +28,6 @@ std::vector<int> statementEnds(const QTextBlock &block) {
     return ends;
 }
 
-bool isDark() { return programEdit->palette().color(QPalette::Base).lightness() < 128; }
-
 // Told by shape as well: the next one has a ground, a calling one a line of dashes below, one that never ran a dotted
 // one, and is as faint as can still be read.
 QTextCharFormat formatOf(StatementLook look) {
@@ -36,7 +35,7 @@ QTextCharFormat formatOf(StatementLook look) {
     QTextCharFormat format;
     switch (look) {
         case StatementLook::next:
-            format.setBackground(isDark() ? QColor(0x6B, 0x5A, 0x00) : QColor(0xFF, 0xE8, 0x7A));
+            format.setBackground(ownColor(OwnColor::nextStatement, palette));
             format.setForeground(readableOn(format.background().color(), palette.color(QPalette::Text)));
             break;
         case StatementLook::calling:

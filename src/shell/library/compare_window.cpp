@@ -21,6 +21,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "text/program_images.h"
@@ -55,28 +56,18 @@ CompareWindow state;
 
 enum class Tint { none, missing, changed, removed, added, moved };
 
-// Of a row, and of the characters that differ in it; a row of the current difference is told apart by its strength.
+// Of a row; one of the current difference is told apart by its strength.
 QColor colorOf(Tint tint, bool strong) {
-    const bool dark = state.dialog->palette().color(QPalette::Base).lightness() < 128;
-    struct Colors {
-        QRgb light, lightStrong, dark, darkStrong;
+    constexpr std::pair<OwnColor, OwnColor> colors[] = {
+        {},
+        {OwnColor::missing, OwnColor::missingPicked},
+        {OwnColor::changed, OwnColor::changedPicked},
+        {OwnColor::removed, OwnColor::removedPicked},
+        {OwnColor::added, OwnColor::addedPicked},
+        {OwnColor::moved, OwnColor::movedPicked},
     };
-    static constexpr Colors colors[] = {
-        {0, 0, 0, 0},
-        {0xFFEDEDED, 0xFFD8D8D8, 0xFF2E2E2E, 0xFF454545},  // missing
-        {0xFFFFF6D6, 0xFFFFE69A, 0xFF3A3420, 0xFF5C5020},  // changed
-        {0xFFFFE3E1, 0xFFFFC4C0, 0xFF432628, 0xFF6B3034},  // removed
-        {0xFFDFF5DF, 0xFFB4E6B4, 0xFF1F3A26, 0xFF2B5C38},  // added
-        {0xFFE1EAFF, 0xFFBFD2FF, 0xFF24324F, 0xFF34497A},  // moved
-    };
-    const Colors &row = colors[static_cast<std::size_t>(tint)];
-    if (dark) return QColor::fromRgb(strong ? row.darkStrong : row.dark);
-    return QColor::fromRgb(strong ? row.lightStrong : row.light);
-}
-
-QColor markColor() {
-    const bool dark = state.dialog->palette().color(QPalette::Base).lightness() < 128;
-    return QColor::fromRgb(dark ? 0xFF8A6D00 : 0xFFFFC83D);
+    const auto &[usual, picked] = colors[static_cast<std::size_t>(tint)];
+    return ownColor(strong ? picked : usual, state.dialog->palette());
 }
 
 std::ptrdiff_t lineOf(const CompareRow &row, CompareSide which) {
@@ -99,7 +90,7 @@ QTextBlockFormat blockFormatOf(Tint tint, bool strong) {
 
 void insertMarked(QTextCursor &cursor, const ViewLine &line, const std::vector<MarkedText> &marks) {
     QTextCharFormat marked;
-    marked.setBackground(markColor());
+    marked.setBackground(ownColor(OwnColor::differing, state.dialog->palette()));
     std::size_t at = 0;
     for (const MarkedText &mark : marks) {
         cursor.insertText(qtFromCodes(std::string_view(line.text).substr(at, mark.from - at)), {});

@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "shell/parts/fonts.h"
+#include "shell/parts/own_colors.h"
 #include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/status_bar.h"
@@ -71,6 +72,7 @@ void makeMainWindow() {
     mainWindow->setWindowIcon(QIcon(QStringLiteral(":/images/numalink.svg")));
     mainWindow->setAcceptDrops(true);
     centreMainWindow(grown(windowWidth));
+    keepPaletteReadable(mainWindow);
     clientArea = new QWidget;
     mainWindow->setCentralWidget(clientArea);
 }
