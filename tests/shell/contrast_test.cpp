@@ -1,7 +1,5 @@
 // Texts are told from their ground by 4.5 to 1 and signs by 3 to 1, in light and in dark windows, whatever the desktop
 // and the settings choose.
-#include <qtestkeyboard.h>
-
 #include <QTextBlock>
 
 #include "shell/parts/color_contrast.h"

@@ -56,14 +56,14 @@ void showReportOf(const std::vector<std::string> &before) {
     shown->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     shown->setAccessibleName(textOf(Text::reportTitle));
     words->setBuddy(shown);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    buttons->button(QDialogButtonBox::Close)->setText(textOf(Text::closeWindow));
+    shown->setToolTip(textOf(Text::tipReportText));
+    QDialogButtonBox *buttons = closeButtons(&dialog);
     QPushButton *copy = buttons->addButton(textOf(Text::reportCopy), QDialogButtonBox::ActionRole);
     QPushButton *keep = buttons->addButton(textOf(Text::reportSave), QDialogButtonBox::ActionRole);
     QObject::connect(copy, &QPushButton::clicked, &dialog, [&text] { QGuiApplication::clipboard()->setText(text); });
     QObject::connect(keep, &QPushButton::clicked, &dialog, [&] { save(dialog, text); });
-    addHelp(&dialog, buttons);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    copy->setToolTip(textOf(Text::tipReportCopy));
+    keep->setToolTip(textOf(Text::tipReportSave));
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(words);
     layout->addWidget(shown, 1);

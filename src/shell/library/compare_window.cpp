@@ -5,6 +5,7 @@
 #include <QBoxLayout>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
@@ -18,6 +19,7 @@
 #include "compare/program_compare.h"
 #include "shell/editor/program_document.h"
 #include "shell/library/item_paths.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
@@ -242,6 +244,7 @@ void makeSide(SideParts &side, Text name, QBoxLayout *column) {
     side.text->setFont(programFont());
     side.text->setTabChangesFocus(true);
     side.text->setAccessibleName(textOf(name));
+    side.text->setToolTip(textOf(Text::tipCompareText));
     column->addWidget(side.choice);
     column->addWidget(side.text);
 }
@@ -253,10 +256,7 @@ void makeButtons(QBoxLayout *layout) {
     state.right.takeOver = addButton(row, Text::compareToRight, "Alt+Right", [] { takeOverInto(CompareSide::right); });
     state.left.takeOver = addButton(row, Text::compareToLeft, "Alt+Left", [] { takeOverInto(CompareSide::left); });
     row->addStretch();
-    auto *close = new QPushButton(textOf(Text::close));
-    close->setAutoDefault(false);
-    QObject::connect(close, &QPushButton::clicked, state.dialog, &QDialog::accept);
-    row->addWidget(close);
+    row->addWidget(closeButtons(state.dialog));
     layout->addLayout(row);
 }
 

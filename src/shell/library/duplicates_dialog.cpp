@@ -1,6 +1,7 @@
 #include "shell/library/duplicates_dialog.h"
 
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -9,6 +10,7 @@
 #include "search/duplicates.h"
 #include "shell/library/compare_window.h"
 #include "shell/library/item_paths.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
@@ -26,6 +28,7 @@ ItemId itemOf(const QTreeWidgetItem *row) {
 QTreeWidget *listOf(const std::vector<Duplicates> &found) {
     auto *list = new QTreeWidget;
     list->setAccessibleName(textOf(Text::duplicatesTitle));
+    list->setToolTip(textOf(Text::tipDuplicatesList));
     list->setHeaderHidden(true);
     for (const Duplicates &group : found) {
         const Text likeness = group.likeness == Likeness::bytes ? Text::duplicatesBytes : Text::duplicatesLoose;
@@ -73,15 +76,13 @@ void showDuplicates() {
     layout->addWidget(list);
     auto *buttons = new QHBoxLayout;
     auto *compare = new QPushButton(textOf(Text::arrivalsCompare));
-    auto *close = new QPushButton(textOf(Text::close));
     compare->setAutoDefault(false);
-    close->setAutoDefault(false);
+    compare->setToolTip(textOf(Text::tipDuplicatesCompare));
     buttons->addWidget(compare);
     buttons->addStretch();
-    buttons->addWidget(close);
+    buttons->addWidget(closeButtons(&dialog));
     layout->addLayout(buttons);
     QObject::connect(compare, &QPushButton::clicked, &dialog, [list] { compareInGroup(list->currentItem()); });
-    QObject::connect(close, &QPushButton::clicked, &dialog, &QDialog::accept);
     const auto follow = [=] { compare->setEnabled(mayCompareInGroup(list->currentItem())); };
     QObject::connect(list, &QTreeWidget::currentItemChanged, &dialog, follow);
     follow();

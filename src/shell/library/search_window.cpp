@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include "search/search.h"
 #include "shell/editor/program_store.h"
 #include "shell/library/item_paths.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -234,8 +236,9 @@ void replaceMarked() {
     showInfo();
 }
 
-QPushButton *addButton(QBoxLayout *row, Text text, void (*act)()) {
+QPushButton *addButton(QBoxLayout *row, Text text, Text tip, void (*act)()) {
     auto *button = new QPushButton(textOf(text));
+    button->setToolTip(textOf(tip));
     button->setAutoDefault(false);
     QObject::connect(button, &QPushButton::clicked, state.window, act);
     row->addWidget(button);
@@ -251,6 +254,13 @@ void makeFields(QVBoxLayout *layout) {
     state.where = addChoice(grid, 3, Text::searchIn, {});
     state.matchCase = new QCheckBox(textOf(Text::searchCase));
     state.names = new QCheckBox(textOf(Text::searchNames));
+    for (const auto &[part, tip] : {std::pair<QWidget *, Text>{state.pattern, Text::tipSearchFor},
+                                    {state.by, Text::tipSearchBy},
+                                    {state.how, Text::tipSearchHow},
+                                    {state.where, Text::tipSearchIn},
+                                    {state.matchCase, Text::tipSearchCase},
+                                    {state.names, Text::tipSearchNames}})
+        part->setToolTip(textOf(tip));
     grid->addWidget(state.matchCase, 2, 2);
     grid->addWidget(state.names, 3, 2);
     grid->setColumnStretch(1, 1);
@@ -260,6 +270,7 @@ void makeFields(QVBoxLayout *layout) {
 void makeList(QVBoxLayout *layout) {
     state.list = new QTreeWidget;
     state.list->setAccessibleName(textOf(Text::searchTitle));
+    state.list->setToolTip(textOf(Text::tipSearchList));
     state.list->setRootIsDecorated(false);
     state.list->setUniformRowHeights(true);
     state.list->setHeaderLabels(
@@ -285,11 +296,11 @@ void makeWindow() {
     state.info->setTextFormat(Qt::PlainText);
     layout->addWidget(state.info);
     auto *row = new QHBoxLayout;
-    QPushButton *start = addButton(row, Text::searchStart, startSearch);
+    QPushButton *start = addButton(row, Text::searchStart, Text::tipSearchStart, startSearch);
     start->setDefault(true);
-    state.replace = addButton(row, Text::searchReplace, replaceMarked);
+    state.replace = addButton(row, Text::searchReplace, Text::tipSearchReplace, replaceMarked);
     row->addStretch();
-    addButton(row, Text::close, [] { state.window->close(); });
+    row->addWidget(closeButtons(state.window));
     layout->addLayout(row);
     state.timer = new QTimer(state.window);
     state.timer->setInterval(0);

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLocale>
 #include <QMainWindow>
@@ -12,6 +13,7 @@
 #include "history/history.h"
 #include "shell/library/compare_window.h"
 #include "shell/library/item_paths.h"
+#include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/selected_item.h"
@@ -88,8 +90,9 @@ struct VersionsDialog {
     std::string utf8Name() const { return nameToQt(entry.name).toStdString(); }
 };
 
-QPushButton *addButton(QBoxLayout *row, Text text, QDialog *dialog, std::function<void()> act) {
+QPushButton *addButton(QBoxLayout *row, Text text, Text tip, QDialog *dialog, std::function<void()> act) {
     auto *button = new QPushButton(textOf(text));
+    button->setToolTip(textOf(tip));
     button->setAutoDefault(false);
     QObject::connect(button, &QPushButton::clicked, dialog, std::move(act));
     row->addWidget(button);
@@ -115,12 +118,14 @@ void showVersions() {
     auto *layout = new QVBoxLayout(&state.dialog);
     state.list = listOf(state.forms);
     state.list->setAccessibleName(state.dialog.windowTitle());
+    state.list->setToolTip(textOf(Text::tipVersionsList));
     layout->addWidget(state.list);
     auto *row = new QHBoxLayout;
-    state.compare = addButton(row, Text::versionsCompare, &state.dialog, [&] { state.compareWithNow(); });
-    state.back = addButton(row, Text::versionsBack, &state.dialog, [&] { state.bringBack(); });
+    state.compare =
+        addButton(row, Text::versionsCompare, Text::tipVersionsCompare, &state.dialog, [&] { state.compareWithNow(); });
+    state.back = addButton(row, Text::versionsBack, Text::tipVersionsBack, &state.dialog, [&] { state.bringBack(); });
     row->addStretch();
-    addButton(row, Text::close, &state.dialog, [&] { state.dialog.reject(); });
+    row->addWidget(closeButtons(&state.dialog));
     layout->addLayout(row);
     QObject::connect(state.list, &QTreeWidget::currentItemChanged, &state.dialog, [&] { state.follow(); });
     QObject::connect(state.list, &QTreeWidget::itemActivated, &state.dialog, [&] {

@@ -23,7 +23,8 @@ constexpr HelpRow helpRows[] = {
     {"exportDialog", "files"},        {"bitmapDialog", "files"},        {"findDialog", "editing"},
     {"passwordDialog", "editing"},    {"slotDialog", "communication"},  {"existsDialog", "communication"},
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
-    {"reportDialog", "trouble"},
+    {"reportDialog", "trouble"},      {"searchWindow", "library"},      {"compareDialog", "library"},
+    {"versionsDialog", "library"},    {"duplicatesDialog", "library"},
 };
 
 QString pageOf(const QDialog *dialog) {
@@ -51,6 +52,15 @@ QDialogButtonBox *dialogButtons(QDialog *dialog) {
     nameButton(buttons, QDialogButtonBox::Cancel, Text::cancel, Text::tipCancel);
     buttons->button(QDialogButtonBox::Ok)->setDefault(true);
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    addHelp(dialog, buttons);
+    return buttons;
+}
+
+QDialogButtonBox *closeButtons(QDialog *dialog) {
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    nameButton(buttons, QDialogButtonBox::Close, Text::close, Text::tipClose);
+    buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     addHelp(dialog, buttons);
     return buttons;

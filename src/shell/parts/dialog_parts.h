@@ -14,6 +14,9 @@ QString boxTitle(bool warns);
 // OK, the default, Cancel and Help, in the program's wording, wired to the dialog, whose object name is set.
 QDialogButtonBox *dialogButtons(QDialog *dialog);
 
+// Close and Help, for a dialog that asks nothing, likewise; the escape key closes it too.
+QDialogButtonBox *closeButtons(QDialog *dialog);
+
 // A button, and F1, that open the manual at the dialog's page, which a table has by the dialog's object name.
 void addHelp(QDialog *dialog, QDialogButtonBox *buttons);
 

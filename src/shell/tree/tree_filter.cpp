@@ -2,10 +2,10 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QTreeWidget>
+#include <QVBoxLayout>
 #include <set>
 
 #include "shell/parts/client_layout.h"
@@ -84,7 +84,7 @@ bool leaveByEscape(QWidget *, QEvent *event) {
 
 void makeBar() {
     treeFilterBar = new QWidget(clientArea);
-    auto *row = new QHBoxLayout(treeFilterBar);
+    auto *row = new QVBoxLayout(treeFilterBar);  // one above the other: each is as wide as the tree
     row->setContentsMargins(0, 0, 0, 2);
     row->setSpacing(2);
     state.name = new QLineEdit;
@@ -92,12 +92,14 @@ void makeBar() {
     const QString hint = textOf(Text::filterNames).remove(QLatin1Char('&'));
     state.name->setPlaceholderText(hint);
     state.name->setAccessibleName(hint);
+    state.name->setToolTip(textOf(Text::tipFilterName));
     state.name->setClearButtonEnabled(true);
     state.kinds = new QComboBox;
     state.kinds->setAccessibleName(textOf(Text::filterAllKinds));
+    state.kinds->setToolTip(textOf(Text::tipFilterKind));
     state.kinds->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     state.kinds->setMinimumContentsLength(5);
-    row->addWidget(state.name, 1);
+    row->addWidget(state.name);
     row->addWidget(state.kinds);
     hookEvents(state.name, leaveByEscape);
     QObject::connect(state.name, &QLineEdit::textChanged, treeFilterBar, applyTreeFilter);

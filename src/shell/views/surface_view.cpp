@@ -45,6 +45,7 @@ double dotSize() {
 QPointF origin() { return onPixel(state.picture, {0, 0}); }
 
 void resizePicture() {
+    if (state.drawing.dots.isEmpty()) return;  // nothing is on view
     const QSizeF size = QSizeF(state.drawing.dots) * dotSize();
     state.picture->setFixedSize(qCeil(size.width()), qCeil(size.height()));
     state.picture->update();
