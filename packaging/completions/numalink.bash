@@ -30,7 +30,7 @@ _numalink_cli() {
         --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
         --port) mapfile -t COMPREPLY < <(compgen -W "COM1 COM2 COM3 COM4" -- "$cur") && _filedir && return ;;
     esac
-    local run="--help --keys --getkey --set --statements --repeat --plain --paced --json --record --record-zoom --record-statements" options=""
+    local run="--help --keys --getkey --set --statements --repeat --plain --paced --json --profile --coverage --trace --break --watch --replace --record --record-zoom --record-statements" options=""
     case $command in
         "") options="--help --version" ;;
         check) options="--help --repair --restore" ;;
@@ -51,7 +51,7 @@ _numalink_cli() {
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     elif [[ -z $command ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "check convert diff duplicates export import language-server link lint list search share show run eval tokens versions write" -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W "check convert debug diff duplicates export import language-server link lint list search share show run eval tokens versions write" -- "$cur")
     elif [[ $command == tokens ]]; then
         mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
     else

@@ -47,7 +47,7 @@ TEST_F(Help, ThePagesAreThereInEveryLanguageAndLeadNowhereElse) {
     const std::filesystem::path manual = dataPath("help");
     std::set<std::string> english;
     for (const auto &file : std::filesystem::directory_iterator(manual / "en")) english.insert(file.path().filename());
-    EXPECT_EQ(english.size(), 11u);
+    EXPECT_EQ(english.size(), 12u);
     const QRegularExpression target(QStringLiteral("\\]\\(([^)]+)\\)"));
     for (const char *language : {"en", "de", "fr", "nl"}) {
         std::set<std::string> pages;
@@ -84,7 +84,7 @@ TEST_F(Help, TheManualIsSearchedAndFollowsItsLinks) {
     search->setText(QStringLiteral("first zzzz"));
     EXPECT_TRUE(pagesListed().isEmpty());
     showManual(QStringLiteral("settings"));
-    EXPECT_EQ(pagesListed().size(), 12);
+    EXPECT_EQ(pagesListed().size(), 13);
     EXPECT_TRUE(browser->extraSelections().isEmpty());
     browser->setSource(QUrl(QStringLiteral("communication.md")));
     const auto *list = windowNamed("manualWindow")->findChild<QListWidget *>();
@@ -141,7 +141,15 @@ void lookAtDialog(QWidget *dialog, bool hasHelp = true) {
 }
 
 TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
-    show(addProgram("ABC", "A"));
+    addProgram("SAME", "A");
+    const ItemId program = addProgram("ABC", "A");
+    show(program);
+    programEdit->moveCursor(QTextCursor::End);
+    programEdit->insertPlainText(QStringLiteral("B"));  // and so it has versions
+    handleCommand(CommandId::refresh);
+    addProgram("ALSO", "A");
+    add(kind::folder, "Folder");
+    show(program);
     int seen = 0;
     const auto lookAt = [&](const std::function<void()> &ask) {
         whileOpen = [&seen] {
@@ -151,7 +159,8 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
         ask();
         EXPECT_EQ(whileOpen, nullptr) << "nothing was asked";
     };
-    for (const CommandId id : {CommandId::settings, CommandId::find, CommandId::password})
+    for (const CommandId id : {CommandId::settings, CommandId::find, CommandId::password, CommandId::move,
+                               CommandId::compareItems, CommandId::versions, CommandId::duplicates, CommandId::report})
         lookAt([id] { handleCommand(id); });
     ImportQuestion import{.itemNames = {"A"}, .folderName = "B"};
     lookAt([&] { askImport(import); });
@@ -164,13 +173,18 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
     lookAt([] { askPictureSlot("A", 1); });
     lookAt([] { askItemExists("?"); });
     lookAt(askFirstStart);
-    EXPECT_EQ(seen, 9);
+    EXPECT_EQ(seen, 14);
     handleCommand(CommandId::showQueue);
     lookAtDialog(windowNamed("queueWindow"));
+    handleCommand(CommandId::searchLibrary);
+    lookAtDialog(windowNamed("searchWindow"));
     showReference();
     lookAtDialog(windowNamed("referenceWindow"));
     showManual({});
     lookAtDialog(windowNamed("manualWindow"), false);
+    handleCommand(CommandId::filterTree);
+    handleCommand(CommandId::debugStep);  // with all panes
+    lookAtDialog(mainWindow, false);
 }
 
 TEST_F(Help, TheReferenceOpensAtTheFirstOfItsList) {

@@ -49,7 +49,7 @@ bool askPassword(QString &password) {
     layout->addWidget(typed);
     layout->addWidget(refused);
     layout->addWidget(dialogButtons(&dialog));
-    dialog.setMinimumWidth(grown(240));
+    dialog.resize(dialog.sizeHint().expandedTo(QSize(grown(240), 0)));
     if (runDialog(dialog) != QDialog::Accepted) return false;
     password = typed->text();
     return true;

@@ -12,8 +12,8 @@ constexpr std::uint64_t pageLimit = std::uint64_t{1024} * 1024;         // bytes
 constexpr std::uint64_t pictureLimit = std::uint64_t{4} * 1024 * 1024;  // bytes
 
 constexpr const char *pageNames[] = {
-    "first-steps", "library", "editing",       "text-form", "running", keysPageName,
-    "debugging",   "files",   "communication", "settings",  "trouble", newsPageName,
+    "first-steps", "library", "finding",       "editing",  "text-form", "running",    keysPageName,
+    "debugging",   "files",   "communication", "settings", "trouble",   newsPageName,
 };
 
 QByteArray fileOf(const std::string &path, std::uint64_t limit) {

@@ -23,8 +23,8 @@ constexpr HelpRow helpRows[] = {
     {"exportDialog", "files"},        {"bitmapDialog", "files"},        {"findDialog", "editing"},
     {"passwordDialog", "editing"},    {"slotDialog", "communication"},  {"existsDialog", "communication"},
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
-    {"reportDialog", "trouble"},      {"searchWindow", "library"},      {"compareDialog", "library"},
-    {"versionsDialog", "library"},    {"duplicatesDialog", "library"},
+    {"reportDialog", "trouble"},      {"searchWindow", "finding"},      {"compareDialog", "finding"},
+    {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},
 };
 
 QString pageOf(const QDialog *dialog) {
