@@ -124,6 +124,9 @@ TEST_F(Emulator, ALineTellsOfModeCommandsAndItsButtonTurnsThemOn) {
     run("\"\\Deg\":\\Lbl 1:\\Goto 1");
     EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "a string is no command";
     handleCommand(CommandId::emulate);
+    run("\\Rad:\\Lbl 1:\\Goto 1");
+    EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "so it is in any case";
+    handleCommand(CommandId::emulate);
     Bytes tokens;
     ASSERT_EQ(tokensFromWords("\\Break", tokens), -1);
     addProgram("CALLED", std::string(tokens.begin(), tokens.end()));

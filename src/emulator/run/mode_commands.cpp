@@ -12,7 +12,8 @@ namespace numalink {
 
 namespace {
 
-constexpr Token modeCommands[] = {{0xD9}, {0xDA}, {0xDB}, {0xDC}, {0xDD}, {0xF7, 0x0D}};  // Norm to Eng, Break
+// Norm, Deg, Gra, Eng, Break. Not Rad: angles are in radians in any case.
+constexpr Token modeCommands[] = {{0xD9}, {0xDA}, {0xDC}, {0xDD}, {0xF7, 0x0D}};
 
 std::string nameOf(Token command) {
     const std::uint8_t bytes[] = {command.first, command.second};
