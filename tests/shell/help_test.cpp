@@ -97,6 +97,7 @@ TEST_F(Help, TheManualIsSearchedAndFollowsItsLinks) {
 
 bool isControl(const QWidget *widget) {
     if (!widget->isVisible() || widget->focusPolicy() == Qt::NoFocus) return false;
+    if (widget == treeView || widget == programEdit) return false;  // whose entries and words have tips of their own
     const QWidget *parent = widget->parentWidget();
     const bool isPart =
         qobject_cast<const QComboBox *>(parent) || widget->objectName().startsWith(QLatin1String("qt_"));

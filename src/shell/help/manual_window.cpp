@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QVBoxLayout>
@@ -16,6 +17,7 @@
 #include "shell/help/key_picture.h"
 #include "shell/help/manual_pages.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -158,13 +160,14 @@ void makeWindow(QWidget *over) {
     parts->addWidget(makeContents());
     parts->addWidget(state.browser);
     parts->setStretchFactor(1, 1);
-    parts->setSizes({listWidth, windowWidth - listWidth});
+    parts->setSizes({grown(listWidth), grown(windowWidth - listWidth)});
     (new QVBoxLayout(state.window))->addWidget(parts);
     listPages();
     QObject::connect(state.list, &QListWidget::currentRowChanged, state.window, showChosen);
     QObject::connect(state.search, &QLineEdit::textChanged, state.window, searchPages);
     QObject::connect(state.browser, &QTextBrowser::sourceChanged, state.window, pageShown);
-    state.window->resize(windowWidth, windowHeight);
+    const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
+    state.window->resize((QSize(windowWidth, windowHeight) * textScale()).boundedTo(room));
 }
 
 }  // namespace

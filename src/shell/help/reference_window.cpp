@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QTreeWidget>
@@ -22,6 +23,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "telling/tell_user.h"
 
@@ -195,7 +197,7 @@ void makeWindow() {
     parts->addWidget(makeContents());
     parts->addWidget(state.page);
     parts->setStretchFactor(1, 1);
-    parts->setSizes({listWidth, windowWidth - listWidth});
+    parts->setSizes({grown(listWidth), grown(windowWidth - listWidth)});
     auto *layout = new QVBoxLayout(state.window);
     layout->addWidget(parts, 1);
     layout->addWidget(makeButtons());
@@ -204,7 +206,8 @@ void makeWindow() {
     QObject::connect(state.tree, &QTreeWidget::currentItemChanged, state.window, showToken);
     QObject::connect(state.tree, &QTreeWidget::itemDoubleClicked, state.window, insertToken);
     listTokens();
-    state.window->resize(windowWidth, windowHeight);
+    const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
+    state.window->resize((QSize(windowWidth, windowHeight) * textScale()).boundedTo(room));
 }
 
 }  // namespace

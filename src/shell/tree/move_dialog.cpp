@@ -47,6 +47,7 @@ ItemId askFolder(const ItemEntry &item) {
     auto *list = new QListWidget;
     list->setFont(treeFont());
     list->setAccessibleName(textOf(Text::moveFolders, {utf8FromCalculator(item.name)}));
+    list->setToolTip(list->accessibleName().toHtmlEscaped());
     listFolders(list, item);
     auto *label = new QLabel(textOf(Text::moveFolders, {utf8FromCalculator(item.name)}));
     label->setTextFormat(Qt::PlainText);

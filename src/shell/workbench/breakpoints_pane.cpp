@@ -131,6 +131,7 @@ QWidget *makeBreakpointsPane() {
     layout->addWidget(state.target);
     auto *errors = new QCheckBox(textOf(Text::breakpointsAtError));
     errors->setChecked(stopsAtFirstError());
+    errors->setToolTip(textOf(Text::tipAtError));
     layout->addWidget(errors);
     QObject::connect(state.table, &QTreeWidget::itemChanged, state.table, edited);
     QObject::connect(state.table, &QTreeWidget::itemActivated, state.table, goTo);

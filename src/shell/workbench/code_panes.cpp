@@ -140,6 +140,7 @@ void makeDock(const PaneRow &row, bool isShown) {
     dock.table = makePaneTable(columnsOf(row.pane));
     dock.table->setRootIsDecorated(false);
     dock.table->setAccessibleName(title);
+    dock.table->setToolTip(textOf(Text::tipGoToPlace));
     for (int column = 0; column + 1 < dock.table->columnCount(); column++)  // the last one takes the rest
         dock.table->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     dock.widget->setWidget(dock.table);

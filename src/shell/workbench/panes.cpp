@@ -3,6 +3,7 @@
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QTimer>
+#include <QTreeWidget>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -33,7 +34,7 @@ struct PaneRow {
     Pane pane;
     char letter;  // in the setting
     const char *name;
-    Text title;
+    Text title, tip;
     QWidget *(*make)();
     void (*refresh)();
     Qt::DockWidgetArea area;  // at first
@@ -41,15 +42,16 @@ struct PaneRow {
 };
 
 constexpr PaneRow rows[] = {
-    {Pane::variables, 'V', "variablesDock", Text::paneVariables, makeVariablesPane, refreshVariables,
+    {Pane::variables, 'V', "variablesDock", Text::paneVariables, Text::tipPaneVariables, makeVariablesPane,
+     refreshVariables, Qt::RightDockWidgetArea, true},
+    {Pane::watches, 'W', "watchesDock", Text::paneWatches, Text::tipPaneWatches, makeWatchesPane, refreshWatches,
      Qt::RightDockWidgetArea, true},
-    {Pane::watches, 'W', "watchesDock", Text::paneWatches, makeWatchesPane, refreshWatches, Qt::RightDockWidgetArea,
-     true},
-    {Pane::calls, 'C', "callsDock", Text::paneCalls, makeCallsPane, refreshCalls, Qt::BottomDockWidgetArea, true},
-    {Pane::breakpoints, 'B', "breakpointsDock", Text::paneBreakpoints, makeBreakpointsPane, refreshBreakpoints,
+    {Pane::calls, 'C', "callsDock", Text::paneCalls, Text::tipPaneCalls, makeCallsPane, refreshCalls,
      Qt::BottomDockWidgetArea, true},
-    {Pane::profile, 'P', "profileDock", Text::paneProfile, makeProfilePane, refreshProfile, Qt::BottomDockWidgetArea,
-     false},
+    {Pane::breakpoints, 'B', "breakpointsDock", Text::paneBreakpoints, Text::tipPaneBreakpoints, makeBreakpointsPane,
+     refreshBreakpoints, Qt::BottomDockWidgetArea, true},
+    {Pane::profile, 'P', "profileDock", Text::paneProfile, Text::tipPaneProfile, makeProfilePane, refreshProfile,
+     Qt::BottomDockWidgetArea, false},
 };
 
 struct Dock {
@@ -127,6 +129,7 @@ void makeDock(std::size_t index) {
     QWidget *content = row.make();
     content->setAccessibleName(title);
     dock.widget->setWidget(content);
+    for (QTreeWidget *table : dock.widget->findChildren<QTreeWidget *>()) table->setToolTip(textOf(row.tip));
     dock.widget->hide();
     hookEvents(dock.widget, dockEvent);
     // Also when its tab comes to the front.
