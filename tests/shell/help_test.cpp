@@ -183,9 +183,6 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
     lookAtDialog(windowNamed("referenceWindow"));
     showManual({});
     lookAtDialog(windowNamed("manualWindow"), false);
-    handleCommand(CommandId::filterTree);
-    handleCommand(CommandId::debugStep);  // with all panes
-    lookAtDialog(mainWindow, false);
 }
 
 TEST_F(Help, TheReferenceOpensAtTheFirstOfItsList) {
