@@ -6,6 +6,7 @@
 
 #include "calculator/program_info.h"
 #include "telling/language_table.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -95,6 +96,14 @@ std::string_view referenceMeaning(const ReferenceRow &row) {
 
 std::string_view referenceRemark(const ReferenceRow &row) {
     return row.remarks[static_cast<std::size_t>(currentLanguage())];
+}
+
+std::string referenceKeys(const ReferenceRow &row) {
+    constexpr std::string_view absent = "not on the CFX keys", inEditor = " in the program editor";
+    if (row.keys == absent) return wording(Text::keysAbsent);
+    if (row.keys.starts_with(absent)) return wording(Text::keysAbsentOlder);
+    if (!row.keys.ends_with(inEditor)) return std::string(row.keys);
+    return wording(Text::keysInEditor, {std::string(row.keys.substr(0, row.keys.size() - inEditor.size()))});
 }
 
 const std::vector<std::string_view> &referenceTopics() {

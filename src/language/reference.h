@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +43,8 @@ const ReferenceRow *referenceOf(TokenCode code);
 // In the language that the program speaks, English for one that the table doesn't have.
 std::string_view referenceMeaning(const ReferenceRow &row);
 std::string_view referenceRemark(const ReferenceRow &row);
+// Where the keys are told in words, these are in that language too.
+std::string referenceKeys(const ReferenceRow &row);
 // The topics in the order of the table's tokens.
 const std::vector<std::string_view> &referenceTopics();
 

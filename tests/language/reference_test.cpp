@@ -44,7 +44,9 @@ TEST(Reference, SpeaksTheLanguageOfTheProgram) {
         EXPECT_EQ(referenceRemark(remarked).substr(0, 3), std::string_view(start).substr(0, 3)) << "both end something";
         EXPECT_TRUE(referenceRemark(row).empty());
     }
+    EXPECT_EQ(referenceKeys(*referenceOf(0x00)), "absent des touches CFX");
     languageLoad("English", "English");
+    EXPECT_EQ(referenceKeys(*referenceOf(0x00)), referenceOf(0x00)->keys);
 }
 
 }  // namespace

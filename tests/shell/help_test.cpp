@@ -183,13 +183,18 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
     lookAtDialog(windowNamed("referenceWindow"));
     showManual({});
     lookAtDialog(windowNamed("manualWindow"), false);
+    handleCommand(CommandId::filterTree);
+    handleCommand(CommandId::debugStep);  // with all panes
+    lookAtDialog(mainWindow, false);
 }
 
 TEST_F(Help, TheReferenceOpensAtTheFirstOfItsList) {
     showReference();
-    const auto *tree = windowNamed("referenceWindow")->findChild<QTreeWidget *>();
+    auto *tree = windowNamed("referenceWindow")->findChild<QTreeWidget *>();
     ASSERT_NE(tree->currentItem(), nullptr);
     EXPECT_EQ(tree->currentItem(), tree->topLevelItem(0)->child(0));
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), textOf(Text::topicFlow));
+    for (QTreeWidgetItemIterator at(tree); *at != nullptr; ++at) EXPECT_FALSE((*at)->text(0).trimmed().isEmpty());
     const auto *page = windowNamed("referenceWindow")->findChild<QTextBrowser *>();
     EXPECT_TRUE(page->toPlainText().startsWith(tree->currentItem()->text(0)));
     windowNamed("referenceWindow")->findChild<QLineEdit *>()->setText(QStringLiteral("no such token"));

@@ -34,7 +34,7 @@ QString hexOf(TokenCode token) {
 QString tipOf(const ReferenceRow &row) {
     return QStringLiteral("<p style='white-space:pre'><b>%1</b>&nbsp;&nbsp;<code>%2</code></p><p>%3</p><p>%4</p>")
         .arg(escaped(row.syntax), hexOf(row.code), escaped(referenceMeaning(row)),
-             textOf(Text::tokenKeys, {std::string(row.keys)}).toHtmlEscaped());
+             textOf(Text::tokenKeys, {referenceKeys(row)}).toHtmlEscaped());
 }
 
 // Of problems at a place, a line each.

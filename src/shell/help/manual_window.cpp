@@ -156,6 +156,7 @@ void makeWindow(QWidget *over) {
     state.browser->setObjectName(QStringLiteral("manualText"));
     state.browser->setAccessibleName(textOf(Text::manualTitle));
     state.browser->pages = manualPages();
+    state.browser->setOpenExternalLinks(true);
     auto *parts = new QSplitter;
     parts->addWidget(makeContents());
     parts->addWidget(state.browser);

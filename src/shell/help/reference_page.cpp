@@ -16,6 +16,7 @@ struct TopicRow {
     std::string_view topic;
     Text text;
 };
+// In the order in which they are learned.
 constexpr TopicRow topicRows[] = {
     {"Program flow", Text::topicFlow},
     {"Input and output", Text::topicInput},
@@ -90,6 +91,20 @@ QString part(Text title, const QString &html) {
 
 }  // namespace
 
+std::vector<std::string_view> topicsInOrder() {
+    std::vector<std::string_view> topics;
+    for (const TopicRow &row : topicRows) topics.push_back(row.topic);
+    for (const std::string_view topic : referenceTopics())
+        if (std::ranges::find(topics, topic) == topics.end()) topics.push_back(topic);
+    return topics;
+}
+
+QString nameInList(const ReferenceRow &row) {
+    const QString name = fromView(row.name).trimmed();
+    if (!name.isEmpty()) return name;
+    return QStringLiteral("\\@%1").arg(row.code, 2, 16, QLatin1Char('0')).toUpper();  // a blank, and the byte 0
+}
+
 QString topicInWords(std::string_view topic) {
     const auto *found = std::ranges::find(topicRows, topic, &TopicRow::topic);
     return found == std::end(topicRows) ? fromView(topic) : textOf(found->text);
@@ -105,7 +120,7 @@ QString pageOfToken(const ReferenceRow &row) {
                .arg(codeOf(fromView(row.name)), fromView(referenceMeaning(row)).toHtmlEscaped()) +
            part(Text::referenceSyntax, codeOf(fromView(row.syntax))) +
            part(Text::referenceExample, row.example.empty() ? QString() : example) +
-           part(Text::referenceKeys, fromView(row.keys).toHtmlEscaped()) + part(Text::referenceState, state) +
+           part(Text::referenceKeys, fromView(referenceKeys(row)).toHtmlEscaped()) + part(Text::referenceState, state) +
            part(Text::referenceWord, wordOf(row).toHtmlEscaped()) +
            part(Text::referenceTopic, topicInWords(row.topic).toHtmlEscaped());
 }

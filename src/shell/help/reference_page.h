@@ -7,6 +7,9 @@
 
 namespace numalink {
 
+// All that the reference has, the window's own order ahead of any other.
+std::vector<std::string_view> topicsInOrder();
+QString nameInList(const ReferenceRow &row);   // never empty: its code, as item files have it, where it shows nothing
 QString topicInWords(std::string_view topic);  // in the window's language
 QString pageOfToken(const ReferenceRow &row);  // HTML
 

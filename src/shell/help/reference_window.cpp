@@ -49,14 +49,10 @@ const ReferenceRow *rowOf(const QTreeWidgetItem *entry) {
     return referenceOf(static_cast<TokenCode>(entry->data(0, codeRole).toUInt()));
 }
 
-QString nameOf(const ReferenceRow &row) {
-    return QString::fromUtf8(row.name.data(), static_cast<qsizetype>(row.name.size())).trimmed();
-}
-
 // What a token stands under: its topic, or its first letter in any case; signs stand under one heading.
 QString headingOf(const ReferenceRow &row) {
     if (state.byTopic->isChecked()) return topicInWords(row.topic);
-    const QString name = nameOf(row);
+    const QString name = nameInList(row);
     const bool isLetter = !name.isEmpty() && name.at(0).isLetter() && name.at(0).unicode() < 0x80;
     return isLetter ? QString(name.at(0).toUpper()) : textOf(Text::referenceSigns);
 }
@@ -68,7 +64,7 @@ QTreeWidgetItem *addHeading(const QString &heading) {
 }
 
 QTreeWidgetItem *addToken(QTreeWidgetItem *heading, const ReferenceRow &row) {
-    auto *entry = new QTreeWidgetItem(heading, {nameOf(row)});
+    auto *entry = new QTreeWidgetItem(heading, {nameInList(row)});
     entry->setData(0, codeRole, row.code);
     entry->setFont(0, treeFont());
     entry->setToolTip(0,
@@ -89,7 +85,7 @@ void listTokens() {
     state.tree->clear();
     std::map<QString, QTreeWidgetItem *> headings;
     if (state.byTopic->isChecked())
-        for (const std::string_view topic : referenceTopics())
+        for (const std::string_view topic : topicsInOrder())
             headings[topicInWords(topic)] = addHeading(topicInWords(topic));
     QTreeWidgetItem *again = nullptr;
     for (const ReferenceRow &row : referenceRows()) {

@@ -24,6 +24,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/own_colors.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "text/program_images.h"
@@ -278,7 +279,7 @@ void makeWindow(QDialog &dialog) {
     followScrolling(state.left.text, state.right.text);
     followScrolling(state.right.text, state.left.text);
     const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
-    dialog.resize(QSize(900, 600).boundedTo(room));
+    dialog.resize((QSize(900, 600) * textScale()).boundedTo(room));
 }
 
 std::vector<CompareSource> allPrograms() {

@@ -13,6 +13,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/selection.h"
 #include "telling/tell_user.h"
@@ -91,7 +92,7 @@ void showDuplicates() {
         chosen = itemOf(row);
         if (chosen != noItem) dialog.accept();
     });
-    dialog.resize(420, 420);
+    dialog.resize(QSize(420, 420) * textScale());
     runDialog(dialog);
     if (chosen != noItem && storeReadEntry(chosen)) selectItem(chosen);
 }

@@ -11,6 +11,7 @@
 #include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTextBlock>
 #include <QTimer>
 #include <QTreeWidget>
@@ -24,6 +25,7 @@
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/selection.h"
@@ -276,9 +278,9 @@ void makeList(QVBoxLayout *layout) {
     state.list->setHeaderLabels(
         {textOf(Text::searchItem), textOf(Text::searchLine), textOf(Text::searchText), textOf(Text::searchBecomes)});
     state.list->headerItem()->setTextAlignment(lineColumn, Qt::AlignRight | Qt::AlignVCenter);
-    state.list->setColumnWidth(itemColumn, 180);
-    state.list->setColumnWidth(lineColumn, 50);
-    state.list->setColumnWidth(textColumn, 230);
+    state.list->setColumnWidth(itemColumn, grown(180));
+    state.list->setColumnWidth(lineColumn, grown(50));
+    state.list->setColumnWidth(textColumn, grown(230));
     state.list->header()->setStretchLastSection(true);
     state.list->setColumnHidden(becomesColumn, true);
     QObject::connect(state.list, &QTreeWidget::itemActivated, state.window, openPlace);
@@ -306,7 +308,8 @@ void makeWindow() {
     state.timer->setInterval(0);
     QObject::connect(state.timer, &QTimer::timeout, state.window, searchOn);
     QObject::connect(state.window, &QDialog::finished, state.window, [] { clearPlaces(); });
-    state.window->resize(720, 460);
+    const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
+    state.window->resize((QSize(720, 460) * textScale()).boundedTo(room));
     showInfo();
     state.info->clear();
 }

@@ -16,6 +16,7 @@
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "telling/tell_user.h"
@@ -132,7 +133,7 @@ void showVersions() {
         if (state.compare->isEnabled()) state.compareWithNow();
     });
     state.follow();
-    state.dialog.resize(520, 360);
+    state.dialog.resize(QSize(520, 360) * textScale());
     state.list->setFocus();
     runDialog(state.dialog);
 }

@@ -18,6 +18,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/pane_sizes.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/workbench/code_commands.h"
 #include "shell/workbench/pane_parts.h"
@@ -160,9 +161,9 @@ void sizeDock(const PaneRow &row) {
     if (dock->isHidden()) return;
     const QSize known = paneSize(dock);
     if (row.area == Qt::BottomDockWidgetArea)
-        mainWindow->resizeDocks({dock}, {known.isEmpty() ? bottomHeight : known.height()}, Qt::Vertical);
+        mainWindow->resizeDocks({dock}, {known.isEmpty() ? grown(bottomHeight) : known.height()}, Qt::Vertical);
     else
-        mainWindow->resizeDocks({dock}, {known.isEmpty() ? rightWidth : known.width()}, Qt::Horizontal);
+        mainWindow->resizeDocks({dock}, {known.isEmpty() ? grown(rightWidth) : known.width()}, Qt::Horizontal);
 }
 
 void addUses(const ProgramText &text, const ProgramStructure &program, const ProgramName &name, const ItemEntry &item) {
