@@ -69,6 +69,13 @@ Bytes imageWithChecksumPlace(ByteView image) {
     return whole;
 }
 
+Bytes headWithoutName(ItemKind itemKind, ByteView head) {
+    Bytes rest(head.begin(), head.end());
+    if (isTextKind(itemKind) && head.size() == programInfoSize)
+        std::fill_n(rest.begin() + programNameOffset, programNameLimit + 1, std::uint8_t{0});
+    return rest;
+}
+
 bool sameProgramName(std::string_view left, std::string_view right) {
     if (left.size() != right.size()) return false;
     for (std::size_t i = 0; i < left.size(); i++) {

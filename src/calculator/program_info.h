@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "calculator/item_kinds.h"
 #include "platform/bytes.h"
 
 namespace numalink {
@@ -29,6 +30,9 @@ Bytes encodeProgramInfo(const ProgramInfo &info);
 
 // None when there are fewer than 32 bytes. Texts without an end are cut at 8.
 std::optional<ProgramInfo> decodeProgramInfo(ByteView head);
+
+// A text item's head without the name in it; another kind's as it is. For telling whether items are the same.
+Bytes headWithoutName(ItemKind itemKind, ByteView head);
 
 // Whether a call of one name finds the program of the other: letters of either case, and the signs that stand for a
 // hyphen, count as one. Calculator codes.

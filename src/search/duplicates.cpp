@@ -23,11 +23,8 @@ void append(Key &key, ByteView bytes) {
 }
 
 Key keyOf(const StoredItem &item) {
-    Bytes head = item.head;
-    if (isTextKind(item.kind) && head.size() == programInfoSize)
-        std::fill_n(head.begin() + programNameOffset, programNameLimit + 1, std::uint8_t{0});
     Key key = std::to_string(item.kind) + ":";
-    append(key, head);
+    append(key, headWithoutName(item.kind, item.head));
     append(key, item.data);
     return key;
 }

@@ -5,6 +5,7 @@
 // or the machine dies meanwhile, the library is as it was. What fails tells its cause itself (a box).
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -59,6 +60,13 @@ struct ItemMove {
     ItemId newParent = rootId;
 };
 
+// Where an item is to stand, and under which name; an empty one is that which it has.
+struct ItemPlacing {
+    ItemId id = noItem;
+    ItemId newParent = rootId;
+    std::string name;
+};
+
 // What becomes of a library whose file is missing or empty: it is begun anew unless daily copies of it lie beside; it
 // is begun in any case; it never is.
 enum class WhenEmptied { refuse, begin, neverBegin };
@@ -98,6 +106,9 @@ bool storeRename(ItemId id, std::string_view name, ByteView head = {});
 bool storeMove(ItemId id, ItemId newParent);  // refused for a folder into itself or below itself
 // Many at once, all of them or none; refused with a folder among several.
 bool storeMoveItems(const std::vector<ItemMove> &moves);
+// Moves items, some of them under other names, which programs get in their heads too, and takes out those of leaving,
+// in one change: all of it or nothing. Refused with a folder among those that move.
+bool storePlaceItems(const std::vector<ItemPlacing> &placings, std::span<const ItemId> leaving);
 bool storeSetFlags(ItemId id, std::uint32_t value);
 std::uint32_t storeGetFlags(ItemId id);              // 0 when there is no such item
 bool storeDelete(ItemId id);                         // with all that a folder holds
@@ -112,7 +123,9 @@ bool storeCopyTo(const std::string &path);
 ItemId storeFindItem(std::string_view name, ItemId parent);  // lowest id of that name, noItem when none
 bool storeItemExists(std::string_view name, ItemId parent);
 // The name itself when it is free under parent, else the next free one, within the limit of the kind.
-std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind);
+// alsoTaken names what else isn't free; it mustn't call the store.
+std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind,
+                          const std::function<bool(std::string_view)> &alsoTaken = {});
 
 // "/A/B/": folders only, by name without case. noItem when missing and not to be created; "" and "/" give rootId.
 ItemId storeResolvePath(std::string_view path, bool create);

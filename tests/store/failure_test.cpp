@@ -20,6 +20,8 @@ const NewItem edited = Store::item("N", kind::program, 2, {4}, {4});
 const std::vector<NewItem> several = {Store::item("1", kind::list), Store::item("2", kind::list, 2)};
 const Bytes newHead{5};
 const std::vector<ItemMove> moves = {{4, rootId}, {6, rootId}};
+const std::vector<ItemPlacing> placings = {{4, 2, "D"}};
+const std::vector<ItemId> placedOver = {6};
 TakenBack shown;
 
 // One after the other on a library of folder "F" (id 2), "A" in it (3) and "B" (4). They ask for no memory themselves.
@@ -34,6 +36,7 @@ constexpr Operation operations[] = {
     [] { return !storeAddItems(several).empty(); },
     [] { return storeMove(4, 2); },
     [] { return storeMoveItems(moves); },
+    [] { return storePlaceItems(placings, placedOver); },
     [] { return storeRewriteHead(4, newHead); },
     [] { return storeSetFlags(2, 1); },
     [] { return storeUndo(shown); },
@@ -51,8 +54,8 @@ constexpr Operation deleting = [] { return storeDelete(2); };
 
 // What has to be done ahead of an operation in the same run.
 void prepare(Operation operation) {
-    const bool redo = operation == operations[12];
-    EXPECT_TRUE(!(redo || operation == operations[11]) || storeDelete(4));
+    const bool redo = operation == operations[13];
+    EXPECT_TRUE(!(redo || operation == operations[12]) || storeDelete(4));
     EXPECT_TRUE(!redo || storeUndo(shown));
 }
 

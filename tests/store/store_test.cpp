@@ -226,6 +226,30 @@ TEST_F(OpenStore, StandardFoldersAreFoundByKindAndNeverReplace) {
         EXPECT_EQ(storeStandardFolder(other), noItem);
 }
 
+TEST_F(OpenStore, ItemsArePlacedUnderOtherNamesOverOthersInOneChange) {
+    const ItemId folder = add("F", kind::folder);
+    const Bytes head = encodeProgramInfo({.imageLength = 1, .name = "A", .password = {}});
+    const ItemId old = storeAddItem(item("A", kind::program, folder, {1}, Bytes(300, 2)));
+    const ItemId moved = storeAddItem(item("A", kind::program, rootId, head, {4}));
+    const ItemId renamed = storeAddItem(item("B", kind::program, rootId, head, {5}));
+    const std::vector<ItemId> over = {old, old}, itself = {moved}, folders = {folder};
+    EXPECT_FALSE(storePlaceItems({{moved, folder, {}}, {99, folder, {}}}, over));
+    EXPECT_FALSE(storePlaceItems({{moved, 99, {}}}, over));
+    EXPECT_FALSE(storePlaceItems({{folder, rootId, {}}}, {}));
+    EXPECT_FALSE(storePlaceItems({{moved, folder, {}}}, itself));
+    EXPECT_FALSE(storePlaceItems({{moved, folder, {}}}, folders));
+    EXPECT_EQ(storeListChildren(folder).size(), 1U) << "all or nothing";
+    ASSERT_TRUE(storePlaceItems({{moved, folder, {}}, {renamed, folder, "TOO LONG 2"}}, over));
+    checkFile();
+    const Bytes placed = file();
+    ASSERT_TRUE(restart(placed));
+    EXPECT_EQ(storeFindItem("A", folder), moved);
+    EXPECT_EQ(read(renamed).name, "TOO LONG 2");
+    EXPECT_EQ(decodeProgramInfo(read(renamed).head)->name, "TOO LONG");
+    EXPECT_EQ(read(moved).head, head);
+    EXPECT_FALSE(storeReadEntry(old));
+}
+
 TEST_F(OpenStore, ManyItemsComeAndMoveInOneChange) {
     const ItemId folder = add("F", kind::folder);
     const std::vector<ItemId> ids =

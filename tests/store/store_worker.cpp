@@ -54,6 +54,21 @@ bool moveSeveral(Random &random, const Scene &scene) {
     return storeMoveItems(moves);
 }
 
+// Some come to a folder, each second one under another name, and others go.
+bool placeSeveral(Random &random, const Scene &scene, ItemId folder) {
+    std::vector<ItemPlacing> placings;
+    std::vector<ItemId> leaving;
+    for (const ItemEntry &entry : scene.items) {
+        const auto lot = random() % 4;
+        if (isFolderKind(entry.kind) || lot == 0) continue;
+        if (lot == 1)
+            leaving.push_back(entry.id);
+        else
+            placings.push_back({entry.id, folder, lot == 2 ? entry.name + "2" : ""});
+    }
+    return storePlaceItems(placings, leaving);
+}
+
 // A change as taking back makes it: the item goes and comes back under its own id, with another name.
 bool putBackRenamed(ItemId id) {
     StoredItem item;
@@ -70,6 +85,7 @@ bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId 
         [&] { return storeDelete(chosen.id); },
         [&] { return storeMove(chosen.id, folder); },
         [&] { return moveSeveral(random, scene); },
+        [&] { return placeSeveral(random, scene, folder); },
         [&] { return storeRename(chosen.id, std::string(below(random, 50), 'r'), Bytes(chosen.headSize, 9)); },
         [&] { return storeSetFlags(chosen.id, below(random, 2)); },
         [&] { return storeRewriteHead(chosen.id, Bytes(chosen.headSize, static_cast<std::uint8_t>(random()))); },
@@ -84,7 +100,7 @@ bool workOn(Random &random, const Scene &scene, const ItemEntry &chosen, ItemId 
         [&] {
             return !storeAddItems({someItem(random, folder), someItem(random, rootId)}).empty();
         }};
-    return operations[below(random, 14)]();
+    return operations[below(random, 15)]();
 }
 
 }  // namespace

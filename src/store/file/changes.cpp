@@ -86,6 +86,17 @@ void unmarkRecords(const std::vector<bool> &leaving, std::uint64_t end) REQUIRES
             changeWrite(storeState.main.offsets[slot], Bytes(sizeof itemSignature));
 }
 
+void writePatches(std::span<const Patch> patches) REQUIRES_LOCK(storeLock) {
+    for (const Patch &patch : patches)
+        changeWrite(std::uint64_t{storeState.main.offsets[patch.slot]} + patch.offset, patch.bytes);
+}
+
+// In memory, what of the patch lies in the record's head.
+void patchHead(ItemHeader &head, const Patch &patch) {
+    if (!patch.bytes.empty() && patch.offset + patch.bytes.size() <= sizeof head)
+        std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + patch.offset, patch.bytes.data(), patch.bytes.size());
+}
+
 // The records by rising offset, and what the next change moves of them: count records from the first on, of size bytes
 // together, to place.
 struct GapMove {
@@ -240,16 +251,30 @@ Fault closeGaps() {
 Fault changeInPlace(std::span<const Patch> patches) {
     if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
     changeBegin();
-    for (const Patch &patch : patches)
-        changeWrite(std::uint64_t{storeState.main.offsets[patch.slot]} + patch.offset, patch.bytes);
+    writePatches(patches);
     const Fault fault = faultOf(changeCommit());
     if (fault != Fault::none) return fault;
+    for (const Patch &patch : patches) patchHead(storeState.slots[patch.slot].head, patch);
+    return Fault::none;
+}
+
+Fault changeAndRemove(const std::vector<bool> &leaving, std::span<const Patch> patches) {
+    if (const Fault fault = prepareChange(); fault != Fault::none) return fault;
+    StoreState next = withoutSlots(leaving);
+    if (!storeState.damaged) next.main.endOffset = static_cast<std::uint32_t>(endOfRecords(next));
     for (const Patch &patch : patches) {
-        if (patch.bytes.empty()) continue;
-        ItemHeader &head = storeState.slots[patch.slot].head;
-        if (patch.offset + patch.bytes.size() <= sizeof head)
-            std::memcpy(reinterpret_cast<std::uint8_t *>(&head) + patch.offset, patch.bytes.data(), patch.bytes.size());
+        const auto moved = std::count(leaving.begin(), leaving.begin() + static_cast<std::ptrdiff_t>(patch.slot), true);
+        patchHead(next.slots[patch.slot - static_cast<std::size_t>(moved)].head, patch);
     }
+    changeBegin();
+    unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
+    writePatches(patches);
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault != Fault::none) return fault;
+    next.arrivals++;
+    storeState = std::move(next);
+    closeLargeGaps();
     return Fault::none;
 }
 

@@ -40,6 +40,9 @@ struct Patch {
 };
 Fault changeInPlace(std::span<const Patch> patches) REQUIRES_LOCK(storeLock);
 
+// Both in one change: the records marked in leaving go, and others are altered where they lie.
+Fault changeAndRemove(const std::vector<bool> &leaving, std::span<const Patch> patches) REQUIRES_LOCK(storeLock);
+
 Fault changeHead() REQUIRES_LOCK(storeLock);  // writes the head record
 
 // Asked before any change: keeps a copy of a damaged file.

@@ -90,9 +90,10 @@ ItemId storeFindItem(std::string_view name, ItemId parent) {
 
 bool storeItemExists(std::string_view name, ItemId parent) { return storeFindItem(name, parent) != noItem; }
 
-std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind) {
+std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKind,
+                          const std::function<bool(std::string_view)> &alsoTaken) {
     const HoldLock hold(storeLock);
-    return freeName(name, parent, itemKind);
+    return freeName(name, parent, itemKind, alsoTaken);
 }
 
 ItemId storeResolvePath(std::string_view path, bool create) {
