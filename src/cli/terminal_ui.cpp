@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "calculator/charset.h"
+#include "store/items/arrivals.h"
 
 namespace numalink {
 
@@ -11,7 +12,7 @@ namespace {
 int boxCount = 0;
 ImportAction importAction = ImportAction::none;
 std::string importFolder;
-ImportTaken importTaken = ImportTaken::keepBoth;
+std::optional<ArrivalChoice> arrivalChoice = ArrivalChoice::keepBoth;
 std::string subject;  // told ahead of the next box, once
 RasterType rasterType = RasterType::image;
 
@@ -28,6 +29,24 @@ void answerImport(ImportQuestion &question) {
     if (importAction == ImportAction::none) return;
     question.action = importAction;
     if (importAction == ImportAction::oneFolder) question.folderName = importFolder;
+}
+
+// What comes twice takes nothing's place.
+void answerArrivals(ArrivalsQuestion &question) {
+    for (ArrivalRow &row : question.rows) {
+        const bool isTwice = row.state == ArrivalState::twice && arrivalChoice == ArrivalChoice::replace;
+        if (row.state != ArrivalState::isNew && arrivalChoice)
+            row.choice = isTwice ? ArrivalChoice::keepBoth : *arrivalChoice;
+    }
+    question.accepted = true;
+}
+
+void listArrivals(ArrivalsQuestion &question) {
+    answerArrivals(question);
+    question.accepted = false;
+    for (const ArrivalRow &row : question.rows)
+        std::printf("%s/%s: %s, %s\n", onOneLine(row.where).c_str(), onOneLine(row.name).c_str(),
+                    wordsOf(row.state).c_str(), choiceWords(row).c_str());
 }
 
 void answerBitmap(BitmapQuestion &question) {
@@ -53,13 +72,13 @@ void terminalUiInstall() {
     boxCount = 0;
     importAction = ImportAction::none;
     importFolder.clear();
-    importTaken = ImportTaken::keepBoth;
+    arrivalChoice = ArrivalChoice::keepBoth;
     subject.clear();
     rasterType = RasterType::image;
     userInterface = userInterfaceSilent;
     userInterface.messageBox = showBox;
     userInterface.askImport = answerImport;
-    userInterface.askImportTaken = [](const ImportTakenQuestion &) { return importTaken; };
+    userInterface.askArrivals = answerArrivals;
     userInterface.askBitmap = answerBitmap;
     userInterface.statusText = [](StatusPart, Text, const std::string &text) {
         if (!text.empty()) std::printf("%s\n", onOneLine(text).c_str());
@@ -77,7 +96,9 @@ void terminalImportAnswer(ImportAction action, const std::string &folderName) {
     importFolder = folderName;
 }
 
-void terminalImportTaken(ImportTaken taken) { importTaken = taken; }
+void terminalArrivalChoice(std::optional<ArrivalChoice> choice) { arrivalChoice = choice; }
+
+void terminalOnlyLists() { userInterface.askArrivals = listArrivals; }
 
 void terminalRasterAnswer(const std::string &type) {
     rasterType = type == "sharp" ? RasterType::sharp : RasterType::image;

@@ -1,6 +1,7 @@
 // The user interface of the command line: boxes are lines of standard error, questions are answered beforehand.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,8 +23,10 @@ void terminalSubject(const std::string &about);
 // The answer to the next import questions; none leaves each as it is preset.
 void terminalImportAnswer(ImportAction action, const std::string &folderName);
 
-// What is done with imported items whose names are taken; both are kept unless told otherwise.
-void terminalImportTaken(ImportTaken taken);
+// What is done with imported items whose names are taken: both are kept unless told otherwise.
+void terminalArrivalChoice(std::optional<ArrivalChoice> choice);
+// From now on what would come in is listed, and nothing comes in.
+void terminalOnlyLists();
 
 // The answer to the next bitmap questions: "image" or "sharp".
 void terminalRasterAnswer(const std::string &type);

@@ -11,7 +11,7 @@ const UserInterface userInterfaceSilent = {
     .refreshTree = [] {},
     .leaveCurrentView = [] { return true; },
     .askImport = [](ImportQuestion &question) { question.action = ImportAction::none; },
-    .askImportTaken = [](const ImportTakenQuestion &) { return ImportTaken::cancel; },
+    .askArrivals = [](ArrivalsQuestion &) {},
     .askExport = [](ExportQuestion &) {},
     .askBitmap = [](BitmapQuestion &) {},
     .askItemExists = [](const std::string &) { return Answer::cancel; },

@@ -37,14 +37,32 @@ struct ImportQuestion {
     std::vector<std::string> itemNames;                   // UTF-8
     std::string folderName;                               // UTF-8, edited by the user
     ImportAction action = ImportAction::standardFolders;  // preset, then the choice; none when cancelled
+    std::size_t filesLeft = 0;                            // files that come behind this one
+    bool forAll = false;                                  // the answer, a cancelling too, holds for those
 };
 
-// What becomes of those to be imported whose names are taken where they go. Cancel places nothing at all.
-enum class ImportTaken { cancel, replace, keepBoth, skip };
+// What comes in, held against what stands where it goes. twice: another of its kind and name comes in ahead of it.
+enum class ArrivalState { isNew, same, differs, twice };
+// take is of new ones alone, and replace of those that are the same or differ.
+enum class ArrivalChoice { take, replace, keepBoth, skip };
 
-struct ImportTakenQuestion {
-    std::size_t count = 0;  // of them
-    std::string names;      // UTF-8, of the first of them at least
+struct ArrivalRow {
+    std::uint32_t id = 0;     // of the item that waits
+    std::uint32_t there = 0;  // of the item whose place it would take; of one that comes twice the first; else 0
+    std::uint32_t kind = 0;
+    std::string name;      // UTF-8
+    std::string where;     // UTF-8, the folder that it goes to
+    std::string freeName;  // UTF-8, what keepBoth calls it
+    ArrivalState state = ArrivalState::isNew;
+    ArrivalChoice choice = ArrivalChoice::take;  // preset, then the user's
+};
+
+// The question what becomes of all that comes in. Not accepted, nothing comes in.
+struct ArrivalsQuestion {
+    std::vector<ArrivalRow> rows;
+    std::vector<std::string> notes;  // UTF-8, what reading the files had to tell
+    bool moves = false;              // the items are the library's own
+    bool accepted = false;
 };
 
 // The question of an export: which items go into which sort of file, and where.
@@ -60,6 +78,7 @@ struct ExportQuestion {
     std::vector<ExportCandidate> items;        // all that can be chosen, by folder and name
     std::vector<std::uint32_t> chosen;         // preset, then the choice in its order; kept by a cancelled file name
     ExportTarget target = ExportTarget::none;  // preset, then the choice
+    bool eachAlone = false;                    // a file of its own for each, and path is the folder of them
     std::string path;                          // the chosen file, in the file system's encoding; empty: cancelled
 };
 
@@ -87,7 +106,7 @@ struct UserInterface {
     void (*refreshTree)();
     bool (*leaveCurrentView)();  // false when an edited program can't be stored: the caller gives up
     void (*askImport)(ImportQuestion &question);
-    ImportTaken (*askImportTaken)(const ImportTakenQuestion &question);
+    void (*askArrivals)(ArrivalsQuestion &question);
     void (*askExport)(ExportQuestion &question);
     void (*askBitmap)(BitmapQuestion &question);
     Answer (*askItemExists)(const std::string &question);  // yes, no or cancel

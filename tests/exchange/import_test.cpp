@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "calculator/program_info.h"
 #include "drawing/plane_picture.h"
 #include "exchange/import/bitmap_import.h"
 #include "exchange/reader_calls.h"
@@ -136,44 +137,166 @@ TEST_F(Import, TransmittingQueuesWhatWasRead) {
     transmitQueueClear();
 }
 
-TEST_F(Import, NamesThatAreTakenAreAskedAboutOnceAndAllOfItIsOneStep) {
+// The items of a folder: a program with its first byte, which tells where it came from.
+std::string contentOf(ItemId folder) {
+    std::string all;
+    for (const ItemEntry &entry : storeListChildren(folder)) {
+        StoredItem item;
+        EXPECT_TRUE(storeReadItem(entry.id, item));
+        const auto info = decodeProgramInfo(item.head);
+        if (isTextKind(item.kind)) EXPECT_EQ(info->name, item.name);
+        all += item.name + (isTextKind(item.kind) ? "=" + std::string(1, static_cast<char>(item.data[1])) : "") + ", ";
+    }
+    return all;
+}
+
+TEST_F(Import, NamesThatAreTakenAreListedOnceAndAllOfItIsOneStep) {
     uiRecord.importAction = ImportAction::oneFolder;
     uiRecord.importFolder = "games";
     importText("a.cat", catProgram("ONE", "A") + catProgram("TWO", "A"));
+    EXPECT_TRUE(uiRecord.arrivals.empty()) << "what is all new isn't in the way";
     const ItemId folder = storeFindItem("games", rootId);
     storeAddItem({.name = "LIST", .parent = folder, .kind = kind::folder, .head = {}, .data = {}});
-    const auto content = [&] {
-        std::string all;
-        for (const ItemEntry &entry : storeListChildren(folder)) {
-            StoredItem item;
-            EXPECT_TRUE(storeReadItem(entry.id, item));
-            all += item.name + (isTextKind(item.kind) ? std::string(1, static_cast<char>(item.data[1])) : "") + " ";
-        }
-        return all;
-    };
     const struct {
-        ImportTaken answer;
+        std::optional<ArrivalChoice> choice;  // none: as preset
+        bool accepted;
         const char *content;
-    } rows[] = {{ImportTaken::cancel, "ONEA TWOA LIST "},
-                {ImportTaken::keepBoth, "ONEA TWOA LIST oneB THREEB LIST "},
-                {ImportTaken::skip, "ONEA TWOA LIST THREEB LIST "},
-                {ImportTaken::replace, "TWOA LIST oneB THREEB LIST "}};
+    } rows[] = {{ArrivalChoice::replace, false, "ONE=A, TWO=A, LIST, "},
+                {ArrivalChoice::skip, true, "ONE=A, TWO=A, LIST, THREE=B, LIST, "},
+                {ArrivalChoice::keepBoth, true, "ONE=A, TWO=A, LIST, one 2=B, two 2=A, THREE=B, LIST, "},
+                {std::nullopt, true, "ONE=A, TWO=A, LIST, one 2=B, THREE=B, LIST, "},
+                {ArrivalChoice::replace, true, "LIST, one=B, two=A, THREE=B, LIST, "}};
     for (const auto &row : rows) {
-        uiRecord.importTaken = row.answer;
-        uiRecord.lines.clear();
-        importText("b.cat", catProgram("one", "B") + catProgram("THREE", "B") +
+        uiRecord.arrivalChoice = row.choice;
+        uiRecord.arrivalsAccepted = row.accepted;
+        uiRecord.arrivals.clear();
+        importText("b.cat", catProgram("one", "B") + catProgram("two", "A") + catProgram("THREE", "B") +
                                 catValues("LT", "LIST", 1, 1, "Value : 1 1 2\r\n"));
-        EXPECT_EQ(content(), row.content);
-        EXPECT_EQ(std::ranges::count(uiRecord.lines, "taken 1: one"), 1) << "those of other kinds are let be";
+        EXPECT_EQ(contentOf(folder), row.content);
+        ASSERT_EQ(uiRecord.arrivals.size(), 4u);
+        std::vector<ArrivalState> states;
+        for (const ArrivalRow &arrival : uiRecord.arrivals) states.push_back(arrival.state);
+        EXPECT_THAT(states,
+                    ElementsAre(ArrivalState::differs, ArrivalState::same, ArrivalState::isNew, ArrivalState::isNew))
+            << "those of other kinds are let be";
+        EXPECT_EQ(uiRecord.arrivals[0].freeName, "one 2");
+        EXPECT_EQ(uiRecord.arrivals[0].where, "games");
         TakenBack done;
-        if (row.answer == ImportTaken::cancel) continue;
+        if (!row.accepted) continue;
         EXPECT_EQ(storeUndoOffer()->name, "b");
         ASSERT_TRUE(storeUndo(done));
-        EXPECT_EQ(content(), "ONEA TWOA LIST ");
+        EXPECT_EQ(contentOf(folder), "ONE=A, TWO=A, LIST, ");
     }
     TakenBack done;
     ASSERT_TRUE(storeUndo(done));
     EXPECT_TRUE(storeReadEntry(folder)) << "something of the user's lies in it";
+}
+
+TEST_F(Import, ManyFilesAreAskedAboutOnceAndListedTogether) {
+    std::vector<FileToImport> files;
+    for (int i = 0; i < 500; i++) {
+        const std::string name = "P" + std::to_string(i);
+        scratch.write(name + ".cat", i == 7 ? "%Header Record\r\nFo" : catProgram(name, "B"));
+        files.push_back({scratch.path + name + ".cat", name});
+    }
+    files.push_back(files[3]);  // the same file twice
+    scratch.write("other.cat", catProgram("P4", "C") + catProgram("P3", "B") + catProgram("P3", "D"));
+    files.push_back({scratch.path + "other.cat", "other"});
+    files.push_back({scratch.path + "missing.cat", "missing"});
+    int asked = 0;
+    uiRecord.arrivalChoice.reset();
+    uiRecord.answerImport = [&](ImportQuestion &question) {
+        asked++;
+        EXPECT_EQ(question.filesLeft, 502u);
+        question.action = ImportAction::oneFolder;
+        question.folderName = "all";
+        question.forAll = true;
+    };
+    importFiles(files);
+    EXPECT_EQ(asked, 1);
+    EXPECT_TRUE(uiRecord.boxes.empty());
+    ASSERT_EQ(uiRecord.notes.size(), 2u);
+    EXPECT_THAT(uiRecord.notes[0], HasSubstr("P7: "));
+    EXPECT_THAT(uiRecord.notes[1], HasSubstr("missing: "));
+    ASSERT_EQ(uiRecord.arrivals.size(), 503u);
+    EXPECT_EQ(uiRecord.arrivals[499].state, ArrivalState::twice);
+    const ItemId folder = storeFindItem("all", rootId);
+    const std::vector<std::string> names = namesIn(folder);
+    EXPECT_EQ(names.size(), 501u) << "of the same only one";
+    EXPECT_EQ(uiRecord.arrivals.back().freeName, "P3 4");
+    EXPECT_EQ(std::ranges::count(names, "P3"), 1);
+    const std::string all = contentOf(folder);
+    for (const char *one : {"P4=B, ", "P4 2=C, ", "P3 4=D, "}) EXPECT_THAT(all, HasSubstr(one));
+    TakenBack done;
+    ASSERT_TRUE(storeUndo(done));
+    EXPECT_EQ(done.step.name, "P0 ...");
+    EXPECT_EQ(storeFindItem("all", rootId), noItem) << "all files are one step";
+}
+
+TEST_F(Import, AnAnswerForAllCancelsAllAndAFullLibraryTellsWhatWasLeft) {
+    std::vector<FileToImport> files;
+    for (const std::string name : {"A", "B", "C", "D"}) {
+        scratch.write(name + ".cat", catProgram(name));
+        files.push_back({scratch.path + name + ".cat", name});
+    }
+    int asked = 0;
+    uiRecord.answerImport = [&](ImportQuestion &question) {
+        question.action = asked++ == 0 ? ImportAction::standardFolders : ImportAction::none;
+        question.forAll = asked == 2;
+    };
+    importFiles(files);
+    EXPECT_EQ(asked, 2);
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("A")) << "what was answered ahead of it comes in";
+    storeResetTemp();
+    ASSERT_FALSE(storeAddItems(std::vector<NewItem>(storeSlotCount - storeListItems().size() - 2,
+                                                    {.name = "X", .head = {}, .data = {}}))
+                     .empty());
+    uiRecord.answerImport = [](ImportQuestion &question) { question.forAll = true; };
+    uiRecord.arrivals.clear();
+    importFiles(files);
+    ASSERT_EQ(uiRecord.arrivals.size(), 2u);
+    ASSERT_EQ(uiRecord.notes.size(), 2u);
+    EXPECT_EQ(uiRecord.notes[0], "C: " + wording(Text::storeFull));
+    EXPECT_EQ(uiRecord.notes[1], wording(Text::importFilesLeft, {"1"}));
+}
+
+TEST_F(Import, ManyThatTakeThePlaceOfOthersNeedNoMoreRoomThanOneFile) {
+    const ItemId programs = storeStandardFolder(1001);
+    std::vector<FileToImport> files;
+    for (const std::string name : {"A", "B", "C", "D"}) {
+        scratch.write(name + ".cat", catProgram(name, "new"));
+        files.push_back({scratch.path + name + ".cat", name});
+        storeAddItem({.name = name, .parent = programs, .kind = kind::program, .head = {}, .data = {':', 'o'}});
+    }
+    storeTempFolder();
+    ASSERT_FALSE(storeAddItems(std::vector<NewItem>(storeSlotCount - storeListItems().size() - 1,
+                                                    {.name = "X", .head = {}, .data = {}}))
+                     .empty());
+    uiRecord.importAction = ImportAction::standardFolders;
+    uiRecord.arrivalChoice = ArrivalChoice::replace;
+    importFiles(files);
+    EXPECT_TRUE(uiRecord.boxes.empty());
+    EXPECT_EQ(contentOf(programs), "A=n, B=n, C=n, D=n, ");
+}
+
+TEST_F(Import, WhatChangesWhileTheListIsOpenIsSeen) {
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("a.cat", catProgram("ONE", "A"));
+    const ItemId programs = storeStandardFolder(1001);
+    const auto addHere = [&](const std::string &name) {
+        return storeAddItem({.name = name, .parent = programs, .kind = kind::program, .head = {}, .data = {':', 'X'}});
+    };
+    uiRecord.arrivalChoice = ArrivalChoice::replace;
+    uiRecord.whileListed = [&] {
+        storeDelete(storeFindItem("ONE", programs));
+        addHere("TWO");  // as a calculator would send it
+        ASSERT_TRUE(storeDelete(uiRecord.arrivals[2].id));
+    };
+    importText("b.cat", catProgram("ONE", "B") + catProgram("TWO", "B") + catProgram("THREE", "B"));
+    const std::vector<std::string> names = namesIn(programs);
+    EXPECT_THAT(names, testing::UnorderedElementsAre("ONE", "TWO", "TWO 2")) << "nothing unseen is replaced";
+    ASSERT_EQ(uiRecord.boxes.size(), 1u);
+    EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::importGone);
 }
 
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {

@@ -14,6 +14,7 @@
 #include "shell/editor/find_dialog.h"
 #include "shell/editor/password_dialog.h"
 #include "shell/editor/statement_marks.h"
+#include "shell/library/arrivals_dialog.h"
 #include "shell/parts/scale.h"
 #include "shell/parts/status_bar.h"
 #include "shell/run/keypad_skin.h"
@@ -36,10 +37,25 @@ void openImport() {
     ImportQuestion question;
     question.itemNames = std::vector<std::string>(40, "PROGRAM");
     question.folderName = "A folder's name";
+    question.filesLeft = 499;
     askImport(question);
 }
 
-void openTaken() { askImportTaken({.count = 40, .names = "ABCDEFGH, BCDEFGHI, CDEFGHIJ, DEFGHIJK, ..."}); }
+void openArrivals() {
+    ArrivalsQuestion question;
+    for (const ArrivalState state :
+         {ArrivalState::isNew, ArrivalState::same, ArrivalState::differs, ArrivalState::twice})
+        question.rows.push_back({.id = 9,
+                                 .there = 8,
+                                 .kind = kind::program,
+                                 .name = "PROGRAM",
+                                 .where = "A folder's name",
+                                 .freeName = "PROGRAM2",
+                                 .state = state,
+                                 .choice = ArrivalChoice::keepBoth});
+    question.notes = std::vector<std::string>(300, "file: what can't be read of it");
+    askArrivals(question);
+}
 
 void openExport() {
     ExportQuestion question;
@@ -60,7 +76,7 @@ constexpr std::pair<const char *, void (*)()> dialogs[] = {
     {"port", choosePort},
     {"export", openExport},
     {"import", openImport},
-    {"names taken", openTaken},
+    {"arrivals", openArrivals},
     {"bitmap", openBitmap},
     {"exists", [] { askItemExists("Program SNAKE is on the calculator. Replace it?"); }},
     {"slot", [] { askPictureSlot("A picture", 3); }},

@@ -27,13 +27,19 @@ void recordImport(ImportQuestion &question) {
     std::string line = "import";
     for (const std::string &name : question.itemNames) line += " " + name;
     uiRecord.lines.push_back(line);
+    if (uiRecord.answerImport) return uiRecord.answerImport(question);
     question.action = uiRecord.importAction;
     if (!uiRecord.importFolder.empty()) question.folderName = uiRecord.importFolder;
 }
 
-ImportTaken recordTaken(const ImportTakenQuestion &question) {
-    uiRecord.lines.push_back("taken " + std::to_string(question.count) + ": " + question.names);
-    return uiRecord.importTaken;
+void recordArrivals(ArrivalsQuestion &question) {
+    for (ArrivalRow &row : question.rows) {
+        uiRecord.arrivals.push_back(row);
+        if (row.state != ArrivalState::isNew && uiRecord.arrivalChoice) row.choice = *uiRecord.arrivalChoice;
+    }
+    uiRecord.notes = question.notes;
+    if (uiRecord.whileListed) uiRecord.whileListed();
+    question.accepted = uiRecord.arrivalsAccepted;
 }
 
 void recordBitmap(BitmapQuestion &question) {
@@ -57,7 +63,7 @@ RecordedUi::RecordedUi() {
     userInterface.refreshTree = [] { recordLine("tree"); };
     userInterface.leaveCurrentView = [] { return uiRecord.leaveAllowed; };
     userInterface.askImport = recordImport;
-    userInterface.askImportTaken = recordTaken;
+    userInterface.askArrivals = recordArrivals;
     userInterface.askBitmap = recordBitmap;
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,11 +16,16 @@ struct UiRecord {
     std::vector<Box> boxes;
     std::deque<Answer> answers;  // taken from the front, "cancel" when empty
     bool leaveAllowed = true;
-    ImportAction importAction = ImportAction::none;   // the answer to the import question
-    std::string importFolder;                         // typed into it unless empty
-    ImportQuestion lastQuestion;                      // as it was asked
-    ImportTaken importTaken = ImportTaken::keepBoth;  // the answer to the question about names that are taken
-    bool bitmapAccepted = false;                      // the answer to the bitmap question
+    ImportAction importAction = ImportAction::none;                        // the answer to the import question
+    std::string importFolder;                                              // typed into it unless empty
+    ImportQuestion lastQuestion;                                           // as it was asked
+    std::vector<ArrivalRow> arrivals;                                      // as they were listed, of all lists
+    std::vector<std::string> notes;                                        // of the last list
+    std::optional<ArrivalChoice> arrivalChoice = ArrivalChoice::keepBoth;  // for all that aren't new; none: as preset
+    bool arrivalsAccepted = true;
+    std::function<void()> whileListed;
+    std::function<void(ImportQuestion &)> answerImport;  // in the place of action and folder
+    bool bitmapAccepted = false;                         // the answer to the bitmap question
     RasterType bitmapType = RasterType::image;
     BitmapQuestion lastBitmap;  // as it was asked
 };

@@ -7,13 +7,12 @@
 #include "calculator/charset.h"
 #include "exchange/import/bitmap_import.h"
 #include "exchange/import/import_formats.h"
-#include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
 #include "link/transmit_queue.h"
 #include "platform/files.h"
-#include "platform/letter_case.h"
 #include "platform/thread_role.h"
 #include "store/item_store.h"
+#include "store/items/arrivals.h"
 #include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
@@ -50,20 +49,26 @@ std::string storedName(const std::string &name, const std::string &baseName) {
 struct Parked {
     std::string fileName;  // UTF-8, without its ending
     std::vector<ItemId> ids;
+    ImportQuestion answer;
 };
 
-// Parks what the file holds: all of it in one change of the library, or nothing.
-ImportReport readItems(ByteView file, ItemReader reader, Parked &parked) {
-    const std::string &baseName = parked.fileName;
-    const ItemId folder = storeTempFolder();
-    ImportReport report;
-    if (folder == noItem) return report;
+// Files that are imported together.
+struct Import {
+    std::vector<Parked> parked;           // that are to come into the library
+    std::vector<ItemId> toTransmit;       // that are to be sent
+    std::optional<ImportQuestion> given;  // the answer for all files to come
+    std::vector<std::string> notes;       // what was to be told since then
+    bool alwaysLists = false;
+    bool cancelled = false;
+};
+
+// What the file holds.
+std::vector<NewItem> itemsOf(ByteView file, ItemReader reader, const std::string &baseName, ImportReport &report) {
     std::vector<NewItem> items;
     ShownProgress progress(file.size());
     const ItemSink sink = [&](ImportedItem &item) {
         progress.step(report.place);
         items.push_back({.name = storedName(item.name, baseName),
-                         .parent = folder,
                          .kind = item.itemKind,
                          .head = std::move(item.head),
                          .data = std::move(item.data),
@@ -72,8 +77,7 @@ ImportReport readItems(ByteView file, ItemReader reader, Parked &parked) {
     };
     reader(file, sink, report);
     if (items.empty() && report.messages.empty()) addMessage(report, Text::importNothing, {baseName});
-    if (!items.empty()) parked.ids = storeAddItems(items);
-    return report;
+    return items;
 }
 
 // "/NAME/" in calculator codes; a name of nothing is the top level. Names cut at the limit.
@@ -94,127 +98,203 @@ ItemId targetOf(ItemKind itemKind, const ImportQuestion &answer, bool create) {
     return found == items.end() ? noItem : found->id;
 }
 
-// One of those to be placed, with what bears its name where it goes.
-struct Arrival {
-    ItemEntry entry;
-    ItemId target = noItem;
-    std::vector<ItemId> taken = {};
-};
-
-// Kinds share folders, so each kind is looked up once.
-std::vector<Arrival> arrivalsOf(const Parked &parked, const ImportQuestion &answer) {
-    struct Target {
-        ItemId folder = noItem;
-        std::vector<ItemEntry> items;
-    };
-    std::map<ItemKind, Target> targets;
-    std::vector<Arrival> arrivals;
-    for (const ItemId id : parked.ids) {
-        const auto entry = storeReadEntry(id);
-        if (!entry) continue;
-        const auto [target, isNew] = targets.try_emplace(entry->kind);
-        if (isNew) target->second.folder = targetOf(entry->kind, answer, false);
-        if (isNew && target->second.folder != noItem) target->second.items = storeListChildren(target->second.folder);
-        Arrival &arrival = arrivals.emplace_back(Arrival{*entry});
-        for (const ItemEntry &other : target->second.items)
-            if (other.kind == entry->kind && equalWithoutCase(other.name, entry->name))
-                arrival.taken.push_back(other.id);
-    }
-    return arrivals;
+// How the list calls that folder.
+std::string whereOf(ItemKind itemKind, ItemId folder, const ImportQuestion &answer) {
+    if (folder == rootId) return wording(Text::libraryTree);
+    if (answer.action == ImportAction::oneFolder) return answer.folderName;
+    if (const auto entry = storeReadEntry(folder)) return utf8FromCalculator(entry->name);
+    return wording(standardFolderName(standardFolderOfKind(itemKind)));
 }
 
-// Moves them, in one change; the replaced ones go once that is done. False when they stay where the next attempt finds
-// them.
-bool place(const std::vector<Arrival> &arrivals, const ImportQuestion &answer, bool replace) {
-    std::map<ItemKind, ItemId> targets;
-    std::vector<ItemMove> moves;
-    std::vector<ItemId> replaced;
-    for (const Arrival &arrival : arrivals) {
-        const auto [target, isNew] = targets.try_emplace(arrival.entry.kind, noItem);
-        if (isNew) target->second = targetOf(arrival.entry.kind, answer, true);
-        if (target->second == noItem) return false;
-        moves.push_back({arrival.entry.id, target->second});
-        for (const ItemId id : arrival.taken)
-            if (replace && std::ranges::find(replaced, id) == replaced.end()) replaced.push_back(id);
+// All that is to come into the library, each with its folder; nothing where one can't be made.
+std::vector<Arriving> arrivingOf(const Import &import, bool create) {
+    std::vector<Arriving> arriving;
+    for (std::size_t batch = 0; batch < import.parked.size(); batch++) {
+        const Parked &parked = import.parked[batch];
+        std::map<ItemKind, ItemId> folders;  // kinds share them, so each is looked up once
+        for (const ItemId id : parked.ids) {
+            const auto entry = storeReadEntry(id);
+            if (!entry) continue;
+            const auto [place, isNew] = folders.try_emplace(entry->kind, noItem);
+            if (isNew) place->second = targetOf(entry->kind, parked.answer, create);
+            if (create && place->second == noItem) return {};
+            arriving.push_back({id, place->second, whereOf(entry->kind, place->second, parked.answer), batch, {}});
+        }
     }
-    if (!moves.empty() && !storeMoveItems(moves)) return false;
-    return replaced.empty() || storeDeleteItems(replaced);
+    return arriving;
 }
 
-// Asks once for all whose names are taken.
-ImportTaken askTaken(const std::vector<Arrival> &arrivals) {
-    std::vector<std::string> names;
+void tellCounts(const ArrivalCounts &counts) {
+    const std::pair<Text, std::size_t> parts[] = {{Text::importReplaced, counts.replaced},
+                                                  {Text::importKeptBeside, counts.renamed},
+                                                  {Text::importSkipped, counts.skipped}};
+    std::string line;
+    for (const auto &[text, count] : parts)
+        if (count > 0) line += (line.empty() ? "" : "; ") + wording(text, {std::to_string(count)});
+    if (!line.empty()) userInterface.statusText(StatusPart::item, Text::none, line);
+}
+
+// Shows what comes in where there is something to choose or to tell. False when it was cancelled.
+bool askArrivals(std::vector<Arrival> &arrivals, const Import &import) {
+    if (!import.alwaysLists && import.notes.empty() && !anyTaken(arrivals)) return true;
+    ArrivalsQuestion question{.rows = {arrivals.begin(), arrivals.end()}, .notes = import.notes};
+    userInterface.askArrivals(question);
+    for (std::size_t i = 0; i < arrivals.size(); i++) arrivals[i].choice = question.rows[i].choice;
+    return question.accepted;
+}
+
+// With the folders that they go to: one of them may have been made, or gone, while the list was open.
+bool placeChosen(const std::vector<Arrival> &arrivals, Import import) {
+    std::map<ItemId, ArrivalChoice> chosen;
     for (const Arrival &arrival : arrivals)
-        if (!arrival.taken.empty()) names.push_back(utf8FromCalculator(arrival.entry.name));
-    if (names.empty()) return ImportTaken::keepBoth;
-    const ImportTaken taken = userInterface.askImportTaken({names.size(), listOfNames(names)});
-    const std::string count = std::to_string(names.size());
-    if (taken == ImportTaken::replace) statusLine(StatusPart::item, Text::importReplaced, {count});
-    if (taken == ImportTaken::keepBoth) statusLine(StatusPart::item, Text::importKeptBoth, {count});
-    if (taken == ImportTaken::skip) statusLine(StatusPart::item, Text::importSkipped, {count});
-    return taken;
+        if (arrival.choice != ArrivalChoice::skip) chosen[arrival.id] = arrival.choice;
+    for (Parked &parked : import.parked) std::erase_if(parked.ids, [&](ItemId id) { return !chosen.contains(id); });
+    std::vector<Arriving> arriving = arrivingOf(import, true);
+    for (Arriving &item : arriving)
+        item.wanted = std::ranges::find(arrivals, item.id, [](const Arrival &shown) { return shown.id; })->freeCodes;
+    const bool anyThere =
+        std::ranges::any_of(chosen, [](const auto &item) { return storeReadEntry(item.first).has_value(); });
+    if (arriving.empty() && anyThere) return false;  // a folder can't be made
+    std::vector<Arrival> placed = planArrivals(arriving);
+    for (Arrival &arrival : placed) arrival.choice = chosen[arrival.id];
+    ArrivalCounts counts;
+    if (!placeArrivals(placed, counts)) return false;
+    counts.skipped = arrivals.size() - chosen.size();
+    tellCounts(counts);
+    if (placed.size() < chosen.size()) tellUser(Text::importGone, {std::to_string(chosen.size() - placed.size())});
+    return true;
 }
 
-void placeItems(const Parked &parked, const ImportQuestion &answer) {
-    std::vector<Arrival> arrivals = arrivalsOf(parked, answer);
-    const ImportTaken taken = askTaken(arrivals);
-    if (taken == ImportTaken::cancel) return;
-    if (taken == ImportTaken::skip) std::erase_if(arrivals, [](const Arrival &item) { return !item.taken.empty(); });
+// False when the user has cancelled it.
+bool placeItems(const Import &import) {
+    std::vector<Arrival> arrivals = planArrivals(arrivingOf(import, false));
+    if (arrivals.empty() && import.notes.empty()) return true;
+    if (!askArrivals(arrivals, import)) return false;
+    if (arrivals.empty()) return true;
     {
-        const UndoGroup group(UndoAct::import, calculatorName(parked.fileName));
-        if (place(arrivals, answer, taken == ImportTaken::replace)) storeTidyTemp(transmitQueueHeld());
+        const std::string &first = import.parked.front().fileName;
+        const UndoGroup group(UndoAct::import, calculatorName(import.parked.size() > 1 ? first + " ..." : first));
+        if (placeChosen(arrivals, import)) {
+            std::vector<ItemId> kept = transmitQueueHeld();
+            kept.insert(kept.end(), import.toTransmit.begin(), import.toTransmit.end());
+            storeTidyTemp(kept);
+        }
     }
     userInterface.refreshTree();
+    return true;
 }
 
-void transmitItems(const Parked &parked) {
+// What takes the place of others needs room beside them only as long as it waits: so much as fits comes in at a time.
+bool makeRoom(Import &import, std::size_t count) {
+    if (import.parked.empty() || storeListItems().size() + count <= storeSlotCount) return true;
+    import.cancelled = !placeItems(import);
+    import.parked.clear();
+    import.notes.clear();
+    return !import.cancelled;
+}
+
+void transmitItems(const std::vector<ItemId> &ids) {
+    if (ids.empty()) return;
     if (!transmitAvailable()) {
         tellUser(Text::importNoTransmission);
         return;
     }
-    queueItems(parked.ids);
+    queueItems(ids);
     beginTransmit();
 }
 
-void askWhereTo(const Parked &parked) {
-    ImportQuestion question{.itemNames = {}, .folderName = importFolderName};
-    for (const ItemId id : parked.ids)
-        if (const auto entry = storeReadEntry(id)) question.itemNames.push_back(utf8FromCalculator(entry->name));
-    const bool several = question.itemNames.size() >= 2;
-    question.action = several ? ImportAction::oneFolder : ImportAction::standardFolders;
-    userInterface.askImport(question);
-    if (question.action == ImportAction::none) return;
-    if (question.action == ImportAction::transmit) return transmitItems(parked);
-    if (question.action == ImportAction::oneFolder) importFolderName = question.folderName;
-    placeItems(parked, question);
+// False when nothing more is to be asked or read.
+bool askWhereTo(Parked parked, std::size_t filesLeft, Import &import) {
+    ImportQuestion question{.itemNames = {}, .folderName = importFolderName, .filesLeft = filesLeft};
+    if (import.given) {
+        question = *import.given;
+    } else {
+        for (const ItemId id : parked.ids)
+            if (const auto entry = storeReadEntry(id)) question.itemNames.push_back(utf8FromCalculator(entry->name));
+        const bool several = question.itemNames.size() >= 2;
+        question.action = several ? ImportAction::oneFolder : ImportAction::standardFolders;
+        userInterface.askImport(question);
+        if (question.forAll) import.given = question;
+        if (question.action == ImportAction::oneFolder) importFolderName = question.folderName;
+    }
+    parked.answer = question;
+    if (question.action == ImportAction::none) return !question.forAll;
+    if (question.action == ImportAction::transmit)
+        import.toTransmit.insert(import.toTransmit.end(), parked.ids.begin(), parked.ids.end());
+    else
+        import.parked.push_back(std::move(parked));
+    return true;
+}
+
+// Parks what the file holds. False when the library took none of it.
+bool readFile(const FileToImport &source, Parked &parked, Import &import) {
+    Bytes file;
+    const FileResult result = readWholeFile(source.path, file, importFileLimit);
+    if (result != FileResult::done) {
+        showBox(Text::importNotOpened,
+                wording(fileTrouble(result), {source.path, std::to_string(importFileLimit >> 20)}));
+        return true;
+    }
+    importFolderName = source.baseName;
+    ByteView rest = file;
+    const ImportFormat *format = importFormatOf(rest);
+    if (format == nullptr) {
+        showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {source.path}) : source.path);
+        return true;
+    }
+    if (format->read == nullptr) {
+        // A refused or unreadable picture ends the import.
+        const ItemId picture = importBitmap(file, source.path, source.baseName);
+        if (picture != noItem) parked.ids = {picture};
+        return true;
+    }
+    ImportReport report;
+    std::vector<NewItem> items = itemsOf(rest, format->read, source.baseName, report);
+    if (!items.empty() && makeRoom(import, items.size())) {
+        const ItemId folder = storeTempFolder();  // made anew whenever it was emptied
+        for (NewItem &item : items) item.parent = folder;
+        if (folder != noItem) parked.ids = storeAddItems(items);
+    }
+    showReport(report);
+    return items.empty() || !parked.ids.empty();
+}
+
+// Once an answer holds for all, boxes would come by the hundred: they become notes of the list.
+bool readForAll(const FileToImport &source, Parked &parked, Import &import) {
+    HoldBoxes hold;
+    const bool isTaken = readFile(source, parked, import);
+    for (const Box &box : hold.boxes) import.notes.push_back(source.baseName + ": " + box.body);
+    hold.boxes.clear();
+    return isTaken;
+}
+
+void readAll(const std::vector<FileToImport> &files, const ImportWays &ways, Import &import) {
+    for (std::size_t i = 0; i < files.size(); i++) {
+        if (ways.starts != nullptr) ways.starts(files[i].path);
+        const std::size_t left = files.size() - i - 1;
+        Parked parked{.fileName = files[i].baseName, .ids = {}, .answer = {}};
+        const bool isTaken = import.given ? readForAll(files[i], parked, import) : readFile(files[i], parked, import);
+        if (import.cancelled) return;
+        if (!isTaken && import.given) {  // a library that is full takes none of the others either
+            if (left > 0) import.notes.push_back(wording(Text::importFilesLeft, {std::to_string(left)}));
+            return;
+        }
+        if (!parked.ids.empty() && !askWhereTo(std::move(parked), left, import)) return;
+    }
 }
 
 }  // namespace
 
-void importFile(const std::string &path, const std::string &baseName) {
+void importFiles(const std::vector<FileToImport> &files, const ImportWays &ways) {
     assertRole(ThreadRole::graphical);
     if (!userInterface.leaveCurrentView() || !storeResetTemp(transmitQueueHeld())) return;
-    Bytes file;
-    const FileResult result = readWholeFile(path, file, importFileLimit);
-    if (result != FileResult::done)
-        return showBox(Text::importNotOpened,
-                       wording(fileTrouble(result), {path, std::to_string(importFileLimit >> 20)}));
-    importFolderName = baseName;
-    ByteView rest = file;
-    const ImportFormat *format = importFormatOf(rest);
-    if (format == nullptr)
-        return showBox(Text::importTypeUnknown, file.empty() ? wording(Text::fileEmpty, {path}) : path);
-    Parked parked{.fileName = baseName, .ids = {}};
-    if (format->read == nullptr) {
-        // A refused or unreadable picture ends the import.
-        const ItemId picture = importBitmap(file, path, baseName);
-        if (picture == noItem) return;
-        parked.ids = {picture};
-        return askWhereTo(parked);
-    }
-    showReport(readItems(rest, format->read, parked));
-    if (!parked.ids.empty()) askWhereTo(parked);
+    Import import{.alwaysLists = ways.alwaysLists};
+    readAll(files, ways, import);
+    if (!import.cancelled) placeItems(import);
+    transmitItems(import.toTransmit);
 }
+
+void importFile(const std::string &path, const std::string &baseName) { importFiles({{path, baseName}}); }
 
 std::string importBaseName(const std::string &path) {
     const std::string name = path.substr(path.find_last_of('/') + 1);

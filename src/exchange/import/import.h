@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "telling/user_interface.h"
 
@@ -13,9 +14,20 @@ inline constexpr std::size_t importFolderNameLimit = 300;
 
 extern std::string importFolderName;  // UTF-8; written at the start of each import, edited by the question
 
-// Imports the file at path; baseName (UTF-8) stands for it as folder name. All outcome is told to the user. What an
-// earlier import has parked goes, unless it waits for its transmission. What comes into the library is taken back in
-// one step.
+struct FileToImport {
+    std::string path;
+    std::string baseName;  // UTF-8; stands for it as folder name
+};
+
+struct ImportWays {
+    void (*starts)(const std::string &path) = nullptr;  // told ahead of each file
+    bool alwaysLists = false;                           // also what is all new is shown ahead
+};
+
+// Imports files: each is asked about, unless an answer was given for all, and what comes in is shown ahead as one list
+// where names are taken or there was something to tell. All outcome is told to the user. What an earlier import has
+// parked goes, unless it waits for its transmission. All that comes into the library is taken back in one step.
+void importFiles(const std::vector<FileToImport> &files, const ImportWays &ways = {});
 void importFile(const std::string &path, const std::string &baseName);
 
 // A file's name without folder and last ending.

@@ -16,6 +16,7 @@
 #include "shell/dialogs/import_dialog.h"
 #include "shell/dialogs/link_dialogs.h"
 #include "shell/dialogs/worker_dialogs.h"
+#include "shell/library/arrivals_dialog.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -121,7 +122,7 @@ void installUserInterface() {
     userInterface.refreshTree = refreshTree;
     userInterface.leaveCurrentView = leaveView;
     userInterface.askImport = askImport;
-    userInterface.askImportTaken = askImportTaken;
+    userInterface.askArrivals = askArrivals;
     userInterface.askItemExists = askItemExists;
     userInterface.askPictureSlot = askPictureSlot;
     userInterface.transmitQueueChanged = queueMarked;

@@ -1,5 +1,6 @@
 #include "shell/dialogs/import_dialog.h"
 
+#include <QCheckBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QGroupBox>
@@ -80,30 +81,16 @@ void askImport(ImportQuestion &question) {
     auto *layout = new QVBoxLayout(&dialog);
     layout->addWidget(itemsBox(question));
     layout->addWidget(choicesBox(question, controls));
+    auto *forAll = new QCheckBox(textOf(Text::importForAll, {std::to_string(question.filesLeft)}));
+    forAll->setToolTip(textOf(Text::tipImportForAll));
+    forAll->setVisible(question.filesLeft > 0);
+    layout->addWidget(forAll);
     layout->addWidget(dialogButtons(&dialog));
     dialog.resize(dialog.sizeHint().expandedTo(QSize(360, 380) * textScale()));
     const bool accepted = runDialog(dialog) == QDialog::Accepted;
     question.action = accepted ? chosen(controls) : ImportAction::none;
     question.folderName = controls.folder->text().toStdString();
-}
-
-ImportTaken askImportTaken(const ImportTakenQuestion &question) {
-    QMessageBox box(QMessageBox::Question, boxTitle(false),
-                    textOf(Text::importTaken, {std::to_string(question.count), question.names}), QMessageBox::NoButton,
-                    mainWindow);
-    box.setTextFormat(Qt::PlainText);
-    // Replace isn't the first: ahead of two buttons that accept, Qt leaves it and Cancel out of what Tab reaches.
-    const std::pair<QPushButton *, ImportTaken> buttons[] = {
-        {box.addButton(textOf(Text::keepBoth), QMessageBox::AcceptRole), ImportTaken::keepBoth},
-        {box.addButton(textOf(Text::skip), QMessageBox::AcceptRole), ImportTaken::skip},
-        {box.addButton(textOf(Text::replace), QMessageBox::DestructiveRole), ImportTaken::replace},
-        {box.addButton(textOf(Text::cancel), QMessageBox::RejectRole), ImportTaken::cancel}};
-    box.setDefaultButton(buttons[0].first);
-    box.setEscapeButton(buttons[3].first);
-    runDialog(box);
-    for (const auto &[button, taken] : buttons)
-        if (box.clickedButton() == button) return taken;
-    return ImportTaken::cancel;
+    question.forAll = question.filesLeft > 0 && forAll->isChecked();
 }
 
 }  // namespace numalink

@@ -6,6 +6,5 @@
 namespace numalink {
 
 void askImport(ImportQuestion &question);
-ImportTaken askImportTaken(const ImportTakenQuestion &question);
 
 }  // namespace numalink

@@ -24,7 +24,7 @@ constexpr HelpRow helpRows[] = {
     {"passwordDialog", "editing"},    {"slotDialog", "communication"},  {"existsDialog", "communication"},
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
     {"reportDialog", "trouble"},      {"searchWindow", "finding"},      {"compareDialog", "finding"},
-    {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},
+    {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},  {"arrivalsDialog", "files"},
 };
 
 QString pageOf(const QDialog *dialog) {

@@ -52,7 +52,11 @@ void findFreeName(Arrival &arrival, Folder &folder) {
     const ItemId parent = arrival.from.folder;
     const auto given = [&](std::string_view name) { return folder.givenNames.contains(foldCase(name)); };
     // The root has names that such a folder doesn't: a name is free in it all the same.
-    arrival.freeCodes = storeFreeName(arrival.codes, parent == noItem ? noItem - 1 : parent, arrival.kind, given);
+    const ItemId place = parent == noItem ? noItem - 1 : parent;
+    std::string &wanted = arrival.from.wanted;
+    const bool isFree = !wanted.empty() && !given(wanted) && !storeItemExists(wanted, place);
+    if (!isFree) wanted = storeFreeName(arrival.codes, place, arrival.kind, given);
+    arrival.freeCodes = wanted;
     arrival.freeName = utf8FromCalculator(arrival.freeCodes);
     folder.givenNames.insert(foldCase(arrival.freeCodes));
 }

@@ -17,6 +17,7 @@ struct Arriving {
     ItemId folder = noItem;
     std::string where;      // UTF-8, the folder's path; tells apart those that aren't made yet
     std::size_t batch = 0;  // what comes from one file: its items are not held against each other
+    std::string wanted;     // calculator codes, the free name that was told; another one where it is taken by now
 };
 
 struct Arrival : ArrivalRow {
