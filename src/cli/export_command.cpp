@@ -18,7 +18,7 @@ struct ExportOptions {
     std::string file;
     std::vector<std::string> items;
     std::string texts;
-    bool replace = false;
+    bool replace = false, each = false;
 };
 
 int runExport(const ExportOptions &options) {
@@ -32,8 +32,7 @@ int runExport(const ExportOptions &options) {
         job.ids.push_back(findItem(item));
         if (job.ids.back() == noItem) return commandFailed("no item " + item);
     }
-    if (!exportItems(job)) return exitFailed;
-    return exitDone;
+    return (options.each ? exportEach(job) : exportItems(job)) ? exitDone : exitFailed;
 }
 
 }  // namespace
@@ -47,7 +46,8 @@ CommandRun declareExport(CLI::App &command) {
     command.add_option(
         "--text", options->texts,
         "Bring this folder of texts in step with the programs of the library, instead of writing a file");
-    command.add_flag("--replace", options->replace, "Replace a file that exists");
+    command.add_flag("--each", options->each, "FILE is a folder, and each item gets a file of its own in it");
+    command.add_flag("--replace", options->replace, "Replace files that exist");
     return [options] { return runExport(*options); };
 }
 

@@ -11,6 +11,7 @@
 #include "cli/commands.h"
 #include "cli/library_session.h"
 #include "cli/text_index.h"
+#include "exchange/export/file_names.h"
 #include "platform/files.h"
 #include "platform/letter_case.h"
 #include "search/search.h"

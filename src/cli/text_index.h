@@ -32,8 +32,6 @@ std::uint64_t digestOf(ByteView bytes);
 std::optional<std::vector<TextRecord>> readTextIndex(const std::string &folder);
 bool writeTextIndex(const std::string &folder, const std::vector<TextRecord> &records);
 
-// A name, in UTF-8, as every system takes it for a file's: without what separates, hides or is reserved.
-std::string safeFileName(std::string_view name);
 std::string textEnding(ItemKind itemKind);          // ".txt"; ".fm.txt" for a function memory
 ItemKind kindOfTextFile(std::string_view file);     // kind::none for what is no text of ours
 std::string nameOfTextFile(std::string_view file);  // without folders and ending

@@ -146,13 +146,13 @@ bool beginTransmit() {
     return true;
 }
 
-void queueAndTell(ItemId id) {
-    queueItem(id);
+void queueAndTell(const std::vector<ItemId> &ids) {
+    queueItems(ids);
     if (!attentionIsOut() && !conversationRuns) tellWaiting();
 }
 
-bool queueAndBegin(ItemId id) {
-    queueItem(id);
+bool queueAndBegin(const std::vector<ItemId> &ids) {
+    queueItems(ids);
     if (attentionIsOut() || beginTransmit()) return true;
     if (!conversationRuns) tellWaiting();
     return false;

@@ -35,8 +35,10 @@ bool beginTransmit();
 // Graphical thread: the commands "queue" and "transmit". Both end with a line that tells what waits, unless a
 // transmission is on its way. A folder of which only a part can go is queued and sent in part. False when nothing was
 // begun.
-void queueAndTell(ItemId id);
-bool queueAndBegin(ItemId id);
+void queueAndTell(const std::vector<ItemId> &ids);
+bool queueAndBegin(const std::vector<ItemId> &ids);
+inline void queueAndTell(ItemId id) { queueAndTell(std::vector{id}); }
+inline bool queueAndBegin(ItemId id) { return queueAndBegin(std::vector{id}); }
 
 // What waits, by number and first names, for the status bar; empty when nothing does.
 std::string waitingText();

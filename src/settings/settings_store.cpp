@@ -47,6 +47,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::indentLines, "1"},
     {setting::completeWhileTyping, "1"},
     {setting::codePanes, ""},
+    {setting::treeOrder, "name"},
     {setting::memoryCfx, "28000"},
     {setting::memoryAlgebra, "144000"},
 };

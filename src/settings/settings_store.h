@@ -47,6 +47,7 @@ inline constexpr char codePanes[] = "Numalink.Settings.Editor.Panes";      // le
 inline constexpr char memoryCfx[] = "Numalink.Settings.Editor.MemoryCfx";  // bytes that a calculator has for programs
 inline constexpr char memoryAlgebra[] = "Numalink.Settings.Editor.MemoryAlgebra";
 inline constexpr char lastExportType[] = "Numalink.Settings.Export.LastExportType";
+inline constexpr char treeOrder[] = "Numalink.Settings.Main.TreeOrder";  // name, kind, size or time
 inline constexpr char language[] = "Numalink.Settings.Main.Language";
 
 // The port is a device's path or COM1 to COM4, or one of the words below. A word for none, since a file without a value

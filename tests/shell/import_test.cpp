@@ -45,10 +45,52 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(CommandId::find));
     shown.clear();
     answer("Return");
-    answer(wording(Text::skip));
+    answer("Return");
     dropFiles({"Two Games.CAT"});
-    EXPECT_EQ(shown.size(), 2u) << "one question for both names";
-    EXPECT_EQ(storeListChildren(games).size(), 2u);
+    EXPECT_EQ(shown.size(), 2u) << "one list for both names";
+    EXPECT_EQ(shown.back(), wording(Text::arrivalsTitle));
+    EXPECT_EQ(storeListChildren(games).size(), 2u) << "what is the same is left out";
+}
+
+TEST_F(ImportByWindow, OneAnswerIsForAllFilesAndTheListDecidesForEach) {
+    const ItemId programs = storeStandardFolder(1001);
+    for (const char *name : {"ONE", "TWO"}) addProgram(name, "old", programs);
+    for (const std::string name : {"ONE", "TWO", "THREE"}) folder.write(name + ".cat", catProgram(name, "new"));
+    folder.write("damaged.cat", "%Header Record\r\nFo");
+    const auto choose = [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        auto *list = dialog->findChild<QTreeWidget *>();
+        EXPECT_EQ(list->topLevelItemCount(), 3);
+        EXPECT_EQ(list->selectedItems().size(), 2) << "those that ask, so that one button is for all";
+        EXPECT_TRUE(dialog->findChild<QPlainTextEdit *>()->toPlainText().startsWith(QLatin1String("damaged: ")));
+        const auto push = [&](Text text) {
+            for (auto *button : dialog->findChildren<QPushButton *>())
+                if (button->text() == textOf(text)) button->click();
+        };
+        push(Text::arrivalsReplace);
+        list->setCurrentItem(list->topLevelItem(1));
+        push(Text::arrivalsSkip);
+        EXPECT_EQ(list->topLevelItem(0)->text(3), textOf(Text::choiceReplace));
+        EXPECT_EQ(list->topLevelItem(1)->text(3), textOf(Text::choiceSkip));
+    };
+    whileOpen = [&] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        auto *forAll = dialog->findChild<QCheckBox *>();
+        EXPECT_EQ(forAll->text(), textOf(Text::importForAll, {"3"}));
+        forAll->click();
+        whileOpen = choose;
+        dialog->accept();
+    };
+    answer("Return");
+    dropFiles({"ONE.cat", "TWO.cat", "THREE.cat", "damaged.cat"});
+    EXPECT_EQ(shown, std::vector<std::string>{wording(Text::arrivalsTitle)});
+    StoredItem one, two;
+    ASSERT_TRUE(storeReadItem(storeFindItem("ONE", programs), one));
+    ASSERT_TRUE(storeReadItem(storeFindItem("TWO", programs), two));
+    EXPECT_NE(one.data[1], 'o');
+    EXPECT_EQ(two.data[1], 'o');
+    EXPECT_NE(storeFindItem("THREE", programs), noItem);
+    EXPECT_EQ(storeListChildren(programs).size(), 3u);
 }
 
 TEST_F(ImportByWindow, TheFolderNameCanBeTypedAndCancelLeavesNothing) {

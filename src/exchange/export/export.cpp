@@ -3,13 +3,16 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "calculator/charset.h"
 #include "exchange/export/export_formats.h"
+#include "exchange/export/file_names.h"
 #include "exchange/listed_names.h"
 #include "exchange/shown_progress.h"
+#include "platform/files.h"
 #include "platform/letter_case.h"
 #include "platform/thread_role.h"
 #include "settings/settings_store.h"
@@ -109,6 +112,49 @@ bool exportFrom(ItemSource source, const void *items, std::size_t count, const E
     return makeFile(source, items, count, job.target, file) && writeFile(file, count, job);
 }
 
+struct SingleFile {
+    std::string path;
+    Bytes bytes;
+};
+
+// Names that are alike but for their case get a number: not every disk tells them apart.
+std::string pathOfSingle(const std::string &folder, const std::string &name, const char *ending,
+                         std::set<std::string> &taken) {
+    const std::string base = safeFileName(name);
+    std::string file = base + ending;
+    for (int number = 2; !taken.insert(foldCase(file)).second; number++)
+        file = base + " " + std::to_string(number) + ending;
+    return folder + "/" + file;
+}
+
+bool makeFiles(const ExportJob &job, const char *ending, std::vector<SingleFile> &files) {
+    Refusals refusals;
+    std::set<std::string> taken;
+    ShownProgress progress(job.ids.size());
+    for (std::size_t i = 0; i < job.ids.size(); i++) {
+        OutgoingItem item;
+        if (!itemFromLibrary(&job.ids, i, item)) return false;
+        SingleFile &file = files.emplace_back();
+        file.path = pathOfSingle(job.path, utf8FromCalculator(item.name), ending, taken);
+        if (const auto refusal = appendItem(item, job.target, file.bytes)) addRefusal(refusals, *refusal, item.name);
+        appendFileEnd(job.target, file.bytes);
+        progress.step(i + 1);
+    }
+    return tellRefusals(refusals, job.target);
+}
+
+bool mayWriteAll(const std::vector<SingleFile> &files, bool mayReplace) {
+    std::vector<std::string> there;
+    for (const SingleFile &file : files) {
+        if (!userFileIsFree(file.path, true)) return false;
+        if (fileExists(file.path)) there.push_back(file.path.substr(file.path.find_last_of('/') + 1));
+    }
+    if (there.empty() || mayReplace) return true;
+    const std::vector<std::string> words = {std::to_string(there.size()), listOfNames(there)};
+    return tellComposed(Text::exportEachReplace, wording(Text::exportEachReplace, words), words, BoxIcon::warning,
+                        BoxButtons::okCancel) == Answer::ok;
+}
+
 // "Games/Old"; nothing for the temporary folder and what lies in it.
 std::optional<std::string> pathOfFolder(ItemId id, const std::unordered_map<ItemId, const ItemEntry *> &folders) {
     std::vector<std::string> names;
@@ -146,12 +192,35 @@ std::vector<ExportCandidate> exportCandidates() {
 
 }  // namespace
 
-void exportWithQuestion() {
+void exportWithQuestion(const std::vector<ItemId> &preset) {
     assertRole(ThreadRole::graphical);
-    ExportQuestion question{.items = exportCandidates(), .chosen = lastChosen, .target = lastTarget(), .path = {}};
+    ExportQuestion question{.items = exportCandidates(),
+                            .chosen = preset.empty() ? lastChosen : preset,
+                            .target = lastTarget(),
+                            .path = {}};
     userInterface.askExport(question);
     lastChosen = question.chosen;
-    if (!question.path.empty()) exportItems({.path = question.path, .ids = question.chosen, .target = question.target});
+    if (question.path.empty()) return;
+    const ExportJob job{.path = question.path, .ids = question.chosen, .target = question.target};
+    if (question.eachAlone)
+        exportEach(job);
+    else
+        exportItems(job);
+}
+
+bool exportEach(const ExportJob &job) {
+    assertRole(ThreadRole::graphical);
+    const ExportFormat *format = exportFormatOf(job.target);
+    if (!format || job.ids.empty()) return false;
+    settingsSetValue(setting::lastExportType, format->settingName);
+    std::vector<SingleFile> files;
+    if (!makeFiles(job, format->ending, files) || !mayWriteAll(files, job.mayReplace)) return false;
+    std::size_t written = 0;
+    while (written < files.size() && writeUserFile(files[written].path, files[written].bytes, true)) written++;
+    const std::vector<std::string> counts = {std::to_string(written), std::to_string(files.size())};
+    if (written < files.size()) return failWith(Text::exportEachStopped, counts);
+    statusLine(StatusPart::item, Text::exportDone, {counts.front()});
+    return true;
 }
 
 bool exportItems(const ExportJob &job) { return exportFrom(itemFromLibrary, &job.ids, job.ids.size(), job); }

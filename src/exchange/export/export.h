@@ -16,12 +16,17 @@ struct ExportJob {
     bool mayReplace = false;  // an existing file is replaced without a question
 };
 
-// Asks for items, sort of file and path, and writes them. All outcome is told to the user.
-void exportWithQuestion();
+// Asks for items, sort of file and path, and writes them. All outcome is told to the user. What was chosen the last
+// time is chosen already, unless preset names others.
+void exportWithQuestion(const std::vector<ItemId> &preset = {});
 
 // False when nothing was written, which has been told. An existing file is asked about, files of the program's own
 // are refused (store/care/user_files.h). Also sets the setting of the last target.
 bool exportItems(const ExportJob &job);
+
+// Each item into a file of its own, named as the item; the job's path is the folder. All are made and looked at ahead
+// of the first that is written, and files that exist are asked about once. False when not all were written (told).
+bool exportEach(const ExportJob &job);
 
 // The same for items that lie in no library.
 bool exportToFile(const std::vector<OutgoingItem> &items, const ExportJob &job);

@@ -45,7 +45,6 @@
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_filter.h"
 #include "shell/tree/tree_mouse.h"
-#include "shell/tree/tree_order.h"
 #include "shell/views/item_views.h"
 #include "shell/workbench/code_panes.h"
 #include "shell/workbench/debugging.h"
@@ -242,7 +241,6 @@ void tearDown() {
     forgetPanes();
     forgetSearchWindow();
     forgetTreeFilter();
-    forgetTreeOrder();
     forgetPaneSizes();
     forgetEmulatorWindow();
     destroyWidgets();

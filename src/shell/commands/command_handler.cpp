@@ -6,6 +6,7 @@
 #include "shell/parts/command_states.h"
 #include "shell/parts/selected_item.h"
 #include "shell/tree/label_edit.h"
+#include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 
 namespace numalink {
@@ -17,6 +18,7 @@ int handleCommand(CommandId id) {
     if (row == nullptr) return 0;
     if (row->endsLabelEdit && !finishLabelEdit()) return 0;
     if (row->enabledFor != nullptr && selectedItemId() == noItem) return 0;
+    if (row->enabledFor != nullptr && severalSelected() && row->enabledForSeveral == nullptr) return 0;
     if (row->storesFirst && !storeProgramFirst()) return 0;
     noteEvent("command " + std::to_string(static_cast<int>(row->id)) + " " +
               (row->text == Text::none ? row->label : wording(row->text)));

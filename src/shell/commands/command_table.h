@@ -5,6 +5,7 @@
 #include <QString>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "calculator/item_kinds.h"
 #include "telling/texts.h"
@@ -121,6 +122,7 @@ enum class CommandId {
     sortByKind,
     sortBySize,
     sortByTime,
+    selectAll,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu
@@ -174,6 +176,8 @@ struct Command {
 
     // By the kind of the selected item, kind::none without one. Such a command does nothing where no item is selected.
     bool (*enabledFor)(ItemKind) = nullptr;
+    // By the kinds of all that are selected, where these are several; null: it is for one item alone.
+    bool (*enabledForSeveral)(const std::vector<ItemKind> &) = nullptr;
     bool (*enabled)() = nullptr;
     bool (*offered)() = nullptr;   // false greys it only in its open menu: the key works, and tells why it can't
     bool (*present)() = nullptr;   // false leaves it out of its menu

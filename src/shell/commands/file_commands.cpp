@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "calculator/charset.h"
+#include "exchange/export/export.h"
 #include "exchange/export/share_page.h"
 #include "exchange/import/import.h"
 #include "exchange/import/import_formats.h"
@@ -22,6 +23,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -54,6 +56,17 @@ void showAfterImport() {
     if (!told.empty()) userInterface.statusText(StatusPart::item, Text::none, told);
 }
 
+// A library among the files is opened in its turn: what stands behind it goes into that one.
+std::vector<FileToImport> takeFilesAheadOfLibrary() {
+    std::vector<FileToImport> files;
+    while (!state.filesToImport.isEmpty()) {
+        const std::string encoded = QFile::encodeName(state.filesToImport.front()).toStdString();
+        if (isLibraryFile(encoded)) break;
+        files.push_back({encoded, importBaseName(state.filesToImport.takeFirst().toStdString())});
+    }
+    return files;
+}
+
 // One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
 // dialog of another import may be asking about.
 void importWaitingFiles() {
@@ -64,12 +77,11 @@ void importWaitingFiles() {
     }
     state.importing = true;
     while (!state.filesToImport.isEmpty() && storeIsOpen()) {
-        const QString path = state.filesToImport.takeFirst();
-        const std::string encoded = QFile::encodeName(path).toStdString();
-        if (isLibraryFile(encoded))
-            openLibraryFile(path);
+        const std::vector<FileToImport> files = takeFilesAheadOfLibrary();
+        if (!files.empty())
+            importFiles(files);
         else
-            importFile(encoded, importBaseName(path.toStdString()));
+            openLibraryFile(state.filesToImport.takeFirst());
     }
     state.importing = false;
     state.filesToImport.clear();
@@ -118,6 +130,8 @@ void importSamples() {
     const ItemId games = storeResolvePath(sampleFiles[0].folder, false);
     if (const ItemId first = storeFindItem(firstSample, games); first != noItem) selectItem(first);
 }
+
+void saveItems() { exportWithQuestion(severalSelected() ? itemsWithin(selectedOutermost()) : std::vector<ItemId>()); }
 
 void shareSelected() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());

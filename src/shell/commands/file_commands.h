@@ -8,6 +8,7 @@ namespace numalink {
 
 void openFiles();  // the Open command
 
+void saveItems();      // into files; several that are selected are chosen for it
 void shareSelected();  // the selected program as a web page
 QString sharePageWords();
 

@@ -24,7 +24,10 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "store/item_store.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 
@@ -146,8 +149,19 @@ void stopLink() {
 
 void forgetLinkCommands() { state = {}; }
 
-void transmitSelected() { queueAndBegin(selectedItemId()); }
-void queueSelected() { queueAndTell(selectedItemId()); }
+void transmitSelected() {
+    if (!severalSelected()) {
+        queueAndBegin(selectedItemId());
+        return;
+    }
+    const std::vector<ItemId> ids = selectedOutermost();
+    const std::vector<std::string> count = {std::to_string(ids.size())};
+    const std::string body = wording(Text::confirmTransmitSeveral, count) + "\n\n" + namesOfSeveral(ids);
+    if (tellComposed(Text::confirmTransmitSeveral, body, count, BoxIcon::none, BoxButtons::okCancel) == Answer::ok)
+        queueAndBegin(ids);
+}
+
+void queueSelected() { queueAndTell(selectedOutermost()); }
 
 void openQueueWindow() {
     if (state.queueWindow == nullptr) makeQueueWindow();

@@ -52,7 +52,11 @@ bool isEnabled(const MenuRow &row) { return row.enabled == nullptr || row.enable
 
 bool isEnabled(const Command &row) {
     if (!isEnabled(menuRow(row.menu))) return false;
-    if (row.enabledFor != nullptr && !row.enabledFor(selectedKind())) return false;
+    if (row.enabledFor != nullptr && severalSelected()) {
+        if (row.enabledForSeveral == nullptr || !row.enabledForSeveral(selectedKinds())) return false;
+    } else if (row.enabledFor != nullptr && !row.enabledFor(selectedKind())) {
+        return false;
+    }
     return row.enabled == nullptr || row.enabled();
 }
 

@@ -1,5 +1,6 @@
 #include "shell/dialogs/export_dialog.h"
 
+#include <QCheckBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDropEvent>
@@ -49,6 +50,7 @@ struct ExportControls {
     QListWidget *available = nullptr;
     QListWidget *chosen = nullptr;
     std::vector<QRadioButton *> targets;  // in the order of the formats
+    QCheckBox *each = nullptr;
     QPushButton *ok = nullptr;
 };
 
@@ -234,12 +236,19 @@ void takeAnswers(ExportQuestion &question, const ExportControls &controls) {
         question.chosen.push_back(controls.chosen->item(row)->data(idRole).toUInt());
     const ExportFormat *choice = choiceOf(controls);
     question.target = choice == nullptr ? ExportTarget::none : choice->target;
+    question.eachAlone = controls.each->isChecked();
 }
 
 // Whether an existing file may be replaced is asked further down, for every front end alike.
 void askPath(ExportQuestion &question) {
     const ExportFormat *format = exportFormatOf(question.target);
     if (format == nullptr) return;
+    if (question.eachAlone) {
+        const QString folder = QFileDialog::getExistingDirectory(mainWindow, textOf(Text::exportTitle), lastFolder);
+        if (!folder.isEmpty()) lastFolder = folder;
+        question.path = QFile::encodeName(folder).toStdString();
+        return;
+    }
     const QString pattern = QStringLiteral("*") + QLatin1String(format->ending);
     const QString filter = textOf(format->filter) + QStringLiteral(" (") + pattern + QStringLiteral(" ") +
                            pattern.toUpper() + QStringLiteral(");;") + textOf(Text::filterAllFiles) +
@@ -263,6 +272,10 @@ void askExport(ExportQuestion &question) {
     QGridLayout *lists = listsLayout(controls);
     layout->addLayout(lists);
     layout->addWidget(targetBox(question, controls));
+    controls.each = new QCheckBox(textOf(Text::exportEach));
+    controls.each->setToolTip(textOf(Text::tipExportEach));
+    controls.each->setChecked(question.eachAlone);
+    layout->addWidget(controls.each);
     QDialogButtonBox *buttons = dialogButtons(&dialog);
     controls.ok = buttons->button(QDialogButtonBox::Ok);
     layout->addWidget(buttons);
@@ -274,8 +287,6 @@ void askExport(ExportQuestion &question) {
     takeAnswers(question, controls);
     askPath(question);
 }
-
-void saveItems() { exportWithQuestion(); }
 
 void forgetExport() { lastFolder.clear(); }
 

@@ -7,8 +7,6 @@ namespace numalink {
 
 void askExport(ExportQuestion &question);
 
-// The command behind it.
-void saveItems();
 void forgetExport();
 
 }  // namespace numalink

@@ -337,6 +337,8 @@ bool mayCompare(ItemKind itemKind) { return isTextKind(itemKind); }
 void compareSelected() {
     const CompareSource left = compareSourceOf(selectedItemId());
     if (left.label.isEmpty()) return;
+    if (const std::vector<ItemId> ids = selectedItemIds(); ids.size() == 2)
+        return compareSources(compareSourceOf(ids[0]), compareSourceOf(ids[1]));
     CompareSource right;
     for (const CompareSource &program : allPrograms())  // the next one by name
         if (program.id != left.id && (right.label.isEmpty() || right.label < left.label)) right = program;

@@ -21,7 +21,7 @@ CompareSource compareSourceOf(ItemId id);  // an empty label when it is no progr
 // Until the window is closed. The sides can be changed to any program of the library there.
 void compareSources(const CompareSource &left, const CompareSource &right);
 
-// The selected program with another one, the user chooses which.
+// The selected program with another one, the user chooses which; two that are selected with each other.
 void compareSelected();
 bool mayCompare(ItemKind itemKind);
 

@@ -51,7 +51,7 @@ void makeTree() {
     treeView->setIconSize(QSize(treeImageSize, treeImageSize) * textScale());
     treeView->setFont(treeFont());
     treeView->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    treeView->setSelectionMode(QAbstractItemView::SingleSelection);
+    treeView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     treeView->setDragEnabled(false);
     treeView->setMouseTracking(true);
     treeView->setUniformRowHeights(true);

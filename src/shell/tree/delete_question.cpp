@@ -11,6 +11,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
 #include "shell/views/item_views.h"
 #include "store/undo/undo.h"
@@ -29,6 +30,21 @@ bool askDelete(const ItemEntry &item) {
                   .title = programTitle,
                   .buttons = BoxButtons::okCancel,
                   .arguments = {}};
+    return userInterface.messageBox(box) == Answer::ok;
+}
+
+bool askDeleteSeveral(const std::vector<ItemId> &ids) {
+    const std::vector<ItemEntry> items = storeListItems();
+    int below = 0;
+    for (const ItemId id : ids) below += countBelow(items, id);
+    const std::string count = std::to_string(ids.size());
+    std::string body = wording(Text::confirmDeleteSeveral, {count}) + "\n\n" + namesOfSeveral(ids);
+    if (below > 0) body.append("\n").append(wording(Text::foldersHold, {std::to_string(below)}));
+    const Box box{.bodyText = Text::confirmDeleteSeveral,
+                  .body = body,
+                  .title = programTitle,
+                  .buttons = BoxButtons::okCancel,
+                  .arguments = {count}};
     return userInterface.messageBox(box) == Answer::ok;
 }
 

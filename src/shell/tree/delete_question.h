@@ -8,6 +8,8 @@ namespace numalink {
 // Whether the user wants this item deleted: the box names it, and how many items a folder holds.
 bool askDelete(const ItemEntry &item);
 
+bool askDeleteSeveral(const std::vector<ItemId> &ids);  // none of which lies in another
+
 enum class TakenAnswer { cancel, keepBoth, replace };
 // Another item of the name stands in the folder. Replacing is offered only where that one is of the same kind.
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace);

@@ -1,6 +1,7 @@
 #include "shell/tree/item_commands.h"
 
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "calculator/charset.h"
 #include "calculator/program_info.h"
@@ -12,8 +13,10 @@
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "shell/views/item_views.h"
 #include "store/item_store.h"
+#include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -62,7 +65,45 @@ void newProgram() {
 
 void renameSelectedItem() { startLabelEdit(selectedItemId()); }
 
+namespace {
+
+// The entry that is selected once these have gone: the next one that stays, else the one before, in the order seen.
+ItemId followerOf(const std::vector<ItemId> &ids) {
+    const auto goes = [&](const QTreeWidgetItem *entry) {
+        for (; entry != nullptr; entry = entry->parent())
+            if (std::ranges::find(ids, idOfEntry(entry)) != ids.end()) return true;
+        return false;
+    };
+    const QTreeWidgetItem *next = treeEntryOf(ids.back());
+    while (next != nullptr && goes(next)) next = treeView->itemBelow(next);
+    if (next == nullptr) next = treeEntryOf(ids.back());
+    while (next != nullptr && goes(next)) next = treeView->itemAbove(next);
+    return idOfEntry(next);
+}
+
+void deleteSeveral(const std::vector<ItemId> &ids) {
+    if (!askDeleteSeveral(ids)) return;
+    const bool viewGoes = std::ranges::find(ids, viewItemId) != ids.end();
+    if (!viewGoes && !leaveCurrentView()) return;
+    const ItemId follower = followerOf(ids);
+    {
+        const UndoGroup group(UndoAct::deletion, stepNameOf(ids));
+        if (!storeDeleteItems(ids)) return showSelectedAgain();
+    }
+    if (viewGoes) dropCurrentView();
+    refreshTree();
+    selectItem(follower);
+    treeView->setFocus();
+}
+
+}  // namespace
+
 void deleteWithQuestion() {
+    if (severalSelected()) {
+        const std::vector<ItemId> ids = selectedOutermost();
+        if (ids.size() > 1) return deleteSeveral(ids);
+        if (!selectItem(ids.front())) return;  // a folder with what it holds
+    }
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || !askDelete(*item)) return;
     if (viewItemId != item->id && !leaveCurrentView()) return;

@@ -6,6 +6,6 @@ namespace numalink {
 void newFolder();           // at the root, with its label in edit
 void newProgram();          // the same in the selected folder, or in that of programs
 void renameSelectedItem();  // starts the edit of its label
-void deleteWithQuestion();  // the selected item; the one after it, before it or above it is selected then
+void deleteWithQuestion();  // what is selected; the one after it, before it or above it is selected then
 
 }  // namespace numalink

@@ -133,6 +133,8 @@ int showLibraryInTree() {
     const std::vector<ItemEntry> items = storeListItems();
     const TreeContent content = treeContent(items, treeRanks(items));
     const ItemId selected = selectedItemId();
+    std::vector<ItemId> beside;
+    for (const QTreeWidgetItem *entry : treeView->selectedItems()) beside.push_back(idOfEntry(entry));
     const QSignalBlocker quiet(treeView);
     std::vector<ItemId> expanded;
     std::unordered_map<ItemId, int> placed;
@@ -143,18 +145,24 @@ int showLibraryInTree() {
     for (const TreeEntry &entry : content.entries) placeEntry(entry, placed, expanded);
     for (const ItemId id : expanded)
         if (QTreeWidgetItem *entry = treeEntryOf(id)) entry->setExpanded(true);
-    if (QTreeWidgetItem *entry = treeEntryOf(selected)) treeView->setCurrentItem(entry);
+    if (treeEntryOf(selected) != nullptr) markSelected(selected, beside);
     treeView->setAutoScroll(true);
     treeView->visualItemRect(treeView->topLevelItem(0));  // lays the entries out, which the scroll bar follows
     treeView->verticalScrollBar()->setValue(scrolled);
     return content.strays;
 }
 
-void markSelected(ItemId id) {
+void markSelected(ItemId id, const std::vector<ItemId> &beside) {
     QTreeWidgetItem *entry = treeEntryOf(id);
     const QSignalBlocker quiet(treeView);
-    treeView->setCurrentItem(entry);
-    if (entry == nullptr) treeView->clearSelection();
+    if (entry == nullptr) {
+        treeView->setCurrentItem(nullptr);
+        treeView->clearSelection();
+        return;
+    }
+    treeView->setCurrentItem(entry, 0, QItemSelectionModel::ClearAndSelect);
+    for (const ItemId other : beside)
+        if (QTreeWidgetItem *also = treeEntryOf(other)) also->setSelected(true);
 }
 
 void forgetEntries() { entryOf.clear(); }

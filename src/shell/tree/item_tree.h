@@ -1,6 +1,8 @@
 // The entries of the item tree: they show the library, and hold ids only. Graphical thread only.
 #pragma once
 
+#include <vector>
+
 #include "calculator/item_kinds.h"
 
 class QTreeWidgetItem;
@@ -11,8 +13,8 @@ namespace numalink {
 // selection stay. Gives the number of strays, which stand at the root.
 int showLibraryInTree();
 
-// Selects the entry of an item without a word to anyone; noItem selects nothing.
-void markSelected(ItemId id);
+// Selects the entry of an item, and those beside it, without a word to anyone; noItem selects nothing.
+void markSelected(ItemId id, const std::vector<ItemId> &beside = {});
 
 QTreeWidgetItem *treeEntryOf(ItemId id);  // null when not shown
 

@@ -18,6 +18,7 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/delete_question.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
 #include "store/item_store.h"
 
@@ -25,31 +26,31 @@ namespace numalink {
 
 namespace {
 
-// Folders that take the item, in the order of the tree, with the names of those above them.
-void listFolders(QListWidget *list, const ItemEntry &item) {
+// Folders that take the items, in the order of the tree, with the names of those above them.
+void listFolders(QListWidget *list, const std::vector<ItemId> &ids) {
     std::map<ItemId, QString> paths;
     for (const TreeEntry &entry : treeContent(storeListItems()).entries) {
         if (!isFolderKind(entry.kind)) continue;
         const QString above = paths[entry.shownUnder];
         const QString path = above.isEmpty() ? nameToQt(entry.name) : above + QLatin1Char('/') + nameToQt(entry.name);
         paths[entry.id] = path;
-        if (entry.id == item.parent || !canDrop(item.kind, entry.kind)) continue;
+        if (!canMoveAll(ids, entry.id)) continue;
         auto *row = new QListWidgetItem(path, list);
         row->setData(Qt::UserRole, entry.id);
     }
     list->setCurrentRow(0);
 }
 
-ItemId askFolder(const ItemEntry &item) {
+ItemId askFolder(const std::vector<ItemId> &ids, const QString &words) {
     QDialog dialog(mainWindow);
     dialog.setObjectName(QStringLiteral("moveDialog"));
     dialog.setWindowTitle(textOf(Text::moveTitle));
     auto *list = new QListWidget;
     list->setFont(treeFont());
-    list->setAccessibleName(textOf(Text::moveFolders, {utf8FromCalculator(item.name)}));
-    list->setToolTip(list->accessibleName().toHtmlEscaped());
-    listFolders(list, item);
-    auto *label = new QLabel(textOf(Text::moveFolders, {utf8FromCalculator(item.name)}));
+    list->setAccessibleName(words);
+    list->setToolTip(words.toHtmlEscaped());
+    listFolders(list, ids);
+    auto *label = new QLabel(words);
     label->setTextFormat(Qt::PlainText);
     label->setBuddy(list);
     QDialogButtonBox *buttons = dialogButtons(&dialog);
@@ -68,9 +69,15 @@ ItemId askFolder(const ItemEntry &item) {
 }  // namespace
 
 void moveSelectedItem() {
+    const std::vector<ItemId> ids = selectedOutermost();
+    if (severalSelected()) {
+        const ItemId folder = askFolder(ids, textOf(Text::moveFoldersSeveral, {std::to_string(ids.size())}));
+        if (folder != noItem) moveSeveral(ids, folder);
+        return;
+    }
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item) return;
-    const ItemId folder = askFolder(*item);
+    const ItemId folder = askFolder({item->id}, textOf(Text::moveFolders, {utf8FromCalculator(item->name)}));
     if (folder != noItem) moveDropped(item->id, folder);
 }
 

@@ -3,7 +3,7 @@
 
 namespace numalink {
 
-void moveSelectedItem();  // the command: asks for a folder that takes the selected item, and moves it there as a drop
+void moveSelectedItem();  // the command: asks for a folder that takes what is selected, and moves it there as a drop
                           // does
 
 }  // namespace numalink

@@ -16,9 +16,31 @@ namespace {
 struct Selection {
     bool selecting = false;  // selectItem is at work: it isn't entered again
     ItemKind kindSelected = kind::none;
+    std::vector<ItemKind> kinds;  // of all that are selected
+    std::vector<ItemId> kept;
     bool straysTold = false;  // once a run
 };
 Selection state;
+
+void noteKinds() {
+    state.kinds.clear();
+    for (const ItemId id : selectedItemIds())
+        if (const auto entry = storeReadEntry(id)) state.kinds.push_back(entry->kind);
+}
+
+void tellSeveral() {
+    if (severalSelected()) statusLine(StatusPart::item, Text::itemsSelected, {std::to_string(state.kinds.size())});
+}
+
+void markAmong(ItemId id, const std::vector<ItemId> &beside) {
+    markSelected(id, beside);
+    state.kept = beside;
+    const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
+    state.kindSelected = entry ? entry->kind : kind::none;
+    noteKinds();
+    commandStatesChanged();
+    tellSeveral();
+}
 
 void tellStrays(int strays) {
     if (strays == 0 || state.straysTold) return;
@@ -29,24 +51,39 @@ void tellStrays(int strays) {
 }  // namespace
 
 ItemKind selectedKind() { return state.kindSelected; }
+const std::vector<ItemKind> &selectedKinds() { return state.kinds; }
+std::vector<ItemId> &keptSelected() { return state.kept; }
+bool severalSelected() { return state.kinds.size() > 1; }
 
-bool selectItem(ItemId id) {
+bool selectItem(ItemId id) { return selectAmong(id, {}); }
+
+bool selectAmong(ItemId id, const std::vector<ItemId> &beside) {
     if (state.selecting) return false;
-    if (id != noItem && id == selectedItemId() && viewItemId == id) return true;
+    if (id != noItem && id == selectedItemId() && viewItemId == id) {
+        state.kept = beside;
+        if (severalSelected() || !beside.empty()) markAmong(id, beside);
+        return true;
+    }
     state.selecting = true;
     const bool left = leaveCurrentView();
     if (left) {
-        markSelected(id);
-        const std::optional<ItemEntry> entry = storeReadEntry(selectedItemId());
-        state.kindSelected = entry ? entry->kind : kind::none;
-        commandStatesChanged();
-        if (entry) openSelectedItem();
+        markAmong(id, beside);
+        if (storeReadEntry(selectedItemId())) openSelectedItem();
+        tellSeveral();
     }
     state.selecting = false;
     return left;
 }
 
-void showSelectedAgain() { selectItem(selectedItemId()); }
+void followSeveral() {
+    if (!severalSelected()) return;
+    noteKinds();
+    commandStatesChanged();
+}
+
+void showSelectedAgain() {
+    selectAmong(selectedItemId(), severalSelected() ? selectedItemIds() : std::vector<ItemId>());
+}
 
 void refreshTreeNow() {
     const ItemId selected = selectedItemId();
@@ -54,6 +91,7 @@ void refreshTreeNow() {
     applyTreeFilter();
     if (viewItemId != noItem && treeEntryOf(viewItemId) == nullptr) viewedItemGone();
     if (selected != noItem && treeEntryOf(selected) == nullptr) selectItem(noItem);
+    followSeveral();
     tellStrays(strays);
 }
 

@@ -15,6 +15,7 @@
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_tree.h"
+#include "shell/tree/selection.h"
 #include "store/item_store.h"
 
 namespace numalink {
@@ -90,7 +91,8 @@ void makeBar() {
     state.name = new QLineEdit;
     state.name->setObjectName(QStringLiteral("treeFilter"));
     const QString hint = textOf(Text::filterNames).remove(QLatin1Char('&'));
-    state.name->setPlaceholderText(hint);
+    state.name->setPlaceholderText(textOf(Text::columnName) + QStringLiteral(" ..."));  // has room in any language
+    state.name->setToolTip(hint);
     state.name->setAccessibleName(hint);
     state.name->setToolTip(textOf(Text::tipFilterName));
     state.name->setClearButtonEnabled(true);
@@ -132,6 +134,7 @@ void applyTreeFilter() {
     const QSignalBlocker quiet(treeView);  // a folder that opens for the filter isn't opened by the user
     const bool filters = isFiltering();
     for (int i = 0; i < treeView->topLevelItemCount(); i++) filterEntry(treeView->topLevelItem(i), filters);
+    followSeveral();  // what is left out isn't selected
 }
 
 void forgetTreeFilter() {

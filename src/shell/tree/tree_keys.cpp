@@ -11,6 +11,7 @@
 #include "shell/parts/selected_item.h"
 #include "shell/tree/item_commands.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "shell/views/item_views.h"
 
 namespace numalink {
@@ -120,8 +121,19 @@ QTreeWidgetItem *navigated(int key, QTreeWidgetItem *from) {
 }
 
 void goTo(QTreeWidgetItem *entry) {
-    if (entry == nullptr || entry == selectedEntry()) return;
+    if (entry == nullptr || (entry == selectedEntry() && !severalSelected())) return;
     if (selectItem(idOfEntry(entry))) treeView->scrollToItem(entry);
+}
+
+// With Shift all on the way are selected; with Ctrl, what was kept stays so.
+void navigate(const QKeyEvent &key) {
+    QTreeWidgetItem *entry = navigated(key.key(), selectedEntry());
+    const bool shift = (key.modifiers() & Qt::ShiftModifier) != 0, ctrl = (key.modifiers() & Qt::ControlModifier) != 0;
+    if (entry == nullptr || entry == selectedEntry() || (!shift && !ctrl)) return goTo(entry);
+    if (shift)
+        extendTo(idOfEntry(entry), ctrl);
+    else
+        goAmong(idOfEntry(entry));
 }
 
 // Into what the entry shows; a folder opens or closes.
@@ -146,11 +158,21 @@ bool treeKeyPressed(const QKeyEvent &key) {
     }
     // Whatever is held down with them: Qt's tree would select without asking the view.
     if (isNavigation(key.key())) {
-        goTo(navigated(key.key(), selectedEntry()));
+        navigate(key);
         return true;
     }
-    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0)
+    if (key.matches(QKeySequence::SelectAll)) {
+        selectAllShown();
+        return true;
+    }
+    if (key.key() == Qt::Key_Escape && severalSelected()) {
+        selectAlone();
+        return true;
+    }
+    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0) {
+        if (isKeepKey(key)) toggleKept();
         return key.key() == Qt::Key_Space;
+    }
     if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
         enterPressed();
         return true;
@@ -160,6 +182,10 @@ bool treeKeyPressed(const QKeyEvent &key) {
         return true;
     }
     return false;
+}
+
+bool isKeepKey(const QKeyEvent &key) {
+    return key.key() == Qt::Key_Space && (key.modifiers() & Qt::ControlModifier) != 0;
 }
 
 void forgetTreeKeys() { state = {}; }

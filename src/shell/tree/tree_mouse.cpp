@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QTimer>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "platform/clock.h"
 #include "shell/parts/cursors.h"
@@ -19,6 +20,7 @@
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/selection.h"
+#include "shell/tree/several.h"
 #include "shell/tree/tree_keys.h"
 #include "shell/tree/tree_rules.h"
 
@@ -33,12 +35,13 @@ struct TreeMouse {
     ItemId pressedItem = noItem;
     QPoint pressedAt;
     bool pressedWasSelected = false;
+    Qt::KeyboardModifiers pressedWith;        // Shift and Ctrl select several
     bool mayEditLabel = false;                // the press may be the first half of a click that edits the label
     std::uint64_t focusedAt = 0;              // tick
     std::uint64_t labelEditBlockedUntil = 0;  // tick: no label edit that the mouse starts begins before it
     bool dragging = false;
     bool canDrop = false;
-    ItemId dragged = noItem;
+    std::vector<ItemId> dragged;
     ItemId dropTarget = noItem;
 };
 TreeMouse state;
@@ -74,8 +77,14 @@ void toggleFolderAt(const QPoint &place) {
     entry->setExpanded(!entry->isExpanded());
 }
 
+bool isAmongSeveral(ItemId item) {
+    const std::vector<ItemId> selected = selectedItemIds();
+    return selected.size() > 1 && std::ranges::find(selected, item) != selected.end();
+}
+
+// One of several that are selected takes the others along.
 void beginDrag() {
-    state.dragged = state.pressedItem;
+    state.dragged = isAmongSeveral(state.pressedItem) ? selectedOutermost() : std::vector{state.pressedItem};
     state.dragging = true;
     state.canDrop = false;
     treeView->viewport()->grabMouse(noDropCursor());
@@ -101,19 +110,25 @@ void markTarget(ItemId target) {
 
 void dragTo(const QPoint &place) {
     const ItemId target = folderUnder(place);
-    const std::optional<ItemEntry> dragged = storeReadEntry(state.dragged);
     const std::optional<ItemEntry> folder = storeReadEntry(target);
-    state.canDrop = dragged && folder && canDrop(dragged->kind, folder->kind);
+    state.canDrop = folder && std::ranges::all_of(state.dragged, [&](ItemId id) {
+                        const std::optional<ItemEntry> dragged = storeReadEntry(id);
+                        return dragged && canDrop(dragged->kind, folder->kind);
+                    });
     treeView->viewport()->setCursor(state.canDrop ? dropCursor() : noDropCursor());
     markTarget(state.canDrop ? target : noItem);
 }
 
 void drop(const QPoint &place) {
     dragTo(place);
-    const ItemId dragged = state.dragged;
+    const std::vector<ItemId> dragged = state.dragged;
     const ItemId target = state.canDrop ? folderUnder(place) : noItem;
     endDrag();
-    if (target != noItem) moveDropped(dragged, target);
+    if (target == noItem) return;
+    if (dragged.size() > 1)
+        moveSeveral(dragged, target);
+    else
+        moveDropped(dragged.front(), target);
 }
 
 // A second click on the selected entry's label, with no double click behind it, edits the label.
@@ -133,6 +148,7 @@ void leftPressed(const QMouseEvent &event) {
     if (onBranchMark(place)) toggleFolderAt(place);
     state.pressedItem = leftOfEntry(place) ? noItem : idAt(place);
     state.pressedAt = place;
+    state.pressedWith = event.modifiers();
     state.pressedWasSelected = state.pressedItem != noItem && state.pressedItem == selectedItemId();
 }
 
@@ -143,7 +159,11 @@ void leftReleased(const QMouseEvent &event) {
     const ItemId item = state.pressedItem;
     state.pressedItem = noItem;
     if (treeEntryOf(item) == nullptr) return;
-    if (!state.pressedWasSelected) {
+    if ((state.pressedWith & Qt::ShiftModifier) != 0) {
+        extendTo(item, (state.pressedWith & Qt::ControlModifier) != 0);
+    } else if ((state.pressedWith & Qt::ControlModifier) != 0) {
+        toggleAmong(item);
+    } else if (!state.pressedWasSelected || severalSelected()) {
         selectItem(item);
     } else if (state.mayEditLabel && idAt(place) == item && onEntry(place)) {
         editAfterPause(item);
@@ -184,7 +204,8 @@ void showItemMenu(const QPoint &place, const QPoint &onScreen) {
     state.labelEditBlockedUntil = tickCount() + blockAfterRightClick;
     const ItemId item = idAt(place);
     if (item != noItem) {
-        if (selectItem(item)) runMenu(*itemMenu, onScreen);
+        const std::vector<ItemId> beside = isAmongSeveral(item) ? selectedItemIds() : std::vector<ItemId>();
+        if (selectAmong(item, beside)) runMenu(*itemMenu, onScreen);
     } else {
         runMenu(*treeGroundMenu, onScreen);
     }
@@ -239,6 +260,11 @@ bool viewportEvent(QWidget *, QEvent *event) {
 bool treeEvent(QWidget *, QEvent *event) {
     // A key behind the click, also that of a command, means the entry rather than its label.
     if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) state.mayEditLabel = false;
+    // In the tree it is no command of the text's.
+    if (event->type() == QEvent::ShortcutOverride && isKeepKey(*static_cast<QKeyEvent *>(event))) {
+        event->accept();
+        return true;
+    }
     if (event->type() == QEvent::KeyPress) {
         const auto &key = *static_cast<QKeyEvent *>(event);
         if (labelEditRunning()) return true;  // a key that the editor has no use for
@@ -260,7 +286,7 @@ bool dragRunning() { return state.dragging; }
 void endDrag() {
     state.dragging = false;
     state.canDrop = false;
-    state.dragged = noItem;
+    state.dragged.clear();
     state.pressedItem = noItem;
     markTarget(noItem);
     treeView->viewport()->releaseMouse();
@@ -271,6 +297,9 @@ void endDrag() {
 void connectTree() {
     hookEvents(treeView->viewport(), viewportEvent);
     hookEvents(treeView, treeEvent);
+    // What can't be seen any more doesn't count as selected.
+    for (const auto change : {&QTreeWidget::itemCollapsed, &QTreeWidget::itemExpanded})
+        QObject::connect(treeView, change, treeView, followSeveral);
     connectTreeRefresh(refreshTreeNow, [] { return labelEditRunning() || dragRunning(); });
     refreshTree();
     if (treeView->topLevelItemCount() > 0) treeView->scrollToItem(treeView->topLevelItem(0));

@@ -1,4 +1,4 @@
-// What the tree is ordered by, until the program ends. Graphical thread only.
+// What the tree is ordered by, a setting. Graphical thread only.
 #pragma once
 
 #include "shell/tree/tree_rules.h"
@@ -8,8 +8,8 @@ namespace numalink {
 enum class TreeOrder { name, kind, size, time };
 
 TreeOrder treeOrder();
-void setTreeOrder(TreeOrder order);  // and brings the tree up to it
-void forgetTreeOrder();
+// And brings the tree up to it. Tells how many items have no known time where that is the order: they stand last.
+void setTreeOrder(TreeOrder order);
 
 // Folders first where names don't rule; then by kind, the largest, or what has changed last.
 TreeRanks treeRanks(const std::vector<ItemEntry> &items);

@@ -5,7 +5,6 @@
 #include "settings/recent_libraries.h"
 #include "shell/commands/file_commands.h"
 #include "shell/commands/library_commands.h"
-#include "shell/dialogs/export_dialog.h"
 #include "shell/dialogs/settings_dialog.h"
 
 namespace numalink {

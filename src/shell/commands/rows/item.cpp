@@ -1,6 +1,8 @@
 // What the Item menu holds, which opens on an item of the tree as well.
 #include "shell/commands/rows/rows.h"
 
+#include <algorithm>
+
 #include "shell/commands/link_commands.h"
 #include "shell/editor/password_dialog.h"
 #include "shell/library/compare_window.h"
@@ -9,6 +11,7 @@
 #include "shell/run/emulator_window.h"
 #include "shell/tree/item_commands.h"
 #include "shell/tree/move_dialog.h"
+#include "shell/tree/several.h"
 #include "shell/views/bitmap_export.h"
 
 namespace numalink {
@@ -27,6 +30,13 @@ bool movable(ItemKind itemKind) { return anyItem(itemKind) && !isFolderKind(item
 
 bool isProgram(ItemKind itemKind) { return itemKind == kind::program; }
 
+template <bool (*fits)(ItemKind)>
+bool all(const std::vector<ItemKind> &kinds) {
+    return std::ranges::all_of(kinds, fits);
+}
+
+bool twoPrograms(const std::vector<ItemKind> &kinds) { return kinds.size() == 2 && all<mayCompare>(kinds); }
+
 constexpr Command rows[] = {
     {.id = CommandId::newFolder,
      .menu = item,
@@ -42,6 +52,14 @@ constexpr Command rows[] = {
      .tip = Text::tipNewProgram,
      .onTreeGround = true,
      .run = newProgram},
+    {.id = CommandId::selectAll,
+     .menu = item,
+     .text = Text::menuSelectAll,
+     .standardKey = QKeySequence::SelectAll,
+     .tip = Text::tipSelectAll,
+     .keyOfText = true,
+     .onTreeGround = true,
+     .run = selectAllShown},
     {.id = CommandId::rename,
      .menu = item,
      .text = Text::menuRename,
@@ -57,12 +75,14 @@ constexpr Command rows[] = {
      .tip = Text::tipMove,
      .storesFirst = true,
      .enabledFor = movable,
+     .enabledForSeveral = all<movable>,
      .run = moveSelectedItem},
     {.id = CommandId::remove,
      .menu = item,
      .text = Text::menuDelete,
      .tip = Text::tipDelete,
      .enabledFor = anyItem,
+     .enabledForSeveral = all<anyItem>,
      .run = deleteWithQuestion},
     {.id = CommandId::transmit,
      .menu = item,
@@ -72,6 +92,7 @@ constexpr Command rows[] = {
      .tip = Text::tipTransmit,
      .storesFirst = true,
      .enabledFor = transmittable,
+     .enabledForSeveral = all<transmittable>,
      .run = transmitSelected},
     {.id = CommandId::queue,
      .menu = item,
@@ -80,6 +101,7 @@ constexpr Command rows[] = {
      .tip = Text::tipQueue,
      .storesFirst = true,
      .enabledFor = transmittable,
+     .enabledForSeveral = all<transmittable>,
      .run = queueSelected},
     {.id = CommandId::emulate,
      .menu = item,
@@ -110,6 +132,7 @@ constexpr Command rows[] = {
      .text = Text::menuCompare,
      .storesFirst = true,
      .enabledFor = mayCompare,
+     .enabledForSeveral = twoPrograms,
      .run = compareSelected},
     {.id = CommandId::versions,
      .menu = item,
