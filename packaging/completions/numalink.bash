@@ -39,8 +39,8 @@ _numalink_cli() {
         duplicates) options="--help --json" ;;
         search) options="--help --as --in --match-case --names --replace-by --apply --json" ;;
         versions) options="--help --show --restore --json" ;;
-        export) options="--help --to --replace --text" ;;
-        import) options="--help --into --existing --raster --text" ;;
+        export) options="--help --to --each --replace --text" ;;
+        import) options="--help --into --existing --replace --keep-both --skip --dry-run --raster --text" ;;
         link) options="--help --port --type --answer --slot --remove-colour --seconds --json --trace" ;;
         list | lint) options="--help --json" ;;
         share) options="--help --out --title --replace" ;;
