@@ -68,13 +68,14 @@ void addHead(Bytes &file, const MovingPicture &picture, int zoom) {
     for (const std::uint8_t value :
          {std::uint8_t{bitsPerDot}, paletteColors, std::uint8_t{0}, std::uint8_t{0}, std::uint8_t{0}})
         head.push_back(value);
-    palette.resize((std::size_t{movieUnchanged} + 1) * 3);
-    for (std::size_t i = 0; i < std::size(movieColors); i++) {
+    const std::size_t places = std::size_t{picture.unchanged} + 1;
+    palette.resize(places * 3);
+    for (std::size_t i = 0; i < picture.colors.size(); i++) {
         for (std::size_t part = 0; part < 3; part++)
-            palette[i * 3 + part] = static_cast<std::uint8_t>(movieColors[i] >> (16 - 8 * part));
+            palette[i * 3 + part] = static_cast<std::uint8_t>(picture.colors[i] >> (16 - 8 * part));
     }
-    opacity.assign(movieUnchanged + 1, 0xFF);
-    opacity[movieUnchanged] = 0;
+    opacity.assign(places, 0xFF);
+    opacity[picture.unchanged] = 0;
     add32(frames, static_cast<std::uint32_t>(picture.frames.size()));
     add32(frames, 0);  // for ever
     addChunk(file, "IHDR", head);
@@ -96,14 +97,17 @@ void addControl(Bytes &file, const MovieFrame &frame, int zoom, std::uint32_t nu
 
 }  // namespace
 
-std::optional<Bytes> apngFile(const MovingPicture &picture, int zoom) {
+std::optional<Bytes> apngFile(const MovingPicture &picture, int zoom,
+                              const std::function<bool(std::size_t frame)> &goesOn) {
     if (picture.frames.empty() || zoom < 1 || zoom > movieZoomLimit) return std::nullopt;
     Bytes file;
     addHead(file, picture, zoom);
     std::uint32_t number = 0;
-    for (const MovieFrame &frame : picture.frames) {
+    for (std::size_t i = 0; i < picture.frames.size(); i++) {
+        if (!goesOn(i)) return std::nullopt;
+        const MovieFrame &frame = picture.frames[i];
         addControl(file, frame, zoom, number++);
-        const bool isFirst = number == 1;
+        const bool isFirst = i == 0;
         Bytes content;
         if (!isFirst) add32(content, number++);
         if (!deflated(packedRows(frame, zoom), content)) return std::nullopt;

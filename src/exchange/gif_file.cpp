@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "exchange/moving_picture.h"
 
@@ -10,7 +11,6 @@ namespace numalink {
 
 namespace {
 
-constexpr int colorBits = 3;
 constexpr std::uint32_t longestDelay = 0xFFFF;  // hundredths of a second
 
 int append(GifFileType *file, const GifByteType *bytes, int count) {
@@ -21,11 +21,13 @@ int append(GifFileType *file, const GifByteType *bytes, int count) {
 
 using ColorMap = std::unique_ptr<ColorMapObject, decltype(&GifFreeMapObject)>;
 
-ColorMap colorMap() {
-    ColorMap map(GifMakeMapObject(1 << colorBits, nullptr), GifFreeMapObject);
+int colorBits(const MovingPicture &picture) { return picture.unchanged == movieUnchanged ? 3 : 4; }
+
+ColorMap colorMap(const MovingPicture &picture) {
+    ColorMap map(GifMakeMapObject(1 << colorBits(picture), nullptr), GifFreeMapObject);
     if (map == nullptr) return map;
-    for (std::size_t i = 0; i < std::size(movieColors); i++) {
-        const Color color = movieColors[i];
+    for (std::size_t i = 0; i < picture.colors.size(); i++) {
+        const Color color = picture.colors[i];
         map->Colors[i] = {static_cast<GifByteType>(color >> 16), static_cast<GifByteType>(color >> 8),
                           static_cast<GifByteType>(color)};
     }
@@ -39,11 +41,11 @@ bool putEndlessLoop(GifFileType *file) {
            EGifPutExtensionBlock(file, sizeof forEver, forEver) == GIF_OK && EGifPutExtensionTrailer(file) == GIF_OK;
 }
 
-bool putFrame(GifFileType *file, const MovieFrame &frame, int zoom) {
+bool putFrame(GifFileType *file, const MovieFrame &frame, int zoom, std::uint8_t unchanged) {
     const GraphicsControlBlock control{.DisposalMode = DISPOSE_DO_NOT,
                                        .UserInputFlag = false,
                                        .DelayTime = static_cast<int>(std::min(frame.hundredths, longestDelay)),
-                                       .TransparentColor = movieUnchanged};
+                                       .TransparentColor = unchanged};
     GifByteType extension[4];
     EGifGCBToExtension(&control, extension);
     if (EGifPutExtension(file, GRAPHICS_EXT_FUNC_CODE, sizeof extension, extension) != GIF_OK) return false;
@@ -56,27 +58,55 @@ bool putFrame(GifFileType *file, const MovieFrame &frame, int zoom) {
     return true;
 }
 
-bool putAll(GifFileType *file, const MovingPicture &picture, int zoom) {
-    const ColorMap map = colorMap();
+bool putHead(GifFileType *file, const MovingPicture &picture, int zoom) {
+    const ColorMap map = colorMap(picture);
     EGifSetGifVersion(file, true);
-    if (map == nullptr ||
-        EGifPutScreenDesc(file, picture.width * zoom, picture.height * zoom, colorBits, 0, map.get()) != GIF_OK)
-        return false;
-    return putEndlessLoop(file) &&
-           std::ranges::all_of(picture.frames, [=](const MovieFrame &frame) { return putFrame(file, frame, zoom); });
+    return map != nullptr &&
+           EGifPutScreenDesc(file, picture.width * zoom, picture.height * zoom, colorBits(picture), 0, map.get()) ==
+               GIF_OK &&
+           putEndlessLoop(file);
 }
 
 }  // namespace
 
-std::optional<Bytes> gifFile(const MovingPicture &picture, int zoom) {
-    if (picture.frames.empty() || zoom < 1 || zoom > movieZoomLimit) return std::nullopt;
+struct GifWriter::File {
     Bytes bytes;
+    GifFileType *gif = nullptr;
+    int zoom = 1;
+    std::uint8_t unchanged = movieUnchanged;
+    bool isSound = false, hasFrames = false;
+};
+
+GifWriter::GifWriter(const MovingPicture &picture, int zoom) : file(std::make_unique<File>()) {
     int fault = 0;
-    GifFileType *const file = EGifOpen(&bytes, append, &fault);
-    if (file == nullptr) return std::nullopt;
-    const bool isWhole = putAll(file, picture, zoom);
-    if (EGifCloseFile(file, &fault) != GIF_OK || !isWhole) return std::nullopt;
-    return bytes;
+    file->zoom = zoom;
+    file->unchanged = picture.unchanged;
+    if (zoom < 1 || zoom > movieZoomLimit) return;
+    file->gif = EGifOpen(&file->bytes, append, &fault);
+    file->isSound = file->gif != nullptr && putHead(file->gif, picture, zoom);
+}
+
+GifWriter::~GifWriter() { finish(); }
+
+void GifWriter::add(const MovieFrame &frame) {
+    file->isSound = file->isSound && putFrame(file->gif, frame, file->zoom, file->unchanged);
+    file->hasFrames = true;
+}
+
+std::size_t GifWriter::size() const { return file->bytes.size(); }
+
+std::optional<Bytes> GifWriter::finish() {
+    GifFileType *const gif = std::exchange(file->gif, nullptr);
+    int fault = 0;
+    if (gif == nullptr || EGifCloseFile(gif, &fault) != GIF_OK || !file->isSound || !file->hasFrames)
+        return std::nullopt;
+    return std::move(file->bytes);
+}
+
+std::optional<Bytes> gifFile(const MovingPicture &picture, int zoom) {
+    GifWriter writer(picture, zoom);
+    for (const MovieFrame &frame : picture.frames) writer.add(frame);
+    return writer.finish();
 }
 
 }  // namespace numalink

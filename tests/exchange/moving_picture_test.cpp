@@ -120,6 +120,57 @@ TEST(MovingPicture, GifsHoldTheFrames) {
     DGifCloseFile(file, &fault);
 }
 
+// A picture of many colours has a palette for all of them, and still one place that leaves dots as they were.
+TEST(MovingPicture, MoreColorsThanTheDisplaysComeBackAsTheyWere) {
+    const std::vector<Color> more = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    MovieRecorder recorder(more);
+    Surface surface(16, 1);
+    recorder.show(surface, 0);
+    for (int x = 0; x < 12; x++) putDot(surface, x, 0, more[static_cast<std::size_t>(x)]);
+    recorder.show(surface, 100);
+    const MovingPicture picture = recorder.finish(200);
+    ASSERT_EQ(picture.colors.size(), movieColorLimit) << "the last two have no room";
+    const std::uint8_t first = std::size(movieColors);
+    std::vector<std::uint8_t> wanted;
+    for (std::uint8_t i = 0; i < 10; i++) wanted.push_back(static_cast<std::uint8_t>(first + i));
+    wanted.insert(wanted.end(), {0, 0});
+    EXPECT_EQ(picture.frames.at(1).dots, wanted);
+    const auto gif = gifFile(picture, 1);
+    ASSERT_TRUE(gif);
+    EXPECT_EQ((*gif)[10] & 7, 3) << "a palette of 16";
+    for (std::size_t i = 0; i < 10; i++)
+        EXPECT_EQ((*gif)[13 + 3 * (first + i) + 2], more[i]) << "blue is the last of three";
+    const auto png = apngFile(picture, 1);
+    ASSERT_TRUE(png);
+    const std::string bytes(png->begin(), png->end());
+    const std::size_t opacity = bytes.find("tRNS") + 4;
+    EXPECT_EQ(bytes[opacity + movieUnchangedOfMany], '\0');
+    EXPECT_EQ(bytes.substr(opacity, movieUnchangedOfMany), std::string(movieUnchangedOfMany, '\xFF'));
+}
+
+TEST(MovingPicture, AGifGrowsWithItsFramesAndAPngCanBeGivenUp) {
+    std::mt19937 chance(5);
+    MovieRecorder recorder;
+    for (int i = 0; i < 8; i++) recorder.show(displayOf(chance), static_cast<std::uint64_t>(i) * 50);
+    const MovingPicture picture = recorder.finish(1000);
+    GifWriter writer(picture, 2);
+    std::size_t before = writer.size();
+    for (const MovieFrame &frame : picture.frames) {
+        writer.add(frame);
+        EXPECT_GT(writer.size(), before);
+        before = writer.size();
+    }
+    EXPECT_EQ(writer.finish(), gifFile(picture, 2));
+    EXPECT_FALSE(writer.finish()) << "once";
+    std::vector<std::size_t> asked;
+    const auto given = apngFile(picture, 1, [&](std::size_t frame) {
+        asked.push_back(frame);
+        return frame < 3;
+    });
+    EXPECT_FALSE(given);
+    EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 2, 3}));
+}
+
 // Chunks follow each other with sound checksums, and the frames' numbers rise by one.
 TEST(MovingPicture, PngsHoldTheirChunks) {
     std::mt19937 chance(4);
