@@ -40,10 +40,10 @@ DebugOptions options GUARDED_BY(stageLock);
 std::atomic<bool> isConfigured = false;  // stops are told from then on
 bool stopsOnEntry = false;               // reader
 
-std::vector<int> keysOf(const Json &arguments, const char *name) {
-    std::vector<int> keys;
+KeyRuns keysOf(const Json &arguments, const char *name) {
+    KeyRuns keys;
     for (const Json &key : argument(arguments, name, Json(Json::array()))) {
-        if (key.is_number_integer()) keys.push_back(key.get<int>());
+        if (key.is_number_integer()) keys.emplace_back(key.get<int>());
     }
     return keys;
 }

@@ -3,7 +3,9 @@
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/machine.h"
 #include "emulator/machine/pace.h"
+#include "emulator/machine/run_waits.h"
 #include "emulator/screens/display.h"
+#include "emulator/screens/keypad_picture.h"
 #include "exchange/moving_picture.h"
 #include "platform/letter_case.h"
 #include "store/care/user_files.h"
@@ -18,19 +20,38 @@ constexpr std::uint64_t frameMilliseconds = 40;  // of a frame that is counted i
 
 // The run thread's while a run is on.
 MovieRecorder recorder;
-std::uint64_t statementsOfFrame = 0, unitsBefore = 0, milliseconds = 0;
+std::uint64_t statementsOfFrame = 0, unitsBefore = 0, waitedBefore = 0, milliseconds = 0;
 KeyPort keysBehind;
+bool hasKeypad = false;
+int heldKey = 0;
 
-// A run without pauses, in the time that it would take: its units of 0.3 ms, or its statements, and its keys.
+// A run without pauses, in the time that it would take: its units of 0.3 ms, or its statements, its waits and its keys.
 std::uint64_t now() {
-    return milliseconds + (statementsOfFrame > 0 ? machine.statementsRun * frameMilliseconds / statementsOfFrame
-                                                 : (paceUnitsPaid - unitsBefore) * 3 / 10);
+    const std::uint64_t waited = milliseconds + waitMilliseconds - waitedBefore;
+    return waited + (statementsOfFrame > 0 ? machine.statementsRun * frameMilliseconds / statementsOfFrame
+                                           : (paceUnitsPaid - unitsBefore) * 3 / 10);
 }
 
-bool takeKey() {
-    const bool goesOn = keysBehind.beforeWaitTest();
-    if (goesOn) milliseconds += keyMilliseconds;
-    return goesOn;
+void show() { recorder.show(hasKeypad ? keypadPicture(displayNow(), heldKey) : displayNow(), now()); }
+
+void hold(int key) {
+    if (key == heldKey) return;
+    heldKey = key;
+    if (hasKeypad) show();
+}
+
+// The pass of a wait that finds a key stands for as long as somebody takes to press one.
+int takeKey() {
+    const int key = keysBehind.waitKey();
+    if (key > 0) milliseconds += keyMilliseconds;
+    if (key != noKeyAnyMore) hold(key);
+    return key;
+}
+
+int readKey() {
+    const int key = keysBehind.getKey();
+    hold(key);
+    return key;
 }
 
 bool isPng(const std::string &path) { return foldCase(path).ends_with(".png"); }
@@ -43,6 +64,7 @@ void declareRecorded(CLI::App &command, RecordedRun &options) {
         ->check(CLI::Range(1, movieZoomLimit));
     command.add_option("--record-statements", options.statements,
                        "So many statements a frame of 40 ms, in place of the calculator's pace");
+    command.add_flag("--keypad", options.keypad, "Record the key pad below the display, with the key that is held");
 }
 
 std::string recordFault(const RecordedRun &options) {
@@ -53,20 +75,25 @@ std::string recordFault(const RecordedRun &options) {
 
 void recordBegin(const RecordedRun &options) {
     if (options.file.empty()) return;
-    recorder = {};
+    recorder = options.keypad ? MovieRecorder(padColors) : MovieRecorder();
+    hasKeypad = options.keypad;
+    heldKey = 0;
     milliseconds = 0;
     statementsOfFrame = options.statements;
     unitsBefore = paceUnitsPaid;
+    waitedBefore = waitMilliseconds;
     if (statementsOfFrame == 0) paceCounted = true;
     keysBehind = keyPort;
-    keyPort.beforeWaitTest = takeKey;
-    userInterface.displayChanged = [] { recorder.show(displayNow(), now()); };
+    keyPort = {.getKey = readKey, .waitKey = takeKey};
+    userInterface.displayChanged = show;
 }
 
 bool recordEnd(const RecordedRun &options, bool mayReplace) {
     if (options.file.empty()) return true;
     userInterface.displayChanged = userInterfaceSilent.displayChanged;
-    const MovingPicture picture = recorder.finish(now());
+    const std::uint64_t end = now();
+    const MovingPicture picture = recorder.finish(end);
+    if (picture.isFull) tellUser(Text::recordFull, {std::to_string(end / 1000) + " s"});
     const auto bytes = isPng(options.file) ? apngFile(picture, options.zoom) : gifFile(picture, options.zoom);
     if (!bytes) return failWith(Text::recordNothing);
     return writeUserFile(options.file, *bytes, mayReplace);

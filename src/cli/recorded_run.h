@@ -11,6 +11,7 @@ struct RecordedRun {
     std::string file;
     int zoom = 2;
     std::uint64_t statements = 0;  // a frame; 0: at the calculator's pace
+    bool keypad = false;           // below the display, with the key that is held
 };
 
 void declareRecorded(CLI::App &command, RecordedRun &options);

@@ -9,10 +9,13 @@
 #include "cli/hex_text.h"
 #include "cli/library_session.h"
 #include "cli/recorded_run.h"
+#include "cli/run_keys.h"
 #include "cli/run_report.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions/evaluator.h"
+#include "emulator/machine/key_port.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/key_recording.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/run/scripted_run.h"
 #include "platform/clock.h"
@@ -32,6 +35,7 @@ struct RunCommandOptions {
     std::vector<std::string> settings;  // KEY=VALUE
     FollowedRun followed;
     RecordedRun recorded;
+    RunKeyOptions keys;
     bool paced = false;
     bool plain = false;
     bool json = false;
@@ -63,19 +67,24 @@ bool prepare(const RunCommandOptions &options) {
     return true;
 }
 
-int runAndPrint(const RunCommandOptions &options, const std::function<bool()> &load) {
-    if (!prepare(options)) return commandFailed("--set takes KEY=VALUE");
-    std::string fault = recordFault(options.recorded);
+int runAndPrint(const RunCommandOptions &options, ItemId item, const std::function<bool()> &load) {
+    RunScript script = options.script;
+    std::string fault = takeRunKeys(options.keys, item, script);
     if (!fault.empty()) return commandFailed(fault);
-    const RunReport report = runScripted(options.script, [&] {
+    if (!prepare(options)) return commandFailed("--set takes KEY=VALUE");
+    fault = recordFault(options.recorded);
+    if (!fault.empty()) return commandFailed(fault);
+    const RunReport report = runScripted(script, [&] {
         if (!load()) return false;
+        if (!options.keys.recordFile.empty()) keysBegin(keyPort);
         recordBegin(options.recorded);
         fault = followBegin(options.followed);
         return fault.empty();
     });
     if (!fault.empty()) return commandFailed(fault);
     const bool recorded = recordEnd(options.recorded, options.followed.replace);
-    const bool written = followEnd(options.followed) && recorded;
+    const bool kept = writeRunKeys(options.keys, item, options.followed.replace);
+    const bool written = followEnd(options.followed) && recorded && kept;
     if (options.json) {
         std::printf("%s\n", runAsJson(report, boxesShown).dump().c_str());
     } else {
@@ -90,7 +99,7 @@ int runItem(const RunCommandOptions &options) {
     if (!session.open) return exitFailed;
     const ItemId id = findItem(options.item);
     if (id == noItem) return commandFailed("no item " + options.item);
-    return runAndPrint(options, [&] {
+    return runAndPrint(options, id, [&] {
         boxesShown.clear();
         return loadRun(id, itemsBeside(id));
     });
@@ -104,7 +113,7 @@ int evalBytes(const RunCommandOptions &options) {
     image[0] = ':';
     std::ranges::copy(*tokens, image.begin() + 1);
     image[tokens->size() + 1] = 0xFF;
-    return runAndPrint(options, [&] {
+    return runAndPrint(options, noItem, [&] {
         boxesShown.clear();
         programsClear();
         return programAdd(evalName, image);
@@ -112,10 +121,7 @@ int evalBytes(const RunCommandOptions &options) {
 }
 
 void declareScript(CLI::App &command, RunCommandOptions &options) {
-    command.add_option("--keys", options.script.keys, "Key codes, one for each pass of a wait: 31,72,...")
-        ->delimiter(',');
-    command.add_option("--getkey", options.script.getKeys, "What successive reads of GetKey give: 0,31,...")
-        ->delimiter(',');
+    declareRunKeys(command, options.keys);
     command.add_option("--set", options.settings, "A setting for this run, KEY=VALUE")->allow_extra_args(false);
     command.add_option("--statements", options.script.statementLimit, "End the run after so many statements");
     command.add_option("--repeat", options.script.repeat, "So many runs, each with the same keys")

@@ -7,6 +7,7 @@
 
 #include "debugger/machine_image.h"
 #include "emulator/machine/key_port.h"
+#include "emulator/run/key_recording.h"
 #include "platform/clock.h"
 
 namespace numalink {
@@ -204,6 +205,7 @@ bool historyHasInput() {
 std::uint64_t historyOldest() { return history.keyframes.empty() ? UINT64_MAX : history.keyframes.front().statement; }
 
 void historyCut(std::uint64_t statement, bool hasChanged, bool betweenStatements) {
+    keysSpoil();
     if (!history.isOn) return;
     history.waits.cut();
     history.getKeys.cut();

@@ -75,11 +75,11 @@ void appendLine(std::string &json, const ViewLine &line) {
 }
 
 // Key codes parted by commas.
-std::vector<int> codesOf(std::string_view text) {
-    std::vector<int> codes;
+KeyRuns codesOf(std::string_view text) {
+    KeyRuns codes;
     for (int code = 0; const char c : text) {
         if (c == ',') {
-            codes.push_back(code);
+            codes.emplace_back(code);
             code = 0;
         } else {
             code = code * 10 + (c - '0');

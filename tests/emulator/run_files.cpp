@@ -28,9 +28,9 @@ bool isAmong(const std::string &word, std::initializer_list<const char *> words)
     return std::ranges::any_of(words, [&](const char *each) { return word == each; });
 }
 
-std::vector<int> codesOf(const std::string &line) {
-    std::vector<int> codes;
-    for (const std::string &word : wordsOf(line)) codes.push_back(word == "EXE" ? executeKey : std::stoi(word));
+KeyRuns codesOf(const std::string &line) {
+    KeyRuns codes;
+    for (const std::string &word : wordsOf(line)) codes.emplace_back(word == "EXE" ? executeKey : std::stoi(word));
     return codes;
 }
 

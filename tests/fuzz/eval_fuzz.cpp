@@ -101,10 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     clockPort.sleepMilliseconds = [](std::uint64_t) {};  // number input waits for keys
     emulatorRunning = true;
     keyPort.getKey = [] { return 27; };
-    keyPort.beforeWaitTest = [] {
-        keyCode = 31;
-        return true;
-    };
+    keyPort.waitKey = [] { return 31; };
     const ByteView bytes(data, size);
     checkEnds(bytes);
     loadParts(bytes);

@@ -13,7 +13,7 @@ int heldKey() { return keyCode.load(std::memory_order_relaxed); }
 
 const KeyPort windowKeys = {
     .getKey = heldKey,
-    .beforeWaitTest = [] { return true; },
+    .waitKey = heldKey,
 };
 
 KeyPort keyPort = windowKeys;

@@ -4,15 +4,17 @@
 
 namespace numalink {
 
+inline constexpr int noKeyAnyMore = -1;
+
 struct KeyPort {
     // What GetKey yields.
     int (*getKey)();
-    // Called in each pass of a wait (for EXE, the graph cursor, number input), just ahead of its look at keyCode. It
-    // may put a key into keyCode. False ends the run where it stands, as a stop does.
-    bool (*beforeWaitTest)();
+    // What a pass of a wait (for EXE, the graph cursor, number input) finds; it may put a key into keyCode, too.
+    // noKeyAnyMore ends the run where it stands, as a stop does.
+    int (*waitKey)();
 };
 
-extern const KeyPort windowKeys;  // getKey gives keyCode, beforeWaitTest does nothing and gives true
+extern const KeyPort windowKeys;  // both give keyCode
 extern KeyPort keyPort;           // windowKeys unless a front end has put in its own
 
 }  // namespace numalink

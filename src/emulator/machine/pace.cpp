@@ -8,6 +8,7 @@
 namespace numalink {
 
 std::atomic<bool> fullSpeed = false;
+std::atomic<bool> speedHeld = false;
 std::atomic<int> paceFactor = 1;
 bool runRepeats = false;
 bool paceCounted = false;

@@ -10,6 +10,9 @@ namespace numalink {
 // Set by each run thread at its start from the setting FullSpeed (on when it equals 1); tests set it too.
 extern std::atomic<bool> fullSpeed;
 
+// A run goes at full speed while it is set, whatever the setting says; who sets it sets fullSpeed as well. Any thread.
+extern std::atomic<bool> speedHeld;
+
 // How many times as fast as the calculator a run goes that isn't at full speed, from 1; kept from run to run. Any
 // thread.
 extern std::atomic<int> paceFactor;

@@ -12,6 +12,7 @@
 namespace numalink {
 
 std::atomic<bool> runHalted = false;
+std::uint64_t waitMilliseconds = 0;
 
 namespace {
 
@@ -106,17 +107,16 @@ std::uint64_t waitTicks() {
 }
 
 int takeWaitKey(RunEnd where) {
-    if (!keyPort.beforeWaitTest()) {
-        runHalt(where);
-        return noKeyAnyMore;
-    }
-    return keyCode.load();
+    const int key = keyPort.waitKey();
+    if (key == noKeyAnyMore) runHalt(where);
+    return key;
 }
 
 void clearKey(int seen) { keyCode.compare_exchange_strong(seen, 0); }
 
 void waitPassSleep(std::uint64_t milliseconds) {
     if (runRepeats) return;
+    waitMilliseconds += milliseconds;
     if (clockPort.sleepMilliseconds != systemClock.sleepMilliseconds) {
         sleepMilliseconds(milliseconds);
         return;
@@ -136,6 +136,7 @@ void waitPassPace(int units) {
     if (fullSpeed) {
         waitPassSleep(static_cast<std::uint64_t>(units) * 3 / 10);
     } else {
+        waitMilliseconds += static_cast<std::uint64_t>(units) * 3 / 10;
         paceSleep(units);
     }
 }

@@ -2,6 +2,7 @@
 // ends by itself. Run thread, but for runWake.
 #pragma once
 
+#include "emulator/machine/key_port.h"
 #include "emulator/machine/machine.h"
 
 namespace numalink {
@@ -20,9 +21,8 @@ inline bool runGoesOn() {
     return emulatorRunning.load(std::memory_order_relaxed) && !runHalted.load(std::memory_order_relaxed);
 }
 
-// The head of each pass of a wait: lets keyPort put in a key and gives what keyCode holds; noKeyAnyMore when the run
-// doesn't go on. An observer comes in between.
-inline constexpr int noKeyAnyMore = -1;
+// The head of each pass of a wait: what keyPort gives; noKeyAnyMore when the run doesn't go on. An observer comes in
+// between.
 int waitPassKey(RunEnd where);
 int takeWaitKey(RunEnd where);  // the same without the observer
 // What GetKey gives, and milliseconds as waits count them; an observer comes in between here too.
@@ -30,7 +30,8 @@ int takeGetKey();
 std::uint64_t waitTicks();
 // keyCode becomes 0 unless another key than the one seen has come in between.
 void clearKey(int seen);
-// Sleeps for so long; a stop ends it.
+// Sleeps for so long; a stop ends it. All that passes of waits were to sleep is summed, slept or not.
+extern std::uint64_t waitMilliseconds;
 void waitPassSleep(std::uint64_t milliseconds);
 // The pace of a pass: at full speed it sleeps as long, since nobody is served by a processor that spins on a wait.
 void waitPassPace(int units);

@@ -273,7 +273,7 @@ bool goOnElsewhere() {
 
 void runFirstProgram() {
     threadRole = ThreadRole::run;
-    fullSpeed = settingsInt(setting::fullSpeed) == 1;
+    fullSpeed = speedHeld || settingsInt(setting::fullSpeed) == 1;
     for (bool goesOn = true; goesOn;) {
         goesOn = carryOn(0) == LoopEnd::programEnded && showAtEnd(*calls[0]);
         if (runIsLeft()) {
@@ -303,7 +303,7 @@ void callLoaded(int program) {
     }
     if (machine.statementsRun >= nextSpeedLook) {
         nextSpeedLook = machine.statementsRun + settingsInterval;
-        fullSpeed = settingsInt(setting::fullSpeed) == 1;
+        fullSpeed = speedHeld || settingsInt(setting::fullSpeed) == 1;
     }
     runStatements(*calls[static_cast<std::size_t>(nextCall - 1)]);
     nextCall--;  // it stands in the caller's Prog while it waits
@@ -362,7 +362,7 @@ bool runStart(const RunOptions &options) {
     resetRunEnd(RunEnd::running);
     graphicalCallsAccept(ThreadRole::run);
     statementLimitOfRun = options.statementLimit;
-    workBegin(options.statementLimit * workPerStatement);
+    workBegin(options.limitsWork ? options.statementLimit * workPerStatement : 0);
     forgetHalt();
     nextDebugLook = nextSpeedLook = 0;
     statementPlansForget();

@@ -11,6 +11,7 @@ namespace numalink {
 
 struct RunOptions {
     std::uint64_t statementLimit = 0;  // the run ends after so many; 0: no limit
+    bool limitsWork = true;            // with such a limit: evaluations within calls have one too
 };
 
 // Starts the first run thread on program 0. machineStart and the loading come before; emulatorRunning is set here.

@@ -10,26 +10,27 @@ namespace numalink {
 namespace {
 
 // Owned by the active run thread while a run is on.
-const RunScript *current = nullptr;
-std::size_t nextKey = 0, nextGetKey = 0;
+KeyReader keys, getKeys;
 
 constexpr KeyPort scriptKeys = {
-    .getKey = [] { return nextGetKey < current->getKeys.size() ? current->getKeys[nextGetKey++] : 0; },
-    .beforeWaitTest =
+    .getKey = [] { return getKeys.next().value_or(0); },
+    .waitKey =
         [] {
-            if (nextKey >= current->keys.size()) return false;
-            keyCode = current->keys[nextKey++];
-            return true;
+            const std::optional<int> key = keys.next();
+            if (key) keyCode = *key;
+            return key.value_or(noKeyAnyMore);
         },
 };
 
 RunReport runOnce(const RunScript &script, const std::function<bool()> &load) {
     RunReport report;
     machineStart();
+    if (script.begins) beginAs(*script.begins);
+    keys = KeyReader(&script.keys);
+    getKeys = KeyReader(&script.getKeys);
     if (!load()) return report;
-    nextKey = nextGetKey = 0;
     machine.errorTrace = &report.errors;
-    if (runStart({.statementLimit = script.statementLimit})) runWait();
+    if (runStart({.statementLimit = script.statementLimit, .limitsWork = !script.begins})) runWait();
     machine.errorTrace = nullptr;
     report.ended = runEnded();
     report.statements = machine.statementsRun;
@@ -39,7 +40,6 @@ RunReport runOnce(const RunScript &script, const std::function<bool()> &load) {
 }  // namespace
 
 RunReport runScripted(const RunScript &script, const std::function<bool()> &load) {
-    current = &script;
     keyPort = scriptKeys;
     RunReport report;
     for (int i = 0; i < script.repeat; i++) report = runOnce(script, load);

@@ -3,18 +3,22 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
+#include "emulator/machine/key_runs.h"
 #include "emulator/machine/machine.h"
 #include "emulator/machine/run_waits.h"
+#include "emulator/run/run_beginning.h"
 
 namespace numalink {
 
 struct RunScript {
-    std::vector<int> keys;             // one for each pass of a wait; a wait that finds none left ends the run
-    std::vector<int> getKeys;          // one for each read of GetKey, then 0
-    std::uint64_t statementLimit = 0;  // 0: none
-    int repeat = 1;                    // so many runs, each with the same keys
+    KeyRuns keys;                        // one for each pass of a wait; a wait that finds none left ends the run
+    KeyRuns getKeys;                     // one for each read of GetKey, then 0
+    std::uint64_t statementLimit = 0;    // 0: none
+    std::optional<RunBeginning> begins;  // what the machine begins with; else as the run before has left it
+    int repeat = 1;                      // so many runs, each with the same keys
 };
 
 struct RunReport {
