@@ -44,6 +44,7 @@ constexpr DefaultSetting defaultSettings[] = {
     {setting::besideProgram, "0"},
     {setting::farEndPort, ""},
     {setting::keepMoments, "1"},
+    {setting::recordKeypad, "0"},
     {setting::indentLines, "1"},
     {setting::completeWhileTyping, "1"},
     {setting::codePanes, ""},

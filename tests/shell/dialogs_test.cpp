@@ -18,6 +18,7 @@
 #include "shell/parts/scale.h"
 #include "shell/parts/status_bar.h"
 #include "shell/run/keypad_skin.h"
+#include "shell/run/keys_dialog.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/surface_view.h"
 #include "telling/language_table.h"
@@ -84,6 +85,7 @@ constexpr std::pair<const char *, void (*)()> dialogs[] = {
     {"password", changePassword},
     {"about", showAboutBox},
     {"report", showReport},
+    {"keys", assignKeys},
 };
 
 std::string spoken(const QWidget *part) {

@@ -1,7 +1,6 @@
 #include "emulator/run/key_file.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -17,7 +16,7 @@ namespace {
 constexpr char firstLine[] = "numalink-keys 1";
 constexpr std::size_t keysALine = 16;
 constexpr std::size_t programNameLimit = 1000;  // bytes
-constexpr std::array settingKeys = {setting::calculatorModes, setting::fillListsMatrices, setting::haltOnError};
+constexpr const char *settingKeys[] = {setting::calculatorModes, setting::fillListsMatrices, setting::haltOnError};
 
 std::string_view componentOf(std::string_view key) { return key.substr(key.rfind('.') + 1); }
 
@@ -45,7 +44,7 @@ bool takeProgram(std::string_view rest, KeyFile &file) {
 bool takeSetting(std::string_view rest, KeyFile &file) {
     const std::string_view name = cutAt(rest, ' ');
     const bool isKnown = std::ranges::any_of(settingKeys, [&](const char *key) { return componentOf(key) == name; });
-    if (!isKnown || (rest != "0" && rest != "1") || file.settings.size() >= settingKeys.size()) return false;
+    if (!isKnown || (rest != "0" && rest != "1") || file.settings.size() >= std::size(settingKeys)) return false;
     file.settings.emplace_back(name, rest == "1" ? 1 : 0);
     return true;
 }
@@ -111,7 +110,7 @@ std::vector<std::pair<std::string, int>> keyFileSettings() {
 std::string keyFileSettingKey(const std::string &component) {
     const auto *const found =
         std::ranges::find_if(settingKeys, [&](const char *key) { return componentOf(key) == component; });
-    return found == settingKeys.end() ? std::string() : *found;
+    return found == std::end(settingKeys) ? std::string() : *found;
 }
 
 std::uint32_t keyFileChecksum(ItemId program) {

@@ -14,11 +14,11 @@
 namespace numalink {
 
 struct RunScript {
-    KeyRuns keys;                        // one for each pass of a wait; a wait that finds none left ends the run
-    KeyRuns getKeys;                     // one for each read of GetKey, then 0
-    std::uint64_t statementLimit = 0;    // 0: none
-    std::optional<RunBeginning> begins;  // what the machine begins with; else as the run before has left it
-    int repeat = 1;                      // so many runs, each with the same keys
+    KeyRuns keys;                             // one for each pass of a wait; a wait that finds none left ends the run
+    KeyRuns getKeys;                          // one for each read of GetKey, then 0
+    std::uint64_t statementLimit = 0;         // 0: none
+    std::optional<RunBeginning> begins = {};  // what the machine begins with; else as the run before has left it
+    int repeat = 1;                           // so many runs, each with the same keys
 };
 
 struct RunReport {

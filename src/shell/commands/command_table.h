@@ -123,6 +123,11 @@ enum class CommandId {
     sortBySize,
     sortByTime,
     selectAll,
+    recordKeypad,
+    saveKeys,
+    playKeys,
+    copyPicture,
+    assignKeys,
 
     openView = 4654,  // opens the selected item's view; in no menu
     deleteKey = 46,   // Delete in the tree; in no menu

@@ -25,6 +25,7 @@ constexpr HelpRow helpRows[] = {
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
     {"reportDialog", "trouble"},      {"searchWindow", "finding"},      {"compareDialog", "finding"},
     {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},  {"arrivalsDialog", "files"},
+    {"keysDialog", "keys"},
 };
 
 QString pageOf(const QDialog *dialog) {

@@ -67,7 +67,7 @@ public:
         return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface *>(this) : nullptr;
     }
     QStringList actionNames() const override { return {pressAction()}; }
-    QStringList keyBindingsForAction(const QString &) const override { return {}; }
+    QStringList keyBindingsForAction(const QString &) const override { return keyboardNamesOf(face.code); }
     void doAction(const QString &name) override {
         if (name != pressAction() || !emulatorRunning) return;
         pressPadKey(face.code);

@@ -11,6 +11,9 @@ namespace numalink {
 // it.
 void pressKey(int code);
 void releaseKey();
+bool fastKeyUp(const QKeyEvent &key);  // false for another key
+void releaseAllKeys();                 // the keyboard is no longer the run's
+int heldPadKey();                      // the code of the one that is down, 0 without one
 void forgetEmulatorKeys();
 
 // What a key of the calculator is on the keyboard, as keyboards name it in the language of Qt; empty for none.

@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -11,8 +10,10 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QTimer>
+#include <QToolTip>
 #include <algorithm>
 #include <atomic>
+#include <optional>
 
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
@@ -32,16 +33,19 @@
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/debug_window.h"
+#include "shell/run/display_out.h"
 #include "shell/run/emulator_access.h"
 #include "shell/run/emulator_keys.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/full_screen.h"
+#include "shell/run/key_assignments.h"
 #include "shell/run/keypad_focus.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/mode_line.h"
 #include "shell/run/recording.h"
+#include "shell/run/run_keys.h"
+#include "shell/run/run_marks.h"
 #include "shell/tree/selection.h"
-#include "shell/views/bitmap_export.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
 #include "store/item_store.h"
@@ -64,6 +68,7 @@ struct EmulatorWindow {
     bool namesKeys = false;      // the keyboard's keys are drawn over the key pad
     QTimer *namesDue = nullptr;  // runs from when their key is down
     ItemId started = noItem;
+    std::optional<QPointF> dragFrom;  // where the mouse went down on the display
 };
 EmulatorWindow state;
 
@@ -151,13 +156,33 @@ void paintEmulator() {
     if (emulatorRunning) paintKeyFocus(painter, pickedKey());
 }
 
+bool isOnDisplay(const QPoint &dot) {
+    return dot.x() >= 0 && dot.x() < displayWidth && dot.y() >= 0 && dot.y() < displayHeight;
+}
+
 void mouseMoved(const QMouseEvent &mouse) {
+    if (state.dragFrom && (mouse.buttons() & Qt::LeftButton) != 0) {
+        const bool isFar = (mouse.position() - *state.dragFrom).manhattanLength() >= QApplication::startDragDistance();
+        if (!isFar) return;
+        state.dragFrom.reset();
+        return dragDisplay();
+    }
     if (!emulatorRunning) return;
     const QPoint dot = dotAtPlace(mouse.position());
     const int key = keyHit(dot.x(), dot.y());
     if (key == state.outlinedKey) return;
     state.outlinedKey = key;
     emulatorWindow->update();
+}
+
+// What the key under the mouse is on the keyboard.
+void showKeyTip(const QHelpEvent &help) {
+    const QPoint dot = dotAtPlace(help.pos());
+    const KeyFace *face = keyFaceOf(keyHit(dot.x(), dot.y()));
+    const QStringList names = face == nullptr ? QStringList() : keyboardNamesOf(face->code);
+    if (names.isEmpty()) return QToolTip::hideText();
+    QToolTip::showText(help.globalPos(),
+                       QString::fromUtf8(face->legend) + QStringLiteral(": ") + names.join(QStringLiteral(", ")));
 }
 
 void pressOnPad(int key) {
@@ -172,8 +197,8 @@ void mousePressed(const QMouseEvent &mouse) {
     emulatorWindow->setFocus();
     if (!emulatorRunning || mouse.button() != Qt::LeftButton) return;
     const QPoint dot = dotAtPlace(mouse.position());
-    const int key = keyHit(dot.x(), dot.y());
-    pressOnPad(key);
+    if (isOnDisplay(dot)) state.dragFrom = mouse.position();
+    pressOnPad(keyHit(dot.x(), dot.y()));
 }
 
 bool keyPressed(const QKeyEvent &key) {
@@ -190,6 +215,9 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             placeModeLine();
             fitEmulatorPlace();
             return false;
+        case QEvent::ToolTip:
+            showKeyTip(*static_cast<QHelpEvent *>(event));
+            return true;
         case QEvent::MouseMove:
             mouseMoved(*static_cast<QMouseEvent *>(event));
             return true;
@@ -198,6 +226,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             mousePressed(*static_cast<QMouseEvent *>(event));
             return true;
         case QEvent::MouseButtonRelease:
+            state.dragFrom.reset();
             if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) releaseKey();
             return true;
         case QEvent::Leave:
@@ -205,7 +234,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             emulatorWindow->update();
             return false;
         case QEvent::FocusOut:
-            keyCode = 0;
+            releaseAllKeys();
             nameKeys(false);
             return false;
         case QEvent::ShortcutOverride:
@@ -253,19 +282,24 @@ void startAnewWithModes();
 
 bool startRun(ItemId item) {
     state.started = item;
+    useSettingsOfKeys();
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
+    beginKeys();
     showModeLine(machine.calculatorModes ? std::vector<std::string>() : modeCommandsOfRun(), startAnewWithModes);
     fitEmulatorPlace();
     state.displaySeen = 0;
     state.display = displayNow();
     runBegins();
     emulatorWindow->update();
-    return runStart();
+    const bool runs = runStart();
+    showRunMarks();
+    return runs;
 }
 
 void startAnewWithModes() {
     if (!emulatorRunning) return;
+    endKeys();
     settingsSetInt(setting::calculatorModes, 1);
     if (!settingsSave()) tellUser(Text::settingsNotSaved);
     runStop();
@@ -306,6 +340,7 @@ QRect displayOnDesktop() {
 }  // namespace
 
 bool emulatorShown() { return emulatorWindow != nullptr && !emulatorWindow->isHidden(); }
+ItemId emulatedItem() { return state.started; }
 
 void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
@@ -329,8 +364,9 @@ void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     runIsOver();
+    endKeys();
     recordingEnds();
-    keyCode = 0;
+    releaseAllKeys();
     fullScreenLeave();
     hideDebugWindow();
     leaveKeypad();
@@ -387,21 +423,10 @@ bool showBesideProgram(bool beside) {
     return true;
 }
 
-void saveScreenshot() {
-    const Surface picture = displayNow();
-    const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
-    saveSurface(picture, item ? utf8FromCalculator(item->name) : std::string());
-}
-
-void copyDisplayText() {
-    const std::string text = displayText();
-    if (!text.empty()) QApplication::clipboard()->setText(toQt(text));
-}
-
 void chooseSpeed(int factor) {
     settingsSetInt(setting::fullSpeed, factor == 0 ? 1 : 0);
     if (factor > 0) paceFactor = factor;
-    if (emulatorRunning) fullSpeed = factor == 0;
+    if (emulatorRunning) fullSpeed = factor == 0 || speedHeld;
     commandStatesChanged();
 }
 
@@ -425,6 +450,7 @@ void makeEmulatorWindow() {
     state.namesDue->setSingleShot(true);
     QObject::connect(state.namesDue, &QTimer::timeout, emulatorWindow, [] { nameKeys(true); });
     hookEvents(emulatorWindow, emulatorEvent);
+    loadAssignments();
     pressPadKey = pressOnPad;
     keypadFocusChanged = showPickedKey;
     viewLeft = stopWithView;
@@ -442,6 +468,8 @@ void forgetEmulatorWindow() {
     state = {};
     marked = false;
     forgetEmulatorKeys();
+    forgetRunMarks();
+    forgetDraggedFiles();
     forgetModeLine();
     forgetFullScreen();
     forgetDebugWindow();

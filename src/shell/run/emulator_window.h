@@ -2,6 +2,8 @@
 // but for displayMarked.
 #pragma once
 
+#include "calculator/item_kinds.h"
+
 class QWidget;
 
 namespace numalink {
@@ -13,6 +15,7 @@ void emulatorToggle();
 // none runs.
 void emulatorStop();
 bool emulatorShown();
+ItemId emulatedItem();  // the program that was started last
 
 // Puts the calculator beside the program, or over the view; at once where it is shown. False when the view couldn't be
 // left.
@@ -21,10 +24,6 @@ bool showBesideProgram(bool beside);
 // For who follows runs: one is loaded and about to begin; the last one is over, its threads joined.
 inline void (*runBegins)() = [] {};
 inline void (*runIsOver)() = [] {};
-
-// The Save Screenshot command: the display, 128 by 64 dots, as a bitmap file.
-void saveScreenshot();
-void copyDisplayText();  // what it shows as text, onto the clipboard
 
 // So many times as fast as the calculator, 0 for full speed; a run goes on at it at once.
 void chooseSpeed(int factor);

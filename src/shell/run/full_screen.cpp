@@ -67,8 +67,10 @@ bool fullScreenEvent(QWidget *window, QEvent *event) {
             return true;
         case QEvent::KeyPress:
             return emulatorKeyDown(*static_cast<QKeyEvent *>(event));
+        case QEvent::KeyRelease:
+            return fastKeyUp(*static_cast<QKeyEvent *>(event));
         case QEvent::FocusOut:
-            keyCode = 0;
+            releaseAllKeys();
             return false;
         case QEvent::Close:
             event->ignore();

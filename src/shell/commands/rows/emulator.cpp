@@ -3,9 +3,11 @@
 
 #include "emulator/machine/pace.h"
 #include "settings/settings_store.h"
+#include "shell/run/display_out.h"
 #include "shell/run/emulator_window.h"
 #include "shell/run/keypad_focus.h"
 #include "shell/run/recording.h"
+#include "shell/run/run_keys.h"
 
 namespace numalink {
 
@@ -37,6 +39,22 @@ constexpr Command rows[] = {
      .tip = Text::tipRecord,
      .checked = isRecording,
      .run = toggleRecording},
+    {.id = CommandId::recordKeypad,
+     .menu = emulator,
+     .text = Text::menuRecordKeypad,
+     .tip = Text::tipRecordKeypad,
+     .checked = recordsKeypad,
+     .run = toggleRecordsKeypad},
+    {.id = CommandId::saveKeys,
+     .menu = emulator,
+     .text = Text::menuSaveKeys,
+     .tip = Text::tipSaveKeys,
+     .run = saveKeys},
+    {.id = CommandId::copyPicture,
+     .menu = emulator,
+     .text = Text::menuCopyPicture,
+     .tip = Text::tipCopyPicture,
+     .run = copyDisplayPicture},
     {.id = CommandId::copyDisplay,
      .menu = emulator,
      .text = Text::menuCopyDisplay,

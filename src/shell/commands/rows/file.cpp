@@ -6,6 +6,7 @@
 #include "shell/commands/file_commands.h"
 #include "shell/commands/library_commands.h"
 #include "shell/dialogs/settings_dialog.h"
+#include "shell/run/keys_dialog.h"
 
 namespace numalink {
 
@@ -125,6 +126,11 @@ constexpr Command rows[] = {
      .text = Text::menuSettings,
      .tip = Text::tipSettings,
      .run = changeSettings},
+    {.id = CommandId::assignKeys,
+     .menu = file,
+     .text = Text::menuAssignKeys,
+     .tip = Text::tipAssignKeys,
+     .run = assignKeys},
     {.id = CommandId::exit,
      .menu = file,
      .text = Text::menuExit,

@@ -9,6 +9,7 @@
 #include "shell/library/duplicates_dialog.h"
 #include "shell/library/versions_dialog.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/run_keys.h"
 #include "shell/tree/item_commands.h"
 #include "shell/tree/move_dialog.h"
 #include "shell/tree/several.h"
@@ -113,6 +114,13 @@ constexpr Command rows[] = {
      .storesFirst = true,
      .enabledFor = isProgram,
      .run = emulatorToggle},
+    {.id = CommandId::playKeys,
+     .menu = item,
+     .text = Text::menuPlayKeys,
+     .tip = Text::tipPlayKeys,
+     .storesFirst = true,
+     .enabledFor = isProgram,
+     .run = playKeys},
     {.id = CommandId::password,
      .menu = item,
      .text = Text::menuPassword,
