@@ -239,7 +239,7 @@ TEST_F(Playing, ARecordingTellsThatItIsOnAndIsNeverLostUnasked) {
         QTest::keyPress(emulatorWindow, Qt::Key_Return);
         QTest::qWait(120);
         QTest::keyRelease(emulatorWindow, Qt::Key_Return);
-        QTest::qWait(120);
+        QTest::qWait(600);  // it is looked at four times a second
         EXPECT_FALSE(marks().contains(QStringLiteral(" 0 KB"))) << marks().toStdString();
         shown.clear();
         answerBoxes = false;
@@ -276,7 +276,7 @@ TEST_F(Playing, ARecordingTellsThatItIsOnAndIsNeverLostUnasked) {
 }
 
 TEST_F(Playing, TheDisplayGoesOutAsPicturesDotByDot) {
-    run("\\Locate 1,1,\"HI\"");
+    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto 1");
     ASSERT_TRUE(shows("HI"));
     handleCommand(CommandId::copyPicture);
     const auto expectDisplay = [](const QImage &image) {

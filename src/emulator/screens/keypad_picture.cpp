@@ -57,11 +57,23 @@ int widthOf(const std::string &text) {
     return width - 1;
 }
 
+// Legends that the small font lacks a sign for, or that are wider than their key.
+struct ShortLegend {
+    int code;
+    const char *text;
+};
+constexpr ShortLegend shortLegends[] = {{34, "AC"}, {57, "^"}, {65, "F-D"}, {75, "ab/c"}, {76, "X\xCE\xB8T"}};
+
+std::string legendOf(const KeyFace &face) {
+    const auto *const found = std::ranges::find(shortLegends, face.code, &ShortLegend::code);
+    return calculatorFromUtf8(found == std::end(shortLegends) ? face.legend : found->text);
+}
+
 // In the middle of the key; what is wider loses its end.
 void drawLegend(Surface &surface, const KeyFace &face, Color color, Color ground) {
-    std::string text = calculatorFromUtf8(face.legend);
+    std::string text = legendOf(face);
     const KeySize size = keySize(face.shape);
-    while (text.size() > 1 && widthOf(text) > size.width - 2) text.pop_back();
+    while (text.size() > 1 && widthOf(text) > size.width) text.pop_back();
     const int x = face.x + (size.width - widthOf(text)) / 2, y = face.y + (size.height - smallCharHeight) / 2;
     drawSmallText(surface, x, y, text, color, ground);
 }
