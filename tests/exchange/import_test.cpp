@@ -233,6 +233,18 @@ TEST_F(Import, ManyFilesAreAskedAboutOnceAndListedTogether) {
     EXPECT_EQ(storeFindItem("all", rootId), noItem) << "all files are one step";
 }
 
+TEST_F(Import, WhatIsThereAlreadyStaysTheSameWhateverElseComes) {
+    uiRecord.importAction = ImportAction::standardFolders;
+    importText("a.cat", catProgram("ONE", "A"));
+    scratch.write("b.cat", catProgram("ONE", "B"));
+    uiRecord.arrivalChoice.reset();
+    importFiles({{scratch.path + "b.cat", "b"}, {scratch.path + "a.cat", "a"}, {scratch.path + "b.cat", "b"}});
+    std::vector<ArrivalState> states;
+    for (const ArrivalRow &arrival : uiRecord.arrivals) states.push_back(arrival.state);
+    EXPECT_THAT(states, ElementsAre(ArrivalState::differs, ArrivalState::same, ArrivalState::twice));
+    EXPECT_EQ(contentOf(storeStandardFolder(1001)), "ONE=A, ONE 2=B, ");
+}
+
 TEST_F(Import, AnAnswerForAllCancelsAllAndAFullLibraryTellsWhatWasLeft) {
     std::vector<FileToImport> files;
     for (const std::string name : {"A", "B", "C", "D"}) {

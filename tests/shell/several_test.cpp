@@ -66,6 +66,7 @@ TEST_F(SeveralItems, AreSelectedByKeyboardAlone) {
     EXPECT_EQ(selected(), "AB:B") << "a range shrinks, too";
     press(Qt::Key_Escape);
     EXPECT_EQ(selected(), "B:B");
+    EXPECT_EQ(itemField->toolTip(), textOf(Text::size, {"3"}));
     press(Qt::Key_Space, Qt::ControlModifier);
     press(Qt::Key_Down, Qt::ControlModifier);
     press(Qt::Key_Down, Qt::ControlModifier);

@@ -27,6 +27,7 @@ namespace {
 
 enum Column { itemColumn, whereColumn, stateColumn, choiceColumn, columnCount };
 
+constexpr int columnGap = 12;    // pixels
 constexpr int notesShown = 200;  // lines; the last one tells how many more there are
 
 struct ArrivalsDialog {
@@ -68,7 +69,10 @@ void fillList(ArrivalsDialog &state) {
         showChoice(entry, row);
         entry->setSelected(isTaken(row));
     }
-    for (int column = 0; column < columnCount; column++) state.list->resizeColumnToContents(column);
+    for (int column = 0; column < columnCount; column++) {
+        state.list->resizeColumnToContents(column);
+        state.list->setColumnWidth(column, state.list->columnWidth(column) + grown(columnGap));
+    }
     state.list->setCurrentItem(state.list->topLevelItem(0), 0, QItemSelectionModel::NoUpdate);
 }
 

@@ -1,5 +1,6 @@
 #include "shell/tree/selection.h"
 
+#include "shell/editor/program_status.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/selected_item.h"
@@ -32,6 +33,14 @@ void tellSeveral() {
     if (severalSelected()) statusLine(StatusPart::item, Text::itemsSelected, {std::to_string(state.kinds.size())});
 }
 
+// In the status bar, in the place of how many are selected.
+void tellViewed() {
+    if (isTextKind(viewKind))
+        programToStatus(viewItemId);
+    else
+        reopenView();
+}
+
 void markAmong(ItemId id, const std::vector<ItemId> &beside) {
     markSelected(id, beside);
     state.kept = beside;
@@ -61,7 +70,9 @@ bool selectAmong(ItemId id, const std::vector<ItemId> &beside) {
     if (state.selecting) return false;
     if (id != noItem && id == selectedItemId() && viewItemId == id) {
         state.kept = beside;
-        if (severalSelected() || !beside.empty()) markAmong(id, beside);
+        const bool wereSeveral = severalSelected();
+        if (wereSeveral || !beside.empty()) markAmong(id, beside);
+        if (wereSeveral && !severalSelected()) tellViewed();
         return true;
     }
     state.selecting = true;

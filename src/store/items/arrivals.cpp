@@ -34,6 +34,7 @@ void findState(Arrival &arrival, const Folder &folder) {
         const bool same = std::ranges::any_of(arrival.taken, [&](ItemId id) { return isSame(id, arrival.id); });
         arrival.state = same ? ArrivalState::same : ArrivalState::differs;
         arrival.choice = same ? ArrivalChoice::skip : ArrivalChoice::keepBoth;
+        if (same) return;  // whatever else comes
     }
     for (const Arrival *first : folder.coming) {
         if (first->kind != arrival.kind || first->from.batch == arrival.from.batch ||
