@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "text/program_bytes.h"
 #include "text/token_table.h"
@@ -81,7 +82,8 @@ Text stateText(ReferenceState state) {
 QString codeOf(const QString &text) {
     QString html = text.toHtmlEscaped();
     html.replace(QLatin1Char('\n'), QLatin1String("<br>"));
-    return QStringLiteral("<span style=\"font-family:'Numalink Screen'; font-size:16px\">%1</span>").arg(html);
+    return QStringLiteral("<span style=\"font-family:'Numalink Screen'; font-size:%1px\">").arg(grownWhole(16)) + html +
+           QLatin1String("</span>");
 }
 
 QString part(Text title, const QString &html) {
