@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "cli/hex_text.h"
 #include "text/lenient_text.h"
 
 namespace numalink {
@@ -36,11 +37,23 @@ std::vector<std::size_t> unitsOf(std::string_view utf8) {
     return units;
 }
 
-// "file:///home/x/SNAKE.txt" is SNAKE.
+// An address has signs that it can't hold as "%" and two hexadecimal digits.
+std::string withoutEscapes(std::string_view text) {
+    std::string plain;
+    for (std::size_t at = 0; at < text.size(); at++) {
+        const auto escape = text[at] == '%' ? bytesFromHex(text.substr(at + 1, 2)) : std::nullopt;
+        const bool isEscape = escape && escape->size() == 1;
+        plain += isEscape ? static_cast<char>(escape->front()) : text[at];
+        at += isEscape ? 2 : 0;
+    }
+    return plain;
+}
+
+// "file:///home/x/MY%20GAME.txt" is MY GAME.
 std::string nameOf(const std::string &address) {
     std::string name = address.substr(address.find_last_of('/') + 1);
     name.resize(std::min(name.size(), name.find_last_of('.')));
-    return calculatorFromUtf8(name);
+    return calculatorFromUtf8(withoutEscapes(name));
 }
 
 }  // namespace

@@ -147,15 +147,13 @@ Json complete(const Request &request) {
     const CompletionQuery query = completionQuery(line, readLine(line, true), place.character);
     std::vector<std::string> programs;
     for (const auto &[address, other] : request.server.documents) programs.push_back(other.name);
-    constexpr int functionKind = 3, referenceKind = 18, fileKind = 17;
+    constexpr int itemKinds[] = {3, 18, 17, 6, 6};  // function, reference, file, variables
     Json items = Json::array();
     for (const Completion &each : completionsOf(query, document.structure, programs)) {
         const ReferenceRow *row = each.kind == CompletionKind::token ? referenceOf(each.token) : nullptr;
         const std::string text = utf8FromCalculator(row != nullptr ? tokenOnView(each.bytes, false) : each.shown);
         Json item = {{"label", utf8FromCalculator(each.shown)},
-                     {"kind", each.kind == CompletionKind::token   ? functionKind
-                              : each.kind == CompletionKind::label ? referenceKind
-                                                                   : fileKind},
+                     {"kind", itemKinds[static_cast<std::size_t>(each.kind)]},
                      {"sortText", std::to_string(1000000 - each.rank)},
                      {"filterText", utf8FromCalculator(query.letters)},
                      {"textEdit",
@@ -222,11 +220,14 @@ std::vector<std::string> addressesFor(const Request &request, const ProgramName 
 
 Json references(const Request &request) {
     const ProgramName name = request.name();
+    const Json context = argument(request.params, "context", Json::object());
+    const bool definesToo = argument(context, "includeDeclaration", true);
     Json list = Json::array();
     for (const std::string &address : addressesFor(request, name)) {
         const LanguageDocument &document = request.server.documents.at(address);
         for (const NameUse &use : usesOf(document.structure, name))
-            list.push_back({{"uri", address}, {"range", rangeOfTokens(document, use.first, use.count)}});
+            if (definesToo || use.kind != NameUseKind::defines)
+                list.push_back({{"uri", address}, {"range", rangeOfTokens(document, use.first, use.count)}});
     }
     return list;
 }

@@ -1,6 +1,7 @@
 #include "language/completion.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cctype>
 
 #include "calculator/charset.h"
@@ -60,6 +61,56 @@ std::vector<Completion> tokensFor(std::string_view letters) {
     return found;
 }
 
+// The lists and matrices that a calculator has.
+struct ArrayRow {
+    CompletionKind kind;
+    TokenCode word;
+    std::string_view typed;  // the word's letters
+    std::string_view names;  // each one token
+};
+constexpr ArrayRow listRow = {CompletionKind::list, code::list, "List", "123456"};
+constexpr ArrayRow matrixRow = {CompletionKind::matrix, code::matrix, "Mat", "ABCDEFGHIJKLMNOPQRSTUVWXYZ\xC0"};  // Ans
+
+// The names that the program has behind the word, or as the one token that a list has, too.
+std::bitset<256> usedNames(const ProgramStructure &program, const ArrayRow &row) {
+    std::bitset<256> used;
+    const auto &tokens = program.tokens;
+    for (std::size_t i = 0; i < tokens.size(); i++) {
+        const TokenCode own = tokens[i].code;
+        const bool isList = row.kind == CompletionKind::list && own >= code::firstList && own <= code::lastList;
+        if (isList) used.set('1' + std::size_t{own} - code::firstList);
+        if (i > 0 && own < used.size() && tokens[i - 1].is(row.word)) used.set(own);
+    }
+    return used;
+}
+
+// withWord: the letters are the word's and perhaps the name's; else the name's alone.
+void addArrays(std::string_view letters, bool withWord, const ArrayRow &row, const ProgramStructure &program,
+               std::vector<Completion> &found) {
+    const std::bitset<256> used = usedNames(program, row);
+    for (const char sign : row.names) {
+        const auto name = static_cast<std::uint8_t>(sign);
+        Bytes bytes = withWord ? bytesOfToken(row.word) : Bytes();
+        bytes.push_back(name);
+        std::string shown = withWord ? std::string(row.typed) + ' ' : std::string();
+        shown += tokenOnView(ByteView(&name, 1), false);
+        const int rank = letters.empty() ? anywhere : letterRank(letters, shown);
+        if (rank == 0) continue;
+        found.push_back({row.kind, std::move(shown), std::move(bytes), 0, used[name] ? rank + 1 : rank});
+    }
+}
+
+bool holdsWord(std::string_view letters, std::string_view word) {
+    return std::ranges::equal(letters.substr(0, word.size()), word, {}, folded, folded);
+}
+
+std::vector<Completion> tokensAndArraysFor(std::string_view letters, const ProgramStructure &program) {
+    std::vector<Completion> found = tokensFor(letters);
+    for (const ArrayRow *row : {&listRow, &matrixRow})
+        if (holdsWord(letters, row->typed)) addArrays(letters, true, *row, program, found);
+    return found;
+}
+
 std::vector<Completion> labelsFor(std::string_view letters, const ProgramStructure &program) {
     std::vector<Completion> found;
     for (const LabelMention &label : program.labels) {
@@ -101,6 +152,22 @@ Ahead aheadOf(const LineReading &reading, std::size_t caret) {
 }
 
 TokenCode codeOf(const ViewToken &token) { return tokenCodeOf(ByteView(token.bytes).first(token.length)); }
+
+// What alone may follow the token.
+CompletionQuery::Wish wishBehind(TokenCode token) {
+    switch (token) {
+        case code::goTo:
+            return CompletionQuery::Wish::labels;
+        case code::list:
+            return CompletionQuery::Wish::lists;
+        case code::matrix:
+            return CompletionQuery::Wish::matrices;
+        case code::label:
+            return CompletionQuery::Wish::nothing;
+        default:
+            return CompletionQuery::Wish::tokens;
+    }
+}
 
 // Programs behind Prog and a quotation mark; from is the first character behind it.
 void takeQuoted(const Ahead &ahead, CompletionQuery &query) {
@@ -144,13 +211,13 @@ CompletionQuery completionQuery(const ViewLine &line, const LineReading &reading
         while (query.from > 0 && isWordLetter(line.text[query.from - 1])) query.from--;
         const auto before = std::find_if(ahead.tokens.rbegin(), ahead.tokens.rend(),
                                          [&](const ViewToken &token) { return token.from + token.size <= query.from; });
-        const TokenCode last = before == ahead.tokens.rend() ? 0 : codeOf(*before);
-        const bool jumps = last == code::goTo && before->from + before->size == query.from;
-        query.wish = jumps ? CompletionQuery::Wish::labels : CompletionQuery::Wish::tokens;
-        if (last == code::label) query.wish = CompletionQuery::Wish::nothing;
-        if (!ahead.tokens.empty() && codeOf(ahead.tokens.back()) == code::goTo &&
-            ahead.tokens.back().from + ahead.tokens.back().size == caret) {
-            query.wish = CompletionQuery::Wish::labels;
+        const bool isBehind = before != ahead.tokens.rend() && before->from + before->size == query.from;
+        query.wish = isBehind ? wishBehind(codeOf(*before)) : CompletionQuery::Wish::tokens;
+        // Right behind a word that wants a name, its own letters are none.
+        const bool endsHere = !ahead.tokens.empty() && ahead.tokens.back().from + ahead.tokens.back().size == caret;
+        const auto own = endsHere ? wishBehind(codeOf(ahead.tokens.back())) : CompletionQuery::Wish::tokens;
+        if (own != CompletionQuery::Wish::tokens && own != CompletionQuery::Wish::nothing) {
+            query.wish = own;
             query.from = caret;
         }
     }
@@ -165,7 +232,13 @@ std::vector<Completion> completionsOf(const CompletionQuery &query, const Progra
     std::vector<Completion> found;
     switch (query.wish) {
         case CompletionQuery::Wish::tokens:
-            found = tokensFor(query.letters);
+            found = tokensAndArraysFor(query.letters, program);
+            break;
+        case CompletionQuery::Wish::lists:
+            addArrays(query.letters, false, listRow, program, found);
+            break;
+        case CompletionQuery::Wish::matrices:
+            addArrays(query.letters, false, matrixRow, program, found);
             break;
         case CompletionQuery::Wish::labels:
             found = labelsFor(query.letters, program);

@@ -7,7 +7,7 @@
 
 namespace numalink {
 
-enum class CompletionKind : std::uint8_t { token, label, program };
+enum class CompletionKind : std::uint8_t { token, label, program, list, matrix };
 struct Completion {
     CompletionKind kind{};
     std::string shown;    // calculator codes
@@ -18,14 +18,17 @@ struct Completion {
 
 // What is being typed, from the line of the caret.
 struct CompletionQuery {
-    enum class Wish : std::uint8_t { tokens, labels, programs, nothing } wish = Wish::nothing;
+    enum class Wish : std::uint8_t { tokens, labels, programs, lists, matrices, nothing } wish = Wish::nothing;
     std::string letters;   // calculator codes ahead of the caret, without an ending blank
     std::size_t from = 0;  // the first of them in the line; they go up to the caret
 };
-// caret counts characters of the line. Within quotes programs are meant behind Prog, and nothing elsewhere.
+// caret counts characters of the line. Within quotes programs are meant behind Prog, and nothing elsewhere; behind List
+// and Mat the names alone.
 CompletionQuery completionQuery(const ViewLine &line, const LineReading &reading, std::size_t caret);
 
-// Names of programs in calculator codes. At most completionLimit. No letters: all labels or programs; for tokens none.
+// Names of programs in calculator codes. At most completionLimit. No letters: all labels, programs, lists or matrices;
+// for tokens none. Letters that hold all of "List" or "Mat" stand for single lists and matrices as well; those that the
+// program uses come first.
 inline constexpr std::size_t completionLimit = 60;
 std::vector<Completion> completionsOf(const CompletionQuery &query, const ProgramStructure &program,
                                       const std::vector<std::string> &programs);

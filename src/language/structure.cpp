@@ -298,6 +298,21 @@ std::vector<int> depthOfLines(const ProgramStructure &program) {
     return depths;
 }
 
+std::vector<FoldableLines> foldableLines(const ProgramStructure &program) {
+    std::vector<FoldableLines> found;
+    for (const ProgramBlock &block : program.blocks) {
+        if (block.opens == noToken || block.closes == noToken) continue;
+        const FoldableLines lines{lineOf(program, program.tokens[block.opens].at),
+                                  lineOf(program, program.tokens[block.closes].at)};
+        // Blocks come by their first tokens: of one line the outermost is the first.
+        const bool isKnown = !found.empty() && found.back().opens == lines.opens;
+        if (lines.closes < lines.opens + 2) continue;
+        if (!isKnown) found.push_back(lines);
+        found.back().closes = std::max(found.back().closes, lines.closes);
+    }
+    return found;
+}
+
 std::size_t headOf(const ProgramStructure &program, const ProgramStatement &statement) {
     const std::size_t end = statement.first + statement.count;
     std::size_t head = statement.first;

@@ -86,6 +86,16 @@ std::vector<std::size_t> togetherWith(const ProgramStructure &program, std::size
 // How many blocks each line stands in; the lines that open, part and close a block stand outside of it.
 std::vector<int> depthOfLines(const ProgramStructure &program);
 
+// Lines, from 0, that can be hidden behind the one that opens their block: those up to the one that closes it.
+struct FoldableLines {
+    std::size_t opens = 0;   // the line that stays in sight
+    std::size_t closes = 0;  // the line behind the last one that goes; at least opens + 2
+    friend bool operator==(const FoldableLines &, const FoldableLines &) = default;
+};
+// By rising opening lines, one a line: of blocks that open on one line the longest. Each lies within another or beside
+// it.
+std::vector<FoldableLines> foldableLines(const ProgramStructure &program);
+
 // The statement's first token that isn't a prefix: behind Then, Else and colours, and behind the condition of a double
 // arrow. May be the one behind its last.
 std::size_t headOf(const ProgramStructure &program, const ProgramStatement &statement);

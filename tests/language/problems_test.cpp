@@ -96,7 +96,7 @@ TEST_F(Problems, OfAFolderAndOfTheSettings) {
     ProblemContext mono;
     mono.removesColor = true;
     mono.isForCfx = false;
-    EXPECT_EQ(found(imageOf("'X:\\Orange \\Locate 1,1,2"), mono), "color-removed@\\Orange ");
+    EXPECT_EQ(found(imageOf("'X:\\Orange \\Locate 1,1,2:\\Mcl"), mono), "color-removed@\\Orange ");
 }
 
 TEST_F(Problems, AreMendedByWhatIsSure) {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "calculator/charset.h"
 #include "language/completion.h"
 #include "language/outline.h"
@@ -32,6 +34,20 @@ TEST_F(Structure, PartnersAndDepths) {
             pairs += text(i) + text(program.partners[i]) + " ";
     EXPECT_EQ(pairs, "Max() \"\" ");
     EXPECT_TRUE(togetherWith(program, 1).empty());
+}
+
+TEST_F(Structure, LinesThatFold) {
+    const std::pair<const char *, std::vector<FoldableLines>> cases[] = {
+        {"\\If A\r\\Then 1\r\\Else 2\r\\IfEnd", {{0, 3}}},
+        {"\\If A\r\\IfEnd", {}},  // nothing in between
+        {"\\Do\r\\While A\r1\r2\r\\WhileEnd\r\\LpWhile B", {{0, 5}, {1, 4}}},
+        {"\\For 1\\->A\\To 2:\\For 1\\->B\\To 2\r1\r\\Next\r2\r\\Next ", {{0, 4}}},  // of one line the longest
+        {"\\If A\r\\Then 1\r\\IfEnd:\\While A\r1\r\\WhileEnd", {{0, 2}, {2, 4}}},
+        {"\\While A\r1\r2", {}},                    // open to the end
+        {"\\Do:A\\Disp:B\r\\LpWhile A", {{0, 2}}},  // a display command ends its line
+    };
+    for (const auto &[words, expected] : cases)
+        EXPECT_EQ(foldableLines(structureOf(imageOf(words))), expected) << words;
 }
 
 TEST_F(Structure, OutlineInTheOrderOfTheProgram) {
@@ -91,7 +107,7 @@ TEST_F(Structure, EveryByteHasItsPlaceOnView) {
 std::string offered(std::string_view typed) {
     const ViewLine line = typedLine(typed);
     const CompletionQuery query = completionQuery(line, readLine(line, true), line.text.size());
-    const ProgramStructure program = structureOf(imageOf("\\Lbl 1:\\Lbl A:\\Lbl 1"));
+    const ProgramStructure program = structureOf(imageOf("\\Lbl 1:\\Lbl A:\\Lbl 1:\\Mat C:\\List5:\\List 3"));
     std::string told;
     for (const Completion &each : completionsOf(query, program, {"SNAKE", "SUB"}))
         if (told.size() < 24) told += utf8FromCalculator(each.shown) + " ";
@@ -110,6 +126,18 @@ TEST_F(Structure, CompletesWhatIsMeant) {
     EXPECT_EQ(offered("Goto "), "|1 A ");
     EXPECT_EQ(offered("Prog \"s"), "s|SUB SNAKE ");
     EXPECT_EQ(offered("\"Loc"), "|");
+    EXPECT_EQ(offered("1+List "), "|3 5 1 2 4 6 ");
+    EXPECT_EQ(offered("List 2"), "2|2 ");
+    EXPECT_EQ(offered("List 7"), "7|");
+    EXPECT_EQ(offered("Mat ").substr(0, 9), "|C A B D ");
+    EXPECT_EQ(offered("Mat an"), "an|Ans ");
+    EXPECT_EQ(offered("matb").substr(0, 11), "matb|Mat B ");
+    EXPECT_EQ(offered("ma").find("Mat A"), std::string::npos) << "each by itself once the word is there";
+    const CompletionQuery query{.wish = CompletionQuery::Wish::tokens, .letters = "list4", .from = 0};
+    const std::vector<Completion> found = completionsOf(query, structureOf(imageOf("1")), {});
+    const auto single = std::ranges::find(found, CompletionKind::list, &Completion::kind);
+    ASSERT_NE(single, found.end());
+    EXPECT_EQ(single->bytes, (Bytes{0x7F, 0x51, '4'}));
 }
 
 TEST_F(Structure, SignatureKnowsThePresentArgument) {

@@ -20,12 +20,18 @@
 < {"id":6,"result":{"uri":"file:///g/SUB.txt"}}
 > {"id":7,"method":"textDocument/references","params":{"textDocument":{"uri":"file:///g/MAIN.txt"},"position":{"line":0,"character":4},"context":{"includeDeclaration":true}}}
 < {"id":7,"result":[{"range":{"start":{"line":0,"character":4}}},{"range":{"start":{"line":2,"character":10}}}]}
+> {"id":17,"method":"textDocument/references","params":{"textDocument":{"uri":"file:///g/MAIN.txt"},"position":{"line":0,"character":4},"context":{"includeDeclaration":false}}}
+< {"id":17,"result":[{"range":{"start":{"line":2,"character":10}}}]}
 > {"id":8,"method":"textDocument/rename","params":{"textDocument":{"uri":"file:///g/MAIN.txt"},"position":{"line":0,"character":4},"newName":"A"}}
 < {"id":8,"result":{"changes":{"file:///g/MAIN.txt":[{"newText":"A","range":{"start":{"line":0,"character":4}}},{"newText":"A"}]}}}
 > {"id":9,"method":"textDocument/rename","params":{"textDocument":{"uri":"file:///g/MAIN.txt"},"position":{"line":0,"character":4},"newName":"AB"}}
 < {"id":9,"error":{"code":-32803}}
 > {"id":10,"method":"textDocument/formatting","params":{"textDocument":{"uri":"file:///g/MAIN.txt"},"options":{"tabSize":2,"insertSpaces":true}}}
 < {"id":10,"result":[{"range":{"start":{"line":2,"character":0},"end":{"line":2,"character":11}},"newText":"A>1\u21d2Goto 1"}]}
+> {"method":"textDocument/didOpen","params":{"textDocument":{"uri":"file:///g/A%20B.txt","text":"Prog \"SUB\"\nProg \"A B\""}}}
+< {"method":"textDocument/publishDiagnostics","params":{"uri":"file:///g/A%20B.txt","diagnostics":[]}}
+> {"id":12,"method":"textDocument/definition","params":{"textDocument":{"uri":"file:///g/A%20B.txt"},"position":{"line":1,"character":7}}}
+< {"id":12,"result":{"uri":"file:///g/A%20B.txt"}}
 > {"id":11,"method":"shutdown"}
 < {"id":11,"result":null}
 > {"method":"exit"}
