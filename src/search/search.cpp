@@ -48,13 +48,18 @@ bool readAsTokens(const std::string &utf8, ViewLine &line) {
     return true;
 }
 
-std::unique_ptr<RE2> compileExpression(const SearchQuery &query) {
+// By lines, whatever the expression itself says first; fault tells of that alone.
+std::unique_ptr<RE2> compileExpression(const SearchQuery &query, std::string &fault) {
     RE2::Options options;
     options.set_case_sensitive(query.matchCase);
     options.set_log_errors(false);
     options.set_never_nl(true);
     options.set_max_mem(expressionMemory);
-    return std::make_unique<RE2>("(?m)" + query.pattern, options);
+    auto expression = std::make_unique<RE2>("(?m)" + query.pattern, options);
+    if (expression->ok()) return expression;
+    const RE2 alone(query.pattern, options);
+    fault = alone.ok() ? expression->error() : alone.error();
+    return nullptr;
 }
 
 struct Stretch {
@@ -172,6 +177,20 @@ void putIn(ViewLine &line, const FoundPlace &place, const ViewLine &by) {
     line.origins.insert(line.origins.begin() + from, by.origins.begin(), by.origins.end());
 }
 
+void replaceIn(const CompiledSearch &search, ViewLine &line, const FoundPlace &place, const std::string &by) {
+    ViewLine in;
+    const std::string text = replacementAt(search, place, by);
+    if (search.query.how != SearchHow::tokens || !readAsTokens(text, in)) in = typedLine(text);
+    putIn(line, place, in);
+}
+
+// UTF-8; nothing for a line that can't be read as a program's.
+std::optional<std::string> shownText(const ViewLine &line) {
+    const LineReading reading = readLine(line, true);
+    if (reading.faultAt >= 0) return std::nullopt;
+    return withPlainPlus(utf8FromCalculator(shownLine(line, reading).text));
+}
+
 bool fitsLine(const FoundPlace &place, const std::vector<ViewLine> &lines) {
     if (place.line < 0 || place.line >= std::ssize(lines)) return false;
     return place.from + place.size <= lines[static_cast<std::size_t>(place.line)].text.size();
@@ -193,9 +212,8 @@ Search compileSearch(const SearchQuery &query, std::string &fault) {
         if (search->tokens.empty()) return nullptr;
     }
     if (query.how == SearchHow::expression) {
-        search->expression = compileExpression(search->query);
-        fault = search->expression->error();
-        if (!search->expression->ok()) return nullptr;
+        search->expression = compileExpression(search->query, fault);
+        if (!search->expression) return nullptr;
     }
     return search;
 }
@@ -210,6 +228,21 @@ bool searchItem(const CompiledSearch &search, const StoredItem &item, std::vecto
         if (auto place = maker.placeOf(stretch)) places.push_back(std::move(*place));
     }
     return places.size() < searchPlaceLimit;
+}
+
+std::vector<FoundPlace> placesWithin(const SearchStretch &stretch, const StoredItem &item,
+                                     const std::vector<FoundPlace> &places) {
+    const std::vector<ViewLine> lines = viewLines(item.data);
+    const auto last = std::ssize(lines) - 1 - stretch.linesBehind;
+    std::vector<FoundPlace> within;
+    for (const FoundPlace &place : places) {
+        if (place.line < stretch.linesAhead || place.line > last || place.line >= std::ssize(lines)) continue;
+        const std::size_t size = lines[static_cast<std::size_t>(place.line)].text.size();
+        const bool isAhead = place.line == stretch.linesAhead && place.from < stretch.charactersAhead;
+        const bool isBehind = place.line == last && place.from + place.size + stretch.charactersBehind > size;
+        if (!isAhead && !isBehind) within.push_back(place);
+    }
+    return within;
 }
 
 std::vector<ItemId> searchedItems(ItemId folder) {
@@ -236,25 +269,31 @@ ReplacedProgram replacePlaces(const CompiledSearch &search, const StoredItem &it
     ReplacedProgram replaced;
     std::vector<ViewLine> lines = viewLines(item.data);
     // From the last to the first, so that the places ahead stay where they are.
-    for (auto place = places.rbegin(); place != places.rend(); ++place) {
-        if (!fitsLine(*place, lines)) continue;
-        ViewLine in;
-        const std::string text = replacementAt(search, *place, by);
-        if (search.query.how != SearchHow::tokens || !readAsTokens(text, in)) in = typedLine(text);
-        putIn(lines[static_cast<std::size_t>(place->line)], *place, in);
-    }
+    for (auto place = places.rbegin(); place != places.rend(); ++place)
+        if (fitsLine(*place, lines)) replaceIn(search, lines[static_cast<std::size_t>(place->line)], *place, by);
     bool readable = true;
     for (const FoundPlace &place : places) {
         if (!fitsLine({.id = {}, .line = place.line}, lines)) continue;
-        const ViewLine &line = lines[static_cast<std::size_t>(place.line)];
-        const LineReading reading = readLine(line, true);
-        const bool isRead = reading.faultAt < 0;
-        readable = readable && isRead;
-        replaced.lines.push_back(isRead ? withPlainPlus(utf8FromCalculator(shownLine(line, reading).text))
-                                        : std::string());
+        const auto shown = shownText(lines[static_cast<std::size_t>(place.line)]);
+        readable = readable && shown;
+        replaced.lines.push_back(shown.value_or(std::string()));
     }
     if (readable) imageOfViewLines(lines, true, replaced.image);
     return replaced;
+}
+
+std::vector<std::string> previewPlaces(const CompiledSearch &search, const StoredItem &item,
+                                       const std::vector<FoundPlace> &places, const std::string &by) {
+    std::vector<std::string> becoming;
+    const std::vector<ViewLine> lines = viewLines(item.data);
+    for (const FoundPlace &place : places) {
+        becoming.emplace_back();
+        if (!fitsLine(place, lines)) continue;
+        ViewLine line = lines[static_cast<std::size_t>(place.line)];
+        replaceIn(search, line, place, by);
+        becoming.back() = shownText(line).value_or(std::string());
+    }
+    return becoming;
 }
 
 ReplaceResult replaceEverywhere(const CompiledSearch &search, const std::vector<FoundPlace> &places,

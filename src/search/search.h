@@ -46,6 +46,17 @@ Search compileSearch(const SearchQuery &query, std::string &fault);
 // Appends the places of one item, in order; places that overlap count once. False when places is full.
 bool searchItem(const CompiledSearch &search, const StoredItem &item, std::vector<FoundPlace> &places);
 
+// A stretch of an item's text, by what lies ahead of it and behind it: so it stays one while places in it are replaced.
+struct SearchStretch {
+    int linesAhead = 0;
+    std::size_t charactersAhead = 0;  // of its first line
+    int linesBehind = 0;
+    std::size_t charactersBehind = 0;  // of its last line
+};
+// Those places of a program that lie within the stretch whole, and none of its name.
+std::vector<FoundPlace> placesWithin(const SearchStretch &stretch, const StoredItem &item,
+                                     const std::vector<FoundPlace> &places);
+
 // The items to be searched in a folder and all below it, rootId for the whole library; what waits in the temporary
 // folder isn't among them.
 std::vector<ItemId> searchedItems(ItemId folder);
@@ -59,6 +70,11 @@ struct ReplacedProgram {
 // places are those of this item, as a search found them.
 ReplacedProgram replacePlaces(const CompiledSearch &search, const StoredItem &item,
                               const std::vector<FoundPlace> &places, const std::string &by);
+
+// Of each place its line as it would become with that place alone replaced, UTF-8; empty where it can't be read, or
+// where the place is none of the text. The text is read once, however many places there are.
+std::vector<std::string> previewPlaces(const CompiledSearch &search, const StoredItem &item,
+                                       const std::vector<FoundPlace> &places, const std::string &by);
 
 enum class ReplaceResult {
     done,

@@ -105,7 +105,7 @@ TEST_F(SearchTest, LooksInThreeWays) {
     EXPECT_THAT(shown({.pattern = "a", .inNames = true}), ElementsAre("-1:0+1", "0:0+1"));
     std::string fault;
     EXPECT_EQ(compileSearch({.pattern = "(", .how = SearchHow::expression}, fault), nullptr);
-    EXPECT_FALSE(fault.empty());
+    EXPECT_EQ(fault, "missing ): (") << "of what was typed alone";
     EXPECT_EQ(compileSearch({.pattern = ""}, fault), nullptr);
     EXPECT_EQ(compileSearch({.pattern = std::string(searchPatternLimit + 1, 'a')}, fault), nullptr);
 }
@@ -144,6 +144,31 @@ TEST_F(SearchTest, ReplacesInOneStepThatRestoresEveryByte) {
     places = find(query);
     EXPECT_EQ(replaceEverywhere(*search, places, "\xE2\x82\xAC", "", culprit), ReplaceResult::unreadable);
     for (int i = 0; i < 3; i++) EXPECT_EQ(dataOf(ids[i]), before[i]);
+}
+
+TEST_F(SearchTest, KeepsToASelectionWhileItIsReplaced) {
+    const ItemId a = add("XX", "XAX\rXX\rXBXX\rX");
+    const SearchQuery query{.pattern = "X", .matchCase = true, .inNames = true};
+    const SearchStretch stretch{.linesAhead = 0, .charactersAhead = 1, .linesBehind = 1, .charactersBehind = 1};
+    const auto within = [&] {
+        StoredItem item;
+        EXPECT_TRUE(storeReadItem(a, item));
+        return placesWithin(stretch, item, find(query));
+    };
+    std::string fault;
+    StoredItem item;
+    ASSERT_TRUE(storeReadItem(a, item));
+    EXPECT_THAT(previewPlaces(*compileSearch(query, fault), item, within(), "Q"),
+                ElementsAre("XAQ", "QX", "XQ", "QBXX", "XBQX"));
+    ItemId culprit = noItem;
+    const auto replace = [&](const char *by) {
+        return replaceEverywhere(*compileSearch(query, fault), within(), by, "step", culprit);
+    };
+    ASSERT_EQ(replace("XYZ"), ReplaceResult::done);
+    EXPECT_EQ(within().size(), 5u) << "the selection has grown";
+    ASSERT_EQ(replace(""), ReplaceResult::done);
+    const Bytes wanted = imageOf("XAYZ\rYZYZ\rYZBYZX\rX");
+    EXPECT_TRUE(std::equal(wanted.begin(), wanted.end() - 1, dataOf(a).begin()));
 }
 
 TEST_F(SearchTest, FindsWhatIsThereTwice) {

@@ -36,6 +36,7 @@ namespace numalink {
 namespace {
 
 constexpr std::size_t itemsAtOnce = 50;  // between two looks at the user's events
+constexpr int selectionRole = Qt::UserRole + 1;
 constexpr int itemColumn = 0, lineColumn = 1, textColumn = 2, becomesColumn = 3;
 
 struct SearchWindow {
@@ -47,8 +48,10 @@ struct SearchWindow {
     QLabel *info = nullptr;
     QPushButton *replace = nullptr;
     QTimer *timer = nullptr;  // runs while items are left
+    SearchStretch selection;  // of the text on view, as it was when the window was asked for
     // The search whose places are listed.
     Search search;
+    bool inSelection = false;
     std::string replacement;
     bool replaces = false;
     std::vector<ItemId> left;  // still to be searched, the next one last
@@ -79,8 +82,23 @@ QLineEdit *addLine(QGridLayout *grid, int row, Text label) {
     return line;
 }
 
+void addSelection() {
+    const QTextCursor cursor = programEdit->textCursor();
+    const auto entry = storeReadEntry(viewItemId);
+    if (!entry || !isTextKind(viewKind) || !cursor.hasSelection()) return;
+    const QTextBlock first = programEdit->document()->findBlock(cursor.selectionStart());
+    const QTextBlock last = programEdit->document()->findBlock(cursor.selectionEnd());
+    state.selection = {
+        .linesAhead = first.blockNumber(),
+        .charactersAhead = static_cast<std::size_t>(cursor.selectionStart() - first.position()),
+        .linesBehind = programEdit->blockCount() - 1 - last.blockNumber(),
+        .charactersBehind = static_cast<std::size_t>(last.position() + last.length() - 1 - cursor.selectionEnd())};
+    state.where->addItem(textOf(Text::searchInSelection, {pathOfItem(*entry).toStdString()}), entry->id);
+    state.where->setItemData(state.where->count() - 1, true, selectionRole);
+}
+
 // The folder or item of each entry is its data: the library, the selected folder or that of the selected item, the
-// selected item itself.
+// selected item itself, the program with a selection.
 void fillPlaces() {
     const int chosen = std::max(0, state.where->currentIndex());
     state.where->clear();
@@ -93,6 +111,7 @@ void fillPlaces() {
         if (!isFolder)
             state.where->addItem(textOf(Text::searchInProgram, {pathOfItem(*selected).toStdString()}), selected->id);
     }
+    addSelection();
     state.where->setCurrentIndex(std::min(chosen, state.where->count() - 1));
 }
 
@@ -127,14 +146,11 @@ void addPlaces(const StoredItem &item, const std::vector<FoundPlace> &found) {
     if (found.empty()) return;
     state.items.insert(item.id);
     const QString path = pathOfItem(item);
-    for (const FoundPlace &place : found) {
-        std::string becomes;
-        if (state.replaces && place.line >= 0) {
-            const ReplacedProgram replaced = replacePlaces(*state.search, item, {place}, state.replacement);
-            if (!replaced.lines.empty()) becomes = replaced.lines.front();
-        }
-        addRow(item, place, path, state.replaces ? &becomes : nullptr);
-        state.places.push_back(place);
+    const std::vector<std::string> becoming =
+        state.replaces ? previewPlaces(*state.search, item, found, state.replacement) : std::vector<std::string>();
+    for (std::size_t i = 0; i < found.size(); i++) {
+        addRow(item, found[i], path, state.replaces ? &becoming[i] : nullptr);
+        state.places.push_back(found[i]);
     }
 }
 
@@ -146,6 +162,7 @@ void searchOn() {
         if (!storeReadEntry(id) || !storeReadItem(id, item)) continue;
         std::vector<FoundPlace> found;
         searchItem(*state.search, item, found);
+        if (state.inSelection) found = placesWithin(state.selection, item, found);
         addPlaces(item, found);
         if (state.places.size() >= searchPlaceLimit) state.left.clear();
     }
@@ -183,6 +200,7 @@ void startSearch() {
     state.list->setColumnHidden(becomesColumn, !state.replaces);
     const ItemId where = state.where->currentData().toUInt();
     const auto entry = storeReadEntry(where);
+    state.inSelection = state.where->currentData(selectionRole).toBool();
     state.left = entry && !isFolderKind(entry->kind) ? std::vector<ItemId>{where} : searchedItems(where);
     std::reverse(state.left.begin(), state.left.end());
     state.timer->start();
