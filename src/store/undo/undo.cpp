@@ -159,7 +159,8 @@ bool canHold(ItemId parent, const StoredItem &item, const std::vector<StoredItem
 }
 
 // Gives each item a folder that is there, and a name that is free in it. What comes back with its folder keeps its
-// name, and so do items that bore one name side by side, and all that a redo brings: nothing has come since its undo.
+// name, and so do items that bore one name side by side, those that have theirs now, and all that a redo brings:
+// nothing has come since its undo.
 void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &leaving, bool isRedo)
     REQUIRES_LOCK(storeLock) {
     std::vector<ItemId> homeless;
@@ -174,7 +175,9 @@ void findPlaces(std::vector<StoredItem> &items, const std::vector<StoredItem> &l
                 return other.id != item.id && other.parent == item.parent && equalWithoutCase(other.name, name);
             });
         };
-        if (holdsId(items, item.parent)) continue;
+        const auto now = std::ranges::find(leaving, item.id, &StoredItem::id);
+        const bool isThere = now != leaving.end() && now->name == item.name && now->parent == item.parent;
+        if (isThere || holdsId(items, item.parent)) continue;
         const bool isHomeless = std::ranges::count(homeless, item.id) > 0;
         if (isRedo && !isHomeless) continue;
         if (!nameTaken(item, leaving) && !(isHomeless && othersBear(item.name))) continue;
