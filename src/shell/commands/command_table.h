@@ -110,6 +110,10 @@ enum class CommandId {
     codeUses,
     codeRename,
     codeIndent,
+    codeFold,
+    codeUnfold,
+    codeFoldAll,
+    codeUnfoldAll,
     codeCompleteTyping,
     codeProblems,
     codeOutline,
@@ -168,8 +172,8 @@ struct Command {
     MenuPosition menu = MenuPosition::file;
     bool separatorAhead = false;
     Text text = Text::none;
-    const char *label = "";  // in place of text, for what is the same in all languages
-    const char *shortcut = "";
+    const char *label = "";     // in place of text, for what is the same in all languages
+    const char *shortcut = "";  // the first of several is shown: "Ctrl+A; F4"
     QKeySequence::StandardKey standardKey = QKeySequence::UnknownKey;  // in place of shortcut: as the desktop has it
     Text tip = Text::none;                                             // tool tip and status text
     bool keyWhileRunning = false;  // its key is a command, too, while an emulated program has the keyboard

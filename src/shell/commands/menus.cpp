@@ -43,7 +43,7 @@ void giveKeys(const Command &row) {
     QAction *action = state.actions[row.id];
     if (!keyIsCommand(row)) return action->setShortcuts(QList<QKeySequence>());
     if (row.standardKey != QKeySequence::UnknownKey) return action->setShortcuts(row.standardKey);
-    action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+    action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.shortcut)));
 }
 
 const MenuRow &menuRow(MenuPosition menu) { return *std::ranges::find(menuTable(), menu, &MenuRow::menu); }

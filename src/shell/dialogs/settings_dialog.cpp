@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <array>
@@ -15,6 +16,7 @@
 #include "settings/settings_store.h"
 #include "shell/dialogs/color_swatches.h"
 #include "shell/dialogs/port_choice.h"
+#include "shell/editor/program_status.h"
 #include "shell/editor/program_view.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/main_widgets.h"
@@ -57,6 +59,7 @@ struct SettingsControls {
     QComboBox *port = nullptr;
     QComboBox *type = nullptr;
     QComboBox *farEnd = nullptr;
+    std::vector<std::pair<const char *, QSpinBox *>> memories;
     std::vector<std::pair<const char *, QCheckBox *>> switches;
 };
 
@@ -135,6 +138,18 @@ QWidget *languagePage(SettingsControls &controls) {
     return page;
 }
 
+void addMemory(QFormLayout *form, Text label, const char *key, SettingsControls &controls) {
+    auto *box = new QSpinBox;
+    box->setRange(leastMemory, mostMemory);
+    box->setSingleStep(leastMemory);
+    box->setGroupSeparatorShown(true);
+    box->setValue(memoryOfCalculator(key));
+    box->setObjectName(QString::fromLatin1(key));
+    box->setToolTip(textOf(Text::tipMemory));
+    form->addRow(textOf(label), box);
+    controls.memories.emplace_back(key, box);
+}
+
 QWidget *linkPage(SettingsControls &controls) {
     controls.port = portChoice(setting::comPort, PortOf::link);
     controls.type = freeChoice({QStringLiteral("ALGEBRA"), QStringLiteral("CFX")}, setting::linkType);
@@ -144,6 +159,8 @@ QWidget *linkPage(SettingsControls &controls) {
     auto *form = new QFormLayout;
     addFreeChoice(form, Text::settingsPort, controls.port);
     addFreeChoice(form, Text::settingsType, controls.type);
+    addMemory(form, Text::settingsMemoryCfx, setting::memoryCfx, controls);
+    addMemory(form, Text::settingsMemoryAlgebra, setting::memoryAlgebra, controls);
     layout->addLayout(form);
     addSwitches(layout, linkSwitches, controls);
     layout->addStretch();
@@ -189,6 +206,7 @@ void storeControls(const SettingsControls &controls) {
     put(setting::linkType, controls.type->currentText().trimmed().toStdString());
     put(setting::farEndPort, portChosen(*controls.farEnd));
     for (const auto &[key, box] : controls.switches) settingsSetInt(key, box->isChecked() ? 1 : 0);
+    for (const auto &[key, box] : controls.memories) settingsSetInt(key, box->value());
     storeSwatches();
     if (!settingsSave()) tellUser(Text::settingsNotSaved);
 }

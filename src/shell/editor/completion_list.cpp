@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTreeView>
@@ -16,6 +17,7 @@
 #include "shell/editor/program_view.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -48,8 +50,9 @@ public:
 
 private:
     static QString explained(const Completion &row) {
-        if (row.kind == CompletionKind::label) return textOf(Text::completionLabel);
-        if (row.kind == CompletionKind::program) return textOf(Text::completionProgram);
+        constexpr Text words[] = {Text::none, Text::completionLabel, Text::completionProgram, Text::completionList,
+                                  Text::completionMatrix};
+        if (row.kind != CompletionKind::token) return textOf(words[static_cast<std::size_t>(row.kind)]);
         const ReferenceRow *known = referenceOf(row.token);
         if (known == nullptr) return {};
         QString syntax = toQt(std::string(known->syntax));
@@ -84,7 +87,7 @@ void makeList() {
     state.view->header()->setStretchLastSection(true);
     state.model = new CompletionModel(state.view);
     state.view->setModel(state.model);
-    state.view->setColumnWidth(0, nameWidth);
+    state.view->setColumnWidth(0, grown(nameWidth));
     QObject::connect(state.view, &QTreeView::clicked, state.view,
                      [](const QModelIndex &index) { accept(index.row()); });
     QObject::connect(programEdit->verticalScrollBar(), &QScrollBar::valueChanged, state.view, closeCompletion);
@@ -106,12 +109,13 @@ void place(int from) {
     const QRect letter = programEdit->cursorRect(start);
     const int rowHeight = std::max(1, state.view->sizeHintForRow(0));
     const int rows = std::min(shownRows, state.model->rowCount());
-    const QSize size(listWidth, rows * rowHeight + 2 * state.view->frameWidth());
+    const QSize size(grown(listWidth), rows * rowHeight + 2 * state.view->frameWidth());
     QPoint at = programEdit->viewport()->mapToGlobal(letter.bottomLeft() + QPoint(0, 2));
     const QRect window = programEdit->window()->geometry();
     if (at.y() + size.height() > window.bottom())
         at = programEdit->viewport()->mapToGlobal(letter.topLeft()) - QPoint(0, size.height() + 2);
-    at.setX(std::max(0, at.x() - 4));
+    const QRect room = programEdit->screen()->availableGeometry();
+    at.setX(std::max(room.left(), std::min(at.x() - 4, room.right() - size.width())));
     state.view->setGeometry(QRect(at, size));
 }
 

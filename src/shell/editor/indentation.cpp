@@ -1,4 +1,3 @@
-// A block's depth is its user state, which is no part of what can be undone.
 #include "shell/editor/indentation.h"
 
 #include <QPlainTextEdit>
@@ -6,6 +5,7 @@
 #include <QTextLayout>
 
 #include "settings/settings_store.h"
+#include "shell/editor/block_memory.h"
 #include "shell/editor/program_reading.h"
 #include "shell/parts/command_states.h"
 #include "shell/parts/main_widgets.h"
@@ -22,14 +22,14 @@ qreal levelWidth(const QTextDocument *document) {
 }
 
 qreal indentOf(const QTextBlock &block) {
-    return block.userState() > 0 ? std::min(block.userState(), deepest) * levelWidth(block.document()) : 0;
+    return std::min(blockMemory(block).depth, deepest) * levelWidth(block.document());
 }
 
 }  // namespace
 
 QRectF IndentedLayout::blockBoundingRect(const QTextBlock &block) const {
     QRectF rect = QPlainTextDocumentLayout::blockBoundingRect(block);
-    if (!block.isValid() || block.layout() == nullptr) return rect;
+    if (!block.isValid() || !block.isVisible() || block.layout() == nullptr) return rect;
     const qreal left = document()->documentMargin() + indentOf(block);
     const QTextLayout *layout = block.layout();
     for (int i = 0; i < layout->lineCount(); i++) {
@@ -58,8 +58,10 @@ void indentLines(const ProgramReading &reading) {
         const std::size_t line = isKnown ? lineOf(reading.structure, reading.text.lines[number].at) : 0;
         const int depth = isKnown && line < depths.size() ? depths[line] : 0;
         layout->deepestLine = std::max(layout->deepestLine, depth);
-        if (std::max(0, block.userState()) == depth) continue;
-        block.setUserState(depth);
+        BlockMemory memory = blockMemory(block);
+        if (memory.depth == depth) continue;
+        memory.depth = depth;
+        setBlockMemory(block, memory);
         document->markContentsDirty(block.position(), block.length());
     }
 }

@@ -67,16 +67,8 @@ void paintMark(QPainter &painter, const LineMark &mark, const QRect &row) {
     painter.restore();
 }
 
-// The block at a height of the column, or an invalid one.
-QTextBlock blockAtHeight(int y) {
-    const int offset = lineNumberEdit->mapFromGlobal(programEdit->viewport()->mapToGlobal(QPoint(0, 0))).y();
-    const QTextBlock block = programEdit->cursorForPosition(QPoint(0, y - offset)).block();
-    const QRect place = programEdit->cursorRect(QTextCursor(block));
-    return y - offset <= place.bottom() ? block : QTextBlock();
-}
-
 bool showTip(const QHelpEvent &event) {
-    const QTextBlock block = blockAtHeight(event.pos().y());
+    const QTextBlock block = blockAtHeight(*lineNumberEdit, event.pos().y());
     const QString words = block.isValid() ? lineMarkOf(block.blockNumber() + 1).words : QString();
     words.isEmpty() ? QToolTip::hideText()
                     : QToolTip::showText(event.globalPos(), words.toHtmlEscaped(), lineNumberEdit);
@@ -84,7 +76,7 @@ bool showTip(const QHelpEvent &event) {
 }
 
 bool clicked(const QMouseEvent &event) {
-    const QTextBlock block = blockAtHeight(event.position().toPoint().y());
+    const QTextBlock block = blockAtHeight(*lineNumberEdit, event.position().toPoint().y());
     if (event.button() == Qt::LeftButton && block.isValid()) lineNumberClicked(block.blockNumber() + 1);
     return true;
 }
@@ -99,6 +91,7 @@ void paintNumbers() {
     const int offset = viewport->mapTo(clientArea, QPoint(0, 0)).y() - lineNumberEdit->y();
     for (QTextBlock block = programEdit->cursorForPosition(QPoint(0, 0)).block(); block.isValid();
          block = block.next()) {
+        if (!block.isVisible()) continue;
         const QRect place = programEdit->cursorRect(QTextCursor(block));
         const int top = place.top() + offset;
         if (top > lineNumberEdit->height()) break;
@@ -127,6 +120,13 @@ bool columnEvent(QWidget *, QEvent *event) {
 }
 
 }  // namespace
+
+QTextBlock blockAtHeight(const QWidget &column, int y) {
+    const int offset = column.mapFromGlobal(programEdit->viewport()->mapToGlobal(QPoint(0, 0))).y();
+    const QTextBlock block = programEdit->cursorForPosition(QPoint(0, y - offset)).block();
+    const QRect place = programEdit->cursorRect(QTextCursor(block));
+    return y - offset <= place.bottom() ? block : QTextBlock();
+}
 
 void connectLineNumbers() { hookEvents(lineNumberEdit, columnEvent); }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextBlock>
 
 namespace numalink {
 
@@ -16,6 +17,9 @@ struct LineMark {
 // What a line, from 1, is marked by; and what a click on its number does. Nothing while nobody debugs.
 inline LineMark (*lineMarkOf)(int line) = [](int) { return LineMark{}; };
 inline void (*lineNumberClicked)(int line) = [](int) {};
+
+// The block of the program at a height of a column beside it, or an invalid one.
+QTextBlock blockAtHeight(const QWidget &column, int y);
 
 void connectLineNumbers();
 void repaintLineNumbers();

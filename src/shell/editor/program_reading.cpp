@@ -5,10 +5,11 @@
 #include <QTimer>
 
 #include "language/folder_context.h"
-#include "settings/settings_store.h"
+#include "shell/editor/folding.h"
 #include "shell/editor/indentation.h"
 #include "shell/editor/language_tips.h"
 #include "shell/editor/program_document.h"
+#include "shell/editor/program_status.h"
 #include "shell/editor/text_marks.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
@@ -30,6 +31,7 @@ struct Reading {
     std::vector<std::string> programs;
     bool knowsContext = false;
     std::vector<Problem> problems;
+    int problemsRevision = -1;                                 // of the text that they are of
     QTimer *readingTimer = nullptr, *problemsTimer = nullptr;  // the edit's
 };
 Reading state;
@@ -73,15 +75,14 @@ bool isProgramOnView() { return isTextKind(viewKind) && programEdit->isVisible()
 void tellSize() {
     if (!programEdit->document()->isUndoAvailable()) return;
     const std::size_t size = programReading().text.image.size() + 1;
-    const std::int32_t memory =
-        settingsInt(problemContextAlone().isForCfx ? setting::memoryCfx : setting::memoryAlgebra);
-    const auto left = static_cast<std::int64_t>(memory) - static_cast<std::int64_t>(size);
+    const auto left = std::int64_t{memoryOfCalculator()} - static_cast<std::int64_t>(size);
     statusLine(StatusPart::item, Text::sizeLeft, {std::to_string(size), std::to_string(left)});
 }
 
 void readSoon() {
     if (!isProgramOnView()) return;
     indentLines(programReading());
+    foldLines(programReading());
     markPartners();
     tellSize();
     readingChanged();
@@ -93,6 +94,7 @@ void findProblems() {
     const ProgramReading &reading = programReading();
     if (programEdit->blockCount() > largeProgram) readSoon();
     state.problems = problemsOf(reading.structure, state.context);
+    state.problemsRevision = state.revision;
     std::erase_if(state.problems, [&](const Problem &problem) { return isInFaultyLine(reading.text, problem.at); });
     markProblems();
     problemsChanged();
@@ -150,6 +152,11 @@ TextStretch stretchOfTokens(const ProgramReading &reading, std::size_t first, st
 
 const std::vector<Problem> &problemsOnView() { return state.problems; }
 
+const std::vector<Problem> &problemsNow() {
+    if (programEdit->document()->revision() != state.problemsRevision) findProblems();
+    return state.problems;
+}
+
 const std::vector<std::string> &programsOfFolder() {
     readContext();
     return state.programs;
@@ -168,7 +175,9 @@ void programTextOpened() {
     state.knowsContext = false;
     state.document = nullptr;
     state.problems.clear();
+    state.problemsRevision = -1;
     indentLines(programReading());
+    foldLines(programReading());
     programTextChanged();
 }
 

@@ -25,8 +25,9 @@ struct TextStretch {
 };
 TextStretch stretchOfTokens(const ProgramReading &reading, std::size_t first, std::size_t count);
 
-// As they were found last.
+// As they were found last; of an older text perhaps.
 const std::vector<Problem> &problemsOnView();
+const std::vector<Problem> &problemsNow();  // of the document as it is, for what acts on their places
 // Names of the programs of the folder, calculator codes, its own too; read as a program is opened.
 const std::vector<std::string> &programsOfFolder();
 

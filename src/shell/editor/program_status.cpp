@@ -1,6 +1,10 @@
 #include "shell/editor/program_status.h"
 
+#include <algorithm>
+
 #include "calculator/program_info.h"
+#include "language/folder_context.h"
+#include "settings/settings_store.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -20,6 +24,12 @@ void programToStatus(const StoredItem &item) {
     } else {
         statusLine(StatusPart::item, Text::size, {size});
     }
+}
+
+int memoryOfCalculator(const char *key) { return std::clamp<int>(settingsInt(key), leastMemory, mostMemory); }
+
+int memoryOfCalculator() {
+    return memoryOfCalculator(problemContextAlone().isForCfx ? setting::memoryCfx : setting::memoryAlgebra);
 }
 
 void programToStatus(ItemId id) {

@@ -15,6 +15,7 @@
 
 #include "calculator/charset.h"
 #include "shell/editor/completion_list.h"
+#include "shell/editor/folding.h"
 #include "shell/editor/indentation.h"
 #include "shell/editor/language_tips.h"
 #include "shell/editor/line_numbers.h"
@@ -127,6 +128,7 @@ void contentsChanged() {
 void caretMoved() {
     if (state.filling) return;
     state.lastCaret = caretNow();
+    showHiddenCaret();
     markPartners();
     if (signatureShown()) showSignature();
 }
@@ -146,6 +148,12 @@ QString withKnownCharacters(const QString &text) {
     return QString::fromStdString(known);
 }
 
+// What begins an argument, or ends the command that takes them, shows the signature.
+void signatureTyped(const QString &text) {
+    const bool begins = text == QLatin1String("(") || text == QLatin1String(",") || text == QLatin1String(" ");
+    if (completesWhileTyping() && (begins || state.blankAddedAt >= 0)) showSignature();
+}
+
 // A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
 void typeText(const QString &text) {
     const bool isBlank = text == QLatin1String(" ");
@@ -158,6 +166,7 @@ void typeText(const QString &text) {
     if (!isBlank && document()->characterAt(position - 1) == QLatin1Char(' ')) state.blankAddedAt = position;
     programEdit->ensureCursorVisible();
     completionTyped();
+    signatureTyped(text);
 }
 
 bool isTypedText(const QKeyEvent &key) {
@@ -307,6 +316,7 @@ void connectProgramView() {
     hookEvents(programEdit, editEvent);
     hookEvents(programEdit->viewport(), viewportEvent);
     connectLineNumbers();
+    connectFolding();
 }
 
 // The documents of the kept programs are the edit's children, and go with it.
@@ -316,6 +326,7 @@ void forgetProgramView() {
     forgetTextMarks();
     forgetCompletion();
     forgetLanguageTips();
+    forgetFolding();
     forgetProgramReading();
 }
 
@@ -444,6 +455,9 @@ void typeSymbol(char code) {
     programEdit->setFocus();
 }
 
-void updateLineNumbers() { repaintLineNumbers(); }
+void updateLineNumbers() {
+    repaintLineNumbers();
+    repaintFolding();
+}
 
 }  // namespace numalink

@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
+#include "shell/editor/folding.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/text_marks.h"
 #include "shell/parts/color_contrast.h"
@@ -88,12 +89,13 @@ void showStatement(int line, int statement) {
     if (!range) return;
     QTextCursor place(programEdit->document());
     place.setPosition(range->from);
+    showBlock(place.block());
     const QRect where = programEdit->cursorRect(place);
     const QRect room = programEdit->viewport()->rect();
     if (room.contains(where)) return;
     // Scrolls by lines: to a third of the height.
     const int lines = room.height() / std::max(1, where.height());
-    programEdit->verticalScrollBar()->setValue(std::max(0, line - 1 - lines / 3));
+    programEdit->verticalScrollBar()->setValue(std::max(0, place.block().firstLineNumber() - lines / 3));
     const QRect now = programEdit->cursorRect(place);
     QScrollBar *across = programEdit->horizontalScrollBar();
     if (now.left() < 0 || now.left() > room.width()) across->setValue(across->value() + now.left() - room.width() / 3);

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "history/history.h"
 #include "shell/library/compare_window.h"
@@ -50,6 +51,7 @@ QTreeWidget *listOf(const std::vector<FormEntry> &forms) {
     for (int column = 0; column < 3; column++) list->resizeColumnToContents(column);
     list->headerItem()->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
     list->header()->setStretchLastSection(true);
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setCurrentItem(list->topLevelItem(forms.size() > 1 ? 1 : 0));
     return list;
 }
@@ -61,30 +63,47 @@ struct VersionsDialog {
     QTreeWidget *list = nullptr;
     QPushButton *compare = nullptr, *back = nullptr;
 
-    std::size_t chosen() const {
-        return static_cast<std::size_t>(std::max(0, list->indexOfTopLevelItem(list->currentItem())));
+    // Numbers of the selected forms, the newest first.
+    std::vector<std::size_t> chosen() const {
+        std::vector<std::size_t> numbers;
+        for (QTreeWidgetItem *row : list->selectedItems())
+            numbers.push_back(static_cast<std::size_t>(list->indexOfTopLevelItem(row)));
+        std::ranges::sort(numbers);
+        return numbers;
     }
 
-    void compareWithNow() {
+    // The present one as the item that it is, so that differences can be taken over into it.
+    CompareSource sourceOf(std::size_t number) const {
         StoredItem form;
-        const std::size_t number = chosen();
-        if (!historyReadForm(entry.id, number, form)) return;
+        if (number == 0) return compareSourceOf(entry.id);
+        if (!historyReadForm(entry.id, number, form)) return {};
         const QString label = textOf(Text::versionsOf, {utf8Name(), timeText(forms[number].time).toStdString()});
-        compareSources({.id = noItem, .label = label, .image = std::move(form.data)}, compareSourceOf(entry.id));
+        return {.id = noItem, .label = label, .image = std::move(form.data)};
+    }
+
+    // Two forms, or one with the present one.
+    void compareChosen() {
+        const std::vector<std::size_t> numbers = chosen();
+        if (numbers.empty() || numbers.size() > 2) return;
+        const CompareSource left = sourceOf(numbers.back()), right = sourceOf(numbers.size() == 2 ? numbers[0] : 0);
+        if (left.label.isEmpty() || right.label.isEmpty()) return;
+        compareSources(left, right);
         const std::vector<FormEntry> later = historyForms(entry.id);
         if (later.size() != forms.size()) dialog.reject();  // numbers have moved by what was taken over
     }
 
     void bringBack() {
-        if (!historyBringBack(entry.id, chosen())) return;
+        if (chosen().size() != 1 || !historyBringBack(entry.id, chosen()[0])) return;
         dialog.accept();
         showChangedItems();
         statusLine(StatusPart::item, Text::formCameBack, {utf8Name()});
     }
 
     void follow() {
-        const bool isEarlier = chosen() > 0;
-        compare->setEnabled(isEarlier && isTextKind(entry.kind));
+        const std::vector<std::size_t> numbers = chosen();
+        const bool isEarlier = numbers.size() == 1 && numbers[0] > 0;
+        compare->setText(textOf(numbers.size() == 2 ? Text::versionsCompareBoth : Text::versionsCompare));
+        compare->setEnabled((isEarlier || numbers.size() == 2) && isTextKind(entry.kind));
         back->setEnabled(isEarlier && !storeIsReadOnly());
     }
 
@@ -123,14 +142,14 @@ void showVersions() {
     layout->addWidget(state.list);
     auto *row = new QHBoxLayout;
     state.compare =
-        addButton(row, Text::versionsCompare, Text::tipVersionsCompare, &state.dialog, [&] { state.compareWithNow(); });
+        addButton(row, Text::versionsCompare, Text::tipVersionsCompare, &state.dialog, [&] { state.compareChosen(); });
     state.back = addButton(row, Text::versionsBack, Text::tipVersionsBack, &state.dialog, [&] { state.bringBack(); });
     row->addStretch();
     row->addWidget(closeButtons(&state.dialog));
     layout->addLayout(row);
-    QObject::connect(state.list, &QTreeWidget::currentItemChanged, &state.dialog, [&] { state.follow(); });
+    QObject::connect(state.list, &QTreeWidget::itemSelectionChanged, &state.dialog, [&] { state.follow(); });
     QObject::connect(state.list, &QTreeWidget::itemActivated, &state.dialog, [&] {
-        if (state.compare->isEnabled()) state.compareWithNow();
+        if (state.compare->isEnabled()) state.compareChosen();
     });
     state.follow();
     state.dialog.resize(QSize(520, 360) * textScale());

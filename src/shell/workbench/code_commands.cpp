@@ -197,7 +197,7 @@ void mendAtCaret() {
     const int position = programEdit->textCursor().position();
     const std::size_t line = lineOf(reading.structure, byteAtPosition(reading, position));
     const Problem *found = nullptr;
-    for (const Problem &problem : problemsOnView()) {
+    for (const Problem &problem : problemsNow()) {
         if (!problem.mend || lineOf(reading.structure, problem.at) != line) continue;
         const bool isAtCaret = positionOfByte(reading, problem.at) <= position &&
                                position <= positionOfByte(reading, problem.at + problem.length);
@@ -215,7 +215,7 @@ void mendAtCaret() {
 }
 
 void goToNextProblem() {
-    const std::vector<Problem> &problems = problemsOnView();
+    const std::vector<Problem> &problems = problemsNow();
     if (problems.empty()) return statusLine(StatusPart::item, Text::noProblems);
     const ProgramReading &reading = programReading();
     const int position = std::min(programEdit->textCursor().position(), programEdit->textCursor().anchor());

@@ -2,6 +2,7 @@
 
 #include <QDockWidget>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QTimer>
@@ -127,6 +128,13 @@ bool dockEvent(QWidget *, QEvent *event) {
     return false;
 }
 
+// Back to the text.
+bool tableEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape) return false;
+    programEdit->setFocus();
+    return true;
+}
+
 QStringList columnsOf(CodePane pane) {
     QStringList columns = {textOf(Text::columnLine)};
     if (pane == CodePane::problems) columns << textOf(Text::columnSeverity);
@@ -148,6 +156,7 @@ void makeDock(const PaneRow &row, bool isShown) {
     mainWindow->addDockWidget(row.area, dock.widget);
     dock.widget->setVisible(isShown);
     hookEvents(dock.widget, dockEvent);
+    hookEvents(dock.table, tableEvent);
     QObject::connect(dock.table, &QTreeWidget::itemActivated, dock.table, activated);
     QObject::connect(dock.table, &QTreeWidget::itemClicked, dock.table, activated);
     QObject::connect(dock.widget, &QDockWidget::visibilityChanged, dock.widget, [&row](bool visible) {
@@ -226,6 +235,8 @@ void showUsesOf(const ProgramName &name) {
     dock.widget->setWindowTitle(textOf(Text::usesOf, {utf8FromCalculator(name.shown)}));
     dock.widget->show();
     dock.widget->raise();
+    dock.table->setCurrentItem(dock.table->topLevelItem(0));
+    dock.table->setFocus();
     commandStatesChanged();
 }
 

@@ -2,7 +2,7 @@
 #include "shell/commands/rows/rows.h"
 
 #include "shell/editor/completion_list.h"
-#include "shell/editor/indentation.h"
+#include "shell/editor/folding.h"
 #include "shell/parts/on_view.h"
 #include "shell/views/item_views.h"
 #include "shell/workbench/code_commands.h"
@@ -80,15 +80,39 @@ constexpr Command rows[] = {
      .tip = Text::tipRenameName,
      .enabled = programOnView,
      .run = renameAtCaret},
-    {.id = CommandId::codeIndent,
+    // The second keys are those that every layout has without a third level.
+    {.id = CommandId::codeFold,
      .menu = code,
      .separatorAhead = true,
-     .text = Text::menuIndent,
-     .tip = Text::tipIndent,
-     .checked = linesAreIndented,
-     .run = toggleIndentation},
+     .text = Text::menuFold,
+     .shortcut = "Ctrl+Shift+[; Ctrl+Shift+-",
+     .tip = Text::tipFold,
+     .enabled = programOnView,
+     .run = foldAtCaret},
+    {.id = CommandId::codeUnfold,
+     .menu = code,
+     .text = Text::menuUnfold,
+     .shortcut = "Ctrl+Shift+]; Ctrl+Shift++",
+     .tip = Text::tipUnfold,
+     .enabled = programOnView,
+     .run = unfoldAtCaret},
+    {.id = CommandId::codeFoldAll,
+     .menu = code,
+     .text = Text::menuFoldAll,
+     .shortcut = "Ctrl+Alt+-",
+     .tip = Text::tipFoldAll,
+     .enabled = programOnView,
+     .run = foldAll},
+    {.id = CommandId::codeUnfoldAll,
+     .menu = code,
+     .text = Text::menuUnfoldAll,
+     .shortcut = "Ctrl+Alt++",
+     .tip = Text::tipUnfoldAll,
+     .enabled = programOnView,
+     .run = unfoldAll},
     {.id = CommandId::codeCompleteTyping,
      .menu = code,
+     .separatorAhead = true,
      .text = Text::menuCompleteTyping,
      .tip = Text::tipCompleteTyping,
      .checked = completesWhileTyping,

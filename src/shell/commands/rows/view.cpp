@@ -1,6 +1,7 @@
 // What the View menu holds, with its orders, panes and zooms.
 #include "shell/commands/rows/rows.h"
 
+#include "shell/editor/indentation.h"
 #include "shell/editor/symbols_window.h"
 #include "shell/parts/client_layout.h"
 #include "shell/run/emulator_place.h"
@@ -80,6 +81,12 @@ constexpr Command rows[] = {
      .tip = Text::tipBeside,
      .checked = besideProgram,
      .run = toggleBeside},
+    {.id = CommandId::codeIndent,
+     .menu = view,
+     .text = Text::menuIndent,
+     .tip = Text::tipIndent,
+     .checked = linesAreIndented,
+     .run = toggleIndentation},
     paneRow<Pane::variables>(CommandId::paneVariables, Text::paneVariables),
     paneRow<Pane::watches>(CommandId::paneWatches, Text::paneWatches),
     paneRow<Pane::calls>(CommandId::paneCalls, Text::paneCalls),
