@@ -32,6 +32,7 @@
 #include "shell/editor/program_clipboard.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
@@ -240,7 +241,15 @@ void makePanel() {
     layout->addWidget(state.words, 1);
     layout->addWidget(state.count);
     layout->addWidget(buttons);
-    state.panel->setFixedWidth(panelWidth);
+    state.panel->setFixedWidth(grown(panelWidth));
+    // As high as the longest step needs: the panel stays where it is while its words change.
+    const QMargins margins = layout->contentsMargins();
+    const QRect room(0, 0, grown(panelWidth) - margins.left() - margins.right(), QWIDGETSIZE_MAX);
+    int height = 0;
+    for (const TourStep &step : steps)
+        height = std::max(height,
+                          state.words->fontMetrics().boundingRect(room, Qt::TextWordWrap, textOf(step.text)).height());
+    state.words->setMinimumHeight(height);
 }
 
 // Beside or below the main window where the screen has room, else in its corner above the status bar.
@@ -248,7 +257,8 @@ void placePanel() {
     constexpr int gap = 12;
     state.panel->adjustSize();
     const QRect screen = mainWindow->screen()->availableGeometry(), window = mainWindow->frameGeometry();
-    QRect place(QPoint(window.right() + gap, window.top()), QSize(panelWidth, state.panel->height() + 2 * gap));
+    QRect place(QPoint(window.right() + gap, window.top()),
+                QSize(state.panel->width(), state.panel->height() + 2 * gap));
     if (!screen.contains(place)) place.moveRight(window.left() - gap);
     if (!screen.contains(place)) place.moveTopRight({window.right(), window.bottom() + gap});
     if (!screen.contains(place))
