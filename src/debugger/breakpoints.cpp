@@ -43,10 +43,13 @@ void tellChange() {
     if (breakpointsChanged != nullptr) breakpointsChanged();
 }
 
-bool makesSense(const Breakpoint &breakpoint, bool alsoByValue = true) {
-    if (!breakpoint.condition.empty() && !faultOf(breakpoint.condition, alsoByValue).empty()) return false;
+bool hasPlace(const Breakpoint &breakpoint) {
     if (breakpoint.isOfData()) return debugTargetNamed(breakpoint.target).has_value();
     return breakpoint.line >= 1 && breakpoint.statement >= 0;
+}
+
+bool makesSense(const Breakpoint &breakpoint, bool alsoByValue = true) {
+    return (breakpoint.condition.empty() || faultOf(breakpoint.condition, alsoByValue).empty()) && hasPlace(breakpoint);
 }
 
 template <class Belongs>
@@ -117,7 +120,7 @@ void breakpointRemove(int id) {
 void breakpointsClear() { breakpointsSet({}); }
 
 void breakpointsSet(std::vector<Breakpoint> all) {
-    std::erase_if(all, [](const Breakpoint &breakpoint) { return !makesSense(breakpoint, false); });
+    std::erase_if(all, [](const Breakpoint &breakpoint) { return !hasPlace(breakpoint); });
     {
         const HoldLock held(listLock);
         list = std::move(all);
@@ -184,10 +187,10 @@ void breakpointsForgetItem(ItemId item) {
     if (removed > 0) tellChange();
 }
 
-std::uint64_t breakpointHit(int id) {
+void breakpointSetHits(int id, std::uint64_t hits) {
     const HoldLock held(listLock);
     const auto found = std::ranges::find(list, id, &Breakpoint::id);
-    return found == list.end() ? 0 : ++found->hits;
+    if (found != list.end()) found->hits = hits;
 }
 
 void breakpointsCountAnew() {

@@ -42,7 +42,8 @@ void breakpointsClear();
 // Sets one at the place, or removes those that stand there; the id of a new one, else 0.
 int breakpointToggle(ItemId item, int line, int statement);
 std::vector<Breakpoint> breakpointsOfItem(ItemId item);
-// All at once, with the ids that they have or new ones for 0: from a file.
+// All at once, with the ids that they have or new ones for 0: from a file. What is wrong with a condition is told where
+// it is met, so that none is lost.
 void breakpointsSet(std::vector<Breakpoint> list);
 
 // The program of that item holds this image now: its breakpoints look for their statements and move there, or are lost.
@@ -51,8 +52,8 @@ bool breakpointsFollow(ItemId item, ByteView image);
 void breakpointsFollowLoaded();           // the same for all programs of the run that is loaded
 void breakpointsForgetItem(ItemId item);  // it is deleted
 
-// The run's: a hit is counted, and a new run counts anew.
-std::uint64_t breakpointHit(int id);
+// The run's: how often it has come there, as far as it stands now; a new run counts anew.
+void breakpointSetHits(int id, std::uint64_t hits);
 void breakpointsCountAnew();
 
 // Grows with each change of the list, hits excluded.

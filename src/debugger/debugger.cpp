@@ -35,6 +35,7 @@ bool hasRecord() { return isStopped() && historySize().images > 0; }
 // Of a stopped run: what it does from here on is new.
 void cutHere(bool hasChanged) {
     const HoldLock held(control.lock);
+    if (control.stop.newest > control.stop.statement || historyHasInput()) control.stop.isNewRoad = true;
     historyCut(control.stop.statement, hasChanged, !control.stop.isWithin);
     control.stop.newest = control.stop.statement;
     followLive(control.stop.statement + (control.stop.isWithin ? 1 : 0));
@@ -43,13 +44,14 @@ void cutHere(bool hasChanged) {
 }  // namespace
 
 void debugBegin(const DebugOptions &options) {
-    if (!emulatorRunning) debugForget();
+    const bool isRunning = emulatorRunning;
+    if (!isRunning) debugForget();
     debugSetOptions(options);
-    if (!emulatorRunning) {
+    if (debugState() == DebugState::off) {  // nobody has followed this run yet
         breakpointsFollowLoaded();
         breakpointsCountAnew();
-        followAnew(options.stopAtEntry);
-        profileAdopt();
+        followAnew(options.stopAtEntry && !isRunning);
+        if (!isRunning) profileAdopt();
     }
     {
         const HoldLock held(control.lock);

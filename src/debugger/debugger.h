@@ -25,6 +25,7 @@ enum class StopReason {
 };
 
 struct DebugStop {
+    std::uint64_t number = 0;  // from 1, another for each stop of the process
     StopReason reason = StopReason::none;
     int breakpoint = 0;           // its id, of breakpoint and changed
     std::string detail;           // the report; "A: 1 -> 2"; what is wrong with a condition
@@ -35,6 +36,7 @@ struct DebugStop {
     std::uint64_t statement = 0;  // statements that have been run, the one in progress excluded
     std::uint64_t newest = 0;     // the same where the record ends; greater than statement: the run stands in its past
     std::uint64_t oldest = 0;     // how far back the record goes; newest: there is no record
+    bool isNewRoad = false;       // what was recorded behind here has been forgotten at this stop
     int depth = 0;                // of calls, 0 for the program that was started
 };
 

@@ -23,6 +23,7 @@ struct DebugControl {
     Lock lock;
     DebugState state GUARDED_BY(lock) = DebugState::off;
     DebugStop stop GUARDED_BY(lock);
+    std::uint64_t stops GUARDED_BY(lock) = 0;  // so far
     DebugOptions options GUARDED_BY(lock);
     DebugCommand command GUARDED_BY(lock);
     std::atomic<bool> commandDue = false, pauseWanted = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <map>
 
 #include "emulator/machine/programs.h"
 #include "emulator/run/run_calls.h"
@@ -10,6 +11,7 @@ namespace numalink {
 
 namespace {
 
+constexpr std::ptrdiff_t hitLimit = 100000;  // of a breakpoint, that are known one by one
 constexpr std::uint8_t breakMark = 1, goalMark = 2;
 
 bool isSame(const std::optional<ComplexValue> &left, const std::optional<ComplexValue> &right) {
@@ -81,8 +83,34 @@ bool holds(const std::optional<WatchExpression> &condition, std::string &detail)
     return true;
 }
 
+// Of a breakpoint: by how many statements were over at each hit, in their order. Of very many the oldest are but
+// counted.
+struct Hits {
+    std::vector<std::uint64_t> at;
+    std::uint64_t forgotten = 0;
+
+    std::uint64_t upTo(std::uint64_t statement) const {
+        return forgotten + static_cast<std::uint64_t>(std::ranges::upper_bound(at, statement) - at.begin());
+    }
+    void add(std::uint64_t statement) {
+        const auto place = std::ranges::lower_bound(at, statement);
+        if (place != at.end() && *place == statement) return;
+        at.insert(place, statement);
+        if (std::ssize(at) <= hitLimit) return;
+        at.erase(at.begin(), at.begin() + hitLimit / 2);
+        forgotten += hitLimit / 2;
+    }
+};
+std::map<int, Hits> hits;  // by the breakpoint's id; the run thread's
+
 // A breakpoint is hit; whether it stops.
-bool countHit(int id, std::uint64_t count) { return breakpointHit(id) >= std::max<std::uint64_t>(count, 1); }
+bool countHit(int id, std::uint64_t count) {
+    Hits &of = hits[id];
+    of.add(machine.statementsRun);
+    const std::uint64_t sofar = of.upTo(machine.statementsRun);
+    breakpointSetHits(id, sofar);
+    return sofar >= std::max<std::uint64_t>(count, 1);
+}
 
 template <class Counts>
 void findDataStop(Stops &stops, StopFound &found, const Counts &counts) {
@@ -160,6 +188,16 @@ StopFound stopsFindOfData(Stops &stops) {
     StopFound found;
     findDataStop(stops, found, countHit);
     return found;
+}
+
+void hitsForget() { hits.clear(); }
+
+void hitsShow(std::uint64_t statement) {
+    for (const auto &[id, of] : hits) breakpointSetHits(id, of.upTo(statement));
+}
+
+void hitsCutBehind(std::uint64_t statement) {
+    for (auto &[id, of] : hits) of.at.erase(std::ranges::upper_bound(of.at, statement), of.at.end());
 }
 
 void searchBegin(Search &search) {

@@ -56,9 +56,13 @@ struct StopFound {
     int breakpoint = 0;
     std::string detail;
 };
-// Whether one stops ahead of this statement; hits are counted.
+// Whether one stops ahead of this statement; hits are counted. A way that is gone once more counts none twice.
 StopFound stopsFind(Stops &stops, int program, int cell);
 StopFound stopsFindOfData(Stops &stops);  // what has changed alone
+
+void hitsForget();                            // another run
+void hitsShow(std::uint64_t statement);       // those up to there, which was gone back to
+void hitsCutBehind(std::uint64_t statement);  // the run goes another way from there
 
 // The way back to a statement, or to the last one that is asked for.
 struct Search {

@@ -33,7 +33,10 @@ public:
         return entries[at].value;
     }
     void add(Value value) {
-        if (entries.empty() || entries.back().value != value) entries.push_back({value, end});
+        if (entries.empty() || entries.back().value != value) {
+            entries.push_back({value, end});
+            taken += bytesOf(entries.back());
+        }
         cursor = ++end;
         at = entries.size() - 1;
     }
@@ -45,32 +48,37 @@ public:
     }
     void cut() {  // what comes behind the cursor
         end = cursor;
-        while (!entries.empty() && entries.back().from >= end) entries.pop_back();
+        while (!entries.empty() && entries.back().from >= end) {
+            taken -= bytesOf(entries.back());
+            entries.pop_back();
+        }
         at = entries.empty() ? 0 : entries.size() - 1;
     }
     void forgetAhead(std::uint64_t place) {
         while (entries.size() > 1 && entries[1].from <= place) {
+            taken -= bytesOf(entries.front());
             entries.pop_front();
             if (at > 0) at--;
         }
     }
     void forget() { *this = {}; }
-    std::size_t bytes() const {
-        std::size_t taken = entries.size() * sizeof(Entry);
-        if constexpr (std::is_same_v<Value, LineOutcome>) {
-            for (const Entry &entry : entries) taken += entry.value.head.size() + entry.value.data.size();
-        }
-        return taken;
-    }
+    std::size_t bytes() const { return taken; }
 
 private:
     struct Entry {
         Value value;
         std::uint64_t from;
     };
+    static std::size_t bytesOf(const Entry &entry) {
+        if constexpr (std::is_same_v<Value, LineOutcome>)
+            return sizeof entry + entry.value.head.size() + entry.value.data.size();
+        else
+            return sizeof entry;
+    }
     std::deque<Entry> entries;
     std::uint64_t end = 0, cursor = 0;
-    std::size_t at = 0;  // the entry of the cursor, or one ahead of it
+    std::size_t at = 0;     // the entry of the cursor, or one ahead of it
+    std::size_t taken = 0;  // bytes of all entries
 };
 
 struct Keyframe {
@@ -155,6 +163,7 @@ void take(std::uint64_t statement) {
 
 bool isDue(std::uint64_t statement) {
     if (history.keyframes.empty() || history.changeDue) return true;
+    if (bytesUsed() > bytesWanted) return true;  // by what came in since: only images behind it let that go
     const std::uint64_t stretch = statement - history.keyframes.back().statement;
     if (stretch >= longestStretch << history.thinned) return true;
     return stretch >= lookInterval && Clock::now() - history.lastTaken >= longestTime * (1u << history.thinned);

@@ -170,17 +170,18 @@ std::uint64_t digestOfGraphs() {
         digestFormula(digest, sequence.formula);
         digest.addAll(sequence.isSelected);
     }
-    digest.addAll(graphs.newType, graphs.plotsOnly, graphs.hidesAxes, graphs.sketchStyle, graphs.sketchColor,
-                  graphs.dual, graphs.listOfX, graphs.dynamicVariable.first, graphs.dynamicVariable.second,
-                  graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus, graphs.sequenceType, graphs.showsSums);
+    digest.addAll(graphs.newType, graphs.plotsOnly, graphs.hidesAxes, graphs.showsGrid, graphs.sketchStyle,
+                  graphs.sketchColor, graphs.dual, graphs.listOfX, graphs.dynamicVariable.first,
+                  graphs.dynamicVariable.second, graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus,
+                  graphs.sequenceType, graphs.showsSums);
     return digest.value;
 }
 
 void digestValues(Digest &digest) {
     digest.addAll(machine.variables, machine.ans, machine.window, machine.windowMemories, machine.namedValues);
     digest.addAll(machine.errorFlag, machine.currentFile, machine.backgroundPicture, machine.plotPrevious,
-                  machine.plotCurrent, machine.textRow, machine.screenMode, machine.shortCopy, machine.rowColor,
-                  machine.graphSwitches, machine.gridSwitch, machine.angleUnit, machine.format.form,
+                  machine.plotCurrent, machine.textRow, machine.textColumn, machine.screenMode, machine.shortCopy,
+                  machine.rowColor, machine.graphSwitches, machine.gridSwitch, machine.angleUnit, machine.format.form,
                   machine.format.digits, machine.format.lowestFixedExponent, machine.format.engineering,
                   machine.numberBase, machine.statementsRun);
     for (int slot = 0; slot <= matrixAnsSlot; slot++)
@@ -196,6 +197,13 @@ void digestValues(Digest &digest) {
     digest.take(statisticsMemory.residualList.value_or(SIZE_MAX));
     digest.take(randomPlace());
     digest.take(machine.errorTrace == nullptr ? 0 : machine.errorTrace->size());
+}
+
+// Where the arrays of tables lie is no part of the state, but of an image.
+bool graphsAreAsKept(std::uint64_t digest) {
+    return lastGraphs != nullptr && lastGraphs->digest == digest &&
+           lastGraphs->settings.tableResult == graphs.tableResult &&
+           lastGraphs->settings.recursionResult == graphs.recursionResult;
 }
 
 }  // namespace
@@ -216,7 +224,7 @@ MachineImage takeImage() {
     addPart(image, poolElements(), static_cast<std::size_t>(part.pool.cellsUsed) * sizeof(double));
     image.calls = runCalls();
     const std::uint64_t ofGraphs = digestOfGraphs();
-    if (lastGraphs == nullptr || lastGraphs->digest != ofGraphs) lastGraphs = std::make_shared<KeptGraphs>(ofGraphs);
+    if (!graphsAreAsKept(ofGraphs)) lastGraphs = std::make_shared<KeptGraphs>(ofGraphs);
     image.graphs = lastGraphs;
     lastPages = image.pages;
     return image;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <span>
 
 #include "calculator/charset.h"
 #include "debugger/statement_match.h"
@@ -104,9 +105,12 @@ std::vector<int> statementCells(int program) {
 std::string statementText(int program, int cell) {
     if (!isLoaded(program) || cell < 0 || cell >= loadedProgram(program).cellCount) return {};
     const LoadedProgram &loaded = loadedProgram(program);
+    return cellsText(loaded.cells + cell, loaded.terminators[cell] - cell);
+}
+
+std::string cellsText(const ProgramCell *cells, int count) {
     std::string text;
-    for (int i = cell; i < loaded.terminators[cell]; i++) {
-        const ProgramCell &part = loaded.cells[i];
+    for (const ProgramCell &part : std::span(cells, static_cast<std::size_t>(std::max(count, 0)))) {
         if (part.kind == CellKind::token) addToken(text, part);
         if (part.kind == CellKind::number) addNumber(text, part.value.re);
         if (part.kind != CellKind::string) continue;

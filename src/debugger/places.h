@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "calculator/item_kinds.h"
+#include "emulator/machine/cells.h"
 #include "platform/bytes.h"
 
 namespace numalink {
@@ -33,6 +34,7 @@ std::string programNameShown(int program);  // UTF-8
 std::vector<int> statementCells(int program);
 // A statement as text, UTF-8, on one line; numbers as short as they read back.
 std::string statementText(int program, int cell);
+std::string cellsText(const ProgramCell *cells, int count);  // the same of a formula
 
 // A statement of a loaded program as it stands in a text of it that was edited since (program is that of the run, line
 // and statement are the text's), and the other way round. Nothing where it isn't there any more.

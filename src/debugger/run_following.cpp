@@ -24,7 +24,9 @@ struct Run {
     DebugOptions options;
     std::uint64_t optionsSeen = 0;
     Stops stops;
-    bool entryDue = false, errorSeen = false, endSeen = false;
+    bool entryDue = false, endSeen = false;
+    std::uint64_t firstError = noLimit;  // the statement of the first report, from 1
+    bool errorStopped = false;           // there, since it was last come to
     DebugStep step = DebugStep::onward;
     int stepDepth = 0;
     CellRange stepLine;
@@ -129,6 +131,7 @@ bool stopAt(const DebugStop &stop) {
     {
         const HoldLock held(control.lock);
         control.stop = stop;
+        control.stop.number = ++control.stops;
         control.state = DebugState::stopped;
         control.commandDue = false;
     }
@@ -209,6 +212,7 @@ bool arrive(int program, int cell) {
     run.search.reset();
     if (machine.statementsRun >= run.newest) beLive();
     stopsLookAtData(run.stops);
+    hitsShow(machine.statementsRun);
     refreshScreen(false);
     holdDisplay(false);
     DebugStop stop = stopFor(found.reason, program, cell, false);
@@ -281,6 +285,7 @@ bool beforeStatement(RunState &running) {
 }
 
 bool goesOnElsewhere() {
+    run.errorStopped = false;
     holdDisplay(run.search.has_value());
     runRepeats = true;
     if (!historyBringBack(run.image)) return false;
@@ -306,7 +311,8 @@ void within() {
 void reported(const char *text) {
     if (runIsLeft() || run.search) return;
     if (!runRepeats && debugTrace != nullptr) debugTrace->report(text);
-    const bool isFirst = !std::exchange(run.errorSeen, true);
+    run.firstError = std::min(run.firstError, machine.statementsRun);
+    const bool isFirst = machine.statementsRun == run.firstError && !std::exchange(run.errorStopped, true);
     if (run.options.errors == ErrorStops::none || (run.options.errors == ErrorStops::first && !isFirst)) return;
     DebugStop stop = stopWithin(StopReason::error);
     stop.detail = text;
@@ -374,11 +380,15 @@ const RunObserver followingObserver = {
 void followAnew(bool stopsAtEntry) {
     observerLook.marks = nullptr;
     run = {};
+    hitsForget();
     run.entryDue = stopsAtEntry;
 }
 
 void followLive(std::uint64_t toldUpTo) {
     run.toldUpTo = std::min(run.toldUpTo, toldUpTo);
+    hitsCutBehind(toldUpTo);
+    run.nextImageLook = 0;  // a change amid a statement has its image ahead of the next one
+    if (run.firstError > toldUpTo) run.firstError = noLimit;  // the new road may not come to it
     beLive();
 }
 

@@ -6,9 +6,12 @@
 
 #include "calculator/charset.h"
 #include "debugger/following.h"
+#include "debugger/places.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/graph_screen.h"
+#include "emulator/screens/pictures.h"
 
 namespace numalink {
 
@@ -17,6 +20,14 @@ namespace {
 constexpr const char *windowNames[] = {"Xmin",   "Xmax",      "Xscale",    "Ymin",       "Ymax",
                                        "Yscale", "TThetaMin", "TThetaMax", "TThetaPitch"};
 static_assert(std::size(windowNames) == windowValueCount);
+
+// Of the types of graph functions, in their order.
+struct FunctionWords {
+    const char *name, *relation;
+};
+constexpr FunctionWords functionWords[] = {{"Y", "="}, {"r", "="}, {"Xt", "="}, {"X", "="},
+                                           {"Y", ">"}, {"Y", "<"}, {"Y", "≥"},  {"Y", "≤"}};
+constexpr const char *sequenceIndices[] = {"n=", "n+1=", "n+2="};  // of the types of sequences
 
 std::string variableName(int variable) {
     if (variable == variableTheta) return "θ";
@@ -245,6 +256,35 @@ std::vector<NamedText> debugModes() {
             {"Switches", switchesText()}};
 }
 
+std::vector<NamedText> debugFormulas() {
+    std::vector<NamedText> formulas;
+    const auto add = [&](const std::string &name, const FormulaCells &formula) {
+        if (!formula.empty()) formulas.push_back({name, cellsText(formula.data(), static_cast<int>(formula.size()))});
+    };
+    for (std::size_t i = 0; i < graphs.functions.size(); i++) {
+        const GraphFunction &function = graphs.functions[i];
+        const FunctionWords &words = functionWords[static_cast<std::size_t>(function.type)];
+        const std::string number = std::to_string(i + 1);
+        add(words.name + number + words.relation, function.formula);
+        add("Yt" + number + "=", function.second);
+    }
+    for (std::size_t i = 0; i < graphs.sequences.size(); i++)
+        add(std::string(1, static_cast<char>('a' + i)) + sequenceIndices[static_cast<std::size_t>(graphs.sequenceType)],
+            graphs.sequences[i].formula);
+    return formulas;
+}
+
+std::vector<NamedPicture> debugPictures() {
+    std::vector<NamedPicture> pictures;
+    for (int number = 1; number <= memoryCount; number++) {
+        const Surface *picture = pictureMemory(number);
+        const auto isSet = [](Color dot) { return dot != lcdColor::background; };
+        const auto dots = std::ranges::count_if(picture->dots, isSet);
+        if (dots > 0) pictures.push_back({"Pict " + std::to_string(number), static_cast<int>(dots), picture});
+    }
+    return pictures;
+}
+
 std::optional<DebugTarget> debugTargetNamed(const std::string &name) {
     DebugTarget target;
     target.name = name;
@@ -259,7 +299,7 @@ std::optional<DebugTarget> debugTargetNamed(const std::string &name) {
 
 std::optional<ComplexValue> debugTargetValue(const DebugTarget &target) {
     if (target.sort == DebugTarget::Sort::variable) return *target.variable;
-    if (target.sort == DebugTarget::Sort::dot) return complexReal(pixelTest(target.column, target.row) ? 1 : 0);
+    if (target.sort == DebugTarget::Sort::dot) return complexReal(dotIsSet(target.column, target.row) ? 1 : 0);
     const double *element = elementOf(target);
     if (element == nullptr) return std::nullopt;
     return complexReal(*element);
@@ -274,6 +314,7 @@ DebugChange targetSet(const DebugTarget &target, const std::string &number) {
     }
     if (value->im != 0) return DebugChange::notReal;
     if (target.sort == DebugTarget::Sort::dot) {
+        if (machine.screenMode != graphMode) return DebugChange::noSuchPlace;
         pixelOff(target.column, target.row);
         if (value->re != 0) pixelOn(target.column, target.row, pixelColor::blue);
         return DebugChange::done;

@@ -42,8 +42,19 @@ struct NamedText {
 };
 std::vector<NamedText> debugModes();
 
+// Formulas that are stored: "Y1=", "Xt2=", "an+1=", as text.
+std::vector<NamedText> debugFormulas();
+
+// Picture memories that hold anything.
+struct NamedPicture {
+    std::string name;
+    int dots = 0;                      // that are set
+    const Surface *surface = nullptr;  // until the run goes on
+};
+std::vector<NamedPicture> debugPictures();
+
 // What can be looked at and changed, by its name: a variable ("A", "theta", "Ans", "Xmin"), an element ("List 1[3]",
-// "Mat A[2,1]"), a dot of the graph screen ("dot 10,20", from 0; its value is 1 when it is set). Names in UTF-8.
+// "Mat A[2,1]"), a dot of the screen that is up ("dot 10,20", from 0; its value is 1 when it is set). Names in UTF-8.
 struct DebugTarget {
     enum class Sort { variable, listElement, matrixElement, dot };
     Sort sort = Sort::variable;
@@ -58,7 +69,7 @@ std::optional<DebugTarget> debugTargetNamed(const std::string &name);
 std::optional<ComplexValue> debugTargetValue(const DebugTarget &target);
 
 // Puts a number in its place: as people write it ("-1.5E3", "2+3i") or as the calculator shows it. Elements are real,
-// dots 0 or 1.
+// dots, of the graph screen alone, 0 or 1.
 enum class DebugChange { done, notANumber, notReal, noSuchPlace, runsOn };
 DebugChange debugChange(const DebugTarget &target, const std::string &number);
 

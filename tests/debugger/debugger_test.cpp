@@ -1,7 +1,9 @@
 // Runs that are stopped, stepped through and gone back in: whatever way a run is taken through, it is the same run.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <iostream>
 #include <map>
 #include <random>
 
@@ -18,6 +20,7 @@
 #include "emulator/expressions.h"
 #include "emulator/machine/arrays.h"
 #include "emulator/machine/programs.h"
+#include "emulator/run/machine_start.h"
 #include "emulator/run_files.h"
 #include "emulator/screens/display.h"
 #include "platform/clock.h"
@@ -73,11 +76,13 @@ RunFile fileWith(const std::string &words) {
 
 std::map<std::uint64_t, std::uint64_t> digests;  // ahead of every so many-th statement, by how many are over
 std::uint64_t digestEvery = 1;
+std::uint64_t digestLimit = 1000;  // states of a file that are known
 
 constexpr DebugTrace digestTrace = {
     .statement =
         [](int, int) {
-            if (machine.statementsRun % digestEvery == 0) digests[machine.statementsRun] = machineDigest();
+            if (machine.statementsRun % digestEvery == 0 && machine.statementsRun < digestLimit * digestEvery)
+                digests[machine.statementsRun] = machineDigest();
         },
     .report = [](const char *) {},
     .screenMode = [](int) {},
@@ -94,35 +99,72 @@ Ending runAndDigest(const RunFile &file) {
 
 // A walk of so many moves that goes on to the end then.
 std::mt19937 randomMove;
-int movesLeft = 0, stopsSeen = 0;
+int movesLeft = 0;
 std::string walkFault;
-constexpr int walksOfAll = 3;
+std::size_t walksDone = 0, filesWalked = 0, statesCompared = 0, imagesMade = 0;
+constexpr int walksOfAll = 3, movesOfWalk = 60, movesOfAll = 250,
+              longestRun = 2000;  // statements that one move goes on by
+std::uint64_t pauseAt = UINT64_MAX;
+
+constexpr DebugTrace pausingTrace = {
+    .statement =
+        [](int, int) {
+            if (machine.statementsRun < pauseAt) return;
+            pauseAt = UINT64_MAX;
+            debugPause();
+        },
+    .report = [](const char *) {},
+    .screenMode = [](int) {},
+};
+
+void compareState(const DebugStop &stop) {
+    const auto known = digests.find(stop.statement);
+    if (stop.isWithin || known == digests.end()) return;
+    statesCompared++;
+    if (known->second != machineDigest() && walkFault.empty())
+        walkFault = "differs ahead of statement " + std::to_string(stop.statement);
+}
+
+// A variable gets the value that it has, for which an image is taken here. Nothing that was recorded is lost by it.
+bool makeImage(const DebugStop &stop) {
+    const ComplexValue value = machine.variables[1];
+    if (stop.statement != stop.newest || stop.isWithin || historyHasInput() || std::signbit(value.im)) return false;
+    if (debugChange(*debugTargetNamed("B"), valueTextOf(value).plain) == DebugChange::done) imagesMade++;
+    return false;
+}
 
 void move() {
     const DebugStop stop = debugStop();
-    stopsSeen++;
-    const auto known = digests.find(stop.statement);
-    if (!stop.isWithin && known != digests.end() && known->second != machineDigest() && walkFault.empty())
-        walkFault = "differs ahead of statement " + std::to_string(stop.statement);
+    compareState(stop);
+    pauseAt = UINT64_MAX;
     if (movesLeft-- <= 0) {
         debugStep(DebugStep::onward);
         return;
     }
     const std::uint64_t span = stop.newest - stop.oldest + 1;
     bool moved = false;
-    switch (randomMove() % 8) {
+    switch (stop.isAtEnd ? 2 : randomMove() % 12) {
         case 0:
         case 1:
             moved = debugBack(DebugBack::statement);
             break;
         case 2:
+        case 3:
             moved = debugGoTo(stop.oldest + randomMove() % span);
             break;
-        case 3:
+        case 4:
             moved = debugBack(DebugBack::change, std::string(1, static_cast<char>('A' + randomMove() % 3)));
             break;
-        case 4:
+        case 5:
             moved = debugStep(DebugStep::over);
+            break;
+        case 6:
+            pauseAt = stop.newest + 1 + randomMove() % longestRun;
+            moved = debugStep(DebugStep::onward);
+            break;
+        case 7:
+        case 8:
+            moved = makeImage(stop);
             break;
         default:
             break;
@@ -147,6 +189,8 @@ constexpr Script scripts[] = {
     {"a condition", "\\For 1\\->I\\To 3:A+I\\->A:\\Next:A\\->B", "1.1?I=3", "on on", "1.0@0 1.1@7 1.3@10+end"},
     {"a condition that reports", "1\\->A:2\\->A", "1.1?Mat B", "on", "1.0@0 1.1@1+Dim ERROR 1.1@1+end"},
     {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
+    {"a count on a way gone once more", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3",
+     "on back-break back-break on on on", "1.0@0 1.1@7 1.1@4 1.1@1 1.1@7 1.1@10 1.2@12+end"},
     {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
      "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
     {"a variable that changes", "1\\->A:2\\->B:1\\->A:5\\->A", "=A", "on on on",
@@ -154,6 +198,10 @@ constexpr Script scripts[] = {
     {"a dot that changes", "\\PxlOn 5,6:\\PxlOn 7,8:\\Cls", "=dot 7,8", "on on on",
      "1.0@0 1.2@2+dot 7,8: 0 -> 1 1.2@2+end+dot 7,8: 1 -> 0"},
     {"the first error", "1\\->A:\\Lbl :B+\\->A:2\\->C", "errors", "on in", "1.0@0 1.2@2+Syn ERROR 1.3@3 1.3@3+end"},
+    {"a change amid a statement", "1\\->A:\\Lbl :B+\\->A:2\\->C:3\\->D:4\\->E", "errors", "on A=5 in in in A back A",
+     "1.0@0 1.2@2+Syn ERROR 1.3@3 1.4@4 1.5@5+A=5 1.4@4+A=5 1.5@5+end"},
+    {"the first error, met again", "1\\->A:\\Lbl :B+\\->A:B+\\->A", "errors", "on back in in in",
+     "1.0@0 1.2@2+Syn ERROR 1.2@2 1.2@2+Syn ERROR 1.3@3 1.3@3+end"},
     {"back to a change", "1\\->A:2\\->B:3\\->A:4\\->B:5\\->C", "", "to@4 change-A change-A change-A",
      "1.0@0 1.4@4 1.2@2 1.0@0 1.0@0+start 1.4@4+end"},
 };
@@ -168,8 +216,16 @@ void obeyScript() {
     if (stop.isAtEnd) stopsTold += "+end";
     if (stop.reason == StopReason::backAtStart) stopsTold += "+start";
     if (!stop.detail.empty()) stopsTold += "+" + stop.detail;
-    const std::string command = commandsLeft.empty() ? "on" : commandsLeft.front();
-    if (!commandsLeft.empty()) commandsLeft.erase(commandsLeft.begin());
+    const auto nextCommand = [] {
+        const std::string command = commandsLeft.empty() ? "on" : commandsLeft.front();
+        if (!commandsLeft.empty()) commandsLeft.erase(commandsLeft.begin());
+        return command;
+    };
+    std::string command = nextCommand();
+    for (; command.starts_with("A"); command = nextCommand()) {  // its value is told, or set
+        if (command == "A") stopsTold += "+A=" + valueTextOf(machine.variables[0]).plain;
+        if (command != "A") EXPECT_EQ(debugChange(*debugTargetNamed("A"), command.substr(2)), DebugChange::done);
+    }
     const std::string operand = command.substr(std::min(command.size(), command.find_first_of("-@") + 1));
     bool given = false;
     if (command == "in") given = debugStep(DebugStep::statement);
@@ -215,7 +271,8 @@ bool takesAll() { return std::getenv("NUMALINK_ALL_RUNS") != nullptr; }
 
 template <class Check>
 void withSomeFiles(const Check &check) {
-    const std::vector<std::string> names = runFiles(NUMALINK_RUNS_FOLDER);
+    std::vector<std::string> names = runFiles(NUMALINK_RUNS_FOLDER);
+    std::ranges::copy(runFiles(NUMALINK_PROGRAMS_FOLDER), std::back_inserter(names));
     const auto seed = static_cast<std::size_t>(testing::UnitTest::GetInstance()->random_seed());
     const std::size_t share = takesAll() ? 1 : shareOfRuns;
     for (std::size_t i = seed % share; i < names.size(); i += share) {
@@ -316,6 +373,27 @@ TEST_F(Debugged, ValuesInFullReadBack) {
         }
     }
     machine.variables[0] = {};
+}
+
+// What comes from outside counts towards the room as it comes, also where no image is due.
+TEST_F(Debugged, WhatCameFromOutsideStaysWithinTheRoom) {
+    freshMachine(fileWith("1\\->A"));
+    machineStart();
+    runHalted = false;
+    emulatorRunning = true;
+    historyBegin();
+    std::size_t most = 0;
+    for (std::uint64_t statement = 0, next = 0; statement < 20000; statement++) {
+        if (statement >= next) next = historyAt(statement);
+        historyLine([&] {
+            return LineOutcome{.isGood = true, .head = {}, .data = Bytes(20000, static_cast<std::uint8_t>(statement))};
+        });
+        most = std::max(most, historySize().bytes);
+    }
+    emulatorRunning = false;
+    EXPECT_LE(most, historyBytes + 256 * 20100);
+    EXPECT_GT(historyOldest(), 10000u);
+    historyForget();
 }
 
 TEST_F(Debugged, AProfileCountsEveryStatementOnce) {
@@ -419,6 +497,9 @@ TEST_F(Debugged, BreakpointsFollowEditsAndRestarts) {
     ASSERT_TRUE(inText);
     EXPECT_EQ(std::pair(inText->line, inText->statement), std::pair(3, 2));
     EXPECT_EQ(placeInRun(*inText, edited), inRun);
+    scratch.write(breakpointFileName, R"([{"item":5,"line":2,"condition":"A="}])");
+    EXPECT_TRUE(breakpointsLoad(scratch.path));
+    EXPECT_EQ(breakpoints().size(), 1u) << "what is wrong with it is told where it is met";
     for (const char *hostile : {"", "{", "[1,{},{\"item\":-1,\"line\":1e99},{\"changes\":7}]", "[[[[[["}) {
         scratch.write(breakpointFileName, hostile);
         breakpointsLoad(scratch.path);
@@ -428,16 +509,27 @@ TEST_F(Debugged, BreakpointsFollowEditsAndRestarts) {
 
 TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {
     onStop = move;
-    const DebugOptions options{.stopAtEntry = true, .records = true};
+    const DebugOptions options{.stopAtEntry = true, .stopAtEnd = true, .records = true};
+    if (takesAll()) digestLimit = 20000;
+    walksDone = filesWalked = statesCompared = imagesMade = 0;
     withSomeFiles([&](const RunFile &file) {
         const Ending straight = runAndDigest(file);
-        for (int walk = takesAll() ? walksOfAll : 1; walk > 0; walk--) {
-            movesLeft = 60;
+        filesWalked++;
+        for (int walk = takesAll() ? walksOfAll : 1; walk > 0; walk--, walksDone++) {
+            movesLeft = takesAll() ? movesOfAll : movesOfWalk;
             walkFault.clear();
+            debugTrace = &pausingTrace;
             EXPECT_EQ(runWith(file, &options), straight);
+            debugTrace = nullptr;
             EXPECT_EQ(walkFault, "");
         }
     });
+    std::cout << walksDone << " walks over " << filesWalked << " files, " << statesCompared << " states compared, "
+              << imagesMade << " images made" << std::endl;
+    EXPECT_GT(imagesMade, walksDone);
+    if (!takesAll()) return;
+    EXPECT_GE(walksDone, 1000u);
+    EXPECT_GE(filesWalked, 50u);
 }
 
 // Each image has up to half a megabyte of its own. Where that fills the room, as in slow builds, images go so that the

@@ -122,6 +122,11 @@ void displayValue(const ProgramCell &cell, PixelColor color) {
 
 const Surface &matrixScreen() { return matrixSurface; }
 
+bool dotIsSet(int x, int y) {
+    const bool isOfGraph = machine.screenMode == textMode && machine.shortCopy && y >= shortCopyRows;
+    return dotAt(isOfGraph ? graphScreen() : sourceOf(machine.screenMode), x, y) != lcdColor::background;
+}
+
 void displayRestore(const Surface &ofMatrices, const Surface &onDisplay) {
     matrixSurface = ofMatrices;
     matrixChanges++;

@@ -11,6 +11,8 @@ namespace numalink {
 std::string valueText(const ProgramCell &cell);                // calculator codes; empty for what has no text
 void displayValue(const ProgramCell &cell, PixelColor color);  // a string, a number, a matrix; else an empty line
 const Surface &matrixScreen();
+// Whether a dot of the screen that is up is set, as it is drawn by now; false outside. Run thread.
+bool dotIsSet(int x, int y);
 
 // The screen of matrices and the display as they were at an earlier statement, to the dot; the other screens and the
 // machine come ahead. Run thread.
