@@ -3,6 +3,7 @@
 #include <QDockWidget>
 #include <QLabel>
 #include <QPushButton>
+#include <QThread>
 #include <QTreeWidget>
 
 #include "debugger/breakpoints.h"
@@ -89,6 +90,9 @@ TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
     EXPECT_EQ(stopAfter(CommandId::debugBackStep), 3);
     EXPECT_EQ(valueOf("B"), QStringLiteral("0"));
     EXPECT_TRUE(commandEnabled(CommandId::debugNewRoad));
+    rowNamed("variablesDock", QStringLiteral("A"))->setText(1, QStringLiteral("5"));
+    EXPECT_TRUE(stopWords().contains(textOf(Text::stopNewRoad))) << stopWords().toStdString();
+    EXPECT_FALSE(commandEnabled(CommandId::debugNewRoad)) << "it has been taken";
 
     QTest::keyClick(mainWindow, Qt::Key_F7);
     EXPECT_FALSE(emulatorRunning);
@@ -174,10 +178,13 @@ TEST_F(Workbench, AStoppedRunEndsWithTheProgramAndOtherItemsCanBeLookedAt) {
     mainWindow->findChild<QDockWidget *>(QStringLiteral("profileDock"))->close();
     EXPECT_FALSE(paneShown(Pane::profile));
     show(program);
+    lineNumberClicked(2);
+    EXPECT_TRUE(QTest::qWaitFor([] { return tableOf("breakpointsDock")->topLevelItemCount() == 1; }, 3000));
     EXPECT_NE(stopAfter(CommandId::debugStep), 0);
     answer(wording(Text::ok));
     handleCommand(CommandId::remove);
     EXPECT_FALSE(emulatorRunning) << "its program is gone";
+    EXPECT_TRUE(QTest::qWaitFor([] { return tableOf("breakpointsDock")->topLevelItemCount() == 0; }, 3000));
 }
 
 // The same statements in an edited text, and the next run counts without being told again.
@@ -245,6 +252,91 @@ TEST_F(Workbench, ABadConditionIsToldAndTheOldOneStays) {
     EXPECT_EQ(conditionAfter(QString()), "");
     EXPECT_FALSE(fault->isVisibleTo(fault->parentWidget()));
     EXPECT_TRUE(shown.empty()) << "no box";
+}
+
+// Something else brings the panes up between a command and the look at where it led: they don't read what the run is
+// changing by then.
+TEST_F(Workbench, NothingIsReadFromARunThatGoesOn) {
+    show(addWords("LOOP", "\\Do\rA+1\\->A\r\\LpWhile 1"));
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    tableOf("watchesDock")->topLevelItem(0)->setText(0, QStringLiteral("A"));
+    EXPECT_TRUE(QTest::qWaitFor([] { return tableOf("watchesDock")->topLevelItemCount() == 2; }, 3000));
+    handleCommand(CommandId::debugGoOn);
+    while (debugState() != DebugState::runs) QThread::msleep(1);
+    QThread::msleep(20);
+    debuggingChanged();
+    EXPECT_NE(shownStop(), nullptr) << "no look was taken yet";
+    EXPECT_EQ(valueOf("A"), QStringLiteral("0"));
+    EXPECT_EQ(tableOf("watchesDock")->topLevelItem(0)->text(1), QStringLiteral("0"));
+    EXPECT_EQ(countTextMarks(MarkLayer::statements), 1) << "nor does the mark go for a moment";
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+}
+
+// One run is followed at first alone, the next one at last alone, of another program.
+TEST_F(Workbench, ARunThatIsFollowedLateHasItsOwnBreakpoints) {
+    const ItemId first = addWords("FIRST", "\\Do\r\\LpWhile 1");
+    const ItemId second = addWords("SECOND", "\\Do\rA+1\\->A\rB+1\\->B\rC+1\\->C\r\\LpWhile 1");
+    refreshTree();
+    show(second);
+    lineNumberClicked(4);
+    show(first);
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    handleCommand(CommandId::debugGoOn);
+    EXPECT_TRUE(QTest::qWaitFor([] { return shownStop() == nullptr; }, 3000));
+    handleCommand(CommandId::besideProgram);
+    EXPECT_FALSE(runIsFollowed());
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    show(second);
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    ASSERT_TRUE(emulatorRunning);
+    EXPECT_EQ(stopAfter(CommandId::besideProgram), 4);
+    EXPECT_EQ(valueOf("A"), valueOf("B"));
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+}
+
+// What is typed into the panes counts, and a pane that was torn off is so again.
+TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
+    const ItemId program = addWords("LOOP", "0\\->A\r\\Do\rA+1\\->A\r\\LpWhile 1");
+    show(program);
+    EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    QTreeWidget *watches = tableOf("watchesDock");
+    watches->topLevelItem(0)->setText(0, QStringLiteral("2A+1"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watches->topLevelItemCount() == 2; }, 3000));
+    EXPECT_EQ(watches->topLevelItem(0)->text(1), QStringLiteral("1"));
+    watches->topLevelItem(1)->setText(0, QStringLiteral("1/"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watches->topLevelItemCount() == 3; }, 3000));
+    EXPECT_TRUE(watches->topLevelItem(1)->text(1).contains(QStringLiteral("Syn ERROR")));
+
+    lineNumberClicked(3);
+    EXPECT_TRUE(QTest::qWaitFor([] { return tableOf("breakpointsDock")->topLevelItemCount() == 1; }, 3000));
+    tableOf("breakpointsDock")->topLevelItem(0)->setText(2, QStringLiteral("4"));
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 3);
+    EXPECT_EQ(valueOf("A"), QStringLiteral("3")) << "the fourth time";
+    EXPECT_EQ(watches->topLevelItem(0)->text(1), QStringLiteral("7"));
+    EXPECT_FALSE(watches->topLevelItem(1)->font(1).bold());
+    watches->setCurrentItem(watches->topLevelItem(0));
+    QTest::keyClick(watches, Qt::Key_Delete);
+    EXPECT_EQ(watches->topLevelItemCount(), 2);
+    tableOf("breakpointsDock")->topLevelItem(0)->setText(2, QStringLiteral("some"));
+    QTest::qWait(20);
+    EXPECT_EQ(breakpointsOfItem(program).at(0).count, 4u);
+    tableOf("breakpointsDock")->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(3).sign == LineSign::idleBreakpoint; }, 3000));
+    handleCommand(CommandId::debugGoOn);
+    EXPECT_TRUE(QTest::qWaitFor([] { return shownStop() == nullptr; }, 3000)) << "it is switched off";
+    EXPECT_FALSE(QTest::qWaitFor([] { return shownStop() != nullptr; }, 300));
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+
+    mainWindow->findChild<QDockWidget *>(QStringLiteral("callsDock"))->setFloating(true);
+    mainWindow->addDockWidget(Qt::LeftDockWidgetArea,
+                              mainWindow->findChild<QDockWidget *>(QStringLiteral("watchesDock")));
+    endProgram();
+    ASSERT_TRUE(startProgram());
+    const auto *torn = mainWindow->findChild<QDockWidget *>(QStringLiteral("callsDock"));
+    EXPECT_TRUE(torn->isFloating());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return torn->isVisible(); }, 3000));
+    EXPECT_EQ(mainWindow->dockWidgetArea(mainWindow->findChild<QDockWidget *>(QStringLiteral("watchesDock"))),
+              Qt::LeftDockWidgetArea);
 }
 
 }  // namespace numalink

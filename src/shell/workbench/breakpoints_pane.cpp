@@ -34,6 +34,11 @@ struct BreakpointsPane {
 };
 BreakpointsPane state;
 
+// Its item was deleted; should that be taken back, it is there again.
+bool isGone(const Breakpoint &point) {
+    return !point.isOfData() && point.item != noItem && !storeReadEntry(point.item);
+}
+
 QString placeOf(const Breakpoint &point) {
     if (point.isOfData()) return toQt(point.target);
     const std::optional<ItemEntry> entry = storeReadEntry(point.item);
@@ -146,6 +151,7 @@ void refreshBreakpoints() {
     const std::optional<Breakpoint> picked = pointOf(state.table->currentItem());
     state.table->clear();
     for (const Breakpoint &point : breakpoints()) {
+        if (isGone(point)) continue;
         auto *row = new QTreeWidgetItem(state.table);
         row->setFlags(row->flags() | Qt::ItemIsEditable | Qt::ItemIsUserCheckable);
         row->setData(placeColumn, idRole, point.id);

@@ -40,7 +40,7 @@ QWidget *makeCallsPane() {
 void refreshCalls() {
     state.table->setEnabled(shownStop() != nullptr);
     if (shownStop() == nullptr && runIsFollowed()) return;
-    state.calls = shownStop() != nullptr ? debugCalls() : std::vector<DebugPlace>{};
+    state.calls = shownStop() != nullptr ? shownCalls() : std::vector<DebugPlace>{};
     state.table->clear();
     for (const DebugPlace &place : state.calls) {
         const int cell = cellOfPlace(place.program, place.line, place.statement);

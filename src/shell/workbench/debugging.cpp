@@ -40,7 +40,7 @@ struct Debugging {
     bool counts = false;  // statements, of each run
     bool isStopped = false;
     DebugStop stop;
-    unsigned stops = 0;       // that were shown
+    std::vector<DebugPlace> calls;
     unsigned told = 0;        // states told, so that a late look knows that it is out of date
     ItemId started = noItem;  // what the run began with
     ItemId shown = noItem;    // what a stop has brought to view
@@ -92,7 +92,7 @@ void takeState() {
         return;
     }
     state.stop = debugStop();
-    state.stops++;
+    state.calls = debugCalls();
     showProgramOf(state.stop.place);
     tellChange();
 }
@@ -116,13 +116,15 @@ void follow() {
     tellChange();
 }
 
+// What the debugger knows of a run goes with it, also where that has gone on over the view.
 void followNoMore() {
-    if (!state.follows) return;
-    const bool goBack = state.shown != noItem && state.shown == viewItemId && state.started != viewItemId;
+    const bool followed = state.follows;
+    const bool goBack = followed && state.shown != noItem && state.shown == viewItemId && state.started != viewItemId;
     const ItemId started = state.started;
     state.follows = state.isStopped = false;
-    debugEnd();
+    if (followed) debugEnd();
     debugForget();
+    if (!followed) return;
     tellChange();
     if (goBack && storeReadEntry(started)) selectItem(started);
 }
@@ -272,7 +274,11 @@ void forgetDebugging() {
 }
 
 const DebugStop *shownStop() { return state.follows && state.isStopped ? &state.stop : nullptr; }
-unsigned shownStopNumber() { return state.stops; }
+const std::vector<DebugPlace> &shownCalls() { return state.calls; }
+bool valuesCanBeRead() {
+    return shownStop() != nullptr && debugState() == DebugState::stopped && debugStop().number == state.stop.number;
+}
+std::uint64_t shownStopNumber() { return state.stop.number; }
 bool runIsFollowed() { return state.follows; }
 RunEnd runWaitsAt() { return state.waitsAt; }
 bool storedSinceStart(ItemId item) { return state.storedSince.contains(item); }
@@ -328,7 +334,11 @@ void debugBackBy(DebugBack back, const std::string &target) {
 void debugTakeNewRoad() {
     if (shownStop() == nullptr) return;
     debugNewRoad();
-    state.stop = debugStop();
+    debugValueChanged();
+}
+
+void debugValueChanged() {
+    if (shownStop() != nullptr) state.stop = debugStop();
     tellChange();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "debugger/debugger.h"
 
@@ -12,8 +13,13 @@ void connectDebugging();  // once emulator and views are there and the library i
 void loadBreakpoints();   // of the library that is open, in place of those of another
 void forgetDebugging();
 
-const DebugStop *shownStop();  // where the followed run stands; null while it goes on, or there is none
-unsigned shownStopNumber();    // of the last stop: another with each, whatever else is told anew
+const DebugStop *shownStop();                 // where the followed run stands; null while it goes on, or there is none
+const std::vector<DebugPlace> &shownCalls();  // of that stop, as debugCalls
+// Between a command and the look at what it led to, the stop is shown while the run goes on already, or stands at the
+// next one: whoever reads the machine asks here, and else leaves what is shown. It holds until this thread gives the
+// next command.
+bool valuesCanBeRead();
+std::uint64_t shownStopNumber();  // of the last stop: another with each, whatever else is told anew
 bool runIsFollowed();
 RunEnd runWaitsAt();  // of a followed run that goes on: the wait that it is in; running: none
 // The text of this item was stored anew since the run began, so that places of the run no longer fit it.
@@ -42,6 +48,7 @@ void debugStepBy(DebugStep step);
 void debugToCaret();
 void debugBackBy(DebugBack back, const std::string &target = {});
 void debugTakeNewRoad();
+void debugValueChanged();               // by hand, at the stop that is shown
 void toggleBreakpoint();                // at the caret
 void toggleBreakpointOfLine(int line);  // its first statement
 void toggleBeside();

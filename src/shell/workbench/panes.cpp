@@ -186,6 +186,13 @@ void sizePanes() {
     mainWindow->resizeDocks(down, heights, Qt::Vertical);
 }
 
+// One that is torn off comes once its main window is there: window managers keep it above that only then.
+void bringUp(std::size_t index) {
+    QDockWidget *dock = state.docks[index].widget;
+    if (!dock->isFloating() || mainWindow->isVisible()) return dock->setVisible(true);
+    QTimer::singleShot(0, dock, [index] { state.docks[index].widget->setVisible(paneShown(rows[index].pane)); });
+}
+
 void refreshShown() {
     takeProfile();
     showStopInProgram();
@@ -233,10 +240,11 @@ void showPanes(bool show) {
     if (show) makeRoomBeside();
     for (const Dock &dock : state.docks) notePaneSize(dock.widget);
     state.shown = show;
-    for (Dock &dock : state.docks) dock.widget->setVisible(show && dock.wanted);
+    for (std::size_t i = 0; i < std::size(rows); i++)
+        show &&state.docks[i].wanted ? bringUp(i) : state.docks[i].widget->hide();
     // Of those that share a place the first one is to be seen.
     for (auto dock = state.docks.rbegin(); dock != state.docks.rend(); ++dock)
-        if (show && dock->wanted) dock->widget->raise();
+        if (show && dock->wanted && !dock->widget->isFloating()) dock->widget->raise();
     showStopLine(show);
     if (show && !std::exchange(state.sized, true)) sizePanes();
     state.arranging = false;

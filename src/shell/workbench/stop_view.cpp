@@ -31,7 +31,7 @@ struct StopView {
     bool barWanted = false;
     // The stop that was brought into sight: later looks at it leave the text where it was scrolled to.
     ItemId seenIn = noItem;
-    unsigned seen = 0;
+    std::uint64_t seen = 0;
     std::map<int, LineMark> lines;  // of the program on view
 };
 StopView state;
@@ -78,6 +78,7 @@ QString stopWords(const DebugStop &stop) {
     } else {
         words << textOf(Text::stopCount, {grouped(stop.statement).toStdString()});
     }
+    if (stop.isNewRoad) words << textOf(Text::stopNewRoad);
     if (storedSinceStart(place.item) || (place.item == viewItemId && programChanged()))
         words << textOf(Text::stopOldText);
     if (!besideProgram()) words << textOf(Text::stopOverView);
@@ -143,7 +144,7 @@ void addNeverRun(std::vector<StatementMark> &marks) {
 // Of the programs in progress; in a text that was edited since, where they are found again. The statement to come is
 // the last.
 void addCalls(std::vector<StatementMark> &marks, bool inOtherText) {
-    std::vector<DebugPlace> calls = debugCalls();
+    std::vector<DebugPlace> calls = shownCalls();
     std::erase_if(calls, [](const DebugPlace &place) { return place.item != viewItemId; });
     const auto isAgain = [&](const DebugPlace &place) {  // a program may have called itself many times
         return &place != &*std::ranges::find(calls, place);

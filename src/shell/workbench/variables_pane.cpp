@@ -2,6 +2,9 @@
 // matrix get their rows when it is opened.
 #include "shell/workbench/variables_pane.h"
 
+#include <QBuffer>
+#include <QFontDatabase>
+#include <QImage>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
 
@@ -16,13 +19,15 @@ namespace numalink {
 namespace {
 
 constexpr int nameColumn = 0, valueColumn = 1, fullColumn = 2;
-constexpr int targetRole = Qt::UserRole;  // the name by which a value is changed; none: it can't be
+constexpr int targetRole = Qt::UserRole;      // the name by which a value is changed; none: it can't be
+constexpr int digestRole = Qt::UserRole + 1;  // of a picture's dots
+constexpr int pictureZoom = 2;
 
 struct VariablesPane {
     QTreeWidget *table = nullptr;  // its dock's
-    QTreeWidgetItem *variables = nullptr, *window = nullptr, *modes = nullptr;
+    QTreeWidgetItem *variables = nullptr, *window = nullptr, *modes = nullptr, *pictures = nullptr, *formulas = nullptr;
     bool filling = false;
-    unsigned stop = 0;        // the number of the one that is shown
+    std::uint64_t stop = 0;   // the number of the one that is shown
     bool isSameStop = false;  // what has changed up to it stays marked
 };
 VariablesPane state;
@@ -69,17 +74,45 @@ void fillValues(QTreeWidgetItem *parent, const std::vector<NamedValue> &values) 
     dropChildren(parent, index);
 }
 
-void fillModes() {
+void fillTexts(QTreeWidgetItem *parent, const std::vector<NamedText> &texts) {
     int index = 0;
-    for (const NamedText &mode : debugModes()) {
-        QTreeWidgetItem *row = childAt(state.modes, index++);
-        const bool isOther = !row->text(valueColumn).isEmpty() && row->text(valueColumn) != toQt(mode.text);
-        const bool changed = hasChanged(row, isOther);
-        row->setText(nameColumn, toQt(mode.name));
-        row->setText(valueColumn, toQt(mode.text));
+    for (const NamedText &text : texts) {
+        QTreeWidgetItem *row = childAt(parent, index++);
+        const bool sameName = row->text(nameColumn) == toQt(text.name);
+        const bool changed = hasChanged(row, sameName && row->text(valueColumn) != toQt(text.text));
+        row->setText(nameColumn, toQt(text.name));
+        row->setText(valueColumn, toQt(text.text));
         markChanged(row, valueColumn, changed);
     }
-    dropChildren(state.modes, index);
+    dropChildren(parent, index);
+}
+
+// The picture itself, for the pointer.
+QString pictureTip(const Surface &surface) {
+    const QImage image(reinterpret_cast<const uchar *>(surface.dots.data()), surface.width, surface.height,
+                       QImage::Format_RGB32);
+    QByteArray png;
+    QBuffer buffer(&png);
+    image.scaled(image.size() * pictureZoom).save(&buffer, "PNG");
+    return QStringLiteral("<img src=\"data:image/png;base64,%1\">").arg(QString::fromLatin1(png.toBase64()));
+}
+
+void fillPictures() {
+    int index = 0;
+    for (const NamedPicture &picture : debugPictures()) {
+        QTreeWidgetItem *row = childAt(state.pictures, index++);
+        const auto digest = qHashRange(picture.surface->dots.begin(), picture.surface->dots.end());
+        const QVariant before = row->data(nameColumn, digestRole);
+        const bool sameName = row->text(nameColumn) == toQt(picture.name);
+        if (!sameName || before != QVariant::fromValue(digest))
+            row->setToolTip(nameColumn, pictureTip(*picture.surface));
+        markChanged(row, valueColumn, hasChanged(row, sameName && before != QVariant::fromValue(digest)));
+        row->setText(nameColumn, toQt(picture.name));
+        row->setText(valueColumn, textOf(Text::pictureDots, {std::to_string(picture.dots)}));
+        row->setToolTip(valueColumn, row->toolTip(nameColumn));
+        row->setData(nameColumn, digestRole, QVariant::fromValue(digest));
+    }
+    dropChildren(state.pictures, index);
 }
 
 QString elementName(const NamedArray &array, int row, int column) {
@@ -97,6 +130,22 @@ void fillMatrixRow(QTreeWidgetItem *parent, const NamedArray &array, int row) {
     dropChildren(parent, array.columns);
 }
 
+// The elements as shown, in columns.
+std::vector<QString> gridLines(const NamedArray &array) {
+    std::vector<QString> lines(static_cast<std::size_t>(array.rows));
+    for (int column = 1; column <= array.columns; column++) {
+        QStringList cells;
+        qsizetype width = 0;
+        for (int row = 1; row <= array.rows; row++) {
+            cells << toQt(elementTextOf(debugElement(array, row, column)).shown).trimmed();
+            width = std::max(width, cells.back().size());
+        }
+        for (std::size_t row = 0; row < lines.size(); row++)
+            lines[row] += cells[static_cast<qsizetype>(row)].rightJustified(width + (column > 1 ? 2 : 0));
+    }
+    return lines;
+}
+
 void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
     const QString size =
         array.isList ? QString::number(array.rows) : QStringLiteral("%1 \u00D7 %2").arg(array.rows).arg(array.columns);
@@ -104,6 +153,7 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
     parent->setText(valueColumn, size);
     parent->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
     if (!parent->isExpanded()) return;
+    const std::vector<QString> grid = array.isList ? std::vector<QString>() : gridLines(array);
     for (int row = 1; row <= array.rows; row++) {
         QTreeWidgetItem *child = childAt(parent, row - 1);
         if (array.isList) {
@@ -111,11 +161,11 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
                     elementName(array, row, 1));
             continue;
         }
-        QStringList cells;
-        for (int column = 1; column <= array.columns; column++)
-            cells << toQt(elementTextOf(debugElement(array, row, column)).shown).trimmed();
-        const QString line = cells.join(QStringLiteral("   "));
-        const bool isOther = !child->text(valueColumn).isEmpty() && child->text(valueColumn) != line;
+        const QString &line = grid[static_cast<std::size_t>(row - 1)];
+        if (child->text(valueColumn).isEmpty())
+            child->setFont(valueColumn, QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        const bool isOther =
+            !child->text(valueColumn).isEmpty() && child->text(valueColumn).simplified() != line.simplified();
         markChanged(child, valueColumn, hasChanged(child, isOther));
         child->setText(nameColumn, QString::number(row));
         child->setText(valueColumn, line);
@@ -125,7 +175,7 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
     dropChildren(parent, array.rows);
 }
 
-constexpr int groups = 3;  // ahead of the arrays
+constexpr int groups = 5;  // ahead of the arrays
 
 void fillArrays() {
     int index = groups;
@@ -149,7 +199,10 @@ void fillAll() {
     state.filling = true;
     fillValues(state.variables, debugVariables());
     fillValues(state.window, debugWindow());
-    fillModes();
+    fillTexts(state.modes, debugModes());
+    fillPictures();
+    fillTexts(state.formulas, debugFormulas());
+    for (QTreeWidgetItem *row : {state.pictures, state.formulas}) row->setHidden(row->childCount() == 0);
     fillArrays();
     fitColumns(state.table);
     state.filling = false;
@@ -179,8 +232,8 @@ void edited(QTreeWidgetItem *row, int column) {
         target ? debugChange(*target, row->text(column).trimmed().toStdString()) : DebugChange::noSuchPlace;
     if (result != DebugChange::done) tellUser(whyNot(result));
     // Also where nothing was changed: what was typed goes.
-    if (shownStop() != nullptr) fillAll();
-    debuggingChanged();
+    if (valuesCanBeRead()) fillAll();
+    debugValueChanged();
 }
 
 }  // namespace
@@ -191,23 +244,25 @@ QWidget *makeVariablesPane() {
     state.variables = group(Text::paneVariables);
     state.window = group(Text::groupViewWindow);
     state.modes = group(Text::groupModes);
+    state.pictures = group(Text::groupPictures);
+    state.formulas = group(Text::groupFormulas);
+    for (QTreeWidgetItem *row : {state.pictures, state.formulas}) row->setHidden(true);
     state.variables->setExpanded(true);
     QObject::connect(state.table, &QTreeWidget::itemChanged, state.table, edited);
     QObject::connect(state.table, &QTreeWidget::itemExpanded, state.table, [] {
-        if (shownStop() != nullptr) fillAll();
+        if (valuesCanBeRead()) fillAll();
     });
     return state.table;
 }
 
 void refreshVariables() {
-    const DebugStop *stop = shownStop();
-    state.table->setEnabled(stop != nullptr);
-    if (stop == nullptr) return;
-    fillAll();
+    state.table->setEnabled(shownStop() != nullptr);
+    if (valuesCanBeRead()) fillAll();
 }
 
 void forgetValues() {
-    for (QTreeWidgetItem *row : {state.variables, state.window, state.modes}) dropChildren(row, 0);
+    for (QTreeWidgetItem *row : {state.variables, state.window, state.modes, state.pictures, state.formulas})
+        dropChildren(row, 0);
     while (state.table->topLevelItemCount() > groups) delete state.table->takeTopLevelItem(groups);
     state.stop = 0;
 }

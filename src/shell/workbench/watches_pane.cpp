@@ -17,34 +17,51 @@ namespace {
 
 constexpr int expressionColumn = 0, valueColumn = 1, fullColumn = 2;
 constexpr int watchLimit = 100;  // rows
+// What was evaluated at the last stop, in the column of the expression, and what it gave, in that of the value.
+constexpr int knownRole = Qt::UserRole;
 
 struct WatchesPane {
     QTreeWidget *table = nullptr;  // its dock's
     std::vector<QString> texts;    // a row each; behind them stands the one for a new expression
     bool filling = false;
+    std::uint64_t stop = 0;  // the number of the one that is shown
 };
 WatchesPane state;
 
 ValueText valueNow(const QString &text) {
     const WatchExpression expression = readWatch(text.toStdString());
     if (!expression.fault.empty()) return {expression.fault, {}, {}};
-    if (shownStop() == nullptr) return {};
+    if (!valuesCanBeRead()) return {};
     return watchText(evaluateWatch(expression));
+}
+
+// Since the stop before, whatever else is looked at anew.
+void markIfChanged(QTreeWidgetItem *row, const QString &expression, const QString &value, bool isSameStop) {
+    const bool isKnown = row->data(expressionColumn, knownRole).toString() == expression;
+    const bool isOther =
+        isKnown && shownStop()->reason != StopReason::entry && row->data(valueColumn, knownRole).toString() != value;
+    markChanged(row, valueColumn, isOther || (isSameStop && isKnown && row->font(valueColumn).bold()));
+    row->setData(expressionColumn, knownRole, expression);
+    row->setData(valueColumn, knownRole, value);
 }
 
 void fill() {
     state.filling = true;
+    const bool isSameStop = state.stop == shownStopNumber();
+    if (valuesCanBeRead()) state.stop = shownStopNumber();
     while (state.table->topLevelItemCount() > static_cast<int>(state.texts.size()) + 1)
         delete state.table->takeTopLevelItem(state.table->topLevelItemCount() - 1);
     while (state.table->topLevelItemCount() < static_cast<int>(state.texts.size()) + 1) {
         auto *row = new QTreeWidgetItem(state.table);
         row->setFlags(row->flags() | Qt::ItemIsEditable);
     }
+    const bool isMoving = shownStop() != nullptr && !valuesCanBeRead();  // what is shown stays
     for (std::size_t i = 0; i < state.texts.size(); i++) {
         QTreeWidgetItem *row = state.table->topLevelItem(static_cast<int>(i));
-        const ValueText value = valueNow(state.texts[i]);
         const bool same = row->text(expressionColumn) == state.texts[i];
-        markChanged(row, valueColumn, same && row->text(fullColumn) != toQt(value.full));
+        if (same && isMoving) continue;
+        const ValueText value = valueNow(state.texts[i]);
+        if (valuesCanBeRead()) markIfChanged(row, state.texts[i], toQt(value.full), isSameStop);
         row->setText(expressionColumn, state.texts[i]);
         row->setForeground(expressionColumn, QBrush());
         row->setText(valueColumn, toQt(value.shown).trimmed());
