@@ -288,7 +288,8 @@ void readAll(const std::vector<FileToImport> &files, const ImportWays &ways, Imp
 void importFiles(const std::vector<FileToImport> &files, const ImportWays &ways) {
     assertRole(ThreadRole::graphical);
     if (!userInterface.leaveCurrentView() || !storeResetTemp(transmitQueueHeld())) return;
-    Import import{.alwaysLists = ways.alwaysLists};
+    Import import;
+    import.alwaysLists = ways.alwaysLists;
     readAll(files, ways, import);
     if (!import.cancelled) placeItems(import);
     transmitItems(import.toTransmit);
