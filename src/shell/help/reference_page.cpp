@@ -102,7 +102,7 @@ std::vector<std::string_view> topicsInOrder() {
 }
 
 QString nameInList(const ReferenceRow &row) {
-    const QString name = fromView(row.name).trimmed();
+    QString name = fromView(row.name).trimmed();
     if (!name.isEmpty()) return name;
     return QStringLiteral("\\@%1").arg(row.code, 2, 16, QLatin1Char('0')).toUpper();  // a blank, and the byte 0
 }

@@ -25,7 +25,7 @@ constexpr HelpRow helpRows[] = {
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
     {"reportDialog", "trouble"},      {"searchWindow", "finding"},      {"compareDialog", "finding"},
     {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},  {"arrivalsDialog", "files"},
-    {"keysDialog", "keys"},
+    {"keysDialog", "keys"},           {"renameDialog", "editing"},
 };
 
 QString pageOf(const QDialog *dialog) {

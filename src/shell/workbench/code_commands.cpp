@@ -21,6 +21,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/on_view.h"
 #include "shell/parts/open_windows.h"
+#include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/tree_rules.h"
@@ -116,7 +117,8 @@ std::optional<std::string> askName(const QString &title, const QString &before) 
     layout->addWidget(label);
     layout->addWidget(typed);
     layout->addWidget(dialogButtons(&dialog));
-    dialog.setMinimumWidth(260);
+    typed->setToolTip(label->text().remove(QLatin1Char('&')));
+    dialog.resize(dialog.sizeHint().expandedTo(QSize(grown(260), 0)));
     if (runDialog(dialog) != QDialog::Accepted) return std::nullopt;
     return typed->text().toStdString();
 }
