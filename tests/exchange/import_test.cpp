@@ -144,7 +144,9 @@ std::string contentOf(ItemId folder) {
         StoredItem item;
         EXPECT_TRUE(storeReadItem(entry.id, item));
         const auto info = decodeProgramInfo(item.head);
-        if (isTextKind(item.kind)) EXPECT_EQ(info->name, item.name);
+        if (isTextKind(item.kind)) {
+            EXPECT_EQ(info->name, item.name);
+        }
         all += item.name + (isTextKind(item.kind) ? "=" + std::string(1, static_cast<char>(item.data[1])) : "") + ", ";
     }
     return all;
