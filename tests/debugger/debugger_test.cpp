@@ -224,7 +224,8 @@ void obeyScript() {
     std::string command = nextCommand();
     for (; command.starts_with("A"); command = nextCommand()) {  // its value is told, or set
         if (command == "A") stopsTold += "+A=" + valueTextOf(machine.variables[0]).plain;
-        if (command != "A") EXPECT_EQ(debugChange(*debugTargetNamed("A"), command.substr(2)), DebugChange::done);
+        if (command == "A") continue;
+        EXPECT_EQ(debugChange(*debugTargetNamed("A"), command.substr(2)), DebugChange::done);
     }
     const std::string operand = command.substr(std::min(command.size(), command.find_first_of("-@") + 1));
     bool given = false;

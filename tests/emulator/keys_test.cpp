@@ -29,7 +29,10 @@ struct Left {
 };
 
 Left leftBy(const RunReport &report) {
-    Left left{.ended = report.ended, .statements = report.statements, .display = displayNow().dots};
+    Left left;
+    left.ended = report.ended;
+    left.statements = report.statements;
+    left.display = displayNow().dots;
     for (int row = 1; row <= textRowCount; row++) left.text += textRowCodes(row);
     for (const ComplexValue &value : machine.variables)
         left.variables.insert(left.variables.end(), {value.re, value.im});
@@ -132,7 +135,9 @@ TEST(Keys, TextsOfKeysAreReadAsTheyAreWrittenAndNothingElseIs) {
 TEST(Keys, FilesComeBackAsTheyWereAndNameTheLineThatIsNone) {
     std::mt19937_64 chance(20);
     for (int round = 0; round < 200; round++) {
-        KeyFile file{.program = "A\nB\x7F \xC3\xA9", .checksum = static_cast<std::uint32_t>(chance())};
+        KeyFile file;
+        file.program = "A\nB\x7F \xC3\xA9";
+        file.checksum = static_cast<std::uint32_t>(chance());
         file.settings = {{"CalculatorModes", 1}, {"HaltOnError", 0}};
         file.keys.begins.random = static_cast<std::uint32_t>(chance());
         for (std::size_t i = chance() % 5; i < beginningValueCount; i += 1 + chance() % 40)

@@ -118,19 +118,19 @@ TEST_F(Emulator, KeysOfTheKeyboardAndTheMouseReachTheRunAndNoCommand) {
 }
 
 TEST_F(Emulator, ALineTellsOfModeCommandsAndItsButtonTurnsThemOn) {
-    run("\\Deg:\\Lbl 1:\\Prog \"CALLED\":\\Goto 1");
+    run("\\Deg:\\Lbl 1:\\Prog \"CALLED\":\\Goto1");
     EXPECT_EQ(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible(), true);
     handleCommand(CommandId::emulate);
-    run("\"\\Deg\":\\Lbl 1:\\Goto 1");
+    run("\"\\Deg\":\\Lbl 1:\\Goto1");
     EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "a string is no command";
     handleCommand(CommandId::emulate);
-    run("\\Rad:\\Lbl 1:\\Goto 1");
+    run("\\Rad:\\Lbl 1:\\Goto1");
     EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "so it is in any case";
     handleCommand(CommandId::emulate);
     Bytes tokens;
     ASSERT_EQ(tokensFromWords("\\Break", tokens), -1);
     addProgram("CALLED", std::string(tokens.begin(), tokens.end()));
-    run("\\Lbl 1:\\Prog \"CALLED\":\\Goto 1");
+    run("\\Lbl 1:\\Prog \"CALLED\":\\Goto1");
     const auto *line = window->findChild<QWidget *>(QStringLiteral("modeLine"));
     ASSERT_TRUE(line->isVisible());
     EXPECT_NE(line->findChild<QLabel *>()->text().indexOf(QStringLiteral("Break")), -1);
@@ -145,7 +145,7 @@ TEST_F(Emulator, ALineTellsOfModeCommandsAndItsButtonTurnsThemOn) {
 
 TEST_F(Emulator, SelectingAnotherItemOrEndingTheProgramStopsTheRun) {
     const ItemId other = add(kind::matrix, "M");
-    run("\\Lbl 1:\\Goto 1");
+    run("\\Lbl 1:\\Goto1");
     select(other);
     EXPECT_FALSE(emulatorRunning);
     EXPECT_EQ(viewItemId, other);

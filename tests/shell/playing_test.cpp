@@ -133,7 +133,7 @@ TEST_F(Playing, FilesThatAreNoKeysOrAnothersAreToldAndPlayOnlyThen) {
 
 TEST_F(Playing, AKeyThatIsHeldMakesTheRunFastAndNothingElse) {
     settingsSetInt(setting::fullSpeed, 0);
-    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto 1");
+    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto1");
     ASSERT_TRUE(shows("HI"));
     EXPECT_FALSE(fullSpeed);
     QTest::keyPress(emulatorWindow, Qt::Key_QuoteLeft);
@@ -189,7 +189,7 @@ TEST_F(Playing, KeysAreAssignedByPressingThemAndEachConflictIsTold) {
     EXPECT_TRUE(keyboardNamesOf(31).contains(QStringLiteral("Home")));
     EXPECT_TRUE(keyboardNamesOf(43).isEmpty());
     EXPECT_TRUE(keyboardNamesOf(79).contains(QStringLiteral("F1"))) << "a reset gives its key back";
-    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto 1");
+    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto1");
     ASSERT_TRUE(shows("HI"));
     const std::pair<Qt::Key, int> pressed[] = {
         {Qt::Key_Home, 31}, {Qt::Key_Tab, 31}, {Qt::Key_Return, 31}, {Qt::Key_A, 76}};
@@ -228,7 +228,7 @@ TEST_F(Playing, AssignmentsAreBoundedAndHostileTextsAreNone) {
 }
 
 TEST_F(Playing, ARecordingTellsThatItIsOnAndIsNeverLostUnasked) {
-    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Getkey\\->K:\\Locate 1,2,K:\\Goto 1");
+    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Getkey\\->K:\\Locate 1,2,K:\\Goto1");
     ASSERT_TRUE(shows("HI"));
     handleCommand(CommandId::recordKeypad);
     for (const std::string name : {"a.gif", "b.png"}) {
@@ -276,7 +276,7 @@ TEST_F(Playing, ARecordingTellsThatItIsOnAndIsNeverLostUnasked) {
 }
 
 TEST_F(Playing, TheDisplayGoesOutAsPicturesDotByDot) {
-    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto 1");
+    run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto1");
     ASSERT_TRUE(shows("HI"));
     handleCommand(CommandId::copyPicture);
     const auto expectDisplay = [](const QImage &image) {

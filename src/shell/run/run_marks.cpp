@@ -51,6 +51,7 @@ void showRunMarks() {
     if (words != state.label->text()) {
         state.label->setText(words);
         state.label->setAccessibleName(words);
+        state.label->setToolTip(words);
         state.label->setVisible(!words.isEmpty());
     }
     if (words.isEmpty()) {
