@@ -96,6 +96,7 @@ TEST_F(ProgramCompare, TellsRowsByWhatHasBecomeOfThem) {
     EXPECT_EQ(shape("A\rB\rC", "A\rC\rD"), "=-=+");
     EXPECT_EQ(shape("1+2+3\rB", "1+2+4\rB"), "*=");
     EXPECT_EQ(shape("1+2+3\rB", "\"XYZ\"\rB"), "-+=") << "nothing alike is no edit";
+    EXPECT_EQ(shape("1+2+3\rB", "\"X+Z\"\rB"), "-+=") << "nor a sign that is alike";
     EXPECT_EQ(shape("ABCD+1\rABCD+2\rX\rY\rZ\rW", "X\rY\rZ\rW\rABCD+1\rABCD+2"), "<<====>>");
     EXPECT_EQ(shape("A\rX\rY", "X\rY\rA"), "-==+") << "a letter alone hasn't moved";
     EXPECT_EQ(shape("A+B or C",

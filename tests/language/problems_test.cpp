@@ -77,6 +77,7 @@ TEST_F(Problems, AreFoundWhereTheyAreAndNowhereElse) {
         {"\\If A:\\Then \\Stop:\\IfEnd:1", ""},
         {"\\If A:\\Then \\Stop:1:\\IfEnd:1", "unreachable@1"},
         {many("1+", 249) + "1", ""},
+        {many("1+", 249) + "1A", ""},
         {many("1+", 250) + "1", "statement-too-long@" + many("1+", 250) + "1"},
         {"\\Orange \\Locate 1,1,2", ""},
         {"\\Mcl", "not-on-calculator@\\Mcl"},

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "calculator/frames.h"
 #include "language/completion.h"
 #include "language/outline.h"
 #include "language/program_text.h"
@@ -62,8 +63,11 @@ TEST_F(Structure, OutlineInTheOrderOfTheProgram) {
 TEST_F(Structure, UsesOfNames) {
     const std::pair<const char *, const char *> cases[] = {
         // The token at the first byte of the last statement names what is looked for.
-        {"1\\->A:A+\\Mat A:\\Lbl A:\\Isz A:\"A\":A", "w0 r1 w3 r5"}, {"\\Goto1:\\Lbl 01:1\\->B:\\Lbl 1", "r0 d1 d3"},
-        {"1\\->\\List 2[1]:\\List2:\\List 12:\\List 2", "w0 r1 r3"}, {"1\\->\\Mat B[1,1]:B:\\Mat B", "w0 r2"},
+        {"1\\->A:A+\\Mat A:\\Lbl A:\\Isz A:\"A\":A", "w0 r1 w3 r5"},
+        {"\\Goto1:\\Lbl 01:1\\->B:\\Lbl 1", "r0 d1 d3"},
+        {"1\\->\\List 2[1]:\\List2:\\List 12:\\List 2", "w0 r1 r3"},
+        {"1\\->\\Mat B[1,1]:B:\\Mat B", "w0 r2"},
+        {"1\\->A~F:F~G+1:F", "w0 r1 r2"},
         {"\\Prog \"A-B\":\\Prog \"C\":\\Prog \"a-b\"", "r0 r2"},
     };
     for (const auto &[words, expected] : cases) {
@@ -88,6 +92,12 @@ TEST_F(Structure, RenamesCallsAndKnowsFreeLabels) {
     EXPECT_EQ(wordsOf(withCallsRenamed(image, "ab", "LONGER")),
               "\\Goto1:\\Lbl 1:\\@F79E\"T\",\"1\",1:\\Lbl 2:\\Prog \"LONGER\":\\Prog \"\"");
     EXPECT_EQ(withCallsRenamed(image, "NONE", "X"), image);
+    Bytes summed = image;
+    summed.push_back(0);
+    const Bytes renamed = withCallsRenamed(summed, "AB", "C");
+    Bytes again = renamed;
+    frameChecksum(again);
+    EXPECT_EQ(again, renamed);
 }
 
 TEST_F(Structure, EveryByteHasItsPlaceOnView) {
@@ -147,6 +157,7 @@ TEST_F(Structure, SignatureKnowsThePresentArgument) {
         {"\\Locate 1,\\Max({1,2}),", "VALUE or \"TEXT\""},
         {"A\\=>\\F-Line 1,2,3", "X2"},
         {"\\Fill(1,", "List NUMBER"},
+        {"\\Fill((1,2", "VALUE"},
         {"1+(2,", "none"},
     };
     for (const auto &[words, expected] : cases) {

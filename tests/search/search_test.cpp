@@ -101,6 +101,7 @@ TEST_F(SearchTest, LooksInThreeWays) {
     EXPECT_EQ(shown({.pattern = "A+B", .how = SearchHow::tokens}).size(), 1u);
     EXPECT_THAT(shown({.pattern = "^.{3}", .how = SearchHow::expression}), ElementsAre("0:0+3", "1:0+3", "2:0+3"));
     EXPECT_THAT(shown({.pattern = "C\\s*\"", .how = SearchHow::expression}), IsEmpty()) << "never over a line's end";
+    EXPECT_THAT(shown({.pattern = "C\n\"xor"}), IsEmpty());
     EXPECT_THAT(shown({.pattern = "a*", .how = SearchHow::expression}), ElementsAre("0:0+1"));
     EXPECT_THAT(shown({.pattern = "a", .inNames = true}), ElementsAre("-1:0+1", "0:0+1"));
     std::string fault;
@@ -108,6 +109,12 @@ TEST_F(SearchTest, LooksInThreeWays) {
     EXPECT_EQ(fault, "missing ): (") << "of what was typed alone";
     EXPECT_EQ(compileSearch({.pattern = ""}, fault), nullptr);
     EXPECT_EQ(compileSearch({.pattern = std::string(searchPatternLimit + 1, 'a')}, fault), nullptr);
+}
+
+TEST_F(SearchTest, WhatWaitsToBeImportedIsNotSearched) {
+    const ItemId a = add("A", "X");
+    storeAddItem({.name = "B", .parent = storeTempFolder(), .kind = kind::program, .head = {}, .data = imageOf("X")});
+    EXPECT_THAT(searchedItems(rootId), ElementsAre(a));
 }
 
 TEST_F(SearchTest, AnExpressionThatWouldRunForEverIsBounded) {

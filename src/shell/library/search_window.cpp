@@ -325,7 +325,11 @@ void makeWindow() {
     state.timer = new QTimer(state.window);
     state.timer->setInterval(0);
     QObject::connect(state.timer, &QTimer::timeout, state.window, searchOn);
-    QObject::connect(state.window, &QDialog::finished, state.window, [] { clearPlaces(); });
+    QObject::connect(state.window, &QDialog::finished, state.window, [] {
+        clearPlaces();
+        showInfo();
+        state.info->clear();
+    });
     const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
     state.window->resize((QSize(720, 460) * textScale()).boundedTo(room));
     showInfo();
