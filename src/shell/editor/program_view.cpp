@@ -151,7 +151,8 @@ QString withKnownCharacters(const QString &text) {
 // What begins an argument, or ends the command that takes them, shows the signature.
 void signatureTyped(const QString &text) {
     const bool begins = text == QLatin1String("(") || text == QLatin1String(",") || text == QLatin1String(" ");
-    if (completesWhileTyping() && (begins || state.blankAddedAt >= 0)) showSignature();
+    if (!completesWhileTyping() || !(begins || state.blankAddedAt >= 0)) return;
+    completionShown() ? hideSignature() : showSignature();  // the list would lie over it
 }
 
 // A command may bring its final blank with it ("Then "): the one that is typed behind it is that blank.
