@@ -64,7 +64,13 @@ const Contest filler = {.name = "filler",
                             "(200\\Ran#)+1\\->I:\\Int (200\\Ran#)+1\\->J:\\Ran#\\->\\Mat A[I,J]:K\\->\\List "
                             "1[I]:\\PxlOn \\Int (60\\Ran#)+1,\\Int (120\\Ran#)+1:\\StoPict 1:\\StoPict "
                             "2:\\Next:K\\->X",
-                        .passes = 150000};
+                        .subprogram = nullptr,
+                        .passes = 150000,
+                        .basic = nullptr,
+                        .basicPasses = {},
+                        .python = nullptr,
+                        .luaText = nullptr,
+                        .scriptPasses = 0};
 
 void peak(benchmark::State &state, bool records) {
     prepareContests();
