@@ -197,10 +197,14 @@ DebugStop whyStop(int program, int cell) {
     return stop;
 }
 
-void record(int program, int cell) {
-    if (historyIsOn() && machine.statementsRun >= run.nextImageLook)
-        run.nextImageLook = historyAt(machine.statementsRun);
-    if (machine.statementsRun < run.toldUpTo) return;
+void recordImage() {
+    if (runRepeats || !historyIsOn() || machine.statementsRun < run.nextImageLook) return;
+    run.nextImageLook = historyAt(machine.statementsRun);
+}
+
+// The statement is about to run, behind whatever has stopped ahead of it.
+void count(int program, int cell) {
+    if (runRepeats || machine.statementsRun < run.toldUpTo) return;
     run.toldUpTo = machine.statementsRun + 1;
     if (paceCounted) profileCount(program, cell);
     if (debugTrace != nullptr) debugTrace->statement(program, cell);
@@ -261,6 +265,7 @@ bool beforeStatement(RunState &running) {
     if (run.search) {
         if (!goOnSearching(program, cell)) return false;
         if (run.search) return true;
+        count(program, cell);
         setLook();
         return runGoesOn();
     }
@@ -271,7 +276,7 @@ bool beforeStatement(RunState &running) {
         leaveFor(historyImageAt(run.nextChange));
         return false;
     }
-    if (!runRepeats) record(program, cell);
+    recordImage();
     DebugStop stop = whyStop(program, cell);
     const std::uint64_t version = run.stops.version;
     if (stop.reason != StopReason::none && !stopAt(stop)) return false;
@@ -280,6 +285,7 @@ bool beforeStatement(RunState &running) {
         takeBreakpoint(stop, program, cell);
         if (stop.reason != StopReason::entry && !stopAt(stop)) return false;
     }
+    count(program, cell);
     setLook();
     return runGoesOn();
 }

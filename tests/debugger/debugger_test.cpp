@@ -1,11 +1,13 @@
 // Runs that are stopped, stepped through and gone back in: whatever way a run is taken through, it is the same run.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <map>
 #include <random>
+#include <thread>
 
 #include "debugger/breakpoint_file.h"
 #include "debugger/breakpoints.h"
@@ -376,6 +378,56 @@ TEST_F(Debugged, ValuesInFullReadBack) {
     machine.variables[0] = {};
 }
 
+// Formulas, pictures and the dots of whichever screen is up.
+TEST_F(Debugged, TellsWhatIsStoredAndDrawn) {
+    static std::string told;
+    told.clear();
+    onStop = [] {
+        const auto tell = [](const std::string &text) { told += text + "|"; };
+        for (const NamedText &formula : debugFormulas()) tell(formula.name + formula.text);
+        for (const NamedPicture &picture : debugPictures()) tell(picture.name + " " + std::to_string(picture.dots));
+        const DebugTarget dot = *debugTargetNamed("dot 100,40");
+        tell(std::to_string(static_cast<int>(debugTargetValue(dot)->re)));
+        tell(targetSet(dot, "1") == DebugChange::done ? "set" : "can't");
+        tell(std::to_string(static_cast<int>(debugTargetValue(dot)->re)));
+        debugStep(DebugStep::statement);
+    };
+    breakpointsClear();
+    const DebugOptions options{.stopAtEntry = true};
+    runWith(fileWith("\\PxlOn 100,40:\\StoPict 2:\\Locate 1,1,\"III\":\"2X+1\"\\->\\Y 1"), &options);
+    EXPECT_EQ(told, "0|can't|0|1|set|1|Pict 2 1|1|set|1|Pict 2 1|0|can't|0|Y1=2X\uFF0B1|Pict 2 1|0|can't|0|");
+}
+
+// An image of its own every 5 ms fills the room, however fast the build is: every second one goes then, so that all
+// that ran stays within reach, and those that are left are right.
+TEST_F(Debugged, AFullRecordKeepsAllWithinReach) {
+    freshMachine(fileWith("1\\->A"));
+    machineStart();
+    MatrixSlot &matrix = machine.matrixSlots[0];
+    matrixRenew(ownedByVariable, matrix, 250, 250);
+    historyBegin();
+    constexpr std::uint64_t steps = 220, step = 256;
+    std::size_t most = 0;
+    for (std::uint64_t i = 0; i < steps; i++) {
+        matrixFill(static_cast<double>(i * step), matrix);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        historyAt(i * step);
+        most = std::max(most, historySize().bytes);
+    }
+    EXPECT_EQ(historyOldest(), 0u);
+    EXPECT_LT(historySize().images, steps * 2 / 3);
+    EXPECT_LE(most, historyBytes);
+    EXPECT_GT(most, historyBytes * 3 / 4) << "it was full";
+    for (std::uint64_t statement = 0; statement < steps * step; statement += 10 * step) {
+        const std::size_t image = historyImageAt(statement);
+        historyBringBack(image);
+        EXPECT_EQ(matrixElements(matrix)[62499], static_cast<double>(historyStatementOf(image)));
+    }
+    historyAt(historyStatements + 2 * steps * step);
+    EXPECT_GT(historyOldest(), 0u) << "of longer runs the first statements go";
+    historyForget();
+}
+
 // What comes from outside counts towards the room as it comes, also where no image is due.
 TEST_F(Debugged, WhatCameFromOutsideStaysWithinTheRoom) {
     freshMachine(fileWith("1\\->A"));
@@ -422,6 +474,28 @@ TEST_F(Debugged, AProfileCountsEveryStatementOnce) {
         profileStop();
         debugForget();
     });
+}
+
+// At each stop as many are counted as are over, also on the way back and in what is gone through once more.
+TEST_F(Debugged, AProfileCountsWhatHasRun) {
+    static std::string told;
+    static std::vector<std::string> steps;
+    told.clear();
+    steps = {"in", "in", "back", "in", "in", "here", "in"};
+    onStop = [] {
+        told += std::to_string(debugStop().statement) + "=" + std::to_string(profileReport().count) + " ";
+        const std::string step = steps.empty() ? "on" : steps.front();
+        if (!steps.empty()) steps.erase(steps.begin());
+        if (step == "back") debugBack(DebugBack::statement);
+        if (step == "here") debugGoTo(debugStop().statement);
+        if (step == "in") debugStep(DebugStep::statement);
+        if (step == "on") debugStep(DebugStep::onward);
+    };
+    profileStart();
+    const DebugOptions options{.stopAtEntry = true, .records = true};
+    runWith(fileWith("1\\->A:2\\->A:3\\->A:4\\->A:5\\->A"), &options);
+    profileStop();
+    EXPECT_EQ(told, "0=0 1=1 2=2 1=2 2=2 3=3 3=3 4=4 ");
 }
 
 TEST_F(Debugged, WatchesLeaveNoTrace) {
