@@ -80,6 +80,9 @@ TEST(Keys, EveryRunIsPlayedAgainToTheBitFromItsFile) {
     }
     EXPECT_GT(played, 400);
     EXPECT_GT(withKeys, 40);
+    machine.window[yMin] = complexReal(7);
+    beginAs({.random = 5, .values = {}});
+    EXPECT_EQ(beginning(), (RunBeginning{.random = 5, .values = {}})) << "what a record doesn't tell of was 0";
 }
 
 TEST(Keys, AnswersOfARecordComeFirstAndThenTheKeyboards) {
