@@ -135,8 +135,8 @@ void leaveHiddenLines(const std::vector<FoldRange> &ranges) {
 }
 
 // Read out by a screen reader, too.
-void announce(Text text, std::vector<std::string> arguments = {}) {
-    statusLine(StatusPart::item, text, std::move(arguments));
+void announce(Text text, const std::vector<std::string> &arguments = {}) {
+    statusLine(StatusPart::item, text, arguments);
     QAccessibleEvent event(itemField, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }
