@@ -60,6 +60,7 @@ QMimeData *displayToDrag() {
     return content;
 }
 
+// On the window's own tree it is a file like any other, and becomes a picture of the library.
 void dragDisplay() {
     auto *drag = new QDrag(emulatorWindow);
     drag->setMimeData(displayToDrag());
