@@ -8,9 +8,11 @@
 #include "cli/followed_run.h"
 #include "cli/hex_text.h"
 #include "cli/library_session.h"
+#include "cli/moment_run.h"
 #include "cli/recorded_run.h"
 #include "cli/run_keys.h"
 #include "cli/run_report.h"
+#include "debugger/debugger.h"
 #include "drawing/dot_fonts.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/key_port.h"
@@ -36,6 +38,7 @@ struct RunCommandOptions {
     FollowedRun followed;
     RecordedRun recorded;
     RunKeyOptions keys;
+    MomentRun moment;
     bool paced = false;
     bool plain = false;
     bool json = false;
@@ -79,12 +82,15 @@ int runAndPrint(const RunCommandOptions &options, ItemId item, const std::functi
         if (!options.keys.recordFile.empty()) keysBegin(keyPort);
         recordBegin(options.recorded);
         fault = followBegin(options.followed);
+        if (fault.empty()) fault = momentBegin(options.moment);
         return fault.empty();
     });
     if (!fault.empty()) return commandFailed(fault);
     const bool recorded = recordEnd(options.recorded, options.followed.replace);
     const bool kept = writeRunKeys(options.keys, item, options.followed.replace);
-    const bool written = followEnd(options.followed) && recorded && kept;
+    const bool saved = momentEnd(options.moment, options.followed.replace);
+    const bool written = followEnd(options.followed) && recorded && kept && saved;
+    if (options.moment.isAsked()) debugForget();
     if (options.json) {
         std::printf("%s\n", runAsJson(report, boxesShown).dump().c_str());
     } else {
@@ -131,6 +137,7 @@ void declareScript(CLI::App &command, RunCommandOptions &options) {
     command.add_flag("--json", options.json, "All that the run leaves behind as one object");
     declareFollowed(command, options.followed);
     declareRecorded(command, options.recorded);
+    declareMoment(command, options.moment);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "debugger/debugger_control.h"
 #include "debugger/history.h"
+#include "debugger/moment_control.h"
 #include "debugger/profile.h"
 #include "debugger/profile_counts.h"
 #include "emulator/run/run_calls.h"
@@ -80,6 +81,9 @@ void debugForget() {
     control.command = {};
     control.commandDue = control.pauseWanted = false;
     control.waitsAt = RunEnd::running;
+    momentControl.isOn = momentControl.asked = false;
+    momentControl.askedAt = noMomentAsked;
+    momentControl.resume.reset();
     followLive(0);
     followAnew(false);
     historyForget();

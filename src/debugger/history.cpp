@@ -7,6 +7,7 @@
 
 #include "debugger/machine_image.h"
 #include "emulator/machine/key_port.h"
+#include "emulator/machine/pace.h"
 #include "emulator/run/key_recording.h"
 #include "platform/clock.h"
 
@@ -21,6 +22,11 @@ constexpr std::uint64_t longestStretch = 32768;                 // statements wi
 constexpr auto longestTime = std::chrono::milliseconds(5);      // the same, as long as memory suffices
 constexpr std::size_t bytesWanted = historyBytes - (2u << 20);  // the rest is for what is taken in between
 constexpr std::size_t newestKept = 8;                           // images that thinning leaves alone
+
+// Of the brief record: images are this far apart, and the looks at the clock so that one falls into some milliseconds.
+constexpr auto briefTime = std::chrono::milliseconds(250);
+constexpr auto shortLook = std::chrono::milliseconds(1), longLook = std::chrono::milliseconds(16);
+constexpr std::uint64_t briefInterval = 4096;  // statements, at most
 
 // Values in a row, alike ones as one entry.
 template <class Value>
@@ -61,7 +67,25 @@ public:
             if (at > 0) at--;
         }
     }
-    void forget() { *this = {}; }
+    std::vector<RepeatedInput<Value>> from(std::uint64_t place, std::uint64_t to) const {
+        std::vector<RepeatedInput<Value>> values;
+        for (std::size_t i = 0; i < entries.size(); i++) {
+            const std::uint64_t begins = std::max(entries[i].from, place);
+            const std::uint64_t ends = std::min(i + 1 < entries.size() ? entries[i + 1].from : end, to);
+            if (begins < ends) values.push_back({entries[i].value, ends - begins});
+        }
+        return values;
+    }
+    std::uint64_t placeOfEnd() const { return end; }
+    void beginWith(const std::vector<RepeatedInput<Value>> &values) {
+        *this = {};
+        for (const RepeatedInput<Value> &each : values) {
+            if (each.count == 0) continue;
+            entries.push_back({each.value, end});
+            taken += bytesOf(entries.back());
+            end += each.count;
+        }
+    }
     std::size_t bytes() const { return taken; }
 
 private:
@@ -89,15 +113,16 @@ struct Keyframe {
 };
 
 struct History {
-    bool isOn = false;
+    HistoryMode mode = HistoryMode::off;
     bool changeDue = false;  // the next image stands for a change by hand
     std::deque<Keyframe> keyframes;
     std::size_t frameBytes = 0;  // of the keyframes beside their pages
     InputLog<int> waits, getKeys;
     InputLog<std::uint64_t> ticks;
     InputLog<LineOutcome> lines;
-    Clock::time_point lastTaken;
-    unsigned thinned = 0;  // how often memory has made the images fewer: each time they are twice as far apart
+    Clock::time_point lastTaken, lastLook;
+    std::uint64_t interval = 1;  // of the brief record's looks
+    unsigned thinned = 0;        // how often memory has made the images fewer: each time they are twice as far apart
 };
 History history;
 
@@ -156,8 +181,8 @@ void take(std::uint64_t statement) {
     history.frameBytes += bytesOf(history.keyframes.back());
     history.changeDue = false;
     history.lastTaken = Clock::now();
-    while (history.keyframes.size() > 1 && history.keyframes[1].statement + historyStatements <= statement)
-        dropOldest();
+    const std::uint64_t kept = history.mode == HistoryMode::brief ? 0 : historyStatements;
+    while (history.keyframes.size() > 1 && history.keyframes[1].statement + kept <= statement) dropOldest();
     if (bytesUsed() > bytesWanted) makeRoom();
 }
 
@@ -169,9 +194,19 @@ bool isDue(std::uint64_t statement) {
     return stretch >= lookInterval && Clock::now() - history.lastTaken >= longestTime * (1u << history.thinned);
 }
 
+std::uint64_t briefAt(std::uint64_t statement) {
+    const Clock::time_point now = Clock::now();
+    const auto since = now - history.lastLook;
+    history.lastLook = now;
+    if (since < shortLook) history.interval = std::min(history.interval * 2, briefInterval);
+    if (since > longLook) history.interval = 1;
+    if (history.keyframes.empty() || history.changeDue || now - history.lastTaken >= briefTime) take(statement);
+    return statement + history.interval;
+}
+
 template <class Value, class Source>
 Value nextOf(InputLog<Value> &log, Source source) {
-    if (!history.isOn) return source();
+    if (!historyIsOn()) return source();
     if (log.hasNext()) return log.next();
     Value value = source();
     if (runGoesOn()) log.add(value);  // a run that ends here takes nothing any more
@@ -180,9 +215,10 @@ Value nextOf(InputLog<Value> &log, Source source) {
 
 }  // namespace
 
-void historyBegin() {
-    historyForget();
-    history.isOn = true;
+void historyKeep(HistoryMode mode) {
+    if (mode == HistoryMode::off) return historyForget();
+    history.mode = mode;
+    history.interval = 1;
 }
 
 void historyForget() {
@@ -190,9 +226,10 @@ void historyForget() {
     forgetImages();
 }
 
-bool historyIsOn() { return history.isOn; }
+HistoryMode historyMode() { return history.mode; }
 
 std::uint64_t historyAt(std::uint64_t statement) {
+    if (history.mode == HistoryMode::brief) return briefAt(statement);
     if (isDue(statement)) take(statement);
     return statement + lookInterval;
 }
@@ -203,19 +240,24 @@ int historyWaitKey(RunEnd where) {
 int historyGetKey() {
     return nextOf(history.getKeys, [] { return keyPort.getKey(); });
 }
+// Of the clock nothing is left in a program but what blinks; repeated without a record it stands still.
 std::uint64_t historyTicks() {
-    return nextOf(history.ticks, [] { return tickCount(); });
+    const auto source = [] { return runRepeats ? 0 : tickCount(); };
+    return history.mode == HistoryMode::brief ? source() : nextOf(history.ticks, source);
 }
 LineOutcome historyLine(const std::function<LineOutcome()> &exchange) { return nextOf(history.lines, exchange); }
 bool historyHasInput() {
     return history.waits.hasNext() || history.getKeys.hasNext() || history.ticks.hasNext() || history.lines.hasNext();
 }
 
-std::uint64_t historyOldest() { return history.keyframes.empty() ? UINT64_MAX : history.keyframes.front().statement; }
+std::uint64_t historyOldest() {
+    return history.mode != HistoryMode::full || history.keyframes.empty() ? UINT64_MAX
+                                                                          : history.keyframes.front().statement;
+}
 
 void historyCut(std::uint64_t statement, bool hasChanged, bool betweenStatements) {
     keysSpoil();
-    if (!history.isOn) return;
+    if (!historyIsOn()) return;
     history.waits.cut();
     history.getKeys.cut();
     history.ticks.cut();
@@ -253,6 +295,32 @@ std::optional<std::uint64_t> historyNextChange(std::uint64_t statement) {
     return std::nullopt;
 }
 
-HistorySize historySize() { return {history.keyframes.size(), history.isOn ? bytesUsed() : 0}; }
+const MachineImage *historyImageFor(std::uint64_t statement) {
+    if (history.keyframes.empty()) return nullptr;
+    const Keyframe &keyframe = history.keyframes[historyImageAt(statement)];
+    return keyframe.statement <= statement ? &keyframe.image : nullptr;
+}
+
+RecordedInputs historyInputsFor(std::uint64_t statement, bool isWhole) {
+    const Keyframe &keyframe = history.keyframes[historyImageAt(statement)];
+    const auto behind = [isWhole](const auto &log, std::uint64_t place) {
+        return log.from(place, isWhole ? log.placeOfEnd() : log.place());
+    };
+    return {behind(history.waits, keyframe.waits), behind(history.getKeys, keyframe.getKeys),
+            behind(history.lines, keyframe.lines)};
+}
+
+void historyBeginWith(const RecordedInputs &inputs, HistoryMode mode) {
+    historyForget();
+    history.mode = mode;
+    history.waits.beginWith(inputs.waits);
+    history.getKeys.beginWith(inputs.getKeys);
+    history.lines.beginWith(inputs.lines);
+    take(machine.statementsRun);
+}
+
+HistorySize historySize() {
+    return history.mode == HistoryMode::full ? HistorySize{history.keyframes.size(), bytesUsed()} : HistorySize();
+}
 
 }  // namespace numalink

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "emulator/machine/run_observer.h"
 
@@ -14,9 +15,15 @@ namespace numalink {
 inline constexpr std::uint64_t historyStatements = 1000000;
 inline constexpr std::size_t historyBytes = 64u << 20;
 
-void historyBegin();  // the first image is taken at the next historyAt
+// What is kept: nothing; as much as it takes to save the run as a moment, which is one image, a quarter of a second old
+// at most, without the clock; the record for going back.
+enum class HistoryMode { off, brief, full };
+struct MachineImage;
+
+void historyKeep(HistoryMode mode);  // what is kept already goes on to be, as far as the mode wants it
 void historyForget();
-bool historyIsOn();
+HistoryMode historyMode();
+inline bool historyIsOn() { return historyMode() != HistoryMode::off; }
 
 // Ahead of a statement that hasn't run before: takes an image when one is due. The result is the count of statements at
 // which it wants to be called again.
@@ -44,9 +51,27 @@ bool historyBringBack(std::size_t image);
 // image there. Nothing where there is none.
 std::optional<std::uint64_t> historyNextChange(std::uint64_t statement);
 
+// What came from outside, alike ones in a row once.
+template <class Value>
+struct RepeatedInput {
+    Value value{};
+    std::uint64_t count = 0;
+};
+struct RecordedInputs {
+    std::vector<RepeatedInput<int>> waits, getKeys;
+    std::vector<RepeatedInput<LineOutcome>> lines;
+};
+
+// The last image at or ahead of a statement, and what came from outside from there up to where the run stands (isWhole:
+// up to the record's end). Null where there is none.
+const MachineImage *historyImageFor(std::uint64_t statement);
+RecordedInputs historyInputsFor(std::uint64_t statement, bool isWhole);
+// A record that begins where the run stands, between two statements, with inputs that are still to come.
+void historyBeginWith(const RecordedInputs &inputs, HistoryMode mode);
+
 struct HistorySize {
     std::size_t images = 0, bytes = 0;
 };
-HistorySize historySize();
+HistorySize historySize();  // of the record for going back
 
 }  // namespace numalink

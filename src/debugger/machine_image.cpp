@@ -5,11 +5,9 @@
 #include <cstring>
 #include <type_traits>
 
+#include "debugger/machine_fields.h"
 #include "emulator/expressions/vocabulary.h"
-#include "emulator/machine/arrays.h"
-#include "emulator/machine/graph_memory.h"
 #include "emulator/machine/run_waits.h"
-#include "emulator/machine/statistics_memory.h"
 #include "emulator/screens/display.h"
 #include "emulator/screens/graph_screen.h"
 #include "emulator/screens/pictures.h"
@@ -36,7 +34,7 @@ struct KeptGraphs {
 
 namespace {
 
-using Rows = std::array<std::array<char, textColumnCount>, textRowCount>;
+using Rows = decltype(MachineState::textRows);
 
 // What is neither a screen nor an element.
 struct PlainPart {
@@ -96,16 +94,18 @@ void addPart(MachineImage &image, const void *bytes, std::size_t size) {
 
 void addSurface(MachineImage &image, const Surface &surface) { addPart(image, surface.dots.data(), surfaceBytes); }
 
-void takeBack(const std::uint8_t *&from, Surface &surface) {
+Surface takenBack(const std::uint8_t *&from) {
+    Surface surface(displayWidth, displayHeight);
     std::memcpy(surface.dots.data(), from, surfaceBytes);
     from += surfaceBytes;
+    return surface;
 }
 
-void bringBackText(const PlainPart &part, const Surface &surface) {
+void bringBackText(const MachineState &state) {
     TextScreenCopy text;
-    text.surface = surface;
-    for (std::size_t row = 0; row < part.textRows.size(); row++)
-        text.characters[row].assign(part.textRows[row].begin(), part.textRows[row].end());
+    text.surface = state.text;
+    for (std::size_t row = 0; row < state.textRows.size(); row++)
+        text.characters[row].assign(state.textRows[row].begin(), state.textRows[row].end());
     textScreenRestore(text);
 }
 
@@ -137,66 +137,35 @@ struct Digest {
     void addAll(const Values &...values) {
         (add(&values, sizeof values), ...);
     }
-    void addArray(const MatrixDescriptor *array) {
+    void addSurface(const Surface &surface) { add(surface.dots.data(), surface.dots.size() * sizeof(Color)); }
+
+    // As a visitor of fields.
+    void real(const double &field) { add(&field, sizeof field); }
+    void flag(const bool &field) { take(field); }
+    void color(const PixelColor &field) { take(field); }
+    template <class Number>
+    void whole(const Number &field, int, int) {
+        take(static_cast<std::uint64_t>(field));
+    }
+    void big(const std::uint64_t &field, std::uint64_t) { take(field); }
+    void byte(const std::uint8_t &field, int) { take(field); }
+    template <class Choice>
+    void choice(const Choice &field, Choice) {
+        take(static_cast<std::uint64_t>(field));
+    }
+    void length(const FormulaCells &formula, int) { take(formula.size()); }
+    void row(MatrixSlot array) {
         if (array == nullptr) return take(0);
-        addAll(array->cols, array->rows);
+        take(static_cast<std::uint64_t>(array->cols) << 32 | static_cast<std::uint64_t>(array->rows));
         add(matrixElements(array), static_cast<std::size_t>(matrixSize(array)) * sizeof(double));
     }
-    void addSurface(const Surface &surface) { add(surface.dots.data(), surface.dots.size() * sizeof(Color)); }
+    void report(const char *text) { add(text, std::strlen(text)); }
 };
-
-void digestFormula(Digest &digest, const FormulaCells &formula) {
-    digest.take(formula.size());
-    for (const ProgramCell &cell : formula) digest.addAll(cell.kind, cell.token1, cell.token2, cell.value);
-}
-
-void digestFunctions(Digest &digest, const GraphFunctions &functions) {
-    for (const GraphFunction &function : functions) {
-        digestFormula(digest, function.formula);
-        digestFormula(digest, function.second);
-        digest.addAll(function.type, function.color, function.style, function.inGraph, function.inTable,
-                      function.isDynamic);
-    }
-}
 
 std::uint64_t digestOfGraphs() {
     Digest digest;
-    digestFunctions(digest, graphs.functions);
-    for (const GraphMemory &memory : graphs.memories) {
-        digestFunctions(digest, memory.functions);
-        digest.addAll(memory.window);
-    }
-    for (const SequenceFormula &sequence : graphs.sequences) {
-        digestFormula(digest, sequence.formula);
-        digest.addAll(sequence.isSelected);
-    }
-    digest.addAll(graphs.newType, graphs.plotsOnly, graphs.hidesAxes, graphs.showsGrid, graphs.sketchStyle,
-                  graphs.sketchColor, graphs.dual, graphs.listOfX, graphs.dynamicVariable.first,
-                  graphs.dynamicVariable.second, graphs.dynamicSpeed, graphs.dynamicGoesOn, graphs.keepsLocus,
-                  graphs.sequenceType, graphs.showsSums);
+    visitFields(digest, graphs);
     return digest.value;
-}
-
-void digestValues(Digest &digest) {
-    digest.addAll(machine.variables, machine.ans, machine.window, machine.windowMemories, machine.namedValues);
-    digest.addAll(machine.errorFlag, machine.currentFile, machine.backgroundPicture, machine.plotPrevious,
-                  machine.plotCurrent, machine.textRow, machine.textColumn, machine.screenMode, machine.shortCopy,
-                  machine.rowColor, machine.graphSwitches, machine.gridSwitch, machine.angleUnit, machine.format.form,
-                  machine.format.digits, machine.format.lowestFixedExponent, machine.format.engineering,
-                  machine.numberBase, machine.statementsRun);
-    for (int slot = 0; slot <= matrixAnsSlot; slot++)
-        digest.addArray(machine.matrixSlots[static_cast<std::size_t>(slot)]);
-    for (const auto &file : machine.listSlots) {
-        for (const MatrixDescriptor *slot : file) digest.addArray(slot);
-    }
-    digest.addArray(graphs.tableResult);
-    digest.addArray(graphs.recursionResult);
-    digest.take(digestOfGraphs());
-    for (const StatGraph &graph : statisticsMemory.graphs)
-        digest.addAll(graph.isOn, graph.kind, graph.regression, graph.xList, graph.yList, graph.mark, graph.color);
-    digest.take(statisticsMemory.residualList.value_or(SIZE_MAX));
-    digest.take(randomPlace());
-    digest.take(machine.errorTrace == nullptr ? 0 : machine.errorTrace->size());
 }
 
 // Where the arrays of tables lie is no part of the state, but of an image.
@@ -230,32 +199,58 @@ MachineImage takeImage() {
     return image;
 }
 
+MachineState stateOf(const MachineImage &image) {
+    Bytes bytes(image.pages.size() * imagePageSize);
+    for (std::size_t page = 0; page < image.pages.size(); page++)
+        std::memcpy(bytes.data() + page * imagePageSize, image.pages[page]->bytes.data(), imagePageSize);
+    PlainPart part{};
+    std::memcpy(static_cast<void *>(&part), bytes.data(), sizeof part);
+    const std::uint8_t *from = bytes.data() + pagesFor(sizeof part) * imagePageSize;
+    MachineState state;
+    state.machine = part.machine;
+    state.pool = part.pool;
+    state.statistics = part.statistics;
+    state.graphs = image.graphs->settings;
+    state.textRows = part.textRows;
+    state.text = takenBack(from);
+    state.graph = takenBack(from);
+    state.matrices = takenBack(from);
+    state.display = takenBack(from);
+    for (Surface &picture : state.pictures) picture = takenBack(from);
+    state.elements.resize(static_cast<std::size_t>(part.pool.cellsUsed));
+    if (!state.elements.empty()) std::memcpy(state.elements.data(), from, state.elements.size() * sizeof(double));
+    state.workDone = part.workDone;
+    state.random = part.random;
+    state.calls = image.calls;
+    return state;
+}
+
+void bringBackState(const MachineState &state) {
+    std::vector<ErrorReport> *const trace = machine.errorTrace;
+    graphs = state.graphs;
+    graphScreen() = state.graph;
+    graphScreenTouch();
+    for (int number = 1; number <= memoryCount; number++)
+        *pictureMemory(number) = state.pictures[static_cast<std::size_t>(number - 1)];
+    poolRestore(state.pool, state.elements.data());
+    bringBackText(state);
+    machine = state.machine;
+    machine.errorTrace = trace;
+    statisticsMemory = state.statistics;
+    displayRestore(state.matrices, state.display);
+    workDoneAgain(state.workDone);
+    randomGoOn(state.random);
+}
+
 void bringBack(const MachineImage &image) {
+    bringBackState(stateOf(image));
     lastPages = image.pages;
     lastGraphs = image.graphs;
-    graphs = image.graphs->settings;
     lastBytes.resize(image.pages.size() * imagePageSize);
     for (std::size_t page = 0; page < image.pages.size(); page++)
         std::memcpy(lastBytes.data() + page * imagePageSize, image.pages[page]->bytes.data(), imagePageSize);
     PlainPart part{};
     std::memcpy(static_cast<void *>(&part), lastBytes.data(), sizeof part);
-    const std::uint8_t *from = lastBytes.data() + pagesFor(sizeof part) * imagePageSize;
-    Surface text(displayWidth, displayHeight), matrices = text, display = text;
-    takeBack(from, text);
-    takeBack(from, graphScreen());
-    graphScreenTouch();
-    takeBack(from, matrices);
-    takeBack(from, display);
-    for (int number = 1; number <= memoryCount; number++) takeBack(from, *pictureMemory(number));
-    std::vector<double> elements(static_cast<std::size_t>(part.pool.cellsUsed));
-    if (!elements.empty()) std::memcpy(elements.data(), from, elements.size() * sizeof(double));
-    poolRestore(part.pool, elements.data());
-    bringBackText(part, text);
-    machine = part.machine;
-    statisticsMemory = part.statistics;
-    displayRestore(matrices, display);
-    workDoneAgain(part.workDone);
-    randomGoOn(part.random);
     if (machine.errorTrace != nullptr) bringBackReports(*machine.errorTrace, part.reportsKept);
 }
 
@@ -277,7 +272,11 @@ std::size_t bytesOfImage(const MachineImage &image) {
 
 std::uint64_t machineDigest() {
     Digest digest;
-    digestValues(digest);
+    visitFields(digest, machine);
+    digest.take(digestOfGraphs());
+    visitFields(digest, statisticsMemory);
+    digest.take(randomPlace());
+    digest.take(machine.errorTrace == nullptr ? 0 : machine.errorTrace->size());
     digest.addSurface(textScreen());
     digest.addSurface(graphScreen());
     digest.addSurface(matrixScreen());

@@ -7,6 +7,9 @@
 #include <memory>
 #include <vector>
 
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/graph_memory.h"
+#include "emulator/machine/statistics_memory.h"
 #include "emulator/run/run_calls.h"
 
 namespace numalink {
@@ -29,10 +32,28 @@ struct MachineImage {
     std::vector<CallPlace> calls;
 };
 
+// The same part by part. Pointers to arrays are to rows of the table, which never move.
+struct MachineState {
+    EmulatorMachine machine;
+    PoolRecords pool;
+    std::vector<double> elements;
+    StatisticsMemory statistics;
+    GraphSettings graphs;
+    std::array<std::array<char, textColumnCount>, textRowCount> textRows{};
+    Surface text, graph, matrices, display;
+    std::array<Surface, memoryCount> pictures;
+    std::uint64_t workDone = 0;
+    std::uint32_t random = 0;
+    std::vector<CallPlace> calls;
+};
+
 // Between two statements. Pages that haven't changed since the last image was taken or brought back are shared with it.
 MachineImage takeImage();
 // The machine is as it was when the image was taken; the calls are the caller's to carry on from.
 void bringBack(const MachineImage &image);
+MachineState stateOf(const MachineImage &image);
+// As bringBack; the reports that were kept stay.
+void bringBackState(const MachineState &state);
 // The next image shares nothing: ahead of a run.
 void forgetImages();
 

@@ -5,6 +5,8 @@
 
 #include "debugger/debugger_control.h"
 #include "debugger/history.h"
+#include "debugger/machine_image.h"
+#include "debugger/moment_control.h"
 #include "debugger/profile_counts.h"
 #include "debugger/trace.h"
 #include "emulator/machine/pace.h"
@@ -36,6 +38,7 @@ struct Run {
     std::size_t image = 0;       // to go on from, when the run is left
     std::uint64_t toldUpTo = 0;  // statements before this one are in profile and trace
     std::optional<Search> search;
+    bool isResuming = false;  // a moment is being repeated up to newest, unseen
 };
 Run run;
 
@@ -54,15 +57,24 @@ void beLive() {
     run.nextChange = noLimit;
 }
 
+HistoryMode modeWanted() {
+    if (run.options.records) return HistoryMode::full;
+    return momentControl.isOn ? HistoryMode::brief : HistoryMode::off;
+}
+
+void adoptOptions() {
+    if (run.optionsSeen == control.optionsVersion) return;
+    const HoldLock held(control.lock);
+    run.optionsSeen = control.optionsVersion;
+    run.options = control.options;
+}
+
 void adopt() {
-    if (run.optionsSeen != control.optionsVersion) {
-        const HoldLock held(control.lock);
-        run.optionsSeen = control.optionsVersion;
-        run.options = control.options;
-    }
-    if (run.options.records != historyIsOn()) {
+    adoptOptions();
+    if (const HistoryMode mode = modeWanted(); mode != historyMode()) {
+        if (runRepeats) historyForget();
         beLive();
-        run.options.records ? historyBegin() : historyForget();
+        historyKeep(mode);
         run.nextImageLook = 0;
     }
     stopsAdopt(run.stops);
@@ -84,8 +96,11 @@ void setLook() {
     if (historyIsOn() && !runRepeats) from = std::min(from, run.nextImageLook);
     if (runRepeats) from = std::min({from, run.newest, run.nextChange});
     observerLook.marks = run.options.breakpoints ? run.stops.markPointers.data() : nullptr;
+    if (!runRepeats) from = std::min<std::uint64_t>(from, momentControl.askedAt);
     observerLook.fromStatement = from;
-    if (control.pauseWanted || run.optionsSeen != control.optionsVersion || stopsAreOld(run.stops)) drawAttention();
+    if (control.pauseWanted || momentControl.asked || run.optionsSeen != control.optionsVersion ||
+        stopsAreOld(run.stops))
+        drawAttention();
 }
 
 void leaveFor(std::size_t image) {
@@ -258,8 +273,59 @@ bool goOnSearching(int program, int cell) {
     return false;
 }
 
+void giveMoment(std::uint64_t statement, bool isWithin, RunEnd waitsAt) {
+    if (!isWithin && statement >= momentControl.askedAt) {
+        momentControl.askedAt = noMomentAsked;
+        momentControl.asked = true;
+    }
+    if (!momentControl.asked.exchange(false)) return;
+    const Bytes moment = momentNow(statement, isWithin, waitsAt, false);
+    if (momentTaken != nullptr) momentTaken(moment);
+}
+
+// The run goes on where the moment was.
+void beResumed() {
+    run.isResuming = false;
+    historyCut(machine.statementsRun, false, false);  // what was left of its inputs isn't for what comes now
+    beLive();
+    holdDisplay(false);
+}
+
+// In the statements of a moment's way from its state to where it was.
+bool goOnResuming() {
+    const std::uint64_t now = machine.statementsRun;
+    if (now > run.newest || (now == run.newest && !historyHasInput())) {
+        beResumed();
+        return false;
+    }
+    observerLook.marks = nullptr;
+    observerLook.fromStatement = run.newest;
+    return true;
+}
+
+bool resumeMoment() {
+    const std::unique_ptr<Moment> moment = std::move(momentControl.resume);
+    holdDisplay(true);
+    adoptOptions();
+    bringBackState(moment->state);
+    if (!runCarryOnFrom(moment->state.calls)) return false;
+    historyBeginWith(moment->inputs, modeWanted());
+    runRepeats = true;
+    run.newest = moment->statement;
+    run.toldUpTo = moment->statement;
+    run.isResuming = true;
+    stopsLookAtData(run.stops);
+    drawAttention();
+    return true;
+}
+
 bool beforeStatement(RunState &running) {
     if (runIsLeft() || !runGoesOn()) return false;
+    if (momentControl.resume != nullptr) {
+        runLeave();
+        return false;
+    }
+    if (run.isResuming && goOnResuming()) return true;
     tellWait(RunEnd::running);
     const int program = running.programIndex, cell = running.position;
     if (run.search) {
@@ -277,6 +343,7 @@ bool beforeStatement(RunState &running) {
         return false;
     }
     recordImage();
+    giveMoment(machine.statementsRun, false, RunEnd::running);
     DebugStop stop = whyStop(program, cell);
     const std::uint64_t version = run.stops.version;
     if (stop.reason != StopReason::none && !stopAt(stop)) return false;
@@ -292,6 +359,7 @@ bool beforeStatement(RunState &running) {
 
 bool goesOnElsewhere() {
     run.errorStopped = false;
+    if (momentControl.resume != nullptr) return resumeMoment();
     holdDisplay(run.search.has_value());
     runRepeats = true;
     if (!historyBringBack(run.image)) return false;
@@ -309,13 +377,15 @@ DebugStop stopWithin(StopReason reason) {
 
 // A long statement, or the return from a Prog, stops at a pause too.
 void within() {
-    if (runIsLeft() || run.search || !control.pauseWanted) return;
+    if (runIsLeft() || run.search || run.isResuming) return;
+    giveMoment(statementsOver(true), true, RunEnd::running);
+    if (!control.pauseWanted) return;
     tellWait(RunEnd::running);
     if (stopAt(stopWithin(StopReason::pause))) setLook();
 }
 
 void reported(const char *text) {
-    if (runIsLeft() || run.search) return;
+    if (runIsLeft() || run.search || run.isResuming) return;
     if (!runRepeats && debugTrace != nullptr) debugTrace->report(text);
     run.firstError = std::min(run.firstError, machine.statementsRun);
     const bool isFirst = machine.statementsRun == run.firstError && !std::exchange(run.errorStopped, true);
@@ -349,8 +419,14 @@ DebugStop whyStopInWait(bool isEnd) {
 
 int waitKey(RunEnd where) {
     if (runIsLeft()) return noKeyAnyMore;
+    if (momentControl.resume != nullptr) {
+        runLeave();
+        return noKeyAnyMore;
+    }
     if (!run.search && !historyHasInput()) {
+        if (run.isResuming) beResumed();
         adopt();
+        giveMoment(statementsOver(true), true, where);
         if (paceCounted) profileSettle();
         const DebugStop stop = whyStopInWait(where == RunEnd::end);
         if (stop.reason != StopReason::none) {
@@ -370,6 +446,15 @@ LineOutcome lineOutcome(const std::function<LineOutcome()> &exchange) {
 }
 
 }  // namespace
+
+MomentPlace momentPlaceOfEnd() {
+    const std::size_t image = historyImageAt(machine.statementsRun);
+    if (!historyIsOn() || momentControl.resume != nullptr) return {};
+    const RunEnd where = runEndCause() == RunEnd::running ? control.waitsAt.load() : runEndCause();
+    if (run.isResuming) return {true, run.newest, where, true};
+    if (historyImageFor(machine.statementsRun) == nullptr) return {};
+    return {true, std::max(statementsOver(true), historyStatementOf(image)), where, false};
+}
 
 const RunObserver followingObserver = {
     .beforeStatement = beforeStatement,

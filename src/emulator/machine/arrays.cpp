@@ -88,6 +88,12 @@ void poolRestore(const PoolRecords &records, const double *elements) {
     if (elements != nullptr) std::copy_n(elements, cellsUsed, pool.get());
 }
 
+int matrixRowOf(const MatrixDescriptor *descriptor) {
+    return descriptor >= table && descriptor < table + matrixRowLimit ? static_cast<int>(descriptor - table) : -1;
+}
+
+MatrixDescriptor *matrixRowAt(int place) { return table + place; }
+
 void poolReset() {
     if (pool == nullptr) pool = std::make_unique<double[]>(poolCellLimit);
     cellsUsed = 0;

@@ -60,6 +60,11 @@ const double *poolElements();
 // Without elements those in the pool stay: the records are then from a moment since which nothing was freed.
 void poolRestore(const PoolRecords &records, const double *elements = nullptr);
 
+// The place of a row in the table, from 0; -1 for null and for what is no row. The row at a place 0 to
+// matrixRowLimit - 1, in use or not.
+int matrixRowOf(const MatrixDescriptor *descriptor);
+MatrixDescriptor *matrixRowAt(int place);
+
 // Frees the temporaries made while it lives, and gives back what was borrowed: for an expression that is evaluated many
 // times within one statement.
 class TemporariesOfOnePass {

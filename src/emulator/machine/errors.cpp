@@ -24,13 +24,23 @@ void report(const char *text) {
     if (const RunObserver *observer = observing()) observer->reported(text);
 }
 
+constexpr const char *syn = "Syn ERROR", *dim = "Dim ERROR", *arg = "Arg  ERROR", *go = "Go  ERROR", *ma = "Ma  ERROR",
+                     *com = "Com ERROR";
+
 }  // namespace
 
-void synError() { report("Syn ERROR"); }
-void dimError() { report("Dim ERROR"); }
-void argError() { report("Arg  ERROR"); }
-void goError() { report("Go  ERROR"); }
-void maError() { report("Ma  ERROR"); }
-void comError() { report("Com ERROR"); }
+void synError() { report(syn); }
+void dimError() { report(dim); }
+void argError() { report(arg); }
+void goError() { report(go); }
+void maError() { report(ma); }
+void comError() { report(com); }
+
+const char *reportNamed(std::string_view text) {
+    for (const char *each : {syn, dim, arg, go, ma, com}) {
+        if (text == each) return each;
+    }
+    return "";
+}
 
 }  // namespace numalink

@@ -2,6 +2,8 @@
 // thread.
 #pragma once
 
+#include <string_view>
+
 namespace numalink {
 
 void synError();  // a shape that doesn't fit
@@ -10,6 +12,8 @@ void argError();  // an element outside its array, a wrong operand of Goto or Se
 void goError();   // a label or a program that isn't there
 void comError();  // nothing answers on the line, or not as it should
 void maError();   // a result that is none, or a complex element where a real one is needed
+
+const char *reportNamed(std::string_view text);  // the report of this wording, for errorText; "" where there is none
 
 // Not null while an expression is only being translated, or evaluated beside the run: a report then counts there, and
 // does nothing else but that the first one's text is kept.

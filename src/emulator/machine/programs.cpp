@@ -42,6 +42,12 @@ std::vector<ProgramCell> cellsOfTokens(ByteView tokens) {
     return cells;
 }
 
+std::uint64_t digestOf(ByteView tokens) {
+    std::uint64_t digest = 0xCBF29CE484222325;
+    for (const std::uint8_t byte : tokens) digest = (digest ^ byte) * 0x100000001B3;
+    return digest;
+}
+
 // Walks the tokens of one program. The last of them is the end mark, so that a look at the next one is always sound.
 struct PrePass {
     const std::vector<ProgramCell> &tokens;
@@ -183,6 +189,7 @@ bool programAdd(std::string_view name, ByteView image, ItemId item) {
     table[static_cast<std::size_t>(count)] = {
         .name = std::string(name.substr(0, programNameSize)),
         .item = item,
+        .digest = digestOf(programTokens(image)),
         .cells = block.cells.data(),
         .cellCount = static_cast<int>(block.cells.size()),
         .terminators = block.terminators.data(),

@@ -18,6 +18,7 @@ inline constexpr std::size_t programCellLimit = 1u << 20;  // cells of all progr
 struct LoadedProgram {
     std::string name;                    // calculator codes, cut at 11
     ItemId item = noItem;                // where it comes from; noItem: not from the library
+    std::uint64_t digest = 0;            // of its tokens' bytes: FNV-1a of 64 bits
     const ProgramCell *cells = nullptr;  // always ends in the token 0xFF
     int cellCount = 0;                   // the end mark included
     const int *terminators = nullptr;    // of each cell: the first terminator from there on
