@@ -19,6 +19,7 @@
 #include "shell/parts/status_bar.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/keys_dialog.h"
+#include "shell/run/moments_dialog.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/surface_view.h"
 #include "telling/language_table.h"
@@ -86,6 +87,7 @@ constexpr std::pair<const char *, void (*)()> dialogs[] = {
     {"about", showAboutBox},
     {"report", showReport},
     {"keys", assignKeys},
+    {"moments", showMoments},
 };
 
 std::string spoken(const QWidget *part) {

@@ -20,6 +20,7 @@
 #include "shell/library/search_window.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/moments.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
@@ -80,6 +81,7 @@ bool changeLibraryTo(const std::string &folder, bool mayBegin, ListLibrary list)
     answerFurtherCopies();
     keepEvents();
     loadBreakpoints();
+    connectMoments();
     refreshTreeNow();
     startLink();
     if (!opened) return false;

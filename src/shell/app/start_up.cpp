@@ -42,6 +42,7 @@
 #include "shell/parts/pane_sizes.h"
 #include "shell/parts/program_colors.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/moments.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_filter.h"
 #include "shell/tree/tree_mouse.h"
@@ -157,6 +158,7 @@ constexpr StartStep startSteps[] = {
     {"events", [] { return done(keepEvents); }, false},
     {"first settings", beginFirstUse, false},
     {"daily copy", [] { return keepDailyCopy() || failWith(Text::dailyCopyFailed, {dailyCopyFolder()}); }, false},
+    {"moments", [] { return done(connectMoments); }, false},
     {"further copies", [] { return done(answerFurtherCopies); }, false},
     {"tree", [] { return done(connectTree); }, false},
     {"notification area", [] { return done(addTrayIcon); }, false},
@@ -237,6 +239,7 @@ void tearDown() {
     forgetTree();
     forgetViews();
     forgetDebugging();
+    forgetMoments();
     forgetCodePanes();
     forgetPanes();
     forgetSearchWindow();

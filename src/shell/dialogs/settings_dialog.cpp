@@ -46,7 +46,8 @@ constexpr SwitchRow emulatorSwitches[] = {
     {setting::fullscreen, Text::settingsFullScreen, Text::tipFullScreen},
     {setting::fillListsMatrices, Text::settingsFillLists, Text::tipFillLists},
     {setting::fullSpeed, Text::settingsFullSpeed, Text::tipFullSpeed},
-    {setting::calculatorModes, Text::settingsCalculatorModes, Text::tipCalculatorModes}};
+    {setting::calculatorModes, Text::settingsCalculatorModes, Text::tipCalculatorModes},
+    {setting::keepMoments, Text::settingsKeepMoments, Text::tipKeepMoments}};
 constexpr SwitchRow editorSwitches[] = {
     {setting::syntaxHighlighting, Text::settingsHighlighting, Text::tipHighlighting},
     {setting::autoCorrect, Text::settingsAutoCorrect, Text::tipAutoCorrect}};

@@ -25,7 +25,7 @@ constexpr HelpRow helpRows[] = {
     {"queueWindow", "communication"}, {"referenceWindow", "text-form"}, {"moveDialog", "library"},
     {"reportDialog", "trouble"},      {"searchWindow", "finding"},      {"compareDialog", "finding"},
     {"versionsDialog", "finding"},    {"duplicatesDialog", "finding"},  {"arrivalsDialog", "files"},
-    {"keysDialog", "keys"},           {"renameDialog", "editing"},
+    {"keysDialog", "keys"},           {"renameDialog", "editing"},      {"momentsDialog", "running"},
 };
 
 QString pageOf(const QDialog *dialog) {

@@ -15,6 +15,7 @@
 #include <atomic>
 #include <optional>
 
+#include "debugger/debugger.h"
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
 #include "emulator/machine/pace.h"
@@ -42,6 +43,7 @@
 #include "shell/run/keypad_focus.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/mode_line.h"
+#include "shell/run/moments.h"
 #include "shell/run/recording.h"
 #include "shell/run/run_keys.h"
 #include "shell/run/run_marks.h"
@@ -185,7 +187,16 @@ void showKeyTip(const QHelpEvent &help) {
                        QString::fromUtf8(face->legend) + QStringLiteral(": ") + names.join(QStringLiteral(", ")));
 }
 
+// Who plays on wants no other way on.
+void dismissStopLine() {
+    if (!stopLineShown()) return;
+    showStopLine({}, [] {});
+    fitEmulatorPlace();
+    emulatorWindow->update();
+}
+
 void pressOnPad(int key) {
+    dismissStopLine();
     pressKey(key);
     if (key != stopKey) return;
     QTimer::singleShot(0, emulatorWindow, [] {
@@ -203,7 +214,9 @@ void mousePressed(const QMouseEvent &mouse) {
 
 bool keyPressed(const QKeyEvent &key) {
     if (isMenuKey(key)) return false;
-    return keypadKeyDown(key) || emulatorKeyDown(key);
+    if (!keypadKeyDown(key) && !emulatorKeyDown(key)) return false;
+    dismissStopLine();
+    return true;
 }
 
 bool emulatorEvent(QWidget *, QEvent *event) {
@@ -280,21 +293,39 @@ void showPickedKey() {
 
 void startAnewWithModes();
 
-bool startRun(ItemId item) {
+bool startRun(ItemId item, const Moment *from = nullptr) {
     state.started = item;
     useSettingsOfKeys();
     machineStart();
     if (!loadRun(item, itemsBeside(item))) return false;
     beginKeys();
-    showModeLine(machine.calculatorModes ? std::vector<std::string>() : modeCommandsOfRun(), startAnewWithModes);
-    fitEmulatorPlace();
+    const bool hasModes = from == nullptr ? machine.calculatorModes : from->state.machine.calculatorModes;
+    showModeLine(hasModes ? std::vector<std::string>() : modeCommandsOfRun(), startAnewWithModes);
     state.displaySeen = 0;
     state.display = displayNow();
     runBegins();
+    if (!momentsBegin(item, from)) return false;
+    fitEmulatorPlace();
     emulatorWindow->update();
     const bool runs = runStart();
     showRunMarks();
     return runs;
+}
+
+// The calculator comes up, and the program begins.
+void emulate(ItemId item, const Moment *from = nullptr) {
+    if (!besideProgram() && !leaveCurrentView()) return;
+    state.outlinedKey = 0;
+    showEmulatorPlace();
+    if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
+    // Full screen would hide the program that one wants to see.
+    if (settingsInt(setting::fullscreen) == 1 && !besideProgram()) fullScreenEnter();
+    commandStatesChanged();
+    if (!startRun(item, from)) {
+        emulatorStop();
+        return;
+    }
+    emulatorWindow->setFocus();
 }
 
 void startAnewWithModes() {
@@ -346,24 +377,26 @@ void emulatorToggle() {
     if (emulatorRunning) return stopAndShowProgram();
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item || item->kind != kind::program) return;
-    if (!besideProgram() && !leaveCurrentView()) return;
-    state.outlinedKey = 0;
-    showEmulatorPlace();
-    if (settingsInt(setting::displayDebug) != 0) showDebugWindow();
-    // Full screen would hide the program that one wants to see.
-    if (settingsInt(setting::fullscreen) == 1 && !besideProgram()) fullScreenEnter();
-    commandStatesChanged();
-    if (!startRun(item->id)) {
-        emulatorStop();
-        return;
-    }
-    emulatorWindow->setFocus();
+    emulate(item->id);
+}
+
+ItemId emulatedProgram() { return emulatorShown() ? state.started : noItem; }
+
+void emulateFrom(ItemId program, const Moment &moment) {
+    if (!emulatorShown()) return emulate(program, &moment);
+    runStop();
+    runIsOver();
+    endKeys();
+    releaseAllKeys();
+    startRun(program, &moment) ? emulatorWindow->setFocus() : emulatorStop();
 }
 
 void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
+    keepWhereStopped(state.started);
     runIsOver();
+    debugForget();
     endKeys();
     recordingEnds();
     releaseAllKeys();

@@ -8,6 +8,8 @@ class QWidget;
 
 namespace numalink {
 
+struct Moment;
+
 // The Emulate command: starts the selected program, or stops the run.
 void emulatorToggle();
 
@@ -16,6 +18,10 @@ void emulatorToggle();
 void emulatorStop();
 bool emulatorShown();
 ItemId emulatedItem();  // the program that was started last
+
+ItemId emulatedProgram();  // what was started, while the emulator is shown; else noItem
+// Starts the program from a moment, in place of the run that is on.
+void emulateFrom(ItemId program, const Moment &moment);
 
 // Puts the calculator beside the program, or over the view; at once where it is shown. False when the view couldn't be
 // left.

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <array>
 
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -15,55 +16,81 @@ namespace {
 
 constexpr int narrowest = 400;  // pixels in which the button stands beside the words, else below them
 
+struct Line {
+    QWidget *widget = nullptr;
+    QLabel *label = nullptr;
+    QBoxLayout *layout = nullptr;
+    void (*act)() = [] {};
+};
+
 struct ModeLine {
     QFrame *frame = nullptr;  // the emulator's window owns it
-    QLabel *label = nullptr;
-    void (*turnOn)() = [] {};
+    Line modes, stop;
 };
 ModeLine state;
 
 // The keys of the keyboard stay the calculator's: the button never takes them, but has one with Alt.
-void makeModeLine() {
+void makeLine(Line &line, const char *name, Text buttonText) {
+    line.widget = new QWidget;
+    line.widget->setObjectName(QLatin1String(name));
+    line.label = new QLabel;
+    line.label->setTextFormat(Qt::PlainText);
+    line.label->setWordWrap(true);
+    auto *button = new QPushButton(textOf(buttonText));
+    button->setFocusPolicy(Qt::NoFocus);
+    QObject::connect(
+        button, &QPushButton::clicked, emulatorWindow, [&line] { line.act(); }, Qt::QueuedConnection);
+    line.layout = new QHBoxLayout(line.widget);
+    line.layout->setContentsMargins({});
+    line.layout->addWidget(line.label, 1);
+    line.layout->addWidget(button);
+    line.widget->hide();
+    state.frame->layout()->addWidget(line.widget);
+}
+
+void makeLines() {
     constexpr QMargins margins(8, 4, 8, 4);
     state.frame = new QFrame(emulatorWindow);
     state.frame->setObjectName(QStringLiteral("modeLine"));
     state.frame->setFrameShape(QFrame::StyledPanel);
     state.frame->setAutoFillBackground(true);
-    state.label = new QLabel;
-    state.label->setTextFormat(Qt::PlainText);
-    state.label->setWordWrap(true);
-    auto *button = new QPushButton(textOf(Text::modesTurnOn));
-    button->setFocusPolicy(Qt::NoFocus);
-    QObject::connect(
-        button, &QPushButton::clicked, emulatorWindow, [] { state.turnOn(); }, Qt::QueuedConnection);
-    auto *layout = new QHBoxLayout(state.frame);
+    auto *layout = new QVBoxLayout(state.frame);
     layout->setContentsMargins(margins);
-    layout->addWidget(state.label, 1);
-    layout->addWidget(button);
+    makeLine(state.modes, "modesOfProgram", Text::modesTurnOn);
+    makeLine(state.stop, "stopOfProgram", Text::momentOfferGoOn);
+}
+
+void showLine(Line &line, const std::string &words, void (*act)()) {
+    if (words.empty() && state.frame == nullptr) return;
+    if (state.frame == nullptr) makeLines();
+    line.label->setText(toQt(words));
+    line.act = act;
+    line.widget->setVisible(!words.empty());
+    state.frame->setVisible(!state.modes.widget->isHidden() || !state.stop.widget->isHidden());
+    placeModeLine();
 }
 
 }  // namespace
 
 void showModeLine(const std::vector<std::string> &commands, void (*turnOn)()) {
-    if (commands.empty()) {
-        if (state.frame != nullptr) state.frame->hide();
-        return;
-    }
-    if (state.frame == nullptr) makeModeLine();
     std::string names;
     for (const std::string &command : commands) names += (names.empty() ? "" : ", ") + utf8FromCalculator(command);
-    state.label->setText(toQt(wording(Text::modesDiffer, {names})));
-    state.turnOn = turnOn;
-    state.frame->show();
-    placeModeLine();
+    showLine(state.modes, names.empty() ? names : wording(Text::modesDiffer, {names}), turnOn);
 }
+
+void showStopLine(const std::string &time, void (*goOn)()) {
+    showLine(state.stop, time.empty() ? time : wording(Text::momentOffer, {time}), goOn);
+}
+
+bool stopLineShown() { return state.frame != nullptr && !state.stop.widget->isHidden(); }
 
 void placeModeLine() {
     if (state.frame == nullptr) return;
     const int width = emulatorWindow->width();
-    auto *layout = static_cast<QBoxLayout *>(state.frame->layout());
-    layout->setDirection(width < narrowest ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
-    state.frame->setGeometry(0, 0, width, std::max(layout->heightForWidth(width), layout->minimumSize().height()));
+    for (const Line *line : {&state.modes, &state.stop})
+        line->layout->setDirection(width < narrowest ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    const QLayout &layout = *state.frame->layout();
+    state.frame->setGeometry(0, 0, width, std::max(layout.heightForWidth(width), layout.minimumSize().height()));
 }
 
 int modeLineHeight() { return state.frame == nullptr || state.frame->isHidden() ? 0 : state.frame->height(); }

@@ -1,0 +1,124 @@
+// Moments in the window: saved by the key, kept at a stop, offered and gone on from, and looked through.
+#include <QListWidget>
+
+#include "debugger/moment_files.h"
+#include "emulator/machine/machine.h"
+#include "shell/run/emulator_window.h"
+#include "shell/run/moments_dialog.h"
+#include "shell/shell_fixture.h"
+#include "text/program_bytes.h"
+
+namespace numalink {
+
+// Each run of this program has a number of its own, from a sequence that goes on from run to run.
+struct MomentsInWindow : StartedShell {
+    void SetUp() override {
+        StartedShell::SetUp();
+        settingsSetInt(setting::fullSpeed, 1);
+        Bytes tokens;
+        ASSERT_EQ(tokensFromWords("\\Ran#\\->A:\\Locate 1,1,\"HI\":?\\->B:7\\->C:\\Lbl 1:\\Goto 1", tokens), -1);
+        program = addProgram("RUN", std::string(tokens.begin(), tokens.end()));
+        show(program);
+    }
+
+    void start() {
+        QTest::keyClick(mainWindow, Qt::Key_F7);
+        ASSERT_TRUE(emulatorRunning);
+        window = mainWindow->findChild<QWidget *>(QStringLiteral("emulatorWindow"));
+        waitForInput();
+    }
+    // Then the machine stands still.
+    void waitForInput() {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window->accessibleDescription().contains(QLatin1Char('?')); }, 5000));
+    }
+    double numberAtStop() {
+        handleCommand(CommandId::emulate);
+        EXPECT_FALSE(emulatorRunning);
+        return machine.variables[0].re;
+    }
+    bool waitForSlot(int slot) {
+        return QTest::qWaitFor([&] { return fileExists(momentPath(program, slot)); }, 5000);
+    }
+    QWidget *line() const { return window->findChild<QWidget *>(QStringLiteral("stopOfProgram")); }
+
+    ItemId program = noItem;
+    QWidget *window = nullptr;
+};
+
+TEST_F(MomentsInWindow, AStoppedRunIsOfferedAndGoneOnWith) {
+    start();
+    EXPECT_TRUE(line() == nullptr || !line()->isVisible());
+    const double first = numberAtStop();
+    ASSERT_TRUE(fileExists(momentPath(program, momentSlotOfStop)));
+    start();
+    ASSERT_TRUE(line()->isVisible());
+    line()->findChild<QPushButton *>()->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !line()->isVisible(); }, 3000));
+    waitForInput();
+    EXPECT_EQ(numberAtStop(), first);
+    // Who presses a key plays on; who doesn't want it isn't offered it, and nothing is kept.
+    start();
+    ASSERT_TRUE(line()->isVisible());
+    QTest::keyClick(window, Qt::Key_5);
+    EXPECT_FALSE(line()->isVisible());
+    settingsSetInt(setting::keepMoments, 0);
+    ASSERT_TRUE(momentDrop(program, momentSlotOfStop));
+    numberAtStop();
+    EXPECT_FALSE(fileExists(momentPath(program, momentSlotOfStop)));
+}
+
+TEST_F(MomentsInWindow, SlotsAreFilledLookedThroughAndGoneOnFrom) {
+    start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::focusWidget() == window; }, 3000));
+    QTest::keyClick(window, Qt::Key_F9, Qt::ShiftModifier);
+    ASSERT_TRUE(waitForSlot(1));
+    const double first = numberAtStop();
+    start();
+    // In the dialog of a run: the second slot is free, the first has a picture, and is gone on from.
+    int rows = 0;
+    bool couldSave = false, couldGoOn = true;
+    whileOpen = [&] {
+        answerBoxes = false;
+        QWidget *dialog = QApplication::activeModalWidget();
+        auto *list = dialog->findChild<QListWidget *>();
+        rows = list->count();
+        list->setCurrentRow(2);
+        const auto buttons = dialog->findChildren<QPushButton *>();
+        const auto named = [&](Text text) {
+            return *std::ranges::find_if(buttons,
+                                         [&](const QPushButton *each) { return each->text() == textOf(text); });
+        };
+        couldSave = QTest::qWaitFor([&] { return named(Text::momentSaveHere)->isEnabled(); }, 3000);
+        couldGoOn = named(Text::momentGoOn)->isEnabled();
+        named(Text::momentSaveHere)->click();
+        list->setCurrentRow(1);
+        named(Text::momentGoOn)->click();
+    };
+    handleCommand(CommandId::moments);
+    EXPECT_EQ(rows, momentSlotCount + 1);
+    EXPECT_TRUE(couldSave);
+    EXPECT_FALSE(couldGoOn) << "the slot was empty";
+    EXPECT_TRUE(fileExists(momentPath(program, 2)));
+    ASSERT_TRUE(emulatorRunning);
+    waitForInput();
+    EXPECT_EQ(numberAtStop(), first);
+}
+
+// What has changed can't be gone on with, and says so.
+TEST_F(MomentsInWindow, AChangedProgramBeginsAnewOnly) {
+    start();
+    numberAtStop();
+    StoredItem item;
+    ASSERT_TRUE(storeReadItem(program, item));
+    item.data[1] = '7';
+    ASSERT_TRUE(storeWriteItem(
+        program, {.name = item.name, .parent = item.parent, .kind = item.kind, .head = item.head, .data = item.data}));
+    start();
+    EXPECT_FALSE(line()->isVisible());
+    handleCommand(CommandId::newestMoment);
+    EXPECT_FALSE(emulatorRunning);
+    ASSERT_FALSE(shown.empty());
+    EXPECT_EQ(shown.back(), wording(Text::momentChanged));
+}
+
+}  // namespace numalink
