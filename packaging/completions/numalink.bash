@@ -30,7 +30,7 @@ _numalink_cli() {
         --type) mapfile -t COMPREPLY < <(compgen -W "cfx algebra" -- "$cur") && return ;;
         --port) mapfile -t COMPREPLY < <(compgen -W "COM1 COM2 COM3 COM4" -- "$cur") && _filedir && return ;;
     esac
-    local run="--help --keys --getkey --play --record-keys --set --statements --repeat --plain --paced --json --profile --coverage --trace --break --watch --replace --record --record-zoom --record-statements --keypad" options=""
+    local run="--help --keys --getkey --play --record-keys --set --statements --repeat --plain --paced --json --profile --coverage --trace --break --watch --replace --record --record-zoom --record-statements --keypad --save-moment --moment" options=""
     case $command in
         "") options="--help --version" ;;
         check) options="--help --repair --restore" ;;

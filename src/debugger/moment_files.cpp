@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "platform/program_folder.h"
 #include "store/item_store.h"
 
 namespace numalink {
@@ -13,7 +12,7 @@ namespace {
 
 constexpr char ending[] = ".moment";
 
-std::string folder() { return libraryFolder() + "moments/"; }
+std::string folder;  // of the library that is open
 
 MomentFault readMoment(const std::string &path, Moment &moment) {
     Bytes bytes;
@@ -21,15 +20,35 @@ MomentFault readMoment(const std::string &path, Moment &moment) {
     return read == FileResult::done ? momentFromBytes(bytes, moment) : MomentFault::damaged;
 }
 
+// Other files that lie there stay.
+void tidy() {
+    std::error_code failed;
+    for (const auto &entry : std::filesystem::directory_iterator(momentFolder(), failed)) {
+        const std::string name = entry.path().filename().string();
+        const std::size_t parting = name.find('-');
+        ItemId program = noItem;
+        const auto read = std::from_chars(name.data(), name.data() + std::min(parting, name.size()), program);
+        if (parting == name.npos || read.ptr != name.data() + parting || !name.ends_with(ending)) continue;
+        if (!storeReadEntry(program)) std::filesystem::remove(entry.path(), failed);
+    }
+}
+
 }  // namespace
 
+void momentsOpen(const std::string &library) {
+    folder = library;
+    if (!storeIsReadOnly()) tidy();
+}
+
+std::string momentFolder() { return folder + "moments/"; }
+
 std::string momentPath(ItemId program, int slot) {
-    return folder() + std::to_string(program) + "-" + std::to_string(slot) + ending;
+    return momentFolder() + std::to_string(program) + "-" + std::to_string(slot) + ending;
 }
 
 FileResult momentKeep(ItemId program, int slot, ByteView moment) {
-    if (!makeFolders(folder())) return FileResult::denied;
-    return writeWholeFile(momentPath(program, slot), moment, libraryFolder() + "storage.dat");
+    if (!makeFolders(momentFolder())) return FileResult::denied;
+    return writeWholeFile(momentPath(program, slot), moment, folder + "storage.dat");
 }
 
 bool momentDrop(ItemId program, int slot) {
@@ -51,19 +70,6 @@ std::vector<KeptMoment> keptMoments(ItemId program) {
 
 MomentFault momentOfSlot(ItemId program, int slot, Moment &moment) {
     return readMoment(momentPath(program, slot), moment);
-}
-
-// Other files that lie there stay.
-void momentsTidy() {
-    std::error_code failed;
-    for (const auto &entry : std::filesystem::directory_iterator(folder(), failed)) {
-        const std::string name = entry.path().filename().string();
-        const std::size_t parting = name.find('-');
-        ItemId program = noItem;
-        const auto read = std::from_chars(name.data(), name.data() + std::min(parting, name.size()), program);
-        if (parting == name.npos || read.ptr != name.data() + parting || !name.ends_with(ending)) continue;
-        if (!storeReadEntry(program)) std::filesystem::remove(entry.path(), failed);
-    }
 }
 
 }  // namespace numalink

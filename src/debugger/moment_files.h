@@ -13,6 +13,10 @@ namespace numalink {
 inline constexpr int momentSlotCount = 10;
 inline constexpr int momentSlotOfStop = 0;  // the others are 1 to 10
 
+// In the folder of this library from now on, which has a final "/"; the moments of programs that are there no more go,
+// where the library may be written.
+void momentsOpen(const std::string &library);
+std::string momentFolder();  // with a final "/"
 std::string momentPath(ItemId program, int slot);
 
 // In the place of what the slot held. The folder is made where it is missing.
@@ -28,8 +32,5 @@ struct KeptMoment {
 };
 std::vector<KeptMoment> keptMoments(ItemId program);  // by slot
 MomentFault momentOfSlot(ItemId program, int slot, Moment &moment);
-
-// Those of programs that are there no more go.
-void momentsTidy();
 
 }  // namespace numalink

@@ -134,10 +134,8 @@ Bytes momentNow(std::uint64_t statement, bool isWithin, RunEnd waitsAt, bool isW
 
 void momentsFollow() {
     if (emulatorRunning) return;
+    if (runObserver == nullptr) debugForget();
     momentControl.isOn = true;
-    momentControl.asked = false;
-    momentControl.askedAt = noMomentAsked;
-    momentControl.resume.reset();
     if (runObserver == nullptr) {
         debugSetOptions({.breakpoints = false});
         followAnew(false);
@@ -167,9 +165,11 @@ Bytes momentOfEndedRun() {
     return place.isThere ? momentNow(place.statement, true, place.waitsAt, place.isWhole) : Bytes();
 }
 
+bool momentFits(const Moment &moment) { return moment.programs == namesOf(programsOfRun()); }
+
 MomentFault momentResume(Moment moment) {
     const std::vector<int> programs = programsOfRun();
-    if (moment.programs != namesOf(programs)) return MomentFault::changed;
+    if (!momentFits(moment)) return MomentFault::changed;
     const auto calls = callsOf(moment, programs);
     if (!calls) return MomentFault::damaged;
     moment.state.calls = *calls;

@@ -20,6 +20,7 @@ void momentAskAt(std::uint64_t statement);  // behind so many statements, of the
 // Of a run that has ended, or been stopped, as it stood then. Ahead of debugForget. Empty: none.
 Bytes momentOfEndedRun();
 
+bool momentFits(const Moment &moment);  // its programs are those that are loaded
 // The run that comes begins with the moment, whose programs have to be those that are loaded (changed, if not). Behind
 // momentsFollow.
 MomentFault momentResume(Moment moment);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <random>
+#include <utility>
 
 #include "debugger/debugger.h"
 #include "debugger/history.h"
@@ -12,6 +13,8 @@
 #include "debugger/trace.h"
 #include "emulator/expressions.h"
 #include "emulator/expressions/vocabulary.h"
+#include "emulator/machine/arrays.h"
+#include "emulator/machine/cells.h"
 #include "emulator/machine/key_port.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run_files.h"
@@ -203,6 +206,113 @@ TEST_F(Moments, ARunGoesOnFromAnyStatementAndAnyWait) {
     EXPECT_GT(atStatements, 10u);
     EXPECT_GT(inWaits, 10u);
     std::printf("%zu moments between statements, %zu in waits\n", atStatements, inWaits);
+}
+
+// What a moment holds has to fit together; what doesn't is neither written nor read.
+struct Fault {
+    const char *name;
+    void (*make)(Moment &moment);
+};
+constexpr Fault faults[] = {
+    {"arrays that overlap", [](Moment &moment) { moment.state.pool.table[1].firstCell--; }},
+    {"a gap between arrays", [](Moment &moment) { moment.state.pool.cellsUsed++; }},
+    {"an array larger than all",
+     [](Moment &moment) {
+         moment.state.pool.table[0] = {300, 300, 0, 1};
+     }},
+    {"two names of one array",
+     [](Moment &moment) { moment.state.machine.matrixSlots[5] = moment.state.machine.matrixSlots[0]; }},
+    {"a list of several columns",
+     [](Moment &moment) {
+         moment.state.machine.listSlots[0][3] = std::exchange(moment.state.machine.matrixSlots[0], nullptr);
+     }},
+    {"an array that is free", [](Moment &moment) { moment.state.machine.matrixSlots[7] = matrixRowAt(90); }},
+    {"a row below the screen", [](Moment &moment) { moment.state.machine.textRow = 9; }},
+    {"a list file beyond the last", [](Moment &moment) { moment.state.machine.currentFile = 6; }},
+    {"base three", [](Moment &moment) { moment.state.machine.numberBase = 3; }},
+    {"no such colour", [](Moment &moment) { moment.state.pictures[5].dots[8191] = 0x1000000; }},
+    {"no variable to vary", [](Moment &moment) { moment.state.graphs.dynamicVariable = {0x3A}; }},
+    {"a formula with a list in it",
+     [](Moment &moment) { moment.state.graphs.functions[0].formula = {arrayCell(CellKind::list, matrixRowAt(0))}; }},
+    {"no program in progress", [](Moment &moment) { moment.calls.clear(); }},
+    {"a program that isn't there", [](Moment &moment) { moment.calls[1].program = 2; }},
+    {"a way of years", [](Moment &moment) { moment.statement += 100'000'001; }},
+    {"a moment ahead of its state", [](Moment &moment) { moment.statement--; }},
+    {"a wait of years",
+     [](Moment &moment) {
+         moment.inputs.waits.push_back({72, 10'000'001});
+     }},
+    {"a wait that was given up",
+     [](Moment &moment) {
+         moment.inputs.waits.push_back({-1, 1});
+     }},
+};
+
+constexpr char cutProgram[] = "{1,2}\\->\\List 1:[[1,2][3,4]]\\->\\Mat A:\\Prog \"SUB\":\"END\"|1\\->A:2\\->B";
+constexpr std::uint64_t withinSub = 4;  // of its statements
+
+TEST_F(Moments, WhatIsNotSoundIsRefused) {
+    const RunFile file = fileOf(cutProgram);
+    const Moment sound = momentOf(file, withinSub);
+    ASSERT_EQ(sound.calls.size(), 2u);
+    const Bytes bytes = *momentAsBytes(sound);
+    for (const Fault &fault : faults) {
+        Moment moment = sound;
+        fault.make(moment);
+        EXPECT_FALSE(momentAsBytes(moment)) << fault.name;
+    }
+    const auto read = [](const Bytes &changed) {
+        Moment moment;
+        return momentFromBytes(changed, moment);
+    };
+    const auto with = [&bytes](std::size_t at, int value) {
+        Bytes changed = bytes;
+        changed[at] = static_cast<std::uint8_t>(value);
+        return changed;
+    };
+    EXPECT_EQ(read({}), MomentFault::foreign);
+    EXPECT_EQ(read(with(0, 'X')), MomentFault::foreign);
+    EXPECT_EQ(read(with(8, 2)), MomentFault::newer);
+    EXPECT_EQ(read(with(8, 0)), MomentFault::damaged);
+    EXPECT_EQ(read(with(15, 0x7F)), MomentFault::damaged) << "more than a moment may hold";
+    EXPECT_EQ(read(with(16, bytes[16] ^ 1)), MomentFault::damaged);
+    EXPECT_EQ(read(with(bytes.size() / 2, bytes[bytes.size() / 2] ^ 1)), MomentFault::damaged);
+    EXPECT_EQ(read({bytes.begin(), bytes.end() - 1}), MomentFault::damaged);
+    EXPECT_EQ(read(bytes), MomentFault::none);
+}
+
+// A program changes, another one of the folder, or what a moment tells of the programs.
+TEST_F(Moments, AMomentGoesWithItsPrograms) {
+    const Moment sound = momentOf(fileOf(cutProgram), withinSub);
+    const auto resumed = [](const RunFile &file, const Moment &moment) {
+        freshMachine(file);
+        loadPrograms(file);
+        momentsFollow();
+        const MomentFault fault = momentResume(moment);
+        debugForget();
+        return fault;
+    };
+    RunFile more = fileOf(cutProgram);
+    more.sections.insert(more.sections.begin() + 1, {"program OTHER", {"9\\->Z"}});
+    EXPECT_EQ(resumed(more, sound), MomentFault::none);
+    RunFile withFunction = more;
+    withFunction.sections.insert(withFunction.sections.begin() + 1, {"program f1", {"X"}});
+    EXPECT_EQ(resumed(withFunction, sound), MomentFault::changed);
+    const std::string whole = cutProgram;
+    for (const std::string &changed : {whole + "0", "0" + whole, whole.substr(0, whole.find('|'))})
+        EXPECT_EQ(resumed(fileOf(changed), sound), MomentFault::changed) << changed;
+    for (const int position : {7, 1000}) {
+        Moment elsewhere = sound;
+        elsewhere.calls[1].place.position = position;
+        elsewhere.calls[1].place.statementLength = 1;
+        EXPECT_EQ(resumed(more, elsewhere), MomentFault::damaged) << position;
+    }
+    Moment behindCall = sound;
+    behindCall.calls[0].place.statementLength--;
+    EXPECT_EQ(resumed(more, behindCall), MomentFault::damaged);
+    Moment ofNoText = sound;
+    ofNoText.calls[1].place.left.kind = CellKind::string;
+    EXPECT_EQ(resumed(more, ofNoText), MomentFault::damaged);
 }
 
 }  // namespace numalink

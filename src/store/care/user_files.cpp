@@ -43,9 +43,9 @@ std::vector<OwnPlace> ownPlaces() {
     std::error_code failure;
     const fs::path library = libraryFolder(), program = programFolder(), data = sharedDataFolder();
     std::vector<OwnPlace> places = {
-        {library, isLibraryName}, {dailyCopyFolder(), isAnyName},    {program, isLibraryName},
-        {program, isProgramName}, {program / "Language", isAnyName}, {settingsFolder(), isLibraryName},
-        {data, isProgramName},    {data / "Language", isAnyName}};
+        {library, isLibraryName},          {dailyCopyFolder(), isAnyName}, {library / "moments", isAnyName},
+        {program, isLibraryName},          {program, isProgramName},       {program / "Language", isAnyName},
+        {settingsFolder(), isLibraryName}, {data, isProgramName},          {data / "Language", isAnyName}};
     const fs::path real = fs::canonical(library / "storage.dat", failure);
     if (!failure) places.push_back({real.parent_path(), isLibraryName});
     return places;
