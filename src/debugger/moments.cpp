@@ -73,12 +73,11 @@ std::optional<std::vector<CallPlace>> callsOf(const Moment &moment, const std::v
         CallPlace place = call.place;
         place.program = programs[static_cast<std::size_t>(call.program)];
         const LoadedProgram &loaded = loadedProgram(place.program);
-        if (place.position >= loaded.cellCount || place.statementLength > loaded.cellCount - 1 - place.position)
-            return std::nullopt;
-        // What has called goes on behind the call.
+        if (place.position >= loaded.cellCount) return std::nullopt;
+        // What has called goes on behind the call; the length of a statement to come is still to be found.
         const bool hasCalled = &call != &moment.calls.back();
-        if (hasCalled && loaded.terminators[place.position] != place.position + place.statementLength)
-            return std::nullopt;
+        const int length = loaded.terminators[place.position] - place.position;
+        if (hasCalled && place.statementLength != length) return std::nullopt;
         if (place.left.kind == CellKind::string) {
             const LoadedProgram &ofText = loadedProgram(programs[static_cast<std::size_t>(call.textProgram)]);
             if (call.textCell >= ofText.cellCount) return std::nullopt;
