@@ -15,7 +15,6 @@
 #include <atomic>
 #include <optional>
 
-#include "debugger/debugger.h"
 #include "emulator/machine/keypad.h"
 #include "emulator/machine/machine.h"
 #include "emulator/machine/pace.h"
@@ -187,14 +186,6 @@ void showKeyTip(const QHelpEvent &help) {
                        QString::fromUtf8(face->legend) + QStringLiteral(": ") + names.join(QStringLiteral(", ")));
 }
 
-// Who plays on wants no other way on.
-void dismissStopLine() {
-    if (!stopLineShown()) return;
-    showStopLine({}, [] {});
-    fitEmulatorPlace();
-    emulatorWindow->update();
-}
-
 void pressOnPad(int key) {
     dismissStopLine();
     pressKey(key);
@@ -312,7 +303,6 @@ bool startRun(ItemId item, const Moment *from = nullptr) {
     return runs;
 }
 
-// The calculator comes up, and the program begins.
 void emulate(ItemId item, const Moment *from = nullptr) {
     if (!besideProgram() && !leaveCurrentView()) return;
     state.outlinedKey = 0;
@@ -395,8 +385,6 @@ void emulatorStop() {
     if (!emulatorShown()) return;
     runStop();
     keepWhereStopped(state.started);
-    runIsOver();
-    debugForget();
     endKeys();
     recordingEnds();
     releaseAllKeys();

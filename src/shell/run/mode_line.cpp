@@ -8,6 +8,7 @@
 
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_place.h"
 #include "telling/texts.h"
 
 namespace numalink {
@@ -82,7 +83,12 @@ void showStopLine(const std::string &time, void (*goOn)()) {
     showLine(state.stop, time.empty() ? time : wording(Text::momentOffer, {time}), goOn);
 }
 
-bool stopLineShown() { return state.frame != nullptr && !state.stop.widget->isHidden(); }
+void dismissStopLine() {
+    if (state.frame == nullptr || state.stop.widget->isHidden()) return;
+    showStopLine({}, [] {});
+    fitEmulatorPlace();
+    emulatorWindow->update();
+}
 
 void placeModeLine() {
     if (state.frame == nullptr) return;

@@ -67,6 +67,15 @@ void offerLastStop(ItemId program) {
                  [] { goOnFromSlot(programOfMoments(), momentSlotOfStop); });
 }
 
+void keepStop(ItemId program) {
+    const Bytes moment = momentOfEndedRun();
+    if (moment.empty()) return;
+    // Behind its end there is nothing to go on to.
+    if (debugWaitsAt() == RunEnd::end) return void(momentDrop(program, momentSlotOfStop));
+    if (momentKeep(program, momentSlotOfStop, moment) != FileResult::done)
+        statusLine(StatusPart::item, Text::fileFailed, {momentPath(program, momentSlotOfStop)});
+}
+
 }  // namespace
 
 void connectMoments() {
@@ -94,14 +103,9 @@ bool momentsBegin(ItemId program, const Moment *from) {
 
 void keepWhereStopped(ItemId program) {
     showStopLine({}, [] {});
-    const bool isKept = settingsInt(setting::keepMoments) != 0 && storeReadEntry(program) && !storeIsReadOnly();
-    if (!isKept) return;
-    const Bytes moment = momentOfEndedRun();
-    if (moment.empty()) return;
-    // Behind its end there is nothing to go on to.
-    if (debugWaitsAt() == RunEnd::end) return void(momentDrop(program, momentSlotOfStop));
-    if (momentKeep(program, momentSlotOfStop, moment) != FileResult::done)
-        statusLine(StatusPart::item, Text::fileFailed, {momentPath(program, momentSlotOfStop)});
+    if (settingsInt(setting::keepMoments) != 0 && storeReadEntry(program) && !storeIsReadOnly()) keepStop(program);
+    runIsOver();
+    debugForget();
 }
 
 ItemId programOfMoments() { return emulatedProgram() != noItem ? emulatedProgram() : selectedItemId(); }

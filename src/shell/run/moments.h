@@ -15,7 +15,7 @@ void forgetMoments();
 // For the start of a run, behind its loading and whoever follows runs: it can be saved, begins with the moment where
 // there is one, and else offers to go on where the program was stopped. False when it can't go on from there (told).
 bool momentsBegin(ItemId program, const Moment *from);
-// Behind a stop, ahead of runIsOver: keeps where the run stood, if that is wanted, unless it was at its end.
+// Behind a stop: keeps where the run stood, if that is wanted, unless it was at its end, and tells runIsOver.
 void keepWhereStopped(ItemId program);
 
 ItemId programOfMoments();  // the one that runs, else the selected one; noItem for none
