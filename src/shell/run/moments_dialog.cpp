@@ -135,16 +135,17 @@ void showMoments() {
     state.dialog.setWindowTitle(textOf(Text::momentsTitle, {utf8FromCalculator(entry->name)}));
     state.list = newList();
     state.list->setAccessibleName(state.dialog.windowTitle());
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    buttons->button(QDialogButtonBox::Close)->setText(textOf(Text::closeWindow));
-    state.save = buttons->addButton(textOf(Text::momentSaveHere), QDialogButtonBox::ActionRole);
-    state.goOn = buttons->addButton(textOf(Text::momentGoOn), QDialogButtonBox::ActionRole);
-    state.remove = buttons->addButton(textOf(Text::momentRemove), QDialogButtonBox::ActionRole);
-    addHelp(&state.dialog, buttons);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &state.dialog, &QDialog::reject);
-    QObject::connect(state.save, &QPushButton::clicked, &state.dialog, [&] { state.saveHere(); });
-    QObject::connect(state.goOn, &QPushButton::clicked, &state.dialog, [&] { state.goOnHere(); });
-    QObject::connect(state.remove, &QPushButton::clicked, &state.dialog, [&] { state.removeHere(); });
+    state.list->setToolTip(textOf(Text::tipMomentList));
+    QDialogButtonBox *buttons = closeButtons(&state.dialog);
+    const auto add = [&](Text text, Text tip, void (MomentsDialog::*act)()) {
+        QPushButton *button = buttons->addButton(textOf(text), QDialogButtonBox::ActionRole);
+        button->setToolTip(textOf(tip));
+        QObject::connect(button, &QPushButton::clicked, &state.dialog, [&state, act] { (state.*act)(); });
+        return button;
+    };
+    state.save = add(Text::momentSaveHere, Text::tipMomentSaveHere, &MomentsDialog::saveHere);
+    state.goOn = add(Text::momentGoOn, Text::tipMomentGoOn, &MomentsDialog::goOnHere);
+    state.remove = add(Text::momentRemove, Text::tipMomentRemove, &MomentsDialog::removeHere);
     QObject::connect(state.list, &QListWidget::currentRowChanged, &state.dialog, [&] { state.follow(); });
     QObject::connect(state.list, &QListWidget::itemActivated, &state.dialog, [&] {
         if (state.goOn->isEnabled())
