@@ -10,6 +10,7 @@
 #include "debugger/profile_counts.h"
 #include "debugger/trace.h"
 #include "emulator/machine/pace.h"
+#include "emulator/run/key_recording.h"
 #include "emulator/run/run_calls.h"
 #include "emulator/screens/display.h"
 
@@ -305,6 +306,7 @@ bool goOnResuming() {
 
 bool resumeMoment() {
     const std::unique_ptr<Moment> moment = std::move(momentControl.resume);
+    keysSpoil();
     holdDisplay(true);
     adoptOptions();
     bringBackState(moment->state);
