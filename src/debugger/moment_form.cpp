@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <climits>
 #include <cstring>
@@ -22,6 +23,7 @@ constexpr std::uint32_t formVersion = 1;
 constexpr std::size_t headSize = 20;  // signature, version, size and checksum of what is packed behind
 constexpr std::size_t versionOffset = 8, sizeOffset = 12, sumOffset = 16;
 
+constexpr std::size_t momentBytesUsual = 450000;    // with 10,000 elements or so
 constexpr std::size_t inputLimit = 100000;          // entries of a kind
 constexpr std::size_t lineLimit = 64;               // exchanges on a line
 constexpr std::size_t lineBytesLimit = 1u << 20;    // of one
@@ -72,7 +74,9 @@ public:
 
 private:
     void put(std::uint64_t value, int size) {
-        for (int i = 0; i < size; i++) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+        std::array<std::uint8_t, 8> low{};
+        for (int i = 0; i < size; i++) low[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
+        bytes.insert(bytes.end(), low.begin(), low.begin() + size);
     }
 };
 
@@ -306,6 +310,7 @@ bool isSound(const Moment &moment) {
 
 std::optional<Bytes> momentAsBytes(Moment moment) {
     Writer writer;
+    writer.bytes.reserve(momentBytesUsual);
     visitMoment(writer, moment);
     if (!writer.good || writer.bytes.size() > momentFileLimit || !isSound(moment)) return std::nullopt;
     uLongf packed = compressBound(writer.bytes.size());
