@@ -66,11 +66,11 @@ constexpr KeyPort countingPort = {
             keysTaken.getKeys++;
             return scriptPort.getKey();
         },
-    .beforeWaitTest =
+    .waitKey =
         [] {
-            const bool comes = scriptPort.beforeWaitTest();
-            if (comes) keysTaken.waits++;
-            return comes;
+            const int key = scriptPort.waitKey();
+            if (key != noKeyAnyMore) keysTaken.waits++;
+            return key;
         },
 };
 
@@ -114,13 +114,21 @@ Course courseOf(const RunFile &file, const RunScript &script, const Moment *from
     return course;
 }
 
+KeyRuns restOf(const KeyRuns &keys, std::size_t taken) {
+    KeyRuns left;
+    for (KeyReader reader(&keys); const auto key = reader.next();) {
+        if (taken > 0)
+            taken--;
+        else
+            left.emplace_back(*key);
+    }
+    return left;
+}
+
 RunScript rest(const RunScript &script, const KeysTaken &taken) {
     RunScript left = script;
-    const auto drop = [](std::vector<int> &keys, std::size_t count) {
-        keys.erase(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(std::min(count, keys.size())));
-    };
-    drop(left.keys, taken.waits);
-    drop(left.getKeys, taken.getKeys);
+    left.keys = restOf(script.keys, taken.waits);
+    left.getKeys = restOf(script.getKeys, taken.getKeys);
     return left;
 }
 
