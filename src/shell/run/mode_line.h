@@ -12,8 +12,8 @@ void showModeLine(const std::vector<std::string> &commands, void (*turnOn)());
 // The same with the time at which the program was stopped, or none without it.
 void showStopLine(const std::string &time, void (*goOn)());
 void dismissStopLine();  // who presses a key plays on, and wants no other way on
-void placeModeLine();   // the window has another size
-int modeLineHeight();   // pixels that the lines take; 0 while there is none
-void forgetModeLine();  // with the window
+void placeModeLine();    // the window has another size
+int modeLineHeight();    // pixels that the lines take; 0 while there is none
+void forgetModeLine();   // with the window
 
 }  // namespace numalink
