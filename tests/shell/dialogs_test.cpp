@@ -4,6 +4,7 @@
 
 #include "emulator/machine/keypad.h"
 #include "shell/app/first_start.h"
+#include "shell/app/tour.h"
 #include "shell/dialogs/about_box.h"
 #include "shell/dialogs/bitmap_dialog.h"
 #include "shell/dialogs/export_dialog.h"
@@ -136,14 +137,16 @@ void expectNothingElided(QWidget *window) {
         if (!part->isVisible()) continue;
         const std::string name = part->objectName().toStdString() + ", " + spoken(part);
         // Those of panes are as wide as their user has the panes.
-        if (const auto *tabs = qobject_cast<const QTabBar *>(part); tabs && tabs->parentWidget() != mainWindow)
+        if (const auto *tabs = qobject_cast<const QTabBar *>(part); tabs && tabs->parentWidget() != mainWindow) {
             EXPECT_GE(tabs->width(), tabs->sizeHint().width()) << name;
-        if (const auto *head = qobject_cast<const QHeaderView *>(part); head && head->orientation() == Qt::Horizontal)
+        }
+        if (const auto *head = qobject_cast<const QHeaderView *>(part); head && head->orientation() == Qt::Horizontal) {
             for (int i = 0; i < head->count(); i++) {
                 const QString title = head->model()->headerData(i, Qt::Horizontal).toString();
-                if (!head->isSectionHidden(i))
-                    EXPECT_GE(head->sectionSize(i), widthOf(head, title)) << name << ": " << title.toStdString();
+                if (head->isSectionHidden(i)) continue;
+                EXPECT_GE(head->sectionSize(i), widthOf(head, title)) << name << ": " << title.toStdString();
             }
+        }
         if (const auto *box = qobject_cast<const QComboBox *>(part);
             box && box->sizeAdjustPolicy() != QComboBox::AdjustToMinimumContentsLengthWithIcon) {
             QStyleOptionComboBox option;
@@ -156,8 +159,9 @@ void expectNothingElided(QWidget *window) {
         // In a pane, which is as wide as its user wants it, the tip has the hint too.
         const bool isTold =
             !part->toolTip().isEmpty() && qobject_cast<const QDockWidget *>(part->parentWidget()->parentWidget());
-        if (const auto *line = qobject_cast<const QLineEdit *>(part); line && !isTold)
+        if (const auto *line = qobject_cast<const QLineEdit *>(part); line && !isTold) {
             EXPECT_GE(line->width() - 8, widthOf(line, line->placeholderText())) << name;
+        }
     }
 }
 
@@ -260,6 +264,17 @@ TEST_F(Dialogs, WindowsShowTheirWordsWholeInEveryLanguage) {
         QTest::qWait(50);
         lookAtPages(mainWindow, false);
         handleCommand(CommandId::debugEnd);
+        handleCommand(CommandId::tour);
+        auto *panel = mainWindow->findChild<QDialog *>(QStringLiteral("tourPanel"));
+        QTest::qWait(1);
+        for (const Text words :
+             {Text::tourWelcome, Text::tourImport, Text::tourLook, Text::tourRun, Text::tourPlay, Text::tourWrite,
+              Text::tourRunOwn, Text::tourSend, Text::tourDelete, Text::tourUndo, Text::tourEnd}) {
+            panel->findChild<QLabel *>(QStringLiteral("tourWords"))->setText(textOf(words));
+            look(panel, false);
+        }
+        panel->reject();
+        EXPECT_TRUE(QTest::qWaitFor([] { return !tourIsOn(); }, 5000));
     }
     settingsSetValue(setting::language, "English");
 }

@@ -160,8 +160,9 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
         ask();
         EXPECT_EQ(whileOpen, nullptr) << "nothing was asked";
     };
-    for (const CommandId id : {CommandId::settings, CommandId::find, CommandId::password, CommandId::move,
-                               CommandId::compareItems, CommandId::versions, CommandId::duplicates, CommandId::report})
+    for (const CommandId id :
+         {CommandId::settings, CommandId::find, CommandId::password, CommandId::move, CommandId::compareItems,
+          CommandId::versions, CommandId::duplicates, CommandId::report, CommandId::assignKeys})
         lookAt([id] { handleCommand(id); });
     ImportQuestion import{.itemNames = {"A"}, .folderName = "B"};
     lookAt([&] { askImport(import); });
@@ -174,7 +175,7 @@ TEST_F(Help, EveryDialogHasAHelpButtonAndEveryControlATip) {
     lookAt([] { askPictureSlot("A", 1); });
     lookAt([] { askItemExists("?"); });
     lookAt(askFirstStart);
-    EXPECT_EQ(seen, 14);
+    EXPECT_EQ(seen, 15);
     handleCommand(CommandId::showQueue);
     lookAtDialog(windowNamed("queueWindow"));
     handleCommand(CommandId::searchLibrary);
