@@ -118,7 +118,10 @@ QListWidget *newList() {
     list->setResizeMode(QListView::Adjust);
     list->setUniformItemSizes(true);
     list->setSpacing(6);
-    list->setWordWrap(true);
+    // As wide as the longest time that is shown, in two lines.
+    const QFontMetrics words = list->fontMetrics();
+    const int width = words.horizontalAdvance(toQt(momentTimeText(0)) + QStringLiteral("0000"));
+    list->setGridSize({std::max(width, displayWidth) + 12, displayHeight + 2 * words.lineSpacing() + 16});
     return list;
 }
 

@@ -7,7 +7,6 @@
 #include "shell/run/emulator_window.h"
 #include "shell/run/keypad_focus.h"
 #include "shell/run/moments.h"
-#include "shell/run/moments_dialog.h"
 #include "shell/run/recording.h"
 #include "shell/run/run_keys.h"
 
@@ -62,30 +61,14 @@ constexpr Command rows[] = {
      .text = Text::menuCopyDisplay,
      .tip = Text::tipCopyDisplay,
      .run = copyDisplayText},
-    {.id = CommandId::moments,
-     .menu = emulator,
-     .separatorAhead = true,
-     .text = Text::menuMoments,
-     .tip = Text::tipMoments,
-     .enabled = hasProgramOfMoments,
-     .run = showMoments},
     {.id = CommandId::saveMoment,
      .menu = emulator,
      .text = Text::menuSaveMoment,
-     .shortcut = "Shift+F9",
+     .shortcut = "Ctrl+Shift+F9",
      .tip = Text::tipSaveMoment,
      .keyWhileRunning = true,
      .enabled = canSaveMoment,
      .run = saveMoment},
-    {.id = CommandId::newestMoment,
-     .menu = emulator,
-     .text = Text::menuNewestMoment,
-     .shortcut = "Ctrl+Shift+F9",
-     .tip = Text::tipNewestMoment,
-     .keyWhileRunning = true,
-     .storesFirst = true,
-     .enabled = hasProgramOfMoments,
-     .run = goOnFromNewest},
     {.id = CommandId::speedCalculator,
      .menu = speed,
      .text = Text::speedCalculator,

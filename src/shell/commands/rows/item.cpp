@@ -9,6 +9,8 @@
 #include "shell/library/duplicates_dialog.h"
 #include "shell/library/versions_dialog.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/moments.h"
+#include "shell/run/moments_dialog.h"
 #include "shell/run/run_keys.h"
 #include "shell/tree/item_commands.h"
 #include "shell/tree/move_dialog.h"
@@ -121,6 +123,21 @@ constexpr Command rows[] = {
      .storesFirst = true,
      .enabledFor = isProgram,
      .run = playKeys},
+    {.id = CommandId::moments,
+     .menu = item,
+     .text = Text::menuMoments,
+     .tip = Text::tipMoments,
+     .enabled = hasProgramOfMoments,
+     .run = showMoments},
+    {.id = CommandId::newestMoment,
+     .menu = item,
+     .text = Text::menuNewestMoment,
+     .shortcut = "Ctrl+Shift+F8",
+     .tip = Text::tipNewestMoment,
+     .keyWhileRunning = true,
+     .storesFirst = true,
+     .enabled = hasProgramOfMoments,
+     .run = goOnFromNewest},
     {.id = CommandId::password,
      .menu = item,
      .text = Text::menuPassword,
