@@ -103,7 +103,9 @@ Course courseOf(const RunFile &file, const RunScript &script, const Moment *from
         keyPort = countingPort;
         momentsFollow();
         if (askedAt != UINT64_MAX) momentAskAt(askedAt);
-        if (from != nullptr) EXPECT_EQ(momentResume(*from), MomentFault::none);
+        if (from != nullptr) {
+            EXPECT_EQ(momentResume(*from), MomentFault::none);
+        }
         return true;
     });
     Course course{digests, machineDigest(), report.statements, report.ended, {}};

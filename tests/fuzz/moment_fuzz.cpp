@@ -55,7 +55,7 @@ Bytes makePayload() {
     settingsSetInt(setting::fullSpeed, 1);
     clockPort.sleepMilliseconds = [](std::uint64_t) {};
     userInterface = userInterfaceSilent;
-    runScripted({.keys = {72, 31, 31}, .statementLimit = 1000}, [] {
+    runScripted({.keys = {72, 31, 31}, .getKeys = {}, .statementLimit = 1000}, [] {
         const bool loaded = load();
         momentsFollow();
         return loaded;
@@ -109,7 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto again = momentAsBytes(moment);
     require(again.has_value());
     const std::uint64_t limit = moment.statement + statementsMore;
-    runScripted({.keys = {31, 31, 31, 72, 31}, .statementLimit = limit}, [&] {
+    runScripted({.keys = {31, 31, 31, 72, 31}, .getKeys = {}, .statementLimit = limit}, [&] {
         const bool loaded = load();
         momentsFollow();
         return loaded && momentResume(moment) == MomentFault::none;
