@@ -35,7 +35,7 @@ std::vector<ItemId> shownIds() {
 
 bool holds(const std::vector<ItemId> &ids, ItemId id) { return std::ranges::find(ids, id) != ids.end(); }
 
-// The anchor is what a range would begin at; a selection by itself makes that the current one.
+// Where a range begins now: once one item is selected by itself, there.
 ItemId anchorNow() {
     if (!severalSelected() || treeEntryOf(anchor) == nullptr) anchor = selectedItemId();
     return anchor;
