@@ -311,6 +311,22 @@ TEST_F(Import, WhatChangesWhileTheListIsOpenIsSeen) {
     EXPECT_THAT(names, testing::UnorderedElementsAre("ONE", "TWO", "TWO 2")) << "nothing unseen is replaced";
     ASSERT_EQ(uiRecord.boxes.size(), 1u);
     EXPECT_EQ(uiRecord.boxes[0].bodyText, Text::importGone);
+    EXPECT_THAT(uiRecord.lines, testing::Contains("status 2: " + wording(Text::importKeptBeside, {"1"})))
+        << "what wasn't there any more wasn't replaced";
+}
+
+TEST_F(Import, WhatIsToBeSentWaitsWhileOthersComeIn) {
+    scratch.write("a.cat", catProgram("ONE"));
+    scratch.write("b.cat", catProgram("TWO"));
+    int asked = 0;
+    uiRecord.answerImport = [&](ImportQuestion &question) {
+        question.action = asked++ == 0 ? ImportAction::transmit : ImportAction::standardFolders;
+    };
+    importFiles({{scratch.path + "a.cat", "a"}, {scratch.path + "b.cat", "b"}});
+    EXPECT_THAT(namesIn(storeStandardFolder(1001)), ElementsAre("TWO"));
+    EXPECT_THAT(namesIn(storeTempFolder()), ElementsAre("ONE"));
+    EXPECT_EQ(transmitQueueIds().size(), 1u);
+    transmitQueueClear();
 }
 
 TEST_F(Import, ASpoiltFileDoesNotDrownTheUser) {
