@@ -1,6 +1,7 @@
 // Comparing, earlier forms, searching the library, duplicates, and the tree's filter and order, in the running window.
 #include "history/history.h"
 #include "shell/library/search_window.h"
+#include "shell/library/signed_text.h"
 #include "shell/shell_fixture.h"
 #include "shell/tree/tree_filter.h"
 #include "shell/tree/tree_order.h"
@@ -38,6 +39,11 @@ TEST_F(LibraryWindows, DifferencesAreTakenOverAndTakenBack) {
         ASSERT_EQ(texts.size(), 2);
         EXPECT_EQ(texts[0]->toPlainText(), QStringLiteral("1\n2\n3\n"));
         EXPECT_EQ(texts[1]->toPlainText(), QStringLiteral("1\n\n3\n4"));
+        QString signs;
+        for (const QPlainTextEdit *text : texts)
+            for (QTextBlock line = text->document()->begin(); line.isValid(); line = line.next())
+                signs += SignedText::signOf(line) + QLatin1Char('|');
+        EXPECT_EQ(signs, QStringLiteral("|\u2212||||||+|")) << "told by more than colour";
         EXPECT_FALSE(buttonOf(window, Text::comparePrevious)->isEnabled());
         buttonOf(window, Text::compareNext)->click();
         buttonOf(window, Text::compareToLeft)->click();

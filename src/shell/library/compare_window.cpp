@@ -8,7 +8,6 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QMainWindow>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -19,6 +18,7 @@
 #include "compare/program_compare.h"
 #include "shell/editor/program_document.h"
 #include "shell/library/item_paths.h"
+#include "shell/library/signed_text.h"
 #include "shell/parts/dialog_parts.h"
 #include "shell/parts/fonts.h"
 #include "shell/parts/main_widgets.h"
@@ -37,7 +37,7 @@ constexpr std::array<CompareSide, 2> bothSides = {CompareSide::left, CompareSide
 
 struct SideParts {
     QComboBox *choice = nullptr;
-    QPlainTextEdit *text = nullptr;
+    SignedText *text = nullptr;
     QPushButton *takeOver = nullptr;  // into this side
     std::vector<CompareSource> sources;
 
@@ -85,6 +85,12 @@ Tint tintOf(const CompareRow &row, CompareSide which) {
     return which == CompareSide::left ? Tint::removed : Tint::added;
 }
 
+// The colours alone don't tell everybody.
+char16_t signOf(Tint tint) {
+    constexpr char16_t signs[] = {0, 0, u'~', u'\u2212', u'+', u'\u2195'};
+    return signs[static_cast<std::size_t>(tint)];
+}
+
 QTextBlockFormat blockFormatOf(Tint tint, bool strong) {
     QTextBlockFormat format;
     if (tint != Tint::none) format.setBackground(colorOf(tint, strong));
@@ -117,6 +123,7 @@ void fillSide(CompareSide which) {
         else
             cursor.insertBlock(format, {});
         isFirst = false;
+        SignedText::setSign(cursor.block(), signOf(tintOf(row, which)));
         const std::ptrdiff_t line = lineOf(row, which);
         if (line >= 0)
             insertMarked(cursor, lines[static_cast<std::size_t>(line)],
@@ -237,8 +244,7 @@ void makeSide(SideParts &side, Text name, QBoxLayout *column) {
     side.choice->setToolTip(textOf(name));
     side.choice->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     side.choice->setMinimumContentsLength(12);
-    side.text = new QPlainTextEdit;
-    side.text->setReadOnly(true);
+    side.text = new SignedText;
     side.text->setUndoRedoEnabled(false);
     side.text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     side.text->setLineWrapMode(QPlainTextEdit::NoWrap);
