@@ -405,7 +405,7 @@ TEST_F(Debugged, AFullRecordKeepsAllWithinReach) {
     machineStart();
     MatrixSlot &matrix = machine.matrixSlots[0];
     matrixRenew(ownedByVariable, matrix, 250, 250);
-    historyBegin();
+    historyKeep(HistoryMode::full);
     constexpr std::uint64_t steps = 220, step = 256;
     std::size_t most = 0;
     for (std::uint64_t i = 0; i < steps; i++) {
@@ -434,7 +434,7 @@ TEST_F(Debugged, WhatCameFromOutsideStaysWithinTheRoom) {
     machineStart();
     runHalted = false;
     emulatorRunning = true;
-    historyBegin();
+    historyKeep(HistoryMode::full);
     std::size_t most = 0;
     for (std::uint64_t statement = 0, next = 0; statement < 20000; statement++) {
         if (statement >= next) next = historyAt(statement);

@@ -296,6 +296,106 @@ TEST_F(Moments, WhatIsNotSoundIsRefused) {
     EXPECT_EQ(read(bytes), MomentFault::none);
 }
 
+// Each field alone changes the bytes: none is left out. What belongs together is changed in one line.
+constexpr void (*changesOfFields[])(Moment &) = {
+    [](Moment &of) { of.state.machine.variables[27] = complexMake(0, 1); },
+    [](Moment &of) { of.state.machine.ans = complexReal(5); },
+    [](Moment &of) { of.state.machine.window[8] = complexReal(5); },
+    [](Moment &of) { of.state.machine.windowMemories[5][8] = complexReal(5); },
+    [](Moment &of) { of.state.machine.matrixSlots[25] = std::exchange(of.state.machine.matrixSlots[0], nullptr); },
+    [](Moment &of) { of.state.machine.listSlots[5][3] = std::exchange(of.state.machine.listSlots[0][0], nullptr); },
+    [](Moment &of) { of.state.machine.errorFlag = !of.state.machine.errorFlag; },
+    [](Moment &of) { of.state.machine.currentFile = 5; },
+    [](Moment &of) { of.state.machine.backgroundPicture = 6; },
+    [](Moment &of) { of.state.machine.plotPrevious.y = 5; },
+    [](Moment &of) { of.state.machine.plotCurrent.x = 5; },
+    [](Moment &of) { of.state.machine.textRow = 5; },
+    [](Moment &of) { of.state.machine.textColumn = 5; },
+    [](Moment &of) { of.state.machine.screenMode = matrixMode; },
+    [](Moment &of) { of.state.machine.shortCopy = !of.state.machine.shortCopy; },
+    [](Moment &of) { of.state.machine.rowColor[7] = pixelColor::green; },
+    [](Moment &of) { of.state.machine.graphSwitches[5] = !of.state.machine.graphSwitches[5]; },
+    [](Moment &of) { of.state.machine.gridSwitch = !of.state.machine.gridSwitch; },
+    [](Moment &of) { of.state.machine.calculatorModes = !of.state.machine.calculatorModes; },
+    [](Moment &of) { of.state.machine.angleUnit = AngleUnit::gradians; },
+    [](Moment &of) { of.state.machine.format.form = NumberForm::scientific; },
+    [](Moment &of) { of.state.machine.format.digits = 7; },
+    [](Moment &of) { of.state.machine.format.lowestFixedExponent = -5; },
+    [](Moment &of) { of.state.machine.format.engineering = true; },
+    [](Moment &of) { of.state.machine.numberBase = 16; },
+    [](Moment &of) { of.state.machine.namedValues[511] = complexReal(5); },
+    [](Moment &of) { of.state.elements[0] = 5; },
+    [](Moment &of) { of.state.statistics.curve = Regression{}; },
+    [](Moment &of) { of.state.statistics.residualList = 5; },
+    [](Moment &of) { of.state.statistics.graphs[2].isOn = !of.state.statistics.graphs[2].isOn; },
+    [](Moment &of) { of.state.statistics.graphs[2].kind = StatGraphKind::regression; },
+    [](Moment &of) { of.state.statistics.graphs[2].regression = RegressionKind::logistic; },
+    [](Moment &of) { of.state.statistics.graphs[2].xList = 5; },
+    [](Moment &of) { of.state.statistics.graphs[2].yList = 5; },
+    [](Moment &of) { of.state.statistics.graphs[2].frequencies = 5; },
+    [](Moment &of) { of.state.statistics.graphs[2].mark = StatMark::dot; },
+    [](Moment &of) { of.state.statistics.graphs[2].color = pixelColor::green; },
+    [](Moment &of) { of.state.statistics.fitsWindow = !of.state.statistics.fitsWindow; },
+    [](Moment &of) { of.state.graphs.functions[19].type = GraphType::upTo; },
+    [](Moment &of) { of.state.graphs.functions[19].formula = {numberCell(complexReal(5))}; },
+    [](Moment &of) { of.state.graphs.functions[19].second = {numberCell(complexReal(5))}; },
+    [](Moment &of) { of.state.graphs.functions[19].color = pixelColor::green; },
+    [](Moment &of) { of.state.graphs.functions[19].style = LineStyle::dotted; },
+    [](Moment &of) { of.state.graphs.functions[19].inGraph = !of.state.graphs.functions[19].inGraph; },
+    [](Moment &of) { of.state.graphs.functions[19].inTable = !of.state.graphs.functions[19].inTable; },
+    [](Moment &of) { of.state.graphs.functions[19].isDynamic = !of.state.graphs.functions[19].isDynamic; },
+    [](Moment &of) { of.state.graphs.newType = GraphType::upTo; },
+    [](Moment &of) { of.state.graphs.memories[5].functions[19].style = LineStyle::dotted; },
+    [](Moment &of) { of.state.graphs.memories[5].window[8] = complexReal(5); },
+    [](Moment &of) { of.state.graphs.plotsOnly = !of.state.graphs.plotsOnly; },
+    [](Moment &of) { of.state.graphs.hidesAxes = !of.state.graphs.hidesAxes; },
+    [](Moment &of) { of.state.graphs.showsGrid = !of.state.graphs.showsGrid; },
+    [](Moment &of) { of.state.graphs.sketchStyle = LineStyle::dotted; },
+    [](Moment &of) { of.state.graphs.sketchColor = pixelColor::green; },
+    [](Moment &of) { of.state.graphs.dual = DualScreen::graphAndTable; },
+    [](Moment &of) { of.state.graphs.listOfX = 5; },
+    [](Moment &of) { of.state.graphs.tableResult = std::exchange(of.state.machine.matrixSlots[0], nullptr); },
+    [](Moment &of) { of.state.graphs.recursionResult = std::exchange(of.state.machine.matrixSlots[0], nullptr); },
+    [](Moment &of) { of.state.graphs.dynamicSpeed = DynamicSpeed::byKey; },
+    [](Moment &of) { of.state.graphs.dynamicGoesOn = !of.state.graphs.dynamicGoesOn; },
+    [](Moment &of) { of.state.graphs.keepsLocus = !of.state.graphs.keepsLocus; },
+    [](Moment &of) { of.state.graphs.sequenceType = SequenceType::threeTerms; },
+    [](Moment &of) { of.state.graphs.sequences[1].formula = {numberCell(complexReal(5))}; },
+    [](Moment &of) { of.state.graphs.sequences[1].isSelected = !of.state.graphs.sequences[1].isSelected; },
+    [](Moment &of) { of.state.graphs.showsSums = !of.state.graphs.showsSums; },
+    [](Moment &of) { of.state.textRows[7][20] = 'x'; },
+    [](Moment &of) { of.state.text.dots[8191] = 5; },
+    [](Moment &of) { of.state.graph.dots[8191] = 5; },
+    [](Moment &of) { of.state.matrices.dots[8191] = 5; },
+    [](Moment &of) { of.state.display.dots[8191] = 5; },
+    [](Moment &of) { of.state.pictures[5].dots[8191] = 5; },
+    [](Moment &of) { of.state.workDone++; },
+    [](Moment &of) { of.state.random++; },
+    [](Moment &of) { of.calls[1].place.forContinuing = true; },
+    [](Moment &of) { of.calls[1].place.left = numberCell(complexReal(5)); },
+    [](Moment &of) { of.waitsAt = RunEnd::triangle; },
+    [](Moment &of) { of.picture.dots[8191] = 5; },
+    [](Moment &of) {
+        of.inputs.getKeys.push_back({72, 1});
+    },
+};
+
+TEST_F(Moments, NoFieldIsLeftOut) {
+    Moment sound = momentOf(fileOf(cutProgram), withinSub);
+    const Bytes bytes = *momentAsBytes(sound);
+    int place = 0;
+    for (void (*change)(Moment &) : changesOfFields) {
+        Moment moment = sound;
+        change(moment);
+        const std::optional<Bytes> changed = momentAsBytes(moment);
+        EXPECT_TRUE(changed && *changed != bytes) << "change " << place;
+        place++;
+        Moment read;
+        EXPECT_EQ(momentFromBytes(changed.value_or(Bytes{}), read), MomentFault::none) << "change " << place - 1;
+        EXPECT_EQ(momentAsBytes(read), changed);
+    }
+}
+
 // A program changes, another one of the folder, or what a moment tells of the programs.
 TEST_F(Moments, AMomentGoesWithItsPrograms) {
     const Moment sound = momentOf(fileOf(cutProgram), withinSub);
