@@ -51,7 +51,8 @@ void debugBegin(const DebugOptions &options) {
     if (debugState() == DebugState::off) {  // nobody has followed this run yet
         breakpointsFollowLoaded();
         breakpointsCountAnew();
-        followAnew(options.stopAtEntry && !isRunning);
+        // A run that is on and observed, so that it can be saved, has its state of the following at work.
+        if (!isRunning || runObserver == nullptr) followAnew(options.stopAtEntry && !isRunning);
         if (!isRunning) profileAdopt();
     }
     {
