@@ -21,6 +21,7 @@ constexpr std::uint64_t lookInterval = 256;                     // statements be
 constexpr std::uint64_t longestStretch = 32768;                 // statements without an image
 constexpr auto longestTime = std::chrono::milliseconds(5);      // the same, as long as memory suffices
 constexpr std::size_t bytesWanted = historyBytes - (2u << 20);  // the rest is for what is taken in between
+constexpr unsigned mostThinned = 5;                             // then images are as far apart as the record reaches
 constexpr std::size_t newestKept = 8;                           // images that thinning leaves alone
 
 // Of the brief record: images are this far apart, and the looks at the clock so that one falls into some milliseconds.
@@ -155,7 +156,7 @@ void thinOut() {
         kept.push_back(std::move(keyframe));
     }
     history.keyframes = std::move(kept);
-    history.thinned++;
+    if (history.thinned < mostThinned) history.thinned++;
 }
 
 void makeRoom() {
