@@ -130,6 +130,7 @@ TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
     handleCommand(CommandId::rename);
     finishLabelEdit();
     EXPECT_EQ(lineMarkOf(4).sign, LineSign::breakpoint);
+    EXPECT_TRUE(stopWords().contains(textOf(Text::stopOldText))) << stopWords().toStdString();
     point = breakpointsOfItem(program).at(0);
     point.condition.clear();
     EXPECT_TRUE(breakpointChange(point));
@@ -251,7 +252,20 @@ TEST_F(Workbench, ABadConditionIsToldAndTheOldOneStays) {
     EXPECT_EQ(tableOf("breakpointsDock")->topLevelItem(0)->text(1), QStringLiteral("A>3"));
     EXPECT_EQ(conditionAfter(QString()), "");
     EXPECT_FALSE(fault->isVisibleTo(fault->parentWidget()));
+    tableOf("breakpointsDock")->setCurrentItem(tableOf("breakpointsDock")->topLevelItem(0));
+    QTest::keyClick(tableOf("breakpointsDock"), Qt::Key_Delete);
+    EXPECT_TRUE(breakpointsOfItem(program).empty());
     EXPECT_TRUE(shown.empty()) << "no box";
+}
+
+TEST_F(Workbench, OnWishARunStopsWhereItMakesAnError) {
+    show(addWords("WRONG", "1\\->A\rB+\\->A\r\\Do\r\\LpWhile 1"));
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
+    auto *errors = mainWindow->findChild<QDockWidget *>(QStringLiteral("breakpointsDock"))->findChild<QCheckBox *>();
+    errors->setChecked(true);
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 2);
+    EXPECT_EQ(shownStop()->reason, StopReason::error);
+    errors->setChecked(false);
 }
 
 // Something else brings the panes up between a command and the look at where it led: they don't read what the run is
