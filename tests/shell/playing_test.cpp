@@ -278,6 +278,7 @@ TEST_F(Playing, ARecordingTellsThatItIsOnAndIsNeverLostUnasked) {
 TEST_F(Playing, TheDisplayGoesOutAsPicturesDotByDot) {
     run("\\Locate 1,1,\"HI\":\\Lbl 1:\\Goto1");
     ASSERT_TRUE(shows("HI"));
+    for (Surface before; before.dots != displayNow().dots; QTest::qWait(60)) before = displayNow();  // it stands still
     handleCommand(CommandId::copyPicture);
     const auto expectDisplay = [](const QImage &image) {
         const Surface display = displayNow();

@@ -67,6 +67,7 @@ void showLine(Line &line, const std::string &words, void (*act)()) {
     line.label->setText(toQt(words));
     line.act = act;
     line.widget->setVisible(!words.empty());
+    state.frame->setAccessibleName((state.modes.label->text() + QLatin1Char(' ') + state.stop.label->text()).trimmed());
     state.frame->setVisible(!state.modes.widget->isHidden() || !state.stop.widget->isHidden());
     placeModeLine();
 }
