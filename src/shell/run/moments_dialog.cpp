@@ -75,7 +75,8 @@ void MomentsDialog::fill() {
     list->clear();
     for (int which = momentSlotOfStop; which <= momentSlotCount; which++) {
         const KeptMoment *moment = keptIn(which);
-        new QListWidgetItem(pictureOf(moment), wordsOf(which, moment), list);
+        auto *item = new QListWidgetItem(pictureOf(moment), wordsOf(which, moment), list);
+        item->setSizeHint(list->gridSize());  // else it is as wide as its picture, and the time cut
     }
     list->setCurrentRow(current);
     follow();
