@@ -61,7 +61,9 @@ public:
         put(values.size(), 4);
     }
     void characters(const char *field, std::size_t count) { bytes.insert(bytes.end(), field, field + count); }
-    void row(const MatrixDescriptor *const &slot) { put(static_cast<std::uint64_t>(matrixRowOf(slot) + 1), 2); }
+    void row(const MatrixDescriptor *const &slot) {
+        put(std::uint64_t{1} + static_cast<std::uint64_t>(matrixRowOf(slot)), 2);
+    }
     void report(const char *text) {
         std::string field = text;
         visitText(field);

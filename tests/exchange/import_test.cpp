@@ -161,8 +161,8 @@ TEST_F(Import, NamesThatAreTakenAreListedOnceAndAllOfItIsOneStep) {
     storeAddItem({.name = "LIST", .parent = folder, .kind = kind::folder, .head = {}, .data = {}});
     const struct {
         std::optional<ArrivalChoice> choice;  // none: as preset
-        bool accepted;
-        const char *content;
+        bool accepted = false;
+        const char *content = "";
     } rows[] = {{ArrivalChoice::replace, false, "ONE=A, TWO=A, LIST, "},
                 {ArrivalChoice::skip, true, "ONE=A, TWO=A, LIST, THREE=B, LIST, "},
                 {ArrivalChoice::keepBoth, true, "ONE=A, TWO=A, LIST, one 2=B, two 2=A, THREE=B, LIST, "},

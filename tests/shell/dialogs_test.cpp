@@ -47,7 +47,7 @@ void openImport() {
 void openArrivals() {
     ArrivalsQuestion question;
     for (const ArrivalState state :
-         {ArrivalState::isNew, ArrivalState::same, ArrivalState::differs, ArrivalState::twice})
+         {ArrivalState::isNew, ArrivalState::same, ArrivalState::differs, ArrivalState::twice}) {
         question.rows.push_back({.id = 9,
                                  .there = 8,
                                  .kind = kind::program,
@@ -56,6 +56,7 @@ void openArrivals() {
                                  .freeName = "PROGRAM2",
                                  .state = state,
                                  .choice = ArrivalChoice::keepBoth});
+    }
     question.notes = std::vector<std::string>(300, "file: what can't be read of it");
     askArrivals(question);
 }

@@ -52,8 +52,8 @@ private:
 KeyTape waits, getKeys;
 std::atomic<std::uint64_t> statement = 0;  // of the last key: it is told behind the key, and asked for ahead of it
 std::atomic<bool> isCut = false;
-RunBeginning begins;          // the graphical thread's
-KeyPort source = windowKeys;  // the run thread's while a run is on, as are those that follow
+RunBeginning begins;  // the graphical thread's
+KeyPort source;       // set by keysBegin; the run thread's while a run is on, as are those that follow
 
 RunKeys played;
 KeyReader playedWaits, playedGetKeys;

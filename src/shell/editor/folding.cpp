@@ -5,6 +5,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
 #include <QHelpEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTextLayout>

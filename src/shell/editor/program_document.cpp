@@ -164,10 +164,11 @@ void readColors() {
     state.highlighting = settingsInt(setting::syntaxHighlighting) == 1;
     // On the ground of texts, and on that of what is marked in it, which is the harder one.
     const QPalette &palette = programEdit->palette();
-    for (std::size_t i = 0; i < state.colors.size(); i++)
+    for (std::size_t i = 0; i < state.colors.size(); i++) {
         state.colors[i] =
             readableOn(ownColor(OwnColor::partners, palette),
                        readableOn(palette.color(QPalette::Base), qtColor(settingsColour(programColorKeys[i]))));
+    }
 }
 
 void forgetColors() { state = {}; }

@@ -180,7 +180,8 @@ void mouseMoved(const QMouseEvent &mouse) {
 void showKeyTip(const QHelpEvent &help) {
     const QPoint dot = dotAtPlace(help.pos());
     const KeyFace *face = keyFaceOf(keyHit(dot.x(), dot.y()));
-    const QStringList names = face == nullptr ? QStringList() : keyboardNamesOf(face->code);
+    if (face == nullptr) return QToolTip::hideText();
+    const QStringList names = keyboardNamesOf(face->code);
     if (names.isEmpty()) return QToolTip::hideText();
     QToolTip::showText(help.globalPos(),
                        QString::fromUtf8(face->legend) + QStringLiteral(": ") + names.join(QStringLiteral(", ")));
