@@ -265,22 +265,23 @@ void countRows(PoolRecords &pool) {
 // Each slot names a row of a variable that no other names, lists one of a single column; the display slot a temporary.
 bool slotsAreSound(const MachineState &state) {
     std::array<bool, matrixRowLimit> isNamed{};
-    const auto isSound = [&](const MatrixDescriptor *slot, bool isList) {
+    const auto slotIsSound = [&](const MatrixDescriptor *slot, bool isList) {
         if (slot == nullptr) return true;
         const auto place = static_cast<std::size_t>(matrixRowOf(slot));
         const MatrixDescriptor &row = state.pool.table[place];
         return row.owner == ownedByVariable && (!isList || row.cols == 1) && !std::exchange(isNamed[place], true);
     };
     for (int slot = 0; slot < matrixDisplaySlot; slot++) {
-        if (!isSound(state.machine.matrixSlots[static_cast<std::size_t>(slot)], false)) return false;
+        if (!slotIsSound(state.machine.matrixSlots[static_cast<std::size_t>(slot)], false)) return false;
     }
     for (const auto &file : state.machine.listSlots) {
-        if (!std::ranges::all_of(file, [&](const MatrixDescriptor *slot) { return isSound(slot, true); })) return false;
+        if (!std::ranges::all_of(file, [&](const MatrixDescriptor *slot) { return slotIsSound(slot, true); }))
+            return false;
     }
     const MatrixDescriptor *shown = state.machine.matrixSlots[matrixDisplaySlot];
     if (shown != nullptr && state.pool.table[static_cast<std::size_t>(matrixRowOf(shown))].owner != ownedTemporarily)
         return false;
-    return isSound(state.graphs.tableResult, false) && isSound(state.graphs.recursionResult, false);
+    return slotIsSound(state.graphs.tableResult, false) && slotIsSound(state.graphs.recursionResult, false);
 }
 
 bool callsAreSound(const Moment &moment) {

@@ -49,13 +49,17 @@ void tellFault(MomentFault fault, const std::string &path) {
 // The slot that nothing is in, else the one that was saved first.
 int nextSlot(ItemId program) {
     const std::vector<KeptMoment> kept = keptMoments(program);
-    const KeptMoment *oldest = nullptr;
+    int oldest = 1;
+    std::uint64_t oldestTime = UINT64_MAX;
     for (int slot = 1; slot <= momentSlotCount; slot++) {
         const auto found = std::ranges::find(kept, slot, &KeptMoment::slot);
         if (found == kept.end()) return slot;
-        if (oldest == nullptr || found->time < oldest->time) oldest = &*found;
+        if (found->time < oldestTime) {
+            oldest = slot;
+            oldestTime = found->time;
+        }
     }
-    return oldest->slot;
+    return oldest;
 }
 
 // What isn't asked for is offered once the run begins, where it fits.
