@@ -39,6 +39,7 @@
 #include "shell/run/emulator_place.h"
 #include "shell/run/full_screen.h"
 #include "shell/run/key_assignments.h"
+#include "shell/run/key_names.h"
 #include "shell/run/keypad_focus.h"
 #include "shell/run/keypad_skin.h"
 #include "shell/run/mode_line.h"
@@ -57,8 +58,6 @@ namespace numalink {
 namespace {
 
 constexpr int repaintMilliseconds = 16;  // at most 60 repaints a second
-constexpr int namesMilliseconds = 300;   // that their key is held: with others it is a command of the window
-constexpr int keyNamesKey = Qt::Key_Control;
 
 struct EmulatorWindow {
     QImage skin;           // the key pad at the present scale
@@ -66,8 +65,6 @@ struct EmulatorWindow {
     Surface display;       // the copy that is on screen
     std::uint64_t displaySeen = 0;
     int outlinedKey = 0;
-    bool namesKeys = false;      // the keyboard's keys are drawn over the key pad
-    QTimer *namesDue = nullptr;  // runs from when their key is down
     ItemId started = noItem;
     std::optional<QPointF> dragFrom;  // where the mouse went down on the display
 };
@@ -112,37 +109,9 @@ const QImage &skinAt(double pixelsPerDot) {
     return state.skin;
 }
 
-// As large as the window lets it be: in the small, names can't be read.
-void paintKeyNames(QPainter &painter) {
-    constexpr int padHeight = keypadHeight - keypadTop;
-    const QSizeF room = emulatorWindow->size();
-    const double scale = std::min(room.width() / keypadWidth, room.height() / padHeight);
-    painter.fillRect(emulatorWindow->rect(), emulatorWindow->palette().window());
-    painter.translate((room.width() - keypadWidth * scale) / 2, (room.height() - padHeight * scale) / 2);
-    painter.scale(scale, scale);
-    painter.setClipRect(QRectF(0, 0, keypadWidth, padHeight));
-    painter.translate(0, -keypadTop);
-    paintKeypad(painter, scale);
-    paintKeyboardNames(painter, keyboardNamesOf);
-}
-
-void nameKeys(bool named) {
-    state.namesDue->stop();
-    if (named == state.namesKeys) return;
-    state.namesKeys = named;
-    emulatorWindow->update();
-}
-
-// Held alone, the key shows what the others are; any other key ends it.
-void followNamesKey(const QKeyEvent &key) {
-    if (key.isAutoRepeat()) return;
-    nameKeys(false);
-    if (key.type() == QEvent::KeyPress && key.key() == keyNamesKey) state.namesDue->start(namesMilliseconds);
-}
-
 void paintEmulator() {
     QPainter painter(emulatorWindow);
-    if (state.namesKeys) return paintKeyNames(painter);
+    if (keyNamesShown()) return paintKeyNames(painter);
     painter.translate(origin());
     const double size = dotSize();
     const QImage &pad = skinAt(size * emulatorWindow->devicePixelRatioF());
@@ -240,7 +209,7 @@ bool emulatorEvent(QWidget *, QEvent *event) {
             return false;
         case QEvent::FocusOut:
             releaseAllKeys();
-            nameKeys(false);
+            hideKeyNames();
             return false;
         case QEvent::ShortcutOverride:
             // While a run is on, the keys of the commands are keys of the calculator.
@@ -371,8 +340,6 @@ void emulatorToggle() {
     emulate(item->id);
 }
 
-ItemId emulatedProgram() { return emulatorShown() ? state.started : noItem; }
-
 void emulateFrom(ItemId program, const Moment &moment) {
     if (!emulatorShown()) return emulate(program, &moment);
     runStop();
@@ -468,9 +435,7 @@ void makeEmulatorWindow() {
     emulatorWindow->setAttribute(Qt::WA_InputMethodEnabled, false);
     emulatorWindow->hide();
     state.display = Surface(displayWidth, displayHeight);
-    state.namesDue = new QTimer(emulatorWindow);
-    state.namesDue->setSingleShot(true);
-    QObject::connect(state.namesDue, &QTimer::timeout, emulatorWindow, [] { nameKeys(true); });
+    makeKeyNames();
     hookEvents(emulatorWindow, emulatorEvent);
     loadAssignments();
     pressPadKey = pressOnPad;

@@ -19,7 +19,6 @@ void emulatorStop();
 bool emulatorShown();
 ItemId emulatedItem();  // the program that was started last
 
-ItemId emulatedProgram();  // what was started, while the emulator is shown; else noItem
 // Starts the program from a moment, in place of the run that is on.
 void emulateFrom(ItemId program, const Moment &moment);
 

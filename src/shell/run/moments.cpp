@@ -112,9 +112,9 @@ void keepWhereStopped(ItemId program) {
     debugForget();
 }
 
-ItemId programOfMoments() { return emulatedProgram() != noItem ? emulatedProgram() : selectedItemId(); }
+ItemId programOfMoments() { return emulatorShown() ? emulatedItem() : selectedItemId(); }
 
-bool hasProgramOfMoments() { return emulatedProgram() != noItem || selectedKind() == kind::program; }
+bool hasProgramOfMoments() { return emulatorShown() || selectedKind() == kind::program; }
 
 bool canSaveMoment() { return emulatorRunning && emulatorShown() && !storeIsReadOnly(); }
 
