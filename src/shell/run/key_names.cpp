@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QTimer>
+#include <QWidget>
 #include <algorithm>
 
 #include "emulator/machine/keypad.h"
