@@ -233,7 +233,7 @@ bool storeAssignments(const Assignments &assigned) {
     for (int number = 1; number <= settingCount; number++) {
         std::string text;
         for (const std::size_t end = std::min(next + entriesASetting, assigned.size()); next < end; next++)
-            text += (text.empty() ? "" : " ") + entryText(assigned[next]);
+            text.append(text.empty() ? "" : " ").append(entryText(assigned[next]));
         const bool wasThere = number == 1 || !settingsValue(keyOfSetting(number)).empty();
         if ((wasThere || !text.empty()) && !settingsSetValue(keyOfSetting(number), text)) return false;
     }
