@@ -10,14 +10,14 @@ _numalink() {
     fi
 }
 
-# The options of each command, "tokens" aside, and the words that an option's value is one of.
+# The options of each command, and the words that an option's value is one of.
 _numalink_cli() {
-    local cur prev words cword i command=""
+    local cur prev words cword i command="" part=""
     _init_completion || return
     for ((i = 1; i < cword; i++)); do
         [[ ${words[i]} == -* ]] && continue
+        [[ -n $command ]] && part=${words[i]} && break
         command=${words[i]}
-        break
     done
     case $prev in
         --to) mapfile -t COMPREPLY < <(compgen -W "cas cat cat-algebra" -- "$cur") && return ;;
@@ -35,6 +35,7 @@ _numalink_cli() {
         "") options="--help --version" ;;
         check) options="--help --repair --restore" ;;
         convert) options="--help --to --raster --replace" ;;
+        debug) options="--help --set" ;;
         diff) options="--help --json --color" ;;
         duplicates) options="--help --json" ;;
         search) options="--help --as --in --match-case --names --replace-by --apply --json" ;;
@@ -46,13 +47,14 @@ _numalink_cli() {
         share) options="--help --out --title --replace" ;;
         show) options="--help --bitmap --replace" ;;
         run | eval) options=$run ;;
+        tokens) [[ -n $part ]] && options="--help --typed" || options="--help" ;;
         *) options="--help" ;;
     esac
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     elif [[ -z $command ]]; then
         mapfile -t COMPREPLY < <(compgen -W "check convert debug diff duplicates export import language-server link lint list search share show run eval tokens versions write" -- "$cur")
-    elif [[ $command == tokens ]]; then
+    elif [[ $command == tokens && -z $part ]]; then
         mapfile -t COMPREPLY < <(compgen -W "encode decode" -- "$cur")
     else
         _filedir
