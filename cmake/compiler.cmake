@@ -1,5 +1,8 @@
 # Warnings, sanitizers and the compiler cache, for every target of this tree.
-add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror)
+add_compile_options(-Wall -Wextra -Wconversion -Wshadow)
+if(NUMALINK_STRICT)
+    add_compile_options(-Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     add_compile_options(-Wthread-safety)
 endif()
