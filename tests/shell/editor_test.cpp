@@ -92,7 +92,7 @@ TEST_F(Editor, WhatWasStoredIsUndoneInTheTextAndInTheTree) {
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(viewToText(), QStringLiteral("AB"));
     treeView->setFocus();
-    emit menuAt(MenuPosition::edit)->aboutToShow();
+    Q_EMIT menuAt(MenuPosition::edit)->aboutToShow();
     EXPECT_EQ(commandAction(CommandId::undo)->text(), textOf(Text::undoEdit, {"PROG"})) << "it is stored by leaving it";
     QTest::keyClick(mainWindow, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(viewToText(), QString());
@@ -222,6 +222,31 @@ TEST_F(Editor, SignalsKeepADraftWithoutAsking) {
     typeKeys(QStringLiteral("C"));
     EXPECT_TRUE(leaveCurrentView());
     EXPECT_FALSE(folder.read("draft-1.txt").empty()) << "it is no draft of this program";
+}
+
+// What a run leaves that is killed while somebody writes.
+TEST_F(Editor, WhatIsTypedBecomesADraftUntilItIsStored) {
+    const auto draft = [this] { return folder.read("draft-1.txt"); };
+    const ItemId id = open("A");
+    programEdit->insertPlainText(QStringLiteral("B"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !draft().empty(); }, 5000));
+    const std::string left = draft();
+    programEdit->insertPlainText(QStringLiteral("C"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return draft().ends_with("\nBCA"); }, 5000)) << "over the same";
+    EXPECT_TRUE(leaveCurrentView());
+    EXPECT_EQ(stored(id), "BCA");
+    EXPECT_EQ(draft(), "");
+    showSelectedAgain();
+    programEdit->insertPlainText(QStringLiteral("D"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !draft().empty(); }, 5000));
+    programEdit->undo();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return draft().empty(); }, 5000)) << "the text is the stored one again";
+    endProgram();
+    folder.write("draft-1.txt", left);
+    answer(wording(Text::draftOpen));
+    ASSERT_TRUE(startProgram());
+    EXPECT_TRUE(QTest::qWaitFor([] { return viewToText() == QStringLiteral("BA"); }));
+    EXPECT_EQ(selectedItemId(), id);
 }
 
 TEST_F(Editor, ItemThatHasGoneComesBackUnderAFreeName) {

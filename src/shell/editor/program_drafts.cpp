@@ -17,7 +17,11 @@ constexpr char draftHead[] = "Numalink draft 1";
 constexpr std::uint64_t draftSizeLimit = 16u << 20;  // bytes
 constexpr int headLines = 4;
 
-std::string openDraft;  // path of the one whose text is on view, or empty
+struct OpenDraft {
+    std::string path;      // of the one whose text is on view, or empty
+    bool isSaved = false;  // begun by saveDraft: nobody was told of it
+};
+OpenDraft state;
 
 std::string draftPath(int number) { return libraryFolder() + "draft-" + std::to_string(number) + ".txt"; }
 bool fileThere(const std::string &path) { return QFile::exists(QFile::decodeName(path.c_str())); }
@@ -28,12 +32,7 @@ std::string freePath() {
     return {};
 }
 
-}  // namespace
-
-std::string draftFolder() { return libraryFolder(); }
-
-bool keepDraft(const ItemEntry &item, const QString &text) {
-    const std::string path = openDraft.empty() ? freePath() : openDraft;
+bool writeDraft(const std::string &path, const ItemEntry &item, const QString &text) {
     if (path.empty()) return false;
     std::string name = utf8FromCalculator(item.name);
     std::erase(name, '\n');
@@ -42,9 +41,30 @@ bool keepDraft(const ItemEntry &item, const QString &text) {
         file.append("\n").append(line);
     // Nobody reads in a draft what they could not read in the library.
     const ByteView bytes(reinterpret_cast<const std::uint8_t *>(file.data()), file.size());
-    const bool kept = writeWholeFile(path, bytes, libraryFolder() + "storage.dat") == FileResult::done;
-    if (kept) openDraft.clear();
-    return kept;
+    return writeWholeFile(path, bytes, libraryFolder() + "storage.dat") == FileResult::done;
+}
+
+std::string pathToWrite() { return state.path.empty() ? freePath() : state.path; }
+
+}  // namespace
+
+std::string draftFolder() { return libraryFolder(); }
+
+bool keepDraft(const ItemEntry &item, const QString &text) {
+    if (!writeDraft(pathToWrite(), item, text)) return false;
+    state = {};
+    return true;
+}
+
+bool saveDraft(const ItemEntry &item, const QString &text) {
+    const std::string path = pathToWrite();
+    if (!writeDraft(path, item, text)) return false;
+    if (state.path.empty()) state = {.path = path, .isSaved = true};
+    return true;
+}
+
+void dropSavedDraft() {
+    if (state.isSaved) forgetDraft();
 }
 
 std::optional<Draft> readDraft(int number) {
@@ -66,15 +86,15 @@ std::optional<Draft> readDraft(int number) {
     return draft;
 }
 
-void takeDraft(const Draft &draft) { openDraft = draft.path; }
+void takeDraft(const Draft &draft) { state = {.path = draft.path, .isSaved = false}; }
 
-void releaseDraft() { openDraft.clear(); }
+void releaseDraft() { state = {}; }
 
 void removeDraft(const Draft &draft) { QFile::remove(QFile::decodeName(draft.path.c_str())); }
 
 void forgetDraft() {
-    if (!openDraft.empty()) QFile::remove(QFile::decodeName(openDraft.c_str()));
-    openDraft.clear();
+    if (!state.path.empty()) QFile::remove(QFile::decodeName(state.path.c_str()));
+    state = {};
 }
 
 }  // namespace numalink

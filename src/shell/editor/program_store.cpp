@@ -1,11 +1,14 @@
 #include "shell/editor/program_store.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTimer>
 
 #include "calculator/frames.h"
 #include "calculator/program_info.h"
@@ -27,10 +30,16 @@ namespace numalink {
 
 namespace {
 
+// A draft is written once nothing was typed for a moment, since that waits for the disk; while somebody types on and
+// on, now and then.
+constexpr int draftRestMilliseconds = 1500, draftLongestMilliseconds = 10000;
+
 // The program on view as it was when it was opened.
 struct Opened {
     ItemEntry entry;
     Bytes head;
+    QPointer<QTimer> draftTimer;  // the editor's child
+    QElapsedTimer sinceSaved;     // while the timer runs
 };
 Opened state;
 
@@ -175,6 +184,15 @@ bool leaveAtOnce() {
     return left;
 }
 
+// Should it fail, the text is no worse off than without.
+void saveTextOnView() {
+    if (!isTextKind(viewKind) || programEdit->isReadOnly()) return;
+    if (programChanged())
+        saveDraft(state.entry, viewToText());
+    else
+        dropSavedDraft();
+}
+
 }  // namespace
 
 void takeOpenedProgram(const StoredItem &item) {
@@ -183,8 +201,20 @@ void takeOpenedProgram(const StoredItem &item) {
 }
 
 void forgetOpenedProgram() {
-    state = {};
+    state.entry = {};
+    state.head.clear();
+    if (state.draftTimer != nullptr) state.draftTimer->stop();
     releaseDraft();
+}
+
+void saveDraftSoon() {
+    if (state.draftTimer == nullptr) {
+        state.draftTimer = new QTimer(programEdit);
+        state.draftTimer->setSingleShot(true);
+        QObject::connect(state.draftTimer, &QTimer::timeout, programEdit, saveTextOnView);
+    }
+    if (!state.draftTimer->isActive()) state.sinceSaved.start();
+    if (state.sinceSaved.elapsed() < draftLongestMilliseconds) state.draftTimer->start(draftRestMilliseconds);
 }
 
 Bytes imageOnView() {
@@ -208,6 +238,7 @@ bool storeEditedProgram() {
 
 bool leaveProgram(Leaving leaving) {
     if (!programChanged()) {
+        dropSavedDraft();
         releaseDraft();
         return true;
     }

@@ -9,6 +9,9 @@ namespace numalink {
 void takeOpenedProgram(const StoredItem &item);
 void forgetOpenedProgram();
 
+// Behind each edit: soon the text is written as a draft, which goes once it is stored.
+void saveDraftSoon();
+
 // The bytes of the text on view as it stands, without a checksum; of a line that can't be stored, what can be read.
 Bytes imageOnView();
 

@@ -22,6 +22,7 @@
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_edit.h"
 #include "shell/editor/program_reading.h"
+#include "shell/editor/program_store.h"
 #include "shell/editor/statement_marks.h"
 #include "shell/editor/text_marks.h"
 #include "shell/parts/event_hook.h"
@@ -122,6 +123,7 @@ void contentsChanged() {
     state.lastCaret = caretNow();
     programTextChanged();
     updateLineNumbers();
+    saveDraftSoon();
     programEdited();
 }
 
