@@ -194,11 +194,11 @@ int main(int argc, char **argv) {
     QTimer answering;
     QObject::connect(&answering, &QTimer::timeout, answerDialogs);
     answering.start(100);
-    QStringList samples;
+    std::vector<std::string> samples;
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     for (const QString &file :
          folder.entryList({QStringLiteral("*.cat"), QStringLiteral("*.cas"), QStringLiteral("*.fxi")}))
-        samples << folder.absoluteFilePath(file);
+        samples.push_back(QFile::encodeName(folder.absoluteFilePath(file)).toStdString());
     numalink::importDropped(samples);
     takePicture("library");
     const QColor ground = numalink::programEdit->palette().color(QPalette::Base);

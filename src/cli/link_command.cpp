@@ -260,7 +260,7 @@ int runLink(const LinkOptions &options) {
     startLinkThread();
     serveInput(options.seconds);
     stopLinkThread();
-    wireTraceEnd();
+    if (!wireTraceEnd()) return commandFailed("the trace could not be written to its end: " + options.trace);
     return endStatus();
 }
 

@@ -136,8 +136,9 @@ void exportOne(FolderStep &step, const StoredItem &item, const std::string &path
         return;
     }
     makeFolders(fs::path(step.pathOf(file)).parent_path());
-    if (there != text && writeWholeFile(step.pathOf(file), bytesOf(text)) != FileResult::done) {
-        step.fail(file, "can't be written");
+    const FileResult written = there == text ? FileResult::done : writeWholeFile(step.pathOf(file), bytesOf(text));
+    if (written != FileResult::done) {
+        step.fail(file, written == FileResult::diskFull ? "the disk is full" : "can't be written");
         return;
     }
     step.kept.push_back(recordOf(item, file, path, text));

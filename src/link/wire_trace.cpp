@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <deque>
 #include <memory>
@@ -29,6 +30,7 @@ struct WireTrace {
     WireDecoder decoder;
     std::deque<std::string> last;
     std::uint64_t begun = 0;  // on the line's clock
+    bool whole = true;
 };
 Lock traceLock;
 WireTrace trace GUARDED_BY(traceLock);
@@ -59,8 +61,9 @@ void put(const std::string &line, ByteView bytes = {}) REQUIRES_LOCK(traceLock) 
     trace.last.push_back(line);
     if (trace.last.size() > keptLines) trace.last.pop_front();
     const std::string text = line + "\n" + rowsOf(bytes);
-    std::fwrite(text.data(), 1, text.size(), trace.file.get());
-    std::fflush(trace.file.get());  // a trace of what ends the program must be whole
+    const bool written = std::fwrite(text.data(), 1, text.size(), trace.file.get()) == text.size();
+    // A trace of what ends the program must be whole.
+    trace.whole = std::fflush(trace.file.get()) == 0 && written && trace.whole;
 }
 
 std::string since(std::uint64_t microseconds) REQUIRES_LOCK(traceLock) {
@@ -138,13 +141,14 @@ FileResult whyNot(const std::string &path) {
 FileResult wireTraceStart(const std::string &path) {
     if (const FileResult result = whyNot(path); result != FileResult::done) return result;
     std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "ae"));
-    if (file == nullptr) return FileResult::denied;
+    if (file == nullptr) return errno == ENOENT ? FileResult::missing : FileResult::denied;
     observed = serialLine;
     {
         const HoldLock hold(traceLock);
         trace.file = std::move(file);
         trace.decoder = {};
         trace.last.clear();
+        trace.whole = true;
         trace.begun = observed.microseconds();
         std::fwrite(firstLine.data(), 1, firstLine.size(), trace.file.get());
         put(since(trace.begun) + " - begun " + clockPort.localDate() + " " + clockPort.localTime() +
@@ -157,12 +161,13 @@ FileResult wireTraceStart(const std::string &path) {
     return FileResult::done;
 }
 
-void wireTraceEnd() {
+bool wireTraceEnd() {
     const HoldLock hold(traceLock);
-    if (trace.file == nullptr) return;
+    if (trace.file == nullptr) return true;
     putEvents(trace.decoder.end());
     trace.file = nullptr;
     serialLine = observed;
+    return trace.whole;
 }
 
 std::vector<std::string> wireTraceLast() {

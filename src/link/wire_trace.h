@@ -11,7 +11,8 @@ namespace numalink {
 // Puts an observed line in the place of serialLine, ahead of the link's thread. The trace is written behind what the
 // file holds, which must be a trace, too: anything else gives failed and stays as it is.
 FileResult wireTraceStart(const std::string &path);
-void wireTraceEnd();  // once the link's thread is joined; harmless without a trace
+// Once the link's thread is joined; harmless without a trace. False when some of it could not be written.
+bool wireTraceEnd();
 
 // What passed last, oldest first, a line each without the bytes; nothing where no trace was kept. Any thread.
 std::vector<std::string> wireTraceLast();

@@ -38,12 +38,6 @@ std::string variable(const char *name) {
     return value == nullptr ? "" : value;
 }
 
-std::string homeFolder() {
-    if (const std::string home = variable("HOME"); home.starts_with('/')) return withFinalSlash(home);
-    const passwd *user = getpwuid(getuid());  // NOLINT(concurrency-mt-unsafe): as above
-    return user == nullptr || user->pw_dir == nullptr ? "/" : withFinalSlash(user->pw_dir);
-}
-
 // A base folder of the desktop's. One that isn't absolute counts as not given.
 std::string baseFolder(const char *name, const char *underHome) {
     const std::string given = variable(name);
@@ -56,6 +50,20 @@ bool isCarriedAbout() {
 }
 
 }  // namespace
+
+std::string homeFolder() {
+    if (const std::string home = variable("HOME"); home.starts_with('/')) return withFinalSlash(home);
+    const passwd *user = getpwuid(getuid());  // NOLINT(concurrency-mt-unsafe): as above
+    return user == nullptr || user->pw_dir == nullptr ? "/" : withFinalSlash(user->pw_dir);
+}
+
+std::string absolutePath(std::string path) {
+    if (path.empty() || path.starts_with('/')) return path;
+    while (path.size() > 2 && path.starts_with("./")) path.erase(0, 2);
+    std::error_code failure;
+    const std::filesystem::path whole = std::filesystem::absolute(path, failure);
+    return failure ? path : whole.string();
+}
 
 const std::string &programFolder() { return programFolderText(); }
 void setProgramFolder(const std::string &folder) { programFolderText() = withFinalSlash(folder); }
@@ -74,8 +82,10 @@ const std::string &settingsFolder() { return settingsFolderText.empty() ? librar
 void setSettingsFolder(const std::string &folder) { settingsFolderText = folder.empty() ? "" : withFinalSlash(folder); }
 
 OwnFolders ownFolders() {
-    if (const std::string home = variable("NUMALINK_HOME"); !home.empty())
-        return {withFinalSlash(home), withFinalSlash(home)};
+    if (const std::string given = variable("NUMALINK_HOME"); !given.empty()) {
+        const std::string home = withFinalSlash(absolutePath(given));
+        return {home, home};
+    }
     if (isCarriedAbout()) return {programFolder(), programFolder()};
     return {baseFolder("XDG_DATA_HOME", ".local/share"), baseFolder("XDG_CONFIG_HOME", ".config")};
 }

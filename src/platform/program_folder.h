@@ -35,4 +35,10 @@ struct OwnFolders {
 };
 OwnFolders ownFolders();
 
+// The user's home folder, with a final "/": HOME, or what the system knows of the user.
+std::string homeFolder();
+
+// The path from "/" on of one that may begin at the current folder. Links and ".." stay; an empty one stays empty.
+std::string absolutePath(std::string path);
+
 }  // namespace numalink

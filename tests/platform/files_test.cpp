@@ -125,8 +125,10 @@ TEST(OwnFolders, AreWhereTheVariablesSayOrBesideAProgramThatIsCarriedAbout) {
         const char *home, *data;
         std::string program, library, settings;
     };
+    const std::string here = std::filesystem::current_path().string() + "/";
     const Row rows[] = {
         {"/home/other", "/d", unpacked.path, "/home/other/", "/home/other/"},
+        {"./own", "/d", unpacked.path, here + "own/", here + "own/"},
         {"", "/d", unpacked.path, unpacked.path, unpacked.path},
         {"", "/d", installed, "/d/numalink/", "/h/.config/numalink/"},
         {"", "relative", installed, "/h/.local/share/numalink/", "/h/.config/numalink/"},

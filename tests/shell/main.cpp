@@ -12,7 +12,7 @@
 namespace {
 
 // A start with this library that closes each box, whose text goes to the standard output. 1 when it could have gone on.
-int startSecondCopy(const char *folder, const QStringList &files) {
+int startSecondCopy(const char *folder, const std::vector<std::string> &files) {
     numalink::setLibraryFolder(folder);
     QTimer closing;
     QObject::connect(&closing, &QTimer::timeout, [] {
@@ -32,7 +32,6 @@ int main(int argc, char **argv) {
     qputenv("LC_ALL", "C.UTF-8");  // English, whoever runs it
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
-    if (argc >= 3 && argv[1] == std::string("--second-copy"))
-        return startSecondCopy(argv[2], QApplication::arguments().mid(3));
+    if (argc >= 3 && argv[1] == std::string("--second-copy")) return startSecondCopy(argv[2], {argv + 3, argv + argc});
     return RUN_ALL_TESTS();
 }

@@ -48,6 +48,8 @@ TEST(ReportText, KnowsPathsBelowHomeFromOthers) {
     EXPECT_EQ(withoutHome(QStringLiteral("a \"/home/ann/x y.cas\", /home/anna/z\n/home/ann"), home),
               QStringLiteral("a \"~/...\", /home/anna/z\n~/..."));
     EXPECT_EQ(withoutHome(QStringLiteral("/etc/x"), QStringLiteral("/")), QStringLiteral("/etc/x"));
+    EXPECT_EQ(withoutSerialNumbers(QStringLiteral("/dev/serial/by-id/usb-FTDI_FT232R_A9KQ2-if00-port0 opened")),
+              QStringLiteral("/dev/serial/by-id/usb-FTDI_FT232R_...-if00-port0 opened"));
 }
 
 TEST_F(Report, IsOfferedOnceAfterARunThatDidNotEnd) {

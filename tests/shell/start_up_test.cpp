@@ -9,6 +9,7 @@
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "platform/program_folder.h"
+#include "shell/app/command_line.h"
 #include "shell/app/single_copy.h"
 #include "shell/app/tray.h"
 #include "shell/commands/library_commands.h"
@@ -122,6 +123,11 @@ TEST_F(StartUp, ANewUserIsAskedOnceWhatToBeginWith) {
     EXPECT_TRUE(shown.empty()) << "who has settings isn't new";
     EXPECT_EQ(settingsValue(setting::comPort), setting::portOff) << "and still has no port";
     endProgram();
+    std::filesystem::remove(folder.path + "settings.xml");
+    start();
+    EXPECT_TRUE(shown.empty()) << "nor is who has a library";
+    EXPECT_EQ(settingsValue(setting::comPort), setting::portOff) << "but a port is none that was chosen";
+    endProgram();
     setSettingsFolder("");
 }
 
@@ -216,6 +222,35 @@ TEST_F(StartUp, ASecondProcessRaisesTheFirstAndEndsWithoutAWordAndTouchesNothing
     EXPECT_TRUE(QTest::qWaitFor([this] { return shown.size() == 2; }));
     for (const auto &[box, file] : {std::pair(0u, "/none/a.cat"), std::pair(1u, "/none/b.cat")})
         EXPECT_TRUE(shown[box].ends_with(wording(Text::fileMissing, {file}))) << shown[box];
+}
+
+TEST_F(StartUp, TakesFoldersOfLibrariesAndFilesByWhateverBytesTheyAreNamed) {
+    for (const char *made : {"empty", "library", "files"}) std::filesystem::create_directory(folder.path + made);
+    folder.write("library/storage.dat", "");
+    folder.write("files/caf\xE9.cat", "");
+    struct Row {
+        std::vector<std::string> given;
+        const char *library;  // below the folder; null: one's own
+        std::vector<std::string> files;
+    };
+    const std::string odd = folder.path + "files/caf\xE9.cat";
+    const Row rows[] = {
+        {{folder.path + "empty"}, "empty/", {}},
+        {{odd, folder.path + "library"}, "library/", {odd}},
+        {{folder.path + "files"}, nullptr, {folder.path + "files"}},  // told as what it is; no library begins there
+        {{"--", "--trace", "-x", ""}, nullptr, {absolutePath("--trace"), absolutePath("-x"), ""}},
+    };
+    setenv("NUMALINK_HOME", "/own", 1);
+    for (const auto &[given, library, files] : rows) {
+        const StartWish wish = chooseLibrary(given);
+        EXPECT_EQ(libraryFolder(), library == nullptr ? "/own/" : folder.path + library);
+        EXPECT_EQ(wish.files, files);
+        EXPECT_TRUE(wish.trace.empty() && !wish.asksWhenNew);
+        EXPECT_EQ(unknownOption(given), "");
+    }
+    unsetenv("NUMALINK_HOME");
+    setSettingsFolder("");
+    EXPECT_EQ(unknownOption({"a.cat", "--trace", "f", "-quiet", "--other"}), "-quiet");
 }
 
 TEST_F(StartUp, AnotherLibraryTakesThePlaceOfThisOneAndNothingOfThisOneStays) {

@@ -1,9 +1,7 @@
 #include "shell/app/command_line.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
 
 #include "platform/program_folder.h"
@@ -16,7 +14,7 @@ namespace {
 constexpr char helpText[] =
     "numalink [--trace FILE] [FILE...]\n"
     "Keeps programs and data of graphing calculators, and opens the files as if they were dropped on its window.\n"
-    "A folder, or a storage.dat, is a library that is opened in place of your own.\n\n"
+    "A library's folder, or its storage.dat, is opened in place of your own; in an empty folder one is begun.\n\n"
     "  --help        this text\n"
     "  --version     the version\n"
     "  --trace FILE  write what goes over the line to a calculator behind this file, decoded\n"
@@ -24,14 +22,25 @@ constexpr char helpText[] =
     "NUMALINK_HOME names the folder of library and settings. Without it they lie beside the program, where that\n"
     "folder can be written, else in XDG_DATA_HOME/numalink and XDG_CONFIG_HOME/numalink.\n";
 
-constexpr int wrongUse = 2;  // exit status
+namespace fs = std::filesystem;
 
-std::string folderOf(const QString &argument) {
-    const QFileInfo file(argument);
-    if (file.isDir()) return QFile::encodeName(file.absoluteFilePath()).toStdString();
-    const bool isLibrary =
-        file.fileName() == QLatin1String("storage.dat") && isLibraryFile(QFile::encodeName(argument).toStdString());
-    return isLibrary ? QFile::encodeName(file.absolutePath()).toStdString() : "";
+constexpr char libraryName[] = "storage.dat";
+
+constexpr char traceOption[] = "--trace", endOfOptions[] = "--";
+
+// Among somebody's files no library is begun.
+bool mayBeLibrary(const fs::path &folder) {
+    std::error_code failure;
+    return fs::exists(folder / libraryName, failure) || fs::exists(folder / "backups", failure) ||
+           fs::is_empty(folder, failure) || failure;
+}
+
+// The folder of the library that path leads to; empty where it is none.
+std::string libraryAt(const std::string &path) {
+    std::error_code failure;
+    if (fs::is_directory(path, failure)) return mayBeLibrary(path) ? path : "";
+    const fs::path file = path;
+    return file.filename() == libraryName && isLibraryFile(path) ? file.parent_path().string() : "";
 }
 
 }  // namespace
@@ -39,9 +48,9 @@ std::string folderOf(const QString &argument) {
 std::optional<int> answeredAtOnce(int argc, const char *const *argv) {
     for (int i = 1; i < argc; i++) {
         const std::string_view argument = argv[i];
-        if (argument == "--") break;
+        if (argument == endOfOptions) break;
         if (argument == "--help" || argument == "-h") return std::fputs(helpText, stdout) < 0 ? 1 : 0;
-        if (argument == "--trace" && i++ + 1 == argc) {
+        if (argument == traceOption && i++ + 1 == argc) {
             std::fputs("numalink: --trace needs a file\n", stderr);
             return wrongUse;
         }
@@ -50,26 +59,40 @@ std::optional<int> answeredAtOnce(int argc, const char *const *argv) {
     return std::nullopt;
 }
 
-StartWish chooseLibrary(const QStringList &arguments) {
+std::string unknownOption(const std::vector<std::string> &arguments) {
+    for (const std::string &argument : arguments) {
+        if (argument == endOfOptions) break;
+        if (argument.size() > 1 && argument.starts_with('-') && argument != traceOption) return argument;
+    }
+    return {};
+}
+
+StartWish chooseLibrary(const std::vector<std::string> &arguments) {
     const OwnFolders own = ownFolders();
     setLibraryFolder(own.library);
     setSettingsFolder(own.settings);
     StartWish wish;
-    for (qsizetype i = 0; i < arguments.size(); i++) {
-        const QString &argument = arguments[i];
-        if (argument == QLatin1String("--trace") && i + 1 < arguments.size()) {
-            wish.trace = QFileInfo(arguments[++i]).absoluteFilePath();
+    bool onlyFiles = false;
+    for (std::size_t i = 0; i < arguments.size(); i++) {
+        const bool isOption = !onlyFiles && arguments[i].starts_with("--");
+        if (isOption && arguments[i] == endOfOptions) {
+            onlyFiles = true;
             continue;
         }
-        const std::string folder = wish.ofThisLibrary ? "" : folderOf(argument);
+        if (isOption && arguments[i] == traceOption && i + 1 < arguments.size()) {
+            wish.trace = absolutePath(arguments[++i]);
+            continue;
+        }
+        const std::string path = absolutePath(arguments[i]);
+        const std::string folder = wish.ofThisLibrary ? "" : libraryAt(path);
         if (folder.empty()) {
-            wish.files << QDir::cleanPath(QFileInfo(argument).absoluteFilePath());
+            wish.files.push_back(path);
             continue;
         }
         setLibraryFolder(folder);
         wish.ofThisLibrary = true;
     }
-    wish.asksWhenNew = !wish.ofThisLibrary && wish.files.isEmpty();
+    wish.asksWhenNew = !wish.ofThisLibrary && wish.files.empty();
     return wish;
 }
 

@@ -3,16 +3,24 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "shell/app/single_copy.h"
 
 namespace numalink {
 
-// Answers --help and --version on the standard output: the exit status then, else nothing. Needs no display.
+inline constexpr int wrongUse = 2;  // exit status
+
+// Answers --help and --version on the standard output, and refuses a trace without a file: the exit status then, else
+// nothing. Needs no display.
 std::optional<int> answeredAtOnce(int argc, const char *const *argv);
 
-// Takes the first argument that is a folder or a library's storage.dat as the library, else the user's own; the rest
-// are files. Who is new and gives neither is asked what to begin with.
-StartWish chooseLibrary(const QStringList &arguments);
+// The first argument that is an option, though neither ours nor Qt's, which the application object has taken from them;
+// empty where there is none.
+std::string unknownOption(const std::vector<std::string> &arguments);
+
+// Takes the first argument that is a library's folder or its storage.dat as the library, else the user's own; the rest
+// are files. An empty folder is a library to be begun. Who is new and gives neither is asked what to begin with.
+StartWish chooseLibrary(const std::vector<std::string> &arguments);
 
 }  // namespace numalink

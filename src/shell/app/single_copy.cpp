@@ -1,13 +1,16 @@
 #include "shell/app/single_copy.h"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <QCryptographicHash>
-#include <QFile>
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMainWindow>
 #include <QTimer>
 
+#include "platform/file_port.h"
 #include "platform/program_folder.h"
 #include "shell/app/tray.h"
 #include "shell/commands/file_commands.h"
@@ -34,17 +37,19 @@ struct SingleCopy {
 };
 SingleCopy state;
 
-// Named for the library, so that copies with libraries of their own don't meet.
+// Named for user and library, so that copies with libraries of their own don't meet, nor those of two users.
 QString serverName() {
-    const QString folder = QFileInfo(toQt(libraryFolder())).canonicalFilePath();
-    const QByteArray digest = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha256).toHex();
+    std::string folder;
+    if (!filePort.realPath(libraryFolder().c_str(), folder)) folder = libraryFolder();
+    const QByteArray named = QByteArray::number(getuid()) + ' ' + QByteArray::fromStdString(folder);
+    const QByteArray digest = QCryptographicHash::hash(named, QCryptographicHash::Sha256).toHex();
     return QStringLiteral("numalink-") + QString::fromLatin1(digest.left(24));
 }
 
 QByteArray questionOf(const StartWish &wish) {
     QByteArray question = (wish.ofThisLibrary ? askedFor : any);
     question += '\0';
-    for (const QString &file : wish.files) question += QFile::encodeName(file) + '\0';
+    for (const std::string &file : wish.files) question += QByteArray::fromStdString(file) + '\0';
     return question + '\0';
 }
 
@@ -56,10 +61,10 @@ void answerQuestion(QLocalSocket *caller, const QByteArray &question, bool hasLi
     caller->disconnectFromServer();
     if (!isMine) return;
     raiseMainWindow();
-    QStringList files;
-    for (const QByteArray &file : parts.mid(1)) files << QFile::decodeName(file);
+    std::vector<std::string> files;
+    for (const QByteArray &file : parts.mid(1)) files.push_back(file.toStdString());
     // The caller's answer must be out before boxes open.
-    if (!files.isEmpty()) QTimer::singleShot(0, mainWindow, [files] { importDropped(files); });
+    if (!files.empty()) QTimer::singleShot(0, mainWindow, [files] { importDropped(files); });
 }
 
 void listenTo(QLocalSocket *caller, bool hasLibrary) {
@@ -83,12 +88,20 @@ QLocalServer *listenAs(const QString &name, bool hasLibrary) {
     return server;
 }
 
+// Whoever may write to the folder of sockets could put one there under our name.
+bool isOwnUsers(const QLocalSocket &socket) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    const auto number = static_cast<int>(socket.socketDescriptor());
+    return getsockopt(number, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == getuid();
+}
+
 }  // namespace
 
 bool raiseRunningCopy(const StartWish &wish) {
     QLocalSocket socket;
     socket.connectToServer(serverName());
-    if (!socket.waitForConnected(answerMilliseconds)) return false;
+    if (!socket.waitForConnected(answerMilliseconds) || !isOwnUsers(socket)) return false;
     socket.write(questionOf(wish));
     socket.waitForBytesWritten(answerMilliseconds);
     return socket.waitForReadyRead(answerMilliseconds) && socket.readLine() == shownAnswer;

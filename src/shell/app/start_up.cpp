@@ -1,7 +1,6 @@
 #include "shell/app/start_up.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QMainWindow>
 #include <QThread>
 #include <QTimer>
@@ -76,7 +75,8 @@ void offerDraftsSoon() { QTimer::singleShot(0, mainWindow, offerDrafts); }
 
 struct Start {
     bool settingsRead = true;
-    bool isFirstUse = false;  // neither a library nor settings were there
+    bool isFirstUse = false;     // neither a library nor settings were there
+    bool lacksSettings = false;  // there were none
     bool shutting = false;
     StartWish wish = {};
 };
@@ -88,23 +88,25 @@ void askFirstStartSoon() {
 }
 
 void openFilesSoon() {
-    if (!state.wish.files.isEmpty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
+    if (!state.wish.files.empty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
 }
 
 bool loadSettings() {
-    state.isFirstUse = !fileExists(libraryFolder() + "storage.dat") && !fileExists(settingsFolder() + "settings.xml");
+    state.lacksSettings = !fileExists(settingsFolder() + "settings.xml");
+    state.isFirstUse = state.lacksSettings && !fileExists(libraryFolder() + "storage.dat");
     return settingsLoad();
 }
 
-// Programs show their colours from the start, where nobody has chosen otherwise, and no port is opened.
+// Programs show their colours from the start, where nobody has chosen otherwise, and no port is opened. Beside a
+// library that was there already the settings need not be kept: it may lie where nothing can be written.
 bool beginFirstUse() {
-    if (!state.isFirstUse) return true;
+    if (!state.lacksSettings) return true;
     settingsSetValue(setting::comPort, setting::portOff);
     const ColorScheme &scheme = schemeOn(mainWindow->palette().color(QPalette::Base));
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
     settingsSetInt(setting::syntaxHighlighting, 1);
-    return settingsSave() || failWith(Text::settingsNotSaved);
+    return settingsSave() || !state.isFirstUse || failWith(Text::settingsNotSaved);
 }
 
 // What could be read is in force; the rest has its default, and the next OK of the settings dialog writes it so.
@@ -115,15 +117,14 @@ bool tellSettings() {
 
 bool leftToRunningCopy() {
     if (!raiseRunningCopy(state.wish)) return false;
-    if (!state.wish.trace.isEmpty()) std::fputs("numalink: the copy that runs keeps no trace for this start\n", stderr);
+    if (!state.wish.trace.empty()) std::fputs("numalink: the copy that runs keeps no trace for this start\n", stderr);
     return true;
 }
 
 bool startTrace() {
-    if (state.wish.trace.isEmpty()) return true;
-    const std::string path = QFile::encodeName(state.wish.trace).toStdString();
-    const FileResult result = wireTraceStart(path);
-    return result == FileResult::done || failWith(fileTrouble(result), {path});
+    if (state.wish.trace.empty()) return true;
+    const FileResult result = wireTraceStart(state.wish.trace);
+    return result == FileResult::done || failWith(fileTrouble(result), {state.wish.trace});
 }
 
 bool showFirst() {
@@ -178,7 +179,7 @@ void closeLibraryAndQuit() {
     state.shutting = true;
     emulatorStop();  // beside the program it doesn't end with the view
     stopLink();
-    wireTraceEnd();
+    if (!wireTraceEnd()) std::fputs("numalink: the trace isn't whole: it could not be written to its end\n", stderr);
     eventLogRelease();
     rememberWindowPlace();
     closeLibrary();

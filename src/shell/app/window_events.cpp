@@ -21,15 +21,17 @@ namespace numalink {
 
 namespace {
 
-QStringList filesIn(const QMimeData *data) {
-    QStringList paths;
+// Names that are no UTF-8 come through: an address has their bytes as they are.
+std::vector<std::string> filesIn(const QMimeData *data) {
+    std::vector<std::string> paths;
     for (const QUrl &url : data->urls())
-        if (url.isLocalFile()) paths << url.toLocalFile();
+        if (url.isLocalFile())
+            paths.push_back(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString());
     return paths;
 }
 
 bool dropped(QDropEvent &event) {
-    const QStringList paths = filesIn(event.mimeData());
+    const std::vector<std::string> paths = filesIn(event.mimeData());
     event.acceptProposedAction();
     // The drop must have ended before boxes open: until then the other program waits.
     QTimer::singleShot(0, mainWindow, [paths] { importDropped(paths); });
@@ -52,7 +54,7 @@ bool windowEvent(QWidget *, QEvent *event) {
             return false;
         case QEvent::DragEnter: {
             auto &drag = *static_cast<QDragEnterEvent *>(event);
-            if (filesIn(drag.mimeData()).isEmpty()) return false;
+            if (filesIn(drag.mimeData()).empty()) return false;
             drag.acceptProposedAction();
             return true;
         }

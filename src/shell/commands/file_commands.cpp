@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
+#include <deque>
 #include <utility>
 
 #include "calculator/charset.h"
@@ -34,7 +35,7 @@ namespace {
 
 struct FileCommands {
     QString lastFolder;  // of the file dialog, for this run
-    QStringList filesToImport;
+    std::deque<std::string> filesToImport;
     bool importing = false;
 };
 FileCommands state;
@@ -56,13 +57,18 @@ void showAfterImport() {
     if (!told.empty()) userInterface.statusText(StatusPart::item, Text::none, told);
 }
 
+std::string takeFirstFile() {
+    const std::string path = std::move(state.filesToImport.front());
+    state.filesToImport.pop_front();
+    return path;
+}
+
 // A library among the files is opened in its turn: what stands behind it goes into that one.
 std::vector<FileToImport> takeFilesAheadOfLibrary() {
     std::vector<FileToImport> files;
-    while (!state.filesToImport.isEmpty()) {
-        const std::string encoded = QFile::encodeName(state.filesToImport.front()).toStdString();
-        if (isLibraryFile(encoded)) break;
-        files.push_back({encoded, importBaseName(state.filesToImport.takeFirst().toStdString())});
+    while (!state.filesToImport.empty() && !isLibraryFile(state.filesToImport.front())) {
+        const std::string path = takeFirstFile();
+        files.push_back({path, importBaseName(QFile::decodeName(path.c_str()).toStdString())});
     }
     return files;
 }
@@ -70,18 +76,18 @@ std::vector<FileToImport> takeFilesAheadOfLibrary() {
 // One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
 // dialog of another import may be asking about.
 void importWaitingFiles() {
-    if (state.importing || state.filesToImport.isEmpty()) return;
+    if (state.importing || state.filesToImport.empty()) return;
     if (QApplication::activeModalWidget() != nullptr) {
         QTimer::singleShot(importAgainMilliseconds, mainWindow, importWaitingFiles);
         return;
     }
     state.importing = true;
-    while (!state.filesToImport.isEmpty() && storeIsOpen()) {
+    while (!state.filesToImport.empty() && storeIsOpen()) {
         const std::vector<FileToImport> files = takeFilesAheadOfLibrary();
         if (!files.empty())
             importFiles(files);
         else
-            openLibraryFile(state.filesToImport.takeFirst());
+            openLibraryFile(takeFirstFile());
     }
     state.importing = false;
     state.filesToImport.clear();
@@ -104,11 +110,13 @@ void openFiles() {
     const QStringList chosen = QFileDialog::getOpenFileNames(mainWindow, QString(), state.lastFolder, filter);
     if (chosen.isEmpty()) return;
     state.lastFolder = QFileInfo(chosen.first()).absolutePath();
-    importDropped(chosen);
+    std::vector<std::string> paths;
+    for (const QString &path : chosen) paths.push_back(QFile::encodeName(path).toStdString());
+    importDropped(paths);
 }
 
-void importDropped(const QStringList &paths) {
-    state.filesToImport += paths;
+void importDropped(const std::vector<std::string> &paths) {
+    state.filesToImport.insert(state.filesToImport.end(), paths.begin(), paths.end());
     importWaitingFiles();
 }
 

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
+#include <string>
+#include <vector>
 
 namespace numalink {
 
@@ -12,9 +13,10 @@ void saveItems();      // into files; several that are selected are chosen for i
 void shareSelected();  // the selected program as a web page
 QString sharePageWords();
 
-// Imports files one after the other, each with its own question, and opens one that is a library in place of this one;
-// at once, or when an open dialog has been closed.
-void importDropped(const QStringList &paths);
+// paths: absolute, in the file system's own bytes, which need not be UTF-8. Imports files one after the other, each
+// with its own question, and opens one that is a library in place of this one; at once, or when an open dialog has been
+// closed.
+void importDropped(const std::vector<std::string> &paths);
 // The samples that come with the program, each file into a folder of its own, and the first of the games on view.
 void importSamples();
 void forgetFileCommands();

@@ -25,7 +25,7 @@ LibraryMenu state;
 
 constexpr int menuPathLimit = 60;  // characters of a path in a menu
 
-const QString libraryName = QStringLiteral("storage.dat");
+constexpr char libraryName[] = "storage.dat";
 
 // "Open library" out of "Open &Library ...".
 QString titleOf(Text menuText) {
@@ -39,17 +39,17 @@ std::string folderPath(const QString &folder) {
     return path.ends_with('/') ? path : path + "/";
 }
 
-bool holdsLibrary(const std::string &folder) { return fileExists(folder + "storage.dat"); }
+bool holdsLibrary(const std::string &folder) { return fileExists(folder + libraryName); }
 
 }  // namespace
 
 void openLibrary() {
     const QString path = QFileDialog::getOpenFileName(
         mainWindow, titleOf(Text::menuOpenLibrary), state.lastPlace,
-        textOf(Text::filterLibrary) + QStringLiteral(" (") + libraryName + QLatin1Char(')'));
+        textOf(Text::filterLibrary) + QStringLiteral(" (") + QLatin1String(libraryName) + QLatin1Char(')'));
     if (path.isEmpty()) return;
     state.lastPlace = QFileInfo(path).absolutePath();
-    openLibraryFile(path);
+    openLibraryFile(QFile::encodeName(path).toStdString());
 }
 
 void newLibrary() {
@@ -64,12 +64,12 @@ void newLibrary() {
         changeLibrary(folder, true);
 }
 
-void openLibraryFile(const QString &path) {
-    const QFileInfo file(path);
-    if (file.fileName() == libraryName)
-        changeLibrary(folderPath(file.absolutePath()), false);
+void openLibraryFile(const std::string &path) {
+    const std::size_t name = path.rfind('/') + 1;
+    if (path.compare(name, std::string::npos, libraryName) == 0)
+        changeLibrary(path.substr(0, name), false);
     else
-        tellUser(Text::libraryOtherName, {path.toStdString()});
+        tellUser(Text::libraryOtherName, {path});
 }
 
 void listRecentLibraries() {

@@ -10,8 +10,9 @@ namespace numalink {
 void openLibrary();  // the Open Library command: asks for a storage.dat
 void newLibrary();   // the New Library command: asks for a folder
 
-// A file that is known to be a library, dropped or named at the start. Told when it isn't called as one that is in use.
-void openLibraryFile(const QString &path);
+// A file that is known to be a library, dropped or named at the start, by its absolute path in the file system's bytes.
+// Told when it isn't called as one that is in use.
+void openLibraryFile(const std::string &path);
 
 // The entries of the menu of recent libraries, from 0 on; the one that is open isn't among them. They are listed at the
 // start and after each change of the library.

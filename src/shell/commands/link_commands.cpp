@@ -122,10 +122,6 @@ QString portWords(const std::string &device) {
 std::vector<OfferedPort> portsOffered() {
     std::vector<OfferedPort> ports;
     for (const std::string &device : serialDevices()) ports.push_back({device, portWords(device)});
-    for (const std::string name : {"COM1", "COM2", "COM3", "COM4"}) {
-        const std::string device = serialDevicePath(name);
-        if (device != name) ports.push_back({name, QStringLiteral("%1 (%2)").arg(toQt(name), toQt(device))});
-    }
     return ports;
 }
 

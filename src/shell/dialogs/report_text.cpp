@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QLocale>
 #include <QMainWindow>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QStyle>
 #include <QSysInfo>
@@ -114,6 +116,12 @@ QString withoutHome(const QString &text, const QString &home) {
     return clean;
 }
 
+QString withoutSerialNumbers(const QString &text) {
+    // The system names an adapter by maker, product and serial number: usb-FTDI_USB_Serial_A9KQ2-if00-port0.
+    static const QRegularExpression number(QStringLiteral("(/serial/by-id/[^\\s]*_)[^_\\s]+(-if[0-9]+)"));
+    return QString(text).replace(number, QStringLiteral("\\1...\\2"));
+}
+
 QString reportText(const std::vector<std::string> &before) {
     QStringList lines{QStringLiteral("Numalink report")};
     addHead(lines, QStringLiteral("Program"));
@@ -134,7 +142,8 @@ QString reportText(const std::vector<std::string> &before) {
         addHead(lines, QStringLiteral("Wire"));
         addLines(lines, wire);
     }
-    return withoutHome(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'), QDir::homePath());
+    const QString text = withoutSerialNumbers(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
+    return withoutHome(text, QDir::cleanPath(QFile::decodeName(homeFolder().c_str())));
 }
 
 }  // namespace numalink

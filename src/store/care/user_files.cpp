@@ -19,13 +19,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array programNames = {"casio.ptt", "large.cft",    "small.cft",
+constexpr std::array programNames = {"casio.ptt", "large.cft",    "small.cft",          "player.html",
                                      "numalink",  "numalink-cli", "numalink-calculator"};
 
 // The library with its journal and copies, and what was being typed when the program ended.
 bool isLibraryName(std::string_view name) {
     return name.starts_with("storage.dat") || name.starts_with("settings.xml") ||
-           name.starts_with("breakpoints.json") || name == "recent-libraries.txt" ||
+           name.starts_with("breakpoints.json") || name == "recent-libraries.txt" || name == "running.log" ||
            (name.starts_with("draft-") && name.ends_with(".txt"));
 }
 
