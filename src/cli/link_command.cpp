@@ -87,7 +87,7 @@ void print(const nlohmann::ordered_json &object, const std::string &line) {
 }
 
 Answer showBox(const Box &box) {
-    if (box.buttons == BoxButtons::okCancel) {
+    if (box.hasCancel()) {
         const Answer answer = chosenAnswer;
         print({{"question", textNumber(box.bodyText)}, {"answer", wordOf(answer)}, {"text", box.body}},
               "question " + std::to_string(textNumber(box.bodyText)) + ": " + box.body + " " + wordOf(answer));

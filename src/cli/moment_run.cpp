@@ -65,12 +65,15 @@ void declareMoment(CLI::App &command, MomentRun &options) {
     command.add_option("--moment", options.resume, "Go on with the run that --save-moment has written there");
 }
 
-std::string momentBegin(const MomentRun &options) {
+std::string momentBegin(const MomentRun &options, bool mayReplace) {
     if (!options.isAsked()) return {};
+    const SaveTarget target = targetOf(options.save);
+    // Not only at the end, when a long run would be lost for it.
+    if (!options.save.empty() && !userFileIsFree(target.path, mayReplace))
+        return target.path + " can't be written; --replace writes over a file";
     taken.clear();
     momentTaken = [](const Bytes &moment) { taken = moment; };
     momentsFollow();
-    const SaveTarget target = targetOf(options.save);
     if (!target.atEnd) momentAskAt(target.statement);
     return options.resume.empty() ? std::string() : resume(options.resume);
 }

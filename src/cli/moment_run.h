@@ -15,8 +15,8 @@ struct MomentRun {
 
 void declareMoment(CLI::App &command, MomentRun &options);
 
-// Behind the loading of a run, and behind followBegin. Empty, or what can't be done.
-std::string momentBegin(const MomentRun &options);
+// Behind the loading of a run, and behind followBegin. Empty, or what can't be done; mayReplace as for momentEnd.
+std::string momentBegin(const MomentRun &options, bool mayReplace);
 // Behind the run, ahead of followEnd: writes the file. False when it wasn't written (told).
 bool momentEnd(const MomentRun &options, bool mayReplace);
 

@@ -82,7 +82,7 @@ int runAndPrint(const RunCommandOptions &options, ItemId item, const std::functi
         if (!options.keys.recordFile.empty()) keysBegin(keyPort);
         recordBegin(options.recorded);
         fault = followBegin(options.followed);
-        if (fault.empty()) fault = momentBegin(options.moment);
+        if (fault.empty()) fault = momentBegin(options.moment, options.followed.replace);
         return fault.empty();
     });
     if (!fault.empty()) return commandFailed(fault);

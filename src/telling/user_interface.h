@@ -15,8 +15,9 @@
 namespace numalink {
 
 enum class BoxIcon { none, information, warning, error };
-// okGoTo: beside OK a way to the place that the box speaks of, which the front end takes by itself.
-enum class BoxButtons { ok, okCancel, okGoTo };
+// okGoTo: beside OK a way to the place that the box speaks of, which the front end takes by itself. cancelOk: as
+// okCancel, but Return cancels: for what comes up amid other keys, and loses something.
+enum class BoxButtons { ok, okCancel, okGoTo, cancelOk };
 enum class Answer { cancel, ok, yes, no };
 
 // A message box. Text::none stands for a wording that is fixed in the program.
@@ -28,6 +29,8 @@ struct Box {
     BoxIcon icon = BoxIcon::warning;
     BoxButtons buttons = BoxButtons::ok;
     std::vector<std::string> arguments;  // what stands in the places of %d and %s
+
+    bool hasCancel() const { return buttons == BoxButtons::okCancel || buttons == BoxButtons::cancelOk; }
 };
 
 enum class ImportAction { none = 0, oneFolder = 1, standardFolders = 2, transmit = 4 };

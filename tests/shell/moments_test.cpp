@@ -3,8 +3,10 @@
 
 #include "debugger/debugger.h"
 #include "debugger/moment_files.h"
+#include "debugger/moment_form.h"
 #include "emulator/machine/machine.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/moments.h"
 #include "shell/run/moments_dialog.h"
 #include "shell/shell_fixture.h"
 #include "text/program_bytes.h"
@@ -103,6 +105,37 @@ TEST_F(MomentsInWindow, SlotsAreFilledLookedThroughAndGoneOnFrom) {
     ASSERT_TRUE(emulatorRunning);
     waitForInput();
     EXPECT_EQ(numberAtStop(), first);
+}
+
+// The eleventh asks; Return, which a game may be played with, keeps what is there.
+TEST_F(MomentsInWindow, TheOldestGoesOnlyWhereTheUserLetsIt) {
+    const auto timeIn = [&](int slot) {
+        Moment moment;
+        return momentOfSlot(program, slot, moment) == MomentFault::none ? moment.time : 0;
+    };
+    start();
+    handleCommand(CommandId::saveMoment);
+    ASSERT_TRUE(waitForSlot(1));
+    Moment moment;
+    ASSERT_EQ(momentOfSlot(program, 1, moment), MomentFault::none);
+    for (int slot = 1; slot <= momentSlotCount; slot++) {
+        moment.time = 1000 - static_cast<std::uint64_t>(slot % 4);  // the oldest are 3 and 7
+        ASSERT_EQ(momentKeep(program, slot, momentAsBytes(moment).value()), FileResult::done);
+    }
+    const std::string damaged = "newer";
+    ASSERT_EQ(momentKeep(program, 9, {reinterpret_cast<const std::uint8_t *>(damaged.data()), damaged.size()}),
+              FileResult::done);
+    answer("Return");
+    handleCommand(CommandId::saveMoment);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !shown.empty() && answers.empty(); }, 5000));
+    EXPECT_NE(shown.back().find(slotName(3)), std::string::npos) << shown.back();
+    QTest::qWait(20);
+    EXPECT_EQ(timeIn(3), 997u);
+    answer(wording(Text::ok));
+    handleCommand(CommandId::saveMoment);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return timeIn(3) > 1000; }, 5000));
+    EXPECT_EQ(timeIn(7), 997u);
+    numberAtStop();
 }
 
 // What has changed can't be gone on with, and says so.

@@ -52,13 +52,14 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
 
 // Titled by its sort alone, whatever part of the program speaks.
 QDialog *makeBox(const Box &box) {
-    const bool cancellable = box.buttons == BoxButtons::okCancel;
+    const bool cancellable = box.hasCancel();
     const bool warns = !cancellable && (box.icon == BoxIcon::warning || box.icon == BoxIcon::error);
     auto *window = new QMessageBox(iconOf(box.icon), boxTitle(warns), toQt(box.body), QMessageBox::Ok, boxParent());
     if (cancellable) window->addButton(QMessageBox::Cancel);
     window->setTextFormat(Qt::PlainText);
     window->button(QMessageBox::Ok)->setText(textOf(Text::ok));
     if (cancellable) window->button(QMessageBox::Cancel)->setText(textOf(Text::cancel));
+    if (box.buttons == BoxButtons::cancelOk) window->setDefaultButton(QMessageBox::Cancel);
     if (box.buttons == BoxButtons::okGoTo) {
         window->addButton(QMessageBox::Yes)->setText(textOf(Text::goToStatement));
         window->setDefaultButton(QMessageBox::Ok);

@@ -46,20 +46,25 @@ void tellFault(MomentFault fault, const std::string &path) {
              {path});
 }
 
-// The slot that nothing is in, else the one that was saved first.
+// Where every slot holds something: whether the moment may go in the place of this one.
+bool mayReplaceOldest(const KeptMoment &oldest) {
+    const std::vector<std::string> names{slotName(oldest.slot), momentStateText(oldest)};
+    const std::string body = wording(Text::momentsFull, names) + "\n\n" + wording(Text::momentsFullMore);
+    if (tellComposed(Text::momentsFull, body, names, BoxIcon::warning, BoxButtons::cancelOk) == Answer::ok) return true;
+    statusLine(StatusPart::item, Text::momentNotSaved);
+    return false;
+}
+
+// The first slot that nothing is in, else the one that was saved first, if the user lets it go; 0: none.
 int nextSlot(ItemId program) {
-    const std::vector<KeptMoment> kept = keptMoments(program);
-    int oldest = 1;
-    std::uint64_t oldestTime = UINT64_MAX;
-    for (int slot = 1; slot <= momentSlotCount; slot++) {
-        const auto found = std::ranges::find(kept, slot, &KeptMoment::slot);
-        if (found == kept.end()) return slot;
-        if (found->time < oldestTime) {
-            oldest = slot;
-            oldestTime = found->time;
-        }
-    }
-    return oldest;
+    std::vector<KeptMoment> kept = keptMoments(program);
+    std::erase_if(kept, [](const KeptMoment &each) { return each.slot == momentSlotOfStop; });
+    for (int slot = 1; slot <= momentSlotCount; slot++)
+        if (std::ranges::find(kept, slot, &KeptMoment::slot) == kept.end()) return slot;
+    // What can't be read tells no time, and isn't offered while anything else is.
+    const auto age = [](const KeptMoment &each) { return each.fault == MomentFault::none ? each.time : UINT64_MAX; };
+    const KeptMoment &oldest = *std::ranges::min_element(kept, {}, age);
+    return mayReplaceOldest(oldest) ? oldest.slot : 0;
 }
 
 // What isn't asked for is offered once the run begins, where it fits.
@@ -140,7 +145,8 @@ void saveMoment() {
     if (!canSaveMoment()) return;
     askForMoment([](const Bytes &moment) {
         const ItemId program = programOfMoments();
-        if (program != noItem) keepMoment(program, nextSlot(program), moment);
+        const int slot = program == noItem || moment.empty() ? momentSlotCount : nextSlot(program);
+        if (program != noItem && slot != 0) keepMoment(program, slot, moment);
     });
 }
 
@@ -164,6 +170,10 @@ void goOnFromNewest() {
 
 std::string slotName(int slot) {
     return slot == momentSlotOfStop ? wording(Text::momentLastStop) : wording(Text::momentSlot, {std::to_string(slot)});
+}
+
+std::string momentStateText(const KeptMoment &moment) {
+    return moment.fault == MomentFault::none ? momentTimeText(moment.time) : wording(Text::momentUnreadable);
 }
 
 std::string momentTimeText(std::uint64_t time) {

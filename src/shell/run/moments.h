@@ -21,7 +21,7 @@ void keepWhereStopped(ItemId program);
 ItemId programOfMoments();  // the one that runs, else the selected one; noItem for none
 bool hasProgramOfMoments();
 bool canSaveMoment();  // a run is on
-void saveMoment();     // into the next free slot, else in place of the oldest
+void saveMoment();     // into the next free slot; where there is none, it asks whether the oldest may go
 void goOnFromNewest();
 void goOnFromSlot(ItemId program, int slot);
 
@@ -31,5 +31,6 @@ bool keepMoment(ItemId program, int slot, const Bytes &moment);  // false when i
 
 std::string slotName(int slot);
 std::string momentTimeText(std::uint64_t time);
+std::string momentStateText(const KeptMoment &moment);  // its time, or that it can't be read
 
 }  // namespace numalink

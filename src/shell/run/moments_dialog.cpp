@@ -52,6 +52,16 @@ bool isSure(Text question, const std::vector<std::string> &arguments) {
            Answer::ok;
 }
 
+std::string whatIs(const KeptMoment &moment) {
+    return moment.fault == MomentFault::none ? momentTimeText(moment.time) : slotName(moment.slot);
+}
+
+// What can't be read may come from a newer program.
+bool mayReplace(const KeptMoment &moment) {
+    if (moment.fault != MomentFault::none) return isSure(Text::momentReplaceOther, {slotName(moment.slot)});
+    return isSure(Text::momentReplace, {slotName(moment.slot), momentTimeText(moment.time)});
+}
+
 QIcon pictureOf(const KeptMoment *moment) {
     QImage image(displayWidth, displayHeight, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
@@ -63,9 +73,7 @@ QIcon pictureOf(const KeptMoment *moment) {
 }
 
 QString wordsOf(int slot, const KeptMoment *moment) {
-    std::string state = wording(Text::momentEmpty);
-    if (moment != nullptr)
-        state = moment->fault == MomentFault::none ? momentTimeText(moment->time) : wording(Text::momentUnreadable);
+    const std::string state = moment != nullptr ? momentStateText(*moment) : wording(Text::momentEmpty);
     return toQt(slotName(slot) + "\n" + state);
 }
 
@@ -91,9 +99,7 @@ void MomentsDialog::follow() const {
 
 void MomentsDialog::saveHere() {
     const KeptMoment *moment = keptIn(slot());
-    if (moment != nullptr && moment->fault == MomentFault::none &&
-        !isSure(Text::momentReplace, {slotName(slot()), momentTimeText(moment->time)}))
-        return;
+    if (moment != nullptr && !mayReplace(*moment)) return;
     if (keepMoment(program, slot(), present)) fill();
 }
 
@@ -105,7 +111,7 @@ void MomentsDialog::goOnHere() {
 
 void MomentsDialog::removeHere() {
     const KeptMoment *moment = keptIn(slot());
-    if (moment == nullptr || !isSure(Text::momentRemoveAsk, {momentTimeText(moment->time)})) return;
+    if (moment == nullptr || !isSure(Text::momentRemoveAsk, {whatIs(*moment)})) return;
     momentDrop(program, slot());
     fill();
 }
