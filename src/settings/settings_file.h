@@ -12,6 +12,7 @@ namespace numalink {
 struct Setting {
     std::string key;
     std::string value;
+    friend bool operator==(const Setting &, const Setting &) = default;
 };
 
 // Gives each value of the file to take(key, value), in file order. False when take refused one; the rest is read

@@ -27,6 +27,7 @@ inline constexpr char fullSpeed[] = "Numalink.Settings.Emulator.FullSpeed";
 inline constexpr char besideProgram[] = "Numalink.Settings.Emulator.BesideProgram";
 inline constexpr char panes[] = "Numalink.Settings.Emulator.Panes";          // no default: as they were made
 inline constexpr char paneSizes[] = "Numalink.Settings.Emulator.PaneSizes";  // no default, as windowPlace
+inline constexpr char tornOff[] = "Numalink.Settings.Emulator.TornOff";      // and a pane's letter; as windowPlace
 inline constexpr char windowPlace[] = "Numalink.Settings.Main.Window";       // Qt's, in base 64: 88 characters
 inline constexpr char calculatorModes[] = "Numalink.Settings.Emulator.CalculatorModes";
 inline constexpr char keepMoments[] = "Numalink.Settings.Emulator.KeepMoments";  // of runs that are stopped

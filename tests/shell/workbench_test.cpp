@@ -341,7 +341,10 @@ TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
     EXPECT_FALSE(QTest::qWaitFor([] { return shownStop() != nullptr; }, 300));
     QTest::keyClick(mainWindow, Qt::Key_F7);
 
-    mainWindow->findChild<QDockWidget *>(QStringLiteral("callsDock"))->setFloating(true);
+    const QRect place(140, 120, 333, 222);
+    auto *calls = mainWindow->findChild<QDockWidget *>(QStringLiteral("callsDock"));
+    calls->setFloating(true);
+    calls->setGeometry(place);
     mainWindow->addDockWidget(Qt::LeftDockWidgetArea,
                               mainWindow->findChild<QDockWidget *>(QStringLiteral("watchesDock")));
     endProgram();
@@ -349,6 +352,7 @@ TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
     const auto *torn = mainWindow->findChild<QDockWidget *>(QStringLiteral("callsDock"));
     EXPECT_TRUE(torn->isFloating());
     EXPECT_TRUE(QTest::qWaitFor([&] { return torn->isVisible(); }, 3000));
+    EXPECT_EQ(torn->geometry(), place);
     EXPECT_EQ(mainWindow->dockWidgetArea(mainWindow->findChild<QDockWidget *>(QStringLiteral("watchesDock"))),
               Qt::LeftDockWidgetArea);
 }

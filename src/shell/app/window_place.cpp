@@ -3,8 +3,9 @@
 #include <QByteArray>
 #include <QMainWindow>
 #include <string>
-#include <utility>
+#include <vector>
 
+#include "settings/settings_file.h"
 #include "settings/settings_store.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/pane_sizes.h"
@@ -19,11 +20,10 @@ void restoreWindowPlace() {
 void rememberWindowPlace() {
     const std::string place = mainWindow->saveGeometry().toBase64().toStdString();
     if (!settingsLoad()) return;
-    const auto now = [] { return std::pair(settingsValue(setting::windowPlace), settingsValue(setting::paneSizes)); };
-    const auto before = now();
+    const std::vector<Setting> before = settingsAll();
     settingsSetValue(setting::windowPlace, place);
     keepPaneSizes();
-    if (now() != before) settingsSave();
+    if (settingsAll() != before) settingsSave();
 }
 
 }  // namespace numalink

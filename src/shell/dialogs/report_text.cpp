@@ -18,6 +18,7 @@
 #include "settings/settings_store.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/own_colors.h"
+#include "shell/parts/pane_sizes.h"
 #include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
 #include "store/item_store.h"
@@ -131,7 +132,8 @@ QString reportText(const std::vector<std::string> &before) {
     addLibrary(lines);
     addHead(lines, QStringLiteral("Settings"));
     for (const Setting &row : settingsAll())
-        if (row.key != setting::windowPlace) addFact(lines, row.key.c_str() + row.key.rfind('.') + 1, toQt(row.value));
+        if (row.key != setting::windowPlace && !isPanePlace(row.key))
+            addFact(lines, row.key.c_str() + row.key.rfind('.') + 1, toQt(row.value));
     if (!before.empty()) {
         addHead(lines, QStringLiteral("Events of the run before, which didn't end by itself"));
         addLines(lines, before);

@@ -2,9 +2,12 @@
 
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QTimer>
+#include <algorithm>
 #include <map>
 #include <optional>
 
+#include "settings/settings_file.h"
 #include "settings/settings_store.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
@@ -44,6 +47,20 @@ std::map<QString, QSize> &known() {
     return *sizes;
 }
 
+std::string keyOfPlace(char letter) { return std::string(setting::tornOff) + letter; }
+
+// Empty also for a pane that was never torn off, which has no such setting.
+std::string keptPlace(char letter) {
+    const std::vector<Setting> all = settingsAll();
+    const auto found = std::ranges::find(all, keyOfPlace(letter), &Setting::key);
+    return found == all.end() ? std::string() : found->value;
+}
+
+void keepPlace(const QDockWidget &pane, char letter) {
+    const std::string place = pane.isFloating() ? pane.saveGeometry().toBase64().toStdString() : std::string();
+    if (place != keptPlace(letter)) settingsSetValue(keyOfPlace(letter), place);
+}
+
 }  // namespace
 
 QSize paneSize(const QDockWidget *pane) { return known()[pane->objectName()]; }
@@ -52,10 +69,29 @@ void notePaneSize(const QDockWidget *pane) {
     if (pane->isVisible() && !pane->isFloating()) known()[pane->objectName()] = pane->size();
 }
 
+bool tearOffAgain(QDockWidget *pane) {
+    const auto *row = std::ranges::find_if(
+        paneLetters, [&](const PaneLetter &each) { return pane->objectName() == QLatin1String(each.name); });
+    const std::string place = row == std::end(paneLetters) ? std::string() : keptPlace(row->letter);
+    if (place.empty()) return false;
+    pane->setFloating(true);
+    pane->restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(place)));
+    return true;
+}
+
+void bringUpPane(QDockWidget *pane, bool (*isWanted)(const QDockWidget *pane)) {
+    if (!pane->isFloating() || mainWindow->isVisible()) return pane->setVisible(isWanted(pane));
+    QTimer::singleShot(0, pane, [pane, isWanted] { pane->setVisible(isWanted(pane)); });
+}
+
+bool isPanePlace(const std::string &key) { return key.starts_with(setting::tornOff); }
+
 void keepPaneSizes() {
     QString setting;
     for (const QDockWidget *pane : mainWindow->findChildren<QDockWidget *>()) notePaneSize(pane);
     for (const PaneLetter &row : paneLetters) {
+        if (const auto *pane = mainWindow->findChild<QDockWidget *>(QLatin1String(row.name)))
+            keepPlace(*pane, row.letter);
         const QSize size = known()[QString::fromLatin1(row.name)];
         if (!size.isEmpty())
             setting += QStringLiteral("%1%2x%3").arg(QLatin1Char(row.letter)).arg(size.width()).arg(size.height());

@@ -34,6 +34,7 @@ void makeCalculatorDock() {
     state.dock->setObjectName(QStringLiteral("calculatorDock"));
     state.dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
     mainWindow->addDockWidget(Qt::RightDockWidgetArea, state.dock);
+    tearOffAgain(state.dock);
     state.dock->hide();
 }
 

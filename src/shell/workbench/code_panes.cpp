@@ -141,7 +141,7 @@ QStringList columnsOf(CodePane pane) {
     return columns << textOf(pane == CodePane::problems ? Text::columnProblem : Text::columnPlace);
 }
 
-void makeDock(const PaneRow &row, bool isShown) {
+void makeDock(const PaneRow &row) {
     Dock &dock = dockOf(row.pane);
     const QString title = textOf(row.title).remove(QLatin1Char('&'));
     dock.widget = new QDockWidget(title, mainWindow);
@@ -154,7 +154,6 @@ void makeDock(const PaneRow &row, bool isShown) {
         dock.table->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     dock.widget->setWidget(dock.table);
     mainWindow->addDockWidget(row.area, dock.widget);
-    dock.widget->setVisible(isShown);
     hookEvents(dock.widget, dockEvent);
     hookEvents(dock.table, tableEvent);
     QObject::connect(dock.table, &QTreeWidget::itemActivated, dock.table, activated);
@@ -164,10 +163,17 @@ void makeDock(const PaneRow &row, bool isShown) {
     });
 }
 
+bool isWanted(const QDockWidget *pane) {
+    const std::string shown = settingsValue(setting::codePanes);
+    return std::ranges::any_of(rows, [&](const PaneRow &row) {
+        return dockOf(row.pane).widget == pane && row.pane != CodePane::uses && shown.find(row.letter) != shown.npos;
+    });
+}
+
 // As it was left, or as at first; a hidden one would only change the panes that share its area.
 void sizeDock(const PaneRow &row) {
     QDockWidget *dock = dockOf(row.pane).widget;
-    if (dock->isHidden()) return;
+    if (dock->isHidden() || dock->isFloating()) return;
     const QSize known = paneSize(dock);
     if (row.area == Qt::BottomDockWidgetArea)
         mainWindow->resizeDocks({dock}, {known.isEmpty() ? grown(bottomHeight) : known.height()}, Qt::Vertical);
@@ -194,10 +200,12 @@ void addUses(const ProgramText &text, const ProgramStructure &program, const Pro
 }  // namespace
 
 void makeCodePanes() {
-    const std::string shown = settingsValue(setting::codePanes);
-    for (const PaneRow &row : rows)
-        makeDock(row, row.pane != CodePane::uses && shown.find(row.letter) != std::string::npos);
+    for (const PaneRow &row : rows) makeDock(row);
     mainWindow->tabifyDockWidget(dockOf(CodePane::problems).widget, dockOf(CodePane::uses).widget);
+    for (const PaneRow &row : rows) {
+        tearOffAgain(dockOf(row.pane).widget);
+        bringUpPane(dockOf(row.pane).widget, isWanted);
+    }
     for (const PaneRow &row : rows) sizeDock(row);
     readingChanged = fillShown;
     problemsChanged = fillShown;

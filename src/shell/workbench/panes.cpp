@@ -152,7 +152,10 @@ void arrange() {
         dock.wanted = place.wanted;
         mainWindow->addDockWidget(place.area, dock.widget);
         dock.widget->setFloating(place.floats);
-        if (place.floats) continue;
+        if (place.floats) {
+            tearOffAgain(dock.widget);
+            continue;
+        }
         QDockWidget *&first = firstOf[static_cast<std::size_t>(place.area)];
         if (first != nullptr)
             mainWindow->tabifyDockWidget(first, dock.widget);
@@ -186,11 +189,9 @@ void sizePanes() {
     mainWindow->resizeDocks(down, heights, Qt::Vertical);
 }
 
-// One that is torn off comes once its main window is there: window managers keep it above that only then.
-void bringUp(std::size_t index) {
-    QDockWidget *dock = state.docks[index].widget;
-    if (!dock->isFloating() || mainWindow->isVisible()) return dock->setVisible(true);
-    QTimer::singleShot(0, dock, [index] { state.docks[index].widget->setVisible(paneShown(rows[index].pane)); });
+bool isWanted(const QDockWidget *pane) {
+    return state.shown &&
+           std::ranges::any_of(state.docks, [&](const Dock &dock) { return dock.widget == pane && dock.wanted; });
 }
 
 void refreshShown() {
@@ -240,8 +241,7 @@ void showPanes(bool show) {
     if (show) makeRoomBeside();
     for (const Dock &dock : state.docks) notePaneSize(dock.widget);
     state.shown = show;
-    for (std::size_t i = 0; i < std::size(rows); i++)
-        show &&state.docks[i].wanted ? bringUp(i) : state.docks[i].widget->hide();
+    for (const Dock &dock : state.docks) bringUpPane(dock.widget, isWanted);
     // Of those that share a place the first one is to be seen.
     for (auto dock = state.docks.rbegin(); dock != state.docks.rend(); ++dock)
         if (show && dock->wanted && !dock->widget->isFloating()) dock->widget->raise();
