@@ -9,12 +9,12 @@
 #include "cli/commands.h"
 #include "cli/debug_messages.h"
 #include "cli/debug_sources.h"
+#include "cli/debug_values.h"
 #include "cli/library_session.h"
 #include "cli/run_report.h"
 #include "debugger/breakpoints.h"
 #include "debugger/debugger.h"
 #include "debugger/values.h"
-#include "debugger/watches.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/run_loading.h"
 #include "emulator/run/scripted_run.h"
@@ -28,8 +28,6 @@ using Json = DebugJson;
 using Request = DebugRequest;
 
 constexpr int onlyThread = 1;
-enum Scope : int { variablesScope = 1, windowScope, arraysScope, modesScope, firstArray };
-
 // Between reader and main thread.
 Lock stageLock;
 Signal stageChanged GUARDED_BY(stageLock);
@@ -201,10 +199,8 @@ void answerSetDataBreakpoints(const Request &request) {
     request.answer({{"breakpoints", answers}});
 }
 
-std::string targetNameOf(const Json &arguments);
-
 void answerDataBreakpointInfo(const Request &request) {
-    const std::string name = targetNameOf(request.arguments());
+    const std::string name = debugTargetNameOf(request);
     const bool isKnown = debugTargetNamed(name).has_value();
     request.answer({{"dataId", isKnown ? Json(name) : Json(nullptr)},
                     {"description", isKnown ? name : "it can't be watched"},
@@ -239,92 +235,6 @@ void answerStackTrace(const Request &request) {
     }
     const std::size_t count = frames.size();
     request.answer({{"stackFrames", std::move(frames)}, {"totalFrames", count}});
-}
-
-void answerScopes(const Request &request) {
-    Json scopes = Json::array();
-    const auto add = [&](const char *name, int reference) {
-        scopes.push_back({{"name", name}, {"variablesReference", reference}, {"expensive", false}});
-    };
-    add("Variables", variablesScope);
-    add("Arrays", arraysScope);
-    add("View window", windowScope);
-    add("Modes", modesScope);
-    request.answer({{"scopes", scopes}});
-}
-
-Json variable(const std::string &name, const std::string &value, int reference = 0) {
-    return {{"name", name}, {"value", value}, {"variablesReference", reference}};
-}
-
-std::string elementName(const NamedArray &array, int index) {
-    const std::string row = std::to_string(index / array.columns + 1);
-    return array.isList ? "[" + row + "]" : "[" + row + "," + std::to_string(index % array.columns + 1) + "]";
-}
-
-void addElements(Json &list, const NamedArray &array, int start, int count) {
-    const int size = array.columns * array.rows;
-    std::int64_t asked = size;
-    if (count > 0) asked = std::int64_t{start} + count;
-    const int end = static_cast<int>(std::min<std::int64_t>(size, asked));
-    for (int index = std::max(start, 0); index < end; index++) {
-        const double element = debugElement(array, index / array.columns + 1, index % array.columns + 1);
-        list.push_back(variable(elementName(array, index), elementTextOf(element).plain));
-    }
-}
-
-void answerVariables(const Request &request) {
-    const int reference = argument(request.arguments(), "variablesReference", 0);
-    const std::vector<NamedArray> arrays = debugArrays();
-    Json list = Json::array();
-    if (reference == variablesScope || reference == windowScope) {
-        for (const NamedValue &value : reference == variablesScope ? debugVariables() : debugWindow())
-            list.push_back(variable(value.name, valueTextOf(value.value).plain));
-    } else if (reference == modesScope) {
-        for (const NamedText &mode : debugModes()) list.push_back(variable(mode.name, mode.text));
-    } else if (reference == arraysScope) {
-        for (std::size_t i = 0; i < arrays.size(); i++) {
-            const std::string size = std::to_string(arrays[i].rows) + " by " + std::to_string(arrays[i].columns);
-            list.push_back(variable(arrays[i].name, size, firstArray + static_cast<int>(i)));
-            list.back()["indexedVariables"] = arrays[i].rows * arrays[i].columns;
-        }
-    } else if (reference >= firstArray && reference - firstArray < static_cast<int>(arrays.size())) {
-        addElements(list, arrays[static_cast<std::size_t>(reference - firstArray)],
-                    argument(request.arguments(), "start", 0), argument(request.arguments(), "count", 0));
-    }
-    request.answer({{"variables", list}});
-}
-
-// The name that a variable of a scope or of an array has by itself.
-std::string targetNameOf(const Json &arguments) {
-    const std::string name = argument(arguments, "name", std::string());
-    const int array = argument(arguments, "variablesReference", 0) - firstArray;
-    const std::vector<NamedArray> arrays = debugArrays();
-    return array >= 0 && array < static_cast<int>(arrays.size()) ? arrays[static_cast<std::size_t>(array)].name + name
-                                                                 : name;
-}
-
-void answerSetVariable(const Request &request) {
-    const auto target = debugTargetNamed(targetNameOf(request.arguments()));
-    if (!target) return request.refuse("that can't be changed");
-    switch (debugChange(*target, argument(request.arguments(), "value", std::string()))) {
-        case DebugChange::done:
-            return request.answer({{"value", valueTextOf(debugTargetValue(*target).value_or(ComplexValue{})).plain}});
-        case DebugChange::notANumber:
-            return request.refuse("not a number");
-        case DebugChange::notReal:
-            return request.refuse("elements are real");
-        case DebugChange::noSuchPlace:
-            return request.refuse("there is no such element");
-        case DebugChange::runsOn:
-            return request.refuse("it runs");
-    }
-}
-
-void answerEvaluate(const Request &request) {
-    const WatchValue value = evaluateWatch(readWatch(argument(request.arguments(), "expression", std::string())));
-    if (value.sort == WatchValue::Sort::error) return request.refuse(value.text);
-    request.answer({{"result", watchText(value).plain}, {"variablesReference", 0}});
 }
 
 void answerSource(const Request &request) {

@@ -285,6 +285,20 @@ std::vector<NamedPicture> debugPictures() {
     return pictures;
 }
 
+bool holdsAnything(const ValueGroup &group) {
+    switch (group.sort) {
+        case ValueGroup::Sort::values:
+            return !group.values().empty();
+        case ValueGroup::Sort::texts:
+            return !group.texts().empty();
+        case ValueGroup::Sort::pictures:
+            return !debugPictures().empty();
+        case ValueGroup::Sort::arrays:
+            break;
+    }
+    return !debugArrays().empty();
+}
+
 std::optional<DebugTarget> debugTargetNamed(const std::string &name) {
     DebugTarget target;
     target.name = name;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "emulator/machine/machine.h"
+#include "telling/texts.h"
 
 namespace numalink {
 
@@ -52,6 +53,24 @@ struct NamedPicture {
     const Surface *surface = nullptr;  // until the run goes on
 };
 std::vector<NamedPicture> debugPictures();
+
+// All of the above in the groups in which every front end shows it, in their order; of an empty one nothing is shown.
+struct ValueGroup {
+    enum class Sort { values, texts, pictures, arrays } sort;
+    const char *name;  // English
+    Text title;        // none: its values stand for themselves
+    std::vector<NamedValue> (*values)() = nullptr;
+    std::vector<NamedText> (*texts)() = nullptr;
+};
+inline constexpr ValueGroup valueGroups[] = {
+    {ValueGroup::Sort::values, "Variables", Text::paneVariables, debugVariables},
+    {ValueGroup::Sort::values, "View window", Text::groupViewWindow, debugWindow},
+    {ValueGroup::Sort::texts, "Modes", Text::groupModes, nullptr, debugModes},
+    {ValueGroup::Sort::pictures, "Pictures", Text::groupPictures},
+    {ValueGroup::Sort::texts, "Functions and sequences", Text::groupFormulas, nullptr, debugFormulas},
+    {ValueGroup::Sort::arrays, "Arrays", Text::none},
+};
+bool holdsAnything(const ValueGroup &group);
 
 // What can be looked at and changed, by its name: a variable ("A", "theta", "Ans", "Xmin"), an element ("List 1[3]",
 // "Mat A[2,1]"), a dot of the screen that is up ("dot 10,20", from 0; its value is 1 when it is set). Names in UTF-8.

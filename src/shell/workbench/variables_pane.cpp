@@ -7,6 +7,8 @@
 #include <QImage>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
+#include <algorithm>
+#include <array>
 
 #include "debugger/values.h"
 #include "shell/parts/shell_texts.h"
@@ -24,17 +26,18 @@ constexpr int digestRole = Qt::UserRole + 1;  // of a picture's dots
 constexpr int pictureZoom = 2;
 
 struct VariablesPane {
-    QTreeWidget *table = nullptr;  // its dock's
-    QTreeWidgetItem *variables = nullptr, *window = nullptr, *modes = nullptr, *pictures = nullptr, *formulas = nullptr;
+    QTreeWidget *table = nullptr;                                    // its dock's
+    std::array<QTreeWidgetItem *, std::size(valueGroups)> groups{};  // null for one without a title
     bool filling = false;
     std::uint64_t stop = 0;   // the number of the one that is shown
     bool isSameStop = false;  // what has changed up to it stays marked
 };
 VariablesPane state;
 
-QTreeWidgetItem *group(Text title) {
+QTreeWidgetItem *titleRow(Text title) {
     auto *row = new QTreeWidgetItem(state.table, {textOf(title).remove(QLatin1Char('&'))});
     row->setFirstColumnSpanned(true);
+    row->setHidden(true);
     return row;
 }
 
@@ -97,10 +100,10 @@ QString pictureTip(const Surface &surface) {
     return QStringLiteral("<img src=\"data:image/png;base64,%1\">").arg(QString::fromLatin1(png.toBase64()));
 }
 
-void fillPictures() {
+void fillPictures(QTreeWidgetItem *parent) {
     int index = 0;
     for (const NamedPicture &picture : debugPictures()) {
-        QTreeWidgetItem *row = childAt(state.pictures, index++);
+        QTreeWidgetItem *row = childAt(parent, index++);
         const auto digest = qHashRange(picture.surface->dots.begin(), picture.surface->dots.end());
         const QVariant before = row->data(nameColumn, digestRole);
         const bool sameName = row->text(nameColumn) == toQt(picture.name);
@@ -112,7 +115,7 @@ void fillPictures() {
         row->setToolTip(valueColumn, row->toolTip(nameColumn));
         row->setData(nameColumn, digestRole, QVariant::fromValue(digest));
     }
-    dropChildren(state.pictures, index);
+    dropChildren(parent, index);
 }
 
 QString elementName(const NamedArray &array, int row, int column) {
@@ -175,10 +178,12 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
     dropChildren(parent, array.rows);
 }
 
-constexpr int groups = 5;  // ahead of the arrays
+// Behind the groups.
+constexpr int firstArray =
+    static_cast<int>(std::ranges::count_if(valueGroups, [](const auto &group) { return group.title != Text::none; }));
 
 void fillArrays() {
-    int index = groups;
+    int index = firstArray;
     for (const NamedArray &array : debugArrays()) {
         QTreeWidgetItem *row = state.table->topLevelItem(index);
         // Others have come or gone: a row belongs to one name for as long as that is there.
@@ -193,17 +198,19 @@ void fillArrays() {
     while (state.table->topLevelItemCount() > index) delete state.table->takeTopLevelItem(index);
 }
 
+void fillGroup(const ValueGroup &group, QTreeWidgetItem *row) {
+    if (group.sort == ValueGroup::Sort::arrays) return fillArrays();
+    if (group.values != nullptr) fillValues(row, group.values());
+    if (group.texts != nullptr) fillTexts(row, group.texts());
+    if (group.sort == ValueGroup::Sort::pictures) fillPictures(row);
+    row->setHidden(row->childCount() == 0);
+}
+
 void fillAll() {
     state.isSameStop = state.stop == shownStopNumber();
     state.stop = shownStopNumber();
     state.filling = true;
-    fillValues(state.variables, debugVariables());
-    fillValues(state.window, debugWindow());
-    fillTexts(state.modes, debugModes());
-    fillPictures();
-    fillTexts(state.formulas, debugFormulas());
-    for (QTreeWidgetItem *row : {state.pictures, state.formulas}) row->setHidden(row->childCount() == 0);
-    fillArrays();
+    for (std::size_t i = 0; i < std::size(valueGroups); i++) fillGroup(valueGroups[i], state.groups[i]);
     fitColumns(state.table);
     state.filling = false;
 }
@@ -241,13 +248,9 @@ void edited(QTreeWidgetItem *row, int column) {
 QWidget *makeVariablesPane() {
     state.table = makePaneTable({textOf(Text::columnName), textOf(Text::columnValue), textOf(Text::columnInFull)});
     editColumns(state.table, valueColumn, fullColumn);
-    state.variables = group(Text::paneVariables);
-    state.window = group(Text::groupViewWindow);
-    state.modes = group(Text::groupModes);
-    state.pictures = group(Text::groupPictures);
-    state.formulas = group(Text::groupFormulas);
-    for (QTreeWidgetItem *row : {state.pictures, state.formulas}) row->setHidden(true);
-    state.variables->setExpanded(true);
+    for (std::size_t i = 0; i < std::size(valueGroups); i++)
+        state.groups[i] = valueGroups[i].title == Text::none ? nullptr : titleRow(valueGroups[i].title);
+    state.groups.front()->setExpanded(true);
     QObject::connect(state.table, &QTreeWidget::itemChanged, state.table, edited);
     QObject::connect(state.table, &QTreeWidget::itemExpanded, state.table, [] {
         if (valuesCanBeRead()) fillAll();
@@ -261,9 +264,9 @@ void refreshVariables() {
 }
 
 void forgetValues() {
-    for (QTreeWidgetItem *row : {state.variables, state.window, state.modes, state.pictures, state.formulas})
-        dropChildren(row, 0);
-    while (state.table->topLevelItemCount() > groups) delete state.table->takeTopLevelItem(groups);
+    for (QTreeWidgetItem *row : state.groups)
+        if (row != nullptr) dropChildren(row, 0);
+    while (state.table->topLevelItemCount() > firstArray) delete state.table->takeTopLevelItem(firstArray);
     state.stop = 0;
 }
 
