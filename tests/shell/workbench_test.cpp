@@ -308,6 +308,25 @@ TEST_F(Workbench, ARunThatIsFollowedLateHasItsOwnBreakpoints) {
     QTest::keyClick(mainWindow, Qt::Key_F7);
 }
 
+// A breakpoint among folded lines shows at the line that stays, and whoever stops there sees it.
+TEST_F(Workbench, ABreakpointInAFoldIsSeenAndAStopThereUnfolds) {
+    show(addWords("LOOP", "0\\->A\r\\Do\rA+1\\->A\rB+1\\->B\r\\LpWhile 1"));
+    lineNumberClicked(3);
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(3).sign == LineSign::breakpoint; }, 3000));
+    const auto block = [](int line) { return programEdit->document()->findBlockByNumber(line - 1); };
+    EXPECT_EQ(hiddenMarksBelow(block(2)).sign, LineSign::none) << "nothing is folded yet";
+    handleCommand(CommandId::codeFoldAll);
+    ASSERT_FALSE(block(3).isVisible());
+    EXPECT_EQ(hiddenMarksBelow(block(2)).sign, LineSign::breakpoint);
+    EXPECT_EQ(hiddenMarksBelow(block(2)).lines, QStringList{QStringLiteral("3")});
+    EXPECT_EQ(hiddenMarksBelow(block(1)).sign, LineSign::none) << "the line behind is in sight";
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 3);
+    EXPECT_TRUE(block(3).isVisible());
+    handleCommand(CommandId::codeFoldAll);
+    EXPECT_TRUE(hiddenMarksBelow(block(2)).isNext);
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+}
+
 // What is typed into the panes counts, and a pane that was torn off is so again.
 TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
     const ItemId program = addWords("LOOP", "0\\->A\r\\Do\rA+1\\->A\r\\LpWhile 1");

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QTextBlock>
 
 namespace numalink {
@@ -17,6 +18,14 @@ struct LineMark {
 // What a line, from 1, is marked by; and what a click on its number does. Nothing while nobody debugs.
 inline LineMark (*lineMarkOf)(int line) = [](int) { return LineMark{}; };
 inline void (*lineNumberClicked)(int line) = [](int) {};
+
+// What the folded lines below a block that is in sight are marked by.
+struct HiddenMarks {
+    LineSign sign = LineSign::none;  // the one that counts, if any does
+    bool isNext = false;
+    QStringList lines;  // with breakpoints
+};
+HiddenMarks hiddenMarksBelow(const QTextBlock &block);
 
 // The block of the program at a height of a column beside it, or an invalid one.
 QTextBlock blockAtHeight(const QWidget &column, int y);
