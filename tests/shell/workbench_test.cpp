@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QThread>
+#include <QToolTip>
 #include <QTreeWidget>
 
 #include "debugger/breakpoints.h"
@@ -15,6 +16,7 @@
 #include "shell/shell_fixture.h"
 #include "shell/tree/label_edit.h"
 #include "shell/workbench/debugging.h"
+#include "shell/workbench/pane_parts.h"
 #include "shell/workbench/panes.h"
 #include "text/program_bytes.h"
 
@@ -324,6 +326,34 @@ TEST_F(Workbench, ABreakpointInAFoldIsSeenAndAStopThereUnfolds) {
     EXPECT_TRUE(block(3).isVisible());
     handleCommand(CommandId::codeFoldAll);
     EXPECT_TRUE(hiddenMarksBelow(block(2)).isNext);
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+}
+
+// A long row ends with a whole number, and tells the rest.
+TEST_F(Workbench, ARowOfAMatrixIsCutBetweenItsNumbersAndToldWhole) {
+    EXPECT_EQ(cutBetweenCells(QStringLiteral("  1  123.5  -7"), 14), QStringLiteral("  1  123.5  -7"));
+    EXPECT_EQ(cutBetweenCells(QStringLiteral("  1  123.5  -7"), 13), QStringLiteral("  1  123.5 \u2026"));
+    EXPECT_EQ(cutBetweenCells(QStringLiteral("  1  123.5  -7"), 11), QStringLiteral("  1 \u2026"));
+    EXPECT_EQ(cutBetweenCells(QStringLiteral("  1  123.5  -7"), 3), QStringLiteral("  1  123.5  -7"));
+    QStringList cells;
+    for (int column = 1; column <= 30; column++) cells << QString::number(column * 1000);
+    const QString tip = tipOfCells(cells.join(QStringLiteral("  ")), 4);
+    EXPECT_TRUE(tip.contains(QStringLiteral("[4,1] ")) && tip.contains(QStringLiteral("30000"))) << tip.toStdString();
+    EXPECT_TRUE(tip.contains(QRegularExpression(QStringLiteral("\\[4,10\\] +10000 ")))) << tip.toStdString();
+
+    show(addWords("GRID", "{2,40}\\->\\Dim \\Mat A\r\\Fill(123.5,\\Mat A)\r1\\->A"));
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 2);
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 3);
+    rowNamed("variablesDock", QStringLiteral("Mat A"))->setExpanded(true);
+    QTreeWidgetItem *row = rowNamed("variablesDock", QStringLiteral("Mat A"))->child(0);
+    QTreeWidget *table = tableOf("variablesDock");
+    table->scrollToItem(row);
+    const QPoint at = table->visualItemRect(row).center();
+    QHelpEvent help(QEvent::ToolTip, {table->columnViewportPosition(1) + 5, at.y()},
+                    table->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(table->viewport(), &help);
+    EXPECT_TRUE(QToolTip::text().contains(QStringLiteral("[1,10]"))) << QToolTip::text().toStdString();
     QTest::keyClick(mainWindow, Qt::Key_F7);
 }
 

@@ -1,8 +1,12 @@
 #include "shell/workbench/pane_parts.h"
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <algorithm>
 
@@ -14,6 +18,23 @@ namespace {
 
 constexpr int indentation = 12;  // pixels a level: panes are narrow
 
+constexpr int rowNumberRole = Qt::UserRole + 8;  // of cells in columns
+constexpr int tipWidth = 64, mostTipLines = 30;  // characters
+
+class PaneCells : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (option->rect.isEmpty() || !index.data(rowNumberRole).isValid()) return;
+        const int margins = 2 * (option->widget->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+        const int cell = std::max(1, option->fontMetrics.horizontalAdvance(QLatin1Char('0')));
+        option->text = cutBetweenCells(option->text, (option->rect.width() - margins) / cell);
+    }
+};
+
 // Only some columns of a row can be written into; Qt knows only of rows.
 class PaneTable : public QTreeWidget {
 public:
@@ -24,6 +45,21 @@ public:
     int wantedWidth(int column) const { return std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)); }
 
 protected:
+    // What is cut is told whole; a row of cells by itself.
+    bool viewportEvent(QEvent *event) override {
+        if (event->type() != QEvent::ToolTip) return QTreeWidget::viewportEvent(event);
+        const auto &help = *static_cast<QHelpEvent *>(event);
+        const QModelIndex index = indexAt(help.pos());
+        const bool isCut = index.isValid() && sizeHintForIndex(index).width() > visualRect(index).width();
+        if (!isCut || index.data(Qt::ToolTipRole).isValid()) return QTreeWidget::viewportEvent(event);
+        const QVariant number = index.data(rowNumberRole);
+        const QString text = index.data().toString();
+        QToolTip::showText(help.globalPos(),
+                           number.isValid() ? tipOfCells(text, number.toInt())
+                                            : QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped()),
+                           viewport(), visualRect(index));
+        return true;
+    }
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override {
         if (index.column() < firstEdited || index.column() > lastEdited) return false;
         return QTreeWidget::edit(index, trigger, event);
@@ -41,9 +77,17 @@ protected:
 
 }  // namespace
 
+QString cutBetweenCells(const QString &cells, qsizetype room) {
+    if (cells.size() <= room) return cells;
+    qsizetype end = std::max<qsizetype>(room - 2, 0);
+    while (end > 0 && (cells[end - 1] == QLatin1Char(' ') || cells[end] != QLatin1Char(' '))) end--;
+    return end == 0 ? cells : cells.left(end) + QStringLiteral(" \u2026");
+}
+
 QTreeWidget *makePaneTable(const QStringList &columns) {
     auto *table = new PaneTable;
     table->setHeaderLabels(columns);
+    table->setItemDelegate(new PaneCells(table));
     table->setUniformRowHeights(true);
     table->setIndentation(indentation);
     table->setAlternatingRowColors(true);
@@ -74,6 +118,29 @@ void editColumns(QTreeWidget *table, int first, int last) {
     auto *pane = static_cast<PaneTable *>(table);
     pane->firstEdited = first;
     pane->lastEdited = last;
+}
+
+void setCells(QTreeWidgetItem *row, int column, const QString &cells, int number) {
+    if (!row->data(column, rowNumberRole).isValid())
+        row->setFont(column, QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    row->setData(column, rowNumberRole, number);
+    row->setText(column, cells);
+}
+
+QString tipOfCells(const QString &cells, int number) {
+    const QStringList each = cells.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const auto byLength = [](const QString &left, const QString &right) { return left.size() < right.size(); };
+    const qsizetype width = each.isEmpty() ? 1 : std::ranges::max(each, byLength).size() + 2;
+    const qsizetype perLine = std::max<qsizetype>(1, tipWidth / width);
+    QStringList lines;
+    for (qsizetype at = 0; at < each.size() && lines.size() < mostTipLines; at += perLine) {
+        QString line = QStringLiteral("[%1,%2]").arg(number).arg(at + 1).leftJustified(9);
+        for (qsizetype cell = at; cell < std::min(at + perLine, each.size()); cell++)
+            line += each[cell].rightJustified(width);
+        lines << line.toHtmlEscaped();
+    }
+    if (std::ssize(lines) * perLine < each.size()) lines << QStringLiteral("\u2026");
+    return QStringLiteral("<pre>%1</pre>").arg(lines.join(QLatin1Char('\n')));
 }
 
 void markChanged(QTreeWidgetItem *row, int column, bool changed) {

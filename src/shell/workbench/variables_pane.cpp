@@ -3,7 +3,6 @@
 #include "shell/workbench/variables_pane.h"
 
 #include <QBuffer>
-#include <QFontDatabase>
 #include <QImage>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
@@ -165,13 +164,11 @@ void fillArray(QTreeWidgetItem *parent, const NamedArray &array) {
             continue;
         }
         const QString &line = grid[static_cast<std::size_t>(row - 1)];
-        if (child->text(valueColumn).isEmpty())
-            child->setFont(valueColumn, QFontDatabase::systemFont(QFontDatabase::FixedFont));
         const bool isOther =
             !child->text(valueColumn).isEmpty() && child->text(valueColumn).simplified() != line.simplified();
         markChanged(child, valueColumn, hasChanged(child, isOther));
         child->setText(nameColumn, QString::number(row));
-        child->setText(valueColumn, line);
+        setCells(child, valueColumn, line, row);
         child->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
         fillMatrixRow(child, array, row);
     }
