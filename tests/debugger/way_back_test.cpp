@@ -9,6 +9,7 @@
 #include "debugger/history.h"
 #include "debugger/values.h"
 #include "emulator/machine/arrays.h"
+#include "emulator/machine/graph_memory.h"
 #include "emulator/run/machine_start.h"
 
 namespace numalink {
@@ -120,6 +121,41 @@ TEST_F(Debugged, AFullRecordKeepsAllWithinReach) {
     historyAt(historyStatements + 2 * steps * step);
     EXPECT_GT(historyOldest(), 0u) << "of longer runs the first statements go";
     historyForget();
+}
+
+// A table that is made anew may come to lie elsewhere, with all else of the graphs as it was.
+TEST_F(Debugged, EachImageHasItsOwnTables) {
+    freshMachine(fileWith("1\\->A"));
+    machineStart();
+    const auto makeTables = [](double value) {
+        for (MatrixSlot *table : {&graphs.tableResult, &graphs.recursionResult}) {
+            matrixRenew(ownedByVariable, *table, 2, 2);
+            matrixFill(value, *table);
+        }
+    };
+    MatrixSlot &list = machine.listSlots[0][0];
+    for (const bool isOfSequences : {false, true}) {
+        MatrixSlot &result = isOfSequences ? graphs.recursionResult : graphs.tableResult;
+        matrixRenew(ownedByVariable, list, 1, 3);
+        makeTables(7);
+        const MachineImage before = takeImage();
+        const MatrixSlot placeBefore = result;
+        matrixFree(list);
+        list = nullptr;
+        matrixRenew(ownedByVariable, result, 2, 2);
+        matrixFill(7, result);
+        const MachineImage after = takeImage();
+        ASSERT_NE(result, placeBefore);
+        bringBack(before);
+        EXPECT_EQ(result, placeBefore);
+        bringBack(after);
+        EXPECT_EQ(matrixElements(result)[0], 7);
+        EXPECT_NE(result, placeBefore);
+        matrixFree(graphs.tableResult);
+        matrixFree(graphs.recursionResult);
+        graphs.tableResult = graphs.recursionResult = nullptr;
+    }
+    forgetImages();
 }
 
 // What comes from outside counts towards the room as it comes, also where no image is due.
