@@ -21,6 +21,7 @@ bool give(const DebugCommand &command) {
         const HoldLock held(control.lock);
         if (control.state != DebugState::stopped || control.commandDue) return false;
         control.command = command;
+        control.pauseWanted = false;  // one from here on is for what comes now
         control.state = DebugState::runs;
         control.commandDue = true;
     }

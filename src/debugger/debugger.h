@@ -96,6 +96,14 @@ enum class DebugBack {
 bool debugBack(DebugBack back, const std::string &target = {});
 bool debugGoTo(std::uint64_t statement);  // of those recorded
 
+// A way that the run repeats unseen, back or to where a moment was saved, and how much of it is over. debugPause ends a
+// way back where it began, and stops behind one to a moment. Any thread.
+struct DebugWay {
+    enum class Sort { none, back, toMoment } sort = Sort::none;
+    int percent = 0;
+};
+DebugWay debugWay();
+
 // In the past of a run: what was recorded behind here is forgotten, and the run goes its own way from here on, with new
 // keys and its own clock. A changed value does so by itself.
 void debugNewRoad();

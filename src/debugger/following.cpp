@@ -4,6 +4,7 @@
 #include <bit>
 #include <map>
 
+#include "debugger/history.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/run_calls.h"
 
@@ -224,6 +225,35 @@ void searchLook(Search &search, Stops &stops, int program, int cell, std::uint64
     search.hit = statement;
     search.reason = found.reason;
     search.breakpoint = found.breakpoint;
+}
+
+namespace {
+
+std::size_t searchGoal(Search &search, std::uint64_t goal) {
+    search.isGoal = true;
+    search.goal = goal;
+    return historyImageAt(goal);
+}
+
+}  // namespace
+
+std::size_t searchFurther(Search &search, std::size_t image) {
+    if (search.hit) return searchGoal(search, *search.hit);
+    if (image == 0) {
+        search.reason = StopReason::backAtStart;
+        search.breakpoint = 0;
+        return searchGoal(search, historyOldest());
+    }
+    search.limit = historyStatementOf(image);
+    search.takesLimit = false;
+    return image - 1;
+}
+
+std::size_t searchGiveUp(Search &search) {
+    search.isGivenUp = true;
+    search.reason = StopReason::pause;
+    search.breakpoint = 0;
+    return searchGoal(search, search.origin);
 }
 
 }  // namespace numalink

@@ -71,6 +71,8 @@ struct Search {
     DebugBack back = DebugBack::statement;
     int depth = 0;                      // of calls, where it began
     std::optional<DebugTarget> target;  // of a change
+    std::uint64_t origin = 0;           // where it began
+    bool isGivenUp = false;             // it goes there again
     std::uint64_t limit = 0;            // statements from here on have been looked at
     bool takesLimit = false;            // but this one
     std::optional<std::uint64_t> hit;   // the last one found
@@ -82,6 +84,10 @@ struct Search {
 };
 void searchBegin(Search &search);  // at an image
 void searchLook(Search &search, Stops &stops, int program, int cell, std::uint64_t statement);
+
+// The image from which the search goes on, behind the stretch from this one on.
+std::size_t searchFurther(Search &search, std::size_t image);
+std::size_t searchGiveUp(Search &search);
 
 // A number into its place, without a word to the record.
 DebugChange targetSet(const DebugTarget &target, const std::string &number);

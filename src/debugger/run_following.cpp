@@ -9,6 +9,7 @@
 #include "debugger/moment_control.h"
 #include "debugger/profile_counts.h"
 #include "debugger/trace.h"
+#include "debugger/way.h"
 #include "emulator/machine/pace.h"
 #include "emulator/run/key_recording.h"
 #include "emulator/run/run_calls.h"
@@ -133,8 +134,11 @@ void beginSearch(Search search, const DebugStop &from) {
     search.limit = from.statement;
     search.takesLimit = from.isWithin;  // the statement in progress is one that was gone by
     search.depth = runCallDepth();
+    search.origin = from.statement;
     const std::uint64_t last = search.isGoal ? search.goal : from.statement - (from.isWithin ? 0 : 1);
     leaveFor(historyImageAt(last));
+    search.isGoal ? wayBegins(DebugWay::Sort::back, historyStatementOf(run.image), last)
+                  : wayBegins(DebugWay::Sort::back, last, historyOldest());
     run.search = std::move(search);
 }
 
@@ -230,6 +234,7 @@ void count(int program, int cell) {
 bool arrive(int program, int cell) {
     const Search found = std::move(*run.search);
     run.search.reset();
+    wayEnds();
     if (machine.statementsRun >= run.newest) beLive();
     stopsLookAtData(run.stops);
     hitsShow(machine.statementsRun);
@@ -240,37 +245,25 @@ bool arrive(int program, int cell) {
     return stopAt(stop);
 }
 
-// A stretch of the record between two images has been walked.
-void searchFurther(Search &search, std::uint64_t oldest) {
-    if (search.hit) {
-        search.goal = *search.hit;
-    } else if (run.image == 0) {
-        search.goal = oldest;
-        search.reason = StopReason::backAtStart;
-        search.breakpoint = 0;
-    } else {
-        search.limit = historyStatementOf(run.image);
-        search.takesLimit = false;
-        leaveFor(run.image - 1);
-        return;
-    }
-    search.isGoal = true;
-    leaveFor(historyImageAt(search.goal));
-}
-
 // On the way back, through what has run before.
 bool goOnSearching(int program, int cell) {
     Search &going = *run.search;
     const std::uint64_t now = machine.statementsRun;
+    if (control.pauseWanted && !going.isGivenUp) {
+        leaveFor(searchGiveUp(going));
+        return false;
+    }
     if (going.isGoal) {
         if (now >= going.goal) return arrive(program, cell);
-        observerLook.fromStatement = going.goal;
+        if (going.back == DebugBack::statement) wayAt(now);
+        observerLook.fromStatement = std::min(going.goal, now + wayInterval);
         observerLook.marks = nullptr;
         return true;
     }
     searchLook(going, run.stops, program, cell, now);
     if (now < going.limit) return runGoesOn();
-    searchFurther(going, historyOldest());
+    leaveFor(searchFurther(going, run.image));
+    if (!going.isGoal) wayAt(going.limit);
     return false;
 }
 
@@ -287,6 +280,7 @@ void giveMoment(std::uint64_t statement, bool isWithin, RunEnd waitsAt) {
 // The run goes on where the moment was.
 void beResumed() {
     run.isResuming = false;
+    wayEnds();
     historyCut(machine.statementsRun, false, false);  // what was left of its inputs isn't for what comes now
     beLive();
     holdDisplay(false);
@@ -299,8 +293,9 @@ bool goOnResuming() {
         beResumed();
         return false;
     }
+    wayAt(now);
     observerLook.marks = nullptr;
-    observerLook.fromStatement = run.newest;
+    observerLook.fromStatement = std::min(run.newest, now + wayInterval);
     return true;
 }
 
@@ -316,6 +311,7 @@ bool resumeMoment() {
     run.newest = moment->statement;
     run.toldUpTo = moment->statement;
     run.isResuming = true;
+    wayBegins(DebugWay::Sort::toMoment, machine.statementsRun, run.newest);
     stopsLookAtData(run.stops);
     drawAttention();
     return true;
@@ -473,6 +469,7 @@ const RunObserver followingObserver = {
 void followAnew(bool stopsAtEntry) {
     observerLook.marks = nullptr;
     run = {};
+    wayEnds();
     hitsForget();
     run.entryDue = stopsAtEntry;
 }

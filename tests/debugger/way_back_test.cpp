@@ -5,6 +5,7 @@
 #include <random>
 #include <thread>
 
+#include "debugger/breakpoints.h"
 #include "debugger/debugged_runs.h"
 #include "debugger/history.h"
 #include "debugger/values.h"
@@ -177,6 +178,44 @@ TEST_F(Debugged, WhatCameFromOutsideStaysWithinTheRoom) {
     EXPECT_LE(most, historyBytes + 256 * 20100);
     EXPECT_GT(historyOldest(), 10000u);
     historyForget();
+}
+
+// A search that would go through all of the record stops where it began, and the run goes on from there as ever; so
+// does the way to a statement.
+int waysGivenUp = 0;
+std::uint64_t wayOrigin = 0;
+std::string wayFault;
+TEST_F(Debugged, AWayBackCanBeGivenUp) {
+    waysGivenUp = 0;
+    wayOrigin = 0;
+    wayFault.clear();
+    onStop = [] {
+        const DebugStop stop = debugStop();
+        if (stop.isAtEnd) return void(debugStep(DebugStep::onward));
+        if (wayOrigin != 0) {
+            const bool isThere = stop.reason == StopReason::pause && stop.statement == wayOrigin &&
+                                 stop.newest == wayOrigin && machine.variables[0].re == 200000;
+            if (!isThere) wayFault += " " + std::to_string(stop.statement);
+            waysGivenUp++;
+        }
+        wayOrigin = stop.statement;
+        if (waysGivenUp == 2) return void(debugStep(DebugStep::onward));
+        EXPECT_TRUE(waysGivenUp == 0 ? debugBack(DebugBack::breakpoint) : debugGoTo(stop.oldest));
+        debugPause();
+    };
+    Breakpoint point;
+    point.program = "MAIN";
+    point.line = 1;
+    point.statement = 4;
+    ASSERT_NE(breakpointAdd(point), 0);
+    const DebugOptions options{.stopAtEnd = true, .records = true};
+    const Ending ending = runWith(fileWith("\\Do:A+1\\->A:\\LpWhile A<200000:1\\->B:2\\->C:3\\->D"), &options);
+    EXPECT_EQ(waysGivenUp, 2);
+    EXPECT_EQ(wayFault, "");
+    EXPECT_EQ(ending.ended, RunEnd::end);
+    EXPECT_EQ(machine.variables[3].re, 3);
+    EXPECT_EQ(debugWay().sort, DebugWay::Sort::none);
+    breakpointsClear();
 }
 
 TEST_F(Debugged, WalksBackAndForthMeetTheSameStates) {

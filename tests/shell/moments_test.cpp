@@ -138,6 +138,35 @@ TEST_F(MomentsInWindow, TheOldestGoesOnlyWhereTheUserLetsIt) {
     numberAtStop();
 }
 
+// A moment whose way takes minutes: that is told, Escape ends it from anywhere in the window, and it is kept as it was.
+TEST_F(MomentsInWindow, ALongWayToAMomentIsToldAndEscapeEndsIt) {
+    start();
+    handleCommand(CommandId::saveMoment);
+    ASSERT_TRUE(waitForSlot(1));
+    Moment moment;
+    ASSERT_EQ(momentOfSlot(program, 1, moment), MomentFault::none);
+    QTest::keyClick(window, Qt::Key_1);
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([] { return debugWaitsAt() == RunEnd::running; }, 5000));
+    handleCommand(CommandId::saveMoment);
+    ASSERT_TRUE(waitForSlot(2));
+    ASSERT_EQ(momentOfSlot(program, 2, moment), MomentFault::none);
+    moment.statement += 90'000'000;
+    ASSERT_EQ(momentKeep(program, 2, momentAsBytes(moment).value()), FileResult::done);
+    numberAtStop();
+    handleCommand(CommandId::newestMoment);
+    ASSERT_TRUE(emulatorRunning);
+    const auto *marks = mainWindow->findChild<QLabel *>(QStringLiteral("runMarks"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return marks->text().contains(QLatin1Char('%')); }, 5000));
+    treeView->setFocus();
+    QTest::keyClick(treeView, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !emulatorRunning; }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return marks->text().isEmpty(); }, 3000));
+    Moment kept;
+    ASSERT_EQ(momentOfSlot(program, momentSlotOfStop, kept), MomentFault::none);
+    EXPECT_EQ(kept.statement, moment.statement);
+}
+
 // What has changed can't be gone on with, and says so.
 TEST_F(MomentsInWindow, AChangedProgramBeginsAnewOnly) {
     start();

@@ -14,6 +14,7 @@
 #include "shell/run/key_assignments.h"
 #include "shell/run/recording.h"
 #include "shell/run/run_marks.h"
+#include "shell/run/run_way.h"
 
 namespace numalink {
 
@@ -78,6 +79,7 @@ void forgetEmulatorKeys() {
 }
 
 bool emulatorKeyDown(const QKeyEvent &event) {
+    if (event.key() == Qt::Key_Escape && giveUpWay()) return true;
     if (event.key() == Qt::Key_Escape || event.key() == Qt::Key_F7) {
         // Once its event has returned: the stop opens the program's view and moves the focus.
         if (!event.isAutoRepeat()) {

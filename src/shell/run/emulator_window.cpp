@@ -47,6 +47,7 @@
 #include "shell/run/recording.h"
 #include "shell/run/run_keys.h"
 #include "shell/run/run_marks.h"
+#include "shell/run/run_way.h"
 #include "shell/tree/selection.h"
 #include "shell/views/item_views.h"
 #include "shell/views/surface_view.h"
@@ -269,6 +270,7 @@ bool startRun(ItemId item, const Moment *from = nullptr) {
     fitEmulatorPlace();
     emulatorWindow->update();
     const bool runs = runStart();
+    if (from != nullptr) watchWay();
     showRunMarks();
     return runs;
 }
@@ -456,6 +458,7 @@ void forgetEmulatorWindow() {
     marked = false;
     forgetEmulatorKeys();
     forgetRunMarks();
+    forgetWay();
     forgetDraggedFiles();
     forgetModeLine();
     forgetFullScreen();

@@ -10,6 +10,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/recording.h"
+#include "shell/run/run_way.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -36,6 +37,7 @@ void makeMarks() {
 
 QString marks() {
     QStringList words;
+    if (!wayWords().isEmpty()) words << wayWords();
     if (isRecording()) words << QStringLiteral("\u25CF ") + recordingWords();
     if (keysArePlayed() && emulatorRunning) words << QStringLiteral("\u25B6 ") + textOf(Text::keysPlaying);
     if (speedHeld && emulatorRunning) words << QStringLiteral("\u25B6\u25B6 ") + textOf(Text::fastHeldMark);

@@ -22,6 +22,7 @@
 #include "shell/parts/selected_item.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
+#include "shell/run/run_way.h"
 #include "shell/tree/selection.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -328,7 +329,7 @@ void debugToCaret() {
 }
 
 void debugBackBy(DebugBack back, const std::string &target) {
-    if (shownStop() != nullptr && beginFollowing()) debugBack(back, target);
+    if (shownStop() != nullptr && beginFollowing() && debugBack(back, target)) watchWay();
 }
 
 void debugTakeNewRoad() {

@@ -18,6 +18,7 @@
 #include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/run/emulator_place.h"
+#include "shell/run/run_way.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/profile_pane.h"
 
@@ -86,6 +87,7 @@ QString stopWords(const DebugStop &stop) {
 }
 
 QString runWords() {
+    if (!wayWords().isEmpty()) return wayWords();
     switch (runWaitsAt()) {
         case RunEnd::input:
             return textOf(Text::debugWaitsInput);
@@ -201,6 +203,7 @@ void makeStopLine() {
     mainWindow->addToolBar(state.bar);
     state.bar->hide();
     lineMarkOf = markOf;
+    wayMoved = showWords;
 }
 
 QToolBar *debugBar() { return state.bar; }

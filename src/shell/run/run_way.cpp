@@ -1,0 +1,82 @@
+#include "shell/run/run_way.h"
+
+#include <QElapsedTimer>
+#include <QMainWindow>
+#include <QShortcut>
+#include <QTimer>
+#include <string>
+
+#include "debugger/debugger.h"
+#include "emulator/machine/machine.h"
+#include "shell/parts/main_widgets.h"
+#include "shell/parts/shell_texts.h"
+#include "shell/run/emulator_window.h"
+#include "shell/run/run_marks.h"
+
+namespace numalink {
+
+namespace {
+
+constexpr int lookMilliseconds = 100;
+constexpr int moment = 400;  // milliseconds, until which nothing is shown, and a way may be late to begin
+
+struct RunWay {
+    QTimer *look = nullptr;  // the main window's, as the key
+    QShortcut *key = nullptr;
+    QElapsedTimer since;
+    QString words;
+};
+RunWay state;
+
+void show(const QString &words) {
+    if (words == state.words) return;
+    state.words = words;
+    state.key->setEnabled(!words.isEmpty());
+    showRunMarks();
+    wayMoved();
+}
+
+void look() {
+    const DebugWay way = emulatorRunning ? debugWay() : DebugWay();
+    const bool isYoung = state.since.elapsed() < moment;
+    if (way.sort == DebugWay::Sort::none) {
+        show({});
+        if (!isYoung) state.look->stop();
+    } else if (!isYoung) {
+        const Text words = way.sort == DebugWay::Sort::back ? Text::debugGoesBack : Text::debugGoesToMoment;
+        show(textOf(words, {std::to_string(way.percent)}));
+    }
+}
+
+void makeWay() {
+    state.look = new QTimer(mainWindow);
+    QObject::connect(state.look, &QTimer::timeout, mainWindow, look);
+    state.key = new QShortcut(QKeySequence(Qt::Key_Escape), mainWindow);
+    state.key->setEnabled(false);
+    QObject::connect(state.key, &QShortcut::activated, mainWindow, [] {
+        if (!giveUpWay() && emulatorRunning) emulatorToggle();
+    });
+}
+
+}  // namespace
+
+void watchWay() {
+    if (state.look == nullptr) makeWay();
+    state.since.start();
+    state.look->start(lookMilliseconds);
+}
+
+QString wayWords() { return state.words; }
+
+bool giveUpWay() {
+    if (debugWay().sort != DebugWay::Sort::back) return false;
+    debugPause();
+    return true;
+}
+
+void forgetWay() {
+    state = {};
+    wayMoved = [] {};
+}
+
+}  // namespace numalink
