@@ -10,11 +10,13 @@ namespace numalink {
 
 namespace {
 
+// Ran# is a token. Empty where the words are none of a program.
 Bytes imageOf(std::string words, int passes) {
-    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at))
-        words.replace(at, 1, std::to_string(passes));
+    const std::string number = std::to_string(passes);
+    for (std::size_t at = words.find('#'); at != words.npos; at = words.find('#', at + 1))
+        if (!std::string_view(words).substr(0, at).ends_with("Ran")) words.replace(at, 1, number);
     Bytes image = {':'};
-    tokensFromWords(words, image);
+    if (tokensFromWords(words, image) != -1) return {};
     image.insert(image.end(), {0xFF, 0});
     return image;
 }
@@ -31,9 +33,9 @@ void prepareContests() {
 
 bool loadContest(const Contest &contest, int passes) {
     programsClear();
+    const auto add = [](const char *name, const Bytes &image) { return !image.empty() && programAdd(name, image); };
     const bool calls = contest.subprogram != nullptr;
-    return programAdd("MAIN", imageOf(contest.words, passes)) &&
-           (!calls || programAdd("SUB", imageOf(contest.subprogram, 0)));
+    return add("MAIN", imageOf(contest.words, passes)) && (!calls || add("SUB", imageOf(contest.subprogram, 0)));
 }
 
 }  // namespace numalink

@@ -8,7 +8,7 @@ namespace numalink {
 // The tables and settings that runs need, at full speed.
 void prepareContests();
 
-// In place of what is loaded; false when there is no room for it. Within the loading of a run.
+// In place of what is loaded; false when there is no room for it, or it is no program. Within the loading of a run.
 bool loadContest(const Contest &contest, int passes);
 
 }  // namespace numalink

@@ -24,7 +24,8 @@ void onStop() {
         debugStep(DebugStep::onward);
 }
 
-double secondsOf(const Contest &contest, bool records, std::uint64_t back = 0) {
+// A run that reports is none to be measured.
+double secondsOf(benchmark::State &state, const Contest &contest, bool records, std::uint64_t back = 0) {
     wayBack = back;
     debugStateChanged = onStop;
     const double before = processorSeconds(RUSAGE_SELF);
@@ -38,15 +39,16 @@ double secondsOf(const Contest &contest, bool records, std::uint64_t back = 0) {
     });
     const double seconds = processorSeconds(RUSAGE_SELF) - before;
     debugForget();
-    return report.ended == RunEnd::end ? seconds : -1;
+    if (report.ended != RunEnd::end || !report.errors.empty()) state.SkipWithError("the run doesn't come to its end");
+    return seconds;
 }
 
 void recording(benchmark::State &state, const Contest *contest) {
     prepareContests();
     double plain = 0, recorded = 0;
     for (auto unused : state) {
-        plain += secondsOf(*contest, false);
-        recorded += secondsOf(*contest, true);
+        plain += secondsOf(state, *contest, false);
+        recorded += secondsOf(state, *contest, true);
     }
     state.counters["recorded_over_plain"] = recorded / plain;
     state.counters["statements"] = static_cast<double>(machine.statementsRun);
@@ -74,7 +76,7 @@ const Contest filler = {.name = "filler",
 
 void peak(benchmark::State &state, bool records) {
     prepareContests();
-    for (auto unused : state) state.counters["seconds"] = secondsOf(filler, records);
+    for (auto unused : state) state.counters["seconds"] = secondsOf(state, filler, records);
     rusage used{};
     getrusage(RUSAGE_SELF, &used);
     state.counters["peak_megabytes"] = static_cast<double>(used.ru_maxrss) / 1024;
@@ -90,8 +92,8 @@ void goingBack(benchmark::State &state, const Contest *contest, std::uint64_t ba
     prepareContests();
     double recorded = 0, withBack = 0;
     for (auto unused : state) {
-        recorded += secondsOf(*contest, true);
-        withBack += secondsOf(*contest, true, back);
+        recorded += secondsOf(state, *contest, true);
+        withBack += secondsOf(state, *contest, true, back);
     }
     state.counters["ms_there_and_back"] = (withBack - recorded) * 1000 / static_cast<double>(state.iterations());
 }
