@@ -10,6 +10,7 @@
 #include "debugger/breakpoints.h"
 #include "emulator/machine/machine.h"
 #include "shell/editor/line_numbers.h"
+#include "shell/editor/statement_marks.h"
 #include "shell/editor/text_marks.h"
 #include "shell/run/emulator_place.h"
 #include "shell/run/emulator_window.h"
@@ -129,6 +130,9 @@ TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
     EXPECT_EQ(lineMarkOf(3).sign, LineSign::none);
     EXPECT_TRUE(lineMarkOf(next + 1).isNext);
     EXPECT_EQ(countTextMarks(MarkLayer::statements), 1);
+    QTreeWidget *calls = tableOf("callsDock");
+    Q_EMIT calls->itemActivated(calls->topLevelItem(0), 0);
+    EXPECT_EQ(statementAtCaret().line, next + 1) << "a call is gone to where it stands now";
     handleCommand(CommandId::rename);
     finishLabelEdit();
     EXPECT_EQ(lineMarkOf(4).sign, LineSign::breakpoint);

@@ -3,10 +3,7 @@
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
 
-#include "shell/editor/program_view.h"
-#include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/selection.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/pane_parts.h"
 
@@ -23,9 +20,7 @@ CallsPane state;
 void goToCall(QTreeWidgetItem *row) {
     const auto index = static_cast<std::size_t>(state.table->indexOfTopLevelItem(row));
     if (index >= state.calls.size()) return;
-    const DebugPlace place = state.calls[index];
-    if (place.item == noItem || (place.item != viewItemId && !selectItem(place.item))) return;
-    selectStatement(place.line, place.statement);
+    goToPlace(state.calls[index]);
 }
 
 }  // namespace

@@ -284,6 +284,13 @@ bool runIsFollowed() { return state.follows; }
 RunEnd runWaitsAt() { return state.waitsAt; }
 bool storedSinceStart(ItemId item) { return state.storedSince.contains(item); }
 
+void goToPlace(const DebugPlace &place) {
+    if (place.item == noItem || (place.item != viewItemId && !selectItem(place.item))) return;
+    const bool isOther = storedSinceStart(place.item) || programChanged();
+    const std::optional<DebugPlace> inText = isOther ? placeInText(place, imageOnView()) : place;
+    if (inText) selectStatement(inText->line, inText->statement);
+}
+
 void countStatements(bool count) {
     state.counts = count;
     if (state.follows) count ? profileStart() : profileStop();

@@ -24,6 +24,8 @@ bool runIsFollowed();
 RunEnd runWaitsAt();  // of a followed run that goes on: the wait that it is in; running: none
 // The text of this item was stored anew since the run began, so that places of the run no longer fit it.
 bool storedSinceStart(ItemId item);
+// Brings a place of the run to view, found again where its text has been edited since.
+void goToPlace(const DebugPlace &place);
 void countStatements(bool count);  // of this run and the next ones
 bool countsStatements();
 void stopAtFirstError(bool stop);

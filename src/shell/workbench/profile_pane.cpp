@@ -13,12 +13,9 @@
 #include <QTreeWidgetItem>
 #include <map>
 
-#include "shell/editor/program_view.h"
 #include "shell/parts/main_widgets.h"
-#include "shell/parts/on_view.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/selection.h"
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/pane_parts.h"
 #include "store/care/user_files.h"
@@ -73,7 +70,7 @@ void addRow(const ProfileRow &counted) {
                                   .arg(counted.place.line)
                                   .arg(counted.place.statement + 1));
     row->setData(placeColumn, Qt::UserRole + 1,
-                 QVariantList{counted.place.item, counted.place.line, counted.place.statement});
+                 QVariantList{counted.place.item, counted.place.program, counted.place.line, counted.place.statement});
     row->setText(statementColumn, toQt(statementText(counted.place.program, counted.cell)));
     setNumber(row, countColumn, static_cast<double>(counted.count),
               QLocale().toString(static_cast<qulonglong>(counted.count)));
@@ -90,9 +87,11 @@ void addRow(const ProfileRow &counted) {
 
 void goTo(QTreeWidgetItem *row) {
     const QVariantList place = row->data(placeColumn, Qt::UserRole + 1).toList();
-    if (place.size() != 3 || place[0].toUInt() == noItem) return;
-    if (place[0].toUInt() != viewItemId && !selectItem(place[0].toUInt())) return;
-    selectStatement(place[1].toInt(), place[2].toInt());
+    if (place.size() != 4) return;
+    goToPlace({.item = place[0].toUInt(),
+               .program = place[1].toInt(),
+               .line = place[2].toInt(),
+               .statement = place[3].toInt()});
 }
 
 void keep() {
