@@ -300,8 +300,11 @@ bool someLinesFolded() { return !programEdit->accessibleDescription().isEmpty();
 void showBlock(const QTextBlock &block) {
     if (!block.isValid() || block.isVisible()) return;
     const std::vector<FoldRange> ranges = rangesNow();
-    unfoldAround(block.blockNumber(), ranges);
+    const auto outer = std::ranges::find_if(
+        ranges, [&](const FoldRange &range) { return range.hides(block.blockNumber()) && isFolded(range); });
+    if (!unfoldAround(block.blockNumber(), ranges)) return;
     applyRanges(ranges);
+    announceLines(Text::unfoldedLines, *outer);
 }
 
 void showHiddenCaret() {

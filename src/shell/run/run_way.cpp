@@ -19,12 +19,14 @@ namespace {
 
 constexpr int lookMilliseconds = 100;
 constexpr int moment = 400;  // milliseconds, until which nothing is shown, and a way may be late to begin
+constexpr int grace = 700;   // milliseconds behind a way back in which its key is still that of its user
 
 struct RunWay {
     QTimer *look = nullptr;  // the main window's, as the key
     QShortcut *key = nullptr;
     QElapsedTimer since;
     QString words;
+    QElapsedTimer shownBack;  // since it was last shown that the run goes back
 };
 RunWay state;
 
@@ -45,6 +47,7 @@ void look() {
     } else if (!isYoung) {
         const Text words = way.sort == DebugWay::Sort::back ? Text::debugGoesBack : Text::debugGoesToMoment;
         show(textOf(words, {std::to_string(way.percent)}));
+        if (way.sort == DebugWay::Sort::back) state.shownBack.start();
     }
 }
 
@@ -69,9 +72,11 @@ void watchWay() {
 QString wayWords() { return state.words; }
 
 bool giveUpWay() {
-    if (debugWay().sort != DebugWay::Sort::back) return false;
-    debugPause();
-    return true;
+    if (debugWay().sort == DebugWay::Sort::back) {
+        debugPause();
+        return true;
+    }
+    return state.shownBack.isValid() && state.shownBack.elapsed() < grace;
 }
 
 void forgetWay() {

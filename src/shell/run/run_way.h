@@ -8,7 +8,9 @@ namespace numalink {
 
 void watchWay();     // behind what may begin one
 QString wayWords();  // empty: none is on, or only just
-bool giveUpWay();    // back to where the way back began; false when the run is on none
+// Back to where the way back began. False when the run is on none, and hasn't just come to the end of one: the key
+// would then end the run.
+bool giveUpWay();
 void forgetWay();
 
 // After each change of the words.
