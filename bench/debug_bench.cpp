@@ -63,7 +63,7 @@ void recording(benchmark::State &state, const Contest *contest) {
 const Contest filler = {.name = "filler",
                         .words =
                             "{200,200}\\->\\Dim \\Mat A:255\\->\\Dim \\List 1:\\For 1\\->K\\To #:\\Int "
-                            "(200\\Ran#)+1\\->I:\\Int (200\\Ran#)+1\\->J:\\Ran#\\->\\Mat A[I,J]:K\\->\\List "
+                            "(199\\Ran#)+1\\->I:\\Int (199\\Ran#)+1\\->J:\\Ran#\\->\\Mat A[I,J]:K\\->\\List "
                             "1[I]:\\PxlOn \\Int (60\\Ran#)+1,\\Int (120\\Ran#)+1:\\StoPict 1:\\StoPict "
                             "2:\\Next:K\\->X",
                         .subprogram = nullptr,

@@ -141,7 +141,7 @@ TEST_F(MomentsInWindow, TheOldestGoesOnlyWhereTheUserLetsIt) {
 // A moment whose way takes minutes: that is told, Escape ends it from anywhere in the window, and it is kept as it was.
 TEST_F(MomentsInWindow, ALongWayToAMomentIsToldAndEscapeEndsIt) {
     Bytes tokens;
-    ASSERT_EQ(tokensFromWords("\\Lbl 1:A+1\\->A:\\Goto 1", tokens), -1);
+    ASSERT_EQ(tokensFromWords("\\Do:A+1\\->A:\\LpWhile 1", tokens), -1);
     program = addProgram("LOOP", std::string(tokens.begin(), tokens.end()));
     show(program);
     QTest::keyClick(mainWindow, Qt::Key_F7);
