@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "calculator/charset.h"
+#include "calculator/program_info.h"
 #include "cli/hex_text.h"
+#include "platform/files.h"
 #include "text/lenient_text.h"
 
 namespace numalink {
@@ -49,11 +51,27 @@ std::string withoutEscapes(std::string_view text) {
     return plain;
 }
 
+std::string withEscapes(std::string_view text) {
+    std::string escaped;
+    for (const char letter : text) {
+        const auto byte = static_cast<std::uint8_t>(letter);
+        const bool isPlain = (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
+                             (letter >= '0' && letter <= '9') ||
+                             std::string_view("-._~").find(letter) != std::string_view::npos;
+        escaped += isPlain ? std::string(1, letter) : "%" + hexFromBytes({&byte, 1});
+    }
+    return escaped;
+}
+
+std::string folderOf(const std::string &address) {
+    return withoutEscapes(address.substr(0, address.find_last_of('/') + 1));
+}
+
 // "file:///home/x/MY%20GAME.txt" is MY GAME.
 std::string nameOf(const std::string &address) {
-    std::string name = address.substr(address.find_last_of('/') + 1);
+    std::string name = fileNameOf(address);
     name.resize(std::min(name.size(), name.find_last_of('.')));
-    return calculatorFromUtf8(withoutEscapes(name));
+    return calculatorFromUtf8(name);
 }
 
 }  // namespace
@@ -75,6 +93,34 @@ LanguageDocument readDocument(const std::string &address, std::string_view utf8)
     document.text = programText(program, true);
     document.structure = structureOf(document.text.image);
     return document;
+}
+
+bool areInOneFolder(const std::string &address, const std::string &other) {
+    return folderOf(address) == folderOf(other);
+}
+
+std::string addressOfProgram(const LanguageDocuments &documents, const std::string &beside,
+                             const std::string &program) {
+    for (const auto &[address, document] : documents)
+        if (areInOneFolder(address, beside) && sameProgramName(document.name, program)) return address;
+    const std::string name = utf8FromCalculator(program);
+    const std::string address = addressBeside(beside, name);
+    return name.find('/') == std::string::npos && isFileOnDisk(address) ? address : "";
+}
+
+std::string addressBeside(const std::string &address, const std::string &name) {
+    const std::size_t file = address.find_last_of('/') + 1, dot = address.find_last_of('.');
+    const std::string ending = dot != std::string::npos && dot > file ? address.substr(dot) : "";
+    return address.substr(0, file) + withEscapes(name) + ending;
+}
+
+bool isFileOnDisk(const std::string &address) {
+    constexpr std::string_view scheme = "file://";
+    return address.starts_with(scheme) && fileExists(withoutEscapes(address.substr(scheme.size())));
+}
+
+std::string fileNameOf(const std::string &address) {
+    return withoutEscapes(address.substr(address.find_last_of('/') + 1));
 }
 
 DocumentPlace documentPlace(const LanguageDocument &document, const TextPlace &place) {

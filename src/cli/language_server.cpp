@@ -10,6 +10,7 @@
 #include "cli/debug_messages.h"
 #include "cli/language_documents.h"
 #include "cli/library_session.h"
+#include "exchange/export/file_names.h"
 #include "language/completion.h"
 #include "language/folder_context.h"
 #include "language/outline.h"
@@ -28,6 +29,7 @@ constexpr std::size_t documentLimit = 1000;
 struct Server {
     std::ostream &answers;
     LanguageDocuments documents = {};
+    bool takesDocumentChanges = false, renamesFiles = false;  // what the editor can do
     bool isShutDown = false;
 };
 
@@ -121,7 +123,13 @@ void publish(Server &server, const std::string &address) {
          {{"method", "textDocument/publishDiagnostics"}, {"params", {{"uri", address}, {"diagnostics", list}}}});
 }
 
-Json initialize(const Request &) {
+Json initialize(const Request &request) {
+    const auto part = [](const Json &whole, const char *name) { return argument(whole, name, Json::object()); };
+    const Json edits = part(part(part(request.params, "capabilities"), "workspace"), "workspaceEdit");
+    const Json operations = argument(edits, "resourceOperations", Json::array());
+    request.server.takesDocumentChanges = argument(edits, "documentChanges", false);
+    request.server.renamesFiles =
+        request.server.takesDocumentChanges && std::ranges::find(operations, "rename") != operations.end();
     return {{"capabilities",
              {{"positionEncoding", "utf-16"},
               {"textDocumentSync", 1},
@@ -146,7 +154,8 @@ Json complete(const Request &request) {
     const ViewLine &line = document.lines[place.line];
     const CompletionQuery query = completionQuery(line, readLine(line, true), place.character);
     std::vector<std::string> programs;
-    for (const auto &[address, other] : request.server.documents) programs.push_back(other.name);
+    for (const auto &[address, other] : request.server.documents)
+        if (areInOneFolder(address, request.address())) programs.push_back(other.name);
     constexpr int itemKinds[] = {3, 18, 17, 6, 6};  // function, reference, file, variables
     Json items = Json::array();
     for (const Completion &each : completionsOf(query, document.structure, programs)) {
@@ -200,9 +209,10 @@ Json definition(const Request &request) {
     const auto name = request.nameAt(request.token());
     if (!name) return nullptr;
     if (name->kind == NameKind::program) {
-        for (const auto &[address, other] : request.server.documents)
-            if (sameProgramName(other.name, name->program)) return {{"uri", address}, {"range", rangeOf(other, 1, 1)}};
-        return nullptr;
+        const std::string address = addressOfProgram(request.server.documents, request.address(), name->program);
+        if (address.empty()) return nullptr;
+        const Json start = positionOf({0, 0});
+        return {{"uri", address}, {"range", {{"start", start}, {"end", start}}}};
     }
     for (const NameUse &use : usesOf(request.document().structure, *name))
         if (use.kind != NameUseKind::reads)
@@ -210,11 +220,12 @@ Json definition(const Request &request) {
     return nullptr;
 }
 
-// Calls of a program are looked for in all documents, all else in its own.
+// Calls of a program are looked for in all documents of the folder, all else in its own.
 std::vector<std::string> addressesFor(const Request &request, const ProgramName &name) {
     std::vector<std::string> addresses = {request.address()};
     for (const auto &[address, other] : request.server.documents)
-        if (name.kind == NameKind::program && address != addresses[0]) addresses.push_back(address);
+        if (name.kind == NameKind::program && address != addresses[0] && areInOneFolder(address, addresses[0]))
+            addresses.push_back(address);
     return addresses;
 }
 
@@ -232,9 +243,8 @@ Json references(const Request &request) {
     return list;
 }
 
-Json rename(const Request &request) {
-    const ProgramName name = request.name();
-    const std::string typed = argument(request.params, "newName", std::string());
+// Refuses a name that a label or program can't have.
+void checkNewName(const Request &request, const ProgramName &name, const std::string &typed) {
     int missing = 0;
     const std::string codes = calculatorFromUtf8(typed, &missing);
     if (name.kind == NameKind::label) {
@@ -248,15 +258,59 @@ Json rename(const Request &request) {
                codes.find('"') != std::string::npos) {
         throw Fault{requestFailed, wording(Text::programNameTooLong)};
     }
-    Json changes = Json::object();
+}
+
+struct FileRename {
+    std::string from, to;  // addresses; empty where no file has the name
+};
+
+// The file that carries a program's name.
+FileRename fileRenameOf(const Request &request, const ProgramName &name, const std::string &typed) {
+    const LanguageDocuments &documents = request.server.documents;
+    const std::string from = addressOfProgram(documents, request.address(), name.program);
+    if (from.empty()) return {};
+    if (safeFileName(typed) != typed) throw Fault{requestFailed, "no file can have this name"};
+    const std::string to = addressBeside(from, typed);
+    const std::string other = addressOfProgram(documents, from, calculatorFromUtf8(typed));
+    if ((!other.empty() && other != from) || (to != from && isFileOnDisk(to)))
+        throw Fault{requestFailed, wording(Text::nameTaken)};
+    return {from, to};
+}
+
+void tellFileStays(Server &server, const FileRename &file) {
+    constexpr int warning = 2;
+    const std::string told = wording(Text::languageFileStays, {fileNameOf(file.from), fileNameOf(file.to)});
+    send(server, {{"method", "window/showMessage"}, {"params", {{"type", warning}, {"message", told}}}});
+}
+
+// Edits ahead of the file's new name: they go by the old one.
+Json renamesOf(Server &server, const Json &edits, const FileRename &file) {
+    Json changes = Json::array();
+    for (const auto &[address, list] : edits.items()) {
+        const auto version = server.documents.at(address).version;
+        changes.push_back({{"textDocument", {{"uri", address}, {"version", version ? Json(*version) : Json(nullptr)}}},
+                           {"edits", list}});
+    }
+    if (file.from != file.to && server.renamesFiles)
+        changes.push_back({{"kind", "rename"}, {"oldUri", file.from}, {"newUri", file.to}});
+    return {{"documentChanges", changes}};
+}
+
+Json rename(const Request &request) {
+    const ProgramName name = request.name();
+    const std::string typed = argument(request.params, "newName", std::string());
+    checkNewName(request, name, typed);
+    const FileRename file = name.kind == NameKind::program ? fileRenameOf(request, name, typed) : FileRename{};
+    Json edits = Json::object();
     for (const std::string &address : addressesFor(request, name)) {
         const LanguageDocument &document = request.server.documents.at(address);
-        Json edits = Json::array();
+        Json list = Json::array();
         for (const NameUse &use : usesOf(document.structure, name))
-            edits.push_back({{"range", rangeOfTokens(document, use.first, use.count)}, {"newText", typed}});
-        if (!edits.empty()) changes[address] = edits;
+            list.push_back({{"range", rangeOfTokens(document, use.first, use.count)}, {"newText", typed}});
+        if (!list.empty()) edits[address] = list;
     }
-    return {{"changes", changes}};
+    if (file.from != file.to && !request.server.renamesFiles) tellFileStays(request.server, file);
+    return request.server.takesDocumentChanges ? renamesOf(request.server, edits, file) : Json{{"changes", edits}};
 }
 
 // Each token as its view shows it; a line with a fault stays.
@@ -273,12 +327,20 @@ Json formatting(const Request &request) {
     return edits;
 }
 
+void readInto(const Request &request, const std::string &text) {
+    const Json version = argument(request.params, "textDocument", Json::object());
+    LanguageDocument document = readDocument(request.address(), text);
+    if (const auto found = version.find("version"); found != version.end() && found->is_number_integer())
+        document.version = found->get<std::int64_t>();
+    request.server.documents[request.address()] = std::move(document);
+}
+
 // A notification gives nothing.
 Json opened(const Request &request) {
     const Json document = argument(request.params, "textDocument", Json::object());
     const std::string address = request.address();
     if (request.server.documents.size() >= documentLimit && !request.server.documents.contains(address)) return nullptr;
-    request.server.documents[address] = readDocument(address, argument(document, "text", std::string()));
+    readInto(request, argument(document, "text", std::string()));
     publish(request.server, address);
     return nullptr;
 }
@@ -287,7 +349,7 @@ Json changed(const Request &request) {
     const Json changes = argument(request.params, "contentChanges", Json::array());
     const std::string address = request.address();
     if (changes.empty() || !request.server.documents.contains(address)) return nullptr;
-    request.server.documents[address] = readDocument(address, argument(changes.back(), "text", std::string()));
+    readInto(request, argument(changes.back(), "text", std::string()));
     publish(request.server, address);
     return nullptr;
 }
