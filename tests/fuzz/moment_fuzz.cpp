@@ -10,16 +10,11 @@
 #include "calculator/item_bundle.h"
 #include "debugger/debugger.h"
 #include "debugger/moments.h"
-#include "drawing/dot_fonts.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/scripted_run.h"
-#include "platform/clock.h"
-#include "platform/thread_role.h"
 #include "require.h"
-#include "settings/settings_store.h"
-#include "telling/user_interface.h"
+#include "support/silent_runs.h"
 #include "text/program_bytes.h"
-#include "text/token_table.h"
 
 namespace {
 
@@ -47,14 +42,7 @@ bool load() {
 
 // What a moment packs, of a run that stands in a wait of SUB.
 Bytes makePayload() {
-    threadRole = ThreadRole::graphical;
-    tokenTableLoad();
-    loadLargeFont();
-    loadSmallFont();
-    settingsLoad();
-    settingsSetInt(setting::fullSpeed, 1);
-    clockPort.sleepMilliseconds = [](std::uint64_t) {};
-    userInterface = userInterfaceSilent;
+    require(prepareSilentRuns());
     runScripted({.keys = {72, 31, 31}, .getKeys = {}, .statementLimit = 1000}, [] {
         const bool loaded = load();
         momentsFollow();

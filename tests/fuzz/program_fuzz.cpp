@@ -7,17 +7,13 @@
 #include <cstdlib>
 #include <thread>
 
-#include "drawing/dot_fonts.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/runner.h"
 #include "emulator/run/scripted_run.h"
-#include "platform/clock.h"
-#include "platform/thread_role.h"
 #include "referee/run_outcome.h"
-#include "settings/settings_store.h"
-#include "telling/user_interface.h"
-#include "text/token_table.h"
+#include "require.h"
+#include "support/silent_runs.h"
 
 namespace {
 
@@ -43,16 +39,8 @@ void stopSlowRuns() {
 }
 
 bool prepare() {
-    threadRole = ThreadRole::graphical;
-    tokenTableLoad();
-    loadLargeFont();
-    loadSmallFont();
-    settingsLoad();
-    settingsSetInt(setting::fullSpeed, 1);
-    clockPort.sleepMilliseconds = [](std::uint64_t) {};
-    userInterface = userInterfaceSilent;
     std::thread(stopSlowRuns).detach();  // to the end of the process
-    return true;
+    return prepareSilentRuns();
 }
 
 bool loadPrograms(ByteView input) {
@@ -82,7 +70,8 @@ RunOutcome outcomeOf(ByteView programs, bool plainly) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    [[maybe_unused]] static const bool prepared = prepare();
+    static const bool prepared = prepare();
+    require(prepared);
     runs++;
     if (size == 0) return 0;
     settingsSetInt(setting::haltOnError, data[0] & 1);

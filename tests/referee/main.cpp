@@ -8,17 +8,12 @@
 #include <fstream>
 #include <string>
 
-#include "drawing/dot_fonts.h"
 #include "emulator/expressions/evaluator.h"
 #include "emulator/machine/programs.h"
 #include "emulator/run/scripted_run.h"
-#include "platform/clock.h"
-#include "platform/thread_role.h"
 #include "referee/program_maker.h"
 #include "referee/run_outcome.h"
-#include "settings/settings_store.h"
-#include "telling/user_interface.h"
-#include "text/token_table.h"
+#include "support/silent_runs.h"
 
 namespace numalink {
 
@@ -133,17 +128,11 @@ int referee(const Options &options) {
     return differences == 0 ? 0 : 1;
 }
 
-void prepare() {
-    threadRole = ThreadRole::graphical;
-    tokenTableLoad();
-    loadLargeFont();
-    loadSmallFont();
-    settingsLoad();
-    settingsSetInt(setting::fullSpeed, 1);
+bool prepare() {
+    const bool loaded = prepareSilentRuns();
     settingsSetInt(setting::haltOnError, 0);
     settingsSetInt(setting::fillListsMatrices, 0);
-    clockPort.sleepMilliseconds = [](std::uint64_t) {};
-    userInterface = userInterfaceSilent;
+    return loaded;
 }
 
 }  // namespace
@@ -161,7 +150,10 @@ int main(int argc, char **argv) {
     app.add_option("--corpus", options.corpus, "A folder with inputs of program_fuzz, to be changed");
     app.add_option("--program", options.replayed, "Only this one, in hexadecimal; those that it calls behind it");
     CLI11_PARSE(app, argc, argv);
-    numalink::prepare();
+    if (!numalink::prepare()) {
+        std::fputs("numalink-referee: the token table or a font beside the program can't be read\n", stderr);
+        return 2;
+    }
     if (!options.replayed.empty()) return numalink::replay(options.replayed);
     return numalink::referee(options);
 }
