@@ -4,15 +4,14 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
-#include <QHelpEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTextLayout>
-#include <QToolTip>
 #include <algorithm>
 #include <vector>
 
+#include "shell/editor/block_column.h"
 #include "shell/editor/block_memory.h"
 #include "shell/editor/line_numbers.h"
 #include "shell/editor/program_edit.h"
@@ -175,49 +174,21 @@ void paintColumn() {
     painter.fillRect(column->rect(), programEdit->palette().color(QPalette::Base));
     painter.setPen(Qt::NoPen);
     painter.setBrush(programEdit->palette().color(QPalette::Text));
-    for (QTextBlock block = programEdit->cursorForPosition(QPoint(0, 0)).block(); block.isValid();
-         block = block.next()) {
-        if (!block.isVisible()) continue;
-        const QRect place = programEdit->cursorRect(QTextCursor(block));
-        if (place.top() > column->height()) break;
+    eachShownBlock(*column, [&](const QTextBlock &block, const QRect &row) {
         const BlockMemory memory = blockMemory(block);
-        if (memory.foldable) paintSign(painter, QRect(0, place.top(), column->width(), place.height()), memory.folded);
-    }
+        if (memory.foldable) paintSign(painter, row, memory.folded);
+    });
 }
 
-bool showTip(const QHelpEvent &event) {
-    const QTextBlock block = blockAtHeight(*column, event.pos().y());
+QString tipAt(const QTextBlock &block) {
     const std::vector<FoldRange> ranges = rangesNow();
     const auto range = std::ranges::find(ranges, block.isValid() ? block.blockNumber() : -1, &FoldRange::opens);
-    if (range == ranges.end()) {
-        QToolTip::hideText();
-        return true;
-    }
+    if (range == ranges.end()) return {};
     const std::vector<std::string> lines = {std::to_string(range->opens + 2), std::to_string(range->closes)};
-    QToolTip::showText(event.globalPos(), textOf(isFolded(*range) ? Text::foldedLines : Text::foldHere, lines), column);
-    return true;
+    return textOf(isFolded(*range) ? Text::foldedLines : Text::foldHere, lines);
 }
 
-bool columnEvent(QWidget *, QEvent *event) {
-    switch (event->type()) {
-        case QEvent::Paint:
-            paintColumn();
-            return true;
-        case QEvent::MouseButtonPress: {
-            const auto &press = *static_cast<QMouseEvent *>(event);
-            const QTextBlock block = blockAtHeight(*column, press.position().toPoint().y());
-            if (press.button() == Qt::LeftButton && block.isValid()) turnBlock(block);
-            return true;
-        }
-        case QEvent::ToolTip:
-            return showTip(*static_cast<QHelpEvent *>(event));
-        case QEvent::Wheel:
-            QCoreApplication::sendEvent(programEdit->viewport(), event);
-            return true;
-        default:
-            return false;
-    }
-}
+bool columnEvent(QWidget *, QEvent *event) { return serveBlockColumn(column, event, {paintColumn, turnBlock, tipAt}); }
 
 bool editEvent(QWidget *, QEvent *event) {
     if (event->type() == QEvent::Resize || event->type() == QEvent::Show)

@@ -1,16 +1,12 @@
 #include "shell/editor/line_numbers.h"
 
-#include <QApplication>
-#include <QHelpEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextLayout>
-#include <QToolTip>
 #include <algorithm>
 
+#include "shell/editor/block_column.h"
 #include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/own_colors.h"
@@ -82,27 +78,17 @@ void paintMark(QPainter &painter, const LineMark &mark, const HiddenMarks &hidde
     painter.restore();
 }
 
-bool showTip(const QHelpEvent &event) {
-    const QTextBlock block = blockAtHeight(*lineNumberEdit, event.pos().y());
-    QStringList words;
-    if (block.isValid()) {
-        words << lineMarkOf(block.blockNumber() + 1).words;
-        const QStringList hidden = hiddenMarksBelow(block).lines;
-        if (!hidden.isEmpty())
-            words << textOf(Text::foldedBreakpoints, {hidden.join(QStringLiteral(", ")).toStdString()});
-    }
+// What marks the line, and below it what marks the lines that it hides.
+QString tipAt(const QTextBlock &block) {
+    if (!block.isValid()) return {};
+    QStringList words = {lineMarkOf(block.blockNumber() + 1).words};
+    const QStringList hidden = hiddenMarksBelow(block).lines;
+    if (!hidden.isEmpty()) words << textOf(Text::foldedBreakpoints, {hidden.join(QStringLiteral(", ")).toStdString()});
     words.removeAll(QString());
-    const QString shown =
-        words.join(QLatin1Char('\n')).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
-    shown.isEmpty() ? QToolTip::hideText() : QToolTip::showText(event.globalPos(), shown, lineNumberEdit);
-    return true;
+    return words.join(QLatin1Char('\n'));
 }
 
-bool clicked(const QMouseEvent &event) {
-    const QTextBlock block = blockAtHeight(*lineNumberEdit, event.position().toPoint().y());
-    if (event.button() == Qt::LeftButton && block.isValid()) lineNumberClicked(block.blockNumber() + 1);
-    return true;
-}
+void clicked(const QTextBlock &block) { lineNumberClicked(block.blockNumber() + 1); }
 
 void paintNumbers() {
     QPainter painter(lineNumberEdit);
@@ -110,37 +96,16 @@ void paintNumbers() {
     painter.fillRect(lineNumberEdit->rect(), palette.color(QPalette::Window));
     painter.setPen(palette.color(QPalette::WindowText));
     painter.setFont(numberFont(programEdit->blockCount(), lineNumberEdit->width()));
-    const QWidget *viewport = programEdit->viewport();
-    const int offset = viewport->mapTo(clientArea, QPoint(0, 0)).y() - lineNumberEdit->y();
-    for (QTextBlock block = programEdit->cursorForPosition(QPoint(0, 0)).block(); block.isValid();
-         block = block.next()) {
-        if (!block.isVisible()) continue;
-        const QRect place = programEdit->cursorRect(QTextCursor(block));
-        const int top = place.top() + offset;
-        if (top > lineNumberEdit->height()) break;
-        paintMark(painter, lineMarkOf(block.blockNumber() + 1), hiddenMarksBelow(block),
-                  QRect(0, top, lineNumberEdit->width(), place.height()));
+    eachShownBlock(*lineNumberEdit, [&](const QTextBlock &block, const QRect &row) {
+        paintMark(painter, lineMarkOf(block.blockNumber() + 1), hiddenMarksBelow(block), row);
         const QString number = QString::number(block.blockNumber() + 1);
         const int width = painter.fontMetrics().horizontalAdvance(number);
-        painter.drawText(lineNumberEdit->width() - margin - width, top + baselineOf(block), number);
-    }
+        painter.drawText(row.width() - margin - width, row.top() + baselineOf(block), number);
+    });
 }
 
-bool columnEvent(QWidget *, QEvent *event) {
-    switch (event->type()) {
-        case QEvent::Paint:
-            paintNumbers();
-            return true;
-        case QEvent::MouseButtonPress:
-            return clicked(*static_cast<QMouseEvent *>(event));
-        case QEvent::ToolTip:
-            return showTip(*static_cast<QHelpEvent *>(event));
-        case QEvent::Wheel:
-            QCoreApplication::sendEvent(programEdit->viewport(), event);
-            return true;
-        default:
-            return false;
-    }
+bool columnEvent(QWidget *column, QEvent *event) {
+    return serveBlockColumn(column, event, {paintNumbers, clicked, tipAt});
 }
 
 }  // namespace
@@ -158,13 +123,6 @@ HiddenMarks hiddenMarksBelow(const QTextBlock &block) {
         if (marks.sign != LineSign::breakpoint) marks.sign = mark.sign;
     }
     return marks;
-}
-
-QTextBlock blockAtHeight(const QWidget &column, int y) {
-    const int offset = column.mapFromGlobal(programEdit->viewport()->mapToGlobal(QPoint(0, 0))).y();
-    const QTextBlock block = programEdit->cursorForPosition(QPoint(0, y - offset)).block();
-    const QRect place = programEdit->cursorRect(QTextCursor(block));
-    return y - offset <= place.bottom() ? block : QTextBlock();
 }
 
 void connectLineNumbers() { hookEvents(lineNumberEdit, columnEvent); }

@@ -27,9 +27,6 @@ struct HiddenMarks {
 };
 HiddenMarks hiddenMarksBelow(const QTextBlock &block);
 
-// The block of the program at a height of a column beside it, or an invalid one.
-QTextBlock blockAtHeight(const QWidget &column, int y);
-
 void connectLineNumbers();
 void repaintLineNumbers();
 
