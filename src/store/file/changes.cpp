@@ -64,6 +64,14 @@ std::uint64_t endOfRecords(const StoreState &state) {
     return end;
 }
 
+// Ends a change with its head; next is the state from then on.
+Fault commitState(StoreState next) REQUIRES_LOCK(storeLock) {
+    changeWrite(0, bytesOf(next.main));
+    const Fault fault = faultOf(changeCommit());
+    if (fault == Fault::none) storeState = std::move(next);
+    return fault;
+}
+
 // Once the gaps are larger than the records, they are closed without waiting for the end of the run. Should that fail,
 // nothing is lost but the room, so it says nothing: the change ahead of it is done.
 void closeLargeGaps() REQUIRES_LOCK(storeLock) {
@@ -169,10 +177,7 @@ Fault moveOne(GapMove &move) REQUIRES_LOCK(storeLock) {
         const auto *head = reinterpret_cast<const std::uint8_t *>(&gap);
         changeWrite(end, Bytes(head, head + sizeof gap));
     }
-    changeWrite(0, bytesOf(next.main));
-    const Fault fault = faultOf(changeCommit());
-    if (fault == Fault::none) storeState = std::move(next);
-    return fault;
+    return commitState(std::move(next));
 }
 
 }  // namespace
@@ -224,13 +229,10 @@ Fault changeRecords(const std::vector<bool> &leaving, std::span<const NewRecord>
     changeBegin();
     unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
     changeWrite(place, std::move(bytes));
-    changeWrite(0, bytesOf(next.main));
-    const Fault fault = faultOf(changeCommit());
-    if (fault != Fault::none) return fault;
     next.arrivals++;
-    storeState = std::move(next);
-    closeLargeGaps();
-    return Fault::none;
+    const Fault fault = commitState(std::move(next));
+    if (fault == Fault::none) closeLargeGaps();
+    return fault;
 }
 
 Fault closeGaps() {
@@ -269,13 +271,10 @@ Fault changeAndRemove(const std::vector<bool> &leaving, std::span<const Patch> p
     changeBegin();
     unmarkRecords(leaving, storeState.damaged ? UINT64_MAX : next.main.endOffset);
     writePatches(patches);
-    changeWrite(0, bytesOf(next.main));
-    const Fault fault = faultOf(changeCommit());
-    if (fault != Fault::none) return fault;
     next.arrivals++;
-    storeState = std::move(next);
-    closeLargeGaps();
-    return Fault::none;
+    const Fault fault = commitState(std::move(next));
+    if (fault == Fault::none) closeLargeGaps();
+    return fault;
 }
 
 Fault changeHead() {
