@@ -1,5 +1,6 @@
 // The tree: what stands where, renaming, moving and deleting, and undo.
 #include "shell/shell_fixture.h"
+#include "shell/tree/delete_question.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
 #include "shell/tree/tree_rules.h"
@@ -297,14 +298,24 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     answer("Return");
     drag(moved, centreOf(target));
     EXPECT_EQ(storeListChildren(target).size(), 2u) << "Enter keeps both";
-    storeMove(moved, rootId);
-    refreshTree();
+    EXPECT_EQ(storeReadEntry(moved)->name, "prog 2");
+    EXPECT_EQ(itemField->text(), textOf(Text::itemStoredAs, {"prog", "prog 2"}));
+    commandAction(CommandId::undo)->trigger();
+    EXPECT_EQ(storeReadEntry(moved)->name, "prog");
+    const ItemId another = add(kind::folder, "Target");
+    const ItemId inner = add(kind::folder, "TARGET", another);
+    answer("Return");
+    moveDropped(inner, rootId);
+    EXPECT_EQ(storeReadEntry(inner)->name, "TARGET 2");
+    commandAction(CommandId::undo)->trigger();
+    EXPECT_EQ(storeReadEntry(inner)->parent, another);
+    EXPECT_EQ(storeReadEntry(inner)->name, "TARGET");
     answer(wording(Text::replace));
     drag(moved, centreOf(target));
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
     EXPECT_EQ(shown.size(), 3u);
-    emit menuAt(MenuPosition::edit)->aboutToShow();
+    menuAt(MenuPosition::edit)->aboutToShow();
     auto *undoAction = commandAction(CommandId::undo);
     EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
     undoAction->trigger();
@@ -366,7 +377,7 @@ TEST_F(Tree, WhatWasDeletedComesBackByUndoAndTheEditorKeepsItsOwn) {
     }
     refreshTree();
     select(games);
-    emit menuAt(MenuPosition::edit)->aboutToShow();
+    menuAt(MenuPosition::edit)->aboutToShow();
     QAction *undoAction = commandAction(CommandId::undo);
     EXPECT_EQ(undoAction->text(), textOf(Text::undoReplacement, {"XY"}));
     undoAction->trigger();

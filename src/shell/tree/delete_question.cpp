@@ -14,6 +14,7 @@
 #include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
 #include "shell/views/item_views.h"
+#include "store/items/arrivals.h"
 #include "store/undo/undo.h"
 #include "telling/tell_user.h"
 
@@ -62,20 +63,44 @@ TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace) {
     return box.clickedButton() == keepBoth ? TakenAnswer::keepBoth : TakenAnswer::cancel;
 }
 
+namespace {
+
+// By the road that several take. The name that it has there; nothing when it stays.
+std::optional<std::string> moveItem(const ItemEntry &moved, ItemId folder) {
+    std::vector<Arrival> arrivals = planArrivals({{moved.id, folder, {}, 0, {}}});
+    if (arrivals.empty()) return std::nullopt;
+    Arrival &arrival = arrivals.front();
+    if (anyTaken(arrivals)) {
+        const TakenAnswer answer = askNameTaken(moved, true);
+        if (answer == TakenAnswer::cancel) return std::nullopt;
+        arrival.choice = answer == TakenAnswer::replace ? ArrivalChoice::replace : ArrivalChoice::keepBoth;
+    }
+    const UndoGroup group(UndoAct::move);
+    ArrivalCounts counts;
+    if (!placeArrivals(arrivals, counts)) return std::nullopt;
+    const auto placed = storeReadEntry(moved.id);
+    return placed ? placed->name : moved.name;
+}
+
+std::optional<std::string> moveFolder(const ItemEntry &moved, ItemId folder) {
+    const bool isTaken = storeItemExists(moved.name, folder);
+    if (isTaken && askNameTaken(moved, false) == TakenAnswer::cancel) return std::nullopt;
+    const UndoGroup group(UndoAct::move);
+    const std::string name = isTaken ? storeFreeName(moved.name, folder, moved.kind) : moved.name;
+    if (!storeMove(moved.id, folder)) return std::nullopt;
+    return name != moved.name && !storeRename(moved.id, name) ? moved.name : name;
+}
+
+}  // namespace
+
 void moveDropped(ItemId item, ItemId folder) {
     const std::optional<ItemEntry> moved = storeReadEntry(item);
     if (!moved || moved->parent == folder || !leaveCurrentView()) return;
-    const ItemId taken = storeFindItem(moved->name, folder);
-    TakenAnswer answer = TakenAnswer::keepBoth;
-    std::optional<ItemEntry> other = taken != noItem ? storeReadEntry(taken) : std::nullopt;
-    if (other) answer = askNameTaken(*moved, other->kind == moved->kind);
-    const UndoGroup group(UndoAct::move);  // both come back together
-    if (answer != TakenAnswer::cancel && storeMove(item, folder)) {
-        // The old item goes only once the moved one is in its place.
-        if (answer == TakenAnswer::replace) storeDelete(other->id);
-        refreshTree();
-    }
+    const auto name = isFolderKind(moved->kind) ? moveFolder(*moved, folder) : moveItem(*moved, folder);
+    if (name) refreshTree();
     selectItem(item);
+    if (name && *name != moved->name)
+        statusLine(StatusPart::item, Text::itemStoredAs, {utf8FromCalculator(moved->name), utf8FromCalculator(*name)});
 }
 
 }  // namespace numalink

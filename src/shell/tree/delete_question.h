@@ -14,7 +14,8 @@ enum class TakenAnswer { cancel, keepBoth, replace };
 // Another item of the name stands in the folder. Replacing is offered only where that one is of the same kind.
 TakenAnswer askNameTaken(const ItemEntry &moved, bool mayReplace);
 
-// Moves an item as a drop does: leaves the view, asks when the name is taken there.
+// Moves an item as a drop does: leaves the view, asks when the name is taken there. Kept beside the other, it gets a
+// free name.
 void moveDropped(ItemId item, ItemId folder);
 
 }  // namespace numalink
