@@ -144,7 +144,7 @@ std::string contentOf(ItemId folder) {
         StoredItem item;
         EXPECT_TRUE(storeReadItem(entry.id, item));
         const auto info = decodeProgramInfo(item.head);
-        if (isTextKind(item.kind)) {
+        if (isTextKind(item.kind) && info) {
             EXPECT_EQ(info->name, item.name);
         }
         all += item.name + (isTextKind(item.kind) ? "=" + std::string(1, static_cast<char>(item.data[1])) : "") + ", ";
@@ -291,6 +291,45 @@ TEST_F(Import, ManyThatTakeThePlaceOfOthersNeedNoMoreRoomThanOneFile) {
     importFiles(files);
     EXPECT_TRUE(uiRecord.boxes.empty());
     EXPECT_EQ(contentOf(programs), "A=n, B=n, C=n, D=n, ");
+    TakenBack done;
+    while (storeUndo(done)) continue;
+    const std::string before = contentOf(programs);
+    uiRecord.answerImport = [](ImportQuestion &question) { question.forAll = true; };
+    uiRecord.arrivals.clear();
+    ImportWays ways;
+    ways.goesOn = [](std::size_t read, std::size_t) { return read < 3; };
+    importFiles(files, ways);
+    EXPECT_EQ(uiRecord.arrivals.size(), 2u) << "two had come in already";
+    EXPECT_EQ(contentOf(programs), before) << "of what was cancelled nothing stays";
+}
+
+TEST_F(Import, ACancelledOneLeavesNothingAndSendsNothing) {
+    std::vector<FileToImport> files;
+    for (const std::string name : {"A", "B", "C", "D"}) {
+        scratch.write(name + ".cat", catProgram(name));
+        files.push_back({scratch.path + name + ".cat", name});
+    }
+    for (const ImportAction action : {ImportAction::oneFolder, ImportAction::transmit}) {
+        uiRecord.answerImport = [&](ImportQuestion &question) {
+            question.action = action;
+            question.forAll = true;
+        };
+        std::vector<std::size_t> told;
+        int pauses = 0;
+        ImportWays ways;
+        ways.goesOn = [&](std::size_t done, std::size_t all) {
+            told.push_back(done);
+            return all == 4 && done < 3;
+        };
+        ways.pauses = [&] { pauses++; };
+        importFiles(files, ways);
+        EXPECT_THAT(told, ElementsAre(1, 2, 3)) << "the first one had a question";
+        EXPECT_EQ(pauses, 1);
+        EXPECT_TRUE(namesIn(storeTempFolder()).empty());
+        EXPECT_EQ(storeFindItem("A", rootId), noItem);
+        EXPECT_TRUE(transmitQueueIds().empty());
+        EXPECT_EQ(uiRecord.lines.back(), "status 2: " + wording(Text::importCancelled));
+    }
 }
 
 TEST_F(Import, WhatChangesWhileTheListIsOpenIsSeen) {

@@ -58,9 +58,14 @@ struct Import {
     std::vector<ItemId> toTransmit;       // that are to be sent
     std::optional<ImportQuestion> given;  // the answer for all files to come
     std::vector<std::string> notes;       // what was to be told since then
-    bool alwaysLists = false;
+    const ImportWays &ways;
+    std::size_t steps = 0;  // of undo, for what came in already
     bool cancelled = false;
 };
+
+void pause(const Import &import) {
+    if (import.ways.pauses) import.ways.pauses();
+}
 
 // What the file holds.
 std::vector<NewItem> itemsOf(ByteView file, ItemReader reader, const std::string &baseName, ImportReport &report) {
@@ -136,15 +141,16 @@ void tellCounts(const ArrivalCounts &counts) {
 
 // Shows what comes in where there is something to choose or to tell. False when it was cancelled.
 bool askArrivals(std::vector<Arrival> &arrivals, const Import &import) {
-    if (!import.alwaysLists && import.notes.empty() && !anyTaken(arrivals)) return true;
+    if (!import.ways.alwaysLists && import.notes.empty() && !anyTaken(arrivals)) return true;
     ArrivalsQuestion question{.rows = {arrivals.begin(), arrivals.end()}, .notes = import.notes};
+    pause(import);
     userInterface.askArrivals(question);
     for (std::size_t i = 0; i < arrivals.size(); i++) arrivals[i].choice = question.rows[i].choice;
     return question.accepted;
 }
 
 // With the folders that they go to: one of them may have been made, or gone, while the list was open.
-bool placeChosen(const std::vector<Arrival> &arrivals, Import import) {
+bool placeChosen(const std::vector<Arrival> &arrivals, Import &import) {
     std::map<ItemId, ArrivalChoice> chosen;
     for (const Arrival &arrival : arrivals)
         if (arrival.choice != ArrivalChoice::skip) chosen[arrival.id] = arrival.choice;
@@ -159,6 +165,7 @@ bool placeChosen(const std::vector<Arrival> &arrivals, Import import) {
     for (Arrival &arrival : placed) arrival.choice = chosen[arrival.id];
     ArrivalCounts counts;
     if (!placeArrivals(placed, counts)) return false;
+    if (counts.placed > 0) import.steps++;
     counts.skipped = arrivals.size() - chosen.size();
     tellCounts(counts);
     if (placed.size() < chosen.size()) tellUser(Text::importGone, {std::to_string(chosen.size() - placed.size())});
@@ -166,7 +173,7 @@ bool placeChosen(const std::vector<Arrival> &arrivals, Import import) {
 }
 
 // False when the user has cancelled it.
-bool placeItems(const Import &import) {
+bool placeItems(Import &import) {
     std::vector<Arrival> arrivals = planArrivals(arrivingOf(import, false));
     if (arrivals.empty() && import.notes.empty()) return true;
     if (!askArrivals(arrivals, import)) return false;
@@ -182,6 +189,26 @@ bool placeItems(const Import &import) {
     }
     userInterface.refreshTree();
     return true;
+}
+
+// What came in ahead of the rest, for want of room for all at once. False when something else was done since.
+bool takeBackSteps(const Import &import) {
+    for (std::size_t step = 0; step < import.steps; step++) {
+        const auto offer = storeUndoOffer();
+        TakenBack done;
+        if (!offer || offer->act != UndoAct::import || !storeUndo(done) || done.changedSince) return false;
+    }
+    return true;
+}
+
+void cancelImport(const Import &import) {
+    const bool nothingStays = takeBackSteps(import);
+    std::vector<ItemId> kept = transmitQueueHeld();
+    kept.insert(kept.end(), import.toTransmit.begin(), import.toTransmit.end());
+    storeTidyTemp(kept);
+    userInterface.refreshTree();
+    const bool onlyListed = import.ways.alwaysLists;  // it was never meant to come in
+    if (nothingStays && !onlyListed) statusLine(StatusPart::item, Text::importCancelled);
 }
 
 // What takes the place of others needs room beside them only as long as it waits: so much as fits comes in at a time.
@@ -244,6 +271,7 @@ bool readFile(const FileToImport &source, Parked &parked, Import &import) {
     }
     if (format->read == nullptr) {
         // A refused or unreadable picture ends the import.
+        pause(import);
         const ItemId picture = importBitmap(file, source.path, source.baseName);
         if (picture != noItem) parked.ids = {picture};
         return true;
@@ -268,9 +296,15 @@ bool readForAll(const FileToImport &source, Parked &parked, Import &import) {
     return isTaken;
 }
 
-void readAll(const std::vector<FileToImport> &files, const ImportWays &ways, Import &import) {
+void readAll(const std::vector<FileToImport> &files, Import &import) {
+    const ImportWays &ways = import.ways;
     for (std::size_t i = 0; i < files.size(); i++) {
         if (ways.starts != nullptr) ways.starts(files[i].path);
+        if (import.given && ways.goesOn && !ways.goesOn(i, files.size())) {
+            import.toTransmit.clear();
+            import.cancelled = true;
+            return;
+        }
         const std::size_t left = files.size() - i - 1;
         Parked parked{.fileName = files[i].baseName, .ids = {}, .answer = {}};
         const bool isTaken = import.given ? readForAll(files[i], parked, import) : readFile(files[i], parked, import);
@@ -288,10 +322,11 @@ void readAll(const std::vector<FileToImport> &files, const ImportWays &ways, Imp
 void importFiles(const std::vector<FileToImport> &files, const ImportWays &ways) {
     assertRole(ThreadRole::graphical);
     if (!userInterface.leaveCurrentView() || !storeResetTemp(transmitQueueHeld())) return;
-    Import import;
-    import.alwaysLists = ways.alwaysLists;
-    readAll(files, ways, import);
-    if (!import.cancelled) placeItems(import);
+    Import import{.parked = {}, .toTransmit = {}, .given = {}, .notes = {}, .ways = ways};
+    readAll(files, import);
+    pause(import);
+    if (!import.cancelled) import.cancelled = !placeItems(import);
+    if (import.cancelled) cancelImport(import);
     transmitItems(import.toTransmit);
 }
 

@@ -2,6 +2,7 @@
 // and a question says where from there. Graphical thread only.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,11 +23,15 @@ struct FileToImport {
 struct ImportWays {
     void (*starts)(const std::string &path) = nullptr;  // told ahead of each file
     bool alwaysLists = false;                           // also what is all new is shown ahead
+    // Asked ahead of each file once no file has a question of its own any more; false cancels the import.
+    std::function<bool(std::size_t done, std::size_t all)> goesOn = {};
+    std::function<void()> pauses = {};  // something is asked next, or all is read
 };
 
 // Imports files: each is asked about, unless an answer was given for all, and what comes in is shown ahead as one list
 // where names are taken or there was something to tell. All outcome is told to the user. What an earlier import has
-// parked goes, unless it waits for its transmission. All that comes into the library is taken back in one step.
+// parked goes, unless it waits for its transmission. All that comes into the library is taken back in one step. Of an
+// import that was cancelled nothing stays.
 void importFiles(const std::vector<FileToImport> &files, const ImportWays &ways = {});
 void importFile(const std::string &path, const std::string &baseName);
 

@@ -18,6 +18,7 @@
 #include "platform/program_folder.h"
 #include "platform/thread_role.h"
 #include "shell/commands/library_commands.h"
+#include "shell/parts/long_work.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/save_path.h"
 #include "shell/parts/selected_item.h"
@@ -73,6 +74,16 @@ std::vector<FileToImport> takeFilesAheadOfLibrary() {
     return files;
 }
 
+// With a bar and Cancel, as long as no file has a question of its own.
+void importTogether(const std::vector<FileToImport> &files) {
+    std::optional<LongWork> work;
+    const auto goesOn = [&](std::size_t done, std::size_t all) {
+        if (!work) work.emplace(Text::importReading, all);
+        return work->step(done);
+    };
+    importFiles(files, {.goesOn = goesOn, .pauses = [&] { work.reset(); }});
+}
+
 // One file after the other, and none while a box or dialog is open: an import empties the temporary folder, which the
 // dialog of another import may be asking about.
 void importWaitingFiles() {
@@ -85,7 +96,7 @@ void importWaitingFiles() {
     while (!state.filesToImport.empty() && storeIsOpen()) {
         const std::vector<FileToImport> files = takeFilesAheadOfLibrary();
         if (!files.empty())
-            importFiles(files);
+            importTogether(files);
         else
             openLibraryFile(takeFirstFile());
     }
