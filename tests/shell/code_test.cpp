@@ -14,14 +14,9 @@
 namespace numalink {
 
 struct Code : ShellTest {
-    static std::string bytesOf(std::string_view words) {
-        Bytes bytes;
-        EXPECT_LT(tokensFromWords(words, bytes), 0);
-        return {bytes.begin(), bytes.end()};
-    }
     ItemId open(std::string_view words, const std::string &name = "PROG") {
         EXPECT_TRUE(running || startProgram());
-        const ItemId id = addProgram(name, bytesOf(words));
+        const ItemId id = addWords(name, words);
         show(id);
         programEdit->setFocus();
         return id;
@@ -261,7 +256,7 @@ TEST_F(Code, TheColumnFoldsByTheMouse) {
 
 TEST_F(Code, GoesToNamesAndBackAndRenamesThem) {
     ASSERT_TRUE(startProgram());
-    const ItemId sub = addProgram("SUB", bytesOf("\\Prog \"MAIN\""));
+    const ItemId sub = addProgram("SUB", tokensOf("\\Prog \"MAIN\""));
     const ItemId main = open("\\Goto1\r\n\\Lbl 1\r\n\\Prog \"SUB\"", "MAIN");
     programEdit->moveCursor(QTextCursor::Right);
     handleCommand(CommandId::codeDefinition);

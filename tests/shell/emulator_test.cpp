@@ -6,7 +6,6 @@
 #include "emulator/screens/display.h"
 #include "shell/run/emulator_window.h"
 #include "shell/shell_fixture.h"
-#include "text/program_bytes.h"
 
 namespace numalink {
 
@@ -18,10 +17,8 @@ struct Emulator : StartedShell {
 
     // Selects a new program of these exchange words and presses F7.
     void run(const char *words) {
-        Bytes tokens;
-        ASSERT_EQ(tokensFromWords(words, tokens), -1);
         displayBefore = displayNow().dots;
-        program = addProgram("RUN", std::string(tokens.begin(), tokens.end()));
+        program = addWords("RUN", words);
         show(program);
         QTest::keyClick(mainWindow, Qt::Key_F7);
         ASSERT_TRUE(emulatorRunning);
@@ -127,9 +124,7 @@ TEST_F(Emulator, ALineTellsOfModeCommandsAndItsButtonTurnsThemOn) {
     run("\\Rad:\\Lbl 1:\\Goto1");
     EXPECT_FALSE(window->findChild<QWidget *>(QStringLiteral("modeLine"))->isVisible()) << "so it is in any case";
     handleCommand(CommandId::emulate);
-    Bytes tokens;
-    ASSERT_EQ(tokensFromWords("\\Break", tokens), -1);
-    addProgram("CALLED", std::string(tokens.begin(), tokens.end()));
+    addWords("CALLED", "\\Break");
     run("\\Lbl 1:\\Prog \"CALLED\":\\Goto1");
     const auto *line = window->findChild<QWidget *>(QStringLiteral("modeLine"));
     ASSERT_TRUE(line->isVisible());

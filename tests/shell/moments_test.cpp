@@ -9,7 +9,6 @@
 #include "shell/run/moments.h"
 #include "shell/run/moments_dialog.h"
 #include "shell/shell_fixture.h"
-#include "text/program_bytes.h"
 
 namespace numalink {
 
@@ -18,9 +17,7 @@ struct MomentsInWindow : StartedShell {
     void SetUp() override {
         StartedShell::SetUp();
         settingsSetInt(setting::fullSpeed, 1);
-        Bytes tokens;
-        ASSERT_EQ(tokensFromWords("\\Ran#\\->A:\\Locate 1,1,\"HI\":?\\->B:7\\->C:\\Lbl 1:\\Goto 1", tokens), -1);
-        program = addProgram("RUN", std::string(tokens.begin(), tokens.end()));
+        program = addWords("RUN", "\\Ran#\\->A:\\Locate 1,1,\"HI\":?\\->B:7\\->C:\\Lbl 1:\\Goto 1");
         show(program);
     }
 
@@ -140,9 +137,7 @@ TEST_F(MomentsInWindow, TheOldestGoesOnlyWhereTheUserLetsIt) {
 
 // A moment whose way takes minutes: that is told, Escape ends it from anywhere in the window, and it is kept as it was.
 TEST_F(MomentsInWindow, ALongWayToAMomentIsToldAndEscapeEndsIt) {
-    Bytes tokens;
-    ASSERT_EQ(tokensFromWords("\\Do:A+1\\->A:\\LpWhile 1", tokens), -1);
-    program = addProgram("LOOP", std::string(tokens.begin(), tokens.end()));
+    program = addWords("LOOP", "\\Do:A+1\\->A:\\LpWhile 1");
     show(program);
     QTest::keyClick(mainWindow, Qt::Key_F7);
     ASSERT_TRUE(emulatorRunning);

@@ -17,7 +17,6 @@
 #include "shell/run/recording.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/bitmap_export.h"
-#include "text/program_bytes.h"
 
 namespace numalink {
 
@@ -37,9 +36,7 @@ struct Playing : StartedShell {
     }
 
     void run(const char *words) {
-        Bytes tokens;
-        ASSERT_EQ(tokensFromWords(words, tokens), -1);
-        program = addProgram("PLAY", std::string(tokens.begin(), tokens.end()));
+        program = addWords("PLAY", words);
         show(program);
         handleCommand(CommandId::emulate);
         ASSERT_TRUE(emulatorRunning);

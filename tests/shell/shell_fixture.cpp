@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "telling/tell_user.h"
+#include "text/program_bytes.h"
 
 namespace numalink {
 
@@ -144,6 +145,12 @@ ItemId ShellTest::add(ItemKind itemKind, const std::string &name, ItemId parent)
                          .data = {},
                          .whenTaken = NameTaken::keepBoth,
                          .flags = isFolder ? folderOpenFlag : 0});
+}
+
+std::string ShellTest::tokensOf(std::string_view words) {
+    Bytes tokens;
+    EXPECT_EQ(tokensFromWords(words, tokens), -1);
+    return {tokens.begin(), tokens.end()};
 }
 
 ItemId ShellTest::addProgram(const std::string &name, const std::string &tokens, ItemId parent) {

@@ -47,6 +47,10 @@ struct ShellTest : testing::Test {
     static bool commandEnabled(CommandId id) { return commandAction(id)->isEnabled(); }
     static ItemId add(ItemKind itemKind, const std::string &name, ItemId parent = rootId);
     static ItemId addProgram(const std::string &name, const std::string &tokens, ItemId parent = rootId);
+    static std::string tokensOf(std::string_view words);  // exchange words, all of them known
+    static ItemId addWords(const std::string &name, std::string_view words, ItemId parent = rootId) {
+        return addProgram(name, tokensOf(words), parent);
+    }
 
     ScratchFolder folder;
     std::deque<std::string> answers;

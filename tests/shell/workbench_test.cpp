@@ -19,7 +19,6 @@
 #include "shell/workbench/debugging.h"
 #include "shell/workbench/pane_parts.h"
 #include "shell/workbench/panes.h"
-#include "text/program_bytes.h"
 
 namespace numalink {
 
@@ -27,12 +26,6 @@ struct Workbench : StartedShell {
     void SetUp() override {
         StartedShell::SetUp();
         settingsSetInt(setting::fullSpeed, 1);
-    }
-
-    ItemId addWords(const char *name, const char *words) {
-        Bytes tokens;
-        EXPECT_EQ(tokensFromWords(words, tokens), -1);
-        return addProgram(name, std::string(tokens.begin(), tokens.end()));
     }
 
     // By a command, up to the stop that it leads to; its line, or 0 where there is none.
