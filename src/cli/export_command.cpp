@@ -40,14 +40,21 @@ int runExport(const ExportOptions &options) {
 CommandRun declareExport(CLI::App &command) {
     const auto options = std::make_shared<ExportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
-    command.add_option("--to", options->target, targetOptionHelp)->check(CLI::IsMember(targetOptions()));
-    command.add_option("FILE", options->file, "The file to write");
+    auto *target = command.add_option("--to", options->target, targetOptionHelp);
+    target->check(CLI::IsMember(targetOptions()));
+    auto *file = command.add_option("FILE", options->file, "The file to write");
     command.add_option("ITEM", options->items, "Ids, or paths such as /Programs/SNAKE");
-    command.add_option(
-        "--text", options->texts,
-        "Bring this folder of texts in step with the programs of the library, instead of writing a file");
-    command.add_flag("--each", options->each, "FILE is a folder, and each item gets a file of its own in it");
-    command.add_flag("--replace", options->replace, "Replace files that exist");
+    auto *each =
+        command.add_flag("--each", options->each, "FILE is a folder, and each item gets a file of its own in it");
+    auto *replace = command.add_flag("--replace", options->replace, "Replace files that exist");
+    command
+        .add_option("--text", options->texts,
+                    "Bring this folder of texts in step with the programs of the library, instead of writing a file. "
+                    "Exit status: 1 where something was told that stays on both sides")
+        ->excludes(target)
+        ->excludes(file)
+        ->excludes(each)
+        ->excludes(replace);
     return [options] { return runExport(*options); };
 }
 

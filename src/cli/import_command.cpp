@@ -111,10 +111,11 @@ int runImport(const ImportOptions &options) {
 CommandRun declareImport(CLI::App &command) {
     const auto options = std::make_shared<ImportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
-    command.add_option("FILE", options->files, "The files to read: " + importFormatNames());
+    auto *files = command.add_option("FILE", options->files, "The files to read: " + importFormatNames());
     auto *texts =
         command.add_option("--text", options->texts,
                            "Bring the programs of the library in step with this folder of texts, which an export made");
+    texts->excludes(files);
     command.add_option("--into", options->into,
                        "\"standard\": every item into the folder of its kind; else the name of one folder for all. "
                        "Without it, one folder named as the file for two items or more, else \"standard\"");

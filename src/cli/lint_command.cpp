@@ -1,7 +1,9 @@
 // numalink-cli lint: what is wrong in the programs of a library.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "calculator/charset.h"
 #include "cli/commands.h"
@@ -9,7 +11,9 @@
 #include "cli/terminal_ui.h"
 #include "language/folder_context.h"
 #include "language/program_text.h"
+#include "search/search.h"
 #include "store/item_store.h"
+#include "store/items/item_path.h"
 
 namespace numalink {
 
@@ -24,29 +28,14 @@ struct LintOptions {
 constexpr const char *severityWords[] = {"error", "warning", "hint"};
 
 std::string pathOf(const ItemEntry &entry) {
-    std::string path = printableName(entry.name);
-    ItemId parent = entry.parent;
-    for (std::uint32_t depth = 0; parent != rootId && depth < storeSlotCount; depth++) {
-        const auto folder = storeReadEntry(parent);
-        if (!folder) break;
-        path.insert(0, printableName(folder->name) + "/");
-        parent = folder->parent;
-    }
-    return "/" + path;
+    std::string path;
+    for (const std::string &name : storePathOf(entry)) path += "/" + printableName(name);
+    return path;
 }
 
-// The item itself if it is a program, and the programs in a folder, however deep.
-void addPrograms(const ItemEntry &entry, std::vector<ItemEntry> &programs) {
-    if (isTextKind(entry.kind)) programs.push_back(entry);
-    if (!isFolderKind(entry.kind) || programs.size() > storeSlotCount) return;
-    for (const ItemEntry &child : storeListChildren(entry.id)) addPrograms(child, programs);
-}
-
+// The item itself if it is a program, and the programs in a folder, however deep; each once.
 bool findPrograms(const std::vector<std::string> &items, std::vector<ItemEntry> &programs) {
-    if (items.empty()) {
-        for (const ItemEntry &entry : storeListItems())
-            if (isTextKind(entry.kind)) programs.push_back(entry);
-    }
+    std::vector<ItemId> found = items.empty() ? searchedItems(rootId) : std::vector<ItemId>();
     for (const std::string &item : items) {
         const ItemId id = findItem(item);
         const auto entry = id == noItem ? std::nullopt : storeReadEntry(id);
@@ -54,7 +43,17 @@ bool findPrograms(const std::vector<std::string> &items, std::vector<ItemEntry> 
             commandFailed("no item \"" + item + "\" in this library; \"list\" tells ids and names");
             return false;
         }
-        addPrograms(*entry, programs);
+        if (!isTextKind(entry->kind) && !isFolderKind(entry->kind)) {
+            commandFailed("\"" + item + "\" is no program and no folder");
+            return false;
+        }
+        const std::vector<ItemId> within = isFolderKind(entry->kind) ? searchedItems(id) : std::vector{id};
+        found.insert(found.end(), within.begin(), within.end());
+    }
+    std::set<ItemId> taken;
+    for (const ItemId id : found) {
+        const auto entry = storeReadEntry(id);
+        if (entry && isTextKind(entry->kind) && taken.insert(id).second) programs.push_back(*entry);
     }
     return true;
 }
@@ -100,8 +99,10 @@ int runLint(const LintOptions &options) {
     int status = exitDone;
     for (const ItemEntry &entry : programs) {
         StoredItem item;
-        if (!storeReadItem(entry.id, item)) return exitFailed;
-        if (lintProgram(item, pathOf(entry), options.json, list) > 0) status = exitShown;
+        if (!storeReadItem(entry.id, item))
+            status = exitFailed;  // the others are told all the same
+        else if (lintProgram(item, pathOf(entry), options.json, list) > 0)
+            status = std::max(status, exitShown);
     }
     if (options.json) std::printf("%s\n", list.dump(1).c_str());
     return status;

@@ -16,6 +16,7 @@
 #include "platform/letter_case.h"
 #include "search/search.h"
 #include "store/form_changes.h"
+#include "store/items/item_path.h"
 #include "store/undo/undo.h"
 #include "text/lenient_text.h"
 #include "text/program_images.h"
@@ -29,7 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t textFileLimit = 16u << 20;  // bytes
-constexpr int folderDepth = 50;
 
 struct FolderStep {
     std::string folder;
@@ -77,14 +77,8 @@ std::optional<std::string> readText(const std::string &path) {
 
 // "/Programs/SNAKE" with its folders, in UTF-8; a "/" in a name stands as such, as in the library's own paths.
 std::vector<std::string> pathParts(const ItemEntry &entry) {
-    std::vector<std::string> parts = {utf8FromCalculator(entry.name)};
-    ItemId parent = entry.parent;
-    for (int depth = 0; depth < folderDepth && parent != rootId; depth++) {
-        const auto folder = storeReadEntry(parent);
-        if (!folder) break;
-        parts.insert(parts.begin(), utf8FromCalculator(folder->name));
-        parent = folder->parent;
-    }
+    std::vector<std::string> parts;
+    for (const std::string &name : storePathOf(entry)) parts.push_back(utf8FromCalculator(name));
     return parts;
 }
 
@@ -97,7 +91,8 @@ std::string joined(const std::vector<std::string> &parts) {
 std::string fileOf(const std::vector<std::string> &parts, ItemKind itemKind) {
     std::string file;
     for (const std::string &part : parts) file += (file.empty() ? "" : "/") + safeFileName(part);
-    return file + textEnding(itemKind);
+    const std::string ending = textEnding(itemKind);
+    return file + (kindOfTextFile(file + ending) == itemKind ? "" : "_") + ending;  // a program may be called "A.fm"
 }
 
 TextRecord recordOf(const StoredItem &item, std::string file, std::string path, const std::string &text) {
@@ -123,6 +118,11 @@ const TextRecord *recordOfItem(const std::vector<TextRecord> &records, const std
 
 void exportOne(FolderStep &step, const StoredItem &item, const std::string &path, const std::string &file,
                const TextRecord *record) {
+    if (liesBehindLink(step.folder, file)) {
+        step.conflict(file, "lies behind a link; what that leads to stays as it is");
+        if (record != nullptr) step.kept.push_back(*record);
+        return;
+    }
     const std::string text = textOf(item.data);
     const auto there = readText(step.pathOf(file));
     const bool isThere = fileExists(step.pathOf(file));
@@ -148,6 +148,7 @@ void exportOne(FolderStep &step, const StoredItem &item, const std::string &path
 void removeGone(FolderStep &step, const std::set<std::string> &paths) {
     for (const TextRecord &record : step.records) {
         if (paths.contains(record.path + textEnding(record.itemKind))) continue;
+        if (liesBehindLink(step.folder, record.file)) continue;
         const auto there = readText(step.pathOf(record.file));
         if (!there) continue;
         if (digestOf(bytesOf(*there)) != record.text) {
@@ -162,7 +163,8 @@ void removeGone(FolderStep &step, const std::set<std::string> &paths) {
 // ---- in
 
 struct LibraryItems {
-    std::map<std::string, StoredItem> byPath;  // path and ending
+    std::map<std::string, StoredItem> byPath;        // path and ending
+    std::map<std::string, std::string> pathsByFile;  // of the texts that they would be written to anew
 };
 
 LibraryItems libraryItems() {
@@ -171,8 +173,10 @@ LibraryItems libraryItems() {
         const auto entry = storeReadEntry(id);
         StoredItem item;
         if (!entry || !isTextKind(entry->kind) || !storeReadItem(id, item)) continue;
-        const std::string path = joined(pathParts(*entry));
-        items.byPath.try_emplace(path + textEnding(item.kind), std::move(item));
+        const std::vector<std::string> parts = pathParts(*entry);
+        const std::string path = joined(parts);
+        items.pathsByFile.try_emplace(fileOf(parts, entry->kind), path);
+        items.byPath.try_emplace(path + textEnding(entry->kind), std::move(item));
     }
     return items;
 }
@@ -211,20 +215,42 @@ bool addItem(FolderStep &step, const TextRecord &wanted, Bytes image, const std:
     return true;
 }
 
-void addFile(FolderStep &step, const TextRecord &wanted) {
+bool addFile(FolderStep &step, const TextRecord &wanted) {
     const auto text = readText(step.pathOf(wanted.file));
     Bytes image;
     const bool asWritten = text && digestOf(bytesOf(*text)) == wanted.text && !wanted.bytes.empty();
     if (asWritten) image = wanted.bytes;
-    if (!text || (!asWritten && !imageOf(*text, image)))
-        return step.fail(wanted.file, text ? "isn't the text of a program" : "can't be read");
-    if (!addItem(step, wanted, std::move(image), *text)) step.fail(wanted.file, "can't be stored");
+    const bool isProgram = text && (asWritten || imageOf(*text, image));
+    if (isProgram && addItem(step, wanted, std::move(image), *text)) return true;
+    step.fail(wanted.file, !text ? "can't be read" : isProgram ? "can't be stored" : "isn't the text of a program");
+    return false;
+}
+
+// A text that the index doesn't have: another's, or of an export or import that was cut off.
+void importFresh(FolderStep &step, const std::string &file, const LibraryItems &items) {
+    TextRecord wanted{.file = file, .path = {}, .itemKind = kindOfTextFile(file), .head = {}, .bytes = {}};
+    const auto known = items.pathsByFile.find(file);
+    if (known == items.pathsByFile.end()) {
+        wanted.path = "/" + file.substr(0, file.find_last_of('/') + 1) + nameOfTextFile(file);
+        addFile(step, wanted);
+        return;
+    }
+    const StoredItem &item = items.byPath.at(known->second + textEnding(wanted.itemKind));
+    const auto text = readText(step.pathOf(file));
+    if (!text) return step.fail(file, "can't be read");
+    if (textOf(item.data) != *text)
+        return step.conflict(file,
+                             "is new here, and the library has another program of this name; both stay as they are");
+    step.kept.push_back(recordOf(item, file, known->second, *text));
 }
 
 // A text that was there the last time, too.
 void importKnown(FolderStep &step, const TextRecord &record, const StoredItem *item, const std::string &text) {
     const bool edited = digestOf(bytesOf(text)) != record.text;
-    if (item == nullptr) return addFile(step, record);
+    if (item == nullptr) {
+        addFile(step, record);
+        return;
+    }
     if (!edited && digestOf(item->data) != record.image && textOf(item->data) != text) {
         step.conflict(record.file, "is as it was written, but the program isn't; both stay as they are");
         step.kept.push_back(record);
@@ -272,10 +298,29 @@ void importGone(FolderStep &step, const TextRecord &record, const StoredItem *it
         wanted.path = "/" + folder + nameOfTextFile(*renamed);
         if (digestOf(item->data) != record.image) wanted.bytes = item->data;
         fresh.erase(renamed);
-        addFile(step, wanted);
-        if (step.failed) return;
+        if (!addFile(step, wanted)) {
+            step.kept.push_back(record);
+            return;
+        }
     }
     if (!storeDelete(item->id)) step.fail(record.file, "its program can't be deleted");
+}
+
+// A program is deleted only for a text that isn't there at all.
+void importRecord(FolderStep &step, const TextRecord &record, const LibraryItems &items, std::set<std::string> &fresh) {
+    const auto found = items.byPath.find(record.path + textEnding(record.itemKind));
+    const StoredItem *item = found == items.byPath.end() ? nullptr : &found->second;
+    if (liesBehindLink(step.folder, record.file)) {
+        step.conflict(record.file, "lies behind a link; its program stays as it is");
+        step.kept.push_back(record);
+    } else if (!fileExists(step.pathOf(record.file))) {
+        importGone(step, record, item, fresh);
+    } else if (const auto text = readText(step.pathOf(record.file))) {
+        importKnown(step, record, item, *text);
+    } else {
+        step.fail(record.file, "can't be read");
+        step.kept.push_back(record);
+    }
 }
 
 bool openFolder(FolderStep &step, const std::string &folder) {
@@ -301,15 +346,20 @@ int exportTexts(const std::string &folder) {
     for (const TextRecord &record : step.records) files.insert(foldCase(record.file));
     for (const ItemId id : searchedItems(rootId)) {
         const auto entry = storeReadEntry(id);
-        StoredItem item;
-        if (!entry || !isTextKind(entry->kind) || !storeReadItem(id, item)) continue;
+        if (!entry || !isTextKind(entry->kind)) continue;
         const std::vector<std::string> parts = pathParts(*entry);
         const std::string path = joined(parts);
-        if (!paths.insert(path + textEnding(item.kind)).second) {
+        if (!paths.insert(path + textEnding(entry->kind)).second) {
             step.conflict(path, "there are two of this name; the later one is left out");
             continue;
         }
-        const TextRecord *record = recordOfItem(step.records, path, item.kind);
+        const TextRecord *record = recordOfItem(step.records, path, entry->kind);
+        StoredItem item;
+        if (!storeReadItem(id, item)) {  // told; its text may be all that is left of it
+            step.failed = true;
+            if (record != nullptr) step.kept.push_back(*record);
+            continue;
+        }
         std::string file = record != nullptr ? record->file : fileOf(parts, item.kind);
         const std::string stem = file.substr(0, file.size() - textEnding(item.kind).size());
         for (int number = 2; record == nullptr && !files.insert(foldCase(file)).second; number++)
@@ -323,27 +373,15 @@ int exportTexts(const std::string &folder) {
 int importTexts(const std::string &folder) {
     FolderStep step;
     if (!openFolder(step, folder)) return exitFailed;
-    const std::vector<std::string> files = textFiles(folder);
-    std::set<std::string> fresh(files.begin(), files.end());
-    const std::set<std::string> there = fresh;
+    const auto files = textFiles(folder);
+    if (!files) return exitFailed;
+    std::set<std::string> fresh(files->begin(), files->end());
     for (const TextRecord &record : step.records) fresh.erase(record.file);
     const LibraryItems items = libraryItems();
     const UndoGroup group(UndoAct::import, "");
     const NamedCause cause(FormCause::imported);
-    for (const TextRecord &record : step.records) {
-        const auto found = items.byPath.find(record.path + textEnding(record.itemKind));
-        const StoredItem *item = found == items.byPath.end() ? nullptr : &found->second;
-        const auto text = there.contains(record.file) ? readText(step.pathOf(record.file)) : std::nullopt;
-        if (text)
-            importKnown(step, record, item, *text);
-        else
-            importGone(step, record, item, fresh);
-    }
-    for (const std::string &file : fresh) {
-        TextRecord wanted{.file = file, .path = {}, .itemKind = kindOfTextFile(file), .head = {}, .bytes = {}};
-        wanted.path = "/" + file.substr(0, file.find_last_of('/') + 1) + nameOfTextFile(file);
-        addFile(step, wanted);
-    }
+    for (const TextRecord &record : step.records) importRecord(step, record, items, fresh);
+    for (const std::string &file : fresh) importFresh(step, file, items);
     return closeFolder(step);
 }
 

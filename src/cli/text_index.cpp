@@ -78,7 +78,9 @@ std::optional<std::vector<TextRecord>> readTextIndex(const std::string &folder) 
     Bytes bytes;
     if (readWholeFile(path, bytes, indexLimit) != FileResult::done) return noIndex(path);
     const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
-    if (!json.is_object() || json.value("version", 0) != indexVersion || !json.contains("items")) return noIndex(path);
+    const bool isOurs = json.is_object() && json.contains("version") && json["version"] == indexVersion &&
+                        json.contains("items") && json["items"].is_array();
+    if (!isOurs) return noIndex(path);
     for (const Json &item : json["items"]) {
         auto record = recordOf(item);
         if (!record || records.size() == fileLimit) return noIndex(path);
@@ -116,22 +118,38 @@ std::string nameOfTextFile(std::string_view file) {
     return std::string(file);
 }
 
-std::vector<std::string> textFiles(const std::string &folder) {
+std::optional<std::vector<std::string>> textFiles(const std::string &folder) {
     std::vector<std::string> files;
     std::error_code failure;
-    for (fs::recursive_directory_iterator entry(folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
+    fs::recursive_directory_iterator entry(folder, failure);
+    for (const fs::recursive_directory_iterator end; !failure && entry != end; entry.increment(failure)) {
         const std::string name = entry->path().filename();
         const fs::file_status status = entry->symlink_status(failure);
         if (failure) break;
         if (name.starts_with('.')) {
             if (fs::is_directory(status)) entry.disable_recursion_pending();
-        } else if (fs::is_regular_file(status) && kindOfTextFile(name) != kind::none && files.size() < fileLimit) {
+        } else if (fs::is_regular_file(status) && kindOfTextFile(name) != kind::none) {
             files.push_back(entry->path().lexically_relative(folder));
         }
+        if (files.size() <= fileLimit) continue;
+        commandFailed(folder + " holds more than " + std::to_string(fileLimit) + " texts");
+        return std::nullopt;
+    }
+    if (failure) {
+        commandFailed(folder + " can't be listed whole, so nothing is done: " + failure.message());
+        return std::nullopt;
     }
     std::ranges::sort(files);
     return files;
+}
+
+bool liesBehindLink(const std::string &folder, const std::string &file) {
+    fs::path path(folder);
+    std::error_code failure;
+    return std::ranges::any_of(fs::path(file), [&](const fs::path &part) {
+        path /= part;
+        return fs::is_symlink(path, failure);
+    });
 }
 
 }  // namespace numalink

@@ -36,7 +36,10 @@ std::string textEnding(ItemKind itemKind);          // ".txt"; ".fm.txt" for a f
 ItemKind kindOfTextFile(std::string_view file);     // kind::none for what is no text of ours
 std::string nameOfTextFile(std::string_view file);  // without folders and ending
 
-// The texts below the folder, "/" between, by name; links and what is hidden are left out.
-std::vector<std::string> textFiles(const std::string &folder);
+// The texts below the folder, "/" between, by name; links and what is hidden are left out. Nothing, with the cause on
+// standard error, where not all of them can be listed.
+std::optional<std::vector<std::string>> textFiles(const std::string &folder);
+// Whether the file, or a folder that it lies in below that one, is a link: what it leads to isn't the folder's.
+bool liesBehindLink(const std::string &folder, const std::string &file);
 
 }  // namespace numalink

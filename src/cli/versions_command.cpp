@@ -1,4 +1,5 @@
 // numalink-cli versions: the earlier forms of an item, and bringing one back.
+#include <charconv>
 #include <cstdio>
 #include <ctime>
 #include <memory>
@@ -82,10 +83,7 @@ int showForm(const StoredItem &form) {
 }
 
 // An item that has gone comes back as a new one, under a name that is free.
-int restoreGone(const std::string &item) {
-    StoredItem form;
-    const auto id = static_cast<ItemId>(std::strtoul(item.c_str(), nullptr, 10));
-    if (!historyReadGone(id, form)) return commandFailed("no item \"" + item + "\", neither there nor gone");
+int restoreGone(StoredItem form) {
     const ItemId parent = storeStandardFolder(standardFolderOfKind(form.kind));
     const NamedCause cause(FormCause::broughtBack);
     const ItemId came = storeAddItem({.name = form.name,
@@ -97,23 +95,37 @@ int restoreGone(const std::string &item) {
     return came == noItem ? exitFailed : exitDone;
 }
 
+int runForGone(const VersionsOptions &options) {
+    ItemId id = noItem;
+    const char *end = options.item.data() + options.item.size();
+    const bool isId = std::from_chars(options.item.data(), end, id).ptr == end;
+    StoredItem form;
+    if (!isId || !historyReadGone(id, form))
+        return commandFailed("no item \"" + options.item + "\" in this library, and none that has gone from it");
+    if (options.show >= 0) return showForm(form);
+    if (options.restore > 0) return restoreGone(std::move(form));
+    return commandFailed("item " + options.item + " has gone; --show prints its last form, --restore brings it back");
+}
+
 int runVersions(const VersionsOptions &options) {
     const LibrarySession session(options.library);
     if (!session.open) return exitFailed;
+    if (options.show >= 0 && !session.tokens)
+        return commandFailed("casio.ptt beside the program can't be read, so no text is shown");
     if (options.item.empty()) return listGone(options.json);
     const ItemId id = findItem(options.item);
-    if (id == noItem && options.restore >= 0) return restoreGone(options.item);
-    if (id == noItem) return commandFailed("no item \"" + options.item + "\" in this library");
+    if (id == noItem) return runForGone(options);
     const std::vector<FormEntry> forms = historyForms(id);
     const int asked = std::max(options.show, options.restore);
     if (asked >= static_cast<int>(forms.size()))
         return commandFailed("there is no form " + std::to_string(asked) + " of " + options.item);
     if (options.restore > 0)
         return historyBringBack(id, static_cast<std::size_t>(options.restore)) ? exitDone : exitFailed;
+    if (options.show < 0) return listForms(forms, options.json);
     StoredItem form;
-    if (options.show >= 0)
-        return historyReadForm(id, static_cast<std::size_t>(options.show), form) ? showForm(form) : exitFailed;
-    return listForms(forms, options.json);
+    if (!historyReadForm(id, static_cast<std::size_t>(options.show), form))
+        return commandFailed("form " + std::to_string(asked) + " of " + options.item + " can't be read whole");
+    return showForm(form);
 }
 
 }  // namespace
@@ -121,15 +133,20 @@ int runVersions(const VersionsOptions &options) {
 CommandRun declareVersions(CLI::App &command) {
     const auto options = std::make_shared<VersionsOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat")->required();
-    command.add_option("ITEM", options->item,
-                       "An id, or a path such as /Programs/SNAKE; without it, items that have gone are listed by id");
-    command.add_option("--show", options->show, "Print the text of this form; 0 is as it is now")
-        ->check(CLI::Range(0, 1000));
+    auto *item = command.add_option("ITEM", options->item,
+                                    "An id, or a path such as /Programs/SNAKE; without it, items that have gone are "
+                                    "listed by id");
+    auto *show = command.add_option("--show", options->show,
+                                    "Print the text of this form; 0 is as it is now. Of an item that has gone, any "
+                                    "number prints its last one");
+    show->check(CLI::Range(0, 1000))->needs(item);
     command
         .add_option("--restore", options->restore,
                     "Bring this form back; of an item that has gone, any number brings it back")
-        ->check(CLI::Range(0, 1000));
-    command.add_flag("--json", options->json, "The list as JSON, with times in seconds since 1970");
+        ->check(CLI::Range(1, 1000))
+        ->needs(item)
+        ->excludes(show);
+    command.add_flag("--json", options->json, "The list as JSON, with times in seconds since 1970")->excludes(show);
     return [options] { return runVersions(*options); };
 }
 

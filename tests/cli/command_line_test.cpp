@@ -131,6 +131,78 @@ TEST(Sessions, GoAsTheyTell) {
     EXPECT_GE(count, 5);
 }
 
+// Programs of the library, as lint tells their places: each has one problem.
+std::vector<std::string> programsOf(const std::string &library) {
+    std::istringstream told(run({"lint", library}).out);
+    std::vector<std::string> paths;
+    for (std::string line; std::getline(told, line);) paths.push_back(line.substr(0, line.find(':')));
+    return paths;
+}
+
+struct TextFolder : testing::Test {
+    TextFolder() {
+        const auto program = [](const char *name) { return catProgram(name, "\\Goto1"); };
+        folder.scratch.write("a.cat", program("ONE") + program("TWO") + program("A.fm"));
+        EXPECT_EQ(run({"import", "lib", "a.cat", "--into", "games"}).status, 0);
+        EXPECT_EQ(run({"export", "lib", "--text", "texts"}).status, 0);
+    }
+    static Outcome import() { return run({"import", "lib", "--text", "texts"}); }
+    static Outcome exportAgain() { return run({"export", "lib", "--text", "texts"}); }
+
+    CallFolder folder;
+    std::vector<std::string> all = {"/games/ONE", "/games/TWO", "/games/A.fm"};
+    std::string index = "texts/.numalink-texts.json";
+};
+
+TEST_F(TextFolder, OnlyATextThatHasGoneTakesItsProgramAlong) {
+    namespace fs = std::filesystem;
+    fs::rename("texts/games", "elsewhere");
+    fs::create_directory_symlink("../elsewhere", "texts/games");
+    EXPECT_EQ(import().status, 1);
+    EXPECT_EQ(programsOf("lib"), all);
+    fs::remove("elsewhere/ONE.txt");
+    EXPECT_EQ(exportAgain().status, 1);
+    EXPECT_FALSE(fs::exists("elsewhere/ONE.txt")) << "nothing is written behind a link";
+    fs::remove("texts/games");
+    fs::rename("elsewhere", "texts/games");
+    fs::create_directory("texts/games/ONE.txt");
+    fs::resize_file("texts/games/TWO.txt", 17 << 20);
+    const Outcome unread = import();
+    EXPECT_EQ(unread.status, 2);
+    EXPECT_THAT(unread.err, HasSubstr("games/ONE.txt: can't be read"));
+    EXPECT_THAT(unread.err, HasSubstr("games/TWO.txt: can't be read"));
+    EXPECT_EQ(programsOf("lib"), all);
+    fs::remove("texts/games/ONE.txt");
+    EXPECT_EQ(import().status, 2);
+    EXPECT_EQ(programsOf("lib"), (std::vector<std::string>{"/games/TWO", "/games/A.fm"}));
+}
+
+TEST_F(TextFolder, WithoutAnIndexWhatIsTheSameIsTakenForTheLibrarysOwn) {
+    namespace fs = std::filesystem;
+    const std::string before = folder.scratch.read(index);
+    EXPECT_EQ(exportAgain().status, 0);
+    EXPECT_EQ(folder.scratch.read(index), before) << "a program's name may end as a function memory's text does";
+    for (const char *damaged : {"", "[]", R"({"version":"1","items":[]})", R"({"version":1,"items":5})",
+                                R"({"version":1,"items":[{"file":"../a.txt","item":"/a","head":"","data":"0"}]})"}) {
+        folder.scratch.write(index, damaged);
+        for (const Outcome &outcome : {import(), exportAgain()}) {
+            EXPECT_EQ(outcome.status, 2) << damaged;
+            EXPECT_THAT(outcome.err, HasSubstr("the folder is left alone"));
+        }
+        EXPECT_EQ(folder.scratch.read(index), damaged);
+    }
+    fs::remove(index);
+    folder.scratch.write("texts/games/TWO.txt", "Goto 2\n");
+    const Outcome fresh = import();
+    EXPECT_EQ(fresh.status, 1);
+    EXPECT_THAT(fresh.err, HasSubstr("games/TWO.txt: is new here"));
+    EXPECT_EQ(programsOf("lib"), all);
+    folder.scratch.write("texts/games/ONE.txt", "Goto 3\n");
+    EXPECT_EQ(import().status, 1);
+    EXPECT_EQ(run({"show", "lib", "/games/ONE"}).out, "Goto 3\n") << "from then on it is in step";
+    EXPECT_EQ(run({"show", "lib", "/games/TWO"}).out, "Goto 1\n");
+}
+
 // What the commands on standard input do while a calculator sends.
 Outcome runLink(const std::string &port, const std::function<void()> &ahead, const std::string &commands) {
     int input[2] = {-1, -1};

@@ -4,25 +4,14 @@
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
 #include "shell/views/item_views.h"
+#include "store/items/item_path.h"
 
 namespace numalink {
 
-namespace {
-
-constexpr int folderLimit = 50;  // of a path; a circle of folders ends there
-
-}  // namespace
-
 QString pathOfItem(const ItemEntry &entry) {
-    QString path = nameToQt(entry.name);
-    ItemId parent = entry.parent;
-    for (int depth = 0; depth < folderLimit && parent != rootId; depth++) {
-        const auto folder = storeReadEntry(parent);
-        if (!folder) break;
-        path.prepend(nameToQt(folder->name) + QLatin1Char('/'));
-        parent = folder->parent;
-    }
-    return path;
+    QStringList names;
+    for (const std::string &name : storePathOf(entry)) names << nameToQt(name);
+    return names.join(QLatin1Char('/'));
 }
 
 void showChangedItems() {

@@ -1,6 +1,7 @@
 // Finding by name and by path, and the folders that the program makes for itself.
 #include "calculator/charset.h"
 #include "store/file/state.h"
+#include "store/items/item_path.h"
 #include "telling/texts.h"
 
 namespace numalink {
@@ -8,6 +9,7 @@ namespace numalink {
 namespace {
 
 constexpr std::string_view pathMark = "/";
+constexpr int shownDepth = 50;  // folders of a path that is told
 
 // The first folder of the table with that name under parent, or noItem.
 ItemId folderNamed(std::string_view name, ItemId parent) REQUIRES_LOCK(storeLock) {
@@ -94,6 +96,18 @@ std::string storeFreeName(std::string_view name, ItemId parent, ItemKind itemKin
                           const std::function<bool(std::string_view)> &alsoTaken) {
     const HoldLock hold(storeLock);
     return freeName(name, parent, itemKind, alsoTaken);
+}
+
+std::vector<std::string> storePathOf(const ItemEntry &entry) {
+    std::vector<std::string> names = {entry.name};
+    ItemId parent = entry.parent;
+    for (int depth = 0; depth < shownDepth && parent != rootId; depth++) {
+        const auto folder = storeReadEntry(parent);
+        if (!folder) break;
+        names.insert(names.begin(), folder->name);
+        parent = folder->parent;
+    }
+    return names;
 }
 
 ItemId storeResolvePath(std::string_view path, bool create) {
