@@ -74,6 +74,7 @@ void makeList() {
     if (state.view != nullptr) return;
     state.view = new QTreeView(programEdit->window());
     state.view->setWindowFlags(Qt::ToolTip);
+    state.view->setFrameStyle(QFrame::Box | QFrame::Plain);  // it stands over text on the same ground
     state.view->setObjectName(QStringLiteral("completionList"));
     state.view->setAccessibleName(textOf(Text::completionName));
     state.view->setFocusPolicy(Qt::NoFocus);

@@ -9,6 +9,7 @@
 #include "language/completion.h"
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_reading.h"
+#include "shell/editor/symbols_window.h"
 #include "shell/editor/text_marks.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/own_colors.h"
@@ -44,6 +45,18 @@ QString problemsAt(std::size_t at) {
         if (at >= problem.at && at < problem.at + problem.length)
             text += QStringLiteral("<p>%1</p>").arg(toQt(problemText(problem)).toHtmlEscaped());
     return text;
+}
+
+// Beside the line of the caret, and left of the symbols where these would cover it.
+QPoint placeOfSignature(const QSize &size) {
+    const QWidget *viewport = programEdit->viewport();
+    const QRect caret = programEdit->cursorRect();
+    const int above = caret.top() - size.height();
+    QPoint place(std::min(caret.left(), viewport->width() - size.width()), above >= 0 ? above : caret.bottom() + 1);
+    const QRect symbols = symbolsPlace().translated(-viewport->mapToGlobal(QPoint(0, 0)));
+    if (symbols.intersects(QRect(place, size))) place.setX(std::min(place.x(), symbols.left() - size.width()));
+    place.setX(std::max(0, place.x()));
+    return place;
 }
 
 int placeInBlock(const QTextCursor &cursor) { return cursor.positionInBlock(); }
@@ -124,11 +137,7 @@ void showSignature() {
                                      escaped(syntax.substr(signature->from, signature->length)),
                                      escaped(syntax.substr(behind))));
     signatureLabel->adjustSize();
-    const QRect caret = programEdit->cursorRect();
-    const QSize room = programEdit->viewport()->size();
-    const bool fitsAbove = caret.top() - signatureLabel->height() >= 0;
-    signatureLabel->move(std::max(0, std::min(caret.left(), room.width() - signatureLabel->width())),
-                         fitsAbove ? caret.top() - signatureLabel->height() : caret.bottom() + 1);
+    signatureLabel->move(placeOfSignature(signatureLabel->size()));
     signatureLabel->show();
 }
 

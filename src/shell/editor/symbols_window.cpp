@@ -96,6 +96,10 @@ void hideSymbols() {
     if (state.window != nullptr) state.window->hide();
 }
 
+QRect symbolsPlace() {
+    return state.window != nullptr && state.window->isVisible() ? state.window->frameGeometry() : QRect();
+}
+
 bool symbolsWanted() { return state.wanted; }
 
 void setSymbolsWanted(bool isWanted) {

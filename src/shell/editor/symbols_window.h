@@ -2,6 +2,8 @@
 // thread only.
 #pragma once
 
+#include <QRect>
+
 namespace numalink {
 
 void makeSymbolsWindow();  // hidden
@@ -10,6 +12,7 @@ void forgetSymbolsWindow();
 // While a program is on view, unless the user has closed it.
 void showSymbols();
 void hideSymbols();
+QRect symbolsPlace();  // on the screen, with its frame; null while it is hidden
 
 bool symbolsWanted();
 void setSymbolsWanted(bool wanted);
