@@ -38,6 +38,9 @@ constexpr Script scripts[] = {
     {"a count", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3", "on on on", "1.0@0 1.1@7 1.1@10 1.2@12+end"},
     {"a count on a way gone once more", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1*3",
      "on back-break back-break on on on", "1.0@0 1.1@7 1.1@4 1.1@1 1.1@7 1.1@10 1.2@12+end"},
+    {"hits as far as the run stands", "\\For 1\\->I\\To 4:A+I\\->A:\\Next", "1.1",
+     "on on on H back-break H back-break H on H",
+     "1.0@0 1.1@1 1.1@4 1.1@7+H=3 1.1@4+H=2 1.1@1+H=1 1.1@4+H=2 1.1@7 1.1@10 1.2@12+end"},
     {"behind a label", "\\Lbl 1:A+1\\->A:A<3\\=>\\Goto1:9\\->B", "1.0", "on on on on",
      "1.0@0 1.1@1 1.1@4 1.1@7 1.3@9+end"},
     {"a variable that changes", "1\\->A:2\\->B:1\\->A:5\\->A", "=A", "on on on",
@@ -69,7 +72,9 @@ void obeyScript() {
         return command;
     };
     std::string command = nextCommand();
-    for (; command.starts_with("A"); command = nextCommand()) {  // its value is told, or set
+    for (; command.starts_with("A") || command == "H"; command = nextCommand()) {  // its value is told, or set; hits
+        if (command == "H") stopsTold += "+H=" + std::to_string(breakpoints().at(0).hits);
+        if (command == "H") continue;
         if (command == "A") stopsTold += "+A=" + valueTextOf(machine.variables[0]).plain;
         if (command == "A") continue;
         EXPECT_EQ(debugChange(*debugTargetNamed("A"), command.substr(2)), DebugChange::done);
@@ -220,6 +225,26 @@ TEST_F(Debugged, TellsWhatIsStoredAndDrawn) {
     const DebugOptions options{.stopAtEntry = true};
     runWith(fileWith("\\PxlOn 100,40:\\StoPict 2:\\Locate 1,1,\"III\":\"2X+1\"\\->\\Y 1"), &options);
     EXPECT_EQ(told, "0|can't|0|1|set|1|Pict 2 1|1|set|1|Pict 2 1|0|can't|0|Y1=2X\uFF0B1|Pict 2 1|0|can't|0|");
+}
+
+// Lists of another file are told from those of the current one, and places of a profile are those of the text.
+TEST_F(Debugged, NamesListsByTheirFilesAndCountsByTheirPlaces) {
+    static std::string told;
+    told.clear();
+    onStop = [] {
+        if (!debugStop().isAtEnd) return void(debugStep(DebugStep::onward));
+        for (const NamedArray &array : debugArrays())
+            if (array.rows <= 2) told += array.name + " " + std::to_string(array.rows) + "|";
+        for (const ProfileRow &row : profileReport().rows)
+            told += std::to_string(row.place.line) + "." + std::to_string(row.place.statement) + "*" +
+                    std::to_string(row.count) + "|";
+        debugStep(DebugStep::onward);
+    };
+    profileStart();
+    const DebugOptions options{.stopAtEnd = true};
+    runWith(fileWith("{1,2}\\->\\List 1:\\File2\r\n{3}\\->\\List 2:0=1\\=>1\\->A:2\\->B\r\n3\\->C"), &options);
+    profileStop();
+    EXPECT_EQ(told, "List 2 1|File 1 List 1 2|1.0*1|1.1*1|2.0*1|2.1*1|2.2*1|3.0*1|");
 }
 
 TEST_F(Debugged, AProfileCountsEveryStatementOnce) {

@@ -162,6 +162,18 @@ TEST_F(MomentsInWindow, ALongWayToAMomentIsToldAndEscapeEndsIt) {
     EXPECT_EQ(kept.statement, moment.statement);
 }
 
+// Of what lies in the folder, moments of programs that are gone go, and nothing else.
+TEST_F(MomentsInWindow, OnlyMomentsOfProgramsThatAreGoneGo) {
+    const Bytes bytes = {1, 2, 3};
+    for (const ItemId id : {program, ItemId{program + 1000}}) ASSERT_EQ(momentKeep(id, 4, bytes), FileResult::done);
+    const std::string other = momentFolder() + "9999.moment";
+    ASSERT_EQ(writeWholeFile(other, bytes), FileResult::done);
+    momentsOpen(folder.path);
+    EXPECT_TRUE(fileExists(momentPath(program, 4)));
+    EXPECT_FALSE(fileExists(momentPath(program + 1000, 4)));
+    EXPECT_TRUE(fileExists(other));
+}
+
 // What has changed can't be gone on with, and says so.
 TEST_F(MomentsInWindow, AChangedProgramBeginsAnewOnly) {
     start();

@@ -96,6 +96,46 @@ TEST_F(Workbench, StepsLooksChangesAndGoesBack) {
     EXPECT_EQ(shownStop(), nullptr);
     EXPECT_EQ(viewItemId, program);
     EXPECT_EQ(countTextMarks(MarkLayer::statements), 0);
+
+    // Another run: nothing has changed in it yet. Ended in the called program, what was started is on view again.
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 1);
+    EXPECT_EQ(valueOf("A"), QStringLiteral("0"));
+    EXPECT_FALSE(rowNamed("variablesDock", QStringLiteral("A"))->font(1).bold());
+    for (int i = 0; i < 4; i++) EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+    EXPECT_EQ(viewItemId, called);
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    EXPECT_EQ(viewItemId, program);
+}
+
+// A breakpoint whose statement has gone stops nothing and looks so; who has scrolled away from a stop is left there.
+TEST_F(Workbench, WhatIsLostIsSeenAndTheTextStaysWhereItWasScrolled) {
+    std::string words = "0\\->A\r9\\->Z";
+    for (int i = 0; i < 100; i++) words += "\rA+1\\->A";
+    show(addWords("LONG", words.c_str()));
+    lineNumberClicked(2);
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(2).sign == LineSign::breakpoint; }, 3000));
+    EXPECT_EQ(stopAfter(CommandId::debugGoOn), 2);
+    QScrollBar *bar = programEdit->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    debuggingChanged();
+    EXPECT_EQ(bar->value(), bar->maximum());
+    EXPECT_EQ(stopAfter(CommandId::debugStep), 3);
+    EXPECT_LT(bar->value(), 10) << "another stop is brought into sight";
+    QTest::keyClick(mainWindow, Qt::Key_F7);
+    programEdit->setPlainText(QStringLiteral("5\u2192B\n6\u2192C\n7\u2192D"));
+    EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(2).sign == LineSign::idleBreakpoint; }, 3000));
+}
+
+// What can't be read of the breakpoints is kept beside them.
+TEST_F(Workbench, ADamagedFileOfBreakpointsIsKept) {
+    const ItemId program = addWords("LOOP", "1\\->A");
+    endProgram();
+    folder.write("breakpoints.json", "no list");
+    ASSERT_TRUE(startProgram());
+    show(program);
+    lineNumberClicked(1);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !folder.read("breakpoints.json").empty(); }, 3000));
+    EXPECT_EQ(folder.read("breakpoints.json.damaged"), "no list");
 }
 
 TEST_F(Workbench, BreakpointsStopComeBackAndFollowTheText) {
@@ -350,7 +390,12 @@ TEST_F(Workbench, ARowOfAMatrixIsCutBetweenItsNumbersAndToldWhole) {
     QHelpEvent help(QEvent::ToolTip, {table->columnViewportPosition(1) + 5, at.y()},
                     table->viewport()->mapToGlobal(at));
     QApplication::sendEvent(table->viewport(), &help);
-    EXPECT_TRUE(QToolTip::text().contains(QStringLiteral("[1,10]"))) << QToolTip::text().toStdString();
+    const QString whole = QToolTip::text();
+    const QPoint ofName(5, at.y());
+    QHelpEvent uncut(QEvent::ToolTip, ofName, table->viewport()->mapToGlobal(ofName));
+    QApplication::sendEvent(table->viewport(), &uncut);
+    EXPECT_EQ(QToolTip::text(), textOf(Text::tipPaneVariables)) << "what is whole needs no tip of its own";
+    EXPECT_TRUE(whole.contains(QStringLiteral("[1,10]"))) << whole.toStdString();
     QTest::keyClick(mainWindow, Qt::Key_F7);
 }
 
