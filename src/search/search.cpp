@@ -10,6 +10,7 @@
 #include "search/search_text.h"
 #include "store/undo/undo.h"
 #include "text/lenient_text.h"
+#include "text/program_bytes.h"
 #include "text/program_images.h"
 #include "text/view_edit.h"
 
@@ -38,14 +39,33 @@ std::vector<std::uint16_t> tokensOf(const ViewLine &line) {
     return tokens;
 }
 
-// The text as tokens that stand by themselves; false where it is none.
+// What the text may mean: itself, a command whose blank at the end wasn't typed ("Locate"), or words of item files
+// ("\\Locate").
+std::vector<std::string> meaningsOf(const std::string &utf8) {
+    std::vector<std::string> meanings{utf8, utf8 + ' '};
+    if (utf8.find('\\') == std::string::npos) return meanings;
+    for (const std::string &words : {utf8, utf8 + ' '}) {
+        Bytes image{':'};
+        if (tokensFromWords(calculatorFromUtf8(words), image) >= 0) continue;
+        image.push_back(0xFF);
+        meanings.push_back(utf8FromCalculator(programPlainText(image)));
+    }
+    return meanings;
+}
+
+// The text as tokens that stand by themselves, in the meaning that has the fewest of them; false where it is none.
 bool readAsTokens(const std::string &utf8, ViewLine &line) {
-    LenientText text = lenientTextOf(utf8);
-    line = lenientLine(text, utf8);
-    const LineReading reading = readLine(line, true);
-    if (reading.faultAt >= 0) return false;
-    line = keptLine(line, reading);
-    return true;
+    std::size_t fewest = 0;
+    for (const std::string &meaning : meaningsOf(utf8)) {
+        LenientText text = lenientTextOf(meaning);
+        const ViewLine typed = lenientLine(text, meaning);
+        const LineReading reading = readLine(typed, true);
+        const std::size_t count = reading.tokens.size();
+        if (reading.faultAt >= 0 || count == 0 || (fewest > 0 && count >= fewest)) continue;
+        fewest = count;
+        line = keptLine(typed, reading);
+    }
+    return fewest > 0;
 }
 
 // By lines, whatever the expression itself says first; fault tells of that alone.

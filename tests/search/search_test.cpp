@@ -108,6 +108,11 @@ TEST_F(SearchTest, LooksInThreeWays) {
     EXPECT_EQ(compileSearch({.pattern = "(", .how = SearchHow::expression}, fault), nullptr);
     EXPECT_EQ(fault, "missing ): (") << "of what was typed alone";
     EXPECT_EQ(compileSearch({.pattern = ""}, fault), nullptr);
+    add("B",
+        "\xF7\x10"
+        "1,1,A");
+    for (const char *pattern : {"Locate", "Locate ", "\\Locate", "\\Locate "})
+        EXPECT_THAT(shown({.pattern = pattern, .how = SearchHow::tokens}), ElementsAre("0:0+7")) << pattern;
     EXPECT_EQ(compileSearch({.pattern = std::string(searchPatternLimit + 1, 'a')}, fault), nullptr);
 }
 
