@@ -448,4 +448,24 @@ TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
               Qt::LeftDockWidgetArea);
 }
 
+// All of the window, with the calculator's display in it and no symbols before that; also on 1,024 by 600
+// (shell_small).
+TEST_F(Workbench, TheWindowStaysOnItsScreen) {
+    show(addWords("LOOP", "0\\->A\r\\Do\rA+1\\->A\r\\LpWhile 1"));
+    const auto isOnScreen = [] {
+        return mainWindow->screen()->availableGeometry().contains(mainWindow->frameGeometry());
+    };
+    for (const char *pane : {"variablesDock", "watchesDock"}) {
+        EXPECT_NE(stopAfter(CommandId::debugStep), 0);
+        mainWindow->findChild<QDockWidget *>(QString::fromLatin1(pane))->raise();
+        QTest::qWait(100);
+        EXPECT_TRUE(QTest::qWaitFor(isOnScreen, 2000)) << pane << " " << mainWindow->frameGeometry().height();
+        EXPECT_GE(emulatorWindow->height(), displayHeight);
+        const auto *symbols = mainWindow->findChild<QWidget *>(QStringLiteral("symbolsWindow"));
+        const QRect calculator(emulatorWindow->mapToGlobal(QPoint()), emulatorWindow->size());
+        EXPECT_FALSE(symbols->isVisible() && symbols->frameGeometry().intersects(calculator)) << pane;
+        QTest::keyClick(mainWindow, Qt::Key_F7);
+    }
+}
+
 }  // namespace numalink

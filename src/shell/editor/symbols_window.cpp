@@ -5,8 +5,10 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QScreen>
+#include <QTimer>
 #include <QToolButton>
 #include <cstdint>
+#include <optional>
 
 #include "shell/editor/program_document.h"
 #include "shell/editor/program_view.h"
@@ -32,7 +34,7 @@ constexpr std::uint8_t symbols[rows][columns] = {
 struct SymbolsWindow {
     QWidget *window = nullptr;
     bool wanted = true;
-    bool placed = false;
+    std::optional<QPoint> placed;  // where it was put; the user may have moved it from there
 };
 SymbolsWindow state;
 
@@ -57,15 +59,33 @@ void addButton(int row, int column) {
     QObject::connect(button, &QToolButton::clicked, state.window, [character] { typeSymbol(character); });
 }
 
-// Right of the main window, where it covers no text; on a screen without room there, in the program's corner.
-void placeAtFirst() {
-    if (state.placed) return;
-    state.placed = true;
+// Beside the main window, where it covers no text; on a screen without room there, in the program's corner.
+QPoint freePlace() {
     constexpr int gap = 8;
+    const QRect screen = mainWindow->screen()->availableGeometry(), main = mainWindow->frameGeometry();
     const QPoint corner = programEdit->mapToGlobal(QPoint(programEdit->width(), gap));
-    const QPoint beside(mainWindow->frameGeometry().right() + gap, corner.y());
-    const bool hasRoom = beside.x() + state.window->width() + gap < mainWindow->screen()->availableGeometry().right();
-    state.window->move(hasRoom ? beside : corner - QPoint(state.window->width() + 3 * gap, 0));
+    const int width = state.window->width() + gap;
+    if (main.right() + gap + width < screen.right()) return {main.right() + gap, corner.y()};
+    if (main.left() - gap - width > screen.left()) return {main.left() - gap - width, corner.y()};
+    return corner - QPoint(state.window->width() + 3 * gap, 0);
+}
+
+void place() {
+    state.placed = freePlace();
+    state.window->move(*state.placed);
+}
+
+// The main window has changed its size, or what stands beside the program has: the symbols go along, unless the user
+// has put them elsewhere.
+void follow() {
+    constexpr int frameDiffers = 40;  // pixels by which window managers shift what they frame
+    if (state.window == nullptr || !state.window->isVisible() || !state.placed) return;
+    if ((state.window->pos() - *state.placed).manhattanLength() <= frameDiffers) place();
+}
+
+bool programResized(QWidget *, QEvent *event) {
+    if (event->type() == QEvent::Resize) QTimer::singleShot(0, state.window, follow);
+    return false;
 }
 
 }  // namespace
@@ -82,13 +102,14 @@ void makeSymbolsWindow() {
     for (int row = 0; row < rows; row++)
         for (int column = 0; column < columns; column++) addButton(row, column);
     hookEvents(state.window, windowEvent);
+    hookEvents(programEdit, programResized);
 }
 
 void forgetSymbolsWindow() { state = {}; }
 
 void showSymbols() {
     if (!state.wanted || programEdit->isReadOnly()) return;
-    placeAtFirst();
+    if (!state.placed) place();
     showUnminimised(state.window);
 }
 

@@ -3,11 +3,15 @@
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QScreen>
+#include <QTimer>
 #include <algorithm>
+#include <utility>
 
 #include "emulator/machine/keypad.h"
+#include "emulator/machine/machine.h"
 #include "settings/settings_store.h"
 #include "shell/parts/client_layout.h"
+#include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/pane_sizes.h"
 #include "shell/parts/shell_texts.h"
@@ -24,8 +28,42 @@ constexpr QSize firstSize(2 * keypadWidth, 2 * keypadHeight);
 
 struct EmulatorPlace {
     QDockWidget *dock = nullptr;  // the main window's
+    bool fitDue = false;
 };
 EmulatorPlace state;
+
+QRect screenRoom() { return mainWindow->screen()->availableGeometry(); }
+
+// A window that hasn't been on the screen has no frame yet.
+QSize frameSize() { return (mainWindow->frameGeometry().size() - mainWindow->size()).expandedTo(usualFrame); }
+
+// All of it stays on the screen.
+void sizeMainWindow(const QSize &size) {
+    const QRect screen = screenRoom();
+    QRect place(mainWindow->pos(), size + frameSize());
+    place.moveLeft(
+        std::clamp(place.left(), screen.left(), std::max(screen.left(), screen.right() - place.width() + 1)));
+    place.moveTop(std::clamp(place.top(), screen.top(), std::max(screen.top(), screen.bottom() - place.height() + 1)));
+    mainWindow->resize(size);
+    mainWindow->move(place.topLeft());
+}
+
+bool isSizedByUser() { return !mainWindow->isMaximized() && !mainWindow->isFullScreen(); }
+
+// Qt makes a window as high as its parts need, even where no screen has the room.
+void fitSoon() {
+    state.fitDue = false;
+    if (state.dock == nullptr || !state.dock->isVisible()) return;
+    fitEmulatorPlace();
+    const QSize most = screenRoom().size() - frameSize();
+    if (isSizedByUser() && mainWindow->height() > most.height()) sizeMainWindow(mainWindow->size().boundedTo(most));
+}
+
+bool partsChanged(QWidget *, QEvent *event) {
+    if (event->type() == QEvent::LayoutRequest && !std::exchange(state.fitDue, true))
+        QTimer::singleShot(0, mainWindow, fitSoon);
+    return false;
+}
 
 }  // namespace
 
@@ -36,6 +74,7 @@ void makeCalculatorDock() {
     mainWindow->addDockWidget(Qt::RightDockWidgetArea, state.dock);
     tearOffAgain(state.dock);
     state.dock->hide();
+    hookEvents(mainWindow, partsChanged);
 }
 
 bool besideProgram() { return settingsInt(setting::besideProgram) != 0; }
@@ -46,18 +85,9 @@ void rememberBeside(bool beside) {
 }
 
 void makeRoomBeside() {
-    if (mainWindow->isMaximized() || mainWindow->isFullScreen()) return;
-    const QRect screen = mainWindow->screen()->availableGeometry();
-    // A window that hasn't been on the screen has no frame yet.
-    const QSize frameSize = (mainWindow->frameGeometry().size() - mainWindow->size()).expandedTo(usualFrame);
-    const QSize wanted = mainWindow->size().expandedTo(roomForBoth).boundedTo(screen.size() - frameSize);
-    if (wanted == mainWindow->size()) return;
-    QRect place(mainWindow->pos(), wanted + frameSize);
-    place.moveLeft(
-        std::clamp(place.left(), screen.left(), std::max(screen.left(), screen.right() - place.width() + 1)));
-    place.moveTop(std::clamp(place.top(), screen.top(), std::max(screen.top(), screen.bottom() - place.height() + 1)));
-    mainWindow->resize(wanted);
-    mainWindow->move(place.topLeft());
+    if (!isSizedByUser()) return;
+    const QSize wanted = mainWindow->size().expandedTo(roomForBoth).boundedTo(screenRoom().size() - frameSize());
+    if (wanted != mainWindow->size()) sizeMainWindow(wanted);
 }
 
 void placeEmulator() {
@@ -81,8 +111,14 @@ void placeEmulator() {
     }
 }
 
+// The lower rows of the key pad give way where the screen is too low for all of them above the panes.
 void fitEmulatorPlace() {
-    if (besideProgram()) emulatorWindow->setMinimumSize(keypadWidth + frame, keypadHeight + frame + modeLineHeight());
+    if (!besideProgram()) return;
+    const int around = frame + modeLineHeight();
+    const int free = screenRoom().height() - frameSize().height() - mainWindow->minimumSizeHint().height();
+    const int height =
+        std::clamp(emulatorWindow->minimumHeight() + free, displayHeight + around, keypadHeight + around);
+    emulatorWindow->setMinimumSize(keypadWidth + frame, height);
 }
 
 void showEmulatorPlace() {

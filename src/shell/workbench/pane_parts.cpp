@@ -11,12 +11,14 @@
 #include <algorithm>
 
 #include "shell/parts/fonts.h"
+#include "shell/parts/scale.h"
 
 namespace numalink {
 
 namespace {
 
 constexpr int indentation = 12;  // pixels a level: panes are narrow
+constexpr int leastHeight = 30;  // pixels: low screens have little room beside the calculator
 
 constexpr int rowNumberRole = Qt::UserRole + 8;  // of cells in columns
 constexpr int tipWidth = 64, mostTipLines = 30;  // characters
@@ -90,6 +92,7 @@ QTreeWidget *makePaneTable(const QStringList &columns) {
     table->setItemDelegate(new PaneCells(table));
     table->setUniformRowHeights(true);
     table->setIndentation(indentation);
+    table->setMinimumHeight(grown(leastHeight));
     table->setAlternatingRowColors(true);
     table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
