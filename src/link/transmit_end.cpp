@@ -51,6 +51,7 @@ void dropQueue() {
 
 void tellSent(const NextItem &next) {
     sentItems.push_back(next.entry.id);
+    transmitNoteSent(utf8FromCalculator(next.item.name));
     transmitQueueRemove(next.entry.id);
 }
 

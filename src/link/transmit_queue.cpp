@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <span>
+#include <utility>
 
 #include "calculator/charset.h"
 #include "link/attention.h"
@@ -23,8 +24,14 @@ struct TransmitQueue {
     std::vector<ItemId> dropped;  // by the last failure
 };
 
+struct Sent {
+    std::string last;  // UTF-8
+    std::size_t count = 0;
+};
+
 Lock queueLock;
 TransmitQueue queue GUARDED_BY(queueLock);
+Sent sent GUARDED_BY(queueLock);
 std::atomic<bool> conversationRuns = false;
 
 std::vector<QueuedItem> entriesNow() {
@@ -275,5 +282,22 @@ void transmitConversation(bool runs) {
 }
 
 bool transmitConversationRuns() { return conversationRuns; }
+
+void transmitNoteSent(const std::string &utf8Name) {
+    const HoldLock hold(queueLock);
+    sent = {utf8Name, sent.count + 1};
+}
+
+std::string transmitSentWords() {
+    if (conversationRuns) return {};
+    Sent told;
+    {
+        const HoldLock hold(queueLock);
+        told = std::exchange(sent, {});
+    }
+    if (told.count == 0) return {};
+    return told.count == 1 ? wording(Text::itemSent, {told.last})
+                           : wording(Text::itemsSent, {std::to_string(told.count)});
+}
 
 }  // namespace numalink

@@ -67,6 +67,10 @@ std::size_t transmitQueueDrop();
 void transmitQueueAnswered(const QueuedItem &item);
 void transmitConversation(bool runs);
 bool transmitConversationRuns();
+void transmitNoteSent(const std::string &utf8Name);
+
+// What the conversations that are over have sent, in words: told once; empty where nothing was. Any thread.
+std::string transmitSentWords();
 
 // Tells that the item can't go, and why. The name is in calculator codes.
 void tellRefusal(Refusal refusal, const std::string &name, BoxIcon icon);

@@ -81,8 +81,12 @@ TEST_F(Help, TheManualIsSearchedAndFollowsItsLinks) {
     EXPECT_LE(pagesListed().size(), 2);
     EXPECT_EQ(browser->source().fileName(), QStringLiteral("debugging.md"));
     EXPECT_FALSE(browser->extraSelections().isEmpty());
-    search->setText(QStringLiteral("first zzzz"));
+    search->setText(QStringLiteral("how do I get my old programs from the calculator?"));
+    EXPECT_EQ(browser->source().fileName(), QStringLiteral("communication.md")) << "a question finds its answer";
+    search->setText(QStringLiteral("zzzz"));
     EXPECT_TRUE(pagesListed().isEmpty());
+    QTest::keyClick(browser, Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(search->hasFocus() && search->selectedText() == QStringLiteral("zzzz"));
     showManual(QStringLiteral("settings"));
     EXPECT_EQ(pagesListed().size(), 13);
     EXPECT_TRUE(browser->extraSelections().isEmpty());
@@ -91,8 +95,36 @@ TEST_F(Help, TheManualIsSearchedAndFollowsItsLinks) {
     EXPECT_EQ(list->currentItem()->data(Qt::UserRole).toString(), QStringLiteral("communication"));
     browser->backward();
     EXPECT_EQ(list->currentItem()->data(Qt::UserRole).toString(), QStringLiteral("settings"));
+}
+
+// Each thing that is new is told in every language, and the page is about the newest version.
+TEST_F(Help, WhatIsNewIsToldInEveryLanguage) {
+    QFile table(toQt(dataPath("help/news.tsv")));
+    ASSERT_TRUE(table.open(QFile::ReadOnly));
+    QStringList lines = QString::fromUtf8(table.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeIf([](const QString &line) { return line.startsWith(QLatin1Char('#')); });
+    EXPECT_EQ(lines.takeFirst(), QStringLiteral("since\tpage\ten\tnl\tde\tfr"));
+    ASSERT_GT(lines.size(), 5);
+    std::set<QString> pages{QStringLiteral("-")};
+    for (const ManualPage &page : manualPages()) pages.insert(page.name);
+    for (const QString &line : lines) {
+        const QStringList fields = line.split(QLatin1Char('\t'));
+        ASSERT_EQ(fields.size(), 6) << line.toStdString();
+        EXPECT_TRUE(pages.contains(fields[1])) << line.toStdString();
+        EXPECT_EQ(QSet<QString>(fields.begin() + 2, fields.end()).size(), 4) << line.toStdString();
+        EXPECT_FALSE(fields.contains(QString())) << line.toStdString();
+    }
+    // The version ahead of the newest section of the changelog that says anything.
+    QStringList sections;
+    for (const QString &section : allChanges().split(QStringLiteral("\n## [")).mid(1))
+        if (section.contains(QLatin1String("\n- "))) sections << section.section(QLatin1Char(']'), 0, 0);
+    ASSERT_GE(sections.size(), 2);
+    EXPECT_EQ(lines.first().section(QLatin1Char('\t'), 0, 0), sections[1]);
     showWhatIsNew();
-    EXPECT_TRUE(browser->toPlainText().contains(QStringLiteral("Unreleased")));
+    auto *browser = windowNamed("manualWindow")->findChild<QTextBrowser *>();
+    EXPECT_TRUE(browser->toPlainText().contains(textOf(Text::newsSince, {sections[1].toStdString()})));
+    browser->setSource(QUrl(QString::fromLatin1(allChangesName)));
+    EXPECT_TRUE(browser->toPlainText().contains(QStringLiteral("Changelog")));
 }
 
 bool isControl(const QWidget *widget) {
@@ -314,6 +346,8 @@ TEST_F(Help, TheTourDoesWhatItTellsAndLeavesTheLibraryAsItWas) {
                 case 7:
                     EXPECT_TRUE(QTest::qWaitFor([] { return transmitQueueCount() > 0; }, 15000));
                     EXPECT_TRUE(QTest::qWaitFor([] { return transmitQueueCount() == 0; }, 15000));
+                    EXPECT_TRUE(
+                        QTest::qWaitFor([] { return itemField->text() == textOf(Text::itemSent, {"HELLO"}); }, 5000));
                     break;
                 case 8:
                     EXPECT_EQ(itemIn("/Games", "HELLO"), noItem);

@@ -58,6 +58,7 @@ struct Tour {
     QPointer<QPushButton> back, next;
     std::unique_ptr<QTemporaryDir> folder;
     std::string formerLibrary, formerPort, formerType;
+    ItemId formerItem = noItem;      // selected in that library
     QProcess *calculator = nullptr;  // plays one at the other end of a port; the panel's child
     std::size_t step = 0;
 };
@@ -67,8 +68,7 @@ ItemId itemIn(const char *folder, const char *name) { return storeFindItem(name,
 ItemId ownProgram() { return itemIn("/Games", ownName); }
 
 void show(ItemId item) {
-    if (item == noItem || !selectItem(item)) return;
-    treeView->scrollToItem(treeEntryOf(item));
+    if (item != noItem && treeEntryOf(item) != nullptr && selectItem(item)) showInTree(item);
 }
 
 void takeSamples() {
@@ -208,7 +208,7 @@ void leaveTour() {
     dropCurrentView();
     restoreSettings();
     if (state.calculator != nullptr) state.calculator->kill();
-    changeLibraryTo(state.formerLibrary, false, ListLibrary::never);
+    if (changeLibraryTo(state.formerLibrary, false, ListLibrary::never)) show(state.formerItem);
     state.panel->deleteLater();
     state = {};
 }
@@ -276,10 +276,12 @@ void startTour() {
         auto folder = std::make_unique<QTemporaryDir>();
         const std::string own = folder->path().toStdString() + "/library/";
         std::string former = libraryFolder();
+        const ItemId formerItem = selectedItemId();
         if (!folder->isValid() || !changeLibraryTo(own, true, ListLibrary::never)) return;
         state = {};
         state.folder = std::move(folder);
         state.formerLibrary = std::move(former);
+        state.formerItem = formerItem;
         state.formerPort = settingsValue(setting::comPort);
         state.formerType = settingsValue(setting::linkType);
         makePanel();

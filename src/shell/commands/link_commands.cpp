@@ -172,7 +172,10 @@ void queueMarked() {
     QMetaObject::invokeMethod(
         qApp,
         [] {
-            if (mainWindow != nullptr) showQueue();
+            if (mainWindow == nullptr) return;
+            showQueue();
+            if (const std::string words = transmitSentWords(); !words.empty())
+                userInterface.statusText(StatusPart::item, Text::none, words);
         },
         Qt::QueuedConnection);
 }

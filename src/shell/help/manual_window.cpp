@@ -1,5 +1,6 @@
 #include "shell/help/manual_window.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -8,10 +9,14 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "platform/thread_role.h"
 #include "shell/help/key_picture.h"
@@ -40,7 +45,7 @@ protected:
             return name == QLatin1String(keyPictureName) ? QVariant(keyPicture()) : QVariant(manualPicture(name));
         for (const ManualPage &page : pages)
             if (page.name + QLatin1String(".md") == name) return page.text;
-        return {};
+        return name == QLatin1String(allChangesName) ? QVariant(allChanges()) : QVariant();
     }
 };
 
@@ -54,10 +59,59 @@ Manual state;
 
 QUrl urlOf(const QString &page) { return QUrl(page + QLatin1String(".md")); }
 
-bool holds(const ManualPage &page, const QString &wanted) {
-    const QStringList words = wanted.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    return std::ranges::all_of(words,
-                               [&](const QString &word) { return page.text.contains(word, Qt::CaseInsensitive); });
+// A short word is looked for where words begin ("get", not "together"); a longer one within others, too.
+QRegularExpression patternOf(const QString &word) {
+    constexpr int shortWord = 3;  // characters
+    return QRegularExpression(
+        (word.size() > shortWord ? QString() : QStringLiteral("\\b")) + QRegularExpression::escape(word),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
+}
+
+QList<QRegularExpression> wantedPatterns() {
+    QList<QRegularExpression> patterns;
+    const QRegularExpression ends(QStringLiteral("[\\s?!,;\"]+"));
+    for (const QString &word : state.search->text().split(ends, Qt::SkipEmptyParts)) patterns << patternOf(word);
+    return patterns;
+}
+
+// Headings, and questions that begin in bold.
+QString headingsOf(const ManualPage &page) {
+    QString headings;
+    for (const QString &line : page.text.split(QLatin1Char('\n')))
+        if (line.startsWith(QLatin1Char('#')) || line.startsWith(QLatin1String("**")))
+            headings += line + QLatin1Char('\n');
+    return headings;
+}
+
+// How well each page answers: a word counts the more the fewer pages hold it, and most where a heading does.
+std::vector<double> scoresOf(const std::vector<ManualPage> &pages, const QList<QRegularExpression> &wanted) {
+    constexpr double headingCounts = 3, newsCounts = 0.5;
+    std::vector<double> scores(pages.size(), wanted.isEmpty() ? 1 : 0);
+    for (const QRegularExpression &pattern : wanted) {
+        const auto holds = [&](const ManualPage &page) { return page.text.contains(pattern); };
+        const auto holding = static_cast<double>(std::ranges::count_if(pages, holds));
+        for (std::size_t i = 0; i < pages.size(); i++) {
+            if (!holds(pages[i])) continue;
+            const double counts = pages[i].name == QLatin1String(newsPageName) ? newsCounts : 1;
+            scores[i] += counts / holding * (headingsOf(pages[i]).contains(pattern) ? headingCounts : 1);
+        }
+    }
+    return scores;
+}
+
+// The pages to list, the best answer first; those that answer far worse are left out.
+std::vector<const ManualPage *> pagesFound() {
+    constexpr double worthListing = 0.5;  // of the best one's score
+    const std::vector<ManualPage> &pages = state.browser->pages;
+    const std::vector<double> scores = scoresOf(pages, wantedPatterns());
+    const double best = scores.empty() ? 0 : *std::ranges::max_element(scores);
+    std::vector<std::pair<double, const ManualPage *>> found;
+    for (std::size_t i = 0; i < pages.size(); i++)
+        if (scores[i] > 0 && scores[i] >= best * worthListing) found.emplace_back(scores[i], &pages[i]);
+    std::ranges::stable_sort(found, std::ranges::greater(), [](const auto &row) { return row.first; });
+    std::vector<const ManualPage *> rows;
+    for (const auto &[score, page] : found) rows.push_back(page);
+    return rows;
 }
 
 // Every place of the page that has what is looked for is marked, and the first one is in sight.
@@ -66,8 +120,8 @@ void markFound() {
     const QPalette palette = state.browser->palette();
     const QTextDocument *document = state.browser->document();
     QTextCursor first;
-    for (const QString &word : state.search->text().split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-        for (QTextCursor at = document->find(word, 0); !at.isNull(); at = document->find(word, at)) {
+    for (const QRegularExpression &pattern : wantedPatterns()) {
+        for (QTextCursor at = document->find(pattern, 0); !at.isNull(); at = document->find(pattern, at)) {
             QTextEdit::ExtraSelection mark;
             mark.cursor = at;
             mark.format.setBackground(palette.highlight());
@@ -103,19 +157,21 @@ void pageShown(const QUrl &url) {
 void listPages() {
     const QSignalBlocker blocked(state.list);
     state.list->clear();
-    for (const ManualPage &page : state.browser->pages) {
-        if (!holds(page, state.search->text())) continue;
-        auto *row = new QListWidgetItem(page.title, state.list);
-        row->setData(Qt::UserRole, page.name);
-        row->setToolTip(page.title);
+    for (const ManualPage *page : pagesFound()) {
+        auto *row = new QListWidgetItem(page->title, state.list);
+        row->setData(Qt::UserRole, page->name);
+        row->setToolTip(page->title);
     }
 }
 
+// With nothing looked for any more, the page on view stays.
 void searchPages() {
     const QString shown = state.browser->source().fileName().chopped(3);
     listPages();
-    chooseRow(shown);
-    if (state.list->currentItem() == nullptr && state.list->count() > 0) state.list->setCurrentRow(0);
+    if (wantedPatterns().isEmpty())
+        chooseRow(shown);
+    else
+        state.list->setCurrentRow(0);
     markFound();
 }
 
@@ -164,6 +220,13 @@ void makeWindow(QWidget *over) {
     parts->setSizes({grown(listWidth), grown(windowWidth - listWidth)});
     (new QVBoxLayout(state.window))->addWidget(parts);
     listPages();
+    auto *find = new QAction(state.window);
+    find->setShortcut(QKeySequence::Find);
+    state.window->addAction(find);
+    QObject::connect(find, &QAction::triggered, state.search, [] {
+        state.search->setFocus();
+        state.search->selectAll();
+    });
     QObject::connect(state.list, &QListWidget::currentRowChanged, state.window, showChosen);
     QObject::connect(state.search, &QLineEdit::textChanged, state.window, searchPages);
     QObject::connect(state.browser, &QTextBrowser::sourceChanged, state.window, pageShown);
