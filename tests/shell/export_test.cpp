@@ -42,6 +42,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
     addProgram("apple", "B", games);
     addProgram("TOP", "C");
     addProgram("HIDDEN", "D", storeTempFolder());
+    show(storeFindItem("SNAKE", games));
     whileOpen = [this] {
         auto *left = partOf<QListWidget>("availableItems");
         auto *right = partOf<QListWidget>("chosenItems");
@@ -49,6 +50,7 @@ TEST_F(ExportByWindow, ChosenItemsGoIntoTheFileAndStayChosen) {
             QApplication::activeModalWidget()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
         EXPECT_EQ(linesOf(left), (Lines{"TOP", "(Games/old) apple", "(Games/old) SNAKE"}));
         EXPECT_FALSE(ok->isEnabled()) << "nothing is chosen";
+        EXPECT_EQ(left->currentItem()->text(), QStringLiteral("(Games/old) SNAKE")) << "as in the tree";
         const char *const order[] = {"availableItems", ">", ">>", "<", "<<", "chosenItems"};
         QWidget *at = left;
         for (const char *name : order) {

@@ -42,7 +42,10 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     const ItemId games = storeFindItem("Two Games", rootId);
     ASSERT_EQ(storeListChildren(games).size(), 2u);
     EXPECT_NE(treeEntryOf(storeFindItem("THREE", games)), nullptr);
-    EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(CommandId::find));
+    const ItemId arrived = storeListChildren(storeStandardFolder(1001))[0].id;
+    EXPECT_EQ(viewItemId, arrived) << "the first of what came in is looked at";
+    EXPECT_TRUE(treeView->viewport()->rect().contains(centreOf(arrived)) && commandEnabled(CommandId::find));
+    show(onView);
     shown.clear();
     answer("Return");
     answer("Return");
@@ -50,6 +53,7 @@ TEST_F(ImportByWindow, DroppedFilesGoWhereEachQuestionSays) {
     EXPECT_EQ(shown.size(), 2u) << "one list for both names";
     EXPECT_EQ(shown.back(), wording(Text::arrivalsTitle));
     EXPECT_EQ(storeListChildren(games).size(), 2u) << "what is the same is left out";
+    EXPECT_TRUE(viewItemId == onView && programEdit->isVisible() && commandEnabled(CommandId::find));
 }
 
 TEST_F(ImportByWindow, OneAnswerIsForAllFilesAndTheListDecidesForEach) {

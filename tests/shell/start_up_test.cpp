@@ -14,6 +14,7 @@
 #include "shell/app/tray.h"
 #include "shell/commands/library_commands.h"
 #include "shell/editor/symbols_window.h"
+#include "shell/parts/status_bar.h"
 #include "shell/shell_fixture.h"
 #include "shell/views/surface_view.h"
 #include "store/undo/undo.h"
@@ -36,6 +37,22 @@ TEST_F(StartUp, ShowsTheWindowWithWordingToolbarAndTree) {
     const auto isShown = [] { return mainWindow->findChild<QWidget *>(QStringLiteral("aboutBox")) != nullptr; };
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isShown(); }, 10000)) << "it goes by itself";
+}
+
+TEST_F(StartUp, TheLinksWordsStayBesideWhatACommandDoes) {
+    ASSERT_TRUE(startProgram());
+    showStatus(linkField, QStringLiteral("Ready for a calculator"), false);
+    showStatus(itemField, QStringLiteral("6 bytes"), false);
+    const auto *tip = mainWindow->findChild<QLabel *>(QStringLiteral("tipField"));
+    QAction *open = commandAction(CommandId::open);
+    open->showStatusText(mainWindow);
+    QTest::qWait(20);
+    EXPECT_EQ(tip->text(), textOf(Text::tipOpen));
+    EXPECT_TRUE(tip->isVisible() && linkField->isVisible() && !linkField->visibleRegion().isEmpty());
+    EXPECT_GE(linkField->width(), linkField->fontMetrics().horizontalAdvance(linkField->text()));
+    QStatusTipEvent over{QString()};
+    QApplication::sendEvent(mainWindow, &over);
+    EXPECT_TRUE(itemField->isVisible() && !tip->isVisible());
 }
 
 // No colours, no language; and no port, of which nothing is said until one is needed.

@@ -70,6 +70,19 @@ TEST_F(Tree, RefreshMovesAsLittleAsItMust) {
     EXPECT_EQ(selectedItemId(), ids[20]);
 }
 
+TEST_F(Tree, ARenamedItemStaysInSight) {
+    for (char name = 'A'; name <= 'Z'; name++)
+        for (const char *digit : {"1", "2"}) add(kind::matrix, name + std::string(digit));
+    const ItemId renamed = storeFindItem("B1", rootId);
+    show(renamed);
+    treeView->setFocus();
+    QTest::keyClick(treeView, Qt::Key_F2);
+    typeKeys(QStringLiteral("zz"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(storeReadEntry(renamed)->name, "zz");
+    EXPECT_TRUE(treeView->viewport()->rect().contains(centreOf(renamed)));
+}
+
 TEST_F(Tree, NothingSelectsWithoutOpening) {
     const ItemId outer = add(kind::folder, "outer");
     const ItemId first = addProgram("ONE", "A", outer);

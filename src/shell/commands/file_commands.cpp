@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QTimer>
 #include <deque>
+#include <set>
 #include <utility>
 
 #include "calculator/charset.h"
@@ -24,8 +25,10 @@
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
+#include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/several.h"
+#include "shell/tree/tree_rules.h"
 #include "store/care/user_files.h"
 #include "store/item_store.h"
 #include "telling/tell_user.h"
@@ -51,10 +54,29 @@ constexpr SampleFile sampleFiles[] = {{"games.cat", "Games"}, {"maths.fxi", "Mat
 constexpr char firstSample[] = "SNAKE";
 const char *sampleFolder = "";
 
-// An import has left the view. What it told in the status bar stays.
-void showAfterImport() {
+std::set<ItemId> itemsInTree() {
+    std::set<ItemId> items;
+    for (const ItemEntry &entry : storeListItems())
+        if (treeEntryOf(entry.id) != nullptr) items.insert(entry.id);
+    return items;
+}
+
+// The first item in the order of the tree that came in; none when nothing did.
+ItemId firstArrived(const std::set<ItemId> &before) {
+    for (const TreeEntry &entry : treeContent(storeListItems()).entries)
+        if (!isFolderKind(entry.kind) && !before.contains(entry.id) && treeEntryOf(entry.id) != nullptr)
+            return entry.id;
+    return noItem;
+}
+
+// An import has left the view: what came in is shown, else what was. What was told in the status bar stays.
+void showAfterImport(const std::set<ItemId> &before) {
     const std::string told = itemField->text().toStdString();
-    showSelectedAgain();
+    const ItemId arrived = firstArrived(before);
+    if (arrived != noItem && selectItem(arrived))
+        showInTree(arrived);
+    else
+        showSelectedAgain();
     if (!told.empty()) userInterface.statusText(StatusPart::item, Text::none, told);
 }
 
@@ -93,17 +115,20 @@ void importWaitingFiles() {
         return;
     }
     state.importing = true;
+    std::set<ItemId> before = itemsInTree();
     while (!state.filesToImport.empty() && storeIsOpen()) {
         const std::vector<FileToImport> files = takeFilesAheadOfLibrary();
-        if (!files.empty())
+        if (!files.empty()) {
             importTogether(files);
-        else
-            openLibraryFile(takeFirstFile());
+            continue;
+        }
+        openLibraryFile(takeFirstFile());
+        before = itemsInTree();
     }
     state.importing = false;
     state.filesToImport.clear();
     refreshTree();
-    if (storeIsOpen()) showAfterImport();
+    if (storeIsOpen()) showAfterImport(before);
 }
 
 }  // namespace

@@ -26,6 +26,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/open_windows.h"
 #include "shell/parts/scale.h"
+#include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 
 namespace numalink {
@@ -147,6 +148,10 @@ void fillLists(const ExportQuestion &question, const ExportControls &controls) {
         (isChosen ? controls.chosen : controls.available)->addItem(item);
     }
     for (QListWidget *list : {controls.available, controls.chosen}) list->setCurrentRow(0);
+    // The one that is selected in the tree needs no looking for.
+    for (int row = 0; row < controls.available->count(); row++)
+        if (controls.available->item(row)->data(idRole).toUInt() == selectedItemId())
+            controls.available->setCurrentRow(row);
 }
 
 QPushButton *moveButton(const QString &sign, Text tip, const std::function<void()> &work) {

@@ -5,9 +5,12 @@
 #include <QMainWindow>
 #include <QProgressBar>
 #include <QStatusBar>
+#include <QStatusTipEvent>
+#include <algorithm>
 
 #include "shell/parts/color_contrast.h"
 #include "shell/parts/cut_label.h"
+#include "shell/parts/event_hook.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/scale.h"
 #include "shell/parts/shell_texts.h"
@@ -17,6 +20,9 @@ namespace numalink {
 namespace {
 
 constexpr int progressWidth = 150, progressHeight = 18, linkFieldWidth = 200;
+constexpr int tipGap = 12;  // pixels between the link's words and a tip
+
+QLabel *tipField = nullptr;  // what the command under the pointer does, in the place of the item field
 
 QLabel *makeField(const char *name, int narrowest) {
     auto *field = new QLabel;
@@ -42,6 +48,24 @@ void showPlain(QLabel *field, const QString &text) {
     field->setText(text);
 }
 
+// The link's words stay beside a tip, which takes what room they leave.
+void showTip(const QString &tip) {
+    const bool isShown = !tip.isEmpty();
+    const int widest = grown(linkFieldWidth);
+    linkField->setSizePolicy(isShown ? QSizePolicy::Maximum : QSizePolicy::Ignored, QSizePolicy::Preferred);
+    linkField->setContentsMargins(0, 0, isShown && !linkField->text().isEmpty() ? grown(tipGap) : 0, 0);
+    linkField->setMinimumWidth(isShown ? std::min(widest, linkField->sizeHint().width()) : widest);
+    tipField->setText(tip);
+    itemField->setVisible(!isShown);
+    tipField->setVisible(isShown);
+}
+
+bool tipEvent(QWidget *, QEvent *event) {
+    if (event->type() != QEvent::StatusTip) return false;
+    showTip(static_cast<QStatusTipEvent *>(event)->tip());
+    return true;
+}
+
 }  // namespace
 
 void makeStatusBar() {
@@ -56,7 +80,12 @@ void makeStatusBar() {
     statusBar->addWidget(progressBar);
     statusBar->addWidget(linkField, 1);
     statusBar->addWidget(itemField);
+    tipField = makeField("tipField", 1);
+    tipField->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar->addWidget(tipField, 1);
+    tipField->hide();
     progressBar->hide();
+    hookEvents(mainWindow, tipEvent);
 }
 
 void showStatus(QLabel *field, const QString &text, bool leadsToSettings) {

@@ -129,6 +129,10 @@ QTreeWidgetItem *treeEntryOf(ItemId id) {
     return found == entryOf.end() ? nullptr : found->second;
 }
 
+void showInTree(ItemId id) {
+    if (QTreeWidgetItem *entry = treeEntryOf(id)) treeView->scrollToItem(entry);
+}
+
 int showLibraryInTree() {
     const std::vector<ItemEntry> items = storeListItems();
     const TreeContent content = treeContent(items, treeRanks(items));

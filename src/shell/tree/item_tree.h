@@ -17,6 +17,7 @@ int showLibraryInTree();
 void markSelected(ItemId id, const std::vector<ItemId> &beside = {});
 
 QTreeWidgetItem *treeEntryOf(ItemId id);  // null when not shown
+void showInTree(ItemId id);               // scrolls to it, where it isn't in sight
 
 void forgetEntries();
 

@@ -70,7 +70,9 @@ void commit() {
         if (const std::optional<Text> fault = nameFault(typed->item, typed->name)) return tellFault(*fault);
     }
     closeLabelEditor();
-    if (typed && renameItem(typed->item, calculatorFromUtf8(typed->name))) refreshTree();
+    if (!typed || !renameItem(typed->item, calculatorFromUtf8(typed->name))) return;
+    refreshTree();
+    showInTree(typed->item.id);
 }
 
 void commitByEnter() {

@@ -17,6 +17,7 @@
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/delete_question.h"
+#include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
@@ -78,7 +79,9 @@ void moveSelectedItem() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item) return;
     const ItemId folder = askFolder({item->id}, textOf(Text::moveFolders, {utf8FromCalculator(item->name)}));
-    if (folder != noItem) moveDropped(item->id, folder);
+    if (folder == noItem) return;
+    moveDropped(item->id, folder);
+    showInTree(item->id);
 }
 
 }  // namespace numalink
