@@ -1,6 +1,7 @@
 // numalink-tour SAMPLES PICTURES: starts the program with the library that lies beside it, imports the item files of
 // SAMPLES with every question answered as it stands, shows each view, exchanges items with a virtual calculator, and
-// leaves pictures of the window in PICTURES; those of the manual, which data/help/images keeps, in its folder "help".
+// leaves pictures of the window in PICTURES; those of the manual, which data/help/images keeps, in its folder "help",
+// and those that docs/images keeps in its folder "docs".
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -16,6 +17,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "doc_pictures.h"
 #include "link/link_thread.h"
 #include "link/transmit_queue.h"
 #include "settings/settings_store.h"
@@ -170,8 +172,11 @@ bool exchangeItems() {
     QTest::qWait(1500);
     takePicture("transmission");
     const QRect window = numalink::mainWindow->geometry();
-    takeHelpPicture("send", QGuiApplication::primaryScreen()->grabWindow(0, window.x(), window.y(), window.width(),
-                                                                         window.height()));
+    const QPixmap onScreen =
+        QGuiApplication::primaryScreen()->grabWindow(0, window.x(), window.y(), window.width(), window.height());
+    takeHelpPicture("send", onScreen);
+    QDir(pictureFolder).mkpath(QStringLiteral("docs"));
+    onScreen.save(pictureFolder + QStringLiteral("/docs/link.png"));
     const bool sent = QTest::qWaitFor([] { return numalink::transmitQueueCount() == 0; }, VirtualCalculator::patience);
     queueWindow->close();
     other.rest();
@@ -225,7 +230,8 @@ int main(int argc, char **argv) {
     const bool exchanged = exchangeItems();
     if (!exchanged) std::fprintf(stderr, "The virtual calculator and the program did not understand each other.\n");
     answering.stop();
+    const bool taken = takeDocPictures(pictureFolder + QStringLiteral("/docs"));
     numalink::shutDown();
     numalink::tearDown();
-    return exchanged ? 0 : 1;
+    return exchanged && taken ? 0 : 1;
 }
