@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QLinearGradient>
 #include <QListWidget>
@@ -156,7 +157,7 @@ void takePhoto() {
         push(dialog, Text::rasterSharp);
         keep("bitmap-sharp", &dialog);
     });
-    importDropped({file});
+    importDropped({QFile::encodeName(file).toStdString()});
     QTest::qWait(settling);
     QFile::remove(file);
 }
