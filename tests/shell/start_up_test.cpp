@@ -254,6 +254,7 @@ TEST_F(StartUp, TakesFoldersOfLibrariesAndFilesByWhateverBytesTheyAreNamed) {
     const Row rows[] = {
         {{folder.path + "empty"}, "empty/", {}},
         {{odd, folder.path + "library"}, "library/", {odd}},
+        {{folder.path + "empty", odd}, nullptr, {folder.path + "empty", odd}},
         {{folder.path + "files"}, nullptr, {folder.path + "files"}},  // told as what it is; no library begins there
         {{"--", "--trace", "-x", ""}, nullptr, {absolutePath("--trace"), absolutePath("-x"), ""}},
     };

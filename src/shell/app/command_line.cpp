@@ -1,5 +1,7 @@
 #include "shell/app/command_line.h"
 
+#include <QtGlobal>
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
@@ -29,23 +31,31 @@ constexpr char libraryName[] = "storage.dat";
 constexpr char traceOption[] = "--trace", endOfOptions[] = "--";
 
 // Among somebody's files no library is begun.
-bool mayBeLibrary(const fs::path &folder) {
+bool mayBeLibrary(const fs::path &folder, bool isAlone) {
     std::error_code failure;
     return fs::exists(folder / libraryName, failure) || fs::exists(folder / "backups", failure) ||
-           fs::is_empty(folder, failure) || failure;
+           (isAlone && fs::is_empty(folder, failure)) || failure;
 }
 
 // The folder of the library that path leads to; empty where it is none.
-std::string libraryAt(const std::string &path) {
+std::string libraryAt(const std::string &path, bool isAlone) {
     std::error_code failure;
-    if (fs::is_directory(path, failure)) return mayBeLibrary(path) ? path : "";
+    if (fs::is_directory(path, failure)) return mayBeLibrary(path, isAlone) ? path : "";
     const fs::path file = path;
     return file.filename() == libraryName && isLibraryFile(path) ? file.parent_path().string() : "";
+}
+
+// Qt would end the program as by a fault. Where it may take a platform of its own choice, or one that was named, it is
+// for Qt to tell.
+bool lacksDisplay(bool platformGiven) {
+    const char *const variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return !platformGiven && std::ranges::all_of(variables, qEnvironmentVariableIsEmpty);
 }
 
 }  // namespace
 
 std::optional<int> answeredAtOnce(int argc, const char *const *argv) {
+    bool platformGiven = false;
     for (int i = 1; i < argc; i++) {
         const std::string_view argument = argv[i];
         if (argument == endOfOptions) break;
@@ -55,6 +65,12 @@ std::optional<int> answeredAtOnce(int argc, const char *const *argv) {
             return wrongUse;
         }
         if (argument == "--version") return std::puts("numalink " NUMALINK_VERSION) < 0 ? 1 : 0;
+        platformGiven = platformGiven || argument.starts_with("-platform") || argument.starts_with("--platform") ||
+                        argument == "-display" || argument == "--display";
+    }
+    if (lacksDisplay(platformGiven)) {
+        std::fputs("numalink: there is no display (DISPLAY isn't set); numalink-cli works without one\n", stderr);
+        return 1;
     }
     return std::nullopt;
 }
@@ -84,7 +100,7 @@ StartWish chooseLibrary(const std::vector<std::string> &arguments) {
             continue;
         }
         const std::string path = absolutePath(arguments[i]);
-        const std::string folder = wish.ofThisLibrary ? "" : libraryAt(path);
+        const std::string folder = wish.ofThisLibrary ? "" : libraryAt(path, arguments.size() == 1);
         if (folder.empty()) {
             wish.files.push_back(path);
             continue;

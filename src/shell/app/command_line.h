@@ -11,8 +11,8 @@ namespace numalink {
 
 inline constexpr int wrongUse = 2;  // exit status
 
-// Answers --help and --version on the standard output, and refuses a trace without a file: the exit status then, else
-// nothing. Needs no display.
+// Answers --help and --version on the standard output, and refuses a trace without a file and a start without a
+// display: the exit status then, else nothing. Needs no display.
 std::optional<int> answeredAtOnce(int argc, const char *const *argv);
 
 // The first argument that is an option, though neither ours nor Qt's, which the application object has taken from them;
@@ -20,7 +20,8 @@ std::optional<int> answeredAtOnce(int argc, const char *const *argv);
 std::string unknownOption(const std::vector<std::string> &arguments);
 
 // Takes the first argument that is a library's folder or its storage.dat as the library, else the user's own; the rest
-// are files. An empty folder is a library to be begun. Who is new and gives neither is asked what to begin with.
+// are files. An empty folder that is given alone is a library to be begun. Who is new and gives neither is asked what
+// to begin with.
 StartWish chooseLibrary(const std::vector<std::string> &arguments);
 
 }  // namespace numalink

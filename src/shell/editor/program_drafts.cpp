@@ -34,6 +34,7 @@ std::string freePath() {
 
 bool writeDraft(const std::string &path, const ItemEntry &item, const QString &text) {
     if (path.empty()) return false;
+    makeFolders(libraryFolder());  // should somebody have removed it, the text is still worth keeping
     std::string name = utf8FromCalculator(item.name);
     std::erase(name, '\n');
     std::string file = draftHead;
