@@ -254,8 +254,8 @@ int runLink(const LinkOptions &options) {
     if (options.removeColor) settingsSetInt(setting::removeColor, 1);
     installLinkUi();
     if (!options.trace.empty()) {
-        const FileResult result = wireTraceStart(options.trace);
-        if (result != FileResult::done) return commandFailed(wording(fileTrouble(result), {options.trace}));
+        const Text cause = wireTraceStart(options.trace);
+        if (cause != Text::none) return commandFailed(wording(cause, {options.trace}));
     }
     startLinkThread();
     serveInput(options.seconds);

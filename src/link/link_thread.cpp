@@ -65,7 +65,7 @@ void endAttempt(const LineOpening &opening) {
     const std::size_t count = transmitQueueDrop();
     const Text cause = causeOf(opening);
     std::string text = wording(cause, {opening.path, opening.group});
-    if (count > 0) text += ". " + wording(Text::queueDropped, {std::to_string(count)});
+    if (count > 0) text += (text.ends_with('.') ? " " : ". ") + wording(Text::queueDropped, {std::to_string(count)});
     userInterface.statusText(StatusPart::link, cause, text);
     userInterface.transmitQueueChanged();
     tellClosedInBox(opening);

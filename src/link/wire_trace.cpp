@@ -10,8 +10,10 @@
 
 #include "link/wire_decoder.h"
 #include "platform/clock.h"
+#include "platform/files.h"
 #include "platform/lock.h"
 #include "platform/serial_line.h"
+#include "telling/tell_user.h"
 
 namespace numalink {
 
@@ -126,22 +128,23 @@ void closeObserved() {
     putEvents(trace.decoder.end());
 }
 
-FileResult whyNot(const std::string &path) {
+Text whyNot(const std::string &path) {
     Bytes held;
     const FileResult result = readWholeFile(path, held, std::uint64_t{1} << 30);
-    if (result == FileResult::missing) return FileResult::done;
+    if (result == FileResult::missing) return Text::none;
+    if (result != FileResult::done) return fileTrouble(result);
     const auto mark = ByteView(held).first(std::min(held.size(), firstLine.size()));
     const bool isTrace = held.empty() || std::ranges::equal(mark, firstLine, {},
                                                             [](std::uint8_t byte) { return static_cast<char>(byte); });
-    return result == FileResult::done && !isTrace ? FileResult::failed : result;
+    return isTrace ? Text::none : Text::traceOtherFile;
 }
 
 }  // namespace
 
-FileResult wireTraceStart(const std::string &path) {
-    if (const FileResult result = whyNot(path); result != FileResult::done) return result;
+Text wireTraceStart(const std::string &path) {
+    if (const Text cause = whyNot(path); cause != Text::none) return cause;
     std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "ae"));
-    if (file == nullptr) return errno == ENOENT ? FileResult::missing : FileResult::denied;
+    if (file == nullptr) return errno == ENOENT ? Text::fileMissing : Text::fileDenied;
     observed = serialLine;
     {
         const HoldLock hold(traceLock);
@@ -158,7 +161,7 @@ FileResult wireTraceStart(const std::string &path) {
     serialLine.read = readObserved;
     serialLine.close = closeObserved;
     serialLine.write = writeObserved;
-    return FileResult::done;
+    return Text::none;
 }
 
 bool wireTraceEnd() {

@@ -71,7 +71,7 @@ FileResult readFile(const std::string &path, Bytes &bytes, std::uint64_t limit) 
     struct stat facts {};
     if (opened.file < 0 || fstat(opened.file, &facts) != 0) return resultOfError(errno);
     if (S_ISDIR(facts.st_mode)) return FileResult::isFolder;
-    if (!S_ISREG(facts.st_mode)) return FileResult::failed;
+    if (!S_ISREG(facts.st_mode)) return FileResult::noFile;
     const auto size = static_cast<std::uint64_t>(facts.st_size);
     if (size > limit) return FileResult::tooLarge;
     return readToEnd(opened.file, bytes, size, limit);
@@ -159,7 +159,7 @@ FileResult writeWholeFile(const std::string &path, ByteView bytes, const std::st
     struct stat old {};
     const bool replaces = stat(target.c_str(), &old) == 0;
     if (replaces && S_ISDIR(old.st_mode)) return FileResult::isFolder;
-    if (replaces && !S_ISREG(old.st_mode)) return FileResult::failed;
+    if (replaces && !S_ISREG(old.st_mode)) return FileResult::noFile;
     if (replaces && access(target.c_str(), W_OK) != 0) return resultOfError(errno);
     std::string beside;
     constexpr mode_t own = 0600, asTheSystemGives = 0666;

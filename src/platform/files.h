@@ -8,10 +8,10 @@
 
 namespace numalink {
 
-enum class FileResult { done, missing, denied, isFolder, tooLarge, diskFull, failed };
+enum class FileResult { done, missing, denied, isFolder, noFile, tooLarge, diskFull, failed };
 
 // Reads the whole of path into bytes, which is left empty unless the result is done. A file of more than
-// limit bytes is tooLarge and not read. A device or pipe gives failed, so that nothing waits for ever.
+// limit bytes is tooLarge and not read. A device or pipe gives noFile, so that nothing waits for ever.
 FileResult readWholeFile(const std::string &path, Bytes &bytes, std::uint64_t limit);
 
 // Writes beside path, syncs, and renames over it: path holds either its old content or the whole new one.

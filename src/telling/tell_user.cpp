@@ -22,8 +22,8 @@ struct TroubleRow {
 };
 constexpr TroubleRow troubleRows[] = {
     {FileResult::missing, Text::fileMissing},   {FileResult::denied, Text::fileDenied},
-    {FileResult::isFolder, Text::fileIsFolder}, {FileResult::tooLarge, Text::fileTooLarge},
-    {FileResult::diskFull, Text::fileDiskFull},
+    {FileResult::isFolder, Text::fileIsFolder}, {FileResult::noFile, Text::fileNoFile},
+    {FileResult::tooLarge, Text::fileTooLarge}, {FileResult::diskFull, Text::fileDiskFull},
 };
 
 thread_local HoldBoxes *holder = nullptr;

@@ -90,12 +90,12 @@ TEST(WireTrace, WritesWhatPassesAndPutsTheLineBack) {
     const SerialLine own = serialLine;
 
     folder.write("storage.dat", "not a trace");
-    EXPECT_EQ(wireTraceStart(folder.path + "storage.dat"), FileResult::failed);
+    EXPECT_EQ(wireTraceStart(folder.path + "storage.dat"), Text::traceOtherFile);
     EXPECT_EQ(folder.read("storage.dat"), "not a trace");
     EXPECT_EQ(serialLine.write, own.write);
 
     for (int run = 0; run < 2; run++) {
-        ASSERT_EQ(wireTraceStart(folder.path + "wire.txt"), FileResult::done);
+        ASSERT_EQ(wireTraceStart(folder.path + "wire.txt"), Text::none);
         serialLine.open("/dev/x", 9600);
         const std::uint8_t attention = 0x16, head[] = {':', 'E', 'N', 'D'};
         EXPECT_TRUE(serialLine.write({&attention, 1}));

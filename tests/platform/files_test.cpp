@@ -39,11 +39,11 @@ TEST(Files, TellsTheCausesOfAFailureApart) {
     EXPECT_TRUE(read.empty());
     EXPECT_EQ(readWholeFile(folder.path + "none", read, 4), FileResult::missing);
     EXPECT_EQ(readWholeFile(folder.path, read, 4), FileResult::isFolder);
-    EXPECT_EQ(readWholeFile(folder.path + "pipe", read, 4), FileResult::failed);
+    EXPECT_EQ(readWholeFile(folder.path + "pipe", read, 4), FileResult::noFile);
     EXPECT_EQ(readWholeFile(folder.path + "nothing", read, 0), FileResult::done);
     EXPECT_EQ(writeWholeFile(folder.path + "none/file", read), FileResult::missing);
     EXPECT_EQ(writeWholeFile(folder.path, read), FileResult::isFolder);
-    EXPECT_EQ(writeWholeFile(folder.path + "pipe", read), FileResult::failed);
+    EXPECT_EQ(writeWholeFile(folder.path + "pipe", read), FileResult::noFile);
 }
 
 // As root writes anything, in a child without root's rights.

@@ -292,6 +292,9 @@ TEST_F(StartUp, AnotherLibraryTakesThePlaceOfThisOneAndNothingOfThisOneStays) {
     shown.clear();
     EXPECT_FALSE(changeLibrary(broken, false));
     EXPECT_EQ(shown.size(), 1u);
+    folder.write("games.cat", "%Header Record");
+    openLibraryFile(folder.path + "games.cat");
+    EXPECT_EQ(shown.back(), wording(Text::storeAbsent, {folder.path + "games.cat"}));
     EXPECT_EQ(libraryFolder(), other);
     EXPECT_TRUE(storeItemExists("XYZ", rootId) && treeEntryOf(program) != nullptr);
     Q_EMIT menuAt(MenuPosition::recent)->aboutToShow();

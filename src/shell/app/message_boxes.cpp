@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
+#include <atomic>
 
 #include "platform/event_log.h"
 #include "platform/thread_role.h"
@@ -30,6 +31,8 @@
 namespace numalink {
 
 namespace {
+
+std::atomic<Text> linkNoted = Text::none;
 
 // The widget that a box stands over: an open dialog, else the full screen, else the main window.
 QWidget *boxParent() {
@@ -85,7 +88,9 @@ Answer messageBox(const Box &box) {
 
 void statusText(StatusPart part, Text which, const std::string &text) {
     if (part == StatusPart::progress) return;
-    if (part == StatusPart::link && which != Text::none) noteEvent("link " + wording(which));
+    // A reception tells of each item by the same words: once is enough, or they would push out all else.
+    if (part == StatusPart::link && which != linkNoted.exchange(which) && which != Text::none)
+        noteEvent("link " + wording(which));
     graphicalRun(
         [&] { showStatus(part == StatusPart::link ? linkField : itemField, toQt(text), which == Text::portNone); });
 }

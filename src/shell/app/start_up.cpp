@@ -123,8 +123,8 @@ bool leftToRunningCopy() {
 
 bool startTrace() {
     if (state.wish.trace.empty()) return true;
-    const FileResult result = wireTraceStart(state.wish.trace);
-    return result == FileResult::done || failWith(fileTrouble(result), {state.wish.trace});
+    const Text cause = wireTraceStart(state.wish.trace);
+    return cause == Text::none || failWith(cause, {state.wish.trace});
 }
 
 bool showFirst() {

@@ -11,6 +11,7 @@
 #include "settings/recent_libraries.h"
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/shell_texts.h"
+#include "store/care/user_files.h"
 #include "telling/tell_user.h"
 
 namespace numalink {
@@ -69,7 +70,7 @@ void openLibraryFile(const std::string &path) {
     if (path.compare(name, std::string::npos, libraryName) == 0)
         changeLibrary(path.substr(0, name), false);
     else
-        tellUser(Text::libraryOtherName, {path});
+        tellUser(isLibraryFile(path) ? Text::libraryOtherName : Text::storeAbsent, {path});
 }
 
 void listRecentLibraries() {

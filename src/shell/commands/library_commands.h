@@ -10,7 +10,7 @@ namespace numalink {
 void openLibrary();  // the Open Library command: asks for a storage.dat
 void newLibrary();   // the New Library command: asks for a folder
 
-// A file that is known to be a library, dropped or named at the start, by its absolute path in the file system's bytes.
+// A file that was chosen as a library, dropped or named at the start, by its absolute path in the file system's bytes.
 // Told when it isn't called as one that is in use.
 void openLibraryFile(const std::string &path);
 
