@@ -56,9 +56,9 @@ std::vector<NamedPicture> debugPictures();
 
 // All of the above in the groups in which every front end shows it, in their order; of an empty one nothing is shown.
 struct ValueGroup {
-    enum class Sort { values, texts, pictures, arrays } sort;
-    const char *name;  // English
-    Text title;        // none: its values stand for themselves
+    enum class Sort { values, texts, pictures, arrays } sort = Sort::values;
+    const char *name = "";    // English
+    Text title = Text::none;  // none: its values stand for themselves
     std::vector<NamedValue> (*values)() = nullptr;
     std::vector<NamedText> (*texts)() = nullptr;
 };

@@ -140,7 +140,7 @@ TEST_F(Debugged, EachImageHasItsOwnTables) {
         matrixRenew(ownedByVariable, list, 1, 3);
         makeTables(7);
         const MachineImage before = takeImage();
-        const MatrixSlot placeBefore = result;
+        const MatrixDescriptor *const placeBefore = result;
         matrixFree(list);
         list = nullptr;
         matrixRenew(ownedByVariable, result, 2, 2);

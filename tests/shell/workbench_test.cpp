@@ -425,7 +425,22 @@ TEST_F(Workbench, PanesTakeWhatIsTypedAndStayWhereTheyWerePut) {
     tableOf("breakpointsDock")->topLevelItem(0)->setText(2, QStringLiteral("some"));
     QTest::qWait(20);
     EXPECT_EQ(breakpointsOfItem(program).at(0).count, 4u);
-    tableOf("breakpointsDock")->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+    // By the mouse and by a key, and back by the first of them.
+    QTreeWidget *points = tableOf("breakpointsDock");
+    const auto tick = [&] {
+        const QRect row = points->visualItemRect(points->topLevelItem(0));
+        QTest::mouseClick(points->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          row.topLeft() + QPoint(8, row.height() / 2));
+        QTest::qWait(20);
+    };
+    mainWindow->findChild<QDockWidget *>(QStringLiteral("breakpointsDock"))->raise();
+    QTest::qWait(20);
+    tick();
+    EXPECT_FALSE(breakpointsOfItem(program).at(0).enabled);
+    tick();
+    EXPECT_TRUE(breakpointsOfItem(program).at(0).enabled);
+    points->setCurrentItem(points->topLevelItem(0), 1);
+    QTest::keyClick(points, Qt::Key_Space);
     EXPECT_TRUE(QTest::qWaitFor([] { return lineMarkOf(3).sign == LineSign::idleBreakpoint; }, 3000));
     handleCommand(CommandId::debugGoOn);
     EXPECT_TRUE(QTest::qWaitFor([] { return shownStop() == nullptr; }, 3000)) << "it is switched off";

@@ -63,12 +63,20 @@ protected:
         return true;
     }
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override {
-        if (index.column() < firstEdited || index.column() > lastEdited) return false;
-        return QTreeWidget::edit(index, trigger, event);
+        if (index.column() >= firstEdited && index.column() <= lastEdited)
+            return QTreeWidget::edit(index, trigger, event);
+        // A box to tick is no text, though Qt offers both by this way.
+        if (event == nullptr || !index.data(Qt::CheckStateRole).isValid()) return false;
+        QStyleOptionViewItem option;
+        initViewItemOption(&option);
+        option.rect = visualRect(index);
+        return itemDelegateForIndex(index)->editorEvent(event, model(), option, index);
     }
-    // F2 in a row edits its first column that can be, whichever has the focus.
+    // F2 in a row edits its first column that can be, whichever has the focus; Space ticks its box.
     void keyPressEvent(QKeyEvent *event) override {
         QTreeWidgetItem *row = currentItem();
+        if (event->key() == Qt::Key_Space && row != nullptr && row->data(0, Qt::CheckStateRole).isValid())
+            return row->setCheckState(0, row->checkState(0) == Qt::Checked ? Qt::Unchecked : Qt::Checked);
         const bool editKey =
             event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         if (!editKey || row == nullptr || firstEdited > lastEdited || (row->flags() & Qt::ItemIsEditable) == 0)
