@@ -327,10 +327,10 @@ TEST_F(Tree, MoveOntoATakenNameAsksFirst) {
     drag(moved, centreOf(target));
     ASSERT_EQ(storeListChildren(target).size(), 1u);
     EXPECT_EQ(storeListChildren(target)[0].id, moved);
-    EXPECT_EQ(shown.size(), 3u);
+    EXPECT_EQ(shown.size(), 4u);
     menuAt(MenuPosition::edit)->aboutToShow();
     auto *undoAction = commandAction(CommandId::undo);
-    EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"PROG"}));
+    EXPECT_EQ(undoAction->text(), textOf(Text::undoMove, {"prog"}));
     undoAction->trigger();
     EXPECT_EQ(storeReadEntry(moved)->parent, rootId);
     EXPECT_TRUE(storeItemExists("PROG", target)) << "both are as before";

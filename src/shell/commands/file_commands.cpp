@@ -81,7 +81,7 @@ void showAfterImport(const std::set<ItemId> &before) {
 }
 
 std::string takeFirstFile() {
-    const std::string path = std::move(state.filesToImport.front());
+    std::string path = std::move(state.filesToImport.front());
     state.filesToImport.pop_front();
     return path;
 }

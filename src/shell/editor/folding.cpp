@@ -111,14 +111,9 @@ void applyRanges(const std::vector<FoldRange> &ranges) {
     if (changed) layOutAnew();
 }
 
-bool unfoldAround(int number, const std::vector<FoldRange> &ranges) {
-    bool unfolded = false;
-    for (const FoldRange &range : ranges) {
-        if (!range.hides(number) || !isFolded(range)) continue;
-        setFolded(range, false);
-        unfolded = true;
-    }
-    return unfolded;
+void unfoldAround(int number, const std::vector<FoldRange> &ranges) {
+    for (const FoldRange &range : ranges)
+        if (range.hides(number) && isFolded(range)) setFolded(range, false);
 }
 
 // A caret among lines that are to be hidden goes to the line that stays.
@@ -273,9 +268,9 @@ void showBlock(const QTextBlock &block) {
     const std::vector<FoldRange> ranges = rangesNow();
     const auto outer = std::ranges::find_if(
         ranges, [&](const FoldRange &range) { return range.hides(block.blockNumber()) && isFolded(range); });
-    if (!unfoldAround(block.blockNumber(), ranges)) return;
-    applyRanges(ranges);
-    announceLines(Text::unfoldedLines, *outer);
+    unfoldAround(block.blockNumber(), ranges);
+    applyRanges(ranges);  // also where no fold hides it any more, since its block has gone with an edit
+    if (outer != ranges.end()) announceLines(Text::unfoldedLines, *outer);
 }
 
 void showHiddenCaret() {
