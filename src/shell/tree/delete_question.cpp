@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeWidget>
 #include <optional>
 
 #include "shell/parts/dialog_parts.h"
@@ -10,6 +11,7 @@
 #include "shell/parts/open_windows.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
+#include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
@@ -99,6 +101,7 @@ void moveDropped(ItemId item, ItemId folder) {
     const auto name = isFolderKind(moved->kind) ? moveFolder(*moved, folder) : moveItem(*moved, folder);
     if (name) refreshTree();
     selectItem(item);
+    treeView->scrollToItem(treeEntryOf(item));
     if (name && *name != moved->name)
         statusLine(StatusPart::item, Text::itemStoredAs, {utf8FromCalculator(moved->name), utf8FromCalculator(*name)});
 }
