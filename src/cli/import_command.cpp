@@ -112,9 +112,11 @@ CommandRun declareImport(CLI::App &command) {
     const auto options = std::make_shared<ImportOptions>();
     command.add_option("LIBRARY-FOLDER", options->library, "Folder of storage.dat, made when absent")->required();
     auto *files = command.add_option("FILE", options->files, "The files to read: " + importFormatNames());
-    auto *texts =
-        command.add_option("--text", options->texts,
-                           "Bring the programs of the library in step with this folder of texts, which an export made");
+    auto *texts = command.add_option(
+        "--text", options->texts,
+        "Bring the programs of the library in step with this folder of texts, which an export made. Exit "
+        "status: 1 where something was told that stays on both sides, 2 where a text can't be taken "
+        "in");
     texts->excludes(files);
     command.add_option("--into", options->into,
                        "\"standard\": every item into the folder of its kind; else the name of one folder for all. "
