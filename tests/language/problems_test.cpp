@@ -63,6 +63,7 @@ TEST_F(Problems, AreFoundWhereTheyAreAndNowhereElse) {
         {"\\If A:\r\\Then 1:\\IfEnd", ""},
         {"\\Locate 1,2", "argument-count@\\Locate 1,2"},
         {"\\Locate 1,\\Max({1,2}),\\Max(1,2", ""},
+        {"\\Locate 1,\\Max({1,2}),(1,2)", ""},
         {"A=1\\=>\\Orange \\Locate 1,2,3,4", "argument-count@\\Locate 1,2,3,4"},
         {"\\Fill(1,\\Mat A):\\Fill(1)", "argument-count@\\Fill(1"},
         {"\\Locate 17,1,\"ABCDE\"", ""},
@@ -92,6 +93,9 @@ TEST_F(Problems, OfAFolderAndOfTheSettings) {
     EXPECT_EQ(found(imageOf("\\Prog \"sub\":\\Prog \"NONE\""), folder), "program-missing@\\Prog \"NONE\"");
     EXPECT_EQ(found(imageOf("1\\->A:1\\->C:?\\->D:\\For 1\\->E\\To 2:\\Next :1\\->F~G"), folder), "never-read@C");
     EXPECT_EQ(found(imageOf("\"H+1\"\\->\\Y 1:1\\->H"), folder), "");
+    ProblemContext readElsewhere = folder;
+    readElsewhere.readElsewhere.set(2);
+    EXPECT_EQ(found(imageOf("1\\->C:1\\->D"), readElsewhere), "never-read@D");
     EXPECT_EQ(found(imageOf("1:\\Prog \"LOOP\""), folder), "calls-without-end@\\Prog \"LOOP\"");
     EXPECT_EQ(found(imageOf("\\Prog \"MAYBE\":\\If A:\\Then \\Prog \"LOOP\":\\IfEnd"), folder), "");
     ProblemContext mono;

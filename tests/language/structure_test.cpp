@@ -133,6 +133,9 @@ TEST_F(Structure, CompletesWhatIsMeant) {
                   .substr(0, 12),
               "If|If IfEnd ");
     EXPECT_EQ(offered("A"), "A|");
+    const ViewLine command = viewLines(imageOf("\\If ")).front();
+    EXPECT_EQ(completionQuery(command, readLine(command, true), command.text.size()).letters, "If")
+        << "ahead of the blank that a command shows";
     EXPECT_EQ(offered("Goto "), "|1 A ");
     EXPECT_EQ(offered("Prog \"s"), "s|SUB SNAKE ");
     EXPECT_EQ(offered("\"Loc"), "|");
@@ -165,6 +168,8 @@ TEST_F(Structure, SignatureKnowsThePresentArgument) {
         const auto signature = signatureAt(program, program.tokens.size());
         EXPECT_EQ(signature ? signature->syntax.substr(signature->from, signature->length) : "none", expected) << words;
     }
+    const ProgramStructure tooMany = structureOf(imageOf("\\Fill(1,2,3"));
+    EXPECT_EQ(signatureAt(tooMany, tooMany.tokens.size())->syntax, "Fill(VALUE,List NUMBER)") << "the first way";
 }
 
 }  // namespace
