@@ -1,5 +1,7 @@
 #include "shell/library/item_paths.h"
 
+#include <QStringList>
+
 #include "shell/parts/on_view.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/parts/tree_refresh.h"
