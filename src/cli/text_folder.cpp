@@ -116,6 +116,12 @@ const TextRecord *recordOfItem(const std::vector<TextRecord> &records, const std
 
 // ---- out
 
+// For a text that fails: what is known of it counts the next time, too.
+void stayAsItWas(FolderStep &step, const std::string &file, const char *why, const TextRecord *record) {
+    step.fail(file, why);
+    if (record != nullptr) step.kept.push_back(*record);
+}
+
 void exportOne(FolderStep &step, const StoredItem &item, const std::string &path, const std::string &file,
                const TextRecord *record) {
     if (liesBehindLink(step.folder, file)) {
@@ -126,6 +132,7 @@ void exportOne(FolderStep &step, const StoredItem &item, const std::string &path
     const std::string text = textOf(item.data);
     const auto there = readText(step.pathOf(file));
     const bool isThere = fileExists(step.pathOf(file));
+    if (isThere && !there) return stayAsItWas(step, file, "can't be read", record);
     const bool isOurs = record != nullptr && there && digestOf(bytesOf(*there)) == record->text;
     if (isThere && !isOurs && there != text) {
         const bool awaitsImport = record != nullptr && digestOf(item.data) == record->image;
@@ -137,10 +144,9 @@ void exportOne(FolderStep &step, const StoredItem &item, const std::string &path
     }
     makeFolders(fs::path(step.pathOf(file)).parent_path());
     const FileResult written = there == text ? FileResult::done : writeWholeFile(step.pathOf(file), bytesOf(text));
-    if (written != FileResult::done) {
-        step.fail(file, written == FileResult::diskFull ? "the disk is full" : "can't be written");
-        return;
-    }
+    if (written != FileResult::done)
+        return stayAsItWas(step, file, written == FileResult::diskFull ? "the disk is full" : "can't be written",
+                           record);
     step.kept.push_back(recordOf(item, file, path, text));
 }
 

@@ -172,9 +172,23 @@ TEST_F(TextFolder, OnlyATextThatHasGoneTakesItsProgramAlong) {
     EXPECT_THAT(unread.err, HasSubstr("games/ONE.txt: can't be read"));
     EXPECT_THAT(unread.err, HasSubstr("games/TWO.txt: can't be read"));
     EXPECT_EQ(programsOf("lib"), all);
+    EXPECT_THAT(exportAgain().err, HasSubstr("games/TWO.txt: can't be read"));
     fs::remove("texts/games/ONE.txt");
     EXPECT_EQ(import().status, 2);
     EXPECT_EQ(programsOf("lib"), (std::vector<std::string>{"/games/TWO", "/games/A.fm"}));
+}
+
+TEST_F(TextFolder, WhatCouldNotBeWrittenIsNoLessInStepThanBefore) {
+    namespace fs = std::filesystem;
+    fs::rename("texts/games", "elsewhere");
+    folder.scratch.write("texts/games", "");
+    EXPECT_EQ(exportAgain().status, 2);
+    fs::remove("texts/games");
+    fs::rename("elsewhere", "texts/games");
+    folder.scratch.write("new.txt", "Goto 5\n");
+    EXPECT_EQ(run({"write", "lib", "/games/ONE", "new.txt"}).status, 0);
+    EXPECT_EQ(exportAgain().status, 0);
+    EXPECT_EQ(folder.scratch.read("texts/games/ONE.txt"), "Goto 5\n");
 }
 
 TEST_F(TextFolder, WithoutAnIndexWhatIsTheSameIsTakenForTheLibrarysOwn) {
