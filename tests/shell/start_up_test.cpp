@@ -130,6 +130,7 @@ TEST_F(StartUp, ANewUserIsAskedOnceWhatToBeginWith) {
     EXPECT_EQ(settingsValue(setting::comPort), setting::portAutomatic);
     endProgram();
     for (const char *file : {"storage.dat", "settings.xml", "backups"}) std::filesystem::remove_all(folder.path + file);
+    folder.write("storage.dat", "");
     start();
     EXPECT_EQ(shown, std::vector<std::string>{title});
     EXPECT_EQ(settingsValue(setting::comPort), setting::portOff);

@@ -5,6 +5,7 @@
 #include <QThread>
 #include <QTimer>
 #include <cstdio>
+#include <filesystem>
 
 #include "drawing/dot_fonts.h"
 #include "link/wire_trace.h"
@@ -91,9 +92,15 @@ void openFilesSoon() {
     if (!state.wish.files.empty()) QTimer::singleShot(0, mainWindow, [] { importDropped(state.wish.files); });
 }
 
+// A library that isn't there, or an empty file, as a full disk leaves it, and no copies of one.
+bool isNoLibrary(const std::string &path) {
+    std::error_code missing;
+    return (std::filesystem::file_size(path, missing) == 0 || missing) && !storeIsEmptied();
+}
+
 bool loadSettings() {
     state.lacksSettings = !fileExists(settingsFolder() + "settings.xml");
-    state.isFirstUse = state.lacksSettings && !fileExists(libraryFolder() + "storage.dat");
+    state.isFirstUse = state.lacksSettings && isNoLibrary(libraryFolder() + "storage.dat");
     return settingsLoad();
 }
 
