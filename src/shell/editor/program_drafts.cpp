@@ -1,9 +1,9 @@
 #include "shell/editor/program_drafts.h"
 
-#include <QFile>
 #include <QStringList>
 
 #include "calculator/charset.h"
+#include "platform/file_port.h"
 #include "platform/files.h"
 #include "platform/program_folder.h"
 #include "telling/tell_user.h"
@@ -24,11 +24,10 @@ struct OpenDraft {
 OpenDraft state;
 
 std::string draftPath(int number) { return libraryFolder() + "draft-" + std::to_string(number) + ".txt"; }
-bool fileThere(const std::string &path) { return QFile::exists(QFile::decodeName(path.c_str())); }
 
 std::string freePath() {
     for (int number = 1; number <= draftLimit; number++)
-        if (!fileThere(draftPath(number))) return draftPath(number);
+        if (!fileExists(draftPath(number))) return draftPath(number);
     return {};
 }
 
@@ -70,7 +69,6 @@ void dropSavedDraft() {
 
 std::optional<Draft> readDraft(int number) {
     const std::string path = draftPath(number);
-    if (!fileThere(path)) return std::nullopt;
     Bytes bytes;
     if (readWholeFile(path, bytes, draftSizeLimit) != FileResult::done) return std::nullopt;
     const QString all =
@@ -91,10 +89,10 @@ void takeDraft(const Draft &draft) { state = {.path = draft.path, .isSaved = fal
 
 void releaseDraft() { state = {}; }
 
-void removeDraft(const Draft &draft) { QFile::remove(QFile::decodeName(draft.path.c_str())); }
+void removeDraft(const Draft &draft) { filePort.remove(draft.path.c_str()); }
 
 void forgetDraft() {
-    if (!state.path.empty()) QFile::remove(QFile::decodeName(state.path.c_str()));
+    if (!state.path.empty()) filePort.remove(state.path.c_str());
     state = {};
 }
 
