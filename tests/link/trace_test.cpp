@@ -106,7 +106,7 @@ TEST(WireTrace, WritesWhatPassesAndPutsTheLineBack) {
         serialLine.write(ByteView(head));
         serialLine.close();
         EXPECT_EQ(wireTraceLast().size(), 5u);
-        wireTraceEnd();
+        EXPECT_TRUE(wireTraceEnd());
         EXPECT_EQ(serialLine.write, own.write);
     }
     const std::string text = folder.read("wire.txt");
