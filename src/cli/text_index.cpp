@@ -62,8 +62,9 @@ std::optional<TextRecord> recordOf(const Json &json) {
     return record;
 }
 
-std::optional<std::vector<TextRecord>> noIndex(const std::string &path) {
-    commandFailed(path + " isn't an index of this program's, so the folder is left alone");
+std::optional<std::vector<TextRecord>> noIndex(const std::string &path,
+                                               const char *why = "isn't an index of this program's") {
+    commandFailed(path + " " + why + ", so the folder is left alone");
     return std::nullopt;
 }
 
@@ -76,7 +77,7 @@ std::optional<std::vector<TextRecord>> readTextIndex(const std::string &folder) 
     std::vector<TextRecord> records;
     if (!fileExists(path)) return records;
     Bytes bytes;
-    if (readWholeFile(path, bytes, indexLimit) != FileResult::done) return noIndex(path);
+    if (readWholeFile(path, bytes, indexLimit) != FileResult::done) return noIndex(path, "can't be read");
     const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
     const bool isOurs = json.is_object() && json.contains("version") && json["version"] == indexVersion &&
                         json.contains("items") && json["items"].is_array();
