@@ -1,6 +1,6 @@
 // The tree: what stands where, renaming, moving and deleting, and undo.
 #include "shell/shell_fixture.h"
-#include "shell/tree/delete_question.h"
+#include "shell/tree/item_moves.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/tree_mouse.h"
 #include "shell/tree/tree_rules.h"

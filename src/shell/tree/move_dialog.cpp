@@ -16,7 +16,7 @@
 #include "shell/parts/scale.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
-#include "shell/tree/delete_question.h"
+#include "shell/tree/item_moves.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/several.h"

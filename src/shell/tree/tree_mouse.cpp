@@ -16,7 +16,7 @@
 #include "shell/parts/open_windows.h"
 #include "shell/parts/selected_item.h"
 #include "shell/parts/tree_refresh.h"
-#include "shell/tree/delete_question.h"
+#include "shell/tree/item_moves.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/label_edit.h"
 #include "shell/tree/selection.h"
