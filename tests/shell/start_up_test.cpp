@@ -50,6 +50,10 @@ TEST_F(StartUp, TheLinksWordsStayBesideWhatACommandDoes) {
     EXPECT_EQ(tip->text(), textOf(Text::tipOpen));
     EXPECT_TRUE(tip->isVisible() && linkField->isVisible() && !linkField->visibleRegion().isEmpty());
     EXPECT_GE(linkField->width(), linkField->fontMetrics().horizontalAdvance(linkField->text()));
+    showStatus(linkField, QString(), false);
+    open->showStatusText(mainWindow);
+    QTest::qWait(20);
+    EXPECT_GT(tip->width(), statusBar->width() * 3 / 4) << "with no words of the link it has their room";
     QStatusTipEvent over{QString()};
     QApplication::sendEvent(mainWindow, &over);
     EXPECT_TRUE(itemField->isVisible() && !tip->isVisible());

@@ -54,6 +54,7 @@ void showTip(const QString &tip) {
     const int widest = grown(linkFieldWidth);
     linkField->setSizePolicy(isShown ? QSizePolicy::Maximum : QSizePolicy::Ignored, QSizePolicy::Preferred);
     linkField->setContentsMargins(0, 0, isShown && !linkField->text().isEmpty() ? grown(tipGap) : 0, 0);
+    linkField->setMinimumWidth(0);  // which the size hint counts too
     linkField->setMinimumWidth(isShown ? std::min(widest, linkField->sizeHint().width()) : widest);
     tipField->setText(tip);
     itemField->setVisible(!isShown);
