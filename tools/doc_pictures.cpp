@@ -9,18 +9,22 @@
 #include <QLinearGradient>
 #include <QListWidget>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTimer>
 #include <QTreeWidget>
 #include <functional>
 
+#include "link/link_thread.h"
 #include "settings/settings_store.h"
-#include "shell/app/first_start.h"
+#include "shell/app/library_change.h"
 #include "shell/app/start_up.h"
 #include "shell/commands/command_handler.h"
 #include "shell/commands/file_commands.h"
@@ -28,6 +32,7 @@
 #include "shell/parts/main_widgets.h"
 #include "shell/parts/program_colors.h"
 #include "shell/parts/shell_texts.h"
+#include "shell/parts/status_bar.h"
 #include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/views/surface_view.h"
@@ -41,6 +46,7 @@ using enum CommandId;
 struct DocPictures {
     QString folder;
     int missing = 0;
+    QTemporaryDir library;  // open until the program ends
 };
 DocPictures state;
 
@@ -62,6 +68,11 @@ struct WhenOpen {
     WhenOpen(const char *name, Act act) {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, name = QString::fromLatin1(name), act] {
             auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+            if (auto *box = qobject_cast<QMessageBox *>(dialog)) {
+                std::printf("a box: %s\n", qPrintable(box->text()));
+                box->reject();
+                return;
+            }
             if (dialog == nullptr || dialog->objectName() != name) return;
             timer.stop();
             seen = true;
@@ -118,7 +129,8 @@ void takeViews() {
     setSurfaceZoom(4);
     select("Mat S");
     QTest::keyClick(treeView, Qt::Key_Return);
-    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Down}) QTest::keyClick(QApplication::focusWidget(), key);
+    QWidget *matrix = containerWindow->findChild<QScrollArea *>();
+    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Down}) QTest::keyClick(matrix, key);
     keep("matrix", mainWindow);
     setSurfaceZoom(1);
     sizeWindow(smallWindow);
@@ -220,6 +232,7 @@ bool startAnew(const char *language) {
 void useColors(const ColorScheme &scheme) {
     for (std::size_t i = 0; i < scheme.size(); i++)
         settingsSetColour(programColorKeys[i], settingColor(QColor::fromRgb(scheme[i])));
+    settingsSetInt(setting::syntaxHighlighting, 1);
     settingsSave();
 }
 
@@ -251,14 +264,21 @@ QPalette darkPalette() {
 }  // namespace
 
 bool takeDocPictures(const QString &folder) {
-    state = {folder, 0};
+    state.folder = folder;
     QDir().mkpath(folder);
+    settingsSetValue(setting::comPort, setting::portOff);
+    startLinkThread();
+    QTest::qWait(settling);
+    showStatus(linkField, {}, false);
+    if (!changeLibraryTo(state.library.path().toStdString() + "/", true, ListLibrary::never)) return false;
+    importSamples();
     takeViews();
     takePhoto();
     takeExport();
     takeCompare();
     takeSearch();
-    if (!startAnew("German")) return false;
+    useColors(lightScheme);
+    if (!startAnew("Deutsch")) return false;
     takeSettings();
     const QPalette light = QApplication::palette();
     QApplication::setPalette(darkPalette());

@@ -4,6 +4,6 @@
 
 #include <QString>
 
-// Over a library that holds the samples, with no dialog open. German and dark windows start the program anew, so that
-// this comes last; the program is left started. False when one couldn't be taken.
+// With no dialog open; in a library of its own that holds the samples. German and dark windows start the program anew,
+// so that this comes last; the program is left started. False when one couldn't be taken.
 bool takeDocPictures(const QString &folder);
