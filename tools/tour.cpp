@@ -1,7 +1,7 @@
 // numalink-tour SAMPLES PICTURES: starts the program with the library that lies beside it, imports the item files of
 // SAMPLES with every question answered as it stands, shows each view, exchanges items with a virtual calculator, and
 // leaves pictures of the window in PICTURES; those of the manual, which data/help/images keeps, in its folder "help",
-// and those that docs/images keeps in its folder "docs".
+// and those that docs/images keeps in its folder "docs": best under a window manager, which frames what is open.
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
