@@ -1,7 +1,9 @@
 #include "shell/run/keypad_skin.h"
 
+#include <QKeySequence>
 #include <QPainter>
 #include <QPainterPath>
+#include <utility>
 
 #include "emulator/machine/keypad.h"
 
@@ -111,11 +113,26 @@ void paintKeypad(QPainter &painter, double pixelsPerDot) {
     }
 }
 
+namespace {
+
+// A long name of a key can't be read on a key of the pad: its sign stands for it, as keyboards have it.
+QStringList paintedNames(QStringList names) {
+    constexpr int longName = 6;  // letters
+    constexpr std::pair<Qt::Key, const char *> signs[] = {{Qt::Key_Shift, "⇧"}, {Qt::Key_Space, "␣"}};
+    for (QString &name : names)
+        for (const auto &[key, sign] : signs)
+            if (name.size() >= longName && name == QKeySequence(key).toString(QKeySequence::NativeText))
+                name = QString::fromUtf8(sign);
+    return names;
+}
+
+}  // namespace
+
 void paintKeyboardNames(QPainter &painter, QStringList (*namesOf)(int keyCode)) {
     const QColor paper(0xFF, 0xFB, 0xE0), ink(0x14, 0x1A, 0x22);
     painter.setRenderHint(QPainter::Antialiasing);
     for (const KeyFace &face : keyFaces()) {
-        const QString names = namesOf(face.code).join(QStringLiteral("  "));
+        const QString names = paintedNames(namesOf(face.code)).join(QStringLiteral("  "));
         if (names.isEmpty()) continue;
         const QRectF badge = rectangleOf(face).adjusted(0.5, 0.5, -0.5, -0.5);
         painter.setPen(QPen(ink, 0.5));
