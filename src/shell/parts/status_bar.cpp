@@ -6,6 +6,7 @@
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QStatusTipEvent>
+#include <QTextDocument>
 #include <algorithm>
 
 #include "shell/parts/color_contrast.h"
@@ -48,14 +49,21 @@ void showPlain(QLabel *field, const QString &text) {
     field->setText(text);
 }
 
+// A label's own size hint counts its least width, too. 0 for no words; else with a gap behind them.
+int wordsWidth(const QLabel &field) {
+    QTextDocument words;
+    words.setDefaultFont(field.font());
+    words.setDocumentMargin(0);
+    field.textFormat() == Qt::PlainText ? words.setPlainText(field.text()) : words.setHtml(field.text());
+    return field.text().isEmpty() ? 0 : static_cast<int>(words.idealWidth()) + grown(tipGap);
+}
+
 // The link's words stay beside a tip, which takes what room they leave.
 void showTip(const QString &tip) {
     const bool isShown = !tip.isEmpty();
     const int widest = grown(linkFieldWidth);
-    linkField->setSizePolicy(isShown ? QSizePolicy::Maximum : QSizePolicy::Ignored, QSizePolicy::Preferred);
-    linkField->setContentsMargins(0, 0, isShown && !linkField->text().isEmpty() ? grown(tipGap) : 0, 0);
-    linkField->setMinimumWidth(0);  // which the size hint counts too
-    linkField->setMinimumWidth(isShown ? std::min(widest, linkField->sizeHint().width()) : widest);
+    linkField->setMinimumWidth(isShown ? std::min(widest, wordsWidth(*linkField)) : widest);
+    linkField->setMaximumWidth(isShown ? std::max(1, wordsWidth(*linkField)) : QWIDGETSIZE_MAX);
     tipField->setText(tip);
     itemField->setVisible(!isShown);
     tipField->setVisible(isShown);
