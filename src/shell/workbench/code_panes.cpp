@@ -154,6 +154,7 @@ void makeDock(const PaneRow &row) {
         dock.table->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     dock.widget->setWidget(dock.table);
     mainWindow->addDockWidget(row.area, dock.widget);
+    dock.widget->hide();  // else it takes room from the others of its area until it is known whether it is shown
     hookEvents(dock.widget, dockEvent);
     hookEvents(dock.table, tableEvent);
     QObject::connect(dock.table, &QTreeWidget::itemActivated, dock.table, activated);
