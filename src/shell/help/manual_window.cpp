@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -30,22 +31,35 @@ namespace numalink {
 namespace {
 
 constexpr int windowWidth = 820, windowHeight = 560, listWidth = 200;
+constexpr int aroundText = 80;   // pixels: margins, scroll bar and splitter
 constexpr int searchLimit = 60;  // characters
 
-// Pages and pictures by the names of their files, wherever they lie.
+// Pages and pictures by the names of their files, wherever they lie. A picture is no wider than the text, so that small
+// screens need no scrolling sideways.
 class ManualBrowser : public QTextBrowser {
 public:
     std::vector<ManualPage> pages;
-    QString wanted;  // what is looked for
+    int widestPicture = 0;  // pixels
 
 protected:
     QVariant loadResource(int type, const QUrl &url) override {
         const QString name = url.fileName();
         if (type == QTextDocument::ImageResource)
-            return name == QLatin1String(keyPictureName) ? QVariant(keyPicture()) : QVariant(manualPicture(name));
+            return fitted(name == QLatin1String(keyPictureName) ? keyPicture() : QImage::fromData(manualPicture(name)));
         for (const ManualPage &page : pages)
             if (page.name + QLatin1String(".md") == name) return page.text;
         return name == QLatin1String(allChangesName) ? QVariant(allChanges()) : QVariant();
+    }
+
+private:
+    QVariant fitted(const QImage &picture) const {
+        if (picture.isNull()) return {};
+        const bool isWide = picture.deviceIndependentSize().width() > widestPicture;
+        if (!isWide) return picture;
+        QImage fit = picture.scaledToWidth(static_cast<int>(widestPicture * picture.devicePixelRatio()),
+                                           Qt::SmoothTransformation);
+        fit.setDevicePixelRatio(picture.devicePixelRatio());
+        return fit;
     }
 };
 
@@ -232,6 +246,7 @@ void makeWindow(QWidget *over) {
     QObject::connect(state.browser, &QTextBrowser::sourceChanged, state.window, pageShown);
     const QSize room = mainWindow->screen()->availableSize() * 9 / 10;
     state.window->resize((QSize(windowWidth, windowHeight) * textScale()).boundedTo(room));
+    state.browser->widestPicture = state.window->width() - grown(listWidth) - aroundText;
 }
 
 }  // namespace
