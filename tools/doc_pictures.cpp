@@ -65,7 +65,7 @@ using Act = std::function<void(QDialog &)>;
 
 // While the call lasts, what is done with the dialog of that name as soon as it is open.
 struct WhenOpen {
-    WhenOpen(const char *name, Act act) {
+    WhenOpen(const char *name, const Act &act) {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, name = QString::fromLatin1(name), act] {
             auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
             if (auto *box = qobject_cast<QMessageBox *>(dialog)) {

@@ -1,5 +1,6 @@
 #include "shell/help/manual_pages.h"
 
+#include <QStringList>
 #include <algorithm>
 
 #include "platform/files.h"

@@ -124,6 +124,7 @@ std::vector<const ManualPage *> pagesFound() {
         if (scores[i] > 0 && scores[i] >= best * worthListing) found.emplace_back(scores[i], &pages[i]);
     std::ranges::stable_sort(found, std::ranges::greater(), [](const auto &row) { return row.first; });
     std::vector<const ManualPage *> rows;
+    rows.reserve(found.size());
     for (const auto &[score, page] : found) rows.push_back(page);
     return rows;
 }

@@ -119,10 +119,11 @@ namespace {
 QStringList paintedNames(QStringList names) {
     constexpr int longName = 6;  // letters
     constexpr std::pair<Qt::Key, const char *> signs[] = {{Qt::Key_Shift, "⇧"}, {Qt::Key_Space, "␣"}};
-    for (QString &name : names)
+    for (QString &name : names) {
         for (const auto &[key, sign] : signs)
             if (name.size() >= longName && name == QKeySequence(key).toString(QKeySequence::NativeText))
                 name = QString::fromUtf8(sign);
+    }
     return names;
 }
 
