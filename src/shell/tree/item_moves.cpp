@@ -3,7 +3,6 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTreeWidget>
 #include <optional>
 
 #include "shell/parts/dialog_parts.h"
@@ -73,7 +72,7 @@ void moveDropped(ItemId item, ItemId folder) {
     const auto name = isFolderKind(moved->kind) ? moveFolder(*moved, folder) : moveItem(*moved, folder);
     if (name) refreshTree();
     selectItem(item);
-    treeView->scrollToItem(treeEntryOf(item));
+    showInTree(item);
     if (name && *name != moved->name)
         statusLine(StatusPart::item, Text::itemStoredAs, {utf8FromCalculator(moved->name), utf8FromCalculator(*name)});
 }

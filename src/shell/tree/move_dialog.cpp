@@ -17,7 +17,6 @@
 #include "shell/parts/selected_item.h"
 #include "shell/parts/shell_texts.h"
 #include "shell/tree/item_moves.h"
-#include "shell/tree/item_tree.h"
 #include "shell/tree/selection.h"
 #include "shell/tree/several.h"
 #include "shell/tree/tree_rules.h"
@@ -79,9 +78,7 @@ void moveSelectedItem() {
     const std::optional<ItemEntry> item = storeReadEntry(selectedItemId());
     if (!item) return;
     const ItemId folder = askFolder({item->id}, textOf(Text::moveFolders, {utf8FromCalculator(item->name)}));
-    if (folder == noItem) return;
-    moveDropped(item->id, folder);
-    showInTree(item->id);
+    if (folder != noItem) moveDropped(item->id, folder);
 }
 
 }  // namespace numalink
