@@ -38,6 +38,10 @@ struct FolderStep {
     int conflicts = 0;
     bool failed = false;
 
+    // What is known of a text that stays as it is counts the next time, too.
+    void keep(const TextRecord *record) {
+        if (record != nullptr) kept.push_back(*record);
+    }
     void conflict(const std::string &file, const char *what) {
         std::fprintf(stderr, "numalink-cli: %s: %s\n", file.c_str(), what);
         conflicts++;
@@ -116,37 +120,33 @@ const TextRecord *recordOfItem(const std::vector<TextRecord> &records, const std
 
 // ---- out
 
-// For a text that fails: what is known of it counts the next time, too.
-void stayAsItWas(FolderStep &step, const std::string &file, const char *why, const TextRecord *record) {
-    step.fail(file, why);
-    if (record != nullptr) step.kept.push_back(*record);
-}
-
 void exportOne(FolderStep &step, const StoredItem &item, const std::string &path, const std::string &file,
                const TextRecord *record) {
     if (liesBehindLink(step.folder, file)) {
         step.conflict(file, "lies behind a link; what that leads to stays as it is");
-        if (record != nullptr) step.kept.push_back(*record);
-        return;
+        return step.keep(record);
     }
     const std::string text = textOf(item.data);
     const auto there = readText(step.pathOf(file));
     const bool isThere = fileExists(step.pathOf(file));
-    if (isThere && !there) return stayAsItWas(step, file, "can't be read", record);
+    if (isThere && !there) {
+        step.fail(file, "can't be read");
+        return step.keep(record);
+    }
     const bool isOurs = record != nullptr && there && digestOf(bytesOf(*there)) == record->text;
     if (isThere && !isOurs && there != text) {
         const bool awaitsImport = record != nullptr && digestOf(item.data) == record->image;
         step.conflict(file, awaitsImport        ? "has been edited and waits for its import; it stays as it is"
                             : record != nullptr ? "has been edited, and so has the program; both stay as they are"
                                                 : "isn't of this program's making; it stays as it is");
-        if (record != nullptr) step.kept.push_back(*record);
-        return;
+        return step.keep(record);
     }
     makeFolders(fs::path(step.pathOf(file)).parent_path());
     const FileResult written = there == text ? FileResult::done : writeWholeFile(step.pathOf(file), bytesOf(text));
-    if (written != FileResult::done)
-        return stayAsItWas(step, file, written == FileResult::diskFull ? "the disk is full" : "can't be written",
-                           record);
+    if (written != FileResult::done) {
+        step.fail(file, written == FileResult::diskFull ? "the disk is full" : "can't be written");
+        return step.keep(record);
+    }
     step.kept.push_back(recordOf(item, file, path, text));
 }
 
@@ -363,7 +363,7 @@ int exportTexts(const std::string &folder) {
         StoredItem item;
         if (!storeReadItem(id, item)) {  // told; its text may be all that is left of it
             step.failed = true;
-            if (record != nullptr) step.kept.push_back(*record);
+            step.keep(record);
             continue;
         }
         std::string file = record != nullptr ? record->file : fileOf(parts, item.kind);
