@@ -145,8 +145,9 @@ void saveMoment() {
     if (!canSaveMoment()) return;
     askForMoment([](const Bytes &moment) {
         const ItemId program = programOfMoments();
-        const int slot = program == noItem || moment.empty() ? momentSlotCount : nextSlot(program);
-        if (program != noItem && slot != 0) keepMoment(program, slot, moment);
+        if (program == noItem) return;
+        const int slot = moment.empty() ? momentSlotCount : nextSlot(program);  // keepMoment tells that it is empty
+        if (slot != 0) keepMoment(program, slot, moment);
     });
 }
 

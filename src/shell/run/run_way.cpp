@@ -18,8 +18,8 @@ namespace numalink {
 namespace {
 
 constexpr int lookMilliseconds = 100;
-constexpr int moment = 400;  // milliseconds, until which nothing is shown, and a way may be late to begin
-constexpr int grace = 700;   // milliseconds behind a way back in which its key is still that of its user
+constexpr int quietMilliseconds = 400;  // nothing is shown until then, and a way may be late to begin
+constexpr int graceMilliseconds = 700;  // behind a way back, in which its key is still that of its user
 
 struct RunWay {
     QTimer *look = nullptr;  // the main window's, as the key
@@ -40,7 +40,7 @@ void show(const QString &words) {
 
 void look() {
     const DebugWay way = emulatorRunning ? debugWay() : DebugWay();
-    const bool isYoung = state.since.elapsed() < moment;
+    const bool isYoung = state.since.elapsed() < quietMilliseconds;
     if (way.sort == DebugWay::Sort::none) {
         show({});
         if (!isYoung) state.look->stop();
@@ -76,7 +76,7 @@ bool giveUpWay() {
         debugPause();
         return true;
     }
-    return state.shownBack.isValid() && state.shownBack.elapsed() < grace;
+    return state.shownBack.isValid() && state.shownBack.elapsed() < graceMilliseconds;
 }
 
 void forgetWay() {
