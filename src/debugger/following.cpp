@@ -142,6 +142,13 @@ StopFound findStop(Stops &stops, int program, int cell, const Counts &counts) {
     return found;
 }
 
+// From the image ahead of it, the run goes up to there.
+std::size_t searchGoal(Search &search, std::uint64_t goal) {
+    search.isGoal = true;
+    search.goal = goal;
+    return historyImageAt(goal);
+}
+
 }  // namespace
 
 CellRange lineAround(const DebugPlace &place) {
@@ -226,16 +233,6 @@ void searchLook(Search &search, Stops &stops, int program, int cell, std::uint64
     search.reason = found.reason;
     search.breakpoint = found.breakpoint;
 }
-
-namespace {
-
-std::size_t searchGoal(Search &search, std::uint64_t goal) {
-    search.isGoal = true;
-    search.goal = goal;
-    return historyImageAt(goal);
-}
-
-}  // namespace
 
 std::size_t searchFurther(Search &search, std::size_t image) {
     if (search.hit) return searchGoal(search, *search.hit);

@@ -87,6 +87,18 @@ void paintSecondLegends(QPainter &painter, const KeyFace &face, double pixelsPer
     paintText(painter, gap.adjusted(1.5, 0, -alphaRoom, 0), QString::fromUtf8(face.shift), 3.4, false, Qt::AlignLeft);
 }
 
+// A long name of a key can't be read on a key of the pad: its sign stands for it, as keyboards have it.
+QStringList paintedNames(QStringList names) {
+    constexpr int longName = 6;  // letters
+    constexpr std::pair<Qt::Key, const char *> signs[] = {{Qt::Key_Shift, "⇧"}, {Qt::Key_Space, "␣"}};
+    for (QString &name : names) {
+        for (const auto &[key, sign] : signs)
+            if (name.size() >= longName && name == QKeySequence(key).toString(QKeySequence::NativeText))
+                name = QString::fromUtf8(sign);
+    }
+    return names;
+}
+
 }  // namespace
 
 std::vector<KeypadText> keypadTexts() {
@@ -112,22 +124,6 @@ void paintKeypad(QPainter &painter, double pixelsPerDot) {
         paintSecondLegends(painter, face, pixelsPerDot);
     }
 }
-
-namespace {
-
-// A long name of a key can't be read on a key of the pad: its sign stands for it, as keyboards have it.
-QStringList paintedNames(QStringList names) {
-    constexpr int longName = 6;  // letters
-    constexpr std::pair<Qt::Key, const char *> signs[] = {{Qt::Key_Shift, "⇧"}, {Qt::Key_Space, "␣"}};
-    for (QString &name : names) {
-        for (const auto &[key, sign] : signs)
-            if (name.size() >= longName && name == QKeySequence(key).toString(QKeySequence::NativeText))
-                name = QString::fromUtf8(sign);
-    }
-    return names;
-}
-
-}  // namespace
 
 void paintKeyboardNames(QPainter &painter, QStringList (*namesOf)(int keyCode)) {
     const QColor paper(0xFF, 0xFB, 0xE0), ink(0x14, 0x1A, 0x22);
